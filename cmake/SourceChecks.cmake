@@ -1,0 +1,133 @@
+# Two checks that stand in for a Mac where there is none; they compile nothing that is run.
+#
+#   check-macos    type-checks src/**/macos against cmake/apple-declarations and GNUstep's headers,
+#                  and wants an answer there to everything that is answered in a linux/ folder
+#   check-libcxx   compiles the core's sources with clang and libc++, the library of Apple's tools
+#
+# A target whose compiler or headers are missing says so and succeeds.
+
+find_program(VELLMARK_CHECK_COMPILER NAMES clang++-16 clang++)
+set(check_warnings -Wall -Wextra -Wconversion -Wshadow -Werror)
+
+# vellmark_skipped_check(NAME REASON): the target in place of a check that cannot be made here.
+function(vellmark_skipped_check name reason)
+    add_custom_target(${name} COMMAND ${CMAKE_COMMAND} -E echo "${name} skipped: ${reason}" VERBATIM)
+endfunction()
+
+# vellmark_check_file(RESULT FOLDER FILE flag...): one file, checked again only when it
+# or something that it includes has changed; appends its stamp to the list RESULT.
+function(vellmark_check_file result folder file)
+    file(RELATIVE_PATH name ${CMAKE_SOURCE_DIR} ${file})
+    string(REPLACE ".." "generated" name ${name})
+    set(stamp ${CMAKE_BINARY_DIR}/${folder}/${name}.ok)
+    cmake_path(GET stamp PARENT_PATH directory)
+    file(MAKE_DIRECTORY ${directory})
+    add_custom_command(OUTPUT ${stamp}
+        COMMAND ${VELLMARK_CHECK_COMPILER} -fsyntax-only -std=c++20 ${check_warnings}
+            ${ARGN} -MD -MF ${stamp}.d -MT ${stamp} ${file}
+        COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
+        DEPENDS ${file} DEPFILE ${stamp}.d
+        COMMENT "Checking ${name}" VERBATIM)
+    set(${result} ${${result}} ${stamp} PARENT_SCOPE)
+endfunction()
+
+# A file with the include directories and definitions of a target and of all that it uses, as flags.
+function(vellmark_flags_of target check result)
+    set(file ${CMAKE_BINARY_DIR}/${check}/${target}.txt)
+    set(include "$<TARGET_PROPERTY:${target},INCLUDE_DIRECTORIES>")
+    set(definitions "$<TARGET_PROPERTY:${target},COMPILE_DEFINITIONS>")
+    # After the system's own: its directories must not come before those of the standard library.
+    file(GENERATE OUTPUT ${file} CONTENT "-I${CMAKE_SOURCE_DIR}/src\n\
+-idirafter$<JOIN:$<REMOVE_DUPLICATES:${include}>,\n-idirafter>\n\
+$<$<BOOL:${definitions}>:'-D$<JOIN:${definitions},'\n'-D>'>\n")
+    set(${result} @${file} PARENT_SCOPE)
+endfunction()
+
+# The headers that a source in linux/ answers and none in macos/ beside it does.
+function(vellmark_unanswered_questions linux_sources result)
+    foreach(source IN LISTS linux_sources)
+        cmake_path(GET source STEM name)
+        cmake_path(GET source PARENT_PATH folder)
+        cmake_path(GET folder PARENT_PATH folder)
+        file(GLOB answer ${folder}/macos/${name}.cpp ${folder}/macos/${name}.mm)
+        if(EXISTS ${folder}/${name}.h AND NOT answer)
+            file(RELATIVE_PATH header ${CMAKE_SOURCE_DIR} ${folder}/${name}.h)
+            list(APPEND unanswered ${header})
+        endif()
+    endforeach()
+    list(JOIN unanswered " " unanswered)
+    set(${result} ${unanswered} PARENT_SCOPE)
+endfunction()
+
+function(vellmark_check_macos)
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/*.cpp
+        ${CMAKE_SOURCE_DIR}/src/*.mm)
+    set(linux_sources ${sources})
+    list(FILTER sources INCLUDE REGEX "/macos/")
+    list(FILTER linux_sources INCLUDE REGEX "/linux/")
+    execute_process(COMMAND gcc -print-file-name=include OUTPUT_VARIABLE gcc_headers
+        OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+    set(flags -x objective-c++ -fblocks -fobjc-runtime=macosx-13.0 -fobjc-exceptions
+        -fconstant-string-class=NSConstantString -DGNUSTEP -DGNUSTEP_BASE_LIBRARY=1
+        -DGNU_GUI_LIBRARY=1 -DGNU_RUNTIME=1
+        -isystem ${CMAKE_SOURCE_DIR}/cmake/apple-declarations -isystem /usr/include/GNUstep
+        -idirafter ${gcc_headers})
+    set(includer vellmark_probes)
+    if(TARGET vellmark_app)
+        set(includer vellmark_app)
+    endif()
+    vellmark_flags_of(${includer} check-macos include_flags)
+    list(APPEND flags ${include_flags})
+    foreach(source IN LISTS sources)
+        vellmark_check_file(stamps check-macos ${source} ${flags})
+    endforeach()
+    vellmark_unanswered_questions("${linux_sources}" unanswered)
+    if(unanswered)
+        add_custom_target(check-macos DEPENDS ${stamps}
+            COMMAND ${CMAKE_COMMAND} -E echo "Answered on Linux only: ${unanswered}"
+            COMMAND ${CMAKE_COMMAND} -E false VERBATIM)
+    else()
+        add_custom_target(check-macos DEPENDS ${stamps})
+    endif()
+endfunction()
+
+function(vellmark_check_libcxx)
+    get_property(libraries GLOBAL PROPERTY vellmark_libraries)
+    list(FILTER libraries EXCLUDE REGEX "^vellmark_(app|ui)") # Qt is built for the other library
+    foreach(library IN LISTS libraries)
+        get_target_property(sources ${library} SOURCES)
+        get_target_property(directory ${library} SOURCE_DIR)
+        vellmark_flags_of(${library} check-libcxx flags)
+        foreach(source IN LISTS sources)
+            cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY ${directory})
+            if(source MATCHES "\\.cpp$")
+                vellmark_check_file(stamps check-libcxx ${source}
+                    -stdlib=libc++ ${flags})
+            endif()
+        endforeach()
+    endforeach()
+    add_custom_target(check-libcxx DEPENDS ${stamps})
+endfunction()
+
+if(NOT VELLMARK_CHECK_COMPILER)
+    vellmark_skipped_check(check-macos "clang++ is not installed")
+    vellmark_skipped_check(check-libcxx "clang++ is not installed")
+    return()
+endif()
+
+if(APPLE)
+    vellmark_skipped_check(check-macos "the real compiler builds these sources here")
+elseif(NOT EXISTS /usr/include/GNUstep/Foundation/Foundation.h OR NOT EXISTS /usr/include/Block.h)
+    vellmark_skipped_check(check-macos
+        "needs the packages libgnustep-gui-dev, gobjc++ and libblocksruntime-dev")
+else()
+    vellmark_check_macos()
+endif()
+
+execute_process(COMMAND ${VELLMARK_CHECK_COMPILER} -stdlib=libc++ -x c++ -fsyntax-only -include version
+    /dev/null RESULT_VARIABLE libcxx_missing OUTPUT_QUIET ERROR_QUIET)
+if(libcxx_missing)
+    vellmark_skipped_check(check-libcxx "needs libc++'s headers (package libc++-16-dev)")
+else()
+    vellmark_check_libcxx()
+endif()

@@ -1,0 +1,83 @@
+# One function for each kind of target, so that every folder is built and warned about alike.
+
+# Designated initializers name the fields that matter; the others have their defaults. g++ 12 takes
+# the library's own moving of strings for overlapping or overflowing copies when it optimises (its bugs
+# 105651 and 105329); clang looks for both. Some libraries
+# ask for -pthread and others do not; what shares precompiled headers must be compiled alike.
+add_library(vellmark_options INTERFACE)
+target_compile_options(vellmark_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wno-missing-field-initializers
+    $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict;-Wno-array-bounds;-Wno-stringop-overflow>
+    $<$<BOOL:${VELLMARK_PRECOMPILED_HEADERS}>:-pthread>
+    $<$<BOOL:${VELLMARK_WERROR}>:-Werror>)
+target_compile_definitions(vellmark_options INTERFACE
+    VELLMARK_VERSION="${PROJECT_VERSION}" VELLMARK_BUILD="${VELLMARK_BUILD_NUMBER}")
+if(VELLMARK_SANITIZE)
+    target_compile_options(vellmark_options INTERFACE
+        -fsanitize=${VELLMARK_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all -g1)
+    target_link_options(vellmark_options INTERFACE -fsanitize=${VELLMARK_SANITIZE})
+endif()
+
+# Precompiled headers are made once for all libraries and once for all tests. The targets of Qt are
+# compiled as position-independent code and cannot share them.
+if(VELLMARK_PRECOMPILED_HEADERS)
+    set(empty_source ${CMAKE_BINARY_DIR}/precompiled.cpp)
+    file(CONFIGURE OUTPUT ${empty_source} CONTENT "")
+    foreach(kind IN ITEMS library test)
+        add_library(vellmark_${kind}_headers OBJECT ${empty_source})
+        target_link_libraries(vellmark_${kind}_headers PRIVATE
+            nlohmann_json::nlohmann_json vellmark_options)
+        target_precompile_headers(vellmark_${kind}_headers PRIVATE <algorithm> <chrono>
+            <filesystem> <fstream> <functional> <map> <memory> <optional> <string> <thread>
+            <vector> <nlohmann/json.hpp>)
+    endforeach()
+    if(BUILD_TESTING)
+        target_link_libraries(vellmark_test_headers PRIVATE GTest::gmock)
+        target_precompile_headers(vellmark_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+    endif()
+endif()
+
+function(vellmark_share_precompiled_headers target kind)
+    if(VELLMARK_PRECOMPILED_HEADERS AND NOT target MATCHES "^vellmark_(app|ui)")
+        target_precompile_headers(${target} REUSE_FROM vellmark_${kind}_headers)
+    endif()
+endfunction()
+
+# vellmark_library(NAME SOURCES file... USES library...)
+# The library of the folder it is called in, as vellmark::NAME. USES lists everything that the
+# folder may include: the arrows of docs/architecture.md, written where they bind.
+function(vellmark_library name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;USES")
+    add_library(vellmark_${name} STATIC ${arg_SOURCES})
+    add_library(vellmark::${name} ALIAS vellmark_${name})
+    target_include_directories(vellmark_${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
+    target_link_libraries(vellmark_${name} PUBLIC ${arg_USES} PRIVATE vellmark_options)
+    set_property(GLOBAL APPEND PROPERTY vellmark_libraries vellmark_${name})
+    vellmark_share_precompiled_headers(vellmark_${name} library)
+endfunction()
+
+# vellmark_program(NAME OUTPUT file-name SOURCES file... USES library...)
+function(vellmark_program name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "OUTPUT" "SOURCES;USES")
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE ${arg_USES} vellmark_options)
+    if(arg_OUTPUT)
+        set_target_properties(${name} PROPERTIES OUTPUT_NAME ${arg_OUTPUT})
+    endif()
+endfunction()
+
+# vellmark_test(FOLDER SOURCES file... USES library...)
+# The tests of one folder of src/ as one program; every case is a test of its own for ctest.
+function(vellmark_test folder)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;USES")
+    add_executable(vellmark_${folder}_tests ${arg_SOURCES})
+    target_include_directories(vellmark_${folder}_tests PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+    target_compile_definitions(vellmark_${folder}_tests PRIVATE
+        VELLMARK_BINARY_DIRECTORY="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}"
+        VELLMARK_SOURCE_DIRECTORY="${CMAKE_SOURCE_DIR}")
+    target_link_libraries(vellmark_${folder}_tests PRIVATE
+        ${arg_USES} GTest::gmock GTest::gtest_main vellmark_options)
+    vellmark_share_precompiled_headers(vellmark_${folder}_tests test)
+    gtest_discover_tests(vellmark_${folder}_tests DISCOVERY_MODE PRE_TEST
+        TEST_PREFIX "${folder}." PROPERTIES TIMEOUT 120)
+endfunction()

@@ -1,0 +1,5 @@
+#pragma once
+
+#include_next <fcntl.h>
+
+#define F_SETNOSIGPIPE 73

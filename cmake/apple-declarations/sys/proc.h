@@ -1,0 +1,3 @@
+#pragma once
+
+#define SZOMB 5

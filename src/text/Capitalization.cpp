@@ -1,0 +1,26 @@
+#include "text/Capitalization.h"
+
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+
+namespace vellmark {
+
+std::string capitalized(std::string_view text) {
+    const auto source = icu::UnicodeString::fromUTF8(
+        icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
+    icu::UnicodeString result;
+    bool insideWord = false;
+    for (std::int32_t index = 0; index < source.length(); index = source.moveIndex32(index, 1)) {
+        const UChar32 character = source.char32At(index);
+        result.append(insideWord ? u_tolower(character) : u_totitle(character));
+        // An apostrophe or a combining mark belongs to the word that it stands in.
+        if (!(insideWord && u_hasBinaryProperty(character, UCHAR_CASE_IGNORABLE))) {
+            insideWord = u_hasBinaryProperty(character, UCHAR_CASED) != 0;
+        }
+    }
+    std::string utf8;
+    result.toUTF8String(utf8);
+    return utf8;
+}
+
+} // namespace vellmark

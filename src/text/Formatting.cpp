@@ -1,0 +1,254 @@
+#include "text/Formatting.h"
+
+#include "text/Dates.h"
+#include "text/TimeZoneRules.h"
+
+#include <unicode/dtptngen.h>
+#include <unicode/numberformatter.h>
+#include <unicode/smpdtfmt.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string_view>
+#include <utility>
+
+namespace vellmark {
+
+namespace {
+
+namespace number = icu::number;
+
+/// Stands for a figure that is none.
+constexpr std::string_view noFigure = "–";
+
+constexpr Seconds minute(60);
+constexpr Seconds hour(3600);
+constexpr Seconds day(86400);
+
+/// Figures beyond are nonsense of an agent; they shall not fill the screen.
+constexpr double largestFigure = 1e9;
+
+icu::UnicodeString unicodeString(std::string_view text) {
+    return icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});
+}
+
+/// The words' language with the user's region: month names must be in the language of the sentence
+/// around them, while order, clock and separators are the region's.
+icu::Locale formatLocale(const Localization& words) {
+    const icu::Locale user(words.localeIdentifier().c_str());
+    return icu::Locale(words.languageCode() == "en" ? "en" : "de", user.getCountry(), nullptr,
+                       "calendar=gregorian;numbers=latn");
+}
+
+TimeZone zone(const Localization& words) {
+    if (const auto named = TimeZone::named(words.timeZoneIdentifier())) {
+        return *named;
+    }
+    return TimeZone::system();
+}
+
+std::string plainText(const number::FormattedNumber& number, UErrorCode status) {
+    std::string result;
+    number.toTempString(status).toUTF8String(result);
+    return U_SUCCESS(status) ? result : std::string(noFigure);
+}
+
+std::string formatted(const number::UnlocalizedNumberFormatter& formatter, double value,
+                      const Localization& words) {
+    UErrorCode status = U_ZERO_ERROR;
+    return plainText(formatter.locale(formatLocale(words)).formatDouble(value, status), status);
+}
+
+/// Percentages are the most frequent figures, so their formatters are kept; unlike those of dates
+/// they may be shared between threads.
+const number::LocalizedNumberFormatter& percentFormatter(const Localization& words, int decimals) {
+    static std::mutex mutex;
+    static std::map<std::pair<std::string, int>, number::LocalizedNumberFormatter> formatters;
+    const icu::Locale locale = formatLocale(words);
+    const std::lock_guard lock(mutex);
+    const auto [found, isNew] = formatters.try_emplace({locale.getName(), decimals});
+    if (isNew) {
+        found->second = number::NumberFormatter::with()
+                            .unit(icu::MeasureUnit::getPercent())
+                            .precision(number::Precision::fixedFraction(decimals))
+                            .locale(locale);
+    }
+    return found->second;
+}
+
+/// ICU's releases differ in the blank before "PM"; a terminal and a search know the plain one.
+icu::UnicodeString withPlainBlanks(icu::UnicodeString text) {
+    for (const char16_t blank : {u'\u202F', u'\u00A0', u'\u2009'}) {
+        text.findAndReplace(icu::UnicodeString(blank), icu::UnicodeString(u' '));
+    }
+    return text;
+}
+
+/// Formats by the fields in `skeleton` in the order and with the clock that the locale prefers.
+/// Finding those takes milliseconds, so formatters are kept; there are few, one for each locale
+/// and skeleton. They are not to be shared between threads, hence the lock.
+std::string dateText(Instant instant, const char* skeleton, const Localization& words) {
+    static std::mutex mutex;
+    static std::map<std::string, std::unique_ptr<icu::SimpleDateFormat>, std::less<>> formatters;
+    const icu::Locale locale = formatLocale(words);
+    const std::string key = std::string(locale.getName()) + "/" + skeleton;
+    const TimeZone timeZone = zone(words);
+    const std::lock_guard lock(mutex);
+    auto& formatter = formatters[key];
+    if (!formatter) {
+        UErrorCode status = U_ZERO_ERROR;
+        const std::unique_ptr<icu::DateTimePatternGenerator> generator(
+            icu::DateTimePatternGenerator::createInstance(locale, status));
+        if (U_SUCCESS(status)) {
+            formatter = std::make_unique<icu::SimpleDateFormat>(
+                generator->getBestPattern(icu::UnicodeString(skeleton, -1, US_INV), status), locale,
+                status);
+        }
+        if (U_FAILURE(status)) {
+            formatter.reset();
+            return std::string(noFigure);
+        }
+    }
+    formatter->setTimeZone(*TimeZoneRules::of(timeZone).icuZone);
+    icu::UnicodeString text;
+    std::string result;
+    withPlainBlanks(formatter->format(icuDate(instant), text)).toUTF8String(result);
+    return result;
+}
+
+/// Whole units in a span, which may be negative or no number.
+std::int64_t wholeUnits(Seconds span, Seconds unit) {
+    const double units = std::floor(span / unit);
+    return std::isnan(units) ? 0 : static_cast<std::int64_t>(std::clamp(units, 0.0, largestFigure));
+}
+
+std::string unitText(const char* key, std::int64_t count, const Localization& words) {
+    return words.format(key, {count});
+}
+
+/// Days from `now`'s date to that of `instant`, by the calendar.
+std::int64_t calendarDaysBetween(Instant now, Instant instant, const TimeZone& timeZone) {
+    const auto dayNumber = [&](Instant moment) {
+        const CalendarDate date = timeZone.calendarDate(moment);
+        return std::chrono::sys_days(std::chrono::year(date.year) /
+                                     std::chrono::month(static_cast<unsigned>(date.month)) /
+                                     std::chrono::day(static_cast<unsigned>(date.day)))
+            .time_since_epoch()
+            .count();
+    };
+    return dayNumber(instant) - dayNumber(now);
+}
+
+} // namespace
+
+std::string percentText(double percent, const Localization& words) {
+    if (std::isnan(percent)) {
+        return std::string(noFigure);
+    }
+    const double shown = std::clamp(percent, -largestFigure, largestFigure);
+    const double tenths = std::nearbyint(shown * 10) / 10;
+    const bool needsDecimal = std::abs(tenths) < 10 && tenths != std::nearbyint(tenths);
+    // Adding zero turns a negative one, which would be written with its sign.
+    const double value = (needsDecimal ? tenths : std::nearbyint(shown)) + 0.0;
+    UErrorCode status = U_ZERO_ERROR;
+    return plainText(percentFormatter(words, needsDecimal ? 1 : 0).formatDouble(value, status),
+                     status);
+}
+
+std::string integerText(std::int64_t value, const Localization& words) {
+    if (value > -1000 && value < 1000) {
+        return std::to_string(value);
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    return plainText(
+        number::NumberFormatter::withLocale(formatLocale(words)).formatInt(value, status), status);
+}
+
+std::string decimalText(double value, const Localization& words) {
+    if (std::isnan(value)) {
+        return std::string(noFigure);
+    }
+    return formatted(number::NumberFormatter::with().precision(number::Precision::fixedFraction(1)),
+                     std::clamp(value, -largestFigure, largestFigure), words);
+}
+
+std::string moneyText(double amount, const std::string& currencyCode, const Localization& words) {
+    if (std::isnan(amount)) {
+        return std::string(noFigure);
+    }
+    constexpr double largestAmount = 1e15;
+    const double shown = std::clamp(amount, -largestAmount, largestAmount);
+    const bool isCode =
+        currencyCode.size() == 3 && std::ranges::all_of(currencyCode, [](char letter) {
+            return (letter >= 'A' && letter <= 'Z') || (letter >= 'a' && letter <= 'z');
+        });
+    if (!isCode) {
+        const std::string figure = formatted(
+            number::NumberFormatter::with().precision(number::Precision::fixedFraction(2)), shown,
+            words);
+        return currencyCode.empty() ? figure : figure + " " + currencyCode;
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::CurrencyUnit currency(unicodeString(currencyCode).toUpper().getTerminatedBuffer(),
+                                     status);
+    return formatted(number::NumberFormatter::with().unit(currency), shown, words);
+}
+
+std::string durationText(Seconds span, const Localization& words) {
+    const std::int64_t days = wholeUnits(span, day);
+    const std::int64_t hours = wholeUnits(span, hour);
+    const std::int64_t minutes = wholeUnits(span, minute);
+    const auto both = [&](const char* first, std::int64_t firstCount, const char* second,
+                          std::int64_t secondCount) {
+        const std::string text = unitText(first, firstCount, words);
+        return secondCount == 0 ? text : text + ' ' + unitText(second, secondCount, words);
+    };
+    if (days > 0) {
+        return both("duration.days", days, "duration.hours", hours - days * 24);
+    }
+    if (hours > 0) {
+        return both("duration.hours", hours, "duration.minutes", minutes - hours * 60);
+    }
+    return minutes > 0 ? unitText("duration.minutes", minutes, words)
+                       : words.text("duration.underMinute");
+}
+
+std::string roughDurationText(Seconds span, const Localization& words) {
+    constexpr std::int64_t mostMinutes = 90;
+    constexpr std::int64_t mostHours = 48;
+    const std::int64_t minutes = wholeUnits(span, minute);
+    if (minutes <= mostMinutes) {
+        return minutes > 0 ? unitText("duration.minutes", minutes, words)
+                           : words.text("duration.underMinute");
+    }
+    const std::int64_t hours = wholeUnits(span, hour);
+    return hours <= mostHours ? unitText("duration.hours", hours, words)
+                              : unitText("duration.days", wholeUnits(span, day), words);
+}
+
+std::string forecastDurationText(Seconds span, const Localization& words) {
+    return span < 3 * hour ? durationText(span, words) : roughDurationText(span, words);
+}
+
+std::string timeText(Instant instant, const Localization& words) {
+    return dateText(instant, "jm", words);
+}
+
+std::string instantText(Instant instant, Instant now, const Localization& words) {
+    const std::int64_t days = calendarDaysBetween(now, instant, zone(words));
+    if (days == 0) {
+        return timeText(instant, words);
+    }
+    return dateText(instant, std::abs(days) < 7 ? "Ejm" : "MMMdjm", words);
+}
+
+std::string dateTimeText(Instant instant, const Localization& words) {
+    return dateText(instant, "yMdjms", words);
+}
+
+} // namespace vellmark

@@ -1,0 +1,187 @@
+#include "text/Pattern.h"
+
+#include <re2/re2.h>
+
+#include <array>
+#include <cstdint>
+
+namespace vellmark {
+
+namespace {
+
+/// What the automata of one pattern may hold. RE2 stays linear beyond it, only slower.
+constexpr std::int64_t memoryLimit = std::int64_t{32} << 20;
+
+/// ICU's meaning of a class escape, as the inside of a bracket expression; `negated` where the
+/// escape outside brackets is the complement.
+struct ClassEscape {
+    char letter;
+    std::string_view members;
+    bool negated;
+};
+
+constexpr std::string_view whiteSpace = R"(\t-\r\x{85}\p{Z})";
+constexpr std::string_view wordCharacters = R"(\p{L}\p{M}\p{Nd}\p{Nl}\p{Pc}\x{200C}\x{200D})";
+constexpr std::string_view lineBreaks = R"(\n-\r\x{85}\x{2028}\x{2029})";
+
+constexpr std::array classEscapes{
+    ClassEscape{'s', whiteSpace, false},     ClassEscape{'S', whiteSpace, true},
+    ClassEscape{'d', R"(\p{Nd})", false},    ClassEscape{'D', R"(\p{Nd})", true},
+    ClassEscape{'w', wordCharacters, false}, ClassEscape{'W', wordCharacters, true},
+};
+
+const ClassEscape* classEscape(char letter) {
+    for (const ClassEscape& candidate : classEscapes) {
+        if (candidate.letter == letter) {
+            return &candidate;
+        }
+    }
+    return nullptr;
+}
+
+std::string bracketed(std::string_view members, bool negated) {
+    return (negated ? "[^" : "[") + std::string(members) + "]";
+}
+
+/// The escape `\letter` with its Unicode meaning.
+std::string translatedEscape(char letter, bool insideBrackets) {
+    const ClassEscape* escape = classEscape(letter);
+    if (escape == nullptr) {
+        return {'\\', letter};
+    }
+    if (!insideBrackets) {
+        return bracketed(escape->members, escape->negated);
+    }
+    if (letter == 'D') {
+        return R"(\P{Nd})";
+    }
+    return escape->negated ? std::string{'\\', letter} : std::string(escape->members);
+}
+
+/// RE2's classes are ASCII's and its "." passes all line breaks but one; this spells out the wider
+/// classes that the patterns mean.
+std::string translated(std::string_view expression) {
+    std::string result;
+    bool insideBrackets = false;
+    for (std::size_t index = 0; index < expression.size(); ++index) {
+        const char character = expression[index];
+        if (character == '\\' && index + 1 < expression.size()) {
+            result += translatedEscape(expression[++index], insideBrackets);
+        } else if (character == '.' && !insideBrackets) {
+            result += bracketed(lineBreaks, true);
+        } else {
+            insideBrackets = insideBrackets ? character != ']' : character == '[';
+            result += character;
+        }
+    }
+    return result;
+}
+
+RE2::Options quietOptions() {
+    RE2::Options options;
+    options.set_log_errors(false);
+    options.set_max_mem(memoryLimit);
+    return options;
+}
+
+re2::StringPiece piece(std::string_view text) {
+    return {text.data(), text.size()};
+}
+
+/// The start of the character after the one at `index`.
+std::size_t nextCharacter(std::string_view text, std::size_t index) {
+    do {
+        ++index;
+    } while (index < text.size() && (static_cast<unsigned char>(text[index]) & 0xC0U) == 0x80U);
+    return index;
+}
+
+/// Runs `visit` with the groups of every match from the left; RE2's views are empty and without
+/// data where a group took no part.
+template<typename Visit>
+void forEachMatch(const RE2& expression, std::string_view text, Visit visit) {
+    std::vector<re2::StringPiece> groups(
+        static_cast<std::size_t>(expression.NumberOfCapturingGroups()) + 1);
+    std::size_t from = 0;
+    while (from <= text.size() &&
+           expression.Match(piece(text), from, text.size(), RE2::UNANCHORED, groups.data(),
+                            static_cast<int>(groups.size()))) {
+        const auto begin = static_cast<std::size_t>(groups[0].data() - text.data());
+        visit(begin, groups);
+        from = groups[0].empty() ? nextCharacter(text, begin) : begin + groups[0].size();
+    }
+}
+
+void appendReplacement(std::string& result, std::string_view replacement,
+                       const std::vector<re2::StringPiece>& groups) {
+    for (std::size_t index = 0; index < replacement.size(); ++index) {
+        const char next = index + 1 < replacement.size() ? replacement[index + 1] : '\0';
+        const std::size_t group = next >= '0' && next <= '9' ? std::size_t(next - '0') : SIZE_MAX;
+        if (replacement[index] == '$' && group < groups.size()) {
+            result.append(groups[group].data(), groups[group].size());
+            ++index;
+        } else {
+            result += replacement[index];
+        }
+    }
+}
+
+} // namespace
+
+Pattern::Pattern(std::string_view expression)
+    : expression_(std::make_unique<RE2>(translated(expression), quietOptions())) {}
+
+Pattern::~Pattern() = default;
+Pattern::Pattern(Pattern&&) noexcept = default;
+Pattern& Pattern::operator=(Pattern&&) noexcept = default;
+
+bool Pattern::isValid() const {
+    return expression_->ok();
+}
+
+std::optional<Pattern::Match> Pattern::search(std::string_view text, std::size_t from) const {
+    if (!isValid() || from > text.size()) {
+        return std::nullopt;
+    }
+    std::vector<re2::StringPiece> found(
+        static_cast<std::size_t>(expression_->NumberOfCapturingGroups()) + 1);
+    // An empty view without data would look like a group that took no part.
+    const std::string_view searched = text.data() == nullptr ? std::string_view("") : text;
+    if (!expression_->Match(piece(searched), from, searched.size(), RE2::UNANCHORED, found.data(),
+                            static_cast<int>(found.size()))) {
+        return std::nullopt;
+    }
+    Match match;
+    match.position = static_cast<std::size_t>(found[0].data() - searched.data());
+    match.groups.reserve(found.size());
+    for (const re2::StringPiece& group : found) {
+        match.groups.push_back(group.data() == nullptr
+                                   ? std::nullopt
+                                   : std::optional(std::string_view(group.data(), group.size())));
+    }
+    return match;
+}
+
+bool Pattern::matches(std::string_view text) const {
+    return isValid() && RE2::PartialMatch(piece(text), *expression_);
+}
+
+std::optional<std::string> Pattern::replaceAll(std::string_view text,
+                                               std::string_view replacement) const {
+    if (!isValid()) {
+        return std::nullopt;
+    }
+    const std::string_view searched = text.data() == nullptr ? std::string_view("") : text;
+    std::string result;
+    std::size_t kept = 0;
+    forEachMatch(*expression_, searched,
+                 [&](std::size_t begin, const std::vector<re2::StringPiece>& groups) {
+                     result.append(searched.substr(kept, begin - kept));
+                     appendReplacement(result, replacement, groups);
+                     kept = begin + groups[0].size();
+                 });
+    result.append(searched.substr(kept));
+    return result;
+}
+
+} // namespace vellmark

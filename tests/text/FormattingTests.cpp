@@ -1,0 +1,145 @@
+#include "text/Dates.h"
+#include "text/Formatting.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace vellmark {
+
+namespace {
+
+const char* const zurichName = "Europe/Zurich";
+
+Localization english() {
+    return Localization("en", "en_US", zurichName);
+}
+Localization german() {
+    return Localization("de", "de_DE", zurichName);
+}
+
+Instant zurich(CalendarDate date) {
+    return TimeZone::named(zurichName)->instant(date);
+}
+
+} // namespace
+
+TEST(Formatting, percentages) {
+    struct Case {
+        double percent;
+        const char* english;
+        const char* german;
+    };
+    for (const Case& test : {
+             Case{62, "62%", "62\u00A0%"},
+             Case{9.5, "9.5%", "9,5\u00A0%"},
+             Case{0.4, "0.4%", "0,4\u00A0%"},
+             Case{0.04, "0%", "0\u00A0%"},
+             Case{9.96, "10%", "10\u00A0%"},
+             Case{10.4, "10%", "10\u00A0%"},
+             Case{3, "3%", "3\u00A0%"},
+             Case{-0.01, "0%", "0\u00A0%"},
+             Case{-4.5, "-4.5%", "-4,5\u00A0%"},
+         }) {
+        EXPECT_EQ(percentText(test.percent, english()), test.english);
+        EXPECT_EQ(percentText(test.percent, german()), test.german);
+    }
+    // What is used and what is left add up to 100 when both are halves.
+    EXPECT_EQ(percentText(42.5, english()), "42%");
+    EXPECT_EQ(percentText(57.5, english()), "58%");
+}
+
+TEST(Formatting, spans) {
+    struct Case {
+        double seconds;
+        const char* exact;
+        const char* rough;
+        const char* forecast;
+    };
+    for (const Case& test : {
+             Case{59, "under 1 min", "under 1 min", "under 1 min"},
+             Case{-5000, "under 1 min", "under 1 min", "under 1 min"},
+             Case{60, "1 min", "1 min", "1 min"},
+             Case{87 * 60, "1 h 27 min", "87 min", "1 h 27 min"},
+             Case{90 * 60 + 59, "1 h 30 min", "90 min", "1 h 30 min"},
+             Case{91 * 60, "1 h 31 min", "1 h", "1 h 31 min"},
+             Case{2 * 3600, "2 h", "2 h", "2 h"},
+             Case{3 * 3600 - 1, "2 h 59 min", "2 h", "2 h 59 min"},
+             Case{3 * 3600 + 600, "3 h 10 min", "3 h", "3 h"},
+             Case{43 * 3600, "1 d 19 h", "43 h", "43 h"},
+             Case{3 * 86400 + 18.9 * 3600, "3 d 18 h", "3 d", "3 d"},
+             Case{86400 + 3599, "1 d", "24 h", "24 h"},
+         }) {
+        const Seconds span(test.seconds);
+        EXPECT_EQ(durationText(span, english()), test.exact);
+        EXPECT_EQ(roughDurationText(span, english()), test.rough);
+        EXPECT_EQ(forecastDurationText(span, english()), test.forecast);
+    }
+    EXPECT_EQ(durationText(Seconds(3 * 86400 + 18 * 3600), german()), "3 Tg. 18 Std.");
+    EXPECT_EQ(durationText(Seconds(5220), german()), "1 Std. 27 Min.");
+    EXPECT_EQ(durationText(Seconds(0), german()), "unter 1 Min.");
+}
+
+TEST(Formatting, instantsNameTheirDayWhenItIsNotToday) {
+    const Instant now = zurich({2026, 11, 28, 23, 30, 0});
+    struct Case {
+        CalendarDate date;
+        const char* english;
+        const char* german;
+    };
+    for (const Case& test : {
+             Case{{2026, 11, 28, 16, 15, 0}, "4:15 PM", "16:15"},
+             Case{{2026, 11, 28, 0, 0, 0}, "12:00 AM", "00:00"},
+             Case{{2026, 11, 29, 0, 10, 0}, "Sun 12:10 AM", "So., 00:10"},
+             Case{{2026, 12, 4, 9, 10, 0}, "Fri 9:10 AM", "Fr., 09:10"},
+             Case{{2026, 12, 5, 9, 10, 0}, "Dec 5, 9:10 AM", "5. Dez., 09:10"},
+             Case{{2026, 11, 22, 9, 10, 0}, "Sun 9:10 AM", "So., 09:10"},
+             Case{{2026, 11, 21, 9, 10, 0}, "Nov 21, 9:10 AM", "21. Nov., 09:10"},
+         }) {
+        EXPECT_EQ(instantText(zurich(test.date), now, english()), test.english);
+        EXPECT_EQ(instantText(zurich(test.date), now, german()), test.german);
+    }
+    EXPECT_EQ(dateTimeText(now, english()), "11/28/2026, 11:30:00 PM");
+    EXPECT_EQ(dateTimeText(now, german()), "28.11.2026, 23:30:00");
+}
+
+TEST(Formatting, theRegionChoosesTheClockAndTheLanguageTheNames) {
+    const Instant now = zurich({2026, 11, 28, 12, 0, 0});
+    const Instant reset = zurich({2026, 12, 8, 16, 15, 0});
+    EXPECT_EQ(instantText(reset, now, Localization("en", "de_CH", zurichName)), "8 Dec, 16:15");
+    EXPECT_EQ(timeText(reset, Localization("en", "fr_FR", zurichName)), "16:15");
+    EXPECT_EQ(timeText(reset, Localization("en", "en_US", "Asia/Tokyo")), "12:15 AM");
+    EXPECT_EQ(instantText(reset, now, Localization("it", "", zurichName)), "8. Dez., 16:15");
+    EXPECT_EQ(percentText(62, Localization("en", "ar_EG", zurichName)), "62%");
+    EXPECT_EQ(dateTimeText(now, Localization("de", "th_TH", zurichName)), "28.11.2026, 12:00:00");
+}
+
+TEST(Formatting, money) {
+    EXPECT_EQ(moneyText(1016.8, "USD", english()), "$1,016.80");
+    EXPECT_EQ(moneyText(16.8, "USD", german()), "16,80\u00A0$");
+    EXPECT_EQ(moneyText(-3, "jpy", english()), "-¥3");
+    EXPECT_EQ(moneyText(16.8, "credits", english()), "16.80 credits");
+    EXPECT_EQ(moneyText(16.8, "", english()), "16.80");
+    EXPECT_EQ(moneyText(16.8, "\xFF\xFF\xFF", english()), "16.80 \xFF\xFF\xFF");
+}
+
+TEST(Formatting, noNumberIsTooStrange) {
+    const Localization words = english();
+    const double infinity = std::numeric_limits<double>::infinity();
+    const double none = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_EQ(percentText(none, words), "–");
+    EXPECT_EQ(moneyText(none, "USD", words), "–");
+    EXPECT_EQ(durationText(Seconds(none), words), "under 1 min");
+    for (const double number : {infinity, -infinity, none, 1e300, -1e300}) {
+        EXPECT_LT(percentText(number, words).size(), 20U);
+        EXPECT_LT(moneyText(number, "USD", words).size(), 40U);
+        EXPECT_LT(durationText(Seconds(number), words).size(), 40U);
+        EXPECT_LT(roughDurationText(Seconds(number), words).size(), 40U);
+        EXPECT_FALSE(instantText(Instant(Seconds(number)), Instant(), words).empty());
+        EXPECT_FALSE(dateTimeText(Instant(Seconds(number)), words).empty());
+    }
+    EXPECT_EQ(integerText(std::numeric_limits<std::int64_t>::min(), words),
+              "-9,223,372,036,854,775,808");
+}
+
+} // namespace vellmark
