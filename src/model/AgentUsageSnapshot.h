@@ -1,0 +1,111 @@
+#pragma once
+
+#include "model/AgentProviderID.h"
+#include "model/UsageProviderError.h"
+#include "model/UsageWindow.h"
+#include "text/Instant.h"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace vellmark {
+
+/// A money balance of the agent's account.
+struct BalanceInfo {
+    std::string id;
+    double amount = 0;
+    /// ISO 4217 code as the agent reports it.
+    std::string currencyCode;
+    /// The cap that `amount` counts against, where known.
+    std::optional<double> limit;
+    bool operator==(const BalanceInfo&) const = default;
+};
+
+/// What the agent says about credits: a line in its own words, or that there are some.
+struct CreditInfo {
+    struct Line {
+        std::string text;
+        bool operator==(const Line&) const = default;
+    };
+    struct Available {
+        bool operator==(const Available&) const = default;
+    };
+    std::variant<Line, Available> value;
+    bool operator==(const CreditInfo&) const = default;
+
+    static CreditInfo line(std::string text) { return {Line{std::move(text)}}; }
+    static CreditInfo available() { return {Available{}}; }
+};
+
+/// A diagnostic remark of the Claude probe; it goes to the activity log.
+struct SnapshotNote {
+    /// The scripted session ended without its end marker; `variant` tells the page's ending.
+    struct ClaudeEndMarkerMissing {
+        std::string variant;
+        bool operator==(const ClaudeEndMarkerMissing&) const = default;
+    };
+    /// Milliseconds of the phases of the scripted session.
+    struct ClaudeTiming {
+        std::int64_t waitMs = 0;
+        std::int64_t startMs = 0;
+        std::int64_t statusMs = 0;
+        std::int64_t usageMs = 0;
+        std::int64_t quietMs = 0;
+        std::int64_t endMs = 0;
+        bool operator==(const ClaudeTiming&) const = default;
+    };
+    std::variant<ClaudeEndMarkerMissing, ClaudeTiming> value;
+    bool operator==(const SnapshotNote&) const = default;
+};
+
+/// Where the figures of a snapshot come from.
+enum class SnapshotSource {
+    loading, ///< no reading yet, a probe is running
+    live,    ///< read by the last refresh
+    stale,   ///< the last refresh failed; the previous reading is shown
+};
+
+/// How an agent or a window is doing.
+enum class UsageHealth { healthy, attention, critical, unavailable };
+
+/// One agent's latest reading, or the failed attempt at one.
+struct AgentUsageSnapshot {
+    AgentProviderID id;
+    std::optional<std::string> accountLabel;
+    std::optional<std::string> plan;
+    /// In the order in which the probe reports them.
+    std::vector<UsageWindow> windows;
+    std::vector<BalanceInfo> balances;
+    std::optional<CreditInfo> credit;
+    std::vector<SnapshotNote> notes;
+    SnapshotSource source = SnapshotSource::loading;
+    /// The time of the reading, or of the attempt where it failed.
+    Instant updatedAt{};
+    /// Set when the last attempt failed.
+    std::optional<UsageProviderError> error;
+
+    bool operator==(const AgentUsageSnapshot&) const = default;
+};
+
+} // namespace vellmark
+
+template<>
+struct std::hash<vellmark::BalanceInfo> {
+    std::size_t operator()(const vellmark::BalanceInfo& balance) const noexcept;
+};
+template<>
+struct std::hash<vellmark::CreditInfo> {
+    std::size_t operator()(const vellmark::CreditInfo& credit) const noexcept;
+};
+template<>
+struct std::hash<vellmark::SnapshotNote> {
+    std::size_t operator()(const vellmark::SnapshotNote& note) const noexcept;
+};
+template<>
+struct std::hash<vellmark::AgentUsageSnapshot> {
+    std::size_t operator()(const vellmark::AgentUsageSnapshot& snapshot) const noexcept;
+};

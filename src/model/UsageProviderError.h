@@ -1,0 +1,86 @@
+#pragma once
+
+#include "text/Localization.h"
+
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vellmark {
+
+/// Why an agent could not be read: the one type that a probe throws.
+///
+/// A value with equality and a JSON form. `texts` and `code` hold the payload of the case; use the
+/// makers below, which name it.
+class UsageProviderError : public std::exception {
+public:
+    enum class Kind {
+        executableMissing,
+        launchFailed,
+        claudeReadFailed,
+        timeout,
+        codexReadFailed,
+        claudeNoQuotasDiagnosed,
+        claudePageError,
+        antigravityReadFailed,
+        other,
+        claudeNotLoggedIn,
+        claudeTempFileFailed,
+        codexNoQuotas,
+        codexNoWindows,
+        claudeNoQuotas,
+        antigravityNotLoggedIn,
+        antigravityIneligible,
+        antigravityNoQuotas,
+    };
+
+    /// A case without payload.
+    explicit UsageProviderError(Kind kind) : kind_(kind) {}
+
+    static UsageProviderError executableMissing(std::string name);
+    static UsageProviderError launchFailed(std::string executable, std::string reason);
+    static UsageProviderError claudeReadFailed(std::int64_t status, std::string detail);
+    static UsageProviderError timeout(std::string what);
+    static UsageProviderError codexReadFailed(std::string detail);
+    static UsageProviderError claudeNoQuotasDiagnosed(std::string diagnosis);
+    static UsageProviderError claudePageError(std::string phrase);
+    static UsageProviderError antigravityReadFailed(std::string detail);
+    static UsageProviderError other(std::string message);
+
+    Kind kind() const { return kind_; }
+    /// The text payloads in order; empty for a case without.
+    const std::vector<std::string>& texts() const { return texts_; }
+    /// The status of `claudeReadFailed`.
+    std::int64_t code() const { return code_; }
+
+    /// The key of the message shown to the user; absent for `other`, whose text is the message.
+    std::optional<std::string> messageKey() const;
+    /// The message in the user's language, on one line; the text of `other` as it stands.
+    std::string message(const Localization& words) const;
+
+    /// The case's name, for debuggers and test output.
+    const char* what() const noexcept override;
+
+    bool operator==(const UsageProviderError& other) const {
+        return kind_ == other.kind_ && code_ == other.code_ && texts_ == other.texts_;
+    }
+
+private:
+    friend struct UsageProviderErrorCoding;
+    UsageProviderError(Kind kind, std::vector<std::string> texts, std::int64_t code = 0)
+        : kind_(kind), texts_(std::move(texts)), code_(code) {}
+
+    Kind kind_;
+    std::vector<std::string> texts_;
+    std::int64_t code_ = 0;
+};
+
+} // namespace vellmark
+
+template<>
+struct std::hash<vellmark::UsageProviderError> {
+    std::size_t operator()(const vellmark::UsageProviderError& error) const noexcept;
+};

@@ -1,0 +1,193 @@
+#include "model/UsageRules.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace vellmark {
+
+namespace {
+
+constexpr double full = 100;
+
+/// At or below this remainder a window is critical, whatever time is left.
+constexpr double nearlyNothing = 5;
+/// Without a known time: below these remainders a window is critical or needs attention.
+constexpr double criticalRemainder = 15;
+constexpr double attentionRemainder = 30;
+/// With a known time: points behind an even pace.
+constexpr double criticalDeficit = -15;
+constexpr double attentionDeficit = -5;
+
+/// Points around an even pace that still count as on plan.
+constexpr double planTolerance = 5;
+
+/// A pace needs this share of the window, in percent, to have passed.
+constexpr double leastElapsed = 5;
+
+constexpr Seconds recentPast(2 * 3600);
+/// A pace taken over less than this is a burst.
+constexpr Seconds leastRecentSpan(600);
+/// A fall of the used share beyond this is a reset, below it the agent's rounding.
+constexpr double resetFall = 1;
+
+/// Running out this little before the reset is a rounding of the arithmetic.
+constexpr Seconds leastShortfall(1);
+
+double clampedPercent(double percent) {
+    return std::clamp(percent, 0.0, full);
+}
+
+Seconds length(const UsageWindow& window) {
+    return Seconds(window.windowDurationMinutes.value_or(0) * 60);
+}
+
+Severity graded(double deficit) {
+    if (deficit <= criticalDeficit) {
+        return Severity::critical;
+    }
+    return deficit <= attentionDeficit ? Severity::attention : Severity::fine;
+}
+
+/// Percent used per second over the recent points of the window's present period; absent when they
+/// reach back too short a time.
+std::optional<double> recentRate(const UsageWindow& window, Instant now,
+                                 std::span<const UsagePoint> recent) {
+    const Instant earliest = std::max(now - recentPast, *window.resetsAt - length(window));
+    std::optional<UsagePoint> first;
+    UsagePoint last;
+    for (const UsagePoint& point : recent) {
+        if (point.capturedAt < earliest || point.capturedAt > now) {
+            continue;
+        }
+        if (!first || point.usedPercent < last.usedPercent - resetFall) {
+            first = point;
+        }
+        last = point;
+    }
+    if (!first || now - first->capturedAt < leastRecentSpan ||
+        window.usedPercent < last.usedPercent - resetFall) {
+        return std::nullopt;
+    }
+    return (window.usedPercent - first->usedPercent) / (now - first->capturedAt).count();
+}
+
+} // namespace
+
+double remainingPercent(const UsageWindow& window) {
+    return full - window.usedPercent;
+}
+
+std::optional<double> timeRemainingPercent(const UsageWindow& window, Instant now) {
+    const double seconds = length(window).count();
+    if (!window.resetsAt || !std::isfinite(seconds) || seconds <= 0) {
+        return std::nullopt;
+    }
+    const double percent = (*window.resetsAt - now) / length(window) * full;
+    return std::isfinite(percent) ? std::optional(percent) : std::nullopt;
+}
+
+std::optional<double> elapsedPercent(const UsageWindow& window, Instant now) {
+    const auto timeRemaining = timeRemainingPercent(window, now);
+    return timeRemaining ? std::optional(clampedPercent(full - *timeRemaining)) : std::nullopt;
+}
+
+Severity severity(const UsageWindow& window, Instant now) {
+    const double remaining = remainingPercent(window);
+    if (remaining >= full) {
+        return Severity::fine;
+    }
+    if (remaining <= nearlyNothing) {
+        return Severity::critical;
+    }
+    const auto timeRemaining = timeRemainingPercent(window, now);
+    if (!timeRemaining) {
+        if (remaining < criticalRemainder) {
+            return Severity::critical;
+        }
+        return remaining < attentionRemainder ? Severity::attention : Severity::fine;
+    }
+    if (*timeRemaining >= full) {
+        return graded(remaining - full);
+    }
+    if (*timeRemaining < 0) {
+        return Severity::fine;
+    }
+    return graded(clampedPercent(remaining) - *timeRemaining);
+}
+
+UsageHealth health(const UsageWindow& window, Instant now) {
+    switch (severity(window, now)) {
+    case Severity::critical:
+        return UsageHealth::critical;
+    case Severity::attention:
+        return UsageHealth::attention;
+    case Severity::fine:
+        break;
+    }
+    return UsageHealth::healthy;
+}
+
+UsageHealth health(const AgentUsageSnapshot& snapshot, Instant now) {
+    if (snapshot.windows.empty()) {
+        return UsageHealth::unavailable;
+    }
+    Severity worst = Severity::fine;
+    const UsageWindow* worstWindow = &snapshot.windows.front();
+    for (const UsageWindow& window : snapshot.windows) {
+        if (severity(window, now) > worst) {
+            worst = severity(window, now);
+            worstWindow = &window;
+        }
+    }
+    return health(*worstWindow, now);
+}
+
+UsageHealth worse(UsageHealth first, UsageHealth second) {
+    for (const UsageHealth candidate :
+         {UsageHealth::critical, UsageHealth::attention, UsageHealth::unavailable}) {
+        if (first == candidate || second == candidate) {
+            return candidate;
+        }
+    }
+    return UsageHealth::healthy;
+}
+
+std::optional<double> pace(const UsageWindow& window, Instant now) {
+    const auto elapsed = elapsedPercent(window, now);
+    if (!elapsed || *elapsed < leastElapsed || !(window.usedPercent > 0)) {
+        return std::nullopt;
+    }
+    return window.usedPercent / (*elapsed / full);
+}
+
+std::optional<Planning> planning(const UsageWindow& window, Instant now) {
+    const auto timeRemaining = timeRemainingPercent(window, now);
+    if (!timeRemaining || *timeRemaining < 0 || std::isnan(window.usedPercent)) {
+        return std::nullopt;
+    }
+    Planning result;
+    result.points = clampedPercent(remainingPercent(window)) - std::min(*timeRemaining, full);
+    if (result.points > planTolerance) {
+        result.kind = Planning::Kind::reserve;
+    } else if (result.points < -planTolerance) {
+        result.kind = Planning::Kind::deficit;
+    }
+    return result;
+}
+
+std::optional<Forecast> forecast(const UsageWindow& window, Instant now,
+                                 std::span<const UsagePoint> recent) {
+    const auto overallPace = pace(window, now);
+    if (!overallPace || *window.resetsAt <= now) {
+        return std::nullopt;
+    }
+    const double overallRate = *overallPace / length(window).count();
+    const double rate = std::max(overallRate, recentRate(window, now, recent).value_or(0));
+    const Seconds untilEmpty(std::max(remainingPercent(window), 0.0) / rate);
+    if (!(untilEmpty < *window.resetsAt - now - leastShortfall)) {
+        return Forecast{};
+    }
+    return Forecast{.emptyAt = now + untilEmpty};
+}
+
+} // namespace vellmark

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "model/AgentUsageSnapshot.h"
+#include "text/Instant.h"
+
+#include <optional>
+#include <span>
+
+namespace vellmark {
+
+/// The arithmetic of health, planning and forecast: pure functions of a window and now.
+
+/// Remaining share in percent, 100 − used, not clamped.
+double remainingPercent(const UsageWindow& window);
+
+/// The share of the window's time that is left, in percent; absent without a reset time or a
+/// positive duration. Negative once the reset is past, above 100 when it is too far away.
+std::optional<double> timeRemainingPercent(const UsageWindow& window, Instant now);
+
+/// The share of the window's time that has passed, clamped to 0 to 100.
+std::optional<double> elapsedPercent(const UsageWindow& window, Instant now);
+
+/// How pressing a window is, in rising order.
+enum class Severity { fine = 0, attention = 1, critical = 2 };
+Severity severity(const UsageWindow& window, Instant now);
+
+UsageHealth health(const UsageWindow& window, Instant now);
+/// The worst of the agent's windows; `unavailable` when it has none.
+UsageHealth health(const AgentUsageSnapshot& snapshot, Instant now);
+/// The worse of two: critical, attention, unavailable, healthy, in this order.
+UsageHealth worse(UsageHealth first, UsageHealth second);
+
+/// Percent used per elapsed fraction of the window; absent without a reset time and duration, with
+/// nothing used, or before 5 % of the window has passed.
+std::optional<double> pace(const UsageWindow& window, Instant now);
+
+/// What is left compared with the time that is left; within 5 points of it is on plan.
+struct Planning {
+    enum class Kind { reserve, onPlan, deficit };
+    Kind kind = Kind::onPlan;
+    /// Remaining − time remaining, in points, both taken as 0 to 100.
+    double points = 0;
+    bool operator==(const Planning&) const = default;
+};
+/// Absent without a reset time and duration, and once the reset is past.
+std::optional<Planning> planning(const UsageWindow& window, Instant now);
+
+/// A point of recent history, for the forecast's recent pace.
+struct UsagePoint {
+    Instant capturedAt{};
+    double usedPercent = 0;
+    bool operator==(const UsagePoint&) const = default;
+};
+
+/// Whether the quota lasts at the present pace.
+struct Forecast {
+    /// When it runs out; absent when it lasts until the reset.
+    std::optional<Instant> emptyAt;
+    bool operator==(const Forecast&) const = default;
+};
+
+/// `recent` holds the window's samples, oldest first; a steeper pace found in those of the last two
+/// hours counts, provided that they belong to the present period and span ten minutes. Absent when
+/// there are no grounds for a forecast: no pace, or the reset is past.
+std::optional<Forecast> forecast(const UsageWindow& window, Instant now,
+                                 std::span<const UsagePoint> recent = {});
+
+} // namespace vellmark

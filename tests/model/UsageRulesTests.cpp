@@ -1,0 +1,183 @@
+#include "model/UsageRules.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <vector>
+
+namespace vellmark {
+
+namespace {
+
+const Instant now(Seconds(800000000));
+constexpr double periodMinutes = 1000;
+
+/// A window with so much left of its quota and (in percent) of its time.
+UsageWindow window(double remaining, std::optional<double> timeRemaining) {
+    UsageWindow result{"w", 100 - remaining, periodMinutes, {}};
+    if (timeRemaining) {
+        result.resetsAt = now + Seconds(*timeRemaining / 100 * periodMinutes * 60);
+    }
+    return result;
+}
+
+double hoursUntilEmpty(const UsageWindow& window, std::vector<UsagePoint> recent = {}) {
+    const auto outlook = forecast(window, now, recent);
+    return outlook && outlook->emptyAt ? (*outlook->emptyAt - now).count() / 3600 : -1;
+}
+
+} // namespace
+
+TEST(UsageRules, severityHasSharpEdges) {
+    using enum Severity;
+    struct Case {
+        double remaining;
+        std::optional<double> timeRemaining;
+        Severity expected;
+    };
+    for (const Case& test : {
+             Case{100, 1000, fine},    Case{120, {}, fine},       Case{5, 0, critical},
+             Case{5, -10, critical},   Case{-3, {}, critical},    Case{5.01, {}, critical},
+             Case{14.9, {}, critical}, Case{15, {}, attention},   Case{29.9, {}, attention},
+             Case{30, {}, fine},       Case{85, 100, critical},   Case{85.1, 100, attention},
+             Case{95, 150, attention}, Case{95.1, 150, fine},     Case{5.1, -0.001, fine},
+             Case{35, 50, critical},   Case{35.1, 50, attention}, Case{45, 50, attention},
+             Case{45.1, 50, fine},     Case{6, 0, fine},
+         }) {
+        EXPECT_EQ(severity(window(test.remaining, test.timeRemaining), now), test.expected)
+            << test.remaining << " " << test.timeRemaining.value_or(NAN);
+    }
+}
+
+TEST(UsageRules, severityNeverFallsWithLessLeft) {
+    for (const std::optional<double> time :
+         {std::optional<double>(), {-5.0}, {0.0}, {40.0}, {99.9}, {100.0}, {170.0}}) {
+        Severity before = Severity::fine;
+        for (double remaining = 110; remaining > -10; remaining -= 0.25) {
+            const Severity next = severity(window(remaining, time), now);
+            ASSERT_GE(next, before) << remaining << " " << time.value_or(NAN);
+            before = next;
+        }
+    }
+}
+
+TEST(UsageRules, aWindowWithoutUsableLengthHasNoTime) {
+    UsageWindow broken = window(50, 50);
+    for (const double minutes : {0.0, -5.0, std::nan(""), 1e-320}) {
+        broken.windowDurationMinutes = minutes;
+        EXPECT_FALSE(timeRemainingPercent(broken, now)) << minutes;
+        EXPECT_FALSE(elapsedPercent(broken, now));
+        EXPECT_FALSE(planning(broken, now));
+        EXPECT_FALSE(forecast(broken, now));
+        EXPECT_EQ(severity(broken, now), Severity::fine);
+    }
+}
+
+TEST(UsageRules, anAgentIsAsWellAsItsWorstWindow) {
+    AgentUsageSnapshot snapshot;
+    EXPECT_EQ(health(snapshot, now), UsageHealth::unavailable);
+    snapshot.windows = {window(90, 50), window(45, 50)};
+    EXPECT_EQ(health(snapshot, now), UsageHealth::attention);
+    snapshot.windows = {window(90, 50), window(3, 50), window(45, 50)};
+    EXPECT_EQ(health(snapshot, now), UsageHealth::critical);
+
+    using enum UsageHealth;
+    EXPECT_EQ(worse(healthy, unavailable), unavailable);
+    EXPECT_EQ(worse(attention, unavailable), attention);
+    EXPECT_EQ(worse(attention, critical), critical);
+    EXPECT_EQ(worse(healthy, healthy), healthy);
+}
+
+TEST(UsageRules, planningAllowsFivePoints) {
+    using enum Planning::Kind;
+    struct Case {
+        double remaining;
+        double timeRemaining;
+        Planning expected;
+    };
+    for (const Case& test : {
+             Case{55, 50, {onPlan, 5}},
+             Case{55.5, 50, {reserve, 5.5}},
+             Case{45, 50, {onPlan, -5}},
+             Case{40, 50, {deficit, -10}},
+             Case{90, 150, {deficit, -10}},
+             Case{-20, 30, {deficit, -30}},
+         }) {
+        const auto plan = planning(window(test.remaining, test.timeRemaining), now);
+        ASSERT_TRUE(plan);
+        EXPECT_EQ(plan->kind, test.expected.kind) << test.remaining;
+        EXPECT_NEAR(plan->points, test.expected.points, 1e-6);
+    }
+    EXPECT_FALSE(planning(window(50, {}), now));
+    EXPECT_FALSE(planning(window(50, -1), now));
+}
+
+TEST(UsageRules, paceNeedsGrounds) {
+    EXPECT_NEAR(pace(window(60, 50), now).value(), 80, 1e-6);
+    EXPECT_TRUE(pace(window(90, 95), now));
+    EXPECT_FALSE(pace(window(90, 95.1), now));
+    EXPECT_FALSE(pace(window(100, 50), now));
+    EXPECT_FALSE(pace(window(50, {}), now));
+    EXPECT_NEAR(pace(window(60, -10), now).value(), 40, 1e-6);
+}
+
+TEST(UsageRules, forecastGoesByTheWholeWindow) {
+    // 60 % in 500 minutes: the other 40 % last 333 minutes of the 500 that are left.
+    EXPECT_NEAR(hoursUntilEmpty(window(40, 50)), 5.5556, 0.001);
+    EXPECT_EQ(forecast(window(50, 50), now), Forecast{});
+    EXPECT_EQ(forecast(window(60, 50), now), Forecast{});
+    EXPECT_EQ(hoursUntilEmpty(window(0, 50)), 0);
+    EXPECT_EQ(hoursUntilEmpty(window(-4, 50)), 0);
+    EXPECT_FALSE(forecast(window(100, 50), now));
+    EXPECT_FALSE(forecast(window(40, 96), now));
+    EXPECT_FALSE(forecast(window(40, -1), now));
+    EXPECT_FALSE(forecast(window(40, {}), now));
+}
+
+TEST(UsageRules, forecastFollowsASteeperRecentPace) {
+    const auto minutesAgo = [](double minutes, double used) {
+        return UsagePoint{now - Seconds(minutes * 60), used};
+    };
+    const UsageWindow half = window(60, 50);
+    // 20 % in the last hour: the remaining 60 % last three more.
+    EXPECT_NEAR(hoursUntilEmpty(half, {minutesAgo(60, 20), minutesAgo(5, 39)}), 3, 0.001);
+    // A slower recent pace, and one that a pause ended, do not count.
+    EXPECT_EQ(hoursUntilEmpty(half, {minutesAgo(110, 39)}), -1);
+    // Too short a time, too long ago, in the future.
+    EXPECT_EQ(hoursUntilEmpty(half, {minutesAgo(9, 20)}), -1);
+    EXPECT_EQ(hoursUntilEmpty(half, {minutesAgo(125, 0)}), -1);
+    EXPECT_EQ(hoursUntilEmpty(half, {minutesAgo(-5, 0)}), -1);
+    // Only what came after a reset counts.
+    EXPECT_NEAR(hoursUntilEmpty(half, {minutesAgo(100, 90), minutesAgo(60, 20)}), 3, 0.001);
+    EXPECT_EQ(hoursUntilEmpty(half, {minutesAgo(60, 0), minutesAgo(20, 90)}), -1);
+    // Rounding by the agent is no reset.
+    EXPECT_NEAR(hoursUntilEmpty(half, {minutesAgo(60, 20), minutesAgo(30, 19.5)}), 3, 0.001);
+    // Points of the period before count as little, even when they look like a rise.
+    UsageWindow young{"w", 30, 60.0, now + Seconds(1800)};
+    EXPECT_EQ(hoursUntilEmpty(young, {minutesAgo(40, 1)}), -1);
+    EXPECT_NEAR(hoursUntilEmpty(young, {minutesAgo(12, 0)}), 28 / 60.0, 0.001);
+}
+
+TEST(UsageRules, noNumberIsTooStrange) {
+    const double infinity = std::numeric_limits<double>::infinity();
+    const std::vector numbers{0.0, -infinity, infinity, std::nan(""), 1e308, -1e308, 1e-320};
+    for (const double used : numbers) {
+        for (const double minutes : numbers) {
+            for (const double reset : numbers) {
+                const UsageWindow strange{"w", used, minutes, Instant(Seconds(reset))};
+                const std::vector<UsagePoint> recent{{Instant(Seconds(reset)), used}};
+                health(strange, now);
+                if (const auto plan = planning(strange, now)) {
+                    EXPECT_LE(std::abs(plan->points), 100);
+                }
+                if (const auto outlook = forecast(strange, now, recent);
+                    outlook && outlook->emptyAt) {
+                    EXPECT_LT(*outlook->emptyAt, *strange.resetsAt);
+                }
+            }
+        }
+    }
+}
+
+} // namespace vellmark
