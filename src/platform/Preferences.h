@@ -1,0 +1,40 @@
+#pragma once
+
+#include "platform/Machine.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+namespace vellmark {
+
+/// The user's settings, by key ("AppLanguage", "PopoverSelectedTab" …). Main thread. A setter
+/// writes through; a value of another type than asked for counts as absent. Keys that this version
+/// does not know are kept.
+class Preferences {
+public:
+    virtual ~Preferences() = default;
+    virtual std::optional<bool> boolean(std::string_view key) const = 0;
+    virtual std::optional<double> number(std::string_view key) const = 0;
+    virtual std::optional<std::string> string(std::string_view key) const = 0;
+    virtual std::optional<std::vector<std::string>> strings(std::string_view key) const = 0;
+
+    virtual void setBoolean(std::string_view key, bool value) = 0;
+    virtual void setNumber(std::string_view key, double value) = 0;
+    virtual void setString(std::string_view key, std::string value) = 0;
+    virtual void setStrings(std::string_view key, std::vector<std::string> value) = 0;
+    virtual void remove(std::string_view key) = 0;
+
+    /// Why the last change is not on disk (full, read-only …); absent when it is. The value holds
+    /// for this run all the same, and the next change tries again to write everything.
+    virtual std::optional<std::error_code> writeError() const = 0;
+};
+
+/// The settings of the user: CFPreferences on macOS, "Vellmark/preferences.json" below the
+/// machine's configuration directory on Linux and in every sandbox.
+std::unique_ptr<Preferences> makePreferences(const Machine& machine);
+
+} // namespace vellmark

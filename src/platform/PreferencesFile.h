@@ -1,0 +1,15 @@
+#pragma once
+
+#include "platform/Preferences.h"
+
+#include <filesystem>
+#include <memory>
+
+namespace vellmark {
+
+/// Settings in a file of their own: a JSON object, one member a setting. Every change replaces the
+/// file atomically. A damaged file is kept aside as "preferences.damaged.json" beside it, and the
+/// defaults hold; one that cannot be read is left alone.
+std::unique_ptr<Preferences> makePreferencesFile(const std::filesystem::path& file);
+
+} // namespace vellmark

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/DescriptorWatcher.h"
+
+#include <functional>
+#include <memory>
+
+namespace vellmark {
+
+enum class ColorScheme { noPreference, light, dark };
+
+/// Whether the system is light or dark, and how much may move on it. Main thread.
+class SystemAppearance {
+public:
+    virtual ~SystemAppearance() = default;
+    /// `noPreference` also while the answer is not there yet.
+    virtual ColorScheme colorScheme() const = 0;
+    /// The user has asked the system for less motion.
+    virtual bool reducesMotion() const = 0;
+};
+
+/// Calls `onChange` on the main thread whenever an answer has changed. Never null; asks without
+/// waiting.
+std::unique_ptr<SystemAppearance> observeSystemAppearance(DescriptorWatcher& loop,
+                                                          std::function<void()> onChange);
+
+} // namespace vellmark

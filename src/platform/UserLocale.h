@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/Machine.h"
+
+#include <string>
+
+namespace vellmark {
+
+/// The language and the formats that the user has chosen in the system.
+struct UserLocale {
+    /// "de", "en" …; empty when the system names none.
+    std::string languageCode;
+    /// For the formats of numbers and dates, "de_CH"; empty when the system names none.
+    std::string formatIdentifier;
+
+    /// Linux reads `environment`, macOS its own settings.
+    static UserLocale of(const Environment& environment);
+
+    bool operator==(const UserLocale&) const = default;
+};
+
+} // namespace vellmark

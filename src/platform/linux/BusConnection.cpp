@@ -1,0 +1,47 @@
+#include "platform/linux/BusConnection.h"
+
+#include <sdbus-c++/Error.h>
+
+namespace vellmark {
+
+BusConnection::BusConnection(std::unique_ptr<sdbus::IConnection> connection)
+    : connection_(std::move(connection)) {}
+
+std::shared_ptr<BusConnection>
+BusConnection::open(DescriptorWatcher& loop, std::unique_ptr<sdbus::IConnection> (*connect)()) {
+    try {
+        std::shared_ptr<BusConnection> opened(new BusConnection(connect()));
+        // The watch belongs to the connection, so it never outlives what it calls.
+        opened->watch_ = loop.watch(opened->connection_->getEventLoopPollData().fd,
+                                    [connection = opened.get()] { connection->process(); });
+        return opened;
+    } catch (const sdbus::Error&) {
+        return nullptr;
+    }
+}
+
+std::shared_ptr<BusConnection> BusConnection::session(DescriptorWatcher& loop) {
+    static std::weak_ptr<BusConnection> shared;
+    if (auto existing = shared.lock())
+        return existing;
+    const auto opened = open(loop, [] { return sdbus::createSessionBusConnection(); });
+    shared = opened;
+    return opened;
+}
+
+std::shared_ptr<BusConnection> BusConnection::system(DescriptorWatcher& loop) {
+    return open(loop, [] { return sdbus::createSystemBusConnection(); });
+}
+
+void BusConnection::process() {
+    // A handler may drop the last owner.
+    const auto keepAlive = shared_from_this();
+    try {
+        while (connection_->processPendingRequest()) {
+        }
+    } catch (const sdbus::Error&) {
+        watch_.reset();
+    }
+}
+
+} // namespace vellmark

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/DescriptorWatcher.h"
+
+#include <sdbus-c++/IConnection.h>
+
+#include <functional>
+#include <memory>
+
+namespace vellmark {
+
+/// A connection to a message bus that is driven by the front end's event loop: no thread of its
+/// own, no wake-up unless a message comes. Main thread.
+///
+/// A lost bus ends the watch; calls on the connection then throw sdbus::Error as they did before.
+class BusConnection : public std::enable_shared_from_this<BusConnection> {
+public:
+    /// The session bus, shared by everyone who asks while somebody holds it; null when there is
+    /// none.
+    static std::shared_ptr<BusConnection> session(DescriptorWatcher& loop);
+    /// The system bus; null when there is none.
+    static std::shared_ptr<BusConnection> system(DescriptorWatcher& loop);
+
+    sdbus::IConnection& bus() { return *connection_; }
+
+    /// Handles what has arrived. Needed after a blocking call, which may have read messages for
+    /// others from the descriptor.
+    void process();
+
+private:
+    explicit BusConnection(std::unique_ptr<sdbus::IConnection> connection);
+    static std::shared_ptr<BusConnection> open(DescriptorWatcher& loop,
+                                               std::unique_ptr<sdbus::IConnection> (*connect)());
+
+    std::unique_ptr<sdbus::IConnection> connection_;
+    std::unique_ptr<DescriptorWatch> watch_;
+};
+
+} // namespace vellmark

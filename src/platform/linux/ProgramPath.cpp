@@ -1,0 +1,10 @@
+#include "platform/ProgramPath.h"
+
+namespace vellmark {
+
+std::filesystem::path programPath() {
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/self/exe", error);
+}
+
+} // namespace vellmark

@@ -1,0 +1,173 @@
+// With a session bus the right is the ownership of a name, and a later launch calls "Activate" of
+// the freedesktop.org interface for applications. Without a bus it is a lock on a file, and a later
+// launch knocks at a socket beside it.
+
+#include "platform/SingleInstance.h"
+
+#include "platform/Descriptor.h"
+#include "platform/linux/BusConnection.h"
+
+#include <sdbus-c++/sdbus-c++.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <map>
+#include <sys/file.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+#include <vector>
+
+namespace vellmark {
+namespace {
+
+constexpr auto applicationInterface = "org.freedesktop.Application";
+using PlatformData = std::map<std::string, sdbus::Variant>;
+
+std::string objectPath(const std::string& identifier) {
+    std::string path = "/" + identifier;
+    std::replace(path.begin(), path.end(), '.', '/');
+    return path;
+}
+
+class BusName final : public SingleInstance {
+public:
+    BusName(std::shared_ptr<BusConnection> connection, const SingleInstanceRequest& request)
+        : connection_(std::move(connection)),
+          application_(sdbus::createObject(connection_->bus(), objectPath(request.identifier))) {
+        const auto show = request.onShow;
+        application_->registerMethod("Activate")
+            .onInterface(applicationInterface)
+            .implementedAs([show](const PlatformData&) { show(); });
+        application_->registerMethod("Open")
+            .onInterface(applicationInterface)
+            .implementedAs(
+                [show](const std::vector<std::string>&, const PlatformData&) { show(); });
+        application_->registerMethod("ActivateAction")
+            .onInterface(applicationInterface)
+            .implementedAs([show](const std::string&, const std::vector<sdbus::Variant>&,
+                                  const PlatformData&) { show(); });
+        application_->finishRegistration();
+    }
+
+private:
+    std::shared_ptr<BusConnection> connection_;
+    std::unique_ptr<sdbus::IObject> application_;
+};
+
+void activateOwner(BusConnection& connection, const std::string& identifier) {
+    try {
+        auto owner = sdbus::createProxy(connection.bus(), identifier, objectPath(identifier));
+        owner->callMethod("Activate")
+            .onInterface(applicationInterface)
+            .withTimeout(std::chrono::seconds(2))
+            .withArguments(PlatformData());
+    } catch (const sdbus::Error&) {
+        // It runs, but is too busy to answer. Two instances would be worse than a hidden one.
+    }
+}
+
+std::unique_ptr<SingleInstance> claimBusName(const std::shared_ptr<BusConnection>& connection,
+                                             const SingleInstanceRequest& request) {
+    // The object is there before the name, so that whoever finds the name can call it.
+    auto instance = std::make_unique<BusName>(connection, request);
+    try {
+        connection->bus().requestName(request.identifier);
+    } catch (const sdbus::Error&) {
+        instance.reset();
+        activateOwner(*connection, request.identifier);
+    }
+    connection->process();
+    return instance;
+}
+
+/// False when the path is too long for a socket.
+bool setAddress(sockaddr_un& address, const std::filesystem::path& path) {
+    address.sun_family = AF_UNIX;
+    if (path.native().size() >= sizeof(address.sun_path))
+        return false;
+    std::strcpy(address.sun_path, path.c_str());
+    return true;
+}
+
+Descriptor newSocket() {
+    return Descriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+}
+
+class LockedFile final : public SingleInstance {
+public:
+    LockedFile(Descriptor lock, std::filesystem::path socketPath, DescriptorWatcher& loop,
+               std::function<void()> onShow)
+        : lock_(std::move(lock)), socketPath_(std::move(socketPath)), onShow_(std::move(onShow)) {
+        listen(loop);
+    }
+    ~LockedFile() override { ::unlink(socketPath_.c_str()); }
+
+private:
+    /// Without the socket the instance is still the only one; it just cannot be asked.
+    void listen(DescriptorWatcher& loop) {
+        sockaddr_un address{};
+        Descriptor socket = newSocket();
+        if (!socket.isOpen() || !setAddress(address, socketPath_))
+            return;
+        ::unlink(socketPath_.c_str());
+        if (::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) !=
+                0 ||
+            ::listen(socket.get(), 4) != 0)
+            return;
+        socket_ = std::move(socket);
+        watch_ = loop.watch(socket_.get(), [this] { answer(); });
+    }
+
+    void answer() {
+        while (Descriptor(::accept4(socket_.get(), nullptr, nullptr, SOCK_CLOEXEC)).isOpen())
+            onShow_();
+    }
+
+    Descriptor lock_;
+    Descriptor socket_;
+    std::filesystem::path socketPath_;
+    std::function<void()> onShow_;
+    std::unique_ptr<DescriptorWatch> watch_;
+};
+
+void knock(const std::filesystem::path& socketPath) {
+    sockaddr_un address{};
+    const Descriptor socket = newSocket();
+    if (socket.isOpen() && setAddress(address, socketPath))
+        (void)::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address));
+}
+
+/// The right held by somebody who could not lock: no file system to do so. Starting is better than
+/// refusing to.
+class Unguarded final : public SingleInstance {};
+
+std::unique_ptr<SingleInstance> claimLockedFile(DescriptorWatcher& loop,
+                                                const SingleInstanceRequest& request) {
+    std::error_code ignored;
+    std::filesystem::create_directories(request.directory, ignored);
+    const auto socketPath = request.directory / "instance.socket";
+    Descriptor lock(
+        ::open((request.directory / "instance.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    if (!lock.isOpen())
+        return std::make_unique<Unguarded>();
+    if (::flock(lock.get(), LOCK_EX | LOCK_NB) == 0)
+        return std::make_unique<LockedFile>(std::move(lock), socketPath, loop, request.onShow);
+    if (errno != EWOULDBLOCK)
+        return std::make_unique<Unguarded>();
+    knock(socketPath);
+    return nullptr;
+}
+
+} // namespace
+
+std::unique_ptr<SingleInstance> claimSingleInstance(DescriptorWatcher& loop,
+                                                    SingleInstanceRequest request) {
+    if (const auto connection = BusConnection::session(loop))
+        return claimBusName(connection, request);
+    return claimLockedFile(loop, request);
+}
+
+} // namespace vellmark

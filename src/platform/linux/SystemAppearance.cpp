@@ -1,0 +1,108 @@
+// Two settings of the desktop portal (org.freedesktop.portal.Settings): "color-scheme", where 1 is
+// dark, 2 is light, anything else no preference; and GNOME's "enable-animations", which the
+// desktops that have such a setting share.
+
+#include "platform/SystemAppearance.h"
+
+#include "platform/linux/BusConnection.h"
+
+#include <sdbus-c++/sdbus-c++.h>
+
+#include <cstdint>
+#include <string>
+
+namespace vellmark {
+namespace {
+
+constexpr auto settingsInterface = "org.freedesktop.portal.Settings";
+constexpr auto schemeNamespace = "org.freedesktop.appearance";
+constexpr auto schemeKey = "color-scheme";
+constexpr auto motionNamespace = "org.gnome.desktop.interface";
+constexpr auto motionKey = "enable-animations";
+
+/// `Read` wraps the value in a variant of its own.
+sdbus::Variant unwrapped(sdbus::Variant value) {
+    while (value.peekValueType() == "v")
+        value = value.get<sdbus::Variant>();
+    return value;
+}
+
+ColorScheme schemeOf(const sdbus::Variant& value) {
+    if (!value.containsValueOfType<std::uint32_t>())
+        return ColorScheme::noPreference;
+    switch (value.get<std::uint32_t>()) {
+    case 1:
+        return ColorScheme::dark;
+    case 2:
+        return ColorScheme::light;
+    default:
+        return ColorScheme::noPreference;
+    }
+}
+
+class PortalAppearance final : public SystemAppearance {
+public:
+    PortalAppearance(std::shared_ptr<BusConnection> connection, std::function<void()> onChange)
+        : connection_(std::move(connection)), onChange_(std::move(onChange)) {
+        if (connection_)
+            subscribe();
+    }
+
+    ColorScheme colorScheme() const override { return scheme_; }
+    bool reducesMotion() const override { return reducesMotion_; }
+
+private:
+    void subscribe() {
+        try {
+            portal_ = sdbus::createProxy(connection_->bus(), "org.freedesktop.portal.Desktop",
+                                         "/org/freedesktop/portal/desktop");
+            portal_->uponSignal("SettingChanged")
+                .onInterface(settingsInterface)
+                .call([this](const std::string& space, const std::string& key,
+                             const sdbus::Variant& value) { accept(space, key, value); });
+            portal_->finishRegistration();
+            ask(schemeNamespace, schemeKey);
+            ask(motionNamespace, motionKey);
+        } catch (const sdbus::Error&) {
+            portal_.reset();
+        }
+    }
+
+    void ask(const std::string& space, const std::string& key) {
+        portal_->callMethodAsync("Read")
+            .onInterface(settingsInterface)
+            .withArguments(space, key)
+            .uponReplyInvoke(
+                [this, space, key](const sdbus::Error* error, const sdbus::Variant& value) {
+                    if (!error)
+                        accept(space, key, value);
+                });
+    }
+
+    void accept(const std::string& space, const std::string& key, const sdbus::Variant& wrapped) {
+        const sdbus::Variant value = unwrapped(wrapped);
+        const ColorScheme formerScheme = scheme_;
+        const bool formerMotion = reducesMotion_;
+        if (space == schemeNamespace && key == schemeKey)
+            scheme_ = schemeOf(value);
+        else if (space == motionNamespace && key == motionKey)
+            reducesMotion_ = value.containsValueOfType<bool>() && !value.get<bool>();
+        if (scheme_ != formerScheme || reducesMotion_ != formerMotion)
+            onChange_();
+    }
+
+    std::shared_ptr<BusConnection> connection_;
+    std::function<void()> onChange_;
+    std::unique_ptr<sdbus::IProxy> portal_;
+    ColorScheme scheme_ = ColorScheme::noPreference;
+    bool reducesMotion_ = false;
+};
+
+} // namespace
+
+std::unique_ptr<SystemAppearance> observeSystemAppearance(DescriptorWatcher& loop,
+                                                          std::function<void()> onChange) {
+    return std::make_unique<PortalAppearance>(BusConnection::session(loop), std::move(onChange));
+}
+
+} // namespace vellmark

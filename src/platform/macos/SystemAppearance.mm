@@ -1,0 +1,74 @@
+#include "platform/SystemAppearance.h"
+
+#include "platform/macos/Retained.h"
+
+#import <AppKit/AppKit.h>
+
+/// Calls back when the application's effective appearance or the accessibility options for the
+/// display have changed.
+@interface VellmarkAppearanceObserver : NSObject {
+@public
+    std::function<void()> onChange;
+}
+@end
+
+@implementation VellmarkAppearanceObserver
+- (void)observeValueForKeyPath:(NSString*)keyPath
+                      ofObject:(id)object
+                        change:(NSDictionary*)change
+                       context:(void*)context {
+    onChange();
+}
+- (void)displayOptionsDidChange:(NSNotification*)notification {
+    onChange();
+}
+@end
+
+namespace vellmark {
+namespace {
+
+NSString* const keyPath = @"effectiveAppearance";
+
+class EffectiveAppearance final : public SystemAppearance {
+public:
+    explicit EffectiveAppearance(std::function<void()> onChange)
+        : observer_(Retained<VellmarkAppearanceObserver*>::adopt(
+              [[VellmarkAppearanceObserver alloc] init])) {
+        observer_.get()->onChange = std::move(onChange);
+        [NSApp addObserver:observer_.get() forKeyPath:keyPath options:0 context:nullptr];
+        [[[NSWorkspace sharedWorkspace] notificationCenter]
+            addObserver:observer_.get()
+               selector:@selector(displayOptionsDidChange:)
+                   name:NSWorkspaceAccessibilityDisplayOptionsDidChangeNotification
+                 object:nil];
+    }
+    ~EffectiveAppearance() override {
+        [[[NSWorkspace sharedWorkspace] notificationCenter] removeObserver:observer_.get()];
+        [NSApp removeObserver:observer_.get() forKeyPath:keyPath];
+    }
+
+    ColorScheme colorScheme() const override {
+        NSArray* const names =
+            [NSArray arrayWithObjects:NSAppearanceNameAqua, NSAppearanceNameDarkAqua, nil];
+        NSString* const match =
+            [[NSApp effectiveAppearance] bestMatchFromAppearancesWithNames:names];
+        return [match isEqualToString:NSAppearanceNameDarkAqua] ? ColorScheme::dark
+                                                                : ColorScheme::light;
+    }
+
+    bool reducesMotion() const override {
+        return [[NSWorkspace sharedWorkspace] accessibilityDisplayShouldReduceMotion];
+    }
+
+private:
+    Retained<VellmarkAppearanceObserver*> observer_;
+};
+
+} // namespace
+
+std::unique_ptr<SystemAppearance> observeSystemAppearance(DescriptorWatcher& /*loop*/,
+                                                          std::function<void()> onChange) {
+    return std::make_unique<EffectiveAppearance>(std::move(onChange));
+}
+
+} // namespace vellmark

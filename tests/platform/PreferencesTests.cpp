@@ -1,0 +1,113 @@
+#include "platform/PreferencesFile.h"
+#include "support/TemporaryDirectory.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <sys/stat.h>
+
+namespace vellmark {
+namespace {
+
+using ::testing::ElementsAre;
+using tests::contentOf;
+using tests::TemporaryDirectory;
+namespace fs = std::filesystem;
+
+class PreferencesTest : public ::testing::Test {
+protected:
+    std::unique_ptr<Preferences> open() const { return makePreferencesFile(file_); }
+
+    TemporaryDirectory directory_;
+    fs::path file_ = directory_ / "Vellmark/preferences.json";
+};
+
+TEST_F(PreferencesTest, EveryKindOfValueSurvivesARestart) {
+    {
+        const auto preferences = open();
+        preferences->setBoolean("SetupAssistantCompleted", true);
+        preferences->setNumber("Scale", 1.25);
+        preferences->setString("AppLanguage", "de");
+        preferences->setStrings("ProviderOrder", {"claude", "codex"});
+        preferences->setString("Gone", "soon");
+        preferences->remove("Gone");
+        EXPECT_FALSE(preferences->writeError());
+    }
+    const auto preferences = open();
+    EXPECT_EQ(preferences->boolean("SetupAssistantCompleted"), true);
+    EXPECT_EQ(preferences->number("Scale"), 1.25);
+    EXPECT_EQ(preferences->string("AppLanguage"), "de");
+    EXPECT_THAT(*preferences->strings("ProviderOrder"), ElementsAre("claude", "codex"));
+    EXPECT_EQ(preferences->string("Gone"), std::nullopt);
+    EXPECT_EQ(preferences->boolean("AppLanguage"), std::nullopt) << "another type counts as absent";
+
+    struct stat status {};
+    ASSERT_EQ(::stat(file_.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777u, 0600u);
+}
+
+TEST_F(PreferencesTest, ValuesOfOtherTypesCountAsAbsentAndAreKept) {
+    directory_.write("Vellmark/preferences.json",
+                     R"({"FromTheFuture":{"a":[1,2]},"ProviderOrder":["codex",3],"Flag":1})");
+    const auto preferences = open();
+    EXPECT_FALSE(preferences->strings("ProviderOrder"));
+    EXPECT_FALSE(preferences->boolean("Flag"));
+    EXPECT_FALSE(preferences->string("FromTheFuture"));
+    preferences->setBoolean("Flag", true);
+    const auto written = nlohmann::json::parse(contentOf(file_));
+    EXPECT_EQ(written,
+              nlohmann::json::parse(
+                  R"({"FromTheFuture":{"a":[1,2]},"ProviderOrder":["codex",3],"Flag":true})"));
+}
+
+TEST_F(PreferencesTest, DamagedFileIsKeptAsideAndTheDefaultsHold) {
+    for (const char* damage : {"{\"AppLanguage\":\"de\"", "[1]", "", "\xff\xfe"}) {
+        directory_.write("Vellmark/preferences.json", damage);
+        const auto preferences = open();
+        EXPECT_FALSE(preferences->string("AppLanguage"));
+        EXPECT_EQ(contentOf(directory_ / "Vellmark/preferences.damaged.json"), damage);
+        preferences->setString("AppLanguage", "en");
+        EXPECT_EQ(open()->string("AppLanguage"), "en");
+    }
+}
+
+// The terminal front end and the desktop application may both have the file open.
+TEST_F(PreferencesTest, ChangesOfAnotherProcessAreNotUndone) {
+    const auto desktop = open();
+    const auto terminal = open();
+    desktop->setString("AppLanguage", "en");
+    terminal->setBoolean("SetupAssistantCompleted", true);
+    EXPECT_EQ(open()->string("AppLanguage"), "en");
+    EXPECT_EQ(open()->boolean("SetupAssistantCompleted"), true);
+}
+
+TEST_F(PreferencesTest, WhatCannotBeWrittenHoldsForTheRunAndIsTriedAgain) {
+    // A file stands where the folder has to be: works for every user, also for root.
+    directory_.write("Vellmark", "in the way");
+    const auto preferences = open();
+    preferences->setString("AppLanguage", "en");
+    preferences->setBoolean("Flag", true);
+    EXPECT_TRUE(preferences->writeError());
+    EXPECT_EQ(preferences->string("AppLanguage"), "en");
+    EXPECT_EQ(contentOf(directory_ / "Vellmark"), "in the way");
+
+    fs::remove(directory_ / "Vellmark");
+    preferences->remove("Flag");
+    EXPECT_FALSE(preferences->writeError());
+    EXPECT_EQ(open()->string("AppLanguage"), "en");
+    EXPECT_FALSE(open()->boolean("Flag"));
+}
+
+TEST_F(PreferencesTest, ALinkToTheFileStaysALink) {
+    directory_.write("dotfiles/preferences.json", "{}");
+    fs::create_directory(directory_ / "Vellmark");
+    fs::create_symlink(directory_ / "dotfiles/preferences.json", file_);
+    open()->setString("AppLanguage", "en");
+    EXPECT_TRUE(fs::is_symlink(file_));
+    EXPECT_NE(contentOf(directory_ / "dotfiles/preferences.json").find("\"en\""),
+              std::string::npos);
+    EXPECT_EQ(std::distance(fs::directory_iterator(directory_ / "dotfiles"), {}), 1);
+}
+
+} // namespace
+} // namespace vellmark

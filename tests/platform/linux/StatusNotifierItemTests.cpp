@@ -1,0 +1,199 @@
+#include "platform/linux/PrivateBus.h"
+#include "platform/linux/StatusNotifierItem.h"
+#include "support/PollLoop.h"
+
+#include <gmock/gmock.h>
+#include <sdbus-c++/sdbus-c++.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <unistd.h>
+
+namespace vellmark::tests {
+namespace {
+
+using testing::ElementsAre;
+
+constexpr auto watcherInterface = "org.kde.StatusNotifierWatcher";
+constexpr auto itemInterface = "org.kde.StatusNotifierItem";
+constexpr auto menuInterface = "com.canonical.dbusmenu";
+
+using Pixmap = sdbus::Struct<std::int32_t, std::int32_t, std::vector<std::uint8_t>>;
+using ToolTip = sdbus::Struct<std::string, std::vector<Pixmap>, std::string, std::string>;
+using Properties = std::map<std::string, sdbus::Variant>;
+using Layout = sdbus::Struct<std::int32_t, Properties, std::vector<sdbus::Variant>>;
+
+/// A panel that hosts status notifiers, with a thread of its own as another process would have.
+class Panel {
+public:
+    Panel()
+        : connection_(sdbus::createSessionBusConnection()),
+          watcher_(sdbus::createObject(*connection_, "/StatusNotifierWatcher")) {
+        watcher_->registerMethod("RegisterStatusNotifierItem")
+            .onInterface(watcherInterface)
+            .implementedAs([this](const std::string& service) {
+                const std::lock_guard hold(lock_);
+                registered_ = service;
+            });
+        watcher_->registerProperty("IsStatusNotifierHostRegistered")
+            .onInterface(watcherInterface)
+            .withGetter([] { return true; });
+        watcher_->finishRegistration();
+        connection_->requestName(watcherInterface);
+        connection_->enterEventLoopAsync();
+    }
+    ~Panel() { connection_->leaveEventLoop(); }
+
+    std::string registered() const {
+        const std::lock_guard hold(lock_);
+        return registered_;
+    }
+
+private:
+    mutable std::mutex lock_;
+    std::string registered_;
+    std::unique_ptr<sdbus::IConnection> connection_;
+    std::unique_ptr<sdbus::IObject> watcher_;
+};
+
+class StatusNotifierItemTest : public testing::Test {
+protected:
+    void SetUp() override {
+        ::setenv("DBUS_SESSION_BUS_ADDRESS", bus_->address().c_str(), 1);
+        item_ = StatusNotifierItem::create(
+            loop_, "vellmark", "Vellmark",
+            {.activate = [this](int x, int y) { activated_.emplace_back(x, y); },
+             .menuItemChosen = [this](const std::string& action) { chosen_.push_back(action); },
+             .hostChanged = [this](bool isShown) { shown_.push_back(isShown); }});
+        ASSERT_TRUE(item_);
+    }
+
+    /// Calls the item as a panel does, while this thread answers.
+    template<typename Call>
+    void ask(const char* path, Call&& call) {
+        std::atomic<bool> isDone = false;
+        std::exception_ptr failure;
+        std::thread panel([&] {
+            try {
+                const auto connection = sdbus::createSessionBusConnection();
+                const auto proxy = sdbus::createProxy(*connection, name(), path);
+                call(*proxy);
+            } catch (...) {
+                failure = std::current_exception();
+            }
+            isDone = true;
+        });
+        EXPECT_TRUE(loop_.turnUntil([&] { return isDone.load(); }));
+        panel.join();
+        if (failure)
+            std::rethrow_exception(failure);
+    }
+
+    template<typename Value>
+    Value property(const char* property) {
+        sdbus::Variant value;
+        ask("/StatusNotifierItem", [&](sdbus::IProxy& item) {
+            value = item.getProperty(property).onInterface(itemInterface);
+        });
+        return value.get<Value>();
+    }
+
+    static std::string name() {
+        return std::string(itemInterface) + "-" + std::to_string(::getpid()) + "-1";
+    }
+
+    void TearDown() override { ::unsetenv("DBUS_SESSION_BUS_ADDRESS"); }
+
+    std::optional<PrivateBus> bus_{std::in_place};
+    PollLoop loop_;
+    std::unique_ptr<StatusNotifierItem> item_;
+    std::vector<std::pair<int, int>> activated_;
+    std::vector<std::string> chosen_;
+    std::vector<bool> shown_;
+};
+
+TEST_F(StatusNotifierItemTest, FollowsPanelsThatComeLaterAndRestart) {
+    ASSERT_TRUE(loop_.turnUntil([&] { return !shown_.empty(); }));
+    EXPECT_THAT(shown_, ElementsAre(false));
+    for (int start = 0; start < 2; ++start) {
+        {
+            const Panel panel;
+            ASSERT_TRUE(loop_.turnUntil([&] { return shown_.back(); }));
+            EXPECT_EQ(panel.registered(), name());
+        }
+        ASSERT_TRUE(loop_.turnUntil([&] { return !shown_.back(); }));
+    }
+    EXPECT_THAT(shown_, ElementsAre(false, true, false, true, false));
+}
+
+TEST_F(StatusNotifierItemTest, ShowsIconAndToolTip) {
+    item_->setIcon({{.side = 1, .pixels = {0x80FF7F01}}});
+    item_->setToolTip("Claude & GPT <93%>");
+    const auto icon = property<std::vector<Pixmap>>("IconPixmap");
+    ASSERT_EQ(icon.size(), 1U);
+    EXPECT_EQ(icon.front().get<0>(), 1);
+    EXPECT_THAT(icon.front().get<2>(), ElementsAre(0x80, 0xFF, 0x7F, 0x01));
+    const auto toolTip = property<ToolTip>("ToolTip");
+    EXPECT_EQ(toolTip.get<3>(), "Claude &amp; GPT &lt;93%&gt;");
+    EXPECT_FALSE(property<bool>("ItemIsMenu"));
+}
+
+TEST_F(StatusNotifierItemTest, TellsTheClicksPlace) {
+    ask("/StatusNotifierItem", [](sdbus::IProxy& item) {
+        item.callMethod("Activate").onInterface(itemInterface).withArguments(1200, 13);
+    });
+    EXPECT_THAT(activated_, ElementsAre(std::pair(1200, 13)));
+}
+
+TEST_F(StatusNotifierItemTest, OffersItsMenu) {
+    item_->setMenu({{"Open_it", "open"}, {}, {"Quit", "quit"}});
+    const auto layout = [&] {
+        std::uint32_t revision = 0;
+        Layout root;
+        ask("/StatusNotifierItem/Menu", [&](sdbus::IProxy& menu) {
+            menu.callMethod("GetLayout")
+                .onInterface(menuInterface)
+                .withArguments(0, -1, std::vector<std::string>())
+                .storeResultsTo(revision, root);
+        });
+        return root;
+    };
+    const auto click = [&](std::int32_t id) {
+        ask("/StatusNotifierItem/Menu", [&](sdbus::IProxy& menu) {
+            menu.callMethod("Event")
+                .onInterface(menuInterface)
+                .withArguments(id, std::string("clicked"), sdbus::Variant(0), std::uint32_t{0});
+        });
+    };
+    const std::vector<sdbus::Variant> children = layout().get<2>();
+    ASSERT_EQ(children.size(), 3U);
+    const Layout open = children[0].get<Layout>();
+    EXPECT_EQ(open.get<1>().at("label").get<std::string>(), "Open__it");
+    EXPECT_EQ(children[1].get<Layout>().get<1>().at("type").get<std::string>(), "separator");
+    click(open.get<0>());
+    click(children[1].get<Layout>().get<0>());
+    EXPECT_THAT(chosen_, ElementsAre("open"));
+
+    // A click that was meant for the menu before hits nothing in the new one.
+    item_->setMenu({{"Beenden", "quit"}});
+    click(open.get<0>());
+    EXPECT_THAT(chosen_, ElementsAre("open"));
+    click(layout().get<2>().front().get<Layout>().get<0>());
+    EXPECT_THAT(chosen_, ElementsAre("open", "quit"));
+}
+
+TEST_F(StatusNotifierItemTest, OutlivesTheBus) {
+    ASSERT_TRUE(loop_.turnUntil([&] { return !shown_.empty(); }));
+    bus_.reset();
+    for (int turn = 0; turn < 20; ++turn)
+        loop_.turn(std::chrono::milliseconds(5));
+    item_->setIcon({{.side = 1, .pixels = {0}}});
+    item_->setToolTip("still here");
+    item_->setMenu({{"Quit", "quit"}});
+}
+
+} // namespace
+} // namespace vellmark::tests

@@ -1,0 +1,30 @@
+#include "platform/UserLocale.h"
+
+#include <gtest/gtest.h>
+
+namespace vellmark {
+namespace {
+
+TEST(UserLocale, FollowsTheVariablesInTheirOrder) {
+    const struct {
+        Environment environment;
+        UserLocale expected;
+    } cases[] = {
+        {{{"LANG", "de_CH.UTF-8"}}, {"de", "de_CH"}},
+        {{{"LANG", "en_US.UTF-8"}, {"LC_TIME", "de_DE@euro"}}, {"en", "de_DE"}},
+        {{{"LANG", "en_US"}, {"LC_MESSAGES", "de_AT"}, {"LC_ALL", ""}}, {"de", "en_US"}},
+        {{{"LANG", "en_US"}, {"LC_MESSAGES", "de_AT"}, {"LC_ALL", "fr_FR.UTF-8"}}, {"fr", "fr_FR"}},
+        {{{"LANG", "de"}}, {"de", "de"}},
+        {{{"LC_ALL", "C.UTF-8"}, {"LANG", "de_DE"}}, {"", ""}},
+        {{{"LANG", "POSIX"}}, {"", ""}},
+        {{}, {"", ""}},
+    };
+    for (const auto& [environment, expected] : cases) {
+        const auto locale = UserLocale::of(environment);
+        EXPECT_EQ(locale.languageCode, expected.languageCode);
+        EXPECT_EQ(locale.formatIdentifier, expected.formatIdentifier);
+    }
+}
+
+} // namespace
+} // namespace vellmark
