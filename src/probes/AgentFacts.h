@@ -1,0 +1,26 @@
+#pragma once
+
+#include "model/AgentProviderID.h"
+#include "platform/Machine.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vellmark {
+
+/// What can be told about an agent's CLI without reading its quotas. What is unknown is absent.
+struct AgentFacts {
+    AgentProviderID id;
+    std::optional<std::filesystem::path> toolPath;
+    std::optional<std::string> toolVersion;
+    std::optional<bool> loggedIn;
+};
+
+/// The facts of every registered agent, in the registry's order. Asks all agents at once, each for
+/// its version and its login at the same time. Blocks for as long as the slowest check's limits
+/// allow (about 15 s); not for the main thread.
+std::vector<AgentFacts> gatherAgentFacts(const Machine& machine);
+
+} // namespace vellmark

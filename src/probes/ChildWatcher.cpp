@@ -1,0 +1,88 @@
+#include "probes/ChildWatcher.h"
+
+#include "platform/ChildPipes.h"
+#include "platform/ProgramPath.h"
+#include "probes/RunningChildren.h"
+
+#include <array>
+#include <fcntl.h>
+#include <spawn.h>
+#include <string>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+namespace vellmark {
+namespace {
+
+class SpawnSettings {
+public:
+    SpawnSettings() {
+        posix_spawn_file_actions_init(&actions_);
+        posix_spawnattr_init(&attributes_);
+    }
+    ~SpawnSettings() {
+        posix_spawnattr_destroy(&attributes_);
+        posix_spawn_file_actions_destroy(&actions_);
+    }
+    SpawnSettings(const SpawnSettings&) = delete;
+    SpawnSettings& operator=(const SpawnSettings&) = delete;
+
+    /// Reads from `input`, writes nowhere, keeps no other descriptor.
+    bool connect(int input) {
+        short flags = 0;
+        return posix_spawn_file_actions_adddup2(&actions_, input, STDIN_FILENO) == 0 &&
+               addNullDevice(STDOUT_FILENO) && addNullDevice(STDERR_FILENO) &&
+               inheritStandardStreamsOnly(actions_, flags) == 0 &&
+               posix_spawnattr_setflags(&attributes_, flags) == 0;
+    }
+    bool launch(const std::string& program) const {
+        std::string name = program;
+        const std::array<char*, 2> arguments{name.data(), nullptr};
+        std::array<char*, 1> environment{nullptr};
+        pid_t pid = 0;
+        return posix_spawn(&pid, program.c_str(), &actions_, &attributes_, arguments.data(),
+                           environment.data()) == 0;
+    }
+
+private:
+    bool addNullDevice(int stream) {
+        return posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", O_WRONLY, 0) == 0;
+    }
+
+    posix_spawn_file_actions_t actions_;
+    posix_spawnattr_t attributes_;
+};
+
+/// Never waits: a watcher that has stopped must not stop the program.
+void tell(int pipe, RunningChildren::Event event, pid_t pid) {
+    const ChildWatcherMessage message{event == RunningChildren::Event::started
+                                          ? ChildWatcherMessage::Event::started
+                                          : ChildWatcherMessage::Event::ended,
+                                      static_cast<std::int32_t>(pid)};
+    (void)writeWithoutSignal(
+        pipe, std::string_view(reinterpret_cast<const char*>(&message), sizeof(message)));
+}
+
+} // namespace
+
+bool startChildWatcher() {
+    const auto program = programPath().parent_path() / "vellmark-watcher";
+    try {
+        Pipe pipe = makePipe();
+        SpawnSettings settings;
+        if (!settings.connect(pipe.readEnd.get()) || !settings.launch(program.string()))
+            return false;
+        ::fcntl(pipe.writeEnd.get(), F_SETFL, O_NONBLOCK);
+        // Open for as long as the program runs, whatever ends it: that is the message.
+        static Descriptor lifeline;
+        lifeline = std::move(pipe.writeEnd);
+        RunningChildren::setObserver(
+            [](RunningChildren::Event event, pid_t pid) { tell(lifeline.get(), event, pid); });
+        return true;
+    } catch (const std::system_error&) {
+        return false;
+    }
+}
+
+} // namespace vellmark

@@ -1,0 +1,121 @@
+#include "probes/DemoSandbox.h"
+
+#include "platform/ProgramPath.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <sys/file.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace vellmark {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* directoryPrefix = "vellmark-demo-";
+constexpr const char* simulatorName = "vellmark-simulator";
+
+int openLock(const fs::path& directory, int flags) {
+    return open((directory / "lock").c_str(), flags | O_RDWR | O_CLOEXEC, 0600);
+}
+
+/// Removes a sandbox, its lock last: where a child of a killed program still writes meanwhile, the
+/// directory stays with its lock, and the next sweep finds it.
+void removeSandbox(const fs::path& directory) {
+    const auto isLock = [](const fs::path& path) { return path.filename() == "lock"; };
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(directory, error)) {
+        if (!isLock(entry.path()))
+            fs::remove_all(entry.path(), error);
+    }
+    for (const auto& entry : fs::directory_iterator(directory, error)) {
+        if (!isLock(entry.path()))
+            return;
+    }
+    fs::remove_all(directory, error);
+}
+
+/// A sandbox whose lock nobody holds belongs to a program that was killed. One without a lock is
+/// being made at this moment.
+void removeAbandoned(const fs::path& temporary) {
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(temporary, error)) {
+        if (!entry.path().filename().string().starts_with(directoryPrefix))
+            continue;
+        const int lock = openLock(entry.path(), 0);
+        if (lock < 0)
+            continue;
+        if (flock(lock, LOCK_EX | LOCK_NB) == 0)
+            removeSandbox(entry.path());
+        close(lock);
+    }
+}
+
+fs::path makeDirectory(const fs::path& temporary) {
+    std::string path = (temporary / (std::string(directoryPrefix) + "XXXXXX")).string();
+    if (mkdtemp(path.data()) == nullptr)
+        throw fs::filesystem_error("cannot create directory", path,
+                                   std::error_code(errno, std::generic_category()));
+    return path;
+}
+
+fs::path findSimulator() {
+    const fs::path simulator = programPath().parent_path() / simulatorName;
+    if (!fs::exists(simulator))
+        throw std::runtime_error(simulator.string() + " is missing");
+    return simulator;
+}
+
+} // namespace
+
+DemoSandbox::DemoSandbox(const fs::path& temporary, Agents agents) {
+    const fs::path simulator = findSimulator();
+    removeAbandoned(temporary);
+    directory_ = makeDirectory(temporary);
+    try {
+        lock_ = openLock(directory_, O_CREAT);
+        flock(lock_, LOCK_EX | LOCK_NB);
+        machine_ = Machine::sandbox(directory_);
+        installAgents(simulator);
+        if (agents == Agents::asOnANewMachine)
+            undoSetup(simulator);
+    } catch (...) {
+        std::error_code ignored;
+        fs::remove_all(directory_, ignored);
+        close(lock_);
+        throw;
+    }
+}
+
+DemoSandbox::~DemoSandbox() {
+    removeSandbox(directory_);
+    close(lock_);
+    removeAbandoned(directory_.parent_path());
+}
+
+void DemoSandbox::installAgents(const fs::path& simulator) const {
+    const fs::path programs = machine_.home / ".local/bin";
+    fs::create_directories(programs);
+    for (const char* name : {"claude", "codex", "agy"})
+        fs::create_symlink(simulator, programs / name);
+    // What Antigravity's login leaves behind: only the item's existence is asked for.
+    const fs::path credential = directory_ / "credentials/gemini/antigravity";
+    fs::create_directories(credential.parent_path());
+    std::ofstream(credential).put('\n');
+}
+
+void DemoSandbox::undoSetup(const fs::path& simulator) const {
+    const fs::path programs = machine_.home / ".local/bin";
+    fs::remove(programs / "agy");
+    fs::remove_all(directory_ / "credentials");
+    fs::create_directories(machine_.home / ".vellmark-simulator");
+    std::ofstream(machine_.home / ".vellmark-simulator/claude") << "logged-out\n";
+    fs::create_symlink(simulator, programs / "curl");
+    std::ofstream(machine_.home / ".zshrc") << "path+=(~/.local/bin)\n";
+}
+
+} // namespace vellmark

@@ -1,0 +1,52 @@
+#include "probes/PrivateTemporaryFile.h"
+
+#include "model/UsageHistorySample.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace vellmark {
+
+std::optional<PrivateTemporaryFile>
+PrivateTemporaryFile::create(const std::filesystem::path& directory, std::string_view prefix) {
+    std::filesystem::path path = directory / (std::string(prefix) + UUID::make().text() + ".log");
+    Descriptor descriptor(
+        ::open(path.c_str(), O_CREAT | O_EXCL | O_RDWR | O_APPEND | O_CLOEXEC | O_NOFOLLOW, 0600));
+    if (!descriptor.isOpen()) {
+        return std::nullopt;
+    }
+    return PrivateTemporaryFile(std::move(path), std::move(descriptor));
+}
+
+PrivateTemporaryFile::~PrivateTemporaryFile() {
+    if (descriptor_.isOpen()) {
+        ::unlink(path_.c_str());
+    }
+}
+
+std::string PrivateTemporaryFile::contents() const {
+    struct stat status = {};
+    if (::fstat(descriptor(), &status) != 0 ||
+        static_cast<std::uintmax_t>(status.st_size) > readLimit) {
+        return {};
+    }
+    std::string text(static_cast<std::size_t>(status.st_size), '\0');
+    std::size_t filled = 0;
+    while (filled < text.size()) {
+        const ssize_t count = ::pread(descriptor(), text.data() + filled, text.size() - filled,
+                                      static_cast<off_t>(filled));
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count <= 0) {
+            break;
+        }
+        filled += static_cast<std::size_t>(count);
+    }
+    text.resize(filled);
+    return text;
+}
+
+} // namespace vellmark

@@ -1,0 +1,84 @@
+#include "probes/claude/ClaudeDiagnostics.h"
+
+#include "platform/AtomicFile.h"
+#include "text/Pattern.h"
+#include "text/TerminalText.h"
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+namespace vellmark {
+
+namespace {
+
+constexpr std::size_t keptCharacters = 12000;
+constexpr std::string_view redaction = "<redacted>";
+
+std::optional<std::string_view> accountLabelOf(std::string_view line) {
+    static constexpr std::array<std::string_view, 6> labels = {
+        "Organization", "Email", "Session ID", "Session name", "cwd", "Login method"};
+    const std::string start = lowercased(trimmed(line).substr(0, 64));
+    for (const std::string_view label : labels) {
+        if (start.starts_with(lowercased(label) + ":")) {
+            return label;
+        }
+    }
+    return std::nullopt;
+}
+
+std::string replacing(std::string_view text, std::string_view from, std::string_view to) {
+    std::string result;
+    for (std::size_t at = text.find(from); at != std::string_view::npos; at = text.find(from)) {
+        result.append(text.substr(0, at)).append(to);
+        text.remove_prefix(at + from.size());
+    }
+    return result.append(text);
+}
+
+std::string redactedLine(std::string_view line, const std::string& home) {
+    static const Pattern email(R"([A-Za-z0-9._%+\-]+@[A-Za-z0-9.\-]+\.[A-Za-z]{2,})");
+    if (const auto label = accountLabelOf(line)) {
+        return std::string(*label) + ": " + std::string(redaction);
+    }
+    const std::string result = email.replaceAll(line, redaction).value_or(std::string(redaction));
+    // A home of "/" names nobody, and would turn every path into nonsense.
+    return home.size() > 1 ? replacing(result, home, "~") : result;
+}
+
+} // namespace
+
+std::string redactedClaudeScreen(std::string_view screenText, const std::filesystem::path& home) {
+    // From the end backwards: of a capture of 20 MB only the last screen is kept.
+    const std::vector<std::string_view> lines = nonEmptyLines(screenText);
+    std::vector<std::string> kept;
+    std::size_t bytes = 0;
+    // No character that counts is longer than this, unless somebody stacks marks for fun.
+    constexpr std::size_t enough = keptCharacters * 16;
+    for (auto line = lines.rbegin(); line != lines.rend() && bytes < enough; ++line) {
+        kept.push_back(redactedLine(*line, home.string()));
+        bytes += kept.back().size() + 1;
+    }
+    std::string text;
+    text.reserve(bytes);
+    for (auto line = kept.rbegin(); line != kept.rend(); ++line) {
+        text.append(*line).push_back('\n');
+    }
+    if (!text.empty()) {
+        text.pop_back();
+    }
+    return lastCharacters(text, keptCharacters);
+}
+
+std::optional<std::filesystem::path> writeClaudeDiagnostics(std::string_view screenText,
+                                                            const std::filesystem::path& home,
+                                                            const std::filesystem::path& directory,
+                                                            std::string_view name) {
+    std::filesystem::path file = directory / name;
+    if (replaceFileAtomically(file, redactedClaudeScreen(screenText, home))) {
+        return std::nullopt;
+    }
+    return file;
+}
+
+} // namespace vellmark

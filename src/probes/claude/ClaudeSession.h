@@ -1,0 +1,44 @@
+#pragma once
+
+#include "model/AgentUsageSnapshot.h"
+#include "probes/claude/ClaudeScreen.h"
+#include "text/Instant.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace vellmark {
+
+/// How the scripted session ended.
+struct ClaudeSessionEnd {
+    /// The interpreter's exit status (ClaudeSessionStatus).
+    std::int32_t status = 0;
+    /// It ran out of time or was ended by a signal.
+    bool cutOff = false;
+};
+
+/// What a session showed, as a snapshot with `updatedAt` set to `now`, or the reason why there is
+/// none, thrown as UsageProviderError. Pure.
+///
+/// A capture that was cut off but holds a window is a good reading; one without is a time-out. A
+/// complete capture without a window is `claudeNoQuotas`: the caller may have more to say.
+AgentUsageSnapshot interpretClaudeSession(const ClaudeScreen& screen, const ClaudeSessionEnd& end,
+                                          Instant now);
+
+/// True when the page counted as complete by silence alone and its ending is not a known one.
+bool claudeEndMarkerIsMissing(const ClaudeScreen& screen, const ClaudeSessionEnd& end);
+
+/// Measured around the session; all from the same clock.
+struct ClaudeSessionTimes {
+    /// From the fetch's start until the capture was about to be read.
+    Seconds readAt{};
+    /// The interpreter's run, and the part of it until it was registered.
+    Seconds run{};
+    Seconds launch{};
+};
+
+/// Where the time went; absent when the script did not reach its end.
+std::optional<SnapshotNote> claudeTimingNote(const ClaudeScreen& screen,
+                                             const ClaudeSessionTimes& times);
+
+} // namespace vellmark

@@ -1,0 +1,45 @@
+#include "probes/codex/CodexUsageProvider.h"
+
+#include "probes/ExecutableLocator.h"
+#include "probes/codex/CodexMessages.h"
+#include "probes/codex/CodexReading.h"
+#include "probes/codex/CodexSession.h"
+
+#include <memory>
+
+namespace vellmark {
+
+namespace {
+
+std::unique_ptr<CodexSession> launch(const Machine& machine) {
+    const auto executable = locateCodex(machine);
+    if (!executable) {
+        throw UsageProviderError::executableMissing("Codex CLI");
+    }
+    try {
+        return std::make_unique<CodexSession>(machine, *executable,
+                                              ChildSession::ErrorStream::pipe);
+    } catch (const std::system_error& error) {
+        throw UsageProviderError::launchFailed("Codex", error.code().message());
+    }
+}
+
+} // namespace
+
+AgentUsageSnapshot CodexUsageProvider::fetch() {
+    const auto session = launch(machine_);
+    CodexReading reading;
+    const bool answered = session->converse(CodexMessages::usage, limit_, [&](CodexReply reply) {
+        reading.take(std::move(reply));
+        return reading.isComplete();
+    });
+    if (answered) {
+        return reading.snapshot(ReferenceClock::now());
+    }
+    if (session->isOverdue()) {
+        throw UsageProviderError::timeout("Codex");
+    }
+    throw UsageProviderError::codexReadFailed(session->errorText());
+}
+
+} // namespace vellmark

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "probes/AgentUsageProvider.h"
+#include "support/AgentSandbox.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace vellmark::tests {
+
+/// What a fetch came to: a snapshot, or the error that it threw.
+using FetchOutcome = std::variant<AgentUsageSnapshot, UsageProviderError>;
+
+inline FetchOutcome outcomeOf(AgentUsageProvider& provider) {
+    try {
+        return provider.fetch();
+    } catch (const UsageProviderError& error) {
+        return error;
+    }
+}
+
+/// One row of an agent's failure table, or of what it must read: the scenario that leads there and
+/// the outcome.
+struct AgentScenario {
+    std::string scenario;
+    /// Absent: a snapshot with the windows of `windowIDs`.
+    std::optional<UsageProviderError> error;
+    std::vector<std::string> windowIDs;
+    /// For tests in which time is to run out.
+    Seconds limit{60};
+};
+
+/// The scenario's name in letters, digits and underscores, as the test runner wants it.
+inline std::string scenarioTestName(const testing::TestParamInfo<AgentScenario>& test) {
+    const std::string& scenario = test.param.scenario;
+    std::string name = scenario.substr(0, scenario.find('\n'));
+    std::replace(name.begin(), name.end(), '-', '_');
+    return scenario.find('=') == std::string::npos ? name : name + "_adjusted";
+}
+
+inline void PrintTo(const AgentScenario& scenario, std::ostream* out) {
+    *out << testing::PrintToString(scenario.scenario);
+}
+
+inline void expectOutcome(const FetchOutcome& outcome, const AgentScenario& expected) {
+    if (const auto* error = std::get_if<UsageProviderError>(&outcome)) {
+        ASSERT_TRUE(expected.error)
+            << error->what() << ": " << testing::PrintToString(error->texts());
+        EXPECT_EQ(error->kind(), expected.error->kind()) << error->what();
+        EXPECT_EQ(error->texts(), expected.error->texts());
+        EXPECT_EQ(error->code(), expected.error->code());
+        return;
+    }
+    ASSERT_FALSE(expected.error) << "a snapshot instead of " << expected.error->what();
+    std::vector<std::string> ids;
+    for (const UsageWindow& window : std::get<AgentUsageSnapshot>(outcome).windows) {
+        ids.push_back(window.id);
+    }
+    EXPECT_EQ(ids, expected.windowIDs);
+}
+
+} // namespace vellmark::tests

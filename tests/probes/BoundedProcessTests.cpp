@@ -1,0 +1,263 @@
+#include "probes/BoundedProcess.h"
+#include "probes/ShellChild.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <fcntl.h>
+#include <signal.h>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+namespace vellmark::tests {
+namespace {
+
+constexpr Seconds longLimit{60};
+constexpr Seconds longGrace{30};
+
+BoundedProcessResult runShell(const std::string& script, Seconds limit = longLimit,
+                              Seconds grace = longGrace) {
+    ChildConfiguration child = shellChild(script);
+    child.standardOutput = ChildOutput::captured(1 << 20);
+    child.standardError = ChildOutput::captured(1 << 20);
+    return BoundedProcess::run(child, limit, grace);
+}
+
+TEST(BoundedProcess, reportsHowTheChildEnded) {
+    const auto exited = runShell("echo out; echo problem >&2; exit 7");
+    EXPECT_EQ(exited.terminationStatus, 7);
+    EXPECT_FALSE(exited.uncaughtSignal);
+    EXPECT_FALSE(exited.timedOut);
+    EXPECT_EQ(exited.output, "out\n");
+    EXPECT_EQ(exited.errorOutput, "problem\n");
+    EXPECT_GT(exited.launch.count(), 0);
+    EXPECT_GE(exited.elapsed, exited.launch);
+
+    for (const int number : {SIGKILL, SIGTERM, SIGSEGV}) {
+        const auto killed = runShell("ulimit -c 0; kill -" + std::to_string(number) + " $$");
+        EXPECT_EQ(killed.terminationStatus, number);
+        EXPECT_TRUE(killed.uncaughtSignal);
+        EXPECT_FALSE(killed.timedOut);
+    }
+}
+
+TEST(BoundedProcess, aLaunchThatFailsThrowsAndLeavesNothing) {
+    const TemporaryDirectory directory;
+    const auto descriptors = openDescriptorCount();
+    const auto launchError = [](const std::filesystem::path& program,
+                                const std::filesystem::path& folder = {}) {
+        ChildConfiguration child;
+        child.executable = program;
+        child.workingDirectory = folder;
+        child.standardOutput = ChildOutput::captured(10);
+        try {
+            BoundedProcess::run(child, longLimit, longGrace);
+        } catch (const std::system_error& error) {
+            return error.code();
+        }
+        return std::error_code();
+    };
+    EXPECT_EQ(launchError(directory / "missing"), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(launchError(directory.write("plain", "no program")), std::errc::permission_denied);
+    EXPECT_EQ(launchError(directory.path()), std::errc::permission_denied);
+    EXPECT_EQ(launchError("/bin/sh", directory / "nowhere"), std::errc::no_such_file_or_directory);
+    EXPECT_TRUE(RunningChildren::snapshot().empty());
+    EXPECT_EQ(openDescriptorCount(), descriptors);
+    EXPECT_FALSE(hasZombieChild());
+}
+
+TEST(BoundedProcess, theChildGetsWhatIsNamedAndNothingElse) {
+    const TemporaryDirectory directory;
+    ::setenv("VELLMARK_TEST_INHERITED", "1", 1);
+    const int stray = ::open("/dev/null", O_RDONLY);
+    ChildConfiguration child = shellChild("pwd; echo \"$GIVEN:$VELLMARK_TEST_INHERITED:$1\"; "
+                                          "cat; test -e /dev/fd/" +
+                                          std::to_string(stray) + " && echo leaked; exit 0");
+    child.arguments.insert(child.arguments.end(), {"name", "two words"});
+    child.environment["GIVEN"] = "yes";
+    child.workingDirectory = directory.path();
+    child.standardOutput = ChildOutput::captured(1000);
+    const auto result = BoundedProcess::run(child, longLimit, longGrace);
+    ::close(stray);
+    ::unsetenv("VELLMARK_TEST_INHERITED");
+    EXPECT_EQ(result.output, directory.path().string() + "\nyes::two words\n");
+}
+
+TEST(BoundedProcess, theChildHandlesSignalsByDefault) {
+    ::signal(SIGHUP, SIG_IGN);
+    sigset_t blocked;
+    sigset_t previous;
+    sigemptyset(&blocked);
+    sigaddset(&blocked, SIGUSR1);
+    ::pthread_sigmask(SIG_BLOCK, &blocked, &previous);
+    EXPECT_EQ(runShell("kill -HUP $$; exit 0").terminationStatus, SIGHUP);
+    EXPECT_EQ(runShell("kill -USR1 $$; exit 0").terminationStatus, SIGUSR1);
+    ::pthread_sigmask(SIG_SETMASK, &previous, nullptr);
+    ::signal(SIGHUP, SIG_DFL);
+}
+
+TEST(BoundedProcess, anInheritedDisregardForEndedChildrenLosesNoStatus) {
+    const auto previous = ::signal(SIGCHLD, SIG_IGN);
+    EXPECT_EQ(runShell("exit 3").terminationStatus, 3);
+    ::signal(SIGCHLD, previous);
+}
+
+TEST(BoundedProcess, writesToTheDescriptorsGiven) {
+    const TemporaryDirectory directory;
+    const auto path = directory / "both";
+    const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    ChildConfiguration child = shellChild("echo out; echo problem >&2");
+    child.standardOutput = ChildOutput::toDescriptor(file);
+    child.mergesStandardError = true;
+    BoundedProcess::run(child, longLimit, longGrace);
+    EXPECT_EQ(::close(file), 0) << "the descriptor stays the caller's";
+    EXPECT_EQ(contentOf(path), "out\nproblem\n");
+}
+
+TEST(BoundedProcess, ownStandardStreamsMayBeSwapped) {
+    const TemporaryDirectory directory;
+    const int keptOutput = ::dup(STDOUT_FILENO);
+    const int keptError = ::dup(STDERR_FILENO);
+    const auto redirect = [](const std::filesystem::path& path, int stream) {
+        const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+        ::dup2(file, stream);
+        ::close(file);
+    };
+    redirect(directory / "1", STDOUT_FILENO);
+    redirect(directory / "2", STDERR_FILENO);
+    ChildConfiguration child = shellChild("echo out; echo problem >&2");
+    child.standardOutput = ChildOutput::toDescriptor(STDERR_FILENO);
+    child.standardError = ChildOutput::toDescriptor(STDOUT_FILENO);
+    BoundedProcess::run(child, longLimit, longGrace);
+    ::dup2(keptOutput, STDOUT_FILENO);
+    ::dup2(keptError, STDERR_FILENO);
+    ::close(keptOutput);
+    ::close(keptError);
+    EXPECT_EQ(contentOf(directory / "1"), "problem\n");
+    EXPECT_EQ(contentOf(directory / "2"), "out\n");
+}
+
+TEST(BoundedProcess, drainsWhatItDoesNotKeep) {
+    ChildConfiguration child =
+        shellChild("dd if=/dev/zero bs=1000000 count=20 2>/dev/null; echo problem >&2");
+    child.standardOutput = ChildOutput::captured(1000);
+    child.standardError = ChildOutput::captured(4);
+    const auto result = BoundedProcess::run(child, longLimit, longGrace);
+    EXPECT_EQ(result.terminationStatus, 0);
+    EXPECT_EQ(result.output, std::string(1000, '\0'));
+    EXPECT_EQ(result.errorOutput, "prob");
+}
+
+TEST(BoundedProcess, aPipeThatAGrandchildHoldsDoesNotHoldTheRun) {
+    const TemporaryDirectory directory;
+    const auto start = std::chrono::steady_clock::now();
+    const auto result =
+        runShell("echo before; sleep 30 & echo $! > " + (directory / "pid").string());
+    EXPECT_LT(Seconds(std::chrono::steady_clock::now() - start), Seconds(15));
+    EXPECT_EQ(result.output, "before\n");
+    ::kill(awaitedPid(directory / "pid"), SIGKILL);
+}
+
+TEST(BoundedProcess, aChildThatObeysEndsAtTheSoftStop) {
+    const auto result = runShell("echo partly; exec sleep 30", Seconds(0.5), longGrace);
+    EXPECT_TRUE(result.timedOut);
+    EXPECT_TRUE(result.uncaughtSignal);
+    EXPECT_EQ(result.terminationStatus, SIGTERM);
+    EXPECT_EQ(result.output, "partly\n");
+    EXPECT_GE(result.elapsed, Seconds(0.5));
+    EXPECT_LT(result.elapsed, Seconds(15));
+}
+
+TEST(BoundedProcess, aChildThatCleansUpOnTheSoftStopKeepsItsStatus) {
+    const auto result = runShell("trap 'echo tidied; exit 4' TERM; while :; do sleep 0.02; done",
+                                 Seconds(0.5), longGrace);
+    EXPECT_TRUE(result.timedOut);
+    EXPECT_FALSE(result.uncaughtSignal);
+    EXPECT_EQ(result.terminationStatus, 4);
+    EXPECT_EQ(result.output, "tidied\n");
+}
+
+TEST(BoundedProcess, aDeafChildIsKilledAfterTheGrace) {
+    const auto result =
+        runShell("trap '' TERM; while :; do sleep 0.05; done", Seconds(0.5), Seconds(0.3));
+    EXPECT_TRUE(result.timedOut);
+    EXPECT_EQ(result.terminationStatus, SIGKILL);
+    EXPECT_GE(result.elapsed, Seconds(0.8));
+}
+
+TEST(BoundedProcess, aLimitOfNothingStopsAtOnce) {
+    for (const Seconds limit : {Seconds(0), Seconds(-5)}) {
+        const auto result = runShell("exec sleep 30", limit, longGrace);
+        EXPECT_TRUE(result.timedOut);
+        EXPECT_EQ(result.terminationStatus, SIGTERM);
+    }
+}
+
+TEST(BoundedProcess, aChildThatEndsInTimeIsNeverSignalled) {
+    // Its own children would show it: they outlive it and would be told first.
+    const TemporaryDirectory directory;
+    const auto result =
+        runShell("sleep 30 >/dev/null 2>&1 & echo $! > " + (directory / "pid").string(),
+                 Seconds(0.3), Seconds(0.1));
+    EXPECT_FALSE(result.timedOut);
+    const pid_t left = awaitedPid(directory / "pid");
+    std::this_thread::sleep_for(Seconds(0.6));
+    EXPECT_TRUE(isProcessAlive(left));
+    ::kill(left, SIGKILL);
+}
+
+TEST(BoundedProcess, directChildrenAreToldBeforeTheirParent) {
+    const TemporaryDirectory directory;
+    const auto log = (directory / "log").string();
+    // The parent waits for its child after its own signal, so both always write.
+    runShell("(trap 'echo child >> " + log + "; exit' TERM; while :; do sleep 0.01; done) & " +
+                 "trap 'wait; echo parent >> " + log + "; exit' TERM; wait; wait",
+             Seconds(0.5), longGrace);
+    EXPECT_EQ(contentOf(log), "child\nparent\n");
+}
+
+TEST(BoundedProcess, aDeafGrandchildIsKilledThoughItsParentObeyed) {
+    const TemporaryDirectory directory;
+    const auto result = runShell(parentOfDeafChild(directory), Seconds(1), Seconds(2));
+    EXPECT_EQ(result.terminationStatus, SIGTERM);
+    const pid_t deaf = awaitedPid(directory / "pid");
+    EXPECT_TRUE(isProcessAlive(deaf)) << "the run ends with its own child";
+    EXPECT_TRUE(becomesTrue([deaf] { return !isProcessAlive(deaf); }));
+}
+
+TEST(BoundedProcess, twoHundredChildrenAtOnce) {
+    std::atomic<int> correct = 0;
+    std::vector<std::thread> callers;
+    for (int number = 0; number < 200; ++number) {
+        callers.emplace_back([number, &correct] {
+            const int status = number % 100;
+            const auto result =
+                runShell("echo " + std::to_string(number) + "; exit " + std::to_string(status));
+            const bool matches = result.terminationStatus == status && !result.timedOut &&
+                                 result.output == std::to_string(number) + "\n";
+            correct += matches ? 1 : 0;
+        });
+    }
+    for (auto& caller : callers)
+        caller.join();
+    EXPECT_EQ(correct, 200);
+    EXPECT_TRUE(RunningChildren::snapshot().empty());
+    EXPECT_FALSE(hasZombieChild());
+}
+
+TEST(BoundedProcess, manyRunsHoldOnToNothing) {
+    runShell("exit 0");
+    const auto descriptors = openDescriptorCount();
+    const auto threads = threadCount();
+    for (int count = 0; count < 300; ++count)
+        runShell(count % 50 == 0 ? "exec sleep 9" : "echo text", Seconds(count % 50 == 0 ? 0 : 60));
+    EXPECT_EQ(openDescriptorCount(), descriptors);
+    EXPECT_EQ(threadCount(), threads);
+    EXPECT_EQ(livingChildCount(), 0u);
+    EXPECT_FALSE(hasZombieChild());
+}
+
+} // namespace
+} // namespace vellmark::tests

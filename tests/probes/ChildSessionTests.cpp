@@ -1,0 +1,139 @@
+#include "probes/BackgroundReaper.h"
+#include "probes/ChildSession.h"
+#include "probes/RunningChildren.h"
+#include "probes/ShellChild.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <signal.h>
+#include <string>
+#include <system_error>
+
+namespace vellmark::tests {
+namespace {
+
+using ErrorStream = ChildSession::ErrorStream;
+using ReadEvent = ChildSession::ReadEvent;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr Seconds enough{20};
+
+/// Reads until something other than data comes.
+ReadEvent readAll(ChildSession& session, std::string& text) {
+    ReadEvent event = ReadEvent::data;
+    while (event == ReadEvent::data)
+        event = session.read(text, enough);
+    return event;
+}
+
+TEST(ChildSession, answersComeBack) {
+    ChildSession session(shellChild("read line; echo \"got $line\"; read line; echo \"$line!\""),
+                         ErrorStream::nullDevice);
+    EXPECT_THAT(RunningChildren::snapshot(), ElementsAre(session.processIdentifier()));
+    std::string text;
+    EXPECT_TRUE(session.write("one\n", enough));
+    EXPECT_EQ(session.read(text, enough), ReadEvent::data);
+    EXPECT_EQ(text, "got one\n");
+    EXPECT_TRUE(session.write("two\n", enough));
+    EXPECT_EQ(readAll(session, text), ReadEvent::endOfFile);
+    EXPECT_EQ(text, "got one\ntwo!\n");
+}
+
+TEST(ChildSession, silenceIsIdle) {
+    ChildSession session(shellChild("exec sleep 30"), ErrorStream::pipe);
+    std::string text;
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(session.read(text, Seconds(0.1)), ReadEvent::idle);
+    EXPECT_GE(Seconds(std::chrono::steady_clock::now() - start), Seconds(0.1));
+    EXPECT_EQ(session.read(text, Seconds(-1)), ReadEvent::idle);
+    EXPECT_EQ(text, "");
+}
+
+TEST(ChildSession, writingToAChildThatHasGoneRaisesNothing) {
+    ::signal(SIGPIPE, SIG_DFL);
+    ChildSession session(shellChild("exit 0"), ErrorStream::nullDevice);
+    std::string text;
+    EXPECT_EQ(readAll(session, text), ReadEvent::endOfFile);
+    EXPECT_FALSE(session.write(std::string(1 << 20, 'x'), enough));
+    sigset_t pending;
+    ::sigpending(&pending);
+    EXPECT_EQ(sigismember(&pending, SIGPIPE), 0);
+}
+
+TEST(ChildSession, writingToAChildThatDoesNotReadEndsAtTheLimit) {
+    ChildSession session(shellChild("exec sleep 30"), ErrorStream::nullDevice);
+    EXPECT_FALSE(session.write(std::string(1 << 20, 'x'), Seconds(0.1)));
+}
+
+TEST(ChildSession, aChattyErrorStreamBlocksNobodyAndItsEndIsKept) {
+    ChildSession session(shellChild("dd if=/dev/zero bs=1000000 count=3 >&2 2>/dev/null; "
+                                    "echo the reason >&2; echo done"),
+                         ErrorStream::pipe);
+    std::string text;
+    EXPECT_EQ(readAll(session, text), ReadEvent::endOfFile);
+    EXPECT_EQ(text, "done\n");
+    const std::string errors = session.errorText();
+    EXPECT_EQ(errors.size(), 64u * 1024);
+    EXPECT_TRUE(errors.ends_with("the reason\n"));
+}
+
+TEST(ChildSession, aGrandchildThatHoldsTheOutputDoesNotHoldTheEnd) {
+    const TemporaryDirectory directory;
+    ChildSession session(
+        shellChild("sleep 30 & echo $! > " + (directory / "pid").string() + "; echo last"),
+        ErrorStream::pipe);
+    std::string text;
+    EXPECT_EQ(readAll(session, text), ReadEvent::endOfFile);
+    EXPECT_EQ(text, "last\n");
+    ::kill(awaitedPid(directory / "pid"), SIGKILL);
+}
+
+TEST(ChildSession, aLaunchThatFailsThrowsAndLeavesNothing) {
+    const auto descriptors = openDescriptorCount();
+    ChildConfiguration child;
+    child.executable = "/nowhere/at/all";
+    EXPECT_THROW(ChildSession(child, ErrorStream::pipe), std::system_error);
+    EXPECT_EQ(openDescriptorCount(), descriptors);
+    EXPECT_THAT(RunningChildren::snapshot(), IsEmpty());
+}
+
+TEST(ChildSession, theEndOfASessionWaitsForNobody) {
+    const auto start = std::chrono::steady_clock::now();
+    pid_t deaf = 0;
+    {
+        ChildSession session(shellChild("trap '' TERM; echo ready; while :; do sleep 0.02; done"),
+                             ErrorStream::nullDevice);
+        deaf = session.processIdentifier();
+        std::string text;
+        EXPECT_EQ(session.read(text, enough), ReadEvent::data);
+    }
+    const Seconds taken = std::chrono::steady_clock::now() - start;
+    EXPECT_THAT(RunningChildren::snapshot(), IsEmpty());
+    EXPECT_TRUE(isProcessAlive(deaf)) << "after " << taken.count() << " s";
+    EXPECT_TRUE(becomesTrue([deaf] { return !isProcessAlive(deaf); })) << "killed after 3 s";
+    EXPECT_TRUE(becomesTrue([] { return BackgroundReaper::snapshot().empty(); }));
+}
+
+TEST(ChildSession, manySessionsHoldOnToNothing) {
+    { ChildSession first(shellChild("cat"), ErrorStream::pipe); }
+    const auto isCollected = [] { return BackgroundReaper::snapshot().empty(); };
+    ASSERT_TRUE(becomesTrue(isCollected));
+    const auto descriptors = openDescriptorCount();
+    const auto threads = threadCount();
+    for (int count = 0; count < 100; ++count) {
+        ChildSession session(shellChild(count % 2 == 0 ? "exit 0" : "cat"), ErrorStream::pipe);
+        session.write("text\n", enough);
+    }
+    EXPECT_TRUE(becomesTrue(isCollected));
+    EXPECT_EQ(livingChildCount(), 0u);
+    EXPECT_FALSE(hasZombieChild());
+    // A child's own child that was told to stop is remembered until the grace is over.
+    EXPECT_TRUE(becomesTrue([=] { return openDescriptorCount() == descriptors; }));
+    EXPECT_EQ(threadCount(), threads);
+}
+
+} // namespace
+} // namespace vellmark::tests

@@ -1,0 +1,94 @@
+#include "probes/ExecutableLocator.h"
+#include "probes/ProviderRegistry.h"
+#include "support/TemporaryDirectory.h"
+
+#include <gmock/gmock.h>
+
+namespace vellmark {
+namespace {
+
+using ::testing::ElementsAre;
+using tests::TemporaryDirectory;
+namespace fs = std::filesystem;
+
+TEST(ProviderRegistry, OffersACompleteAgentInEveryPlace) {
+    const TemporaryDirectory directory;
+    const Machine machine = Machine::sandbox(directory.path());
+    std::vector<std::string> ids;
+    for (const auto& [descriptor, make] : providerRegistry()) {
+        ids.push_back(descriptor.id.rawValue);
+        EXPECT_EQ(make(machine)->id(), descriptor.id);
+        EXPECT_EQ(providerDescriptor(descriptor.id), &descriptor);
+        ASSERT_TRUE(descriptor.setup);
+        EXPECT_TRUE(descriptor.setup->isLoggedIn);
+        EXPECT_EQ(descriptor.executableLocator(machine), std::nullopt);
+        EXPECT_TRUE(descriptor.drivesGlyph());
+    }
+    EXPECT_THAT(ids, ElementsAre("codex", "claude", "antigravity"));
+    EXPECT_EQ(providerDescriptor(AgentProviderID("unknown")), nullptr);
+}
+
+TEST(ProviderRegistry, KnowsHowEachAgentIsLoggedInTo) {
+    const auto info = [](const AgentProviderID& id) { return providerDescriptor(id)->setup->info; };
+    EXPECT_THAT(info(AgentProviderID::codex()).loginArguments, ElementsAre("login"));
+    EXPECT_THAT(*info(AgentProviderID::codex()).loginCheckArguments,
+                ElementsAre("login", "--help"));
+    EXPECT_THAT(*info(AgentProviderID::claude()).loginCheckArguments,
+                ElementsAre("auth", "login", "--help"));
+    EXPECT_FALSE(info(AgentProviderID::antigravity()).loginCheckArguments);
+
+    const TemporaryDirectory directory;
+    const Machine machine = Machine::sandbox(directory.path());
+    const auto& isLoggedIn = providerDescriptor(AgentProviderID::antigravity())->setup->isLoggedIn;
+    EXPECT_EQ(isLoggedIn(machine, "/any"), false);
+    directory.write("credentials/gemini/antigravity", "");
+    EXPECT_EQ(isLoggedIn(machine, "/any"), true);
+}
+
+TEST(ExecutableLocator, TriesItsPlacesInOrder) {
+    const struct {
+        std::optional<fs::path> (*locate)(const Machine&);
+        /// Below the sandbox, the preferred one first.
+        std::vector<std::string> places;
+    } cases[] = {
+        {locateClaude,
+         {"home/.local/bin/claude", "home/.claude/local/claude", "root/opt/homebrew/bin/claude",
+          "root/usr/local/bin/claude"}},
+        {locateCodex,
+         {"root/Applications/ChatGPT.app/Contents/Resources/codex-cli/CodexCLI.app/Contents/MacOS/"
+          "codex",
+          "root/opt/homebrew/bin/codex", "root/usr/local/bin/codex", "home/.local/bin/codex"}},
+        {locateAntigravity,
+         {"home/.local/bin/agy", "root/opt/homebrew/bin/agy", "root/usr/local/bin/agy"}},
+    };
+    for (const auto& [locate, places] : cases) {
+        const TemporaryDirectory directory;
+        const Machine machine = Machine::sandbox(directory.path());
+        for (const auto& place : places) {
+            directory.writeExecutable(place, "#!/bin/sh\n");
+        }
+        for (const auto& place : places) {
+            EXPECT_EQ(locate(machine), directory / place);
+            fs::remove(directory / place);
+        }
+        EXPECT_EQ(locate(machine), std::nullopt);
+    }
+}
+
+TEST(ExecutableLocator, PassesOverWhatCannotBeExecuted) {
+    const TemporaryDirectory directory;
+    const Machine machine = Machine::sandbox(directory.path());
+    directory.write("home/.local/bin/claude", "not executable");
+    fs::create_directories(directory / "home/.claude/local/claude");
+    fs::create_directories(directory / "root/opt/homebrew/bin");
+    fs::create_symlink("/nonexistent", directory / "root/opt/homebrew/bin/claude");
+    EXPECT_EQ(locateClaude(machine), std::nullopt);
+
+    const auto real = directory.writeExecutable("elsewhere/claude", "#!/bin/sh\n");
+    fs::create_directories(directory / "root/usr/local/bin");
+    fs::create_symlink(real, directory / "root/usr/local/bin/claude");
+    EXPECT_EQ(locateClaude(machine), directory / "root/usr/local/bin/claude");
+}
+
+} // namespace
+} // namespace vellmark

@@ -1,0 +1,52 @@
+#include "probes/ToolVersion.h"
+#include "support/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+
+namespace vellmark::tests {
+namespace {
+
+class ToolVersion : public ::testing::Test {
+protected:
+    std::optional<std::string> versionPrintedBy(const std::string& script) {
+        return toolVersion(machine, directory.writeExecutable("tool", "#!/bin/sh\n" + script));
+    }
+
+    TemporaryDirectory directory;
+    Machine machine = Machine::sandbox(directory.path());
+};
+
+TEST_F(ToolVersion, isTheFirstLineThatIsNotEmpty) {
+    EXPECT_EQ(versionPrintedBy("printf '\\n  %s 1.2.3 (beta) \\r\\nmore\\n' \"$1\""),
+              "--version 1.2.3 (beta)");
+}
+
+TEST_F(ToolVersion, isCutAfter120Characters) {
+    EXPECT_EQ(versionPrintedBy("yes ä | head -n 300 | tr -d '\\n'"), [] {
+        std::string expected;
+        for (int count = 0; count < 120; ++count)
+            expected += "ä";
+        return expected;
+    }());
+}
+
+TEST_F(ToolVersion, isAbsentWhenThereIsNone) {
+    EXPECT_EQ(versionPrintedBy("echo 1.0 >&2"), std::nullopt);
+    EXPECT_EQ(versionPrintedBy("printf '\\377\\376\\n'"), std::nullopt);
+    EXPECT_EQ(toolVersion(machine, directory.write("plain", "1.0")), std::nullopt);
+    EXPECT_EQ(toolVersion(machine, directory / "missing"), std::nullopt);
+    EXPECT_EQ(toolVersion(machine, directory.path()), std::nullopt);
+    EXPECT_EQ(toolVersion(machine, directory.writeExecutable("broken", "#!/no/such/shell\n")),
+              std::nullopt);
+}
+
+TEST_F(ToolVersion, seesTheFilteredEnvironment) {
+    machine.environment["CODEX_SECRET"] = "leaked";
+    EXPECT_EQ(versionPrintedBy("echo \"v1$CODEX_SECRET\""), "v1");
+}
+
+} // namespace
+} // namespace vellmark::tests

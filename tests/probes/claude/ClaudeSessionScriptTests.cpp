@@ -1,0 +1,26 @@
+#include "probes/claude/ClaudeSessionScript.h"
+#include "support/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+
+namespace vellmark::tests {
+namespace {
+
+TEST(ClaudeSessionScript, isTheTextThatTheCLIWasTriedWith) {
+    EXPECT_EQ(claudeSessionScript(),
+              contentOf(VELLMARK_SOURCE_DIRECTORY "/tests/probes/claude/data/session-script.exp"));
+}
+
+TEST(ClaudeSessionScript, takesEveryWaitFromTheTimings) {
+    const ClaudeSessionTimings timings{101, 102, 103, 104, 105, 106, 107,
+                                       108, 109, 110, 111, 112, 113};
+    const std::string script = claudeSessionScript(timings);
+    for (int number = 101; number <= 113; ++number) {
+        const std::string text = std::to_string(number);
+        EXPECT_NE(script.find(text), std::string::npos) << text;
+    }
+    EXPECT_EQ(script.find('@'), std::string::npos);
+}
+
+} // namespace
+} // namespace vellmark::tests

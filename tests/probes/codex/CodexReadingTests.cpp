@@ -1,0 +1,242 @@
+#include "probes/codex/CodexReading.h"
+#include "probes/codex/LineBuffer.h"
+
+#include <gmock/gmock.h>
+
+namespace vellmark {
+namespace {
+
+using Kind = UsageProviderError::Kind;
+using ::testing::ElementsAre;
+
+const Instant now{Seconds(800'000'000.5)};
+
+/// An answer to the request for the rate limits.
+std::string limits(const std::string& rateLimits) {
+    return R"({"id":3,"result":{"rateLimits":)" + rateLimits + "}}\n";
+}
+
+std::string account(const std::string& result) {
+    return R"({"id":2,"result":)" + result + "}\n";
+}
+
+const std::string someLimits = limits(R"({"primary":{"usedPercent":12}})");
+
+AgentUsageSnapshot readLimits(const std::string& rateLimits) {
+    return codexSnapshot(limits(rateLimits), now);
+}
+
+std::optional<double> usedPercent(const std::string& value) {
+    const auto snapshot =
+        readLimits(R"({"secondary":{"usedPercent":1},"primary":{"usedPercent":)" + value + "}}");
+    return snapshot.windows.size() == 2 ? std::optional(snapshot.windows[0].usedPercent)
+                                        : std::nullopt;
+}
+
+std::optional<UsageProviderError> failure(const std::string& output) {
+    try {
+        codexSnapshot(output, now);
+    } catch (const UsageProviderError& error) {
+        return error;
+    }
+    return std::nullopt;
+}
+
+TEST(CodexReading, ReadsEverythingThatTheServerTells) {
+    const std::string output = R"({"id":1,"result":{"userAgent":"codex/1.0"}}
+{"method":"account/updated","params":{"email":"nobody@example.com"}}
+{"id":2,"result":{"account":{"type":"chatgpt","email":"ada@example.com","planType":"plus"}}}
+{"id":3,"result":{"rateLimits":{"limitId":"codex","primary":{"usedPercent":42.5,)"
+                               R"("windowDurationMins":300,"resetsAt":1780000000},)"
+                               R"("secondary":{"usedPercent":"7","windowDurationMins":"10080",)"
+                               R"("resetsAt":"1780300000.5"},"credits":{"hasCredits":true},)"
+                               R"("planType":"plus"}}}
+)";
+    AgentUsageSnapshot expected;
+    expected.id = AgentProviderID::codex();
+    expected.accountLabel = "ada@example.com";
+    expected.plan = "Plus";
+    expected.windows = {{"session", 42.5, 300, instantFromUnixSeconds(1780000000)},
+                        {"weekly", 7, 10080, instantFromUnixSeconds(1780300000.5)}};
+    expected.credit = CreditInfo::available();
+    expected.source = SnapshotSource::live;
+    expected.updatedAt = now;
+    EXPECT_EQ(codexSnapshot(output, now), expected);
+    EXPECT_EQ(codexSnapshot(output.substr(0, output.size() - 1), now), expected);
+}
+
+TEST(CodexReading, TakesNumbersAndDecimalTexts) {
+    const struct {
+        const char* value;
+        std::optional<double> expected;
+    } cases[] = {
+        {"0", 0},
+        {"-3", -3},
+        {"250.25", 250.25},
+        {"1e2", 100},
+        {"\"42.5\"", 42.5},
+        {"\"+1.\"", 1},
+        {"\".5\"", 0.5},
+        {"\"1e2\"", 100},
+        {"\"\"", {}},
+        {"\" 1\"", {}},
+        {"\"1 \"", {}},
+        {"\"1,5\"", {}},
+        {"\"0x10\"", {}},
+        {"\"inf\"", {}},
+        {"\"nan\"", {}},
+        {"\"1e\"", {}},
+        {"\".\"", {}},
+        {"\"-\"", {}},
+        {"\"1e999\"", {}},
+        {"\"1.2.3\"", {}},
+        {"true", {}},
+        {"null", {}},
+        {"{\"usedPercent\":9}", {}},
+        {"[9]", {}},
+    };
+    for (const auto& [value, expected] : cases) {
+        EXPECT_EQ(usedPercent(value), expected) << value;
+    }
+}
+
+TEST(CodexReading, AWindowNeedsItsPercentageAndNothingElse) {
+    const auto snapshot = readLimits(
+        R"({"primary":{"windowDurationMins":300},"secondary":{"usedPercent":1,"resetsAt":0,)"
+        R"("windowDurationMins":null}})");
+    EXPECT_THAT(snapshot.windows,
+                ElementsAre(UsageWindow{"weekly", 1, std::nullopt, instantFromUnixSeconds(0)}));
+    EXPECT_EQ(snapshot.accountLabel, std::nullopt);
+    EXPECT_EQ(snapshot.plan, std::nullopt);
+}
+
+TEST(CodexReading, CapitalizesThePlanWordByWord) {
+    const struct {
+        const char* reported;
+        const char* shown;
+    } cases[] = {
+        {"plus", "Plus"},
+        {"PRO", "Pro"},
+        {"", ""},
+        {"team edition", "Team Edition"},
+        {"pay-as-you-go", "Pay-As-You-Go"},
+        {"don't", "Don't"},
+        {"k12 school_plan", "K12 School_Plan"},
+        {"éCOLE ǆ", "École ǅ"},
+    };
+    for (const auto& [reported, shown] : cases) {
+        EXPECT_EQ(readLimits(std::string(R"({"primary":{"usedPercent":1},"planType":")") +
+                             reported + "\"}")
+                      .plan,
+                  shown);
+    }
+    EXPECT_EQ(readLimits(R"({"primary":{"usedPercent":1},"planType":5})").plan, std::nullopt);
+}
+
+TEST(CodexReading, CreditsCountWhenTheServerSaysSo) {
+    const struct {
+        const char* credits;
+        bool expected;
+    } cases[] = {{R"({"hasCredits":true})", true},    {R"({"hasCredits":false})", false},
+                 {R"({"hasCredits":1})", false},      {R"({"hasCredits":"true"})", false},
+                 {R"([{"hasCredits":true}])", false}, {R"({"x":{"hasCredits":true}})", false}};
+    for (const auto& [credits, expected] : cases) {
+        const auto snapshot =
+            readLimits(std::string(R"({"primary":{"usedPercent":1},"credits":)") + credits + "}");
+        EXPECT_EQ(snapshot.credit.has_value(), expected) << credits;
+    }
+}
+
+TEST(CodexReading, FindsTheEmailAtAnyDepth) {
+    const struct {
+        const char* result;
+        std::optional<std::string> expected;
+    } cases[] = {
+        {R"({"email":"a@b.c"})", "a@b.c"},
+        {R"({"account":{"profile":{"email":"a@b.c"}}})", "a@b.c"},
+        {R"({"list":[1,[{"email":"first@b.c"},{"email":"second@b.c"}]]})", "first@b.c"},
+        {R"({"nested":{"email":"inner@b.c"},"email":"own@b.c"})", "own@b.c"},
+        {R"({"a":{"x":{"email":"deep@b.c"},"email":"own@b.c"},"b":{"email":"b@b.c"}})", "own@b.c"},
+        {R"({"email":null,"account":{"email":"a@b.c"}})", "a@b.c"},
+        {R"({"email":{"email":"a@b.c"}})", "a@b.c"},
+        {R"({"account":null,"requiresOpenaiAuth":true})", std::nullopt},
+        {R"({"mail":"a@b.c"})", std::nullopt},
+    };
+    for (const auto& [result, expected] : cases) {
+        EXPECT_EQ(codexSnapshot(account(result) + someLimits, now).accountLabel, expected)
+            << result;
+    }
+}
+
+TEST(CodexReading, SkipsWhatIsNoReply) {
+    for (const char* line :
+         {"", "garbage", "{", "[]", "null", "3", "\xff\xfe", "{\"id\":3}",
+          R"({"id":3,"error":{"code":-32600,"message":"not logged in"}})",
+          R"({"id":3,"result":[]})", R"({"id":3,"result":null})",
+          R"({"id":"3","result":{"rateLimits":{}}})", R"({"id":true,"result":{"rateLimits":{}}})",
+          R"({"id":3.5,"result":{"rateLimits":{}}})", R"({"id":1,"result":{"rateLimits":{}}})",
+          R"({"result":{"id":3,"rateLimits":{}}})",
+          R"({"method":"x","params":{"id":3,"result":{"rateLimits":{}}}})",
+          R"({"id":3,"result":{}} trailing)", R"([{"id":3,"result":{}}])"}) {
+        EXPECT_EQ(failure(line), UsageProviderError::codexReadFailed("")) << line;
+        EXPECT_EQ(failure(std::string(line) + "\n" + someLimits), std::nullopt) << line;
+    }
+    EXPECT_EQ(failure(R"({"result":{"rateLimits":{"primary":{"usedPercent":1}}},"id":3.0})"),
+              std::nullopt);
+}
+
+TEST(CodexReading, TellsMissingQuotasFromMissingWindows) {
+    for (const char* result : {"{}", R"({"rateLimits":null})", R"({"rateLimits":[]})",
+                               R"({"nested":{"rateLimits":{"primary":{"usedPercent":1}}}})"}) {
+        EXPECT_EQ(failure(std::string(R"({"id":3,"result":)") + result + "}"),
+                  UsageProviderError(Kind::codexNoQuotas))
+            << result;
+    }
+    for (const char* rateLimits :
+         {"{}", R"({"primary":null,"secondary":[]})", R"({"primary":{"usedPercent":{}}})",
+          R"({"tertiary":{"usedPercent":1}})", R"({"credits":{"usedPercent":1}})"}) {
+        EXPECT_EQ(failure(limits(rateLimits)), UsageProviderError(Kind::codexNoWindows))
+            << rateLimits;
+    }
+}
+
+// A document nested a million levels deep used to be a way to exhaust a parser's stack or memory.
+TEST(CodexReading, SurvivesHostileNesting) {
+    for (const char* open : {"[", "{\"email\":", "{\"result\":"}) {
+        std::string nested;
+        for (int depth = 0; depth < 1'000'000; ++depth) {
+            nested += open;
+        }
+        EXPECT_EQ(failure(R"({"id":3,"result":)" + nested + "\n" + someLimits), std::nullopt);
+    }
+}
+
+TEST(LineBuffer, GivesTheSameLinesHoweverTheBytesAreSplit) {
+    const std::string stream = "first\n\nsecond line\r\nunfinished";
+    for (std::size_t first = 0; first <= stream.size(); ++first) {
+        for (std::size_t second = first; second <= stream.size(); ++second) {
+            LineBuffer buffer;
+            std::vector<std::string> lines;
+            const auto take = [&](std::string_view line) { lines.emplace_back(line); };
+            buffer.append(std::string_view(stream).substr(0, first), take);
+            buffer.append(std::string_view(stream).substr(first, second - first), take);
+            EXPECT_TRUE(buffer.append(std::string_view(stream).substr(second), take));
+            ASSERT_THAT(lines, ElementsAre("first", "", "second line\r"));
+        }
+    }
+}
+
+TEST(LineBuffer, RefusesALineWithoutEnd) {
+    LineBuffer buffer;
+    const std::string chunk(1u << 20, 'x');
+    const auto take = [](std::string_view) { FAIL(); };
+    std::size_t taken = 0;
+    while (buffer.append(chunk, take)) {
+        taken += chunk.size();
+        ASSERT_LE(taken, LineBuffer::maximumLine);
+    }
+    EXPECT_EQ(taken, LineBuffer::maximumLine);
+}
+
+} // namespace
+} // namespace vellmark
