@@ -1,0 +1,26 @@
+#pragma once
+
+#include "model/AgentProviderID.h"
+#include "text/Instant.h"
+
+#include <optional>
+#include <string>
+
+namespace vellmark {
+
+/// One line of the activity log: what the program did or met.
+struct ActivityEntry {
+    enum class Level { info, notice, error };
+
+    Level level = Level::info;
+    /// The agent concerned; absent when the entry is about the program itself.
+    std::optional<AgentProviderID> agent;
+    /// In the language of the moment it was written in; one line.
+    std::string text;
+    /// To the second once it has been through the file.
+    Instant time{};
+
+    bool operator==(const ActivityEntry&) const = default;
+};
+
+} // namespace vellmark

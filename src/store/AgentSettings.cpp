@@ -1,0 +1,78 @@
+#include "store/AgentSettings.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace vellmark {
+
+namespace {
+
+constexpr std::string_view disabledKey = "DisabledProviders";
+constexpr std::string_view orderKey = "ProviderOrder";
+
+std::vector<std::string> list(const Preferences& preferences, std::string_view key) {
+    return preferences.strings(key).value_or(std::vector<std::string>{});
+}
+
+} // namespace
+
+AgentSettings::AgentSettings(Preferences& preferences, std::vector<AgentProviderID> registered)
+    : preferences_(preferences), registered_(std::move(registered)) {}
+
+bool AgentSettings::isRegistered(const AgentProviderID& id) const {
+    return std::ranges::find(registered_, id) != registered_.end();
+}
+
+std::vector<AgentProviderID> AgentSettings::order() const {
+    std::vector<AgentProviderID> stored;
+    for (const std::string& id : list(preferences_, orderKey)) {
+        stored.emplace_back(id);
+    }
+    return completed(stored);
+}
+
+void AgentSettings::setOrder(const std::vector<AgentProviderID>& order) {
+    std::vector<std::string> stored;
+    for (const AgentProviderID& id : order) {
+        stored.push_back(id.rawValue);
+    }
+    preferences_.setStrings(orderKey, std::move(stored));
+}
+
+std::vector<AgentProviderID>
+AgentSettings::completed(const std::vector<AgentProviderID>& wanted) const {
+    std::vector<AgentProviderID> order;
+    const auto append = [&](const AgentProviderID& id) {
+        if (isRegistered(id) && std::ranges::find(order, id) == order.end()) {
+            order.push_back(id);
+        }
+    };
+    std::ranges::for_each(wanted, append);
+    std::ranges::for_each(registered_, append);
+    return order;
+}
+
+std::set<AgentProviderID> AgentSettings::enabled() const {
+    const auto disabled = list(preferences_, disabledKey);
+    std::set<AgentProviderID> enabled;
+    for (const AgentProviderID& id : registered_) {
+        if (std::ranges::find(disabled, id.rawValue) == disabled.end()) {
+            enabled.insert(id);
+        }
+    }
+    return enabled;
+}
+
+void AgentSettings::setEnabled(const AgentProviderID& id, bool enabled) {
+    // Names of agents that only another version knows stay in the list.
+    auto disabled = list(preferences_, disabledKey);
+    std::erase(disabled, id.rawValue);
+    if (!enabled) {
+        disabled.push_back(id.rawValue);
+    }
+    preferences_.setStrings(disabledKey, std::move(disabled));
+}
+
+} // namespace vellmark

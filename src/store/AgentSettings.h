@@ -1,0 +1,34 @@
+#pragma once
+
+#include "model/AgentProviderID.h"
+#include "platform/Preferences.h"
+
+#include <set>
+#include <vector>
+
+namespace vellmark {
+
+/// Which agents the user wants to see, and in which order: the preferences "DisabledProviders" and
+/// "ProviderOrder". Main thread.
+class AgentSettings {
+public:
+    /// `registered`: all agents, in the order that holds without a wish.
+    AgentSettings(Preferences& preferences, std::vector<AgentProviderID> registered);
+
+    bool isRegistered(const AgentProviderID& id) const;
+
+    /// All registered agents: first those that the user has put in order.
+    std::vector<AgentProviderID> order() const;
+    void setOrder(const std::vector<AgentProviderID>& order);
+    /// `wanted` without unknown agents and repetitions, followed by the agents that it leaves out.
+    std::vector<AgentProviderID> completed(const std::vector<AgentProviderID>& wanted) const;
+
+    std::set<AgentProviderID> enabled() const;
+    void setEnabled(const AgentProviderID& id, bool enabled);
+
+private:
+    Preferences& preferences_;
+    std::vector<AgentProviderID> registered_;
+};
+
+} // namespace vellmark

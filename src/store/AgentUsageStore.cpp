@@ -1,0 +1,479 @@
+#include "store/AgentUsageStore.h"
+
+#include "store/ActivityLog.h"
+#include "store/ActivityTexts.h"
+#include "store/AgentSettings.h"
+#include "store/RefreshRun.h"
+#include "store/StateObservers.h"
+#include "store/StoreFiles.h"
+#include "store/UsageFetcher.h"
+#include "store/UsageHistory.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace vellmark {
+
+namespace {
+
+constexpr Seconds windowRefreshPause{60};
+constexpr Seconds day{86'400};
+/// How far back a forecast looks for a recent pace.
+constexpr Seconds recentSpan{2 * 3600};
+
+/// What is shown of an agent whose reading failed: the last good figures, if there are any.
+AgentUsageSnapshot failedSnapshot(const AgentProviderID& id, const AgentUsageSnapshot* lastGood,
+                                  UsageProviderError error, Instant attemptedAt) {
+    AgentUsageSnapshot snapshot;
+    if (lastGood) {
+        snapshot = *lastGood;
+        snapshot.notes.clear();
+    }
+    snapshot.id = id;
+    snapshot.source = SnapshotSource::stale;
+    snapshot.updatedAt = attemptedAt;
+    snapshot.error = std::move(error);
+    return snapshot;
+}
+
+AgentUsageSnapshot loadingSnapshot(const AgentProviderID& id, Instant now) {
+    AgentUsageSnapshot snapshot;
+    snapshot.id = id;
+    snapshot.source = SnapshotSource::loading;
+    snapshot.updatedAt = now;
+    return snapshot;
+}
+
+} // namespace
+
+struct AgentUsageStore::State {
+    State(Configuration configuration, MainExecutor& mainExecutor, Preferences& preferences);
+
+    Localization words() const { return config.words(); }
+    Instant now() const { return config.now(); }
+    TimeZone zone() const;
+
+    /// Puts an entry, dated now, into the activity log. Part of a change: called inside `around`.
+    void note(ActivityEntry entry);
+    void note(std::vector<ActivityEntry> entries);
+    void noteTrouble(StoreFiles::File file, const StorageTrouble::News& news);
+
+    bool mayStart(RefreshTrigger trigger) const;
+    std::vector<AgentProviderID> askedFor(const std::vector<AgentProviderID>& named) const;
+    void begin(RefreshTrigger trigger, const std::vector<AgentProviderID>& ids);
+    void join(RefreshTrigger trigger, const std::vector<AgentProviderID>& ids, bool named);
+    void startReading(const std::vector<AgentProviderID>& ids);
+    void land(const AgentProviderID& id, const FetchOutcome& outcome, Seconds elapsed);
+    void takeReading(AgentUsageSnapshot snapshot, Seconds elapsed);
+    void noteReading(const AgentUsageSnapshot& snapshot, Seconds elapsed);
+    void takeFailure(const AgentProviderID& id, UsageProviderError error);
+    void finishIfDone();
+
+    void takeLastSnapshots();
+    /// Makes `state.snapshots` of what is known, for the enabled agents in their order.
+    void publishSnapshots();
+    void publishRecentPoints();
+
+    Configuration config;
+    MainExecutor& executor;
+    AgentSettings settings;
+    StateObservers observers;
+    UsageState state;
+    std::map<AgentProviderID, RefreshRun::Agent> agents;
+    /// What is shown of each agent, also of disabled ones.
+    std::map<AgentProviderID, AgentUsageSnapshot> shown;
+    std::map<AgentProviderID, AgentUsageSnapshot> lastGood;
+    std::map<AgentProviderID, int> failedAttempts;
+    std::set<AgentProviderID> readWell; ///< by the running refresh
+    std::set<StoreFiles::File> failingFiles;
+    Instant heldSince{};
+    bool isTerminating = false;
+    StoreFiles files;
+    UsageFetcher fetcher;
+    std::unique_ptr<RefreshRun> run; ///< destroyed first: it drops its tickets at the fetcher
+};
+
+namespace {
+
+std::vector<AgentProviderID> idsOf(const std::vector<ProviderRegistration>& registrations) {
+    std::vector<AgentProviderID> ids;
+    for (const ProviderRegistration& registration : registrations) {
+        ids.push_back(registration.descriptor.id);
+    }
+    return ids;
+}
+
+} // namespace
+
+AgentUsageStore::State::State(Configuration configuration, MainExecutor& mainExecutor,
+                              Preferences& preferences)
+    : config(std::move(configuration)), executor(mainExecutor),
+      settings(preferences, idsOf(config.registrations)),
+      files(config.machine.supportDirectory(), mainExecutor, config.now(),
+            {.historyChanged =
+                 [this] {
+                     observers.around([this] {
+                         ++state.historyRevision;
+                         publishRecentPoints();
+                     });
+                 },
+             .trouble = [this](StoreFiles::File file,
+                               const StorageTrouble::News& news) { noteTrouble(file, news); }}),
+      fetcher(mainExecutor) {
+    for (const ProviderRegistration& registration : config.registrations) {
+        const ProviderDescriptor& descriptor = registration.descriptor;
+        RefreshRun::Agent agent{descriptor.id, registration.make(config.machine), std::nullopt};
+        if (descriptor.timeoutRetryDelaySeconds) {
+            agent.timeoutRetryDelay = Seconds(*descriptor.timeoutRetryDelaySeconds);
+        }
+        agents.emplace(descriptor.id, std::move(agent));
+    }
+    state.providerOrder = settings.order();
+    state.enabledProviderIDs = config.agents ? *config.agents : settings.enabled();
+    takeLastSnapshots();
+    publishSnapshots();
+}
+
+void AgentUsageStore::State::takeLastSnapshots() {
+    for (AgentUsageSnapshot& snapshot : files.lastSnapshots()) {
+        const AgentProviderID id = snapshot.id;
+        state.lastSuccess[id] = snapshot.updatedAt;
+        snapshot.source = SnapshotSource::stale;
+        snapshot.notes.clear();
+        lastGood[id] = snapshot;
+        shown[id] = std::move(snapshot);
+    }
+}
+
+// --- the log
+
+TimeZone AgentUsageStore::State::zone() const {
+    const Localization current = words();
+    return TimeZone::named(current.timeZoneIdentifier()).value_or(TimeZone::system());
+}
+
+void AgentUsageStore::State::note(ActivityEntry entry) {
+    entry.time = now();
+    files.log(std::move(entry), zone());
+    ++state.activityRevision;
+}
+
+void AgentUsageStore::State::note(std::vector<ActivityEntry> entries) {
+    for (ActivityEntry& entry : entries) {
+        note(std::move(entry));
+    }
+}
+
+void AgentUsageStore::State::noteTrouble(StoreFiles::File file, const StorageTrouble::News& news) {
+    // A full disk fails every file; one entry says so, and one that it is over.
+    if (news.kind == StorageTrouble::Kind::failed) {
+        const bool isFirst = failingFiles.empty();
+        failingFiles.insert(file);
+        if (!isFirst) {
+            return;
+        }
+    } else if (news.kind == StorageTrouble::Kind::recovered) {
+        if (failingFiles.erase(file) == 0 || !failingFiles.empty()) {
+            return;
+        }
+    }
+    observers.around([&] { note(ActivityTexts::storageTrouble(news, words())); });
+}
+
+// --- refreshing
+
+bool AgentUsageStore::State::mayStart(RefreshTrigger trigger) const {
+    if (isTerminating) {
+        return false;
+    }
+    const bool automatic = trigger == RefreshTrigger::timer || trigger == RefreshTrigger::window;
+    // A clock that was set back since the hold began makes the hold void, not longer.
+    if (automatic && state.automaticHoldUntil && now() < *state.automaticHoldUntil &&
+        now() >= heldSince) {
+        return false;
+    }
+    if (trigger == RefreshTrigger::window && state.lastRefreshCompletedAt) {
+        const Seconds age = now() - *state.lastRefreshCompletedAt;
+        return age < Seconds(0) || age >= windowRefreshPause; // the clock may have been set back
+    }
+    return true;
+}
+
+std::vector<AgentProviderID>
+AgentUsageStore::State::askedFor(const std::vector<AgentProviderID>& named) const {
+    std::vector<AgentProviderID> asked;
+    for (const AgentProviderID& id : state.providerOrder) {
+        const bool wanted = named.empty() || std::ranges::find(named, id) != named.end();
+        if (wanted && state.enabledProviderIDs.contains(id)) {
+            asked.push_back(id);
+        }
+    }
+    return asked;
+}
+
+void AgentUsageStore::State::begin(RefreshTrigger trigger,
+                                   const std::vector<AgentProviderID>& ids) {
+    readWell.clear();
+    RefreshRun::Callbacks callbacks;
+    callbacks.ended = [this](const AgentProviderID& id, const FetchOutcome& outcome,
+                             Seconds elapsed) { land(id, outcome, elapsed); };
+    callbacks.willRetry = [this](const AgentProviderID& id, Seconds delay) {
+        observers.around([&] { note(ActivityTexts::agentRetried(id, delay, words())); });
+    };
+    observers.around([&] {
+        note(ActivityTexts::refreshStarted(trigger, words()));
+        run = std::make_unique<RefreshRun>(trigger, now(), fetcher, executor, std::move(callbacks));
+        startReading(ids);
+    });
+}
+
+void AgentUsageStore::State::join(RefreshTrigger trigger, const std::vector<AgentProviderID>& ids,
+                                  bool named) {
+    if (trigger != RefreshTrigger::manual && trigger != RefreshTrigger::settings) {
+        return;
+    }
+    std::vector<AgentProviderID> missing;
+    for (const AgentProviderID& id : ids) {
+        // Who names an agent wants it read anew, even if this refresh has just done so.
+        if (named ? !run->isReading(id) : !run->hasRead(id)) {
+            missing.push_back(id);
+        }
+    }
+    if (!missing.empty()) {
+        observers.around([&] { startReading(missing); });
+    }
+}
+
+void AgentUsageStore::State::startReading(const std::vector<AgentProviderID>& ids) {
+    for (const AgentProviderID& id : ids) {
+        run->start(agents.at(id));
+        shown.try_emplace(id, loadingSnapshot(id, now()));
+    }
+    state.isRefreshing = true;
+    state.refreshProgress = run->progress();
+    publishSnapshots();
+}
+
+void AgentUsageStore::State::land(const AgentProviderID& id, const FetchOutcome& outcome,
+                                  Seconds elapsed) {
+    if (const auto* snapshot = std::get_if<AgentUsageSnapshot>(&outcome)) {
+        AgentUsageSnapshot reading = *snapshot;
+        reading.id = id;
+        takeReading(std::move(reading), elapsed);
+    } else if (const auto* error = std::get_if<UsageProviderError>(&outcome)) {
+        takeFailure(id, *error);
+    } else {
+        const std::string& message = std::get<UnexpectedFault>(outcome).message;
+        takeFailure(id, UsageProviderError::other(message.empty() ? words().text("log.agent.fault")
+                                                                  : message));
+    }
+    finishIfDone();
+}
+
+void AgentUsageStore::State::takeReading(AgentUsageSnapshot snapshot, Seconds elapsed) {
+    snapshot.source = SnapshotSource::live;
+    snapshot.error.reset();
+    const AgentProviderID id = snapshot.id;
+    readWell.insert(id);
+    files.record(snapshot);
+    observers.around([&] {
+        noteReading(snapshot, elapsed);
+        state.lastSuccess[id] = snapshot.updatedAt;
+        state.refreshProgress = run->progress();
+        lastGood[id] = snapshot;
+        shown[id] = std::move(snapshot);
+        publishSnapshots();
+        publishRecentPoints();
+    });
+}
+
+void AgentUsageStore::State::noteReading(const AgentUsageSnapshot& snapshot, Seconds elapsed) {
+    if (const auto failed = failedAttempts.extract(snapshot.id)) {
+        note(ActivityTexts::agentRecovered(snapshot.id, failed.mapped(), words()));
+    }
+    note(ActivityTexts::agentRead(snapshot, elapsed, words()));
+    const auto before = lastGood.find(snapshot.id);
+    note(ActivityTexts::turnedCritical(before == lastGood.end() ? nullptr : &before->second,
+                                       snapshot, now(), words()));
+    note(ActivityTexts::notes(snapshot, words()));
+}
+
+void AgentUsageStore::State::takeFailure(const AgentProviderID& id, UsageProviderError error) {
+    ++failedAttempts[id];
+    const auto good = lastGood.find(id);
+    observers.around([&] {
+        note(ActivityTexts::agentFailed(id, error, words()));
+        state.refreshProgress = run->progress();
+        shown[id] = failedSnapshot(id, good == lastGood.end() ? nullptr : &good->second,
+                                   std::move(error), now());
+        publishSnapshots();
+    });
+}
+
+void AgentUsageStore::State::finishIfDone() {
+    if (!run || !run->isDone()) {
+        return;
+    }
+    if (!readWell.empty()) {
+        files.save(lastGood, now());
+    }
+    observers.around([&] {
+        note(ActivityTexts::refreshFinished(run->trigger(), readWell.size(), run->endedCount(),
+                                            now() - run->startedAt(), words()));
+        run.reset();
+        state.isRefreshing = false;
+        state.refreshProgress = 1;
+        state.lastRefreshCompletedAt = now();
+    });
+}
+
+void AgentUsageStore::State::publishSnapshots() {
+    state.snapshots.clear();
+    for (const AgentProviderID& id : state.providerOrder) {
+        const auto known = shown.find(id);
+        if (known != shown.end() && state.enabledProviderIDs.contains(id)) {
+            state.snapshots.push_back(known->second);
+        }
+    }
+}
+
+void AgentUsageStore::State::publishRecentPoints() {
+    state.recentPoints.clear();
+    for (const AgentUsageSnapshot& snapshot : state.snapshots) {
+        for (const UsageWindow& window : snapshot.windows) {
+            WindowKey key(snapshot.id, window.id);
+            auto points = files.history().recent(key, now() - recentSpan);
+            if (!points.empty()) {
+                state.recentPoints.emplace(std::move(key), std::move(points));
+            }
+        }
+    }
+}
+
+// --- the public face
+
+AgentUsageStore::AgentUsageStore(Configuration configuration, MainExecutor& executor,
+                                 Preferences& preferences)
+    : d_(std::make_unique<State>(std::move(configuration), executor, preferences)) {}
+
+AgentUsageStore::~AgentUsageStore() = default;
+
+const UsageState& AgentUsageStore::state() const {
+    return d_->state;
+}
+
+std::shared_ptr<AgentUsageStore::Subscription> AgentUsageStore::observe(Observer observer) {
+    return d_->observers.add(std::move(observer));
+}
+
+void AgentUsageStore::refresh(RefreshTrigger trigger, const std::vector<AgentProviderID>& agents) {
+    if (!d_->mayStart(trigger)) {
+        return;
+    }
+    const auto asked = d_->askedFor(agents);
+    if (d_->run) {
+        d_->join(trigger, asked, !agents.empty());
+    } else if (!asked.empty()) {
+        d_->begin(trigger, asked);
+    }
+}
+
+void AgentUsageStore::abortRefresh() {
+    d_->isTerminating = true;
+    if (!d_->run) {
+        return;
+    }
+    d_->observers.around([&] {
+        d_->note(ActivityTexts::refreshAborted(d_->words()));
+        d_->run.reset();
+        d_->state.isRefreshing = false;
+        std::erase_if(d_->shown, [](const auto& entry) {
+            return entry.second.source == SnapshotSource::loading;
+        });
+        d_->publishSnapshots();
+    });
+}
+
+void AgentUsageStore::setAutomaticHoldUntil(std::optional<Instant> instant) {
+    d_->heldSince = d_->now();
+    d_->observers.around([&] {
+        d_->state.automaticHoldUntil = instant;
+        if (instant) {
+            d_->note(ActivityTexts::woke(*instant - d_->now(), d_->words()));
+        }
+    });
+}
+
+void AgentUsageStore::setEnabled(const AgentProviderID& id, bool enabled) {
+    if (!d_->settings.isRegistered(id) || d_->state.enabledProviderIDs.contains(id) == enabled) {
+        return;
+    }
+    d_->settings.setEnabled(id, enabled);
+    d_->observers.around([&] {
+        d_->note(ActivityTexts::agentSwitched(id, enabled, d_->words()));
+        if (enabled) {
+            d_->state.enabledProviderIDs.insert(id);
+        } else {
+            d_->state.enabledProviderIDs.erase(id);
+            if (d_->run) {
+                d_->readWell.erase(id);
+                d_->run->drop(id);
+                d_->state.refreshProgress = d_->run->progress();
+            }
+            if (const auto known = d_->shown.find(id);
+                known != d_->shown.end() && known->second.source == SnapshotSource::loading) {
+                d_->shown.erase(known);
+            }
+        }
+        d_->publishSnapshots();
+    });
+    if (enabled) {
+        refresh(RefreshTrigger::settings, {id});
+    } else {
+        d_->finishIfDone();
+    }
+}
+
+void AgentUsageStore::setProviderOrder(std::vector<AgentProviderID> order) {
+    order = d_->settings.completed(order);
+    if (order == d_->state.providerOrder) {
+        return;
+    }
+    d_->settings.setOrder(order);
+    d_->observers.around([&] {
+        d_->note(ActivityTexts::orderChanged(order, d_->words()));
+        d_->state.providerOrder = std::move(order);
+        d_->publishSnapshots();
+    });
+}
+
+void AgentUsageStore::logActivity(ActivityEntry entry) {
+    d_->observers.around([&] { d_->note(std::move(entry)); });
+}
+
+std::vector<ActivityEntry> AgentUsageStore::activity(int days) {
+    return d_->files.activity(d_->now() - days * day, d_->zone());
+}
+
+std::string AgentUsageStore::activityExportText(int days) {
+    const TimeZone zone = d_->zone();
+    std::string text = ActivityTexts::exportHeader(days, d_->now(), zone, d_->words());
+    for (const ActivityEntry& entry : activity(days)) {
+        text += ActivityLog::line(entry, zone) + "\n";
+    }
+    return text;
+}
+
+void AgentUsageStore::trimLog() {
+    d_->files.trim(d_->now(), d_->zone());
+}
+
+const UsageHistory& AgentUsageStore::history() const {
+    return d_->files.history();
+}
+
+void AgentUsageStore::flush() {
+    d_->files.flush();
+}
+
+} // namespace vellmark

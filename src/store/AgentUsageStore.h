@@ -1,0 +1,91 @@
+#pragma once
+
+#include "platform/Machine.h"
+#include "platform/Preferences.h"
+#include "probes/ProviderRegistry.h"
+#include "store/ActivityEntry.h"
+#include "store/MainExecutor.h"
+#include "store/UsageState.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vellmark {
+
+class UsageHistory;
+
+/// What the program knows about all agents: runs refreshes, keeps snapshots, history and log.
+///
+/// Lives on the main thread; fetches run on worker threads and post their outcomes to the executor,
+/// files are written in order by one persistence thread. Settings are the preferences
+/// "DisabledProviders" and "ProviderOrder".
+class AgentUsageStore {
+public:
+    struct Configuration {
+        Machine machine;
+        std::vector<ProviderRegistration> registrations;
+        /// The words for log entries; asked anew for each entry, so a language change counts.
+        std::function<Localization()> words;
+        std::function<Instant()> now = [] { return ReferenceClock::now(); };
+        /// When set, these agents count as enabled and no others, whatever the preferences say.
+        std::optional<std::set<AgentProviderID>> agents;
+    };
+
+    /// Told on the main thread before a change of the state lands and again after it. `willChange`
+    /// must not call the store's commands; `didChange` may.
+    struct Observer {
+        std::function<void()> willChange;
+        std::function<void()> didChange;
+    };
+    /// Ends the observation when destroyed; may outlive the store.
+    class Subscription;
+
+    /// Shows the last good readings of the previous run, as stale, from the start.
+    AgentUsageStore(Configuration configuration, MainExecutor& executor, Preferences& preferences);
+    /// Drops a running refresh, ends its children, and writes what is left to write.
+    ~AgentUsageStore();
+    AgentUsageStore(const AgentUsageStore&) = delete;
+    AgentUsageStore& operator=(const AgentUsageStore&) = delete;
+
+    const UsageState& state() const;
+    [[nodiscard]] std::shared_ptr<Subscription> observe(Observer observer);
+
+    /// Refreshes the enabled agents, or those of them that are named. A request during a running
+    /// refresh is merged into it: `manual` and `settings` start agents that it does not read.
+    /// `timer` and `window` do nothing while automatic refreshes are held, `window` also within
+    /// 60 s of the last refresh's end.
+    void refresh(RefreshTrigger trigger, const std::vector<AgentProviderID>& agents = {});
+    /// Ends a running refresh and its children and logs that the program is ending; no result
+    /// lands afterwards, and no refresh starts any more.
+    void abortRefresh();
+
+    /// After a wake, automatic refreshes wait until then. Logs the wake.
+    void setAutomaticHoldUntil(std::optional<Instant> instant);
+    /// Enabling reads the agent at once (trigger `settings`); disabling drops a reading under way.
+    void setEnabled(const AgentProviderID& id, bool enabled);
+    void setProviderOrder(std::vector<AgentProviderID> order);
+
+    /// Appends an entry to the activity log, dated now. Control characters in it are dropped.
+    void logActivity(ActivityEntry entry);
+    /// The entries of the last `days` days, oldest first. Reads the file.
+    std::vector<ActivityEntry> activity(int days);
+    /// The same as text, with a header, for saving and copying.
+    std::string activityExportText(int days);
+    /// Drops entries older than 30 days from the file; returns when that is done.
+    void trimLog();
+
+    /// Recorded samples; usable from any thread. Filled a moment after the start.
+    const UsageHistory& history() const;
+
+    /// Waits until everything handed to the persistence thread is on disk.
+    void flush();
+
+private:
+    struct State;
+    std::unique_ptr<State> d_;
+};
+
+} // namespace vellmark

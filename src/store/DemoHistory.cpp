@@ -1,0 +1,121 @@
+#include "store/DemoHistory.h"
+
+#include "model/UsageJSON.h"
+#include "platform/AtomicFile.h"
+#include "text/Dates.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <functional>
+#include <random>
+#include <string>
+#include <system_error>
+
+namespace vellmark {
+namespace {
+
+constexpr double hour = 3600;
+constexpr double day = 24 * hour;
+constexpr double month = 30 * day;
+
+/// One window of a simulated agent as it stands now.
+struct DemoWindow {
+    const char* provider;
+    const char* id;
+    double usedPercent;
+    double periodHours;
+    double hoursToReset;
+};
+
+constexpr std::array windows{
+    DemoWindow{"codex", "session", 22, 5, 1.45},
+    DemoWindow{"codex", "weekly", 29, 168, 90},
+    DemoWindow{"claude", "session", 54, 5, 2.2},
+    DemoWindow{"claude", "weekly", 71, 168, 43},
+    DemoWindow{"claude", "fable-weekly", 84, 168, 43},
+    DemoWindow{"antigravity", "pool:Gemini Models|5h", 93, 5, 1.43},
+    DemoWindow{"antigravity", "pool:Gemini Models|weekly", 30, 168, 107},
+    DemoWindow{"antigravity", "pool:Claude and GPT models|weekly", 12, 168, 107},
+};
+
+/// How much is used at an hour of a day, relative to the busiest; nothing while the machine sleeps.
+double activity(const CalendarDate& date) {
+    if (date.hour < 8 || date.hour >= 22)
+        return 0;
+    return date.hour >= 9 && date.hour < 18 ? 1 : 0.3;
+}
+
+class Recorder {
+public:
+    Recorder(const DemoWindow& window, std::vector<UsageHistorySample>& samples)
+        : window_(window), samples_(samples),
+          random_(static_cast<std::uint32_t>(std::hash<std::string>()(window.id))) {}
+
+    void record(Instant now) {
+        const Seconds period(window_.periodHours * hour);
+        Instant reset = now + Seconds(window_.hoursToReset * hour);
+        recordCurrentPeriod(reset - period, now, reset);
+        for (reset -= period; reset > now - Seconds(month); reset -= period)
+            recordPastPeriod(reset - period, reset);
+    }
+
+private:
+    Seconds step() const { return Seconds(window_.periodHours < 24 ? hour / 2 : hour); }
+
+    void add(Instant at, double used, Instant reset) {
+        samples_.push_back({.id = UUID::make(),
+                            .provider = AgentProviderID(window_.provider),
+                            .windowID = window_.id,
+                            .capturedAt = at,
+                            .usedPercent = used,
+                            .resetsAt = reset});
+    }
+
+    /// Evenly up to today's figure, so that the forecasts are those of the figures themselves.
+    void recordCurrentPeriod(Instant from, Instant now, Instant reset) {
+        for (Instant at = from + step(); at < now; at += step())
+            add(at, window_.usedPercent * ((at - from) / (now - from)), reset);
+    }
+
+    void recordPastPeriod(Instant from, Instant reset) {
+        std::vector<Instant> times;
+        std::vector<double> used{0};
+        for (Instant at = from + step(); at < reset; at += step()) {
+            const double share = activity(TimeZone::system().calendarDate(at));
+            if (share == 0)
+                continue;
+            times.push_back(at);
+            const double burst = std::uniform_real_distribution(0.0, 1.0)(random_);
+            used.push_back(used.back() + share * burst * burst);
+        }
+        const double goal = std::uniform_real_distribution(25.0, 90.0)(random_);
+        const double scale = used.back() > 0 ? goal / used.back() : 0;
+        for (std::size_t index = 0; index < times.size(); ++index)
+            add(times[index], std::round(used[index + 1] * scale), reset);
+    }
+
+    const DemoWindow& window_;
+    std::vector<UsageHistorySample>& samples_;
+    std::mt19937 random_;
+};
+
+} // namespace
+
+std::vector<UsageHistorySample> demoHistory(Instant now) {
+    std::vector<UsageHistorySample> samples;
+    for (const DemoWindow& window : windows)
+        Recorder(window, samples).record(now);
+    std::ranges::stable_sort(samples, {}, &UsageHistorySample::capturedAt);
+    return samples;
+}
+
+void writeDemoHistory(const Machine& machine, Instant now) {
+    const auto error = replaceFileAtomically(machine.supportDirectory() / "usage-history.json",
+                                             historyDocument(demoHistory(now)));
+    if (error)
+        throw std::system_error(error, "the demo's history cannot be written");
+}
+
+} // namespace vellmark

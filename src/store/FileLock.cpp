@@ -1,0 +1,72 @@
+#include "store/FileLock.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <thread>
+#include <unistd.h>
+#include <utility>
+
+namespace vellmark {
+
+namespace {
+
+void makeParent(const std::filesystem::path& file) {
+    std::error_code error;
+    const auto parent = file.parent_path();
+    if (std::filesystem::create_directories(parent, error) && !error) {
+        std::filesystem::permissions(parent, std::filesystem::perms::owner_all, error);
+    }
+}
+
+} // namespace
+
+std::optional<FileLock> FileLock::acquire(const std::filesystem::path& lockFile, Seconds patience,
+                                          std::error_code& error) {
+    constexpr int flags = O_RDWR | O_CREAT | O_CLOEXEC;
+    error.clear();
+    Descriptor descriptor(::open(lockFile.c_str(), flags, 0600));
+    if (!descriptor.isOpen() && errno == ENOENT) {
+        makeParent(lockFile);
+        descriptor.reset(::open(lockFile.c_str(), flags, 0600));
+    }
+    if (!descriptor.isOpen()) {
+        error = {errno, std::generic_category()};
+        return std::nullopt;
+    }
+    // There is no lock that waits for a limited time, so this asks again, ever less often.
+    using Clock = std::chrono::steady_clock;
+    const auto deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(patience);
+    auto pause = std::chrono::milliseconds(1);
+    while (::flock(descriptor.get(), LOCK_EX | LOCK_NB) != 0) {
+        if (errno == EINTR) {
+            continue;
+        }
+        if (errno != EWOULDBLOCK || Clock::now() >= deadline) {
+            error = {errno, std::generic_category()};
+            return std::nullopt;
+        }
+        std::this_thread::sleep_for(pause);
+        pause = std::min(pause * 2, std::chrono::milliseconds(50));
+    }
+    return FileLock(std::move(descriptor));
+}
+
+std::string FileLock::note() const {
+    std::array<char, 64> buffer{};
+    const ssize_t count = ::pread(descriptor_.get(), buffer.data(), buffer.size(), 0);
+    return {buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0))};
+}
+
+void FileLock::setNote(const std::string& text) const {
+    // A note that cannot be written costs no more than what it would have saved.
+    if (::pwrite(descriptor_.get(), text.data(), text.size(), 0) ==
+        static_cast<ssize_t>(text.size())) {
+        (void)!::ftruncate(descriptor_.get(), static_cast<off_t>(text.size()));
+    }
+}
+
+} // namespace vellmark

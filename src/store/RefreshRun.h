@@ -1,0 +1,73 @@
+#pragma once
+
+#include "store/UsageFetcher.h"
+#include "store/UsageState.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+
+namespace vellmark {
+
+/// One refresh: reads a set of agents at the same time, each once, or twice when the first attempt
+/// timed out and the agent's descriptor asks for a second one.
+///
+/// Main thread only. Destroying the run drops its readings. Callbacks run from the executor, never
+/// from inside a call.
+class RefreshRun {
+public:
+    struct Agent {
+        AgentProviderID id;
+        std::shared_ptr<AgentUsageProvider> provider;
+        std::optional<Seconds> timeoutRetryDelay;
+    };
+    struct Callbacks {
+        /// An agent's reading has ended. The run no longer counts it as under way.
+        std::function<void(const AgentProviderID&, const FetchOutcome&, Seconds elapsed)> ended;
+        std::function<void(const AgentProviderID&, Seconds delay)> willRetry;
+    };
+
+    RefreshRun(RefreshTrigger trigger, Instant startedAt, UsageFetcher& fetcher,
+               MainExecutor& executor, Callbacks callbacks);
+    ~RefreshRun();
+    RefreshRun(const RefreshRun&) = delete;
+    RefreshRun& operator=(const RefreshRun&) = delete;
+
+    RefreshTrigger trigger() const { return trigger_; }
+    Instant startedAt() const { return startedAt_; }
+
+    void start(const Agent& agent);
+    void drop(const AgentProviderID& id);
+
+    bool isReading(const AgentProviderID& id) const { return readings_.contains(id); }
+    /// Whether the agent was part of the run, under way or ended.
+    bool hasRead(const AgentProviderID& id) const;
+    bool isDone() const { return readings_.empty(); }
+    double progress() const;
+    std::size_t endedCount() const { return ended_.size(); }
+
+private:
+    struct Reading {
+        Agent agent;
+        UsageFetcher::Ticket ticket = 0;
+        std::optional<MainExecutor::Timer> retryTimer;
+        bool isRetry = false;
+        std::chrono::steady_clock::time_point startedAt;
+    };
+
+    void fetch(Reading& reading);
+    void land(const AgentProviderID& id, const FetchOutcome& outcome);
+    void scheduleRetry(Reading& reading);
+    void stop(Reading& reading);
+
+    RefreshTrigger trigger_;
+    Instant startedAt_;
+    UsageFetcher& fetcher_;
+    MainExecutor& executor_;
+    Callbacks callbacks_;
+    std::map<AgentProviderID, Reading> readings_;
+    std::set<AgentProviderID> ended_;
+};
+
+} // namespace vellmark

@@ -1,0 +1,76 @@
+#include "store/ReplacementFile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
+#include <utility>
+
+namespace vellmark {
+
+namespace {
+
+constexpr std::size_t bufferSize = 1u << 16;
+
+std::error_code lastError() {
+    return {errno, std::generic_category()};
+}
+
+/// Makes the rename itself survive a power loss. Not every file system can; the data is safe.
+void syncDirectory(const std::filesystem::path& directory) {
+    const Descriptor opened(::open(directory.c_str(), O_RDONLY | O_CLOEXEC));
+    if (opened.isOpen()) {
+        ::fsync(opened.get());
+    }
+}
+
+} // namespace
+
+ReplacementFile::ReplacementFile(std::filesystem::path target)
+    : target_(std::move(target)), temporary_(target_.string() + ".new") {
+    descriptor_.reset(
+        ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600));
+    if (!descriptor_.isOpen()) {
+        error_ = lastError();
+    }
+}
+
+ReplacementFile::~ReplacementFile() {
+    if (descriptor_.isOpen()) {
+        ::unlink(temporary_.c_str());
+    }
+}
+
+void ReplacementFile::write(std::string_view bytes) {
+    buffer_ += bytes;
+    if (buffer_.size() >= bufferSize) {
+        writeOut();
+    }
+}
+
+void ReplacementFile::writeOut() {
+    std::string_view rest = buffer_;
+    while (!rest.empty() && !error_) {
+        const ssize_t count = ::write(descriptor_.get(), rest.data(), rest.size());
+        if (count < 0 && errno != EINTR) {
+            error_ = lastError();
+        }
+        rest.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    }
+    buffer_.clear();
+}
+
+std::error_code ReplacementFile::commit() {
+    writeOut();
+    if (!error_ &&
+        (::fsync(descriptor_.get()) != 0 || ::rename(temporary_.c_str(), target_.c_str()) != 0)) {
+        error_ = lastError();
+    }
+    if (!error_) {
+        descriptor_.reset();
+        syncDirectory(target_.parent_path());
+    }
+    return error_;
+}
+
+} // namespace vellmark

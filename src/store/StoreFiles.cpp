@@ -1,0 +1,117 @@
+#include "store/StoreFiles.h"
+
+#include "store/ActivityLog.h"
+#include "store/LastSnapshots.h"
+#include "store/MainExecutor.h"
+#include "store/PersistenceQueue.h"
+#include "store/UsageHistory.h"
+#include "store/UsageHistoryRecorder.h"
+
+#include <utility>
+
+namespace vellmark {
+
+struct StoreFiles::State {
+    State(const std::filesystem::path& directory, MainExecutor& mainExecutor,
+          Callbacks mainCallbacks)
+        : executor(mainExecutor), callbacks(std::make_shared<Callbacks>(std::move(mainCallbacks))),
+          recorder(directory / "usage-history.json", history),
+          snapshots(directory / "last-snapshots.json"), log(directory / "activity.log") {}
+
+    // All below run on the persistence thread.
+
+    void tellHistoryChanged() {
+        executor.post([weak = std::weak_ptr(callbacks)] {
+            if (const auto alive = weak.lock()) {
+                alive->historyChanged();
+            }
+        });
+    }
+
+    void tellTrouble(File file, StorageTrouble& trouble) {
+        if (const auto news = trouble.takeNews()) {
+            executor.post([weak = std::weak_ptr(callbacks), file, news = *news] {
+                if (const auto alive = weak.lock()) {
+                    alive->trouble(file, news);
+                }
+            });
+        }
+    }
+
+    void note(File file, StorageTrouble& trouble, std::error_code error) {
+        error ? trouble.failed(error) : trouble.worked();
+        tellTrouble(file, trouble);
+    }
+
+    MainExecutor& executor;
+    std::shared_ptr<Callbacks> callbacks;
+    std::shared_ptr<UsageHistory> history = std::make_shared<UsageHistory>();
+    UsageHistoryRecorder recorder;
+    LastSnapshots snapshots;
+    StorageTrouble snapshotsTrouble;
+    ActivityLog log;
+    StorageTrouble logTrouble;
+    PersistenceQueue queue; ///< last, so that its jobs find everything else alive
+};
+
+StoreFiles::StoreFiles(const std::filesystem::path& directory, MainExecutor& executor, Instant now,
+                       Callbacks callbacks)
+    : d_(std::make_unique<State>(directory, executor, std::move(callbacks))) {
+    d_->queue.post([d = d_.get(), now] {
+        d->recorder.load(now);
+        d->tellTrouble(File::history, d->recorder.trouble());
+        d->tellHistoryChanged();
+    });
+}
+
+StoreFiles::~StoreFiles() = default;
+
+const UsageHistory& StoreFiles::history() const {
+    return *d_->history;
+}
+
+std::vector<AgentUsageSnapshot> StoreFiles::lastSnapshots() const {
+    return d_->snapshots.read();
+}
+
+void StoreFiles::record(AgentUsageSnapshot reading) {
+    d_->queue.post([d = d_.get(), reading = std::move(reading)] {
+        const bool added = d->recorder.record(reading);
+        d->tellTrouble(File::history, d->recorder.trouble());
+        if (added) {
+            d->tellHistoryChanged();
+        }
+    });
+}
+
+void StoreFiles::save(std::map<AgentProviderID, AgentUsageSnapshot> readings, Instant now) {
+    d_->queue.post([d = d_.get(), readings = std::move(readings), now] {
+        d->note(File::lastSnapshots, d->snapshotsTrouble, d->snapshots.write(readings, now));
+    });
+}
+
+void StoreFiles::log(ActivityEntry entry, TimeZone zone) {
+    d_->queue.post([d = d_.get(), entry = std::move(entry), zone = std::move(zone)] {
+        d->note(File::log, d->logTrouble, d->log.append(entry, zone));
+    });
+}
+
+void StoreFiles::trim(Instant now, const TimeZone& zone) {
+    d_->queue.run([&] {
+        d_->note(File::log, d_->logTrouble, d_->log.trim(now, zone));
+        d_->recorder.compact(now);
+        d_->tellTrouble(File::history, d_->recorder.trouble());
+    });
+}
+
+std::vector<ActivityEntry> StoreFiles::activity(Instant since, const TimeZone& zone) {
+    std::vector<ActivityEntry> entries;
+    d_->queue.run([&] { entries = d_->log.entries(since, zone); });
+    return entries;
+}
+
+void StoreFiles::flush() {
+    d_->queue.flush();
+}
+
+} // namespace vellmark

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "model/AgentUsageSnapshot.h"
+#include "store/ActivityEntry.h"
+#include "store/StorageTrouble.h"
+#include "text/Dates.h"
+
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <vector>
+
+namespace vellmark {
+
+class MainExecutor;
+class UsageHistory;
+
+/// The store's files and the thread that writes them: history, last snapshots, activity log.
+///
+/// Called on the main thread; nothing waits for the disk but the functions that say so. Destroying
+/// it writes what is left to write.
+class StoreFiles {
+public:
+    enum class File { history, lastSnapshots, log };
+
+    /// Called on the main thread, not after the destruction.
+    struct Callbacks {
+        /// Samples were added, or the file was read (again).
+        std::function<void()> historyChanged;
+        std::function<void(File, const StorageTrouble::News&)> trouble;
+    };
+
+    /// Begins to read the history.
+    StoreFiles(const std::filesystem::path& directory, MainExecutor& executor, Instant now,
+               Callbacks callbacks);
+    ~StoreFiles();
+    StoreFiles(const StoreFiles&) = delete;
+    StoreFiles& operator=(const StoreFiles&) = delete;
+
+    const UsageHistory& history() const;
+    /// Reads the file at once; to be asked before anything is saved.
+    std::vector<AgentUsageSnapshot> lastSnapshots() const;
+
+    void record(AgentUsageSnapshot reading);
+    void save(std::map<AgentProviderID, AgentUsageSnapshot> readings, Instant now);
+    void log(ActivityEntry entry, TimeZone zone);
+
+    /// Waits: drops old log lines, and thins out the history when that is due.
+    void trim(Instant now, const TimeZone& zone);
+    /// Waits: the log's entries since `since`.
+    std::vector<ActivityEntry> activity(Instant since, const TimeZone& zone);
+    /// Waits until everything asked for is done.
+    void flush();
+
+private:
+    struct State;
+    std::unique_ptr<State> d_;
+};
+
+} // namespace vellmark

@@ -1,0 +1,92 @@
+#pragma once
+
+#include "model/UsageHistorySample.h"
+#include "model/UsageWindow.h"
+#include "store/UsageState.h"
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace vellmark {
+
+/// A recorded point of one window.
+struct HistoryPoint {
+    Instant capturedAt{};
+    /// Not a number where the window had no reset time; see `resetsAt()`.
+    double resetsAtSeconds = 0;
+    double usedPercent = 0;
+
+    HistoryPoint(Instant captured, double used, std::optional<Instant> resets);
+    std::optional<Instant> resetsAt() const;
+};
+
+/// A window's course in a range of time, for a chart.
+struct HistoryCourse {
+    /// Oldest first.
+    std::vector<UsagePoint> points;
+    /// Where the window was reset, oldest first.
+    std::vector<Instant> resets;
+};
+
+/// The samples of all windows in memory, 24 bytes each, in the order of time. A plain value.
+class HistorySeries {
+public:
+    /// Keeps the order within the key, also when an older sample comes late.
+    void add(std::string_view provider, std::string_view windowID, const HistoryPoint& point);
+    /// Oldest first; empty for an unknown key.
+    std::span<const HistoryPoint> of(const WindowKey& key) const;
+    std::vector<WindowKey> keys() const;
+    std::size_t sampleCount() const { return sampleCount_; }
+    std::size_t bytesHeld() const;
+
+private:
+    using Key = std::pair<std::string, std::string>;
+    struct Less {
+        using is_transparent = void;
+        bool operator()(const auto& left, const auto& right) const {
+            const int order = std::string_view(left.first).compare(std::string_view(right.first));
+            return order != 0 ? order < 0
+                              : std::string_view(left.second) < std::string_view(right.second);
+        }
+    };
+    std::map<Key, std::vector<HistoryPoint>, Less> series_;
+    std::size_t sampleCount_ = 0;
+};
+
+/// The recorded history as the program asks for it. Every operation may be called from any thread.
+class UsageHistory {
+public:
+    std::vector<WindowKey> keys() const;
+    std::size_t sampleCount() const;
+    std::size_t bytesHeld() const;
+
+    /// The newest sample of a window; for whoever decides about the next.
+    std::optional<HistoryPoint> last(const WindowKey& key) const;
+
+    /// The samples from `from` to `to`, and the one before, which says where the line comes from;
+    /// reduced to at most `maximum` points (at least 4) without losing the highest or lowest.
+    HistoryCourse course(const WindowKey& key, Instant from, Instant to, std::size_t maximum) const;
+
+    /// The samples since `since`, for a forecast.
+    std::vector<UsagePoint> recent(const WindowKey& key, Instant since) const;
+
+    void add(const UsageHistorySample& sample);
+    void replace(HistorySeries series);
+
+private:
+    mutable std::mutex lock_;
+    HistorySeries series_;
+};
+
+/// Whether a reading is worth a sample: the figures differ from the last sample's (the reset time
+/// by more than a minute), or half an hour has passed.
+bool isWorthRecording(const UsageWindow& window, Instant now,
+                      const std::optional<HistoryPoint>& last);
+
+} // namespace vellmark

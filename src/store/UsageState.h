@@ -1,0 +1,47 @@
+#pragma once
+
+#include "model/AgentUsageSnapshot.h"
+#include "model/UsageRules.h"
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace vellmark {
+
+/// What started a refresh.
+enum class RefreshTrigger { launch, timer, manual, wake, window, settings };
+
+/// Names a window among all agents.
+using WindowKey = std::pair<AgentProviderID, std::string>;
+
+/// The store's published state as one plain value, for everything that shows it.
+struct UsageState {
+    /// In `providerOrder`, enabled agents only. An agent that was never read appears when its first
+    /// reading starts (`loading`).
+    std::vector<AgentUsageSnapshot> snapshots;
+    bool isRefreshing = false;
+    /// The finished share of the running refresh, 0 to 1; stays 1 after it.
+    double refreshProgress = 0;
+    /// By this run of the program; absent before its first refresh has ended.
+    std::optional<Instant> lastRefreshCompletedAt;
+    std::set<AgentProviderID> enabledProviderIDs;
+    /// Every registered agent, enabled or not.
+    std::vector<AgentProviderID> providerOrder;
+    /// Until then, refreshes by `timer` and `window` do nothing.
+    std::optional<Instant> automaticHoldUntil;
+    /// When the figures of an agent were last read well; for the age of stale figures.
+    std::map<AgentProviderID, Instant> lastSuccess;
+    /// The last two hours of history of each window shown, oldest first: grounds of its forecast.
+    std::map<WindowKey, std::vector<UsagePoint>> recentPoints;
+    /// Rise with every new sample and every new log entry, for pages that show them.
+    unsigned historyRevision = 0;
+    unsigned activityRevision = 0;
+
+    bool operator==(const UsageState&) const = default;
+};
+
+} // namespace vellmark

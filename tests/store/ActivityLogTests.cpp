@@ -1,0 +1,127 @@
+#include "store/ActivityLog.h"
+#include "store/FileLock.h"
+#include "support/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <sys/stat.h>
+#include <thread>
+#include <vector>
+
+namespace vellmark::tests {
+namespace {
+
+const TimeZone zone = *TimeZone::named("Europe/Zurich");
+const Instant noon = *parseISO8601("2026-11-20T12:00:00Z", false);
+constexpr Seconds day{86'400};
+
+ActivityEntry entry(std::string text, Instant time = noon) {
+    return {.level = ActivityEntry::Level::notice,
+            .agent = AgentProviderID::codex(),
+            .text = std::move(text),
+            .time = time};
+}
+
+class Log : public testing::Test {
+protected:
+    TemporaryDirectory directory;
+    const std::filesystem::path path = directory / "Vellmark/activity.log";
+    ActivityLog log{path};
+};
+
+TEST_F(Log, writesOneLineAnEntryInLocalTime) {
+    ASSERT_FALSE(log.append(entry("Zeit überschritten"), zone));
+    ActivityEntry program = entry("started");
+    program.agent.reset();
+    program.level = ActivityEntry::Level::error;
+    ASSERT_FALSE(log.append(program, zone));
+    EXPECT_EQ(contentOf(path), "2026-11-20 13:00:00 notice codex: Zeit überschritten\n"
+                               "2026-11-20 13:00:00 error vellmark: started\n");
+    EXPECT_EQ(log.entries(noon, zone), (std::vector{entry("Zeit überschritten"), program}));
+    struct stat status {};
+    ASSERT_EQ(::stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0600u);
+}
+
+TEST_F(Log, noEntryCanHoldALineBreakOrControlCharacter) {
+    ActivityEntry hostile = entry("one\ntwo\r\nthree\x1b[31mred\x1b]0;title\x07 four\x7f\x01"
+                                  "\xC2\x85"
+                                  "five\xE2\x80\xA8six\tseven\xff");
+    hostile.agent = AgentProviderID("co\ndex: 2026-11-20");
+    ASSERT_FALSE(log.append(hostile, zone));
+    const std::string text = contentOf(path);
+    EXPECT_EQ(std::ranges::count(text, '\n'), 1);
+    for (const char character : text.substr(0, text.size() - 1)) {
+        const auto byte = static_cast<unsigned char>(character);
+        EXPECT_TRUE(byte >= 0x20 && byte != 0x7f) << static_cast<int>(byte);
+    }
+    EXPECT_EQ(text.find("\xC2\x85"), std::string::npos);
+    EXPECT_EQ(text.find("\xE2\x80\xA8"), std::string::npos);
+}
+
+TEST_F(Log, trimDropsWhatIsOlderThan30Days) {
+    for (const double age : {40.0, 30.5, 29.5, 1.0, 0.0}) {
+        ASSERT_FALSE(log.append(entry("age " + std::to_string(age), noon - age * day), zone));
+    }
+    ASSERT_FALSE(log.trim(noon, zone));
+    const auto kept = log.entries(noon - 400 * day, zone);
+    ASSERT_EQ(kept.size(), 3u);
+    EXPECT_EQ(kept.front().time, noon - 29.5 * day);
+
+    struct stat before {};
+    struct stat after {};
+    ::stat(path.c_str(), &before);
+    ASSERT_FALSE(log.trim(noon, zone));
+    ::stat(path.c_str(), &after);
+    EXPECT_EQ(before.st_ino, after.st_ino) << "nothing to drop, nothing written";
+}
+
+TEST_F(Log, linesOfOtherPeopleDoNoHarm) {
+    directory.write("Vellmark/activity.log",
+                    "garbage\n\n2026-99-99 99:99:99 info codex: odd\n2026-11-20 13:00:00\n"
+                    "2026-11-20 13:00:00 loud codex: what\n2026-11-20 13:00:01 info codex: fine\n"
+                    "2026-11-20 13:00:02 info codex: cut o");
+    const auto entries = log.entries(noon, zone);
+    ASSERT_GE(entries.size(), 2u);
+    EXPECT_EQ(entries[entries.size() - 2].text, "fine");
+    ASSERT_FALSE(log.trim(noon, zone));
+}
+
+TEST_F(Log, severalWritersLoseNothing) {
+    constexpr int each = 200;
+    std::vector<std::thread> writers;
+    for (int writer = 0; writer < 3; ++writer) {
+        writers.emplace_back([this] {
+            ActivityLog own(path);
+            for (int index = 0; index < each; ++index) {
+                own.append(entry("line"), zone);
+                if (index % 50 == 0) {
+                    own.trim(noon, zone);
+                }
+            }
+        });
+    }
+    for (std::thread& writer : writers) {
+        writer.join();
+    }
+    EXPECT_EQ(log.entries(noon, zone).size(), 3u * each);
+}
+
+TEST_F(Log, waitsWhileSomebodyElseHasTheFile) {
+    std::error_code error;
+    {
+        const auto held =
+            FileLock::acquire(directory / "Vellmark/activity.lock", Seconds(1), error);
+        ASSERT_TRUE(held);
+        EXPECT_FALSE(log.append(entry("first"), zone));
+        EXPECT_EQ(log.entries(noon, zone).size(), 1u) << "shown, though not on disk";
+        EXPECT_FALSE(std::filesystem::exists(path));
+    }
+    EXPECT_FALSE(log.append(entry("second"), zone));
+    EXPECT_EQ(std::ranges::count(contentOf(path), '\n'), 2);
+}
+
+} // namespace
+} // namespace vellmark::tests

@@ -1,0 +1,346 @@
+#include "probes/BoundedProcess.h"
+#include "store/StoreFixture.h"
+#include "support/ProcessCensus.h"
+
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace vellmark::tests {
+namespace {
+
+using Refresh = StoreFixture;
+
+std::vector<std::string> shownIDs(const UsageState& state) {
+    std::vector<std::string> ids;
+    for (const AgentUsageSnapshot& snapshot : state.snapshots) {
+        ids.push_back(snapshot.id.rawValue);
+    }
+    return ids;
+}
+
+TEST_F(Refresh, publishesEachAgentAsSoonAsItIsRead) {
+    makeStore();
+    claude->holdFetches();
+    EXPECT_TRUE(state().snapshots.empty());
+
+    store->refresh(RefreshTrigger::launch);
+    EXPECT_TRUE(state().isRefreshing);
+    EXPECT_EQ(state().refreshProgress, 0);
+    EXPECT_EQ(shownIDs(state()), (std::vector<std::string>{"codex", "claude", "antigravity"}));
+    EXPECT_EQ(source(claude), SnapshotSource::loading);
+
+    ASSERT_TRUE(executor.turnUntil([&] {
+        return source(codex) == SnapshotSource::live && source(antigravity) == SnapshotSource::live;
+    }));
+    EXPECT_EQ(source(claude), SnapshotSource::loading) << "the slowest delays nobody";
+    EXPECT_DOUBLE_EQ(state().refreshProgress, 2.0 / 3);
+    EXPECT_FALSE(state().lastRefreshCompletedAt);
+
+    claude->letGo();
+    ASSERT_TRUE(finishRefresh());
+    EXPECT_EQ(source(claude), SnapshotSource::live);
+    EXPECT_EQ(state().refreshProgress, 1);
+    EXPECT_EQ(state().lastRefreshCompletedAt, executor.now());
+}
+
+TEST_F(Refresh, aFailureKeepsTheLastGoodFiguresAsStale) {
+    makeStore();
+    codex->fails(UsageProviderError(UsageProviderError::Kind::codexNoQuotas));
+    claude->answersUsed(42, executor.now());
+    store->refresh(RefreshTrigger::launch);
+    ASSERT_TRUE(finishRefresh());
+    EXPECT_EQ(source(codex), SnapshotSource::stale);
+    EXPECT_TRUE(snapshot(codex)->windows.empty());
+    EXPECT_FALSE(state().lastSuccess.contains(codex->id()));
+
+    const AgentUsageSnapshot good = *snapshot(claude);
+    claude->fails(UsageProviderError(UsageProviderError::Kind::claudeNotLoggedIn));
+    executor.advance(Seconds(300));
+    store->refresh(RefreshTrigger::timer);
+    ASSERT_TRUE(finishRefresh());
+    const AgentUsageSnapshot& failed = *snapshot(claude);
+    EXPECT_EQ(failed.source, SnapshotSource::stale);
+    EXPECT_EQ(failed.windows, good.windows);
+    EXPECT_EQ(failed.accountLabel, good.accountLabel);
+    EXPECT_EQ(failed.plan, good.plan);
+    EXPECT_EQ(failed.updatedAt, executor.now()) << "the time of the attempt";
+    ASSERT_TRUE(failed.error);
+    EXPECT_EQ(failed.error->kind(), UsageProviderError::Kind::claudeNotLoggedIn);
+    EXPECT_EQ(state().lastSuccess.at(claude->id()), good.updatedAt);
+
+    claude->answersUsed(43, executor.now());
+    store->refresh(RefreshTrigger::timer);
+    ASSERT_TRUE(finishRefresh());
+    EXPECT_FALSE(snapshot(claude)->error);
+    EXPECT_EQ(source(claude), SnapshotSource::live);
+}
+
+TEST_F(Refresh, figuresStayWhileTheyAreReadAnew) {
+    makeStore();
+    store->refresh(RefreshTrigger::launch);
+    ASSERT_TRUE(finishRefresh());
+    codex->holdFetches();
+    store->refresh(RefreshTrigger::manual);
+    EXPECT_EQ(source(codex), SnapshotSource::live);
+    EXPECT_FALSE(snapshot(codex)->windows.empty());
+}
+
+TEST_F(Refresh, whateverAProbeThrowsBecomesAnError) {
+    makeStore();
+    codex->answers([]() -> AgentUsageSnapshot { throw std::runtime_error("no such luck"); });
+    claude->answers([]() -> AgentUsageSnapshot { throw 42; });
+    store->refresh(RefreshTrigger::launch);
+    ASSERT_TRUE(finishRefresh());
+    EXPECT_EQ(snapshot(codex)->error, UsageProviderError::other("no such luck"));
+    ASSERT_TRUE(snapshot(claude)->error);
+    EXPECT_FALSE(snapshot(claude)->error->texts().at(0).empty());
+    EXPECT_EQ(source(antigravity), SnapshotSource::live);
+}
+
+TEST_F(Refresh, aRequestDuringARefreshIsMergedIntoIt) {
+    makeStore();
+    for (const auto& agent : {codex, claude, antigravity}) {
+        agent->holdFetches();
+    }
+    store->refresh(RefreshTrigger::launch, {codex->id()});
+    store->refresh(RefreshTrigger::timer);
+    EXPECT_EQ(shownIDs(state()), std::vector<std::string>{"codex"}) << "timer starts nothing more";
+    store->refresh(RefreshTrigger::manual);
+    EXPECT_EQ(state().snapshots.size(), 3u);
+    store->refresh(RefreshTrigger::manual);
+    for (const auto& agent : {codex, claude, antigravity}) {
+        agent->letGo();
+    }
+    ASSERT_TRUE(finishRefresh());
+    EXPECT_EQ(codex->fetchCount(), 1);
+    EXPECT_EQ(claude->fetchCount(), 1);
+    EXPECT_EQ(antigravity->fetchCount(), 1);
+}
+
+TEST_F(Refresh, automaticTriggersRespectHoldAndPause) {
+    makeStore();
+    store->setAutomaticHoldUntil(executor.now() + Seconds(10));
+    store->refresh(RefreshTrigger::timer);
+    store->refresh(RefreshTrigger::window);
+    EXPECT_FALSE(state().isRefreshing);
+    store->refresh(RefreshTrigger::wake);
+    EXPECT_TRUE(state().isRefreshing) << "only timer and window are held";
+    ASSERT_TRUE(finishRefresh());
+
+    executor.advance(Seconds(59));
+    store->refresh(RefreshTrigger::window);
+    EXPECT_FALSE(state().isRefreshing);
+    executor.advance(Seconds(1));
+    store->refresh(RefreshTrigger::window);
+    EXPECT_TRUE(state().isRefreshing);
+    ASSERT_TRUE(finishRefresh());
+
+    executor.setNow(executor.now() - Seconds(86'400));
+    store->refresh(RefreshTrigger::window);
+    EXPECT_TRUE(state().isRefreshing) << "a clock that was set back must not hold refreshes";
+    ASSERT_TRUE(finishRefresh());
+}
+
+TEST_F(Refresh, aTimeoutIsRetriedOnceWhereTheAgentAsksForIt) {
+    makeStore();
+    codex->fails(UsageProviderError::timeout("Codex"));
+    claude->fails(UsageProviderError::timeout("Claude"));
+    store->refresh(RefreshTrigger::launch);
+    ASSERT_TRUE(executor.turnUntil([&] { return executor.timerCount() == 1; }));
+    ASSERT_TRUE(executor.turnUntil([&] { return source(claude) == SnapshotSource::stale; }));
+    EXPECT_TRUE(state().isRefreshing);
+    EXPECT_EQ(source(codex), SnapshotSource::loading);
+
+    executor.advance(Seconds(19));
+    EXPECT_EQ(codex->fetchCount(), 1);
+    executor.advance(Seconds(1));
+    ASSERT_TRUE(finishRefresh());
+    EXPECT_EQ(codex->fetchCount(), 2);
+    EXPECT_EQ(claude->fetchCount(), 1);
+    EXPECT_EQ(snapshot(codex)->error, UsageProviderError::timeout("Codex"));
+    EXPECT_EQ(executor.timerCount(), 0u);
+}
+
+TEST_F(Refresh, disablingDuringAFetchDropsItsResult) {
+    makeStore();
+    codex->holdFetches();
+    store->refresh(RefreshTrigger::launch);
+    ASSERT_TRUE(executor.turnUntil(
+        [&] { return state().refreshProgress > 0.6 && codex->fetchCount() == 1; }));
+    store->setEnabled(codex->id(), false);
+    EXPECT_FALSE(state().isRefreshing) << "nothing else was under way";
+    EXPECT_EQ(snapshot(codex), nullptr);
+
+    codex->letGo();
+    store->refresh(RefreshTrigger::manual);
+    ASSERT_TRUE(finishRefresh());
+    EXPECT_EQ(snapshot(codex), nullptr);
+    EXPECT_EQ(codex->fetchCount(), 1);
+
+    store->setEnabled(codex->id(), true);
+    EXPECT_TRUE(state().isRefreshing);
+    ASSERT_TRUE(finishRefresh());
+    EXPECT_EQ(source(codex), SnapshotSource::live);
+    EXPECT_EQ(claude->fetchCount(), 2) << "only the enabled agent is read";
+}
+
+TEST_F(Refresh, anAnswerOfADisabledAgentsOldFetchIsNotTakenForTheNewOne) {
+    makeStore();
+    codex->holdFetches();
+    codex->answersUsed(11, executor.now());
+    store->refresh(RefreshTrigger::launch, {codex->id()});
+    ASSERT_TRUE(executor.turnUntil([&] { return codex->fetchCount() == 1; }));
+    store->setEnabled(codex->id(), false);
+    store->setEnabled(codex->id(), true);
+    ASSERT_TRUE(executor.turnUntil([&] { return codex->fetchCount() == 2; }));
+    codex->letGo();
+    ASSERT_TRUE(finishRefresh());
+    int readings = 0;
+    for (const ActivityEntry& entry : store->activity(1)) {
+        readings += entry.agent == codex->id() && entry.text.find("% left") != std::string::npos;
+    }
+    EXPECT_EQ(readings, 1);
+}
+
+TEST_F(Refresh, nothingLandsAfterAnAbort) {
+    makeStore();
+    codex->fails(UsageProviderError::timeout("Codex"));
+    claude->holdFetches();
+    store->refresh(RefreshTrigger::launch);
+    ASSERT_TRUE(executor.turnUntil([&] { return executor.timerCount() == 1; }));
+    ASSERT_TRUE(executor.turnUntil(
+        [&] { return source(antigravity) == SnapshotSource::live && claude->fetchCount() == 1; }));
+    store->flush();
+    executor.turn(); // also what the history has to tell
+    store->abortRefresh();
+    EXPECT_FALSE(state().isRefreshing);
+    EXPECT_EQ(executor.timerCount(), 0u) << "a waiting retry is given up";
+    EXPECT_EQ(shownIDs(state()), std::vector<std::string>{"antigravity"});
+
+    int changes = 0;
+    const auto subscription =
+        store->observe({.willChange = nullptr, .didChange = [&] { ++changes; }});
+    claude->letGo();
+    executor.advance(Seconds(60));
+    store->refresh(RefreshTrigger::manual);
+    executor.turn();
+    EXPECT_EQ(changes, 0);
+    EXPECT_EQ(claude->fetchCount(), 1);
+}
+
+TEST_F(Refresh, anAbortEndsTheChildrenOfTheFetches) {
+    makeStore();
+    const ChildConfiguration sleeper{.executable = "/bin/sleep", .arguments = {"60"}};
+    claude->answers([&, now = executor.now()] {
+        // A probe that goes on to a second child after the first one was stopped.
+        BoundedProcess::run(sleeper, Seconds(60), Seconds(3));
+        BoundedProcess::run(sleeper, Seconds(60), Seconds(3));
+        return claude->reading(1, now);
+    });
+    store->refresh(RefreshTrigger::launch, {claude->id()});
+    ASSERT_TRUE(becomesTrue([] { return livingChildCount() == 1; }));
+    store->abortRefresh();
+    EXPECT_TRUE(becomesTrue([] { return livingChildCount() == 0; }));
+    store.reset();
+    EXPECT_EQ(livingChildCount(), 0u);
+    EXPECT_FALSE(hasZombieChild());
+}
+
+TEST_F(Refresh, observersAreToldBeforeAndAfterAndMayComeAndGo) {
+    makeStore();
+    std::vector<std::string> told;
+    std::shared_ptr<AgentUsageStore::Subscription> late;
+    auto first = store->observe(
+        {.willChange = [&] { told.push_back(state().isRefreshing ? "will on" : "will off"); },
+         .didChange =
+             [&] {
+                 told.push_back(state().isRefreshing ? "did on" : "did off");
+                 late = store->observe({.willChange = nullptr, .didChange = nullptr});
+             }});
+    codex->holdFetches();
+    store->refresh(RefreshTrigger::launch, {codex->id()});
+    EXPECT_EQ(told, (std::vector<std::string>{"will off", "did on"}));
+    first.reset();
+    codex->letGo();
+    ASSERT_TRUE(finishRefresh());
+    EXPECT_EQ(told.size(), 2u);
+    store.reset();
+    late.reset(); // a subscription may outlive the store
+}
+
+TEST_F(Refresh, settingsSurviveInThePreferences) {
+    makeStore();
+    store->setEnabled(claude->id(), false);
+    store->setProviderOrder({antigravity->id(), AgentProviderID("unknown"), codex->id()});
+    makeStore();
+    EXPECT_EQ(state().enabledProviderIDs, (std::set{codex->id(), antigravity->id()}));
+    EXPECT_EQ(state().providerOrder, (std::vector{antigravity->id(), codex->id(), claude->id()}));
+    store->refresh(RefreshTrigger::launch);
+    EXPECT_EQ(shownIDs(state()), (std::vector<std::string>{"antigravity", "codex"}));
+
+    makeStore(std::set{claude->id()});
+    EXPECT_EQ(state().enabledProviderIDs, std::set{claude->id()}) << "the configuration wins";
+}
+
+TEST_F(Refresh, aStoreMayGoWhileItReads) {
+    makeStore();
+    claude->holdFetches();
+    store->refresh(RefreshTrigger::launch);
+    std::thread release([&] { claude->letGo(); });
+    store.reset();
+    release.join();
+    executor.turn(); // what was posted meanwhile finds nobody
+}
+
+TEST_F(Refresh, settingsRefreshesAndTerminationMayRace) {
+    std::mt19937 random(7);
+    const auto chance = [&](int of) { return random() % static_cast<unsigned>(of) == 0; };
+    const std::vector agents = {codex, claude, antigravity};
+    for (int round = 0; round < 40; ++round) {
+        makeStore();
+        for (int step = 0; step < 20; ++step) {
+            const auto& agent = agents[random() % agents.size()];
+            chance(2) ? agent->holdFetches() : agent->letGo();
+            if (chance(3)) {
+                agent->fails(UsageProviderError::timeout("late"));
+            } else {
+                agent->answersUsed(static_cast<double>(random() % 100), executor.now());
+            }
+            if (chance(2)) {
+                store->refresh(chance(2) ? RefreshTrigger::manual : RefreshTrigger::timer);
+            }
+            if (chance(4)) {
+                store->setEnabled(agent->id(), chance(2));
+            }
+            if (chance(5)) {
+                store->setProviderOrder({agent->id()});
+            }
+            if (chance(3)) {
+                executor.advance(Seconds(static_cast<double>(random() % 40)));
+            }
+            if (chance(8)) {
+                store->trimLog();
+            }
+            executor.turn();
+        }
+        if (chance(2)) {
+            store->abortRefresh();
+        }
+        // Fetches are let go while the store goes.
+        std::thread release([&] {
+            for (const auto& agent : agents) {
+                agent->letGo();
+            }
+        });
+        store.reset();
+        release.join();
+        executor.advance(Seconds(60));
+        EXPECT_EQ(executor.timerCount(), 0u);
+    }
+}
+
+} // namespace
+} // namespace vellmark::tests

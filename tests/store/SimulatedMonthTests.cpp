@@ -1,0 +1,106 @@
+#include "store/StoreFixture.h"
+#include "store/UsageHistory.h"
+#include "support/ProcessCensus.h"
+
+#include <cmath>
+#include <fstream>
+#include <string>
+#include <unistd.h>
+
+namespace vellmark::tests {
+namespace {
+
+/// In memory where the system offers that, since each of the thousands of refreshes is synced.
+class Month : public StoreFixture {
+protected:
+    Month() {
+        std::string name = "/dev/shm/vellmark-month-XXXXXX";
+        if (::mkdtemp(name.data())) {
+            inMemory_ = name;
+            machine.applicationSupport = inMemory_;
+        }
+    }
+    ~Month() override {
+        std::error_code ignored;
+        if (!inMemory_.empty()) {
+            std::filesystem::remove_all(inMemory_, ignored);
+        }
+    }
+
+private:
+    std::filesystem::path inMemory_;
+};
+
+std::size_t residentBytes() {
+    std::ifstream memory("/proc/self/statm");
+    std::size_t pages = 0;
+    memory >> pages >> pages;
+    return pages * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+}
+
+TEST_F(Month, costsItsHistoryAndNothingElse) {
+    makeStore();
+    const Instant start = executor.now();
+    std::size_t descriptors = 0;
+    std::size_t threads = 0;
+    std::size_t memory = 0;
+    constexpr int refreshes = VELLMARK_MONTH_REFRESHES;
+    for (int index = 0; index < refreshes; ++index) {
+        // Five-hour windows that fill up; every tenth reading of one agent fails.
+        const double used = std::fmod(index, 60) * 1.5;
+        codex->answersUsed(used, executor.now());
+        claude->answersUsed(std::floor(used / 10), executor.now());
+        if (index % 10 == 9) {
+            antigravity->fails(UsageProviderError::antigravityReadFailed("no answer"));
+        } else {
+            antigravity->answersUsed(33, executor.now());
+        }
+        store->refresh(RefreshTrigger::timer);
+        ASSERT_TRUE(finishRefresh());
+        if (index % 288 == 287) {
+            store->trimLog();
+        }
+        executor.advance(Seconds(300));
+        if (index == refreshes / 10) { // after the caches have filled
+            store->flush();
+            executor.turn();
+            descriptors = openDescriptorCount();
+            threads = threadCount();
+            memory = residentBytes();
+        }
+    }
+    store->flush();
+    executor.turn();
+    EXPECT_EQ(openDescriptorCount(), descriptors);
+    EXPECT_EQ(threadCount(), threads);
+    EXPECT_EQ(livingChildCount(), 0u);
+    EXPECT_FALSE(hasZombieChild());
+
+    // One agent changes with each reading, one every 7 readings, one only its reset time.
+    const std::size_t samples = store->history().sampleCount();
+    EXPECT_GT(samples, refreshes);
+    EXPECT_LE(samples, 3u * refreshes);
+    EXPECT_LE(store->history().bytesHeld(), 64 * samples);
+    const auto fileSize =
+        std::filesystem::file_size(machine.supportDirectory() / "usage-history.json");
+    EXPECT_LT(fileSize, 200 * samples);
+    EXPECT_LT(std::filesystem::file_size(machine.supportDirectory() / "last-snapshots.json"),
+              4096u);
+    // Five lines or so a refresh of about 80 bytes.
+    EXPECT_LT(std::filesystem::file_size(machine.supportDirectory() / "activity.log"),
+              500u * refreshes);
+    constexpr bool isWhole = refreshes == 30 * 24 * 12;
+    if (isWhole && memory > 0) {
+        const std::size_t slack = 8u << 20; // what the allocator keeps
+        EXPECT_LT(residentBytes(), memory + store->history().bytesHeld() + slack);
+    }
+
+    // The figures of the month are there for the next run.
+    makeStore();
+    store->flush();
+    EXPECT_EQ(store->history().sampleCount(), samples);
+    EXPECT_EQ(executor.now() - start, Seconds(300.0 * refreshes));
+}
+
+} // namespace
+} // namespace vellmark::tests

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "store/AgentUsageStore.h"
+#include "store/StubProvider.h"
+#include "support/HandTurnedExecutor.h"
+#include "support/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+namespace vellmark::tests {
+
+/// A store over three stub agents, "codex" with a retry after 20 s, on a hand-turned clock.
+class StoreFixture : public testing::Test {
+protected:
+    StoreFixture() { machine.applicationSupport = directory.path(); }
+
+    /// A new run of the program: the store of the last one has gone before.
+    void makeStore(std::optional<std::set<AgentProviderID>> only = std::nullopt) {
+        store.reset();
+        AgentUsageStore::Configuration configuration;
+        configuration.machine = machine;
+        configuration.registrations = {registration(codex, 20.0), registration(claude),
+                                       registration(antigravity)};
+        configuration.words = [] { return Localization("en", "en_US", "UTC"); };
+        configuration.now = [this] { return executor.now(); };
+        configuration.agents = std::move(only);
+        store = std::make_unique<AgentUsageStore>(std::move(configuration), executor, preferences);
+    }
+
+    void TearDown() override {
+        for (const auto& agent : {codex, claude, antigravity}) {
+            agent->letGo();
+        }
+        store.reset();
+    }
+
+    const UsageState& state() const { return store->state(); }
+
+    const AgentUsageSnapshot* snapshot(const std::shared_ptr<StubAgent>& agent) const {
+        const auto found =
+            std::ranges::find(state().snapshots, agent->id(), &AgentUsageSnapshot::id);
+        return found == state().snapshots.end() ? nullptr : &*found;
+    }
+    std::optional<SnapshotSource> source(const std::shared_ptr<StubAgent>& agent) const {
+        const auto* shown = snapshot(agent);
+        return shown ? std::optional(shown->source) : std::nullopt;
+    }
+
+    [[nodiscard]] bool finishRefresh() {
+        return executor.turnUntil([this] { return !state().isRefreshing; });
+    }
+
+    TemporaryDirectory directory;
+    Machine machine;
+    HandTurnedExecutor executor;
+    MemoryPreferences preferences;
+    std::shared_ptr<StubAgent> codex = std::make_shared<StubAgent>("codex");
+    std::shared_ptr<StubAgent> claude = std::make_shared<StubAgent>("claude");
+    std::shared_ptr<StubAgent> antigravity = std::make_shared<StubAgent>("antigravity");
+    std::unique_ptr<AgentUsageStore> store;
+};
+
+} // namespace vellmark::tests
