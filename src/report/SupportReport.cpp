@@ -1,0 +1,83 @@
+#include "report/SupportReport.h"
+
+#include "report/Redaction.h"
+#include "text/Dates.h"
+#include "text/Formatting.h"
+
+namespace vellmark {
+namespace {
+
+class ReportLines {
+public:
+    explicit ReportLines(const Localization& words) : words_(words) {}
+
+    void add(std::string line) { text_.append(std::move(line)).append("\n"); }
+    void add(std::string_view key, std::initializer_list<TextArgument> arguments) {
+        add(words_.format(key, arguments));
+    }
+    void heading(std::string_view key) { add("\n" + words_.text(key)); }
+    /// A line of an agent's block.
+    void detail(std::string_view key, const std::string& value) {
+        add("  " + words_.format(key, {value}));
+    }
+
+    std::string take() {
+        text_.pop_back();
+        return std::move(text_);
+    }
+
+private:
+    const Localization& words_;
+    std::string text_;
+};
+
+std::string loginText(std::optional<bool> loggedIn, const Localization& words) {
+    if (!loggedIn) {
+        return words.text("report.login.unknown");
+    }
+    return words.text(*loggedIn ? "report.login.yes" : "report.login.no");
+}
+
+void addAgent(ReportLines& lines, const SupportReportInput::Agent& agent,
+              const Localization& words) {
+    lines.add(agent.enabled ? "report.agent.active" : "report.agent.hidden", {agent.name});
+    if (agent.toolPath) {
+        lines.detail("report.agent.tool", *agent.toolPath);
+    } else {
+        lines.add("  " + words.text("report.agent.notFound"));
+    }
+    const auto none = words.text("report.none");
+    lines.detail("report.agent.version", agent.toolVersion.value_or(none));
+    lines.detail("report.agent.login", loginText(agent.loggedIn, words));
+    lines.detail("report.agent.lastOK",
+                 agent.lastSuccess ? dateTimeText(*agent.lastSuccess, words) : none);
+}
+
+} // namespace
+
+std::optional<std::string> supportReportText(const SupportReportInput& input,
+                                             std::string_view homeDirectory, bool includeEmails,
+                                             const Localization& words) {
+    ReportLines lines(words);
+    lines.add("report.title", {});
+    lines.add("report.created", {dateTimeText(input.date, words)});
+    lines.add("report.application", {input.version, input.build});
+    lines.add("report.macos", {input.osVersion});
+    lines.add("report.arch", {input.architecture});
+    lines.add("report.language", {input.languageCode, input.region});
+    lines.heading("report.agents");
+    for (const auto& agent : input.agents) {
+        addAgent(lines, agent, words);
+    }
+    lines.heading("report.log");
+    lines.add(input.logText.empty() ? words.text("report.log.empty") : input.logText);
+    lines.heading(includeEmails ? "report.privacy.withEmails" : "report.privacy.note");
+    return redacted(lines.take(), homeDirectory, includeEmails);
+}
+
+std::string supportReportFileName(Instant date, const Localization& words) {
+    const auto zone = TimeZone::named(words.timeZoneIdentifier()).value_or(TimeZone::system());
+    return "Vellmark-Support-Bericht-" + formatDate(date, "yyyy-MM-dd", zone) + ".txt";
+}
+
+} // namespace vellmark

@@ -1,0 +1,86 @@
+#include "report/SupportReportFacts.h"
+
+#include "platform/SystemFacts.h"
+#include "platform/UserLocale.h"
+#include "probes/AgentFacts.h"
+#include "probes/ProviderRegistry.h"
+#include "store/ActivityLog.h"
+#include "store/AgentSettings.h"
+#include "store/LastSnapshots.h"
+#include "text/Dates.h"
+
+#include <algorithm>
+
+namespace vellmark {
+namespace {
+
+/// "CH" of "de_CH".
+std::string regionOf(const std::string& localeIdentifier) {
+    const auto separator = localeIdentifier.find('_');
+    return separator == std::string::npos ? std::string() : localeIdentifier.substr(separator + 1);
+}
+
+std::optional<Instant> lastSuccess(const AgentProviderID& id,
+                                   const std::vector<AgentUsageSnapshot>& readings) {
+    const auto found = std::ranges::find(readings, id, &AgentUsageSnapshot::id);
+    return found == readings.end() ? std::nullopt : std::optional(found->updatedAt);
+}
+
+std::vector<SupportReportInput::Agent> gatherAgents(const Machine& machine,
+                                                    const Localization& words) {
+    const auto readings = LastSnapshots(machine.supportDirectory() / "last-snapshots.json").read();
+    const auto facts = gatherAgentFacts(machine);
+    std::vector<AgentProviderID> registered;
+    for (const AgentFacts& agent : facts) {
+        registered.push_back(agent.id);
+    }
+    const auto preferences = makePreferences(machine);
+    const auto enabled = AgentSettings(*preferences, registered).enabled();
+
+    std::vector<SupportReportInput::Agent> agents;
+    for (const AgentFacts& agent : facts) {
+        SupportReportInput::Agent entry;
+        entry.name = words.text(providerDescriptor(agent.id)->nameKey);
+        entry.enabled = enabled.contains(agent.id);
+        if (agent.toolPath) {
+            entry.toolPath = agent.toolPath->string();
+        }
+        entry.toolVersion = agent.toolVersion;
+        entry.loggedIn = agent.loggedIn;
+        entry.lastSuccess = lastSuccess(agent.id, readings);
+        agents.push_back(std::move(entry));
+    }
+    return agents;
+}
+
+std::string recentActivity(const Machine& machine, const Localization& words, Instant now) {
+    const auto zone = TimeZone::named(words.timeZoneIdentifier()).value_or(TimeZone::system());
+    const auto since = now - Seconds(86400.0 * ActivityLog::daysKept);
+    std::string text;
+    for (const auto& entry :
+         ActivityLog(machine.supportDirectory() / "activity.log").entries(since, zone)) {
+        text += (text.empty() ? "" : "\n") + ActivityLog::line(entry, zone);
+    }
+    return text;
+}
+
+} // namespace
+
+SupportReportInput gatherSupportReport(const Machine& machine, const Localization& words,
+                                       Instant now) {
+    SupportReportInput input;
+    const auto system = systemFacts();
+    input.version = VELLMARK_VERSION;
+    input.build = VELLMARK_BUILD;
+    input.osVersion = system.osVersion;
+    input.architecture = system.architecture;
+    input.languageCode = words.languageCode();
+    const auto region = regionOf(UserLocale::of(machine.environment).formatIdentifier);
+    input.region = region.empty() ? words.text("report.none") : region;
+    input.date = now;
+    input.agents = gatherAgents(machine, words);
+    input.logText = recentActivity(machine, words, now);
+    return input;
+}
+
+} // namespace vellmark

@@ -1,0 +1,78 @@
+#include "report/SupportReport.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace vellmark {
+namespace {
+
+const Localization german("de", "de_CH", "Europe/Zurich");
+
+SupportReportInput madeUpInput() {
+    SupportReportInput input;
+    input.version = "1.0.0";
+    input.build = "100";
+    input.osVersion = "macOS 26.1";
+    input.architecture = "arm64";
+    input.languageCode = "de";
+    input.region = "CH";
+    input.date = instantFromUnixSeconds(1763646492); // 20 November 2025, 14:48:12 in Zurich
+    input.agents = {{"Codex", true, "/Users/anna/.local/bin/codex", "codex-cli 0.61.0", true,
+                     instantFromUnixSeconds(1763646365)},
+                    {"Claude", true, "/Users/anna/.local/bin/claude", std::nullopt, false, {}},
+                    {"Antigravity", false, std::nullopt, std::nullopt, std::nullopt, {}}};
+    input.logText = "gelesen als anna@example.org";
+    return input;
+}
+
+TEST(SupportReport, listsFactsAgentsAndLogInOrder) {
+    EXPECT_EQ(supportReportText(madeUpInput(), "/Users/anna", false, german),
+              R"(Vellmark Support-Bericht
+Erstellt: 20.11.2025, 14:48:12
+Vellmark 1.0.0 (Build 100)
+System: macOS 26.1
+Architektur: arm64
+Sprache: de, Region: CH
+
+Agenten
+Codex (aktiv)
+  Programm: ~/.local/bin/codex
+  Version: codex-cli 0.61.0
+  Angemeldet: ja
+  Zuletzt gelesen: 20.11.2025, 14:46:05
+Claude (aktiv)
+  Programm: ~/.local/bin/claude
+  Version: keine Angabe
+  Angemeldet: nein
+  Zuletzt gelesen: keine Angabe
+Antigravity (ausgeblendet)
+  Programm: nicht gefunden
+  Version: keine Angabe
+  Angemeldet: nicht feststellbar
+  Zuletzt gelesen: keine Angabe
+
+Aktivität
+gelesen als …@…
+
+)" + german.text("report.privacy.note"));
+}
+
+TEST(SupportReport, tellsWhenAddressesWereLeftIn) {
+    auto input = madeUpInput();
+    input.logText.clear();
+    input.agents[0].name = "anna@example.org";
+    const auto text = supportReportText(input, "/Users/anna", true, german).value_or("");
+    EXPECT_NE(text.find("anna@example.org (aktiv)"), std::string::npos);
+    EXPECT_NE(text.find(german.text("report.log.empty")), std::string::npos);
+    EXPECT_NE(text.find(german.text("report.privacy.withEmails")), std::string::npos);
+}
+
+TEST(SupportReport, fileNameTakesTheUsersDay) {
+    const auto lateEvening = instantFromUnixSeconds(1763679600); // 23:00 UTC, midnight in Zurich
+    EXPECT_EQ(supportReportFileName(lateEvening, german),
+              "Vellmark-Support-Bericht-2025-11-21.txt");
+}
+
+} // namespace
+} // namespace vellmark
