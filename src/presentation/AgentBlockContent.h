@@ -1,0 +1,78 @@
+#pragma once
+
+#include "presentation/StatusColor.h"
+#include "presentation/UsageRowContent.h"
+#include "store/UsageState.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vellmark {
+
+/// What the user can do about a failure.
+enum class WayOut { none, readAgain, logIn, install, openSettings };
+
+/// Why an agent could not be read, and the way out of it.
+struct FailureContent {
+    std::string reason;
+    WayOut wayOut = WayOut::none;
+    /// The button's words; empty for `none`.
+    std::string buttonTitle;
+
+    bool operator==(const FailureContent&) const = default;
+};
+
+/// "Credits", "$16.80 left", "of $20.00"; or a credit line in the agent's own words.
+struct BalanceRowContent {
+    std::string label;
+    /// In the type of values; may be empty.
+    std::string value;
+    /// In small type beside the value; may be empty.
+    std::string detail;
+
+    bool operator==(const BalanceRowContent&) const = default;
+};
+
+/// One agent with everything that is known about it: a block of the popover's overview, a summary
+/// card, or the body of the agent's own tab.
+struct AgentBlockContent {
+    enum class State {
+        loading, ///< no reading yet: bones in place of the rows
+        live,
+        stale,  ///< the last reading, with its age; `failure` tells why
+        failed, ///< no figures; `failure` tells why
+    };
+    AgentProviderID id;
+    std::string name;
+    /// May be empty, like the account.
+    std::string plan;
+    std::string account;
+    State state = State::loading;
+    UsageHealth health = UsageHealth::unavailable;
+    /// At the end of the head: the health's word, "Reading values …", or "34 min old" (which has
+    /// the icon "clock" in place of the dot).
+    std::string statusText;
+    StatusColorRole dot = StatusColorRole::none;
+    bool showsClock = false;
+    std::vector<UsageRowContent> rows;
+    /// How many rows of bones to show while loading.
+    int boneRows = 0;
+    std::vector<BalanceRowContent> balances;
+    std::optional<FailureContent> failure;
+    /// "Read 2 min ago through the Claude Code CLI"; empty before the first reading.
+    std::string sourceText;
+    std::string accessibilityText;
+
+    bool operator==(const AgentBlockContent&) const = default;
+};
+
+AgentBlockContent agentBlockContent(const AgentUsageSnapshot& snapshot, const UsageState& state,
+                                    Instant now, const Localization& words);
+
+/// The agent's name in the user's words, in full and as it is called where little room is; an
+/// unknown agent is called by its identifier.
+std::string agentName(const AgentProviderID& id, const Localization& words);
+std::string agentShortName(const AgentProviderID& id, const Localization& words);
+
+} // namespace vellmark

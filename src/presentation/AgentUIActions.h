@@ -1,0 +1,24 @@
+#pragma once
+
+#include "model/AgentProviderID.h"
+
+#include <functional>
+
+namespace vellmark {
+
+enum class LegalDocument { terms, privacy };
+
+/// What views ask of the application; built once and handed to every view. Main thread.
+struct AgentUIActions {
+    std::function<void()> refresh;
+    std::function<void()> openWindow;
+    std::function<void(const AgentProviderID&)> openProvider;
+    std::function<void()> openSettings;
+    std::function<void()> showAbout;
+    std::function<void()> startSetup;
+    std::function<void(LegalDocument)> showLegal;
+    std::function<void()> showSupportReport;
+    std::function<void()> quit;
+};
+
+} // namespace vellmark

@@ -1,0 +1,46 @@
+#include "presentation/AppAppearance.h"
+
+#include <array>
+#include <string_view>
+#include <utility>
+
+namespace vellmark {
+namespace {
+
+using Setting = AppAppearance::Setting;
+
+constexpr std::string_view preferenceKey = "AppAppearance";
+constexpr std::array<std::pair<Setting, std::string_view>, 3> storedForms{
+    {{Setting::system, "system"}, {Setting::light, "light"}, {Setting::dark, "dark"}}};
+
+} // namespace
+
+AppAppearance::AppAppearance(Preferences& preferences) : preferences_(preferences) {
+    const std::string stored = preferences.string(preferenceKey).value_or("system");
+    for (const auto& [setting, form] : storedForms) {
+        if (stored == form)
+            setting_ = setting;
+    }
+}
+
+void AppAppearance::choose(Setting setting) {
+    if (setting == setting_)
+        return;
+    setting_ = setting;
+    for (const auto& [candidate, form] : storedForms) {
+        if (candidate == setting)
+            preferences_.setString(preferenceKey, std::string(form));
+    }
+    if (onChange)
+        onChange();
+}
+
+bool AppAppearance::isDark(ColorScheme scheme, bool fallbackIsDark) const {
+    if (setting_ != Setting::system)
+        return setting_ == Setting::dark;
+    if (scheme == ColorScheme::noPreference)
+        return fallbackIsDark;
+    return scheme == ColorScheme::dark;
+}
+
+} // namespace vellmark

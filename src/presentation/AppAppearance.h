@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/Preferences.h"
+#include "platform/SystemAppearance.h"
+
+#include <functional>
+#include <string>
+
+namespace vellmark {
+
+/// Light or dark: the system's choice, or the user's, kept under "AppAppearance" ("system",
+/// "light", "dark"). Main thread.
+class AppAppearance {
+public:
+    enum class Setting { system, light, dark };
+
+    explicit AppAppearance(Preferences& preferences);
+
+    Setting setting() const { return setting_; }
+    void choose(Setting setting);
+
+    /// What the setting means while the system is as `scheme` says; `fallbackIsDark` decides where
+    /// the system has no preference.
+    bool isDark(ColorScheme scheme, bool fallbackIsDark) const;
+
+    std::function<void()> onChange;
+
+private:
+    Preferences& preferences_;
+    Setting setting_ = Setting::system;
+};
+
+} // namespace vellmark

@@ -1,0 +1,61 @@
+#include "presentation/LaunchSequence.h"
+
+#include <string_view>
+
+namespace vellmark {
+
+LaunchOptions LaunchOptions::parse(std::span<const std::string> arguments,
+                                   const Environment& environment) {
+    LaunchOptions options{.isRunningTests = environment.contains("XCTestConfigurationFilePath")};
+    for (std::size_t index = 0; index < arguments.size(); ++index) {
+        const std::string_view argument = arguments[index];
+        // "--name value" and "--name=value".
+        const auto value = [&](std::string_view name, std::string& target) {
+            if (argument == name && index + 1 < arguments.size())
+                target = arguments[++index];
+            else if (argument.starts_with(name) && argument.substr(name.size()).starts_with('='))
+                target = argument.substr(name.size() + 1);
+            else
+                return false;
+            return true;
+        };
+        if (argument == "--show-window")
+            options.showsWindow = true;
+        else if (argument == "--show-about")
+            options.showsAbout = true;
+        else if (argument == "--demo")
+            options.isDemo = true;
+        else if (!value("--sandbox", options.sandbox) && !value("--language", options.language) &&
+                 argument.starts_with("--"))
+            options.offendingArgument = argument;
+    }
+    return options;
+}
+
+LaunchOutcome runLaunchSequence(const LaunchOptions& options, LaunchSteps& steps) {
+    if (options.isRunningTests)
+        return LaunchOutcome::testHost;
+    if (steps.handOverToRunningInstance()) {
+        steps.terminate();
+        return LaunchOutcome::handedOver;
+    }
+    steps.becomeAccessory();
+    steps.buildMainMenu();
+    steps.applyAppearance();
+    steps.observeAppearance();
+    steps.createStatusItem();
+    steps.configurePopover();
+    steps.observeStore();
+    steps.observeLanguage();
+    steps.startLaunchRefresh();
+    steps.observeWake();
+    steps.startLoops();
+    steps.runFirstRun();
+    if (options.showsWindow)
+        steps.showMainWindow();
+    else if (options.showsAbout)
+        steps.showAbout();
+    return LaunchOutcome::launched;
+}
+
+} // namespace vellmark

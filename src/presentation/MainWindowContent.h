@@ -1,0 +1,62 @@
+#pragma once
+
+#include "presentation/AgentPage.h"
+#include "presentation/PopoverContent.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vellmark {
+
+/// A line of the sidebar: an entry, or a section's header (then only `title` counts).
+struct SidebarItem {
+    bool isSection = false;
+    std::string title;
+    AgentPage page;
+    /// A symbol's name; empty for an agent, which shows its logo.
+    std::string icon;
+    /// The least that is left of the agent's windows ("16% left"); may be empty.
+    std::string value;
+    std::optional<UsageHealth> badge;
+    std::string accessibilityText;
+
+    bool operator==(const SidebarItem&) const = default;
+};
+
+std::vector<SidebarItem> sidebarItems(const UsageState& state, Instant now,
+                                      const Localization& words);
+
+/// The line under the overview's head that is always there.
+struct VerdictContent {
+    /// `healthy` and `unavailable` are neutral.
+    UsageHealth tone = UsageHealth::healthy;
+    /// Agent and window, stressed and before the text; empty where all agents are meant.
+    std::string subject;
+    std::string text;
+    bool operator==(const VerdictContent&) const = default;
+};
+
+struct OverviewContent {
+    std::string title;
+    std::string subtitle;
+    /// When the figures were read, or that they have not been yet.
+    std::string updated;
+    ControlContent refresh;
+    /// Everything that the refresh button may say: it keeps the width of the widest.
+    std::vector<std::string> refreshTitles;
+    bool isRefreshing = false;
+    VerdictContent verdict;
+    std::vector<AgentBlockContent> cards;
+    /// In a card, while its agent's first values are read.
+    std::string loadingText;
+    std::optional<NoAgentsContent> noAgents;
+
+    bool operator==(const OverviewContent&) const = default;
+};
+
+/// `asksForSetup` puts in the verdict's place that something is left to install or to log in to.
+OverviewContent overviewContent(const UsageState& state, Instant now, const Localization& words,
+                                bool asksForSetup = false);
+
+} // namespace vellmark

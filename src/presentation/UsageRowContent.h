@@ -1,0 +1,74 @@
+#pragma once
+
+#include "model/UsageRules.h"
+#include "model/UsageWindow.h"
+#include "text/Localization.h"
+
+#include <optional>
+#include <span>
+#include <string>
+
+namespace vellmark {
+
+/// A bar that tells what is left. Shares are 0 to 1, counted from the left end.
+struct UsageBarContent {
+    double filledShare = 0;
+    /// Where the fill would end at an even pace; absent without a reset time.
+    std::optional<double> paceMark;
+    /// The colour of the fill.
+    UsageHealth health = UsageHealth::healthy;
+    /// Drawn faintly, because the figures are old.
+    bool isStale = false;
+    /// Left, used and elapsed in words.
+    std::string toolTip;
+
+    bool operator==(const UsageBarContent&) const = default;
+};
+
+/// The line that says that a quota runs out before its reset.
+struct ForecastLineContent {
+    std::string text;
+    /// For places where `text`, measured, does not fit; `text` is then the tooltip.
+    std::string briefText;
+    /// `attention` and `critical` carry a warning mark in their colour; `healthy` is a quiet line
+    /// without mark (the reset is missed by a little).
+    UsageHealth tone = UsageHealth::attention;
+
+    bool operator==(const ForecastLineContent&) const = default;
+};
+
+/// One quota window, ready to be shown in a row, a card cell or an agent's tab.
+struct UsageRowContent {
+    std::string windowID;
+    std::string label;
+    /// The label in full where `label` is a short form.
+    std::string fullLabel;
+    /// "62% left".
+    std::string value;
+    /// The value in its two parts, for large figures: "62%" and "left".
+    std::string figure;
+    std::string figureWord;
+    UsageBarContent bar;
+    /// Never empty: "Resets in …", "Reset due at …, not confirmed", "No reset time".
+    std::string reset;
+    /// "10 points below plan"; empty without grounds.
+    std::string planning;
+    std::optional<ForecastLineContent> forecast;
+    /// "Lasts until the reset" or the forecast's text; empty without grounds.
+    std::string outlook;
+    /// "71% of the time elapsed"; empty without a reset time.
+    std::string elapsed;
+    UsageHealth health = UsageHealth::healthy;
+    bool isStale = false;
+    /// Name of the row or bar for assistive software; the detail is its description.
+    std::string accessibilityText;
+    std::string accessibilityDetail;
+
+    bool operator==(const UsageRowContent&) const = default;
+};
+
+UsageRowContent usageRowContent(const UsageWindow& window, bool isStale,
+                                std::span<const UsagePoint> recent, Instant now,
+                                const Localization& words);
+
+} // namespace vellmark

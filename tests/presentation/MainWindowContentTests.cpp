@@ -1,0 +1,60 @@
+#include "presentation/MainWindowContent.h"
+#include "presentation/UsageStateMaker.h"
+
+#include <gmock/gmock.h>
+
+namespace vellmark::tests {
+namespace {
+
+using testing::ElementsAre;
+
+const auto codex = AgentProviderID::codex();
+const auto claude = AgentProviderID::claude();
+const Localization english("en", "en_US", "UTC");
+
+UsageState twoAgents() {
+    return stateOf(
+        {live(claude, {window("session", 22, 300, 87), window("weekly", 97, 10080, 5040)}),
+         live(codex, {window("session", 22, 300, 87)})});
+}
+
+TEST(Sidebar, ListsPagesAndShownAgentsInTheirOrder) {
+    std::vector<std::string> titles;
+    for (const SidebarItem& item : sidebarItems(twoAgents(), noon, english))
+        titles.push_back((item.isSection ? "# " : "") + item.title);
+    EXPECT_THAT(titles, ElementsAre("Overview", "# Agents", "Claude", "Codex", "# Analysis",
+                                    "History", "Activity", "Settings", "Help", "About"));
+}
+
+TEST(Sidebar, TellsTheLeastThatIsLeft) {
+    const std::vector<SidebarItem> items = sidebarItems(twoAgents(), noon, english);
+    EXPECT_EQ(items[2].value, "3% left");
+    EXPECT_EQ(items[2].badge, UsageHealth::critical);
+    EXPECT_EQ(items[2].page, AgentPage::provider(claude));
+    EXPECT_EQ(items[3].badge, std::nullopt);
+    const auto failure = UsageProviderError::other("Odd.");
+    EXPECT_EQ(sidebarItems(stateOf({failed(codex, failure)}), noon, english)[2].value, "");
+}
+
+TEST(Overview, SaysWhenItWasReadAndWhatIsWorst) {
+    UsageState state = twoAgents();
+    OverviewContent content = overviewContent(state, noon, english);
+    EXPECT_THAT(content.updated, testing::StartsWith("Updated 11/20/"));
+    EXPECT_EQ(content.verdict.tone, UsageHealth::critical);
+    EXPECT_EQ(content.verdict.subject, "Claude, Week");
+    EXPECT_THAT(content.verdict.text,
+                testing::MatchesRegex("runs out in .*, .* before it resets.*"));
+    EXPECT_EQ(content.cards.size(), 2U);
+    EXPECT_EQ(content.refresh.title, "Refresh");
+
+    state.isRefreshing = true;
+    state.lastRefreshCompletedAt.reset();
+    content = overviewContent(state, noon, english);
+    EXPECT_EQ(content.updated, "Not read yet");
+    EXPECT_EQ(content.refresh.title, "Refreshing …");
+
+    EXPECT_TRUE(overviewContent(UsageState(), noon, english).noAgents);
+}
+
+} // namespace
+} // namespace vellmark::tests
