@@ -1,0 +1,105 @@
+#include "cli/InterruptibleWork.h"
+#include "cli/Subcommands.h"
+#include "cli/Table.h"
+#include "model/UsageJSON.h"
+#include "platform/Preferences.h"
+#include "probes/AgentFacts.h"
+#include "probes/ProviderRegistry.h"
+#include "text/TerminalText.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace vellmark {
+namespace {
+
+std::string localizedName(const AgentProviderID& id, const Localization& words) {
+    return words.text(providerDescriptor(id)->nameKey);
+}
+
+/// Lists the agents that can be monitored and what is known about their CLIs.
+class AgentsCommand final : public Subcommand {
+public:
+    std::string name() const override { return "agents"; }
+    std::string summaryKey() const override { return "cli.agents.summary"; }
+
+    void declare(CommandOptions& options) override {
+        options.flag("--json", json_, "cli.option.json");
+    }
+
+    int run(const CommandContext& context) override {
+        const auto disabled = makePreferences(context.machine)->strings("DisabledProviders");
+        std::vector<AgentFacts> agents;
+        if (const int status = gather(context, agents); status != ExitStatus::done)
+            return status;
+        const auto isEnabled = [&](const AgentProviderID& id) {
+            return !disabled || std::ranges::find(*disabled, id.rawValue) == disabled->end();
+        };
+        if (json_)
+            writeJSON(agents, isEnabled, context);
+        else
+            writeTable(agents, isEnabled, context);
+        return ExitStatus::done;
+    }
+
+private:
+    static int gather(const CommandContext& context, std::vector<AgentFacts>& agents) {
+        return runInterruptibly(context, context.words.text("cli.agents.progress"),
+                                [&] { agents = gatherAgentFacts(context.machine); });
+    }
+
+    template<typename IsEnabled>
+    static void writeJSON(const std::vector<AgentFacts>& agents, const IsEnabled& isEnabled,
+                          const CommandContext& context) {
+        JSON list = JSON::array();
+        for (const AgentFacts& agent : agents) {
+            JSON entry{{"id", agent.id.rawValue},
+                       {"name", localizedName(agent.id, context.words)},
+                       {"enabled", isEnabled(agent.id)}};
+            if (agent.toolPath)
+                entry["toolPath"] = agent.toolPath->string();
+            if (agent.toolVersion)
+                entry["toolVersion"] = *agent.toolVersion;
+            if (agent.loggedIn)
+                entry["loggedIn"] = *agent.loggedIn;
+            list.push_back(std::move(entry));
+        }
+        context.output.write(serialized(list) + "\n");
+    }
+
+    template<typename IsEnabled>
+    static void writeTable(const std::vector<AgentFacts>& agents, const IsEnabled& isEnabled,
+                           const CommandContext& context) {
+        const auto word = [&](const char* key) { return context.words.text(key); };
+        Table table({{word("cli.agents.column.name")},
+                     {word("cli.agents.column.enabled")},
+                     {word("cli.agents.column.loggedIn")},
+                     {word("cli.agents.column.version")},
+                     {word("cli.agents.column.tool")}});
+        for (const AgentFacts& agent : agents) {
+            const char* login = !agent.loggedIn   ? "cli.agents.unknown"
+                                : *agent.loggedIn ? "cli.agents.yes"
+                                                  : "cli.agents.no";
+            table.addRow({{localizedName(agent.id, context.words), TextStyle::strong},
+                          {word(isEnabled(agent.id) ? "cli.agents.yes" : "cli.agents.no")},
+                          {word(login)},
+                          {singleLine(agent.toolVersion.value_or("–"))},
+                          {agent.toolPath ? singleLine(context.machine.abbreviated(*agent.toolPath))
+                                          : word("cli.agents.toolMissing")}});
+        }
+        table.write(context.output);
+    }
+
+    bool json_ = false;
+};
+
+} // namespace
+
+std::unique_ptr<Subcommand> makeAgentsCommand() {
+    return std::make_unique<AgentsCommand>();
+}
+
+} // namespace vellmark

@@ -1,0 +1,115 @@
+#include "cli/DisplayWidth.h"
+
+#include <unicode/uchar.h>
+#include <unicode/utf8.h>
+
+#include <algorithm>
+#include <cstdint>
+
+namespace vellmark {
+namespace {
+
+/// The character at `offset`, which moves past it; ill-formed bytes count as U+FFFD.
+UChar32 nextCharacter(std::string_view text, std::size_t& offset) {
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+    auto index = static_cast<std::int64_t>(offset);
+    const auto length = static_cast<std::int64_t>(text.size());
+    UChar32 character = 0;
+    U8_NEXT_OR_FFFD(bytes, index, length, character);
+    offset = static_cast<std::size_t>(index);
+    return character;
+}
+
+std::size_t characterWidth(UChar32 character) {
+    if (character >= 0x20 && character < 0x7F)
+        return 1;
+    switch (u_charType(character)) {
+    case U_NON_SPACING_MARK:
+    case U_ENCLOSING_MARK:
+    case U_FORMAT_CHAR:
+    case U_CONTROL_CHAR:
+        return 0;
+    default:
+        break;
+    }
+    switch (u_getIntPropertyValue(character, UCHAR_EAST_ASIAN_WIDTH)) {
+    case U_EA_FULLWIDTH:
+    case U_EA_WIDE:
+        return 2;
+    default:
+        return 1;
+    }
+}
+
+/// The longest start of `text` that takes at most `width` columns.
+std::string_view prefixOfWidth(std::string_view text, std::size_t width) {
+    std::size_t end = 0;
+    std::size_t used = 0;
+    for (std::size_t offset = 0; offset < text.size();) {
+        used += characterWidth(nextCharacter(text, offset));
+        if (used > width)
+            break;
+        end = offset;
+    }
+    return text.substr(0, end);
+}
+
+std::string_view nextWord(std::string_view& rest) {
+    const std::size_t start = std::min(rest.find_first_not_of(' '), rest.size());
+    const std::size_t end = std::min(rest.find(' ', start), rest.size());
+    const std::string_view word = rest.substr(start, end - start);
+    rest.remove_prefix(end);
+    return word;
+}
+
+} // namespace
+
+std::size_t displayWidth(std::string_view text) {
+    std::size_t width = 0;
+    for (std::size_t offset = 0; offset < text.size();)
+        width += characterWidth(nextCharacter(text, offset));
+    return width;
+}
+
+std::string cutToWidth(std::string_view text, std::size_t width) {
+    if (displayWidth(text) <= width)
+        return std::string(text);
+    if (width == 0)
+        return {};
+    return std::string(prefixOfWidth(text, width - 1)) + "…";
+}
+
+std::string padded(std::string_view text, std::size_t width, Alignment alignment) {
+    const std::size_t used = displayWidth(text);
+    const std::string blanks(width - std::min(used, width), ' ');
+    return alignment == Alignment::left ? std::string(text) + blanks : blanks + std::string(text);
+}
+
+std::vector<std::string> wrapped(std::string_view text, std::size_t width) {
+    width = std::max<std::size_t>(width, 2);
+    std::vector<std::string> lines(1);
+    while (!text.empty()) {
+        std::string_view word = nextWord(text);
+        if (word.empty())
+            break;
+        if (!lines.back().empty()) {
+            if (displayWidth(lines.back()) + 1 + displayWidth(word) <= width) {
+                lines.back().append(" ").append(word);
+                continue;
+            }
+            lines.emplace_back();
+        }
+        while (displayWidth(word) > width) {
+            const std::string_view part = prefixOfWidth(word, width);
+            lines.back() = part;
+            lines.emplace_back();
+            word.remove_prefix(part.size());
+        }
+        lines.back() = word;
+    }
+    if (lines.size() > 1 && lines.back().empty())
+        lines.pop_back();
+    return lines;
+}
+
+} // namespace vellmark

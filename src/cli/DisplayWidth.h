@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vellmark {
+
+/// How many columns of a terminal UTF-8 text takes: wide characters two, combining marks and
+/// control characters none.
+std::size_t displayWidth(std::string_view text);
+
+/// `text` cut to at most `width` columns; what was cut off shows as "…".
+std::string cutToWidth(std::string_view text, std::size_t width);
+
+enum class Alignment { left, right };
+
+/// `text` filled with blanks to `width` columns; a longer one stays as it is.
+std::string padded(std::string_view text, std::size_t width, Alignment alignment = Alignment::left);
+
+/// `text` in lines of at most `width` columns, broken at blanks, and inside a word that is longer.
+/// At least one line.
+std::vector<std::string> wrapped(std::string_view text, std::size_t width);
+
+} // namespace vellmark

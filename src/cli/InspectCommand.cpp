@@ -1,0 +1,108 @@
+#include "cli/ArgumentValues.h"
+#include "cli/InputText.h"
+#include "cli/Subcommands.h"
+#include "model/UsageJSON.h"
+#include "probes/antigravity/AntigravityReading.h"
+#include "probes/claude/ClaudeScreen.h"
+#include "probes/claude/ClaudeSession.h"
+#include "probes/codex/CodexReading.h"
+#include "text/TerminalText.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string>
+
+namespace vellmark {
+namespace {
+
+/// What an agent's CLI left behind in an earlier run.
+struct SavedRun {
+    std::string output;
+    std::string log;
+    std::int32_t exitStatus = 0;
+    bool timedOut = false;
+    Instant now{};
+};
+
+AgentUsageSnapshot interpret(const AgentProviderID& agent, const SavedRun& run) {
+    if (agent == AgentProviderID::claude())
+        return interpretClaudeSession(ClaudeScreen(run.output), {run.exitStatus, run.timedOut},
+                                      run.now);
+    if (agent == AgentProviderID::codex())
+        return codexSnapshot(run.output, run.now);
+    return antigravitySnapshot({run.output, run.log, run.exitStatus, run.timedOut}, run.now);
+}
+
+/// Says what a probe makes of output that was saved earlier. Writes no file and runs nothing.
+class InspectCommand final : public Subcommand {
+public:
+    std::string name() const override { return "inspect"; }
+    std::string summaryKey() const override { return "cli.inspect.summary"; }
+    std::string detailKey() const override { return "cli.inspect.detail"; }
+
+    void declare(CommandOptions& options) override {
+        options.positional("AGENT", agent_, "cli.inspect.agent");
+        options.optionalPositional("FILE", file_, "cli.inspect.file");
+        options.value("--now", now_, "T", "cli.option.now");
+        options.value("--exit-status", exitStatus_, "N", "cli.inspect.exitStatus");
+        options.flag("--timed-out", timedOut_, "cli.inspect.timedOut");
+        options.value("--log", log_, "FILE", "cli.inspect.log");
+    }
+
+    bool startsChildren() const override { return false; }
+
+    int run(const CommandContext& context) override {
+        const AgentProviderID agent = agentArgument(agent_);
+        std::optional<SavedRun> run = savedRun(context);
+        if (!run)
+            return ExitStatus::failed;
+        AgentUsageSnapshot snapshot{.id = agent, .updatedAt = run->now};
+        try {
+            snapshot = interpret(agent, *run);
+        } catch (const UsageProviderError& error) {
+            snapshot.source = SnapshotSource::stale;
+            snapshot.error = error;
+        }
+        context.output.write(serialized(toJSON(snapshot)) + "\n");
+        if (!snapshot.error)
+            return ExitStatus::done;
+        context.report(singleLine(snapshot.error->message(context.words)));
+        return ExitStatus::failed;
+    }
+
+private:
+    /// Absent when a file cannot be read.
+    std::optional<SavedRun> savedRun(const CommandContext& context) const {
+        using Status = std::numeric_limits<std::int32_t>;
+        SavedRun run{.timedOut = timedOut_};
+        run.now = now_ ? instantArgument("--now", *now_) : ReferenceClock::now();
+        if (exitStatus_)
+            run.exitStatus = static_cast<std::int32_t>(
+                integerArgument("--exit-status", *exitStatus_, Status::min(), Status::max()));
+        auto output = readInputText(file_, context);
+        auto log = log_ ? readInputText(log_, context) : std::string();
+        if (!output || !log)
+            return std::nullopt;
+        run.output = std::move(*output);
+        run.log = std::move(*log);
+        return run;
+    }
+
+    std::string agent_;
+    std::optional<std::string> file_;
+    std::optional<std::string> now_;
+    std::optional<std::string> exitStatus_;
+    std::optional<std::string> log_;
+    bool timedOut_ = false;
+};
+
+} // namespace
+
+std::unique_ptr<Subcommand> makeInspectCommand() {
+    return std::make_unique<InspectCommand>();
+}
+
+} // namespace vellmark

@@ -1,0 +1,64 @@
+#include "cli/InterruptibleWork.h"
+#include "cli/Subcommands.h"
+#include "platform/AtomicFile.h"
+#include "report/SupportReportFacts.h"
+
+#include <optional>
+#include <string>
+
+namespace vellmark {
+namespace {
+
+/// Prints or saves the support report of this machine.
+class ReportCommand final : public Subcommand {
+public:
+    std::string name() const override { return "report"; }
+    std::string summaryKey() const override { return "cli.report.summary"; }
+    std::string detailKey() const override { return "cli.report.detail"; }
+
+    void declare(CommandOptions& options) override {
+        options.flag("--include-emails", includeEmails_, "cli.option.includeEmails");
+        options.value("--output", output_, "FILE", "cli.report.output");
+    }
+
+    int run(const CommandContext& context) override {
+        SupportReportInput input;
+        const int status =
+            runInterruptibly(context, context.words.text("cli.agents.progress"), [&] {
+                input = gatherSupportReport(context.machine, context.words, ReferenceClock::now());
+            });
+        if (status != ExitStatus::done)
+            return status;
+        const auto text =
+            supportReportText(input, context.machine.home.string(), includeEmails_, context.words);
+        if (!text) {
+            context.report(context.words.text("cli.error.notRedacted"));
+            return ExitStatus::failed;
+        }
+        if (output_)
+            return save(*text + "\n", context);
+        context.output.write(*text + "\n");
+        return ExitStatus::done;
+    }
+
+private:
+    int save(const std::string& text, const CommandContext& context) const {
+        if (const auto error = replaceFileAtomically(*output_, text)) {
+            context.report(context.words.format("cli.error.notSaved", {*output_, error.message()}));
+            return ExitStatus::failed;
+        }
+        context.output.write(context.words.format("report.saved", {*output_}) + "\n");
+        return ExitStatus::done;
+    }
+
+    bool includeEmails_ = false;
+    std::optional<std::string> output_;
+};
+
+} // namespace
+
+std::unique_ptr<Subcommand> makeReportCommand() {
+    return std::make_unique<ReportCommand>();
+}
+
+} // namespace vellmark

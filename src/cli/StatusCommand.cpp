@@ -1,0 +1,221 @@
+#include "cli/ArgumentValues.h"
+#include "cli/InputText.h"
+#include "cli/Subcommands.h"
+#include "cli/UsageRefresh.h"
+#include "model/UsageJSON.h"
+#include "model/UsageTexts.h"
+#include "platform/Preferences.h"
+#include "presentation/AgentBlockContent.h"
+#include "presentation/MenuBarGlyph.h"
+#include "presentation/StatusItemContent.h"
+#include "presentation/UsageVerdict.h"
+#include "probes/ProviderRegistry.h"
+#include "store/AgentSettings.h"
+#include "store/LastSnapshots.h"
+#include "text/Formatting.h"
+#include "text/TerminalText.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vellmark {
+namespace {
+
+const char* nameOf(UsageHealth health) {
+    switch (health) {
+    case UsageHealth::healthy:
+        return "healthy";
+    case UsageHealth::attention:
+        return "attention";
+    case UsageHealth::critical:
+        return "critical";
+    case UsageHealth::unavailable:
+        return "unavailable";
+    }
+    return "";
+}
+
+TextStyle styleOf(UsageHealth health) {
+    switch (health) {
+    case UsageHealth::healthy:
+        return TextStyle::healthy;
+    case UsageHealth::attention:
+        return TextStyle::attention;
+    case UsageHealth::critical:
+        return TextStyle::critical;
+    case UsageHealth::unavailable:
+        return TextStyle::dim;
+    }
+    return TextStyle::plain;
+}
+
+AgentUsageSnapshot neverRead(const AgentProviderID& id) {
+    AgentUsageSnapshot snapshot;
+    snapshot.id = id;
+    return snapshot;
+}
+
+/// The last good readings of the enabled agents, as files have them. Starts nothing.
+UsageState lastState(const Machine& machine) {
+    std::vector<AgentProviderID> registered;
+    for (const ProviderRegistration& registration : providerRegistry()) {
+        registered.push_back(registration.descriptor.id);
+    }
+    const auto preferences = makePreferences(machine);
+    const AgentSettings settings(*preferences, registered);
+    const auto readings = LastSnapshots(machine.supportDirectory() / "last-snapshots.json").read();
+    UsageState state;
+    state.providerOrder = settings.order();
+    state.enabledProviderIDs = settings.enabled();
+    for (const AgentProviderID& id : state.providerOrder) {
+        if (!state.enabledProviderIDs.contains(id)) {
+            continue;
+        }
+        const auto reading = std::ranges::find(readings, id, &AgentUsageSnapshot::id);
+        state.snapshots.push_back(reading == readings.end() ? neverRead(id) : *reading);
+        if (reading != readings.end()) {
+            state.snapshots.back().source = SnapshotSource::stale;
+            state.lastSuccess[id] = reading->updatedAt;
+        }
+    }
+    return state;
+}
+
+/// One line, or one JSON object, about the most pressing window: for status bars and prompts.
+class StatusCommand final : public Subcommand {
+public:
+    std::string name() const override { return "status"; }
+    std::string summaryKey() const override { return "cli.status.summary"; }
+    std::string detailKey() const override { return "cli.status.detail"; }
+
+    void declare(CommandOptions& options) override {
+        options.flag("--cached", cached_, "cli.status.cached");
+        options.value("--snapshots", snapshots_, "FILE", "cli.status.snapshots");
+        options.value("--now", now_, "T", "cli.option.now");
+        options.flag("--json", json_, "cli.option.json");
+    }
+
+    bool startsChildren() const override { return !cached_ && !snapshots_; }
+
+    int run(const CommandContext& context) override {
+        std::optional<Instant> now;
+        if (now_) {
+            now = instantArgument("--now", *now_);
+        }
+        UsageState state;
+        if (const int status = gather(context, state); status != ExitStatus::done) {
+            return status;
+        }
+        const Instant moment = now.value_or(ReferenceClock::now());
+        if (json_) {
+            writeJSON(state, moment, context);
+        } else {
+            writeLine(state, moment, context);
+        }
+        return ExitStatus::done;
+    }
+
+private:
+    int gather(const CommandContext& context, UsageState& state) const {
+        if (snapshots_) {
+            return readSnapshots(context, state);
+        }
+        if (cached_) {
+            state = lastState(context.machine);
+            return ExitStatus::done;
+        }
+        return refreshUsage(context, std::nullopt, state);
+    }
+
+    /// All agents of the file count as enabled.
+    int readSnapshots(const CommandContext& context, UsageState& state) const {
+        const auto text = readInputText(snapshots_, context);
+        if (!text) {
+            return ExitStatus::failed;
+        }
+        try {
+            state.snapshots = snapshotsFromDocument(*text);
+        } catch (const JSONDecodingError& error) {
+            context.report(
+                context.words.format("cli.status.notSnapshots", {singleLine(error.what())}));
+            return ExitStatus::failed;
+        }
+        for (const AgentUsageSnapshot& snapshot : state.snapshots) {
+            state.providerOrder.push_back(snapshot.id);
+            state.enabledProviderIDs.insert(snapshot.id);
+        }
+        return ExitStatus::done;
+    }
+
+    static void writeJSON(const UsageState& state, Instant now, const CommandContext& context) {
+        const StatusItemContent item = statusItemContent(state, now, context.words);
+        JSON glyph = JSON::object();
+        if (item.glyph.usedPercent) {
+            glyph["usedPercent"] = *item.glyph.usedPercent;
+        }
+        if (item.glyph.elapsedPercent) {
+            glyph["elapsedPercent"] = *item.glyph.elapsedPercent;
+        }
+        if (item.glyph.providerID) {
+            glyph["providerID"] = item.glyph.providerID->rawValue;
+        }
+        if (item.glyph.windowID) {
+            glyph["windowID"] = *item.glyph.windowID;
+        }
+        JSON agents = JSON::array();
+        for (const AgentUsageSnapshot& snapshot : state.snapshots) {
+            agents.push_back(
+                {{"id", snapshot.id.rawValue}, {"health", nameOf(health(snapshot, now))}});
+        }
+        const JSON document{{"health", nameOf(worstHealth(state, now))},
+                            {"tooltip", item.toolTip},
+                            {"glyph", std::move(glyph)},
+                            {"agents", std::move(agents)}};
+        context.output.write(serialized(document) + "\n");
+    }
+
+    /// "● Claude · Session 16% left · Resets in 1 h 27 min · 16:15"
+    void writeLine(const UsageState& state, Instant now, const CommandContext& context) const {
+        const Localization& words = context.words;
+        const auto glyph = MenuBarGlyph::compute(state.snapshots, state.enabledProviderIDs, now);
+        const auto dot = context.output.styled(styleOf(worstHealth(state, now)), "●") + " ";
+        if (!glyph.providerID || !glyph.windowID) {
+            context.output.write(dot + overallStatusText(state, now, words) + "\n");
+            return;
+        }
+        const auto snapshot =
+            std::ranges::find(state.snapshots, *glyph.providerID, &AgentUsageSnapshot::id);
+        const auto window = std::ranges::find(snapshot->windows, *glyph.windowID, &UsageWindow::id);
+        const double left = std::max(remainingPercent(*window), 0.0);
+        std::string line = dot + agentName(snapshot->id, words) + " · " +
+                           singleLine(windowLabel(window->id, words)) + " " +
+                           words.format("usage.remaining", {percentText(left, words)});
+        if (const std::string reset = resetText(*window, now, words); !reset.empty()) {
+            line += " · " + reset;
+        }
+        const auto readAt = state.lastSuccess.find(snapshot->id);
+        const bool isStale =
+            snapshot->source == SnapshotSource::stale && readAt != state.lastSuccess.end();
+        if (const Seconds age = isStale ? now - readAt->second : Seconds(0); age >= Seconds(60)) {
+            line += " · " + words.format("popover.stale", {roughDurationText(age, words)});
+        }
+        context.output.write(line + "\n");
+    }
+
+    std::optional<std::string> snapshots_;
+    std::optional<std::string> now_;
+    bool cached_ = false;
+    bool json_ = false;
+};
+
+} // namespace
+
+std::unique_ptr<Subcommand> makeStatusCommand() {
+    return std::make_unique<StatusCommand>();
+}
+
+} // namespace vellmark

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "cli/CommandOptions.h"
+#include "cli/TerminalOutput.h"
+#include "platform/Machine.h"
+#include "probes/DemoSandbox.h"
+#include "text/Localization.h"
+
+#include <string>
+
+namespace vellmark {
+
+/// How the program ends. Ended by a signal it is 128 + its number.
+namespace ExitStatus {
+inline constexpr int done = 0;
+inline constexpr int failed = 1;
+inline constexpr int wrongArguments = 2;
+inline constexpr int readerHasGone = 128 + 13;
+} // namespace ExitStatus
+
+/// What every subcommand works with.
+struct CommandContext {
+    const Machine& machine;
+    const Localization& words;
+    TerminalOutput& output;
+    /// For messages; the subcommand's result goes to `output` alone.
+    TerminalOutput& errors;
+
+    /// "vellmark: message" on the error stream.
+    void report(const std::string& message) const { errors.write("vellmark: " + message + "\n"); }
+};
+
+/// One subcommand: its name, its arguments and its work.
+class Subcommand {
+public:
+    virtual ~Subcommand() = default;
+    virtual std::string name() const = 0;
+    /// One line for the list of subcommands.
+    virtual std::string summaryKey() const = 0;
+    /// Text below the options; empty for none.
+    virtual std::string detailKey() const { return {}; }
+    virtual void declare(CommandOptions& options) = 0;
+    /// The machine that a demonstration of it needs.
+    virtual DemoSandbox::Agents demoAgents() const { return DemoSandbox::Agents::ready; }
+    /// Whether it, with the arguments it was given, may run agents: a watcher then ends them should
+    /// the program be killed.
+    virtual bool startsChildren() const { return true; }
+    /// Returns the exit status. Throws WrongArguments for values that make no sense.
+    virtual int run(const CommandContext& context) = 0;
+};
+
+} // namespace vellmark

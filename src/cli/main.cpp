@@ -1,0 +1,106 @@
+#include "cli/CommandLine.h"
+#include "cli/Subcommands.h"
+#include "cli/WrongArguments.h"
+#include "platform/UserLocale.h"
+#include "probes/BoundedProcess.h"
+#include "probes/ChildWatcher.h"
+#include "store/DemoHistory.h"
+#include "text/TerminalText.h"
+
+#include <csignal>
+#include <exception>
+#include <fcntl.h>
+#include <optional>
+#include <unistd.h>
+
+namespace vellmark {
+namespace {
+
+/// A standard stream that the caller has closed is opened on the null device the wrong way round:
+/// files opened later do not take its number, and using it is an error that can be reported.
+void openClosedStandardStreams() {
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(descriptor, F_GETFD) < 0)
+            open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+}
+
+Localization userWords(const std::vector<std::string>& arguments, const Environment& environment) {
+    const UserLocale locale = UserLocale::of(environment);
+    const auto requested = requestedLanguage(arguments);
+    const std::string language = requested.value_or(locale.languageCode);
+    const bool known = language == "de" || language == "en";
+    // Another country's formats of the chosen language are welcome, another language's are not.
+    const bool formatsFit = locale.formatIdentifier.starts_with(language) && !language.empty();
+    return Localization(known ? language : "de", formatsFit ? locale.formatIdentifier : "");
+}
+
+/// Runs the subcommand on the machine that the arguments ask for.
+int runSubcommand(const CommandLine& commandLine, const Machine& machine, const Localization& words,
+                  TerminalOutput& output, TerminalOutput& errors) {
+    std::optional<DemoSandbox> demo;
+    std::optional<Machine> sandbox;
+    if (commandLine.demo) {
+        demo.emplace(machine.temporary, commandLine.subcommand->demoAgents());
+        writeDemoHistory(demo->machine(), ReferenceClock::now());
+    } else if (commandLine.sandbox) {
+        sandbox = Machine::sandbox(*commandLine.sandbox);
+    }
+    const Machine& chosen = demo ? demo->machine() : sandbox ? *sandbox : machine;
+    if (commandLine.subcommand->startsChildren())
+        startChildWatcher();
+    const int status = commandLine.subcommand->run({chosen, words, output, errors});
+    // Nothing that a subcommand started outlives the program, or the demo's directory.
+    terminateAllChildren(Seconds(1));
+    return status;
+}
+
+int statusAfterWriting(int status, const TerminalOutput& output, TerminalOutput& errors,
+                       const Localization& words) {
+    if (output.readerHasGone())
+        return ExitStatus::readerHasGone;
+    if (!output.error())
+        return status;
+    errors.write("vellmark: " + words.format("cli.error.unwritable", {output.error().message()}) +
+                 "\n");
+    return ExitStatus::failed;
+}
+
+int run(const std::vector<std::string>& arguments) {
+    const Machine machine = Machine::current();
+    const Localization words = userWords(arguments, machine.environment);
+    TerminalOutput output(STDOUT_FILENO, machine.environment);
+    TerminalOutput errors(STDERR_FILENO, machine.environment);
+    const auto subcommands = allSubcommands();
+    const auto refuse = [&](const std::string& message, const std::string& hint) {
+        errors.write("vellmark: " + message + "\n" + hint + "\n");
+        return ExitStatus::wrongArguments;
+    };
+    CommandLine commandLine;
+    int status = ExitStatus::done;
+    try {
+        commandLine = parseCommandLine(arguments, subcommands, words);
+        if (commandLine.subcommand == nullptr)
+            output.write(commandLine.helpText);
+        else
+            status = runSubcommand(commandLine, machine, words, output, errors);
+    } catch (const CommandLineFault& fault) {
+        return refuse(fault.message, fault.hint);
+    } catch (const WrongArguments& wrong) {
+        return refuse(wrong.message(words), helpHint(commandLine.subcommand->name(), words));
+    } catch (const std::exception& error) {
+        errors.write("vellmark: " + singleLine(error.what()) + "\n");
+        return ExitStatus::failed;
+    }
+    return statusAfterWriting(status, output, errors, words);
+}
+
+} // namespace
+} // namespace vellmark
+
+int main(int argumentCount, char** arguments) {
+    // A reader that goes away shows as an error of the write, which is handled.
+    std::signal(SIGPIPE, SIG_IGN);
+    vellmark::openClosedStandardStreams();
+    return vellmark::run({arguments + 1, arguments + argumentCount});
+}

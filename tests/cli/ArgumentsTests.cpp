@@ -1,0 +1,75 @@
+#include "cli/ProgramRun.h"
+
+#include <gmock/gmock.h>
+
+namespace vellmark::tests {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+TEST(Arguments, WrongOnesSayWhatAndWhereToReadMoreOnTheErrorStreamAlone) {
+    struct Case {
+        std::vector<std::string> arguments;
+        const char* message;
+        const char* hint;
+    };
+    const Case cases[] = {
+        {{"usgae"}, "\"usgae\"", "vellmark usage --help"},
+        {{"usage", "--jsno"}, "\"--jsno\"", "vellmark usage --help"},
+        {{"--agent"}, "\"--agent\"", "vellmark usage --help"},
+        {{"usage", "--agent", "gemini"}, "choose from: codex, claude, antigravity", "usage --help"},
+        {{"agents", "--agent", "codex"}, "\"--agent\"", "vellmark agents --help"},
+        {{"inspect"}, "AGENT", "vellmark inspect --help"},
+        {{"inspect", "gemini"}, "\"gemini\"", "vellmark inspect --help"},
+        {{"inspect", "codex", "--now", "yesterday"}, "--now: \"yesterday\"", "inspect --help"},
+        {{"inspect", "codex", "--now", "2026-01-01T10:00:00"}, "--now", "inspect --help"},
+        {{"inspect", "claude", "--exit-status", "2x"}, "\"2x\"", "inspect --help"},
+        {{"inspect", "claude", "a", "b"}, "\"b\"", "inspect --help"},
+        {{"--language", "fr"}, "\"fr\"", "vellmark --help"},
+        {{"usage", "\x1b[31mred"}, "Unknown argument \"red\"", "usage --help"},
+    };
+    for (const Case& expected : cases) {
+        const ProgramResult result = ProgramRun::of({.arguments = expected.arguments});
+        EXPECT_EQ(result.status, 2) << expected.message;
+        EXPECT_EQ(result.output, "") << expected.message;
+        EXPECT_THAT(result.errors, AllOf(HasSubstr(expected.message), HasSubstr(expected.hint)));
+    }
+}
+
+TEST(Arguments, LanguageIsAskedForElseTheUsersElseGerman) {
+    struct Case {
+        std::vector<std::string> arguments;
+        const char* locale;
+        const char* word;
+    };
+    const Case cases[] = {
+        {{"--help"}, "en_GB.UTF-8", "Commands:"},
+        {{"--help"}, "de_CH.UTF-8", "Befehle:"},
+        {{"--help"}, "fr_FR.UTF-8", "Befehle:"},
+        {{"--help"}, "C", "Befehle:"},
+        {{"--language", "en", "--help"}, "de_DE.UTF-8", "Commands:"},
+        {{"usage", "--help", "--language=de"}, "en_US.UTF-8", "Aufruf:"},
+    };
+    for (const Case& expected : cases) {
+        const ProgramResult result = ProgramRun::of(
+            {.arguments = expected.arguments, .environment = {{"LANG", expected.locale}}});
+        EXPECT_EQ(result.status, 0) << expected.locale;
+        EXPECT_THAT(result.output, HasSubstr(expected.word)) << expected.locale;
+        EXPECT_EQ(result.errors, "");
+    }
+}
+
+TEST(Arguments, VersionAndHelpAreWrittenOrTheFailureIsTold) {
+    EXPECT_THAT(ProgramRun::of({.arguments = {"--version"}}).output,
+                testing::MatchesRegex("vellmark [0-9.]+\n"));
+    const ProgramResult full = ProgramRun::of({.arguments = {"--help"}, .outputPath = "/dev/full"});
+    EXPECT_EQ(full.status, 1);
+    EXPECT_THAT(full.errors, HasSubstr("Cannot write the output"));
+    const ProgramResult closed = ProgramRun::of({.arguments = {"--version"}, .closed = {1}});
+    EXPECT_EQ(closed.status, 1);
+    EXPECT_THAT(closed.errors, HasSubstr("Cannot write the output"));
+}
+
+} // namespace
+} // namespace vellmark::tests

@@ -1,0 +1,108 @@
+#include "cli/ProgramRun.h"
+#include "model/UsageJSON.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+namespace vellmark::tests {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr const char* codexOutput =
+    "{\"id\":1,\"result\":{}}\n"
+    "{\"method\":\"account/updated\",\"params\":{}}\n"
+    "{\"id\":2,\"result\":{\"account\":{\"email\":\"a@example.org\"}}}\n"
+    "{\"id\":3,\"result\":{\"rateLimits\":{\"planType\":\"plus\","
+    "\"primary\":{\"usedPercent\":38,\"windowDurationMins\":300,\"resetsAt\":1764000000}}}}\n";
+
+constexpr const char* claudeCapture = "Current session\r\n\x1b[2K██ 41% used\r\n"
+                                      "Current week (all models)\r\n12% used\r\n";
+
+AgentUsageSnapshot snapshotIn(const ProgramResult& result) {
+    AgentUsageSnapshot snapshot;
+    fromJSON(JSON::parse(result.output), snapshot);
+    return snapshot;
+}
+
+ProgramResult inspect(std::vector<std::string> arguments, const std::string& input) {
+    arguments.insert(arguments.begin(), "inspect");
+    arguments.insert(arguments.end(), {"--now", "1763000000.5"});
+    return ProgramRun::of({.arguments = std::move(arguments), .input = input});
+}
+
+TEST(Inspect, PrintsTheSnapshotOfASavedRun) {
+    const ProgramResult codex = inspect({"codex"}, codexOutput);
+    EXPECT_EQ(codex.status, 0) << codex.errors;
+    const AgentUsageSnapshot snapshot = snapshotIn(codex);
+    EXPECT_EQ(snapshot.accountLabel, "a@example.org");
+    ASSERT_EQ(snapshot.windows.size(), 1u);
+    EXPECT_EQ(snapshot.windows.front().usedPercent, 38);
+    EXPECT_EQ(snapshot.windows.front().resetsAt, instantFromUnixSeconds(1764000000));
+    EXPECT_EQ(snapshot.updatedAt, instantFromUnixSeconds(1763000000.5));
+
+    const AgentUsageSnapshot claude = snapshotIn(inspect({"claude", "-"}, claudeCapture));
+    ASSERT_EQ(claude.windows.size(), 2u);
+    EXPECT_EQ(claude.windows.back().usedPercent, 12);
+}
+
+TEST(Inspect, TellsFailuresAsTheProbeWould) {
+    using Kind = UsageProviderError::Kind;
+    struct Case {
+        std::vector<std::string> arguments;
+        std::string input;
+        Kind kind;
+    };
+    const std::string huge(20u << 20, 'x');
+    const Case cases[] = {
+        {{"codex"}, "", Kind::codexReadFailed},
+        {{"codex"}, "\xff\xfe{\n\0{}", Kind::codexReadFailed},
+        {{"codex"}, huge, Kind::codexReadFailed},
+        {{"codex"}, "{\"id\":3,\"result\":{}}\n", Kind::codexNoQuotas},
+        {{"claude"}, "", Kind::claudeNoQuotas},
+        {{"claude"}, huge, Kind::claudeNoQuotas},
+        {{"claude"}, std::string(claudeCapture) + "\xff", Kind::claudeNoQuotas},
+        {{"claude", "--exit-status", "128"}, claudeCapture, Kind::claudeNotLoggedIn},
+        {{"claude", "--exit-status", "125"}, claudeCapture, Kind::claudeReadFailed},
+        {{"claude", "--timed-out"}, "", Kind::timeout},
+        {{"antigravity"}, "", Kind::antigravityNoQuotas},
+        {{"antigravity"}, huge, Kind::antigravityNoQuotas},
+        {{"antigravity", "--exit-status=-1"}, "Oh no", Kind::antigravityReadFailed},
+        {{"antigravity", "--timed-out"}, "…", Kind::timeout},
+    };
+    for (const Case& expected : cases) {
+        const ProgramResult result = inspect(expected.arguments, expected.input);
+        const std::string name = expected.arguments.back() + ": " + expected.input.substr(0, 40);
+        EXPECT_EQ(result.status, 1) << name;
+        EXPECT_NE(result.errors, "") << name;
+        const AgentUsageSnapshot snapshot = snapshotIn(result);
+        ASSERT_TRUE(snapshot.error) << name;
+        EXPECT_EQ(snapshot.error->kind(), expected.kind) << name << ": " << snapshot.error->what();
+        EXPECT_TRUE(snapshot.windows.empty()) << name;
+    }
+}
+
+TEST(Inspect, NamesTheInputThatCannotBeRead) {
+    struct Case {
+        ProgramRun::Setting setting;
+        const char* name;
+    };
+    TemporaryDirectory directory;
+    const std::string missing = (directory / "missing").string();
+    const Case cases[] = {
+        {{.arguments = {"inspect", "codex", missing}}, "missing"},
+        {{.arguments = {"inspect", "codex", directory.path().string()}}, "Is a directory"},
+        {{.arguments = {"inspect", "antigravity", "--log", missing}}, "missing"},
+        {{.arguments = {"inspect", "codex", "/dev/zero"}}, "too large"},
+        {{.arguments = {"inspect", "codex"}, .closed = {0}}, "standard input"},
+    };
+    for (const Case& expected : cases) {
+        const ProgramResult result = ProgramRun::of(expected.setting);
+        EXPECT_EQ(result.status, 1) << expected.name;
+        EXPECT_EQ(result.output, "") << expected.name;
+        EXPECT_THAT(result.errors, HasSubstr(expected.name));
+    }
+}
+
+} // namespace
+} // namespace vellmark::tests

@@ -1,0 +1,185 @@
+#include "cli/ProgramRun.h"
+#include "model/UsageJSON.h"
+#include "support/AgentSandbox.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <csignal>
+
+namespace vellmark::tests {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+using Kind = UsageProviderError::Kind;
+
+/// True once the scripted session of `program` has started the agent itself.
+bool hasGrandchild(pid_t program) {
+    return std::ranges::any_of(directChildren(program),
+                               [](pid_t child) { return !directChildren(child).empty(); });
+}
+
+class UsageCommand : public testing::Test {
+protected:
+    ProgramRun::Setting setting(std::vector<std::string> arguments, int columns = 0) {
+        const std::string directory = sandbox.machine().home.parent_path().string();
+        arguments.insert(arguments.begin(), {"--sandbox", directory, "usage"});
+        return {.arguments = std::move(arguments), .columns = columns};
+    }
+
+    void expectNothingLeft() {
+        EXPECT_THAT(sandbox.survivors(), testing::IsEmpty());
+        EXPECT_FALSE(sandbox.leftTemporaryFiles());
+    }
+
+    AgentSandbox sandbox;
+};
+
+TEST_F(UsageCommand, PrintsOneDocumentInTheOrderOfTheRegistry) {
+    const ProgramResult result = ProgramRun::of(setting({"--json"}));
+    EXPECT_EQ(result.status, 0) << result.errors;
+    const auto snapshots = snapshotsFromDocument(result.output);
+    ASSERT_EQ(snapshots.size(), 3u);
+    EXPECT_EQ(snapshots[0].id, AgentProviderID::codex());
+    EXPECT_EQ(snapshots[1].id, AgentProviderID::claude());
+    EXPECT_EQ(snapshots[2].id, AgentProviderID::antigravity());
+    for (const AgentUsageSnapshot& snapshot : snapshots) {
+        EXPECT_EQ(snapshot.source, SnapshotSource::live);
+        EXPECT_FALSE(snapshot.windows.empty());
+    }
+    EXPECT_EQ(result.errors, "");
+    expectNothingLeft();
+}
+
+TEST_F(UsageCommand, ReadsTheNamedAgentsAloneAndTellsFailures) {
+    sandbox.uninstall("codex");
+    sandbox.play("agy", "empty-groups");
+    const ProgramResult result =
+        ProgramRun::of(setting({"--json", "--agent", "antigravity", "--agent", "codex"}));
+    EXPECT_EQ(result.status, 1);
+    const auto snapshots = snapshotsFromDocument(result.output);
+    ASSERT_EQ(snapshots.size(), 2u);
+    EXPECT_EQ(snapshots[0].error->kind(), Kind::executableMissing);
+    EXPECT_EQ(snapshots[1].error->kind(), Kind::antigravityNoQuotas);
+    for (const AgentUsageSnapshot& snapshot : snapshots) {
+        EXPECT_EQ(snapshot.source, SnapshotSource::stale);
+        EXPECT_TRUE(snapshot.windows.empty());
+    }
+    EXPECT_THAT(result.errors, AllOf(HasSubstr("Codex"), HasSubstr("Antigravity")));
+}
+
+TEST_F(UsageCommand, AFailureShowsNoFiguresOfAnEarlierRun) {
+    ASSERT_EQ(ProgramRun::of(setting({"--agent=antigravity"})).status, 0);
+    sandbox.play("agy", "empty-groups");
+    const ProgramResult result = ProgramRun::of(setting({"--agent=antigravity", "--json"}));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(snapshotsFromDocument(result.output).front().windows.empty());
+}
+
+TEST_F(UsageCommand, ReadsADisabledAgentOnlyWhenItIsNamed) {
+    const auto preferences = sandbox.machine().configuration / "Vellmark/preferences.json";
+    std::filesystem::create_directories(preferences.parent_path());
+    std::ofstream(preferences) << R"({"DisabledProviders":["codex","claude"]})";
+    EXPECT_EQ(snapshotsFromDocument(ProgramRun::of(setting({"--json"})).output).size(), 1u);
+    const auto named = ProgramRun::of(setting({"--json", "--agent", "codex"}));
+    EXPECT_EQ(snapshotsFromDocument(named.output).front().id, AgentProviderID::codex());
+}
+
+TEST_F(UsageCommand, ColoursAndProgressAreForTerminalsAlone) {
+    const std::vector<std::string> agents{"--agent", "codex", "--agent", "antigravity"};
+    const ProgramResult plain = ProgramRun::of(setting(agents));
+    EXPECT_THAT(plain.output,
+                AllOf(HasSubstr("Codex"), HasSubstr("% left"), Not(HasSubstr("\x1b"))));
+    EXPECT_EQ(plain.errors, "");
+
+    const ProgramResult terminal = ProgramRun::of(setting(agents, 80));
+    EXPECT_THAT(terminal.output, AllOf(HasSubstr("\x1b[32m"), HasSubstr("Reading Codex")));
+
+    auto noColor = setting(agents, 80);
+    noColor.environment["NO_COLOR"] = "1";
+    EXPECT_THAT(ProgramRun::of(noColor).output, Not(testing::ContainsRegex("\x1b\\[[0-9;]*m")));
+}
+
+TEST_F(UsageCommand, TextOfAnAgentCannotSteerTheTerminal) {
+    sandbox.installScript("agy", "printf '\\033]0;title\\007\\033[31mGemini Models  Weekly limit "
+                                 "remaining  50%%\\r\\n'");
+    const ProgramResult result = ProgramRun::of(setting({"--agent", "antigravity"}));
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_THAT(result.output, AllOf(HasSubstr("50% left"), Not(HasSubstr("\x1b")),
+                                     Not(HasSubstr("\r")), Not(HasSubstr("\x07"))));
+}
+
+TEST_F(UsageCommand, AReaderThatLeavesIsNoFault) {
+    // "head" has gone by the time the table is written.
+    const std::string command = VELLMARK_BINARY_DIRECTORY "/vellmark --sandbox '" +
+                                sandbox.machine().home.parent_path().string() +
+                                "' usage --agent codex 2>'" +
+                                (sandbox.machine().home / "errors").string() + "' | head -c 0";
+    EXPECT_EQ(std::system(command.c_str()), 0);
+    EXPECT_EQ(contentOf(sandbox.machine().home / "errors"), "");
+    expectNothingLeft();
+}
+
+TEST_F(UsageCommand, EndsEverythingOnASignalWhateverTheAgentsDo) {
+    for (const char* scenario : {"hang", "deaf"}) {
+        for (const char* agent : {"claude", "codex", "agy"})
+            sandbox.play(agent, scenario);
+        ProgramRun run(setting({}, 80));
+        ASSERT_TRUE(run.shows("Reading Codex")) << scenario;
+        ASSERT_TRUE(becomesTrue([&] { return hasGrandchild(run.pid()); })) << scenario;
+        const auto pressed = std::chrono::steady_clock::now();
+        run.type("\x03");
+        const ProgramResult result = run.wait();
+        EXPECT_EQ(result.status, 128 + SIGINT) << scenario;
+        EXPECT_LT(std::chrono::steady_clock::now() - pressed, std::chrono::seconds(10));
+        expectNothingLeft();
+    }
+}
+
+TEST_F(UsageCommand, AHomeThatCannotBeWrittenIsNoObstacleToReading) {
+    // A file in the directory's place stops root as well, whom permissions do not.
+    std::ofstream(sandbox.machine().supportDirectory()) << "in the way";
+    const ProgramResult result = ProgramRun::of(setting({"--agent", "codex", "--json"}));
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(snapshotsFromDocument(result.output).front().windows.size(), 2u);
+}
+
+TEST_F(UsageCommand, ASandboxThatCannotBeMadeIsNamed) {
+    const ProgramResult result =
+        ProgramRun::of({.arguments = {"--sandbox", "/dev/null/nowhere", "usage"}});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, HasSubstr("/dev/null/nowhere"));
+    EXPECT_EQ(result.output, "");
+}
+
+TEST(Demo, LeavesNothingBehindAlsoWhenItIsInterrupted) {
+    TemporaryDirectory temporary;
+    const ProgramRun::Setting demo{.arguments = {"--demo"},
+                                   .environment = {{"TMPDIR", temporary.path().string()}},
+                                   .columns = 80};
+    {
+        ProgramRun run(demo);
+        ASSERT_TRUE(run.shows("Reading"));
+        run.type("\x03");
+        EXPECT_EQ(run.wait().status, 128 + SIGINT);
+        EXPECT_TRUE(std::filesystem::is_empty(temporary.path()));
+    }
+    {
+        // Killed without a chance: the next demo removes what is left.
+        ProgramRun run(demo);
+        ASSERT_TRUE(run.shows("Reading"));
+        kill(run.pid(), SIGKILL);
+        run.wait();
+        EXPECT_FALSE(std::filesystem::is_empty(temporary.path()));
+    }
+    const ProgramResult result = ProgramRun::of(demo);
+    EXPECT_EQ(result.status, 0) << result.output;
+    EXPECT_THAT(result.output, AllOf(HasSubstr("Codex"), HasSubstr("Claude")));
+    EXPECT_TRUE(std::filesystem::is_empty(temporary.path()));
+}
+
+} // namespace
+} // namespace vellmark::tests
