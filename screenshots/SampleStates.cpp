@@ -1,0 +1,172 @@
+#include "screenshots/SampleStates.h"
+
+#include <algorithm>
+
+namespace vellmark::samples {
+
+namespace {
+
+constexpr double minute = 60;
+constexpr double hour = 60 * minute;
+constexpr double day = 24 * hour;
+constexpr double sessionMinutes = 5 * 60;
+constexpr double weekMinutes = 7 * 24 * 60;
+
+Instant in(double seconds) {
+    return now() + Seconds(seconds);
+}
+
+UsageWindow window(std::string id, double left, double minutes, double resetsIn) {
+    return {std::move(id), 100 - left, minutes, in(resetsIn)};
+}
+
+AgentUsageSnapshot agent(AgentProviderID id, std::string plan, std::vector<UsageWindow> windows) {
+    AgentUsageSnapshot snapshot;
+    snapshot.id = std::move(id);
+    snapshot.accountLabel = "name@example.org";
+    if (!plan.empty()) {
+        snapshot.plan = std::move(plan);
+    }
+    snapshot.windows = std::move(windows);
+    snapshot.source = SnapshotSource::live;
+    snapshot.updatedAt = in(-2 * minute);
+    return snapshot;
+}
+
+AgentUsageSnapshot codex() {
+    return agent(AgentProviderID::codex(), "Plus",
+                 {window("session", 78, sessionMinutes, 87 * minute + 20),
+                  window("weekly", 71, weekMinutes, 3 * day + 18 * hour + 22 * minute)});
+}
+
+AgentUsageSnapshot claude() {
+    const double saturday = day + 19 * hour + 12 * minute;
+    return agent(AgentProviderID::claude(), "Max 20x",
+                 {window("session", 46, sessionMinutes, 2 * hour + 12 * minute),
+                  window("weekly", 29, weekMinutes, saturday),
+                  window("fable-weekly", 16, weekMinutes, saturday)});
+}
+
+AgentUsageSnapshot antigravity() {
+    const double tuesday = 4 * day + 11 * hour + 12 * minute;
+    return agent(AgentProviderID::antigravity(), "",
+                 {window("pool:Gemini Models|5h", 7, sessionMinutes, 86 * minute + 20),
+                  window("pool:Gemini Models|weekly", 70, weekMinutes, tuesday),
+                  window("pool:Claude and GPT Models|weekly", 88, weekMinutes, tuesday)});
+}
+
+/// The two windows of Claude that last.
+AgentUsageSnapshot calmClaude() {
+    AgentUsageSnapshot snapshot = claude();
+    snapshot.windows.pop_back();
+    return snapshot;
+}
+
+UsageState stateOf(std::vector<AgentUsageSnapshot> snapshots) {
+    UsageState state;
+    for (const AgentUsageSnapshot& snapshot : snapshots) {
+        state.enabledProviderIDs.insert(snapshot.id);
+        state.providerOrder.push_back(snapshot.id);
+        if (!snapshot.error && snapshot.source == SnapshotSource::live) {
+            state.lastSuccess[snapshot.id] = snapshot.updatedAt;
+        }
+    }
+    state.snapshots = std::move(snapshots);
+    state.lastRefreshCompletedAt = in(-2 * minute);
+    return state;
+}
+
+AgentUsageSnapshot failure(AgentProviderID id, UsageProviderError error) {
+    AgentUsageSnapshot snapshot;
+    snapshot.id = std::move(id);
+    snapshot.source = SnapshotSource::stale;
+    snapshot.updatedAt = in(-2 * minute);
+    snapshot.error = std::move(error);
+    return snapshot;
+}
+
+} // namespace
+
+Instant now() {
+    return instantFromUnixSeconds(1763646480);
+}
+
+Localization words(const std::string& languageCode) {
+    return Localization(languageCode, languageCode == "de" ? "de_DE" : "en_US", "Europe/Berlin");
+}
+
+UsageState normal() {
+    return stateOf({codex(), claude(), antigravity()});
+}
+
+UsageState healthy() {
+    return stateOf({codex(), calmClaude()});
+}
+
+UsageState loading() {
+    UsageState state =
+        stateOf({{.id = AgentProviderID::codex()}, {.id = AgentProviderID::claude()}});
+    state.isRefreshing = true;
+    state.lastRefreshCompletedAt.reset();
+    return state;
+}
+
+UsageState refreshing() {
+    UsageState state = normal();
+    state.isRefreshing = true;
+    state.refreshProgress = 1.0 / 3;
+    return state;
+}
+
+UsageState stale() {
+    AgentUsageSnapshot old = codex();
+    old.source = SnapshotSource::stale;
+    old.error = UsageProviderError::timeout("Codex");
+    old.windows.front().resetsAt = in(-33 * minute);
+    UsageState state = stateOf({old, calmClaude()});
+    state.lastSuccess[old.id] = in(-34 * minute);
+    return state;
+}
+
+UsageState failed() {
+    AgentUsageSnapshot calm = antigravity();
+    calm.windows.erase(calm.windows.begin());
+    return stateOf(
+        {failure(AgentProviderID::codex(), UsageProviderError::executableMissing("Codex")),
+         failure(AgentProviderID::claude(),
+                 UsageProviderError(UsageProviderError::Kind::claudeNotLoggedIn)),
+         calm});
+}
+
+UsageState noAgents() {
+    return {};
+}
+
+UsageState balances() {
+    AgentUsageSnapshot snapshot = calmClaude();
+    snapshot.balances = {{"credits", 16.8, "USD", 20.0}};
+    snapshot.credit = CreditInfo::available();
+    return stateOf({snapshot});
+}
+
+UsageState longTexts() {
+    AgentUsageSnapshot snapshot = antigravity();
+    snapshot.plan = "Ultra für Unternehmen mit erweitertem Kontingent";
+    snapshot.accountLabel = "vorname.nachname-doppelname@abteilung.unternehmen.example.org";
+    UsageWindow preview{"Experimental Preview Models · monatlich", 0, std::nullopt, std::nullopt};
+    snapshot.windows = {preview,
+                        window("pool:Claude and GPT Models|5h", 24, sessionMinutes, 102 * minute)};
+    return stateOf({codex(), snapshot});
+}
+
+UsageState manyAgents() {
+    std::vector<AgentUsageSnapshot> snapshots{codex(), claude(), antigravity()};
+    for (const char* name : {"helper", "reviewer", "planner"}) {
+        AgentUsageSnapshot more = codex();
+        more.id = AgentProviderID(name);
+        snapshots.push_back(more);
+    }
+    return stateOf(std::move(snapshots));
+}
+
+} // namespace vellmark::samples

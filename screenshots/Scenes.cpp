@@ -1,0 +1,144 @@
+#include "screenshots/Scenes.h"
+
+#include "presentation/MainWindowContent.h"
+#include "presentation/PopoverContent.h"
+#include "screenshots/KitSheet.h"
+#include "screenshots/SampleStates.h"
+#include "ui/kit/Theme.h"
+#include "ui/popover/AgentUsagePopoverView.h"
+#include "ui/popover/Popover.h"
+#include "ui/window/AgentMainWindowView.h"
+
+#include <QApplication>
+#include <QPainter>
+
+namespace vellmark {
+
+namespace {
+
+constexpr QRgb lightDesk = 0xFFCCD2D9;
+constexpr QRgb darkDesk = 0xFF30343A;
+/// Room around a popover for its shadow.
+constexpr QMargins deskRoom(40, 30, 40, 39);
+
+AgentUIActions noActions() {
+    const auto nothing = [] {};
+    return {.refresh = nothing,
+            .openWindow = nothing,
+            .openProvider = [](const AgentProviderID&) {},
+            .openSettings = nothing,
+            .showAbout = nothing,
+            .startSetup = nothing,
+            .showLegal = [](LegalDocument) {},
+            .showSupportReport = nothing,
+            .quit = nothing};
+}
+
+QImage canvas(QSize size, double scale, const QColor& ground) {
+    QImage image(size * scale, QImage::Format_RGB32);
+    image.setDevicePixelRatio(scale);
+    image.fill(ground);
+    return image;
+}
+
+void settle() {
+    // Deferred deletions and layouts; nothing in a picture waits for time.
+    for (int turn = 0; turn < 3; ++turn) {
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::processEvents();
+    }
+}
+
+QImage drawPopover(const UsageState& state, const std::string& storedTab,
+                   const std::string& language, double scale) {
+    Popover popover(noActions());
+    popover.setContent(popoverContent(state, storedTab, samples::now(), samples::words(language)));
+    popover.open(QRect(400, 0, 30, 24));
+    settle();
+    const QRect view = popover.view().geometry();
+    QImage image = canvas(view.size().grownBy(deskRoom), scale,
+                          QColor(kit::Theme::current().isDark() ? darkDesk : lightDesk));
+    QPainter painter(&image);
+    popover.render(&painter, QPoint(deskRoom.left(), deskRoom.top()) - view.topLeft(), QRegion(),
+                   QWidget::DrawChildren);
+    painter.end();
+    popover.hide();
+    return image;
+}
+
+Scene popoverScene(std::string name, UsageState (*state)(), std::string tab = "overview") {
+    return {"popover-" + std::move(name),
+            [state, tab = std::move(tab)](const std::string& language, double scale) {
+                return drawPopover(state(), tab, language, scale);
+            }};
+}
+
+QImage drawWindow(const UsageState& state, QSize size, const std::string& language, double scale) {
+    AgentNavigationState navigation;
+    AgentMainWindowView view(noActions(), navigation);
+    const Localization words = samples::words(language);
+    view.setContent(sidebarItems(state, samples::now(), words),
+                    overviewContent(state, samples::now(), words));
+    view.resize(size);
+    view.show();
+    view.showSelection();
+    settle();
+    QImage image = canvas(view.size(), scale, Qt::black);
+    QPainter painter(&image);
+    view.render(&painter);
+    return image;
+}
+
+Scene windowScene(std::string name, UsageState (*state)(),
+                  QSize size = AgentMainWindowView::firstSize) {
+    return {"window-" + std::move(name), [state, size](const std::string& language, double scale) {
+                return drawWindow(state(), size, language, scale);
+            }};
+}
+
+QImage drawKit(const std::string& /*language*/, double scale) {
+    KitSheet sheet;
+    sheet.show();
+    settle();
+    QImage image = canvas(sheet.size(), scale, Qt::black);
+    QPainter painter(&image);
+    sheet.render(&painter);
+    return image;
+}
+
+} // namespace
+
+std::vector<Scene> allScenes() {
+    return {
+        {"kit", drawKit},
+        popoverScene("overview", samples::normal),
+        popoverScene("refreshing", samples::refreshing),
+        popoverScene("healthy", samples::healthy),
+        popoverScene("loading", samples::loading),
+        popoverScene("stale", samples::stale),
+        popoverScene("failed", samples::failed),
+        popoverScene("no-agents", samples::noAgents),
+        popoverScene("balances", samples::balances),
+        popoverScene("long-texts", samples::longTexts),
+        popoverScene("many-agents", samples::manyAgents),
+        popoverScene("stored-tab-of-disabled-agent", samples::healthy, "provider:antigravity"),
+        popoverScene("agent", samples::normal, "provider:claude"),
+        popoverScene("agent-loading", samples::loading, "provider:claude"),
+        popoverScene("agent-stale", samples::stale, "provider:codex"),
+        popoverScene("agent-failed", samples::failed, "provider:codex"),
+        popoverScene("agent-balances", samples::balances, "provider:claude"),
+        popoverScene("agent-long-texts", samples::longTexts, "provider:antigravity"),
+        windowScene("overview", samples::normal),
+        windowScene("overview-least", samples::normal, AgentMainWindowView::leastSize),
+        windowScene("refreshing", samples::refreshing),
+        windowScene("healthy", samples::healthy),
+        windowScene("loading", samples::loading),
+        windowScene("stale", samples::stale),
+        windowScene("failed", samples::failed),
+        windowScene("no-agents", samples::noAgents),
+        windowScene("long-texts", samples::longTexts),
+        windowScene("many-agents", samples::manyAgents),
+    };
+}
+
+} // namespace vellmark

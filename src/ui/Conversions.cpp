@@ -1,0 +1,82 @@
+#include "ui/Conversions.h"
+
+#include <QStringList>
+
+namespace vellmark {
+
+using kit::ColorRole;
+
+QString qString(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+ColorRole markColor(UsageHealth health) {
+    switch (health) {
+    case UsageHealth::healthy:
+        return ColorRole::healthy;
+    case UsageHealth::attention:
+        return ColorRole::attention;
+    case UsageHealth::critical:
+        return ColorRole::critical;
+    case UsageHealth::unavailable:
+        break;
+    }
+    return ColorRole::none;
+}
+
+std::optional<ColorRole> badgeColor(const std::optional<UsageHealth>& health) {
+    if (health == UsageHealth::attention || health == UsageHealth::critical) {
+        return markColor(*health);
+    }
+    return std::nullopt;
+}
+
+ColorRole dotColor(StatusColorRole role) {
+    switch (role) {
+    case StatusColorRole::healthy:
+        return ColorRole::healthy;
+    case StatusColorRole::attention:
+        return ColorRole::attention;
+    case StatusColorRole::critical:
+        return ColorRole::critical;
+    case StatusColorRole::refreshing:
+        return ColorRole::refreshing;
+    case StatusColorRole::none:
+        break;
+    }
+    return ColorRole::none;
+}
+
+QColor qColor(const ColorComponents& color) {
+    return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
+                            static_cast<float>(color.blue), static_cast<float>(color.alpha));
+}
+
+kit::BarLook barLook(const UsageBarContent& bar) {
+    constexpr double percent = 100;
+    kit::BarLook look;
+    look.share = bar.filledShare * percent;
+    if (bar.paceMark) {
+        look.mark = *bar.paceMark * percent;
+    }
+    look.color = markColor(bar.health);
+    look.isStale = bar.isStale;
+    return look;
+}
+
+kit::HealthLook healthLook(const AgentBlockContent& agent) {
+    return {qString(agent.statusText), dotColor(agent.dot),
+            agent.showsClock ? "clock" : std::string()};
+}
+
+QString accountLine(const AgentBlockContent& agent) {
+    QStringList parts;
+    for (const std::string& part : {agent.account, agent.plan}) {
+        if (!part.empty()) {
+            parts << qString(part);
+        }
+    }
+    return parts.join(QStringLiteral(" · "));
+}
+
+} // namespace vellmark

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "presentation/AgentBlockContent.h"
+#include "presentation/StatusColor.h"
+#include "ui/kit/HealthDot.h"
+#include "ui/kit/Theme.h"
+#include "ui/kit/UsageProgressBar.h"
+
+#include <QString>
+
+#include <optional>
+#include <string_view>
+
+namespace vellmark {
+
+/// From the core's plain values to the kit's forms.
+
+QString qString(std::string_view text);
+
+/// The mark's colour for a health.
+kit::ColorRole markColor(UsageHealth health);
+/// A badge on a logo: only what needs attention has one.
+std::optional<kit::ColorRole> badgeColor(const std::optional<UsageHealth>& health);
+kit::ColorRole dotColor(StatusColorRole role);
+QColor qColor(const ColorComponents& color);
+
+kit::BarLook barLook(const UsageBarContent& bar);
+/// The state at the end of an agent's head: dot and word, or clock and age.
+kit::HealthLook healthLook(const AgentBlockContent& agent);
+/// Account and plan on one line, as far as they are known.
+QString accountLine(const AgentBlockContent& agent);
+
+} // namespace vellmark

@@ -1,0 +1,107 @@
+#include "ui/GlyphPainter.h"
+
+#include <QPainter>
+#include <QPainterPath>
+
+namespace vellmark {
+namespace {
+
+constexpr QColor tileColor(0x1F, 0x20, 0x24);
+constexpr double tileRadius = 0.24;
+constexpr double glyphShare = 0.72;
+
+/// A reading that shows both marks well.
+const MenuBarGlyph emblem{.usedPercent = 38, .elapsedPercent = 71};
+
+QRectF boundsOf(const QPointF& center, double radius) {
+    return {center.x() - radius, center.y() - radius, 2 * radius, 2 * radius};
+}
+
+void paintMark(QPainter& painter, const QPointF& origin, double side, const GlyphMark& mark,
+               QColor ink) {
+    // Qt's y grows downwards, its angles count like the marks' own.
+    const QPointF center = origin + QPointF(mark.centerX, side - mark.centerY);
+    const QRectF bounds = boundsOf(center, mark.radius);
+    ink.setAlphaF(static_cast<float>(mark.alpha * ink.alphaF()));
+    QPainterPath path;
+    switch (mark.kind) {
+    case GlyphMark::Kind::strokedCircle:
+        path.addEllipse(bounds);
+        painter.strokePath(path, QPen(ink, mark.lineWidth));
+        break;
+    case GlyphMark::Kind::strokedArc:
+        path.arcMoveTo(bounds, mark.startAngle);
+        path.arcTo(bounds, mark.startAngle, mark.endAngle - mark.startAngle);
+        painter.strokePath(path, QPen(ink, mark.lineWidth, Qt::SolidLine, Qt::RoundCap));
+        break;
+    case GlyphMark::Kind::filledCircle:
+        path.addEllipse(bounds);
+        painter.fillPath(path, ink);
+        break;
+    case GlyphMark::Kind::filledPie:
+        path.moveTo(center);
+        path.arcTo(bounds, mark.startAngle, mark.endAngle - mark.startAngle);
+        path.closeSubpath();
+        painter.fillPath(path, ink);
+        break;
+    }
+}
+
+} // namespace
+
+void paintGlyph(QPainter& painter, const QPointF& origin, double side, const MenuBarGlyph& glyph,
+                const QColor& ink) {
+    painter.setRenderHint(QPainter::Antialiasing);
+    for (const GlyphMark& mark : glyphDrawing(glyph, side))
+        paintMark(painter, origin, side, mark, ink);
+}
+
+QImage glyphImage(const MenuBarGlyph& glyph, int side, const QColor& ink,
+                  const std::optional<QColor>& dot) {
+    QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    if (!dot) {
+        paintGlyph(painter, {}, side, glyph, ink);
+    } else {
+        const TrayIconLayout layout = trayIconLayout(side);
+        const QPointF center(layout.dotCenterX, side - layout.dotCenterY);
+        paintGlyph(painter, {}, layout.glyphSide, glyph, ink);
+        painter.setPen(Qt::NoPen);
+        painter.setCompositionMode(QPainter::CompositionMode_Clear);
+        painter.setBrush(Qt::black);
+        painter.drawEllipse(center, layout.erasedRadius, layout.erasedRadius);
+        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+        painter.setBrush(*dot);
+        painter.drawEllipse(center, layout.dotRadius, layout.dotRadius);
+    }
+    painter.end();
+    return image.convertToFormat(QImage::Format_ARGB32);
+}
+
+QIcon applicationIcon() {
+    QIcon icon;
+    for (const int side : {16, 32, 48, 128}) {
+        QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(tileColor);
+        painter.drawRoundedRect(image.rect(), tileRadius * side, tileRadius * side);
+        const double glyphSide = glyphShare * side;
+        const double inset = (side - glyphSide) / 2;
+        paintGlyph(painter, {inset, inset}, glyphSide, emblem, Qt::white);
+        painter.end();
+        icon.addPixmap(QPixmap::fromImage(image));
+    }
+    return icon;
+}
+
+QColor statusQColor(StatusColorRole role, bool onDark) {
+    const ColorComponents color = statusColor(role, onDark);
+    return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
+                            static_cast<float>(color.blue), static_cast<float>(color.alpha));
+}
+
+} // namespace vellmark

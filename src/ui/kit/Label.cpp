@@ -1,0 +1,122 @@
+#include "ui/kit/Label.h"
+
+#include "ui/kit/FigureText.h"
+#include "ui/kit/Metrics.h"
+
+#include <QHelpEvent>
+#include <QPainter>
+#include <QToolTip>
+
+#include <cmath>
+
+namespace vellmark::kit {
+
+Label::Label(const TextStyle& style, ColorRole color, QWidget* parent)
+    : QLabel(parent), style_(style), color_(color) {
+    setTextFormat(Qt::PlainText);
+    setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+}
+
+void Label::setWords(const QString& words) {
+    if (words != text()) {
+        formerWords_.clear();
+        setText(words);
+    }
+}
+
+void Label::setChangingWords(const QString& words) {
+    if (words == text()) {
+        return;
+    }
+    const QString former = text();
+    setWords(words);
+    if (former.isEmpty() || !isVisible()) {
+        return;
+    }
+    if (!change_) {
+        change_ = std::make_unique<Transition>(this);
+    }
+    formerWords_ = former;
+    change_->jumpTo(0);
+    change_->moveTo(1, duration::valueChange);
+}
+
+void Label::setTextStyle(const TextStyle& style) {
+    if (style_ != style) {
+        style_ = style;
+        updateGeometry();
+        update();
+    }
+}
+
+void Label::setColor(ColorRole color) {
+    if (color_ != color) {
+        color_ = color;
+        update();
+    }
+}
+
+void Label::setWrapping(bool isWrapping) {
+    isWrapping_ = isWrapping;
+    QSizePolicy policy = sizePolicy();
+    policy.setHeightForWidth(isWrapping);
+    setSizePolicy(policy);
+}
+
+int Label::wantedWidth() const {
+    return static_cast<int>(std::ceil(textWidth(text(), style_)));
+}
+
+bool Label::isShortened() const {
+    return !isWrapping_ && elidedText(text(), style_, width()) != text();
+}
+
+QSize Label::sizeHint() const {
+    return {wantedWidth(), style_.lineHeight};
+}
+
+QSize Label::minimumSizeHint() const {
+    return {0, style_.lineHeight};
+}
+
+int Label::heightForWidth(int width) const {
+    if (!isWrapping_) {
+        return style_.lineHeight;
+    }
+    const auto lines = static_cast<int>(wrappedText(text(), style_, width).size());
+    return std::max(lines, 1) * style_.lineHeight;
+}
+
+bool Label::event(QEvent* event) {
+    if (event->type() == QEvent::ToolTip && toolTip().isEmpty() && isShortened()) {
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text(), this);
+        return true;
+    }
+    return QLabel::event(event);
+}
+
+void Label::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setPen(color(color_));
+    const double shown = formerWords_.isEmpty() || !change_ ? 1 : change_->value();
+    if (shown < 1) {
+        painter.setOpacity(1 - shown);
+        drawWords(painter, formerWords_);
+    }
+    painter.setOpacity(shown);
+    drawWords(painter, text());
+}
+
+void Label::drawWords(QPainter& painter, const QString& words) const {
+    if (!isWrapping_) {
+        drawText(painter, rect(), alignment(), elidedText(words, style_, width()), style_);
+        return;
+    }
+    QRectF line(0, 0, width(), style_.lineHeight);
+    for (const QString& text : wrappedText(words, style_, width())) {
+        drawText(painter, line, alignment(), text, style_);
+        line.translate(0, style_.lineHeight);
+    }
+}
+
+} // namespace vellmark::kit

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QScrollArea>
+
+class QScrollBar;
+
+namespace vellmark::kit {
+
+/// Scrolls its content up and down. The bar lies over the content's margin, so that what fits and
+/// what does not are laid out alike.
+class ScrollArea : public QScrollArea {
+public:
+    explicit ScrollArea(QWidget* parent = nullptr);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    QScrollBar* overlay_;
+};
+
+} // namespace vellmark::kit

@@ -1,0 +1,143 @@
+#include "ui/kit/Segments.h"
+
+#include "ui/kit/FigureText.h"
+#include "ui/kit/Interaction.h"
+#include "ui/kit/Metrics.h"
+#include "ui/kit/Theme.h"
+
+#include <QAbstractButton>
+#include <QPainter>
+
+#include <cmath>
+
+namespace vellmark::kit {
+
+namespace {
+constexpr int inset = 2;
+
+struct Measures {
+    int height;
+    int padding;
+    double radius;
+    const TextStyle& words;
+};
+
+const Measures& measures(Segments::Size size) {
+    static const Measures normal{28, 12, 7, style::row};
+    static const Measures small{22, 8, 6, style::smallMedium};
+    return size == Segments::Size::small ? small : normal;
+}
+} // namespace
+
+class Segments::Part : public QAbstractButton {
+public:
+    Part(Size size, QWidget* parent)
+        : QAbstractButton(parent), measures_(measures(size)),
+          interaction_(this, FocusShape{measures_.radius - inset, focusGap}) {
+        setCheckable(true);
+        setAutoExclusive(true);
+        setFocusPolicy(Qt::StrongFocus);
+    }
+
+    QSize sizeHint() const override {
+        const double words = textWidth(text(), measures_.words);
+        return {static_cast<int>(std::ceil(words)) + 2 * measures_.padding,
+                measures_.height - 2 * inset};
+    }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setOpacity(isEnabled() ? 1 : disabledOpacity);
+        const double corner = measures_.radius - inset;
+        if (isChecked()) {
+            painter.setPen(QPen(color(ColorRole::segmentOnLine), 1));
+            painter.setBrush(color(ColorRole::segmentOn));
+            painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), corner, corner);
+        } else if (isDown() || interaction_.hover() > 0) {
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(isDown() ? color(ColorRole::fillPressed)
+                                      : mixed(color(ColorRole::fill), color(ColorRole::fillHover),
+                                              interaction_.hover()));
+            painter.drawRoundedRect(rect(), corner, corner);
+        }
+        painter.setPen(color(isChecked() ? ColorRole::ink : ColorRole::ink2));
+        drawText(painter, rect(), Qt::AlignHCenter, text(), measures_.words);
+    }
+
+private:
+    const Measures& measures_;
+    Interaction interaction_;
+};
+
+Segments::Segments(Size size, QWidget* parent) : QWidget(parent), size_(size) {}
+
+void Segments::setChoices(const QStringList& choices) {
+    while (static_cast<qsizetype>(parts_.size()) > choices.size()) {
+        delete parts_.back();
+        parts_.pop_back();
+    }
+    while (static_cast<qsizetype>(parts_.size()) < choices.size()) {
+        auto* part = new Part(size_, this);
+        const int index = static_cast<int>(parts_.size());
+        connect(part, &QAbstractButton::clicked, this, [this, index] {
+            if (onChoose) {
+                onChoose(index);
+            }
+        });
+        parts_.push_back(part);
+        part->show();
+    }
+    for (std::size_t index = 0; index < parts_.size(); ++index) {
+        parts_[index]->setText(choices[static_cast<qsizetype>(index)]);
+    }
+    arrange();
+    updateGeometry();
+}
+
+void Segments::setCurrent(int index) {
+    if (index >= 0 && index < static_cast<int>(parts_.size())) {
+        parts_[static_cast<std::size_t>(index)]->setChecked(true);
+    }
+}
+
+int Segments::current() const {
+    for (std::size_t index = 0; index < parts_.size(); ++index) {
+        if (parts_[index]->isChecked()) {
+            return static_cast<int>(index);
+        }
+    }
+    return -1;
+}
+
+QSize Segments::sizeHint() const {
+    int width = 2 * inset;
+    for (const Part* part : parts_) {
+        width += part->sizeHint().width();
+    }
+    return {width, measures(size_).height};
+}
+
+void Segments::resizeEvent(QResizeEvent* /*event*/) {
+    arrange();
+}
+
+void Segments::arrange() {
+    int left = inset;
+    for (Part* part : parts_) {
+        const QSize wanted = part->sizeHint();
+        part->setGeometry(left, inset, wanted.width(), wanted.height());
+        left += wanted.width();
+    }
+}
+
+void Segments::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color(ColorRole::fill));
+    painter.drawRoundedRect(rect(), measures(size_).radius, measures(size_).radius);
+}
+
+} // namespace vellmark::kit

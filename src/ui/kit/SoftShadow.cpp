@@ -1,0 +1,157 @@
+#include "ui/kit/SoftShadow.h"
+
+#include <QImage>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <vector>
+
+namespace vellmark::kit {
+
+namespace {
+
+/// One pass of a moving average of `width` along `count` values that lie `stride` bytes apart.
+void blurLine(uchar* line, qsizetype count, qsizetype stride, int width, std::vector<uchar>& copy) {
+    copy.resize(static_cast<std::size_t>(count));
+    for (qsizetype index = 0; index < count; ++index) {
+        copy[static_cast<std::size_t>(index)] = line[index * stride];
+    }
+    const auto at = [&](qsizetype index) {
+        return index < 0 || index >= count ? 0 : int{copy[static_cast<std::size_t>(index)]};
+    };
+    const int before = width / 2;
+    const int after = width - before;
+    int sum = 0;
+    for (qsizetype index = -before; index < after; ++index) {
+        sum += at(index);
+    }
+    for (qsizetype index = 0; index < count; ++index) {
+        line[index * stride] = static_cast<uchar>(sum / width);
+        sum += at(index + after) - at(index - before);
+    }
+}
+
+/// Three moving averages come close to a Gaussian blur of standard deviation `sigma`.
+void blur(QImage& mask, double sigma) {
+    const int width =
+        std::max(1, static_cast<int>(sigma * 3 * std::sqrt(2 * std::numbers::pi) / 4 + 0.5));
+    std::vector<uchar> copy;
+    const qsizetype stride = mask.bytesPerLine();
+    for (int pass = 0; pass < 3; ++pass) {
+        for (int row = 0; row < mask.height(); ++row) {
+            blurLine(mask.bits() + row * stride, mask.width(), 1, width, copy);
+        }
+        for (int column = 0; column < mask.width(); ++column) {
+            blurLine(mask.bits() + column, mask.height(), stride, width, copy);
+        }
+    }
+}
+
+/// A shadow of the smallest box whose middle can be stretched.
+struct Patch {
+    Theme::Appearance appearance;
+    double ratio;
+    double cornerRadius;
+    /// From the patch's edge to the box, and from there to where the shadow is even.
+    double margin;
+    double inside;
+    QImage image;
+};
+
+double widestReach() {
+    double reach = 0;
+    for (const ShadowLayer& layer : Theme::current().popoverShadow()) {
+        reach = std::max(reach, layer.blur + layer.offset);
+    }
+    return reach;
+}
+
+QImage blurredLayer(const ShadowLayer& layer, const QRectF& box, double side, double cornerRadius,
+                    double ratio) {
+    const int pixels = static_cast<int>(std::ceil(side * ratio));
+    QImage mask(pixels, pixels, QImage::Format_Alpha8);
+    mask.fill(0);
+    QPainter painter(&mask);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(ratio, ratio);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::black);
+    painter.drawRoundedRect(box.translated(0, layer.offset), cornerRadius, cornerRadius);
+    painter.end();
+    blur(mask, layer.blur / 2 * ratio);
+    QImage colored(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
+    colored.fill(layer.color);
+    painter.begin(&colored);
+    painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+    painter.drawImage(0, 0, mask);
+    return colored;
+}
+
+Patch makePatch(double cornerRadius, double ratio) {
+    Patch patch{Theme::current().appearance(), ratio, cornerRadius, widestReach(), 0, {}};
+    patch.inside = patch.margin + cornerRadius;
+    const double side = 2 * (patch.margin + patch.inside) + 2;
+    const QRectF box(patch.margin, patch.margin, side - 2 * patch.margin, side - 2 * patch.margin);
+    const int pixels = static_cast<int>(std::ceil(side * ratio));
+    patch.image = QImage(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
+    patch.image.fill(Qt::transparent);
+    QPainter painter(&patch.image);
+    for (const ShadowLayer& layer : Theme::current().popoverShadow()) {
+        painter.drawImage(0, 0, blurredLayer(layer, box, side, cornerRadius, ratio));
+    }
+    return patch;
+}
+
+const Patch& patchFor(double cornerRadius, double ratio) {
+    static std::vector<Patch> known;
+    for (const Patch& patch : known) {
+        if (patch.appearance == Theme::current().appearance() && patch.ratio == ratio &&
+            patch.cornerRadius == cornerRadius) {
+            return patch;
+        }
+    }
+    known.clear();
+    known.push_back(makePatch(cornerRadius, ratio));
+    return known.back();
+}
+
+} // namespace
+
+QMarginsF popoverShadowReach() {
+    double above = 0;
+    double side = 0;
+    double below = 0;
+    for (const ShadowLayer& layer : Theme::current().popoverShadow()) {
+        above = std::max(above, layer.blur - layer.offset);
+        side = std::max(side, layer.blur);
+        below = std::max(below, layer.blur + layer.offset);
+    }
+    return {side, above, side, below};
+}
+
+void drawPopoverShadow(QPainter& painter, const QRectF& box, double cornerRadius) {
+    const Patch& patch = patchFor(cornerRadius, painter.deviceTransform().m11());
+    const double corner = patch.margin + patch.inside;
+    const QRectF outer = box.adjusted(-patch.margin, -patch.margin, patch.margin, patch.margin);
+    const double side = patch.image.width() / patch.ratio;
+    const double fromEdges[] = {0, corner, side - corner, side};
+    const double toColumns[] = {outer.left(), outer.left() + corner, outer.right() - corner,
+                                outer.right()};
+    const double toRows[] = {outer.top(), outer.top() + corner, outer.bottom() - corner,
+                             outer.bottom()};
+    for (int row = 0; row < 3; ++row) {
+        for (int column = 0; column < 3; ++column) {
+            const QRectF from(QPointF(fromEdges[column], fromEdges[row]) * patch.ratio,
+                              QPointF(fromEdges[column + 1], fromEdges[row + 1]) * patch.ratio);
+            const QRectF to(QPointF(toColumns[column], toRows[row]),
+                            QPointF(toColumns[column + 1], toRows[row + 1]));
+            if (to.width() > 0 && to.height() > 0) {
+                painter.drawImage(to, patch.image, from);
+            }
+        }
+    }
+}
+
+} // namespace vellmark::kit

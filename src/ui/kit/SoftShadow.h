@@ -1,0 +1,19 @@
+#pragma once
+
+#include "ui/kit/Theme.h"
+
+#include <QMarginsF>
+#include <QRectF>
+
+class QPainter;
+
+namespace vellmark::kit {
+
+/// The popover's shadow around `box`, whose corners have the radius `cornerRadius`. It is blurred
+/// once for an appearance and scale, and stretched to any size afterwards.
+void drawPopoverShadow(QPainter& painter, const QRectF& box, double cornerRadius);
+
+/// How far the shadow reaches beyond its box on each side.
+QMarginsF popoverShadowReach();
+
+} // namespace vellmark::kit

@@ -1,0 +1,168 @@
+#include "ui/popover/Popover.h"
+
+#include "ui/kit/Metrics.h"
+#include "ui/kit/SoftShadow.h"
+#include "ui/kit/Theme.h"
+#include "ui/popover/AgentUsagePopoverView.h"
+#include "ui/popover/PopoverPlacement.h"
+
+#include <QBitmap>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QScreen>
+
+namespace vellmark {
+
+namespace {
+
+/// The press that closes the popover and the click that follows on the item are one gesture.
+constexpr qint64 gestureMilliseconds = 300;
+
+/// Where the window system lets a popup take all input, that closes it most reliably; elsewhere it
+/// closes when another window becomes active.
+bool canGrabInput() {
+    const QString platform = QGuiApplication::platformName();
+    return platform == QLatin1String("xcb") || platform == QLatin1String("offscreen");
+}
+
+Qt::WindowFlags popoverWindowFlags() {
+    const Qt::WindowFlags kind = canGrabInput() ? Qt::Popup : Qt::Tool | Qt::WindowStaysOnTopHint;
+    return kind | Qt::FramelessWindowHint;
+}
+
+} // namespace
+
+Popover::Popover(AgentUIActions actions, QWidget* parent)
+    : QWidget(parent, popoverWindowFlags()),
+      view_(new AgentUsagePopoverView(std::move(actions), this)) {
+    setAttribute(Qt::WA_TranslucentBackground);
+    setAttribute(Qt::WA_QuitOnClose, false);
+    view_->onHeightChange = [this] {
+        if (isVisible()) {
+            place();
+        }
+    };
+}
+
+void Popover::setContent(PopoverContent content) {
+    setWindowTitle(QString::fromStdString(content.title));
+    setAccessibleName(QString::fromStdString(content.title));
+    view_->setContent(std::move(content));
+}
+
+QMargins Popover::margins() const {
+    if (surface_.isComposited && !surface_.hasSystemShadow) {
+        return kit::popoverShadowReach().toMargins();
+    }
+    return {1, 1, 1, 1};
+}
+
+QRect Popover::body() const {
+    return rect().marginsRemoved(margins());
+}
+
+void Popover::open(const QRect& anchor) {
+    anchor_ = anchor;
+    surface_ = windowSurface();
+    view_->scrollToTop();
+    place();
+    show();
+    view_->setFocus(Qt::PopupFocusReason);
+    if (!canGrabInput()) {
+        raise();
+        activateWindow();
+    }
+}
+
+bool Popover::toggle(const QRect& anchor, const std::function<void()>& beforeOpening) {
+    if (isVisible()) {
+        close();
+        return false;
+    }
+    if (sinceClosed_.isValid() && sinceClosed_.elapsed() < gestureMilliseconds) {
+        return false;
+    }
+    beforeOpening();
+    open(anchor);
+    return true;
+}
+
+void Popover::place() {
+    const QScreen* screen = QGuiApplication::screenAt(anchor_.center());
+    if (screen == nullptr) {
+        screen = QGuiApplication::primaryScreen();
+    }
+    const QSize size(AgentUsagePopoverView::viewWidth, view_->wantedHeight());
+    const QRect place = popoverPlacement(anchor_, size, screen->availableGeometry());
+    setGeometry(place.marginsAdded(margins()));
+    view_->setGeometry(body());
+    if (!surface_.isComposited) {
+        QBitmap shape(width(), height());
+        shape.clear();
+        QPainter painter(&shape);
+        painter.setBrush(Qt::color1);
+        painter.setPen(Qt::NoPen);
+        painter.drawRoundedRect(rect(), kit::radius::popover, kit::radius::popover);
+        painter.end();
+        setMask(shape);
+    } else {
+        clearMask();
+    }
+}
+
+void Popover::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape) {
+        close();
+    } else {
+        QWidget::keyPressEvent(event);
+    }
+}
+
+void Popover::mousePressEvent(QMouseEvent* event) {
+    // The shadow belongs to what lies under it.
+    if (!body().contains(event->position().toPoint())) {
+        close();
+        return;
+    }
+    QWidget::mousePressEvent(event);
+}
+
+void Popover::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::ActivationChange && !canGrabInput() && isVisible() &&
+        !isActiveWindow()) {
+        close();
+    }
+    QWidget::changeEvent(event);
+}
+
+void Popover::hideEvent(QHideEvent* event) {
+    sinceClosed_.start();
+    QWidget::hideEvent(event);
+}
+
+void Popover::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF ground = body();
+    const double radius = kit::radius::popover;
+    if (!surface_.isComposited) {
+        painter.fillRect(rect(), kit::color(kit::ColorRole::lineStrong));
+    } else if (!surface_.hasSystemShadow) {
+        kit::drawPopoverShadow(painter, ground, radius);
+    }
+    painter.setPen(Qt::NoPen);
+    if (surface_.isComposited) {
+        QPainterPath edge;
+        edge.addRoundedRect(ground.adjusted(-1, -1, 1, 1), radius + 1, radius + 1);
+        QPainterPath inside;
+        inside.addRoundedRect(ground, radius, radius);
+        painter.fillPath(edge.subtracted(inside), kit::color(kit::ColorRole::edge));
+    }
+    painter.setBrush(kit::color(kit::ColorRole::popover));
+    painter.drawRoundedRect(ground, radius, radius);
+}
+
+} // namespace vellmark

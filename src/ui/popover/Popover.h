@@ -1,0 +1,53 @@
+#pragma once
+
+#include "presentation/AgentUIActions.h"
+#include "presentation/PopoverContent.h"
+#include "ui/popover/WindowSurface.h"
+
+#include <QElapsedTimer>
+#include <QWidget>
+
+#include <functional>
+
+namespace vellmark {
+
+class AgentUsagePopoverView;
+
+/// The window of the popover: opens at the status item, closes by a click elsewhere, Escape, or a
+/// second click on the item, and follows its content's height. Main thread.
+///
+/// Hidden it does nothing; give it content just before it opens and while it is visible.
+class Popover : public QWidget {
+public:
+    explicit Popover(AgentUIActions actions, QWidget* parent = nullptr);
+
+    AgentUsagePopoverView& view() { return *view_; }
+    void setContent(PopoverContent content);
+
+    /// Opens under `anchor`, the status item in screen coordinates (or a point of no size).
+    void open(const QRect& anchor);
+    /// A click on the status item: closes an open popover. The click that closed it a moment ago by
+    /// landing outside does not open it again. Answers whether it is open now; `beforeOpening` is
+    /// called only when it opens.
+    bool toggle(const QRect& anchor, const std::function<void()>& beforeOpening);
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    /// The popover itself, without the shadow around it.
+    QRect body() const;
+    QMargins margins() const;
+    void place();
+
+    AgentUsagePopoverView* view_;
+    WindowSurface surface_;
+    QRect anchor_;
+    QElapsedTimer sinceClosed_;
+};
+
+} // namespace vellmark

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "presentation/PopoverContent.h"
+
+#include <QWidget>
+
+namespace vellmark {
+
+namespace kit {
+class Button;
+class Label;
+} // namespace kit
+
+/// The popover's head, 72 high: name, what is worst in one line, and the refresh button.
+class PopoverHeader : public QWidget {
+public:
+    explicit PopoverHeader(QWidget* parent = nullptr);
+    void setContent(const PopoverContent& content);
+    kit::Button* refreshButton() const { return refresh_; }
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    kit::Label* name_;
+    kit::Label* status_;
+    kit::Button* refresh_;
+};
+
+} // namespace vellmark

@@ -1,0 +1,144 @@
+#include "ui/window/OverviewPage.h"
+
+#include "ui/Conversions.h"
+#include "ui/NoAgentsHint.h"
+#include "ui/kit/Button.h"
+#include "ui/kit/Notice.h"
+#include "ui/kit/ScrollArea.h"
+#include "ui/window/AgentSummaryCard.h"
+#include "ui/window/PageHead.h"
+
+#include <algorithm>
+
+namespace vellmark {
+
+namespace {
+constexpr int margin = 28;
+constexpr int gap = 12;
+
+kit::Notice::Look verdictLook(const VerdictContent& verdict, bool isEverythingRead) {
+    kit::Notice::Look look;
+    look.strongWords = qString(verdict.subject);
+    look.words = qString(verdict.text);
+    switch (verdict.tone) {
+    case UsageHealth::attention:
+        look.kind = kit::Notice::Kind::attention;
+        break;
+    case UsageHealth::critical:
+        look.kind = kit::Notice::Kind::critical;
+        break;
+    case UsageHealth::healthy:
+    case UsageHealth::unavailable:
+        if (isEverythingRead) {
+            look.iconName = verdict.tone == UsageHealth::healthy ? "checkmark" : "info.circle";
+        }
+        break;
+    }
+    return look;
+}
+} // namespace
+
+OverviewPage::OverviewPage(const AgentUIActions& actions, QWidget* parent)
+    : QWidget(parent), actions_(actions), head_(new PageHead(this)),
+      scroller_(new kit::ScrollArea(this)), column_(new QWidget),
+      verdict_(new kit::Notice(column_)), noAgents_(new NoAgentsHint(column_)) {
+    scroller_->setWidget(column_);
+    column_->setAutoFillBackground(false);
+    noAgents_->onOpenSettings = [this] { actions_.openSettings(); };
+    connect(head_->refreshButton(), &QAbstractButton::clicked, this,
+            [this] { actions_.refresh(); });
+}
+
+void OverviewPage::setContent(const OverviewContent& content) {
+    head_->setTitle(qString(content.title), qString(content.subtitle));
+    head_->setAge(qString(content.updated));
+    head_->setRefresh(content.refresh, content.refreshTitles, content.isRefreshing);
+    const bool isEverythingRead =
+        std::none_of(content.cards.begin(), content.cards.end(),
+                     [](const AgentBlockContent& card) { return card.failure.has_value(); });
+    verdict_->setLook(verdictLook(content.verdict, isEverythingRead));
+    verdict_->setVisible(!content.noAgents);
+    if (content.noAgents) {
+        noAgents_->setContent(*content.noAgents);
+    }
+    noAgents_->setVisible(content.noAgents.has_value());
+    setCards(content);
+    arrange();
+}
+
+AgentSummaryCard* OverviewPage::takeCard(std::vector<Entry>& from, const AgentProviderID& id) {
+    const auto found =
+        std::find_if(from.begin(), from.end(), [&](const Entry& entry) { return entry.id == id; });
+    if (found != from.end()) {
+        AgentSummaryCard* card = found->card;
+        from.erase(found);
+        return card;
+    }
+    auto* card = new AgentSummaryCard(actions_, column_);
+    connect(card, &QAbstractButton::clicked, this, [this, id] { actions_.openProvider(id); });
+    card->show();
+    return card;
+}
+
+void OverviewPage::setCards(const OverviewContent& content) {
+    std::vector<Entry> former = std::move(entries_);
+    entries_.clear();
+    for (const AgentBlockContent& agent : content.cards) {
+        AgentSummaryCard* card = takeCard(former, agent.id);
+        card->setContent(agent, content.loadingText);
+        entries_.push_back({agent.id, card});
+    }
+    for (const Entry& entry : former) {
+        delete entry.card;
+    }
+}
+
+std::vector<QWidget*> OverviewPage::controls() const {
+    std::vector<QWidget*> result{head_->refreshButton()};
+    for (const Entry& entry : entries_) {
+        result.push_back(entry.card);
+        if (QWidget* button = entry.card->wayOutButton()) {
+            result.push_back(button);
+        }
+    }
+    result.push_back(noAgents_->button());
+    return result;
+}
+
+void OverviewPage::showAgent(const AgentProviderID& id) {
+    for (const Entry& entry : entries_) {
+        if (entry.id == id) {
+            scroller_->ensureWidgetVisible(entry.card, 0, gap);
+            entry.card->setFocus(Qt::ShortcutFocusReason);
+        }
+    }
+}
+
+void OverviewPage::resizeEvent(QResizeEvent* /*event*/) {
+    arrange();
+}
+
+void OverviewPage::arrange() {
+    const int wide = std::max(width() - 2 * margin, 0);
+    head_->setGeometry(margin, 0, wide, PageHead::headHeight);
+    scroller_->setGeometry(0, PageHead::headHeight, width(),
+                           std::max(height() - PageHead::headHeight, 0));
+    int top = 0;
+    if (verdict_->isVisibleTo(column_)) {
+        const int height = verdict_->heightForWidth(wide);
+        verdict_->setGeometry(margin, 0, wide, height);
+        top += height + gap;
+    }
+    for (const Entry& entry : entries_) {
+        const int height = entry.card->heightForWidth(wide);
+        entry.card->setGeometry(margin, top, wide, height);
+        top += height + gap;
+    }
+    if (noAgents_->isVisibleTo(column_)) {
+        noAgents_->setGeometry(margin, top, wide, noAgents_->sizeHint().height());
+        top += noAgents_->height();
+    }
+    column_->setFixedHeight(top + margin - gap);
+}
+
+} // namespace vellmark

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "presentation/AgentUIActions.h"
+#include "presentation/MainWindowContent.h"
+
+#include <QWidget>
+
+#include <vector>
+
+namespace vellmark {
+
+namespace kit {
+class Notice;
+class ScrollArea;
+} // namespace kit
+class AgentSummaryCard;
+class NoAgentsHint;
+class PageHead;
+
+/// The main window's overview: what is worst in one sentence, and a card per agent.
+class OverviewPage : public QWidget {
+public:
+    OverviewPage(const AgentUIActions& actions, QWidget* parent);
+
+    void setContent(const OverviewContent& content);
+    /// Brings an agent's card into view and gives it the keyboard.
+    void showAgent(const AgentProviderID& id);
+    /// The controls in reading order.
+    std::vector<QWidget*> controls() const;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    struct Entry {
+        AgentProviderID id;
+        AgentSummaryCard* card;
+    };
+    AgentSummaryCard* takeCard(std::vector<Entry>& from, const AgentProviderID& id);
+    void setCards(const OverviewContent& content);
+    void arrange();
+
+    const AgentUIActions& actions_;
+    PageHead* head_;
+    kit::ScrollArea* scroller_;
+    QWidget* column_;
+    kit::Notice* verdict_;
+    std::vector<Entry> entries_;
+    NoAgentsHint* noAgents_;
+};
+
+} // namespace vellmark

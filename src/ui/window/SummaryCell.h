@@ -1,0 +1,42 @@
+#pragma once
+
+#include "presentation/UsageRowContent.h"
+
+#include <QWidget>
+
+namespace vellmark {
+
+namespace kit {
+class Label;
+class UsageProgressBar;
+} // namespace kit
+class ForecastLine;
+
+/// One quota window in a summary card: label, large figure, bar, reset, and the forecast or how it
+/// stands to the plan. Always of one height, so that all cards are equally high.
+class SummaryCell : public QWidget {
+public:
+    static constexpr int cellHeight = 103;
+
+    explicit SummaryCell(QWidget* parent = nullptr);
+    void setContent(const UsageRowContent& content);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void arrange();
+
+    kit::Label* label_;
+    kit::Label* figure_;
+    kit::Label* figureWord_;
+    kit::UsageProgressBar* bar_;
+    kit::Label* reset_;
+    kit::Label* planning_;
+    ForecastLine* forecast_;
+};
+
+/// The bones of a cell while its values are read.
+void drawCellBones(QPainter& painter, QPoint topLeft, int width);
+
+} // namespace vellmark

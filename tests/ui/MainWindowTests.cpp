@@ -1,0 +1,92 @@
+#include "screenshots/SampleStates.h"
+#include "ui/QtEnvironment.h"
+#include "ui/kit/SidebarEntry.h"
+#include "ui/window/AgentMainWindowView.h"
+
+#include <QLabel>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace vellmark {
+namespace {
+
+using ::testing::ElementsAre;
+using testing::pressKey;
+using testing::RecordedActions;
+using testing::tabStops;
+
+class MainWindow : public ::testing::Test {
+protected:
+    void show(const UsageState& state) {
+        const Localization words = samples::words("en");
+        view.setContent(sidebarItems(state, samples::now(), words),
+                        overviewContent(state, samples::now(), words));
+        view.show();
+        view.showSelection();
+    }
+    std::vector<kit::SidebarEntry*> entries() {
+        std::vector<kit::SidebarEntry*> result;
+        for (QWidget* stop : tabStops(view)) {
+            if (auto* entry = dynamic_cast<kit::SidebarEntry*>(stop)) {
+                result.push_back(entry);
+            }
+        }
+        return result;
+    }
+    bool says(const QString& words) {
+        for (const QLabel* label : view.findChildren<QLabel*>()) {
+            if (label->isVisibleTo(&view) && label->text() == words) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    RecordedActions recorded;
+    AgentNavigationState navigation;
+    AgentMainWindowView view{recorded.actions(), navigation};
+};
+
+TEST_F(MainWindow, ListsThePagesThatThereAreAndSelectsThem) {
+    show(samples::normal());
+    ASSERT_EQ(entries().size(), 4U);
+    EXPECT_EQ(tabStops(view).front(), entries()[0]);
+    EXPECT_TRUE(entries()[0]->isChecked());
+    EXPECT_EQ(entries()[2]->accessibleName(), QStringLiteral("Claude, 16% left"));
+    entries()[2]->click();
+    EXPECT_EQ(navigation.selection(), AgentPage::provider(AgentProviderID::claude()));
+    // From a menu, a page that has no view yet: the overview, not the agent that was shown last.
+    navigation.select(AgentPage::of(AgentPage::Kind::settings));
+    view.showSelection();
+    EXPECT_TRUE(entries()[0]->isChecked());
+}
+
+TEST_F(MainWindow, ADisabledAgentHasNeitherEntryNorCard) {
+    show(samples::normal());
+    show(samples::healthy());
+    EXPECT_EQ(entries().size(), 3U);
+    EXPECT_FALSE(says(QStringLiteral("Antigravity")));
+    EXPECT_TRUE(says(QStringLiteral("Codex")));
+}
+
+TEST_F(MainWindow, SaysWhenNothingWasReadYet) {
+    show(samples::loading());
+    EXPECT_TRUE(says(QStringLiteral("Not read yet")));
+    EXPECT_TRUE(says(QStringLiteral("Reading quotas …")));
+}
+
+TEST_F(MainWindow, LeadsToAgentsAndOutOfFailures) {
+    show(samples::failed());
+    for (QWidget* stop : tabStops(view)) {
+        if (dynamic_cast<kit::SidebarEntry*>(stop) == nullptr) {
+            stop->setFocus(Qt::TabFocusReason);
+            pressKey(view, Qt::Key_Return);
+        }
+    }
+    EXPECT_THAT(recorded.calls,
+                ElementsAre("refresh", "openProvider codex", "startSetup", "openProvider claude",
+                            "startSetup", "openProvider antigravity"));
+}
+
+} // namespace
+} // namespace vellmark

@@ -1,0 +1,110 @@
+#include "screenshots/SampleStates.h"
+#include "ui/QtEnvironment.h"
+#include "ui/popover/AgentUsagePopoverView.h"
+#include "ui/popover/Popover.h"
+#include "ui/popover/PopoverPlacement.h"
+
+#include <QGuiApplication>
+#include <QMouseEvent>
+#include <QScreen>
+#include <gtest/gtest.h>
+
+namespace vellmark {
+namespace {
+
+using testing::pressKey;
+using testing::RecordedActions;
+using testing::waitUntil;
+
+struct PlacementCase {
+    const char* name;
+    QRect anchor;
+    QSize size;
+    QPoint expected;
+};
+
+class PopoverPlacement : public ::testing::TestWithParam<PlacementCase> {};
+
+TEST_P(PopoverPlacement, StaysNearTheItemAndOnTheScreen) {
+    const QRect available(0, 24, 1440, 852);
+    const PlacementCase& sample = GetParam();
+    const QSize shown(sample.size.width(), std::min(sample.size.height(), 852 - 16));
+    EXPECT_EQ(popoverPlacement(sample.anchor, sample.size, available),
+              QRect(sample.expected, shown));
+}
+
+constexpr QSize usual(430, 675);
+INSTANTIATE_TEST_SUITE_P(
+    Anchors, PopoverPlacement,
+    ::testing::Values(PlacementCase{"menuBar", {700, 0, 40, 24}, usual, {505, 32}},
+                      PlacementCase{"lowerAnchor", {700, 0, 40, 40}, usual, {505, 46}},
+                      PlacementCase{"rightEdge", {1400, 0, 40, 24}, usual, {1002, 32}},
+                      PlacementCase{"leftEdge", {0, 0, 40, 24}, usual, {8, 32}},
+                      PlacementCase{"panelBelow", {700, 876, 40, 24}, usual, {505, 193}},
+                      PlacementCase{"panelAtTheSide", {1440, 400, 32, 32}, usual, {1002, 193}},
+                      PlacementCase{"point", {300, 300, 0, 0}, {430, 300}, {85, 306}},
+                      PlacementCase{
+                          "higherThanTheScreen", {700, 0, 40, 24}, {430, 900}, {505, 32}}),
+    [](const auto& sample) { return sample.param.name; });
+
+class PopoverWindow : public ::testing::Test {
+protected:
+    PopoverWindow() { popover.setContent(content(samples::normal())); }
+    static PopoverContent content(const UsageState& state) {
+        return popoverContent(state, "overview", samples::now(), samples::words("en"));
+    }
+    bool click() {
+        return popover.toggle(anchor, [this] { ++openings; });
+    }
+
+    RecordedActions recorded;
+    Popover popover{recorded.actions()};
+    QRect anchor{400, 0, 40, 24};
+    int openings = 0;
+};
+
+TEST_F(PopoverWindow, OpensAndClosesByClicksOnTheItem) {
+    EXPECT_TRUE(click());
+    EXPECT_TRUE(popover.isVisible());
+    EXPECT_FALSE(click());
+    EXPECT_FALSE(popover.isVisible());
+    EXPECT_EQ(openings, 1);
+}
+
+TEST_F(PopoverWindow, TheClickThatClosedItFromOutsideDoesNotOpenItAgain) {
+    click();
+    popover.close();
+    EXPECT_FALSE(click());
+    EXPECT_FALSE(popover.isVisible());
+    // A later click is meant.
+    EXPECT_TRUE(waitUntil([this] { return click(); }));
+    EXPECT_EQ(openings, 2);
+}
+
+TEST_F(PopoverWindow, ClosesByEscapeAndByAPressOnItsShadow) {
+    click();
+    pressKey(popover, Qt::Key_Escape);
+    EXPECT_FALSE(popover.isVisible());
+    popover.open(anchor);
+    QMouseEvent press(QEvent::MouseButtonPress, QPointF(2, 2), QPointF(2, 2), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&popover, &press);
+    EXPECT_FALSE(popover.isVisible());
+}
+
+TEST_F(PopoverWindow, FollowsItsContentsHeightAndKeepsItsPlaceUnderTheItem) {
+    click();
+    const auto view = [this] {
+        return QRect(popover.mapToGlobal(popover.view().pos()), popover.view().size());
+    };
+    const QRect before = view();
+    popover.setContent(content(samples::healthy()));
+    EXPECT_LT(view().height(), before.height());
+    EXPECT_EQ(view().height(), popover.view().wantedHeight());
+    EXPECT_EQ(view().left(), before.left());
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    EXPECT_TRUE(screen.adjusted(8, 8, -8, -8).contains(view()) || screen.height() < 700);
+}
+
+} // namespace
+} // namespace vellmark

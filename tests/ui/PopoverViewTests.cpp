@@ -1,0 +1,203 @@
+#include "screenshots/SampleStates.h"
+#include "ui/QtEnvironment.h"
+#include "ui/kit/HealthDot.h"
+#include "ui/kit/Motion.h"
+#include "ui/popover/AgentBlock.h"
+#include "ui/popover/AgentUsagePopoverView.h"
+
+#include <QAbstractButton>
+#include <QAccessible>
+#include <QProgressBar>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTabBar>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace vellmark {
+namespace {
+
+using ::testing::ElementsAre;
+using testing::pressKey;
+using testing::RecordedActions;
+using testing::tabStops;
+
+PopoverContent content(const UsageState& state, const std::string& tab = "overview",
+                       const std::string& language = "en") {
+    return popoverContent(state, tab, samples::now(), samples::words(language));
+}
+
+/// Everything that a change of values must not move.
+std::vector<QRect> places(const QWidget& view) {
+    std::vector<QRect> result;
+    for (const auto* kind : {"QAbstractButton", "QProgressBar", "QScrollArea"}) {
+        for (const QWidget* widget : view.findChildren<QWidget*>()) {
+            if (widget->inherits(kind) && widget->isVisibleTo(&view)) {
+                result.emplace_back(widget->mapTo(&view, QPoint(0, 0)), widget->size());
+            }
+        }
+    }
+    return result;
+}
+
+class PopoverView : public ::testing::Test {
+protected:
+    PopoverView() {
+        kit::motion::setReduced(true);
+        view.onSelectTab = [this](const PopoverTab& tab) { chosen.push_back(tab.storedForm()); };
+    }
+    void show(PopoverContent shown) {
+        view.setContent(std::move(shown));
+        view.resize(AgentUsagePopoverView::viewWidth, view.wantedHeight());
+        view.show();
+        view.setFocus();
+    }
+    QTabBar& tabs() { return *view.findChild<QTabBar*>(); }
+
+    RecordedActions recorded;
+    AgentUsagePopoverView view{recorded.actions()};
+    std::vector<std::string> chosen;
+};
+
+TEST_F(PopoverView, IsAsHighAsItsContentWithinItsLimits) {
+    constexpr int frame = 72 + 46 + 1 + 58;
+    show(content(samples::normal()));
+    EXPECT_EQ(view.wantedHeight(), frame + 498);
+    show(content(samples::manyAgents()));
+    EXPECT_EQ(view.wantedHeight(), frame + AgentUsagePopoverView::mostContentHeight);
+    PopoverContent single = content(samples::balances());
+    single.agents[0].rows.clear();
+    single.agents[0].balances.clear();
+    show(single);
+    EXPECT_EQ(view.wantedHeight(), frame + AgentUsagePopoverView::leastContentHeight);
+}
+
+TEST_F(PopoverView, HasNoTabsWithoutAgentsAndLeadsToTheSettings) {
+    show(content(samples::noAgents()));
+    EXPECT_FALSE(tabs().isVisibleTo(&view));
+    const std::vector<QWidget*> stops = tabStops(view);
+    ASSERT_EQ(stops.size(), 5U);
+    qobject_cast<QAbstractButton*>(stops[1])->click();
+    EXPECT_THAT(recorded.calls, ElementsAre("openSettings"));
+}
+
+TEST_F(PopoverView, ChangesValuesInPlace) {
+    show(content(samples::normal()));
+    const auto bars = view.findChildren<QProgressBar*>();
+    const std::vector<QRect> before = places(view);
+    UsageState refreshing = samples::refreshing();
+    show(content(refreshing));
+    EXPECT_EQ(places(view), before);
+    refreshing.snapshots[0].windows[0].usedPercent = 31;
+    show(content(refreshing));
+    EXPECT_EQ(view.findChildren<QProgressBar*>(), bars);
+    EXPECT_EQ(places(view), before);
+    EXPECT_EQ(bars.front()->value(), 69);
+}
+
+TEST_F(PopoverView, KeepsBlocksWithTheirAgentsWhenOneGoes) {
+    show(content(samples::normal()));
+    UsageState fewer = samples::normal();
+    fewer.snapshots.erase(fewer.snapshots.begin());
+    fewer.enabledProviderIDs.erase(AgentProviderID::codex());
+    show(content(fewer));
+    std::vector<std::string> names;
+    for (QWidget* stop : tabStops(view)) {
+        if (dynamic_cast<AgentBlock*>(stop) != nullptr) {
+            names.push_back(qobject_cast<QAbstractButton*>(stop)->text().toStdString());
+        }
+    }
+    EXPECT_THAT(names, ElementsAre("Claude", "Antigravity"));
+    EXPECT_EQ(tabs().count(), 3);
+}
+
+TEST_F(PopoverView, IsDrivenByTheKeyboard) {
+    show(content(samples::normal()));
+    pressKey(view, Qt::Key_3, Qt::ControlModifier);
+    pressKey(view, Qt::Key_Right);
+    pressKey(view, Qt::Key_Right);
+    pressKey(view, Qt::Key_9, Qt::ControlModifier);
+    pressKey(view, Qt::Key_Left);
+    pressKey(view, Qt::Key_1, Qt::ControlModifier);
+    EXPECT_THAT(chosen, ElementsAre("provider:claude", "provider:antigravity", "provider:claude",
+                                    "overview"));
+    tabs().setFocus(Qt::TabFocusReason);
+    pressKey(view, Qt::Key_Right);
+    EXPECT_EQ(chosen.back(), "provider:codex");
+    pressKey(view, Qt::Key_R, Qt::ControlModifier);
+    EXPECT_THAT(recorded.calls, ElementsAre("refresh"));
+}
+
+TEST_F(PopoverView, ReachesEveryControlByTabAndPressesItByReturn) {
+    show(content(samples::failed()));
+    for (QWidget* stop : tabStops(view)) {
+        stop->setFocus(Qt::TabFocusReason);
+        pressKey(view, Qt::Key_Return);
+    }
+    EXPECT_THAT(recorded.calls,
+                ElementsAre("refresh", "openProvider codex", "startSetup", "openProvider claude",
+                            "startSetup", "openProvider antigravity", "openWindow", "showAbout",
+                            "quit"));
+}
+
+TEST_F(PopoverView, KeepsTheKeyboardNearWhenItsControlGoesOutOfSight) {
+    show(content(samples::normal()));
+    for (QWidget* stop : tabStops(view)) {
+        if (dynamic_cast<AgentBlock*>(stop) != nullptr) {
+            stop->setFocus(Qt::TabFocusReason);
+        }
+    }
+    ASSERT_NE(view.window()->focusWidget(), nullptr);
+    pressKey(view, Qt::Key_2, Qt::ControlModifier);
+    EXPECT_EQ(view.window()->focusWidget(), &tabs());
+}
+
+TEST_F(PopoverView, TellsAssistiveSoftwareWhatEveryControlIs) {
+    for (const char* tab : {"overview", "provider:codex"}) {
+        show(content(samples::stale(), tab));
+        for (QWidget* stop : tabStops(view)) {
+            QAccessibleInterface* told = QAccessible::queryAccessibleInterface(stop);
+            ASSERT_NE(told, nullptr);
+            if (told->role() == QAccessible::PageTabList) {
+                EXPECT_EQ(told->child(1)->text(QAccessible::Name),
+                          QStringLiteral("Codex: 34 min old. "
+                                         "Codex did not answer in time."));
+                EXPECT_TRUE(told->child(1)->role() == QAccessible::PageTab);
+            } else {
+                EXPECT_FALSE(told->text(QAccessible::Name).isEmpty());
+                EXPECT_EQ(told->role(), QAccessible::Button);
+            }
+        }
+        const auto* bar = view.findChild<QProgressBar*>();
+        QAccessibleInterface* told =
+            QAccessible::queryAccessibleInterface(const_cast<QProgressBar*>(bar));
+        EXPECT_EQ(told->role(), QAccessible::ProgressBar);
+        EXPECT_EQ(told->text(QAccessible::Name), QStringLiteral("Session: 22% used"));
+        EXPECT_EQ(told->valueInterface()->currentValue().toInt(), 78);
+    }
+}
+
+TEST_F(PopoverView, ShortensWordsButNeverNumbers) {
+    show(content(samples::longTexts(), "overview", "de"));
+    bool isValueWhole = false;
+    for (const QLabel* label : view.findChildren<QLabel*>()) {
+        if (label->text().endsWith(QStringLiteral("übrig")) && label->isVisibleTo(&view)) {
+            isValueWhole = true;
+            EXPECT_GE(label->width(), label->sizeHint().width()) << label->text().toStdString();
+        }
+    }
+    EXPECT_TRUE(isValueWhole);
+}
+
+TEST_F(PopoverView, ScrollsWhatDoesNotFitAndStartsAtTheTopOfATab) {
+    show(content(samples::manyAgents()));
+    auto* scroller = view.findChild<QScrollArea*>(QStringLiteral("content"));
+    ASSERT_NE(scroller, nullptr);
+    pressKey(view, Qt::Key_PageDown);
+    EXPECT_GT(scroller->verticalScrollBar()->value(), 0);
+    pressKey(view, Qt::Key_2, Qt::ControlModifier);
+    EXPECT_EQ(scroller->verticalScrollBar()->value(), 0);
+}
+
+} // namespace
+} // namespace vellmark

@@ -1,0 +1,87 @@
+#include "ui/QtEnvironment.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <thread>
+
+namespace vellmark::testing {
+
+namespace {
+
+/// One application for all tests of the program, drawing without a display.
+class QtEnvironment : public ::testing::Environment {
+public:
+    void SetUp() override {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        application_ = std::make_unique<QApplication>(count_, arguments_);
+        QFont font = QApplication::font();
+        font.setFamily(QStringLiteral("Inter"));
+        QApplication::setFont(font);
+    }
+    void TearDown() override { application_.reset(); }
+
+private:
+    char name_[9] = "ui_tests";
+    char* arguments_[2] = {name_, nullptr};
+    int count_ = 1;
+    std::unique_ptr<QApplication> application_;
+};
+
+[[maybe_unused]] const auto* const environment =
+    ::testing::AddGlobalTestEnvironment(new QtEnvironment);
+
+} // namespace
+
+bool waitUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            return false;
+        }
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
+
+void pressKey(QWidget& window, int key, Qt::KeyboardModifiers modifiers) {
+    QWidget* target = window.focusWidget() != nullptr ? window.focusWidget() : &window;
+    QKeyEvent press(QEvent::KeyPress, key, modifiers);
+    QCoreApplication::sendEvent(target, &press);
+    QKeyEvent release(QEvent::KeyRelease, key, modifiers);
+    QCoreApplication::sendEvent(target, &release);
+}
+
+AgentUIActions RecordedActions::actions() {
+    const auto note = [this](std::string call) {
+        return [this, call = std::move(call)] { calls.push_back(call); };
+    };
+    return {
+        .refresh = note("refresh"),
+        .openWindow = note("openWindow"),
+        .openProvider =
+            [this](const AgentProviderID& id) { calls.push_back("openProvider " + id.rawValue); },
+        .openSettings = note("openSettings"),
+        .showAbout = note("showAbout"),
+        .startSetup = note("startSetup"),
+        .showLegal = [this](LegalDocument) { calls.emplace_back("showLegal"); },
+        .showSupportReport = note("showSupportReport"),
+        .quit = note("quit")};
+}
+
+std::vector<QWidget*> tabStops(QWidget& window) {
+    std::vector<QWidget*> stops;
+    for (QWidget* widget = window.nextInFocusChain(); widget != &window;
+         widget = widget->nextInFocusChain()) {
+        const bool isStop = (widget->focusPolicy() & Qt::TabFocus) != 0;
+        if (isStop && widget->isVisibleTo(&window) && widget->isEnabled()) {
+            stops.push_back(widget);
+        }
+    }
+    return stops;
+}
+
+} // namespace vellmark::testing

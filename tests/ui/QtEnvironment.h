@@ -1,0 +1,30 @@
+#pragma once
+
+#include "presentation/AgentUIActions.h"
+
+#include <QWidget>
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace vellmark::testing {
+
+/// Works through events until `condition` holds; false when it does not within `limit`.
+bool waitUntil(const std::function<bool()>& condition,
+               std::chrono::milliseconds limit = std::chrono::seconds(20));
+
+/// Presses and releases a key where the keyboard is.
+void pressKey(QWidget& window, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+
+/// Writes down what views ask for, in order: "refresh", "openProvider codex" …
+struct RecordedActions {
+    std::vector<std::string> calls;
+    AgentUIActions actions();
+};
+
+/// The visible descendants of exactly these kinds that the keyboard can reach, in tab order.
+std::vector<QWidget*> tabStops(QWidget& window);
+
+} // namespace vellmark::testing

@@ -1,0 +1,106 @@
+#include "probes/ProviderRegistry.h"
+#include "ui/Conversions.h"
+#include "ui/kit/Theme.h"
+
+#include <QApplication>
+#include <QPalette>
+#include <gtest/gtest.h>
+
+namespace vellmark::kit {
+namespace {
+
+constexpr double readable = 4.5;
+constexpr double seen = 3.0;
+
+using Role = ColorRole;
+using Roles = std::vector<Role>;
+
+/// Grounds on which any text may stand.
+const Roles grounds{Role::window, Role::sidebar,       Role::popover,      Role::card,
+                    Role::inset,  Role::fill,          Role::hover,        Role::select,
+                    Role::track,  Role::attentionWash, Role::criticalWash, Role::neutralWash};
+const Roles controlGrounds{Role::fillHover, Role::fillPressed};
+
+class ThemeContrast : public ::testing::TestWithParam<const Theme*> {
+protected:
+    void expectContrast(const Roles& marks, const Roles& on, double least) {
+        for (const Role mark : marks) {
+            for (const Role ground : on) {
+                EXPECT_GE(contrastRatio(GetParam()->color(mark), GetParam()->color(ground)), least)
+                    << "role " << static_cast<int>(mark) << " on " << static_cast<int>(ground);
+            }
+        }
+    }
+};
+
+TEST_P(ThemeContrast, TextCanBeReadWhereverItMayStand) {
+    expectContrast({Role::ink, Role::ink2, Role::ink3}, grounds, readable);
+    expectContrast({Role::ink, Role::ink2}, controlGrounds, readable);
+    expectContrast({Role::ink}, {Role::segmentOn}, readable);
+}
+
+TEST_P(ThemeContrast, ForecastLinesCanBeReadAlsoWhenTheirRowIsPointedAtAndPressed) {
+    expectContrast({Role::attentionText, Role::criticalText},
+                   {Role::popover, Role::card, Role::window, Role::hover, Role::select}, readable);
+}
+
+TEST_P(ThemeContrast, MarksCanBeSeenOnTrackAndGround) {
+    expectContrast({Role::healthy, Role::attention, Role::critical},
+                   {Role::track, Role::popover, Role::card, Role::window}, seen);
+    expectContrast({Role::attention}, {Role::attentionWash}, seen);
+    expectContrast({Role::critical}, {Role::criticalWash}, seen);
+    expectContrast({Role::refreshing, Role::none, Role::focus},
+                   {Role::popover, Role::card, Role::window}, seen);
+}
+
+TEST_P(ThemeContrast, WordsOnPrimaryButtonsAndLettersOnLogosCanBeRead) {
+    expectContrast({Role::onPrimary}, {Role::primary, Role::primaryHover, Role::primaryPressed},
+                   readable);
+    for (const ProviderRegistration& registration : providerRegistry()) {
+        const ProviderDescriptor& agent = registration.descriptor;
+        const QColor accent = qColor(GetParam()->isDark() ? agent.accentDark : agent.accentLight);
+        EXPECT_GE(contrastRatio(GetParam()->color(Role::onAccent), accent), readable)
+            << agent.id.rawValue;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Appearances, ThemeContrast,
+                         ::testing::Values(&Theme::light(), &Theme::dark()),
+                         [](const auto& sample) {
+                             return sample.param->isDark() ? "Dark" : "Light";
+                         });
+
+TEST(Theme, ContrastIsThatOfTheGuidelines) {
+    EXPECT_NEAR(contrastRatio(Qt::white, Qt::black), 21, 0.001);
+    EXPECT_NEAR(contrastRatio(QColor(0x77, 0x77, 0x77), Qt::white), 4.48, 0.01);
+}
+
+TEST(Theme, TakesTheSystemsHighlightForTheFocusWhereItCanBeSeen) {
+    const QColor violet(0x8A, 0x2B, 0xE2);
+    Theme::setCurrent(Theme::Appearance::light, violet);
+    EXPECT_EQ(color(Role::focus), violet);
+    // A pale highlight would not show around a white field.
+    Theme::setCurrent(Theme::Appearance::light, QColor(0xF0, 0xE0, 0xA0));
+    EXPECT_EQ(color(Role::focus), Theme::light().color(Role::focus));
+    Theme::setCurrent(Theme::Appearance::dark, std::nullopt);
+    EXPECT_EQ(color(Role::focus), Theme::dark().color(Role::focus));
+    Theme::setCurrent(Theme::Appearance::light, std::nullopt);
+}
+
+TEST(Theme, ADarkThemeDoesNotMakeTheSystemDark) {
+    const bool before = Theme::isSystemDark();
+    for (const auto appearance : {Theme::Appearance::dark, Theme::Appearance::light}) {
+        Theme::setCurrent(appearance, std::nullopt);
+        EXPECT_EQ(Theme::isSystemDark(), before);
+        EXPECT_EQ(QApplication::palette().color(QPalette::Window), color(Role::window));
+    }
+}
+
+TEST(Theme, FadesFromNothingWithoutPassingThroughBlack) {
+    const QColor half = mixed(Qt::transparent, QColor(200, 100, 50), 0.5);
+    EXPECT_EQ(half.rgb(), QColor(200, 100, 50).rgb());
+    EXPECT_NEAR(half.alphaF(), 0.5, 0.01);
+}
+
+} // namespace
+} // namespace vellmark::kit
