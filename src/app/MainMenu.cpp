@@ -1,0 +1,121 @@
+#include "app/MainMenu.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QKeySequence>
+#include <QMenu>
+#include <QMenuBar>
+#include <QShortcut>
+#include <QWidget>
+
+#include <algorithm>
+
+namespace vellmark {
+namespace {
+
+/// Whether the system shows one menu bar for the application in front.
+bool hasSystemMenuBar() {
+    return !QCoreApplication::testAttribute(Qt::AA_DontUseNativeMenuBar) &&
+           QGuiApplication::platformName() == QLatin1String("cocoa");
+}
+
+QAction::MenuRole roleOf(std::string_view action) {
+    if (action == menuAction::showAbout)
+        return QAction::AboutRole;
+    if (action == menuAction::showSettings)
+        return QAction::PreferencesRole;
+    if (action == menuAction::terminate)
+        return QAction::QuitRole;
+    return QAction::NoRole;
+}
+
+} // namespace
+
+MainMenu::MainMenu(Events events) : events_(std::move(events)) {
+    if (hasSystemMenuBar())
+        systemBar_ = std::make_unique<QMenuBar>(nullptr);
+}
+
+MainMenu::~MainMenu() = default;
+
+void MainMenu::rebuild(const std::vector<MenuContent>& menus) {
+    entries_.clear();
+    menus_.clear();
+    for (const MenuContent& content : menus) {
+        auto menu = std::make_unique<QMenu>(QString::fromStdString(content.title));
+        connect(menu.get(), &QMenu::aboutToShow, this, &MainMenu::validate);
+        for (const MenuItemContent& item : content.items)
+            add(*menu, item);
+        if (systemBar_)
+            systemBar_->addMenu(menu.get());
+        menus_.push_back(std::move(menu));
+    }
+    for (QWidget* window : windows_) {
+        for (const Entry& entry : entries_)
+            window->addAction(entry.action);
+    }
+    validate();
+}
+
+void MainMenu::add(QMenu& menu, const MenuItemContent& item) {
+    if (item.isSeparator()) {
+        menu.addSeparator();
+        return;
+    }
+    QAction* action = menu.addAction(QString::fromStdString(item.title));
+    action->setMenuRole(roleOf(item.action));
+    if (item.key != 0)
+        action->setShortcut(QKeySequence(Qt::CTRL | Qt::Key(QChar(item.key).toUpper().unicode())));
+    connect(action, &QAction::triggered, this,
+            [this, name = item.action] { events_.choose(name); });
+    entries_.push_back({action, item.action});
+}
+
+void MainMenu::attach(QWidget& window) {
+    windows_.push_back(&window);
+    connect(&window, &QObject::destroyed, this, [this, gone = &window] {
+        windows_.erase(std::remove(windows_.begin(), windows_.end(), gone), windows_.end());
+    });
+    if (systemBar_)
+        return;
+    for (const Entry& entry : entries_)
+        window.addAction(entry.action);
+    auto* open = new QShortcut(Qt::Key_F10, &window);
+    connect(open, &QShortcut::activated, this, [this, at = &window] { popUp(*at); });
+}
+
+void MainMenu::popUp(QWidget& window) {
+    QMenu root;
+    for (const auto& menu : menus_)
+        root.addMenu(menu.get());
+    root.exec(window.mapToGlobal(QPoint(8, 8)));
+}
+
+bool MainMenu::performInResponderChain(std::string_view action) {
+    QWidget* window = QApplication::activeWindow();
+    QWidget* focus = QApplication::focusWidget();
+    if (action == menuAction::closeWindow) {
+        if (window)
+            window->close();
+    } else if (action == menuAction::minimize) {
+        if (window)
+            window->showMinimized();
+    } else if (action == menuAction::hide) {
+        for (QWidget* each : windows_)
+            each->hide();
+    } else if (action == menuAction::copy || action == menuAction::selectAll) {
+        const QByteArray method = QByteArray(action.data(), qsizetype(action.size())) + "()";
+        if (focus && focus->metaObject()->indexOfMethod(method) >= 0)
+            QMetaObject::invokeMethod(focus, std::string(action).c_str());
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void MainMenu::validate() {
+    for (const Entry& entry : entries_)
+        entry.action->setEnabled(events_.isEnabled(entry.name));
+}
+
+} // namespace vellmark

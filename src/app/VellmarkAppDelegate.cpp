@@ -1,0 +1,433 @@
+#include "app/VellmarkAppDelegate.h"
+
+#include "presentation/MainWindowContent.h"
+#include "presentation/PopoverContent.h"
+#include "probes/BoundedProcess.h"
+#include "setup/AgentSetupStatus.h"
+#include "ui/AboutWindow.h"
+#include "ui/GlyphPainter.h"
+#include "ui/kit/Motion.h"
+#include "ui/kit/Theme.h"
+#include "ui/popover/AgentUsagePopoverView.h"
+#include "ui/popover/Popover.h"
+#include "ui/window/AgentMainWindowView.h"
+
+#include <QApplication>
+#include <QDesktopServices>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QSaveFile>
+#include <QStandardPaths>
+#include <QUrl>
+
+#include <algorithm>
+#include <chrono>
+#include <map>
+#include <utility>
+
+namespace vellmark {
+namespace {
+
+constexpr std::string_view popoverTabKey = "PopoverSelectedTab";
+constexpr std::string_view setupCompletedKey = "SetupAssistantCompleted";
+constexpr Seconds terminationGrace{1.0};
+constexpr int exportedActivityDays = 30;
+
+Instant now() {
+    return ReferenceClock::now();
+}
+
+Seconds steadySeconds() {
+    return std::chrono::duration_cast<Seconds>(std::chrono::steady_clock::now().time_since_epoch());
+}
+
+QString qText(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+bool isEveryAgentRead(const UsageState& state) {
+    return std::ranges::all_of(state.snapshots, [](const AgentUsageSnapshot& snapshot) {
+        return snapshot.source == SnapshotSource::live && !snapshot.error;
+    });
+}
+
+/// The demo is a world of its own beside a running instance.
+std::string instanceIdentifier(const LaunchOptions& options) {
+    return options.isDemo || !options.sandbox.empty() ? "app.vellmark.Vellmark.Demo"
+                                                      : "app.vellmark.Vellmark";
+}
+
+} // namespace
+
+VellmarkAppDelegate::VellmarkAppDelegate(LaunchOptions options, Machine machine)
+    : options_(std::move(options)), isRunningTests_(options_.isRunningTests),
+      machine_(std::move(machine)), preferences_(makePreferences(machine_)),
+      language_(*preferences_, UserLocale::of(machine_.environment), options_.language),
+      appearance_(*preferences_), actions_(makeActions()),
+      mainMenu_(
+          {.choose = [this](std::string_view action) { menuItemChosen(action); },
+           .isEnabled = [this](std::string_view action) { return validateMenuItem(action); }}),
+      mainWindow_({.identifier = "main",
+                   .autosaveName = "VellmarkMainWindow",
+                   .make = [this] { return makeMainWindow(); },
+                   .title = [this] { return qText(words().text("app.name")); },
+                   .onVisibilityChange = [this] { mainMenu_.validate(); }},
+                  windowPresence_, *preferences_),
+      aboutWindow_({.identifier = "about",
+                    .autosaveName = {},
+                    .make = [this] { return makeAboutWindow(); },
+                    .title = [this] { return qText(words().text("about.title")); },
+                    .onVisibilityChange = {}},
+                   windowPresence_, *preferences_) {
+    navigation_.onChange = [this] {
+        mainMenu_.validate();
+        if (mainWindowView_)
+            mainWindowView_->showSelection();
+    };
+}
+
+VellmarkAppDelegate::~VellmarkAppDelegate() {
+    applicationWillTerminate();
+}
+
+LaunchOutcome VellmarkAppDelegate::applicationDidFinishLaunching() {
+    return runLaunchSequence(options_, *this);
+}
+
+void VellmarkAppDelegate::applicationWillTerminate() {
+    if (isRunningTests_ || std::exchange(hasTerminated_, true))
+        return;
+    loops_.reset();
+    mainWindow_.saveFrame();
+    if (store_)
+        store_->abortRefresh();
+    terminateAllChildren(terminationGrace);
+    if (setupCheck_.joinable())
+        setupCheck_.join();
+}
+
+bool VellmarkAppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/) {
+    if (!isRunningTests_)
+        showMainWindow();
+    return false;
+}
+
+bool VellmarkAppDelegate::validateMenuItem(std::string_view action) const {
+    return isMenuItemEnabled(action, mainWindow_.isVisible(), navigation_.selection());
+}
+
+// Launch
+
+bool VellmarkAppDelegate::handOverToRunningInstance() {
+    singleInstance_ = claimSingleInstance(
+        loop_,
+        {.identifier = instanceIdentifier(options_),
+         .directory = machine_.supportDirectory(),
+         .onShow = [this] { executor_.post([this] { applicationShouldHandleReopen(false); }); }});
+    return singleInstance_ == nullptr;
+}
+
+void VellmarkAppDelegate::terminate() {
+    executor_.post([] { QCoreApplication::quit(); });
+}
+
+void VellmarkAppDelegate::becomeAccessory() {
+    setActivationPolicy(ActivationPolicy::accessory);
+}
+
+void VellmarkAppDelegate::buildMainMenu() {
+    mainMenu_.rebuild(mainMenuContent(words()));
+}
+
+void VellmarkAppDelegate::applyAppearance() {
+    const ColorScheme scheme =
+        systemAppearance_ ? systemAppearance_->colorScheme() : ColorScheme::noPreference;
+    kit::motion::setReduced(systemAppearance_ && systemAppearance_->reducesMotion());
+    const bool paletteIsDark = kit::Theme::isSystemDark();
+    kit::Theme::setCurrent(appearance_.isDark(scheme, paletteIsDark)
+                               ? kit::Theme::Appearance::dark
+                               : kit::Theme::Appearance::light);
+    if (statusItem_)
+        statusItem_->setPanelScheme(scheme);
+}
+
+void VellmarkAppDelegate::observeAppearance() {
+    const auto changed = [this] {
+        applyAppearance();
+        reevaluateStatusItem();
+    };
+    appearance_.onChange = changed;
+    systemAppearance_ = observeSystemAppearance(loop_, changed);
+}
+
+void VellmarkAppDelegate::createStatusItem() {
+    store_ = std::make_unique<AgentUsageStore>(
+        AgentUsageStore::Configuration{.machine = machine_,
+                                       .registrations = providerRegistry(),
+                                       .words = [this] { return words(); }},
+        executor_, *preferences_);
+    statusItem_ =
+        makeStatusItem(loop_, *preferences_,
+                       {.toggle = [this](const QRect& anchor) { togglePopoverAt(anchor); },
+                        .menuAction = [this](std::string_view action) { menuItemChosen(action); }});
+    statusItem_->setMenu(statusItemMenuContent(words()));
+    reevaluateStatusItem();
+}
+
+void VellmarkAppDelegate::configurePopover() {
+    popover_ = std::make_unique<Popover>(actions_);
+    popover_->view().onSelectTab = [this](const PopoverTab& tab) {
+        preferences_->setString(popoverTabKey, tab.storedForm());
+    };
+}
+
+void VellmarkAppDelegate::observeStore() {
+    storeSubscription_ =
+        store_->observe({.willChange = [this] { storeChanged(); }, .didChange = {}});
+}
+
+/// The change has not landed yet; several in one turn of the loop are looked at once.
+void VellmarkAppDelegate::storeChanged() {
+    if (std::exchange(isReevaluationPosted_, true))
+        return;
+    executor_.post([this] {
+        isReevaluationPosted_ = false;
+        asksForSetup_ = asksForSetup_ && !isEveryAgentRead(store_->state());
+        reevaluateStatusItem();
+        updateVisibleViews();
+    });
+}
+
+void VellmarkAppDelegate::observeLanguage() {
+    language_.onChange = [this] {
+        reevaluateStatusItem();
+        statusItem_->setMenu(statusItemMenuContent(words()));
+        buildMainMenu();
+        mainWindow_.retitle();
+        aboutWindow_.retitle();
+        if (auto* about = dynamic_cast<AboutWindow*>(aboutWindow_.window()))
+            about->setWords(words());
+        updateVisibleViews();
+    };
+}
+
+void VellmarkAppDelegate::startLaunchRefresh() {
+    store_->refresh(RefreshTrigger::launch);
+}
+
+void VellmarkAppDelegate::startLoops() {
+    loops_ = std::make_unique<AppLoops>(
+        executor_,
+        AppLoops::Actions{.reevaluateStatusItem = [this] { minuteTick(); },
+                          .refresh = [this](RefreshTrigger trigger) { store_->refresh(trigger); },
+                          .trimLog = [this] { store_->trimLog(); },
+                          .holdAutomaticRefreshesUntil =
+                              [this](Instant until) { store_->setAutomaticHoldUntil(until); },
+                          .now = now});
+    loops_->start();
+}
+
+void VellmarkAppDelegate::observeWake() {
+    wakeObserver_ = vellmark::observeWake(loop_, [this] {
+        if (loops_)
+            loops_->systemDidWake();
+    });
+}
+
+void VellmarkAppDelegate::runFirstRun() {
+    if (preferences_->boolean(setupCompletedKey).value_or(false))
+        return;
+    setupCheck_ = std::thread([this] {
+        const std::vector<AgentSetupStatus> statuses =
+            agentSetupStatuses(machine_, providerRegistry());
+        const bool isNeeded = std::ranges::any_of(statuses, vellmark::needsSetup);
+        executor_.post([this, isNeeded] { finishFirstRun(isNeeded); });
+    });
+}
+
+void VellmarkAppDelegate::finishFirstRun(bool needsSetup) {
+    if (needsSetup && !hasTerminated_)
+        askForSetup();
+}
+
+void VellmarkAppDelegate::askForSetup() {
+    asksForSetup_ = true;
+    showPage(AgentPage::of(AgentPage::Kind::overview));
+}
+
+// Showing
+
+void VellmarkAppDelegate::reevaluateStatusItem() {
+    if (!statusItem_)
+        return;
+    StatusItemContent content = statusItemContent(store_->state(), now(), words());
+    if (needsRedraw(drawnGlyph_, content.glyph))
+        drawnGlyph_ = content.glyph;
+    else
+        content.glyph = *drawnGlyph_;
+    statusItem_->show(content);
+}
+
+void VellmarkAppDelegate::minuteTick() {
+    reevaluateStatusItem();
+    updateVisibleViews();
+    if (!wakeObserver_ && clockJump_.look(now(), steadySeconds()))
+        loops_->systemDidWake();
+}
+
+void VellmarkAppDelegate::updateVisibleViews() {
+    if (popover_ && popover_->isVisible())
+        updatePopover();
+    updateMainWindow();
+}
+
+void VellmarkAppDelegate::updateMainWindow() {
+    if (mainWindow_.isVisible())
+        mainWindowView_->setContent(
+            sidebarItems(store_->state(), now(), words()),
+            overviewContent(store_->state(), now(), words(), asksForSetup_));
+}
+
+void VellmarkAppDelegate::updatePopover() {
+    popover_->setContent(popoverContent(
+        store_->state(), preferences_->string(popoverTabKey).value_or("overview"), now(), words()));
+}
+
+void VellmarkAppDelegate::togglePopover() {
+    togglePopoverAt(statusItem_ ? statusItem_->anchor() : QRect());
+}
+
+void VellmarkAppDelegate::togglePopoverAt(const QRect& anchor) {
+    if (!popover_)
+        return;
+    const bool isOpen = popover_->toggle(anchor, [this] {
+        store_->refresh(RefreshTrigger::window);
+        updatePopover();
+    });
+    if (isOpen)
+        activateApplication();
+}
+
+void VellmarkAppDelegate::closePopover() {
+    if (popover_)
+        popover_->close();
+}
+
+void VellmarkAppDelegate::showMainWindow() {
+    closePopover();
+    mainWindow_.show();
+    store_->refresh(RefreshTrigger::window);
+    updateMainWindow();
+}
+
+void VellmarkAppDelegate::showPage(AgentPage page) {
+    navigation_.select(std::move(page));
+    showMainWindow();
+}
+
+void VellmarkAppDelegate::showAbout() {
+    closePopover();
+    aboutWindow_.show();
+}
+
+std::unique_ptr<QWidget> VellmarkAppDelegate::makeMainWindow() {
+    auto window = std::make_unique<AgentMainWindowView>(actions_, navigation_);
+    window->setMinimumSize(AgentMainWindowView::leastSize);
+    window->resize(AgentMainWindowView::firstSize);
+    window->setWindowIcon(applicationIcon());
+    mainWindowView_ = window.get();
+    mainMenu_.attach(*window);
+    return window;
+}
+
+std::unique_ptr<QWidget> VellmarkAppDelegate::makeAboutWindow() {
+    auto window = std::make_unique<AboutWindow>(words());
+    window->setWindowIcon(applicationIcon());
+    mainMenu_.attach(*window);
+    return window;
+}
+
+// Actions
+
+AgentUIActions VellmarkAppDelegate::makeActions() {
+    return {
+        .refresh = [this] { store_->refresh(RefreshTrigger::manual); },
+        .openWindow = [this] { showMainWindow(); },
+        .openProvider = [this](const AgentProviderID& id) { showPage(AgentPage::provider(id)); },
+        .openSettings = [this] { showSettingsFromMenu(); },
+        .showAbout = [this] { showAbout(); },
+        .startSetup = [this] { askForSetup(); },
+        .showLegal = [](LegalDocument) {},
+        .showSupportReport = [this] { showSupportReportFromMenu(); },
+        .quit = [] { QCoreApplication::quit(); },
+    };
+}
+
+void VellmarkAppDelegate::menuItemChosen(std::string_view action) {
+    using Delegate = VellmarkAppDelegate;
+    static const std::map<std::string_view, void (Delegate::*)()> methods{
+        {menuAction::showAbout, &Delegate::showAboutFromMenu},
+        {menuAction::showSettings, &Delegate::showSettingsFromMenu},
+        {menuAction::saveActivity, &Delegate::saveActivityFromMenu},
+        {menuAction::showSupportReport, &Delegate::showSupportReportFromMenu},
+        {menuAction::openWebsite, &Delegate::openWebsite},
+        {menuAction::openSupport, &Delegate::openSupport},
+        {menuAction::showTerms, &Delegate::showTermsFromMenu},
+        {menuAction::showPrivacy, &Delegate::showPrivacyFromMenu},
+        {menuAction::openWindow, &Delegate::showMainWindow},
+    };
+    if (const auto method = methods.find(action); method != methods.end())
+        (this->*method->second)();
+    else if (action == menuAction::refresh)
+        store_->refresh(RefreshTrigger::manual);
+    else if (action == menuAction::terminate)
+        QCoreApplication::quit();
+    else
+        mainMenu_.performInResponderChain(action);
+}
+
+void VellmarkAppDelegate::showAboutFromMenu() {
+    showAbout();
+}
+
+void VellmarkAppDelegate::showSettingsFromMenu() {
+    showPage(AgentPage::of(AgentPage::Kind::settings));
+}
+
+void VellmarkAppDelegate::saveActivityFromMenu() {
+    const QString directory = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    const QString path = QFileDialog::getSaveFileName(
+        mainWindow_.window(), {}, directory + '/' + qText(activityExportFileName(now())));
+    if (path.isEmpty())
+        return;
+    const std::string text = store_->activityExportText(exportedActivityDays);
+    QSaveFile file(path);
+    const auto size = static_cast<qint64>(text.size());
+    if (!file.open(QIODevice::WriteOnly) || file.write(text.data(), size) != size || !file.commit())
+        QMessageBox::warning(
+            mainWindow_.window(), qText(words().text("app.name")),
+            qText(words().format("menu.saveActivity.failed",
+                                 {path.toStdString(), file.errorString().toStdString()})));
+}
+
+void VellmarkAppDelegate::showSupportReportFromMenu() {
+    showPage(AgentPage::of(AgentPage::Kind::help));
+}
+
+void VellmarkAppDelegate::openWebsite() {
+    QDesktopServices::openUrl(QUrl(qText(websiteURL(words()))));
+}
+
+void VellmarkAppDelegate::openSupport() {
+    QDesktopServices::openUrl(QUrl(qText(supportURL(words()))));
+}
+
+void VellmarkAppDelegate::showTermsFromMenu() {
+    showAbout();
+}
+
+void VellmarkAppDelegate::showPrivacyFromMenu() {
+    showAbout();
+}
+
+} // namespace vellmark

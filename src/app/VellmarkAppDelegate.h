@@ -1,0 +1,134 @@
+#pragma once
+
+#include "app/MainMenu.h"
+#include "app/QtDescriptorWatcher.h"
+#include "app/QtExecutor.h"
+#include "app/StatusItem.h"
+#include "app/WindowController.h"
+#include "platform/Machine.h"
+#include "platform/SingleInstance.h"
+#include "platform/SystemAppearance.h"
+#include "platform/Wake.h"
+#include "presentation/AgentUIActions.h"
+#include "presentation/AppAppearance.h"
+#include "presentation/AppLoops.h"
+#include "presentation/ClockJump.h"
+#include "presentation/LanguageManager.h"
+#include "presentation/LaunchSequence.h"
+#include "presentation/WindowPresenceController.h"
+#include "store/AgentUsageStore.h"
+
+#include <QRect>
+
+#include <memory>
+#include <optional>
+#include <thread>
+
+namespace vellmark {
+
+class AgentMainWindowView;
+class Popover;
+
+/// The hub of the application: owns the status item, the popover, the menu, every window and the
+/// store, starts what runs for as long as the application does, and ends it. Lives for the whole
+/// process, on the main thread.
+class VellmarkAppDelegate final : private LaunchSteps {
+public:
+    VellmarkAppDelegate(LaunchOptions options, Machine machine);
+    ~VellmarkAppDelegate() override;
+    VellmarkAppDelegate(const VellmarkAppDelegate&) = delete;
+    VellmarkAppDelegate& operator=(const VellmarkAppDelegate&) = delete;
+
+    LaunchOutcome applicationDidFinishLaunching();
+    bool applicationShouldTerminate() const { return true; }
+    void applicationWillTerminate();
+    /// The program was opened again. Always answers false: nothing else is to be opened.
+    bool applicationShouldHandleReopen(bool hasVisibleWindows);
+    bool validateMenuItem(std::string_view action) const;
+    /// What the settings choose.
+    LanguageManager& languageManager() { return language_; }
+    AppAppearance& appearance() { return appearance_; }
+
+    // The actions of menus and buttons; their names are the names in the menus.
+    void togglePopover();
+    void showAboutFromMenu();
+    void showSettingsFromMenu();
+    void saveActivityFromMenu();
+    void showSupportReportFromMenu();
+    void openWebsite();
+    void openSupport();
+    void showTermsFromMenu();
+    void showPrivacyFromMenu();
+
+private:
+    // The launch, step by step.
+    bool handOverToRunningInstance() override;
+    void terminate() override;
+    void becomeAccessory() override;
+    void buildMainMenu() override;
+    void applyAppearance() override;
+    void observeAppearance() override;
+    void createStatusItem() override;
+    void configurePopover() override;
+    void observeStore() override;
+    void observeLanguage() override;
+    void startLaunchRefresh() override;
+    void observeWake() override;
+    void startLoops() override;
+    void runFirstRun() override;
+    void showMainWindow() override;
+    void showAbout() override;
+
+    AgentUIActions makeActions();
+    std::unique_ptr<QWidget> makeMainWindow();
+    std::unique_ptr<QWidget> makeAboutWindow();
+    const Localization& words() const { return language_.words(); }
+
+    void storeChanged();
+    void reevaluateStatusItem();
+    void updateVisibleViews();
+    void updatePopover();
+    void updateMainWindow();
+    void togglePopoverAt(const QRect& anchor);
+    void closePopover();
+    void showPage(AgentPage page);
+    void minuteTick();
+    void menuItemChosen(std::string_view action);
+    void finishFirstRun(bool needsSetup);
+    void askForSetup();
+
+    LaunchOptions options_;
+    bool isRunningTests_;
+    Machine machine_;
+    QtExecutor executor_;
+    QtDescriptorWatcher loop_;
+    std::unique_ptr<Preferences> preferences_;
+    LanguageManager language_;
+    AppAppearance appearance_;
+    WindowPresenceController windowPresence_;
+    AgentUIActions actions_;
+    std::unique_ptr<SingleInstance> singleInstance_;
+    std::unique_ptr<AgentUsageStore> store_;
+    std::unique_ptr<SystemAppearance> systemAppearance_;
+    std::unique_ptr<StatusItem> statusItem_;
+    std::optional<MenuBarGlyph> drawnGlyph_;
+    std::unique_ptr<Popover> popover_;
+    MainMenu mainMenu_;
+    AgentNavigationState navigation_;
+    WindowController mainWindow_;
+    WindowController aboutWindow_;
+    /// Inside `mainWindow_`; null until it is first shown.
+    AgentMainWindowView* mainWindowView_ = nullptr;
+    std::unique_ptr<AppLoops> loops_;
+    std::unique_ptr<WakeObserver> wakeObserver_;
+    ClockJump clockJump_;
+    std::shared_ptr<AgentUsageStore::Subscription> storeSubscription_;
+    bool isReevaluationPosted_ = false;
+    /// Something is left to install or to log in to, and the user has been or is to be told.
+    bool asksForSetup_ = false;
+    /// Asks every agent's CLI whether somebody is logged in.
+    std::thread setupCheck_;
+    bool hasTerminated_ = false;
+};
+
+} // namespace vellmark

@@ -1,0 +1,175 @@
+#include "app/linux/EdgeStrip.h"
+
+#include "ui/GlyphPainter.h"
+#include "ui/kit/Theme.h"
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QScreen>
+
+#include <algorithm>
+#include <string_view>
+
+namespace vellmark {
+namespace {
+
+constexpr int stripWidth = 76;
+constexpr int stripHeight = 32;
+constexpr double cornerRadius = 8;
+constexpr double gripLeft = 6;
+constexpr double gripWidth = 6;
+constexpr double glyphSide = 20;
+constexpr double dotSide = 8;
+
+constexpr std::string_view edgeKey = "EdgeStripEdge";
+/// The strip's middle as a share of the screen's height.
+constexpr std::string_view heightKey = "EdgeStripHeight";
+
+/// Flush with the edge at one side, rounded towards the screen.
+QPainterPath outline(const QRectF& bounds, bool isAtRight) {
+    const double outward = cornerRadius * 2;
+    const QRectF extended =
+        isAtRight ? bounds.adjusted(0, 0, outward, 0) : bounds.adjusted(-outward, 0, 0, 0);
+    QPainterPath rounded;
+    rounded.addRoundedRect(extended, cornerRadius, cornerRadius);
+    QPainterPath frame;
+    frame.addRect(bounds);
+    return rounded.intersected(frame);
+}
+
+void paintGrip(QPainter& painter, double left, double middle) {
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(kit::color(kit::ColorRole::ink3));
+    for (const double y : {-5.0, 0.0, 5.0}) {
+        painter.drawEllipse(QPointF(left + 1.2, middle + y), 1, 1);
+        painter.drawEllipse(QPointF(left + 4.8, middle + y), 1, 1);
+    }
+}
+
+} // namespace
+
+EdgeStrip::EdgeStrip(Preferences& preferences, Events events)
+    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
+                           Qt::WindowDoesNotAcceptFocus),
+      preferences_(preferences), events_(std::move(events)) {
+    setAttribute(Qt::WA_TranslucentBackground);
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setFixedSize(stripWidth, stripHeight);
+    setCursor(Qt::PointingHandCursor);
+    connect(qApp, &QGuiApplication::screenRemoved, this, [this] { restorePlace(); });
+    followScreen();
+}
+
+void EdgeStrip::followScreen() {
+    if (const QScreen* main = QGuiApplication::primaryScreen())
+        connect(main, &QScreen::availableGeometryChanged, this, [this] { restorePlace(); });
+}
+
+void EdgeStrip::setContent(const StatusItemContent& content) {
+    const bool looksDifferent = content.glyph != content_.glyph || content.color != content_.color;
+    content_ = content;
+    const QString text = QString::fromStdString(content.toolTip);
+    if (toolTip() != text) {
+        setToolTip(text);
+        setAccessibleName(text);
+        setWindowTitle(text);
+    }
+    if (looksDifferent)
+        update();
+}
+
+void EdgeStrip::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const bool isAtRight = edge_ == Edge::right;
+    const QRectF bounds =
+        QRectF(rect()).adjusted(isAtRight ? 0.5 : 0, 0.5, isAtRight ? 0 : -0.5, -0.5);
+    painter.setPen(QPen(kit::color(kit::ColorRole::lineStrong), 1));
+    painter.setBrush(kit::color(kit::ColorRole::popover));
+    painter.drawPath(outline(bounds, isAtRight));
+
+    const double middle = height() / 2.0;
+    const double grip = isAtRight ? gripLeft : width() - gripLeft - gripWidth;
+    const double glyph = isAtRight ? gripLeft + gripWidth + 8 : 10 + dotSide + 10;
+    const double dot = isAtRight ? glyph + glyphSide + 10 : 10;
+    paintGrip(painter, grip, middle);
+    const bool isDark = kit::Theme::current().isDark();
+    paintGlyph(painter, {glyph, middle - glyphSide / 2}, glyphSide, content_.glyph,
+               isDark ? Qt::white : Qt::black);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(statusQColor(content_.color, isDark));
+    painter.drawEllipse(QRectF(dot, middle - dotSide / 2, dotSide, dotSide));
+}
+
+void EdgeStrip::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton)
+        return;
+    pressedAt_ = event->position().toPoint();
+    isDragged_ = false;
+}
+
+void EdgeStrip::mouseMoveEvent(QMouseEvent* event) {
+    if (!pressedAt_)
+        return;
+    const QPoint moved = event->position().toPoint() - *pressedAt_;
+    if (!isDragged_ && moved.manhattanLength() < QApplication::startDragDistance())
+        return;
+    isDragged_ = true;
+    move(event->globalPosition().toPoint() - *pressedAt_);
+}
+
+void EdgeStrip::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton || !pressedAt_)
+        return;
+    pressedAt_.reset();
+    if (isDragged_)
+        dock();
+    else if (rect().contains(event->position().toPoint()))
+        events_.toggle(geometry());
+}
+
+void EdgeStrip::contextMenuEvent(QContextMenuEvent* event) {
+    events_.menu(event->globalPos());
+}
+
+void EdgeStrip::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Space)
+        events_.toggle(geometry());
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void EdgeStrip::showEvent(QShowEvent* event) {
+    restorePlace();
+    QWidget::showEvent(event);
+}
+
+void EdgeStrip::restorePlace() {
+    const QScreen* main = QGuiApplication::primaryScreen();
+    if (main == nullptr)
+        return;
+    const QRect area = main->availableGeometry();
+    edge_ = preferences_.string(edgeKey) == "left" ? Edge::left : Edge::right;
+    const double share = std::clamp(preferences_.number(heightKey).value_or(0.12), 0.0, 1.0);
+    const int top = area.top() + static_cast<int>(share * area.height()) - height() / 2;
+    move(edge_ == Edge::right ? area.right() + 1 - width() : area.left(),
+         std::clamp(top, area.top(), std::max(area.top(), area.bottom() + 1 - height())));
+    update();
+}
+
+void EdgeStrip::dock() {
+    const QScreen* on = QGuiApplication::screenAt(geometry().center());
+    const QRect area = (on != nullptr ? on : QGuiApplication::primaryScreen())->availableGeometry();
+    const bool isAtRight = geometry().center().x() >= area.center().x();
+    const double share = static_cast<double>(geometry().center().y() - area.top()) / area.height();
+    preferences_.setString(edgeKey, isAtRight ? "right" : "left");
+    preferences_.setNumber(heightKey, std::clamp(share, 0.0, 1.0));
+    restorePlace();
+}
+
+} // namespace vellmark

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "platform/Preferences.h"
+#include "presentation/StatusItemContent.h"
+
+#include <QPoint>
+#include <QWidget>
+
+#include <functional>
+#include <optional>
+
+namespace vellmark {
+
+/// A small strip at the screen's edge in place of a panel's item: grip, glyph and dot. It is
+/// dragged to any place and docks to the nearest edge, where it stays across starts.
+class EdgeStrip final : public QWidget {
+public:
+    struct Events {
+        std::function<void(const QRect& anchor)> toggle;
+        std::function<void(const QPoint& at)> menu;
+    };
+    EdgeStrip(Preferences& preferences, Events events);
+
+    void setContent(const StatusItemContent& content);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    enum class Edge { left, right };
+
+    void restorePlace();
+    /// To the nearest edge of the screen it is on.
+    void dock();
+    void followScreen();
+
+    Preferences& preferences_;
+    Events events_;
+    StatusItemContent content_;
+    Edge edge_ = Edge::right;
+    /// Of the press, relative to the strip; absent without one.
+    std::optional<QPoint> pressedAt_;
+    bool isDragged_ = false;
+};
+
+} // namespace vellmark

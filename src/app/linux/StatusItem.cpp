@@ -1,0 +1,242 @@
+#include "app/StatusItem.h"
+
+#include "app/linux/EdgeStrip.h"
+#include "platform/linux/StatusNotifierItem.h"
+#include "ui/GlyphPainter.h"
+
+#include <QAction>
+#include <QCursor>
+#include <QGuiApplication>
+#include <QIcon>
+#include <QMenu>
+#include <QPalette>
+#include <QScreen>
+#include <QSystemTrayIcon>
+#include <QTimer>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+namespace vellmark {
+namespace {
+
+/// The sides that panels ask for, at scale 1 and 2.
+constexpr std::array iconSides{16, 22, 24, 32, 44, 48, 64};
+/// After this long without an answer about panels there is none.
+constexpr int hostAnswerLimitMs = 1000;
+constexpr int trayLookDelayMs = 500;
+
+NotifierPixmap notifierPixmap(const QImage& image) {
+    NotifierPixmap pixmap{.side = image.width()};
+    pixmap.pixels.reserve(static_cast<std::size_t>(image.width()) * image.height());
+    for (int y = 0; y < image.height(); ++y) {
+        const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        pixmap.pixels.insert(pixmap.pixels.end(), line, line + image.width());
+    }
+    return pixmap;
+}
+
+QRect pointerOr(int x, int y) {
+    const QPoint place = x == 0 && y == 0 ? QCursor::pos() : QPoint(x, y);
+    return {place, QSize(1, 1)};
+}
+
+/// A status notifier where a panel hosts them, else a tray icon, else the strip.
+class LinuxStatusItem final : public QObject, public StatusItem {
+public:
+    LinuxStatusItem(DescriptorWatcher& loop, Preferences& preferences, Events events)
+        : preferences_(preferences), events_(std::move(events)) {
+        notifier_ = StatusNotifierItem::create(
+            loop, "vellmark", "Vellmark",
+            {.activate = [this](int x, int y) { events_.toggle(pointerOr(x, y)); },
+             .menuItemChosen = [this](const std::string& action) { events_.menuAction(action); },
+             .hostChanged = [this](bool isShown) { hostChanged(isShown); }});
+        if (notifier_)
+            QTimer::singleShot(hostAnswerLimitMs, this, [this] {
+                if (!isHosted_)
+                    hostChanged(false);
+            });
+        else
+            isHosted_ = false;
+    }
+
+    void show(const StatusItemContent& content) override {
+        const bool looksDifferent =
+            !shown_ || content.glyph != shown_->glyph || content.color != shown_->color;
+        const bool saysDifferent = !shown_ || content.toolTip != shown_->toolTip;
+        shown_ = content;
+        if (isHosted_ == false && !tray_)
+            useFallback();
+        if (looksDifferent)
+            drawIcon();
+        if (saysDifferent)
+            writeToolTip();
+        if (strip_)
+            strip_->setContent(content);
+    }
+
+    void setMenu(std::vector<MenuItemContent> items) override {
+        menu_.clear();
+        std::vector<NotifierMenuItem> forPanel;
+        for (const MenuItemContent& item : items) {
+            forPanel.push_back({item.title, std::string(item.action)});
+            if (item.isSeparator()) {
+                menu_.addSeparator();
+                continue;
+            }
+            QAction* action = menu_.addAction(QString::fromStdString(item.title));
+            connect(action, &QAction::triggered, this,
+                    [this, name = item.action] { events_.menuAction(name); });
+        }
+        if (notifier_)
+            notifier_->setMenu(std::move(forPanel));
+    }
+
+    void setPanelScheme(ColorScheme scheme) override {
+        const bool wasDark = isPanelDark();
+        scheme_ = scheme;
+        if (shown_ && isPanelDark() != wasDark)
+            drawIcon();
+        if (strip_)
+            strip_->update();
+    }
+
+    QRect anchor() const override {
+        if (strip_ && strip_->isVisible())
+            return strip_->geometry();
+        return tray_ ? tray_->geometry() : QRect();
+    }
+
+private:
+    /// An old-style tray draws its ground where the icon lets it through.
+    void lookAtTray() {
+        const QRect place = tray_ ? tray_->geometry() : QRect();
+        QScreen* screen = QGuiApplication::screenAt(place.center());
+        if (!place.isValid() || screen == nullptr)
+            return;
+        const QPoint corner = place.topLeft() - screen->geometry().topLeft();
+        const QImage ground = screen->grabWindow(0, corner.x(), corner.y(), 1, 1).toImage();
+        if (ground.isNull())
+            return;
+        isTrayDark_ = ground.pixelColor(0, 0).lightness() < 128;
+        drawIcon();
+    }
+
+    /// A panel cannot be asked for its colour. These desktops' panels follow the colour scheme; the
+    /// others' are dark unless somebody changed them.
+    bool isPanelDark() const {
+        if (tray_ && isTrayDark_)
+            return *isTrayDark_;
+        const QByteArray desktop = qgetenv("XDG_CURRENT_DESKTOP").toLower();
+        const bool followsScheme =
+            std::ranges::any_of(std::array{"kde", "mate", "lxqt", "lxde", "cinnamon"},
+                                [&](const char* name) { return desktop.contains(name); });
+        if (!followsScheme)
+            return true;
+        if (scheme_ != ColorScheme::noPreference)
+            return scheme_ == ColorScheme::dark;
+        return QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
+    }
+
+    QColor ink() const { return isPanelDark() ? Qt::white : Qt::black; }
+
+    void drawIcon() {
+        const QColor dot = statusQColor(shown_->color, isPanelDark());
+        if (notifier_ && isHosted_ != false) {
+            std::vector<NotifierPixmap> pixmaps;
+            for (const int side : iconSides)
+                pixmaps.push_back(notifierPixmap(glyphImage(shown_->glyph, side, ink(), dot)));
+            notifier_->setIcon(std::move(pixmaps));
+        }
+        if (tray_) {
+            QIcon icon;
+            for (const int side : iconSides)
+                icon.addPixmap(QPixmap::fromImage(glyphImage(shown_->glyph, side, ink(), dot)));
+            tray_->setIcon(icon);
+        }
+    }
+
+    void writeToolTip() {
+        if (notifier_)
+            notifier_->setToolTip(shown_->toolTip);
+        if (tray_)
+            tray_->setToolTip(QString::fromStdString(shown_->toolTip));
+    }
+
+    void hostChanged(bool isHosted) {
+        if (isHosted_ == isHosted)
+            return;
+        isHosted_ = isHosted;
+        if (isHosted) {
+            tray_.reset();
+            strip_.reset();
+        } else {
+            useFallback();
+        }
+        if (shown_) {
+            drawIcon();
+            writeToolTip();
+        }
+    }
+
+    /// Asked again with every change, because a tray may come later.
+    void useFallback() {
+        if (QSystemTrayIcon::isSystemTrayAvailable()) {
+            strip_.reset();
+            makeTray();
+        } else if (!strip_) {
+            makeStrip();
+        }
+    }
+
+    void makeTray() {
+        tray_ = std::make_unique<QSystemTrayIcon>();
+        tray_->setContextMenu(&menu_);
+        connect(tray_.get(), &QSystemTrayIcon::activated, this,
+                [this](QSystemTrayIcon::ActivationReason reason) {
+                    if (reason == QSystemTrayIcon::Trigger)
+                        events_.toggle(tray_->geometry().isValid() ? tray_->geometry()
+                                                                   : pointerOr(0, 0));
+                });
+        if (shown_) {
+            drawIcon();
+            writeToolTip();
+        }
+        tray_->show();
+        // Once the tray has put the icon in its place.
+        QTimer::singleShot(trayLookDelayMs, this, [this] { lookAtTray(); });
+    }
+
+    void makeStrip() {
+        strip_ = std::make_unique<EdgeStrip>(
+            preferences_,
+            EdgeStrip::Events{.toggle = [this](const QRect& anchor) { events_.toggle(anchor); },
+                              .menu = [this](const QPoint& at) { menu_.popup(at); }});
+        if (shown_)
+            strip_->setContent(*shown_);
+        strip_->show();
+    }
+
+    Preferences& preferences_;
+    Events events_;
+    std::optional<StatusItemContent> shown_;
+    ColorScheme scheme_ = ColorScheme::noPreference;
+    /// Absent until the bus has answered.
+    std::optional<bool> isHosted_;
+    /// As its ground shows; absent before the first look.
+    std::optional<bool> isTrayDark_;
+    QMenu menu_;
+    std::unique_ptr<StatusNotifierItem> notifier_;
+    std::unique_ptr<QSystemTrayIcon> tray_;
+    std::unique_ptr<EdgeStrip> strip_;
+};
+
+} // namespace
+
+std::unique_ptr<StatusItem> makeStatusItem(DescriptorWatcher& loop, Preferences& preferences,
+                                           StatusItem::Events events) {
+    return std::make_unique<LinuxStatusItem>(loop, preferences, std::move(events));
+}
+
+} // namespace vellmark

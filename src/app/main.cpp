@@ -1,0 +1,88 @@
+#include "app/QtDescriptorWatcher.h"
+#include "app/RenderGlyph.h"
+#include "app/TerminationSignals.h"
+#include "app/VellmarkAppDelegate.h"
+#include "platform/Machine.h"
+#include "probes/ChildWatcher.h"
+#include "probes/DemoSandbox.h"
+#include "store/DemoHistory.h"
+
+#include <QApplication>
+
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace vellmark;
+
+constexpr int wrongUse = 2;
+
+constexpr auto usage =
+    "usage: vellmark-desktop [--show-window | --show-about] [--demo] [--language de|en]\n"
+    "                        [--sandbox DIR]\n"
+    "       vellmark-desktop --render-glyph USED ELAPSED SIZE FILE.png\n";
+
+int run(QApplication& application, const LaunchOptions& options, const Machine& machine) {
+    VellmarkAppDelegate delegate(options, machine);
+    QtDescriptorWatcher loop;
+    // A closed session and a quit from anywhere end in the same call.
+    const TerminationSignals termination(loop, [] { QCoreApplication::quit(); });
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, &application,
+                     [&delegate] { delegate.applicationWillTerminate(); });
+    if (delegate.applicationDidFinishLaunching() == LaunchOutcome::handedOver)
+        return 0;
+    return QApplication::exec();
+}
+
+int runOnChosenMachine(QApplication& application, const LaunchOptions& options) {
+    std::optional<DemoSandbox> demo;
+    Machine machine = Machine::current();
+    if (options.isDemo) {
+        demo.emplace(machine.temporary);
+        machine = demo->machine();
+        writeDemoHistory(machine, ReferenceClock::now());
+    } else if (!options.sandbox.empty()) {
+        machine = Machine::sandbox(options.sandbox);
+    }
+    return run(application, options, machine);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    std::vector<std::string> arguments(argv + 1, argv + argc);
+    if (!arguments.empty() && arguments.front() == "--render-glyph")
+        return renderGlyph({arguments.begin() + 1, arguments.end()});
+    if (!arguments.empty() && arguments.front() == "--help") {
+        std::fputs(usage, stdout);
+        return 0;
+    }
+    if (!arguments.empty() && arguments.front() == "--version") {
+        std::puts("Vellmark " VELLMARK_VERSION);
+        return 0;
+    }
+    const auto options = LaunchOptions::parse(arguments, Machine::current().environment);
+    if (!options.offendingArgument.empty()) {
+        std::fprintf(stderr, "vellmark-desktop: %s is not an option or lacks its value\n%s",
+                     options.offendingArgument.c_str(), usage);
+        return wrongUse;
+    }
+
+    startChildWatcher();
+    QApplication::setApplicationName(QStringLiteral("Vellmark"));
+    QApplication::setDesktopFileName(QStringLiteral("app.vellmark.Vellmark"));
+    QApplication::setQuitOnLastWindowClosed(false);
+    QApplication application(argc, argv);
+    try {
+        return runOnChosenMachine(application, options);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "vellmark-desktop: %s\n", error.what());
+        return 1;
+    }
+}

@@ -1,0 +1,139 @@
+#include "app/VellmarkAppDelegate.h"
+#include "probes/RunningChildren.h"
+#include "support/AgentSandbox.h"
+#include "ui/popover/Popover.h"
+#include "ui/window/AgentMainWindowView.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <functional>
+
+namespace vellmark::tests {
+namespace {
+
+/// The application on a display that nobody sees, without a bus: its item is the strip.
+class VellmarkAppDelegateTest : public testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        ::setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent", 1);
+        ::setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent", 1);
+        static int argumentCount = 1;
+        static char name[] = "vellmark-desktop";
+        static char* arguments[] = {name, nullptr};
+        QApplication::setQuitOnLastWindowClosed(false);
+        application_ = std::make_unique<QApplication>(argumentCount, arguments);
+    }
+    static void TearDownTestSuite() { application_.reset(); }
+
+    void launch(LaunchOptions options = {}) {
+        options.language = "en";
+        delegate_ = std::make_unique<VellmarkAppDelegate>(options, sandbox_.machine());
+        outcome_ = delegate_->applicationDidFinishLaunching();
+    }
+
+    // Termination closes the set of children for good.
+    void TearDown() override {
+        delegate_.reset();
+        RunningChildren::reopen();
+    }
+
+    static bool eventually(const std::function<bool()>& condition) {
+        QElapsedTimer elapsed;
+        elapsed.start();
+        while (elapsed.elapsed() < 60000) {
+            if (condition())
+                return true;
+            QApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 20);
+        }
+        return false;
+    }
+
+    /// The first visible window of a kind; null without one.
+    template<typename Window>
+    static Window* visible() {
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            if (auto* found = dynamic_cast<Window*>(window); found && found->isVisible())
+                return found;
+        }
+        return nullptr;
+    }
+
+    /// What the status item says.
+    static QString toolTip() {
+        for (const QWidget* window : QApplication::topLevelWidgets()) {
+            if (window->isVisible() && window->toolTip().startsWith("Vellmark:"))
+                return window->toolTip();
+        }
+        return {};
+    }
+
+    static inline std::unique_ptr<QApplication> application_;
+    AgentSandbox sandbox_;
+    std::unique_ptr<VellmarkAppDelegate> delegate_;
+    LaunchOutcome outcome_ = LaunchOutcome::launched;
+};
+
+TEST_F(VellmarkAppDelegateTest, DoesNothingInATestHost) {
+    launch({.isRunningTests = true});
+    EXPECT_EQ(outcome_, LaunchOutcome::testHost);
+    EXPECT_FALSE(delegate_->applicationShouldHandleReopen(false));
+    EXPECT_FALSE(visible<QWidget>());
+}
+
+TEST_F(VellmarkAppDelegateTest, ReadsTheAgentsAndSaysSoInTheChosenLanguage) {
+    launch();
+    ASSERT_TRUE(eventually([] { return toolTip().contains("93% used"); }));
+    // Everything is set up, so there is nothing to say first.
+    EXPECT_FALSE(visible<AgentMainWindowView>());
+    delegate_->languageManager().choose("de");
+    EXPECT_TRUE(eventually([] { return toolTip().contains("verbraucht"); }));
+}
+
+TEST_F(VellmarkAppDelegateTest, OpensAndClosesThePopoverAgainAndAgain) {
+    launch();
+    for (int opening = 0; opening < 50; ++opening) {
+        ASSERT_TRUE(eventually([&] {
+            // A click within the gesture that closed it is refused.
+            delegate_->togglePopover();
+            return visible<Popover>() != nullptr;
+        })) << opening;
+        delegate_->togglePopover();
+        EXPECT_FALSE(visible<Popover>());
+    }
+}
+
+TEST_F(VellmarkAppDelegateTest, ShowsTheMainWindowForWhoeverOpensItAgain) {
+    launch();
+    EXPECT_FALSE(delegate_->validateMenuItem("saveActivityFromMenu"));
+    EXPECT_FALSE(delegate_->applicationShouldHandleReopen(false));
+    ASSERT_TRUE(visible<AgentMainWindowView>());
+    EXPECT_EQ(visible<AgentMainWindowView>()->windowTitle(), "Vellmark");
+    visible<AgentMainWindowView>()->close();
+    EXPECT_FALSE(visible<AgentMainWindowView>());
+    delegate_->showAboutFromMenu();
+    EXPECT_TRUE(eventually([] { return visible<QWidget>() != nullptr; }));
+}
+
+TEST_F(VellmarkAppDelegateTest, OffersTheFirstRunWhenSomethingIsMissing) {
+    sandbox_.uninstall("codex");
+    launch();
+    EXPECT_TRUE(eventually([] { return visible<AgentMainWindowView>() != nullptr; }));
+}
+
+TEST_F(VellmarkAppDelegateTest, EndsEveryAgentAtTermination) {
+    sandbox_.play("claude", "deaf");
+    sandbox_.play("codex", "hang");
+    launch();
+    ASSERT_TRUE(eventually([] { return livingChildCount() >= 2; }));
+    delegate_->applicationWillTerminate();
+    delegate_.reset();
+    EXPECT_TRUE(sandbox_.survivors().empty());
+}
+
+} // namespace
+} // namespace vellmark::tests
