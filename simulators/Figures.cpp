@@ -14,7 +14,8 @@ namespace {
 
 std::time_t firstRun(const std::filesystem::path& directory, std::time_t now) {
     std::error_code ignored;
-    std::filesystem::create_directories(directory, ignored);
+    // Not the home: where a demo has been removed meanwhile, it must not come back.
+    std::filesystem::create_directory(directory, ignored);
     const std::filesystem::path path = directory / "started";
     const int descriptor = ::open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0600);
     if (descriptor >= 0) {
