@@ -52,18 +52,6 @@ QColor qColor(const ColorComponents& color) {
                             static_cast<float>(color.blue), static_cast<float>(color.alpha));
 }
 
-kit::BarLook barLook(const UsageBarContent& bar) {
-    constexpr double percent = 100;
-    kit::BarLook look;
-    look.share = bar.filledShare * percent;
-    if (bar.paceMark) {
-        look.mark = *bar.paceMark * percent;
-    }
-    look.color = markColor(bar.health);
-    look.isStale = bar.isStale;
-    return look;
-}
-
 kit::HealthLook healthLook(const AgentBlockContent& agent) {
     return {qString(agent.statusText), dotColor(agent.dot),
             agent.showsClock ? "clock" : std::string()};

@@ -4,7 +4,6 @@
 #include "presentation/StatusColor.h"
 #include "ui/kit/HealthDot.h"
 #include "ui/kit/Theme.h"
-#include "ui/kit/UsageProgressBar.h"
 
 #include <QString>
 
@@ -24,7 +23,6 @@ std::optional<kit::ColorRole> badgeColor(const std::optional<UsageHealth>& healt
 kit::ColorRole dotColor(StatusColorRole role);
 QColor qColor(const ColorComponents& color);
 
-kit::BarLook barLook(const UsageBarContent& bar);
 /// The state at the end of an agent's head: dot and word, or clock and age.
 kit::HealthLook healthLook(const AgentBlockContent& agent);
 /// Account and plan on one line, as far as they are known.

@@ -40,12 +40,13 @@ ForecastLine::ForecastLine(QWidget* parent) : QLabel(parent) {
     setTextFormat(Qt::PlainText);
 }
 
-void ForecastLine::setContent(const ForecastLineContent& content) {
-    if (content != content_) {
-        content_ = content;
+void ForecastLine::setContent(const std::optional<ForecastLineContent>& content) {
+    if (content && *content != content_) {
+        content_ = *content;
         chooseForm();
         update();
     }
+    setVisible(content.has_value());
 }
 
 double ForecastLine::wordsLeft() const {

@@ -4,14 +4,16 @@
 
 #include <QLabel>
 
+#include <optional>
+
 namespace vellmark {
 
 /// The line that says that a quota runs out before its reset: a warning mark and the sentence, or
-/// its short form where the width does not do. One line, 14 high.
+/// its short form where the width does not do. One line, 14 high; hides itself without a forecast.
 class ForecastLine : public QLabel {
 public:
     explicit ForecastLine(QWidget* parent = nullptr);
-    void setContent(const ForecastLineContent& content);
+    void setContent(const std::optional<ForecastLineContent>& content);
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return {0, sizeHint().height()}; }
 

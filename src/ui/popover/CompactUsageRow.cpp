@@ -2,10 +2,10 @@
 
 #include "ui/Conversions.h"
 #include "ui/ForecastLine.h"
+#include "ui/UsageBar.h"
 #include "ui/kit/Card.h"
 #include "ui/kit/FigureText.h"
 #include "ui/kit/Label.h"
-#include "ui/kit/UsageProgressBar.h"
 
 #include <QPainter>
 
@@ -45,7 +45,7 @@ void RowColumns::include(const UsageRowContent& row) {
 
 CompactUsageRow::CompactUsageRow(QWidget* parent)
     : QWidget(parent), label_(new kit::Label(kit::style::row, kit::ColorRole::ink, this)),
-      bar_(new kit::UsageProgressBar(barHeight, this)),
+      bar_(new UsageBar(barHeight, this)),
       value_(new kit::Label(kit::style::value, kit::ColorRole::ink, this)),
       reset_(new kit::Label(kit::style::small, kit::ColorRole::ink2, this)),
       forecast_(new ForecastLine(this)) {
@@ -55,18 +55,12 @@ CompactUsageRow::CompactUsageRow(QWidget* parent)
 void CompactUsageRow::setContent(const UsageRowContent& content) {
     label_->setWords(qString(content.label));
     label_->setToolTip(content.fullLabel != content.label ? qString(content.fullLabel) : QString());
-    bar_->setLook(barLook(content.bar));
-    bar_->setToolTip(qString(content.bar.toolTip));
-    bar_->setAccessibleName(qString(content.accessibilityText));
-    bar_->setAccessibleDescription(qString(content.accessibilityDetail));
+    bar_->setContent(content);
     value_->setTextStyle(content.isStale ? kit::style::row : kit::style::value);
     value_->setColor(content.isStale ? kit::ColorRole::ink2 : kit::ColorRole::ink);
     value_->setChangingWords(qString(content.value));
     reset_->setWords(qString(content.reset));
-    if (content.forecast) {
-        forecast_->setContent(*content.forecast);
-    }
-    forecast_->setVisible(content.forecast.has_value());
+    forecast_->setContent(content.forecast);
     arrange();
 }
 

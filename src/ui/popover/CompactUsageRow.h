@@ -8,9 +8,9 @@ namespace vellmark {
 
 namespace kit {
 class Label;
-class UsageProgressBar;
-} // namespace kit
+}
 class ForecastLine;
+class UsageBar;
 
 /// The widths that all rows of the overview share, in points.
 struct RowColumns {
@@ -39,7 +39,7 @@ private:
 
     RowColumns columns_;
     kit::Label* label_;
-    kit::UsageProgressBar* bar_;
+    UsageBar* bar_;
     kit::Label* value_;
     kit::Label* reset_;
     ForecastLine* forecast_;

@@ -2,10 +2,10 @@
 
 #include "ui/Conversions.h"
 #include "ui/ForecastLine.h"
+#include "ui/UsageBar.h"
 #include "ui/kit/Card.h"
 #include "ui/kit/FigureText.h"
 #include "ui/kit/Label.h"
-#include "ui/kit/UsageProgressBar.h"
 
 #include <QPainter>
 
@@ -36,7 +36,7 @@ UsageFigureRow::UsageFigureRow(QWidget* parent)
     : QWidget(parent), label_(new kit::Label(kit::style::row, kit::ColorRole::ink, this)),
       figure_(new kit::Label(kit::style::figureSmall, kit::ColorRole::ink, this)),
       figureWord_(new kit::Label(kit::style::row, kit::ColorRole::ink2, this)),
-      bar_(new kit::UsageProgressBar(barHeight, this)),
+      bar_(new UsageBar(barHeight, this)),
       reset_(new kit::Label(kit::style::small, kit::ColorRole::ink2, this)),
       planning_(new kit::Label(kit::style::small, kit::ColorRole::ink2, this)),
       forecast_(new ForecastLine(this)) {
@@ -49,16 +49,10 @@ void UsageFigureRow::setContent(const UsageRowContent& content) {
     figure_->setColor(content.isStale ? kit::ColorRole::ink2 : kit::ColorRole::ink);
     figure_->setChangingWords(qString(content.figure));
     figureWord_->setWords(qString(content.figureWord));
-    bar_->setLook(barLook(content.bar));
-    bar_->setToolTip(qString(content.bar.toolTip));
-    bar_->setAccessibleName(qString(content.accessibilityText));
-    bar_->setAccessibleDescription(qString(content.accessibilityDetail));
+    bar_->setContent(content);
     reset_->setWords(qString(content.reset));
     planning_->setWords(qString(content.planning));
-    if (content.forecast) {
-        forecast_->setContent(*content.forecast);
-    }
-    forecast_->setVisible(content.forecast.has_value());
+    forecast_->setContent(content.forecast);
     arrange();
 }
 

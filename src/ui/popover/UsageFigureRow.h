@@ -8,9 +8,9 @@ namespace vellmark {
 
 namespace kit {
 class Label;
-class UsageProgressBar;
-} // namespace kit
+}
 class ForecastLine;
+class UsageBar;
 
 /// One quota window on an agent's tab: label and large figure, a thick bar, reset and planning, and
 /// the forecast when it runs out before the reset.
@@ -29,7 +29,7 @@ private:
     kit::Label* label_;
     kit::Label* figure_;
     kit::Label* figureWord_;
-    kit::UsageProgressBar* bar_;
+    UsageBar* bar_;
     kit::Label* reset_;
     kit::Label* planning_;
     ForecastLine* forecast_;

@@ -2,10 +2,10 @@
 
 #include "ui/Conversions.h"
 #include "ui/ForecastLine.h"
+#include "ui/UsageBar.h"
 #include "ui/kit/Card.h"
 #include "ui/kit/FigureText.h"
 #include "ui/kit/Label.h"
-#include "ui/kit/UsageProgressBar.h"
 
 #include <QPainter>
 
@@ -28,7 +28,7 @@ SummaryCell::SummaryCell(QWidget* parent)
     : QWidget(parent), label_(new kit::Label(kit::style::row, kit::ColorRole::ink2, this)),
       figure_(new kit::Label(kit::style::figure, kit::ColorRole::ink, this)),
       figureWord_(new kit::Label(kit::style::bodyMedium, kit::ColorRole::ink2, this)),
-      bar_(new kit::UsageProgressBar(barHeight, this)),
+      bar_(new UsageBar(barHeight, this)),
       reset_(new kit::Label(kit::style::small, kit::ColorRole::ink2, this)),
       planning_(new kit::Label(kit::style::small, kit::ColorRole::ink2, this)),
       forecast_(new ForecastLine(this)) {}
@@ -39,16 +39,10 @@ void SummaryCell::setContent(const UsageRowContent& content) {
     figure_->setColor(content.isStale ? kit::ColorRole::ink2 : kit::ColorRole::ink);
     figure_->setChangingWords(qString(content.figure));
     figureWord_->setWords(qString(content.figureWord));
-    bar_->setLook(barLook(content.bar));
-    bar_->setToolTip(qString(content.bar.toolTip));
-    bar_->setAccessibleName(qString(content.accessibilityText));
-    bar_->setAccessibleDescription(qString(content.accessibilityDetail));
+    bar_->setContent(content);
     reset_->setWords(qString(content.reset));
     planning_->setWords(qString(content.planning));
-    if (content.forecast) {
-        forecast_->setContent(*content.forecast);
-    }
-    forecast_->setVisible(content.forecast.has_value());
+    forecast_->setContent(content.forecast);
     planning_->setVisible(!content.forecast);
     arrange();
 }

@@ -8,9 +8,9 @@ namespace vellmark {
 
 namespace kit {
 class Label;
-class UsageProgressBar;
-} // namespace kit
+}
 class ForecastLine;
+class UsageBar;
 
 /// One quota window in a summary card: label, large figure, bar, reset, and the forecast or how it
 /// stands to the plan. Always of one height, so that all cards are equally high.
@@ -30,7 +30,7 @@ private:
     kit::Label* label_;
     kit::Label* figure_;
     kit::Label* figureWord_;
-    kit::UsageProgressBar* bar_;
+    UsageBar* bar_;
     kit::Label* reset_;
     kit::Label* planning_;
     ForecastLine* forecast_;
