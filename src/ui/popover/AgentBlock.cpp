@@ -1,15 +1,10 @@
 #include "ui/popover/AgentBlock.h"
 
+#include "ui/AgentHead.h"
 #include "ui/BalanceRow.h"
 #include "ui/Conversions.h"
-#include "ui/ProviderLogo.h"
-#include "ui/WaysOut.h"
-#include "ui/kit/Button.h"
-#include "ui/kit/HealthDot.h"
-#include "ui/kit/Icon.h"
-#include "ui/kit/Label.h"
-#include "ui/kit/LogoTile.h"
-#include "ui/kit/Notice.h"
+#include "ui/FailureNotice.h"
+#include "ui/UpdateInPlace.h"
 
 #include <QPainter>
 
@@ -21,11 +16,14 @@ namespace {
 constexpr int topPadding = 12;
 constexpr int sidePadding = 16;
 constexpr int bottomPadding = 14;
-constexpr int headHeight = 20;
+constexpr AgentHead::Form headForm{
+    .height = 20,
+    .nameStyle = kit::style::strong,
+    .detailDrop = 0,
+    .chevronSide = 12,
+    .chevronGap = 8,
+};
 constexpr int headGap = 10;
-constexpr int logoSide = 20;
-constexpr int gap = 8;
-constexpr int chevronSide = 12;
 constexpr int rowHeight = 32;
 constexpr int rowGap = 8;
 constexpr int balanceHeight = 16;
@@ -35,85 +33,34 @@ constexpr int noticeGap = 12;
 constexpr kit::FocusShape ringInside{11, -6};
 } // namespace
 
-AgentBlock::AgentBlock(const AgentUIActions& actions, QWidget* parent)
-    : QAbstractButton(parent), actions_(actions), interaction_(this, ringInside),
-      logo_(new kit::LogoTile(logoSide, this)),
-      name_(new kit::Label(kit::style::strong, kit::ColorRole::ink, this)),
-      plan_(new kit::Label(kit::style::small, kit::ColorRole::ink2, this)),
-      health_(new kit::HealthDot(this)), failure_(new kit::Notice(this)) {
+AgentBlock::AgentBlock(AgentProviderID agent, const AgentUIActions& actions, QWidget* parent)
+    : QAbstractButton(parent), agent_(std::move(agent)), interaction_(this, ringInside),
+      head_(new AgentHead(headForm, this)), failure_(new FailureNotice(actions, this)) {
     setFocusPolicy(Qt::StrongFocus);
-    failure_->onPress = [this] { takeWayOut(wayOut_, actions_); };
+    connect(this, &QAbstractButton::clicked, this,
+            [&actions, id = agent_] { actions.openProvider(id); });
 }
 
-void AgentBlock::setContent(const AgentBlockContent& content) {
+void AgentBlock::setContent(const AgentBlockContent& content, const RowColumns& columns,
+                            bool isFirst) {
     setText(qString(content.name));
     setAccessibleName(qString(content.accessibilityText));
-    logo_->setLook(providerLogo(content.id));
-    name_->setWords(qString(content.name));
-    plan_->setWords(qString(content.plan));
-    health_->setLook(healthLook(content));
-    boneRows_ = content.boneRows;
-    setRows(content.rows);
-    setBalances(content.balances);
-    hasFailure_ = content.failure.has_value();
-    if (content.failure) {
-        wayOut_ = content.failure->wayOut;
-        failure_->setLook(failureLook(*content.failure));
-    }
-    failure_->setVisible(hasFailure_);
-    arrangeHead();
-    arrangeBody();
-    update();
-}
-
-void AgentBlock::setRows(const std::vector<UsageRowContent>& rows) {
-    while (rows_.size() > rows.size()) {
-        delete rows_.back();
-        rows_.pop_back();
-    }
-    while (rows_.size() < rows.size()) {
-        rows_.push_back(new CompactUsageRow(this));
-        rows_.back()->show();
-    }
-    for (std::size_t index = 0; index < rows.size(); ++index) {
-        rows_[index]->setColumns(columns_);
-        rows_[index]->setContent(rows[index]);
-    }
-}
-
-void AgentBlock::setBalances(const std::vector<BalanceRowContent>& balances) {
-    while (balances_.size() > balances.size()) {
-        delete balances_.back();
-        balances_.pop_back();
-    }
-    while (balances_.size() < balances.size()) {
-        balances_.push_back(new BalanceRow(this));
-        balances_.back()->show();
-    }
-    for (std::size_t index = 0; index < balances.size(); ++index) {
-        balances_[index]->setContent(balances[index]);
-    }
-}
-
-void AgentBlock::setColumns(const RowColumns& columns) {
     columns_ = columns;
+    isFirst_ = isFirst;
+    boneRows_ = content.boneRows;
+    head_->setContent(content, qString(content.plan), healthLook(content));
+    updateRows(rows_, content.rows, this);
     for (CompactUsageRow* row : rows_) {
         row->setColumns(columns);
     }
+    updateRows(balances_, content.balances, this);
+    failure_->setContent(content.failure);
+    arrange();
     update();
 }
 
-void AgentBlock::setFirst(bool isFirst) {
-    if (isFirst_ != isFirst) {
-        isFirst_ = isFirst;
-        arrangeHead();
-        arrangeBody();
-        update();
-    }
-}
-
 QWidget* AgentBlock::wayOutButton() const {
-    return hasFailure_ && wayOut_ != WayOut::none ? failure_->button() : nullptr;
+    return failure_->wayOutButton();
 }
 
 int AgentBlock::headTop() const {
@@ -121,7 +68,7 @@ int AgentBlock::headTop() const {
 }
 
 int AgentBlock::bodyTop() const {
-    return headTop() + headHeight;
+    return headTop() + headForm.height;
 }
 
 int AgentBlock::wantedHeight() const {
@@ -139,35 +86,19 @@ int AgentBlock::wantedHeight() const {
         height += above + balanceHeight;
         above = rowGap;
     }
-    if (hasFailure_) {
+    if (failure_->isVisibleTo(this)) {
         height += noticeGap + failure_->heightForWidth(width() - 2 * sidePadding);
     }
     return height + bottomPadding;
 }
 
 void AgentBlock::resizeEvent(QResizeEvent* /*event*/) {
-    arrangeHead();
-    arrangeBody();
+    arrange();
 }
 
-void AgentBlock::arrangeHead() {
-    const int top = headTop();
-    const auto centered = [top](int height) { return top + (headHeight - height) / 2; };
-    logo_->setGeometry(sidePadding, top, logoSide, logoSide);
-    const QSize health = health_->sizeHint();
-    const int healthLeft = width() - sidePadding - chevronSide - gap - health.width();
-    health_->setGeometry(healthLeft, centered(health.height()), health.width(), health.height());
-    int left = sidePadding + logoSide + gap;
-    const int nameWidth = std::min(name_->wantedWidth(), std::max(healthLeft - gap - left, 0));
-    name_->setGeometry(left, centered(kit::style::strong.lineHeight), nameWidth,
-                       kit::style::strong.lineHeight);
-    left += nameWidth + gap;
-    plan_->setGeometry(left, centered(kit::style::small.lineHeight),
-                       std::max(healthLeft - gap - left, 0), kit::style::small.lineHeight);
-}
-
-void AgentBlock::arrangeBody() {
+void AgentBlock::arrange() {
     const int wide = std::max(width() - 2 * sidePadding, 0);
+    head_->setGeometry(sidePadding, headTop(), wide, headForm.height);
     int top = bodyTop();
     int above = headGap;
     for (CompactUsageRow* row : rows_) {
@@ -183,7 +114,7 @@ void AgentBlock::arrangeBody() {
         top += balanceHeight;
         above = rowGap;
     }
-    if (hasFailure_) {
+    if (failure_->isVisibleTo(this)) {
         failure_->setGeometry(sidePadding, top + noticeGap, wide, failure_->heightForWidth(wide));
     }
 }
@@ -198,9 +129,6 @@ void AgentBlock::paintEvent(QPaintEvent* /*event*/) {
     if (!isFirst_) {
         painter.fillRect(QRect(0, 0, width(), 1), kit::color(kit::ColorRole::line));
     }
-    const QRectF chevron(width() - sidePadding - chevronSide,
-                         headTop() + (headHeight - chevronSide) / 2.0, chevronSide, chevronSide);
-    kit::drawIcon(painter, chevron, "chevron.right", kit::color(kit::ColorRole::ink3));
     for (int row = 0; row < boneRows_; ++row) {
         const int top = bodyTop() + headGap + row * (rowHeight + rowGap);
         drawRowBones(painter, QPoint(sidePadding, top), width() - 2 * sidePadding, columns_);

@@ -11,25 +11,19 @@
 
 namespace vellmark {
 
-namespace kit {
-class Button;
-class HealthDot;
-class Label;
-class LogoTile;
-class Notice;
-} // namespace kit
+class AgentHead;
 class BalanceRow;
+class FailureNotice;
 
 /// One agent in the popover's overview: head, windows, balances, and why it could not be read. The
 /// whole block is a button that leads to the agent.
 class AgentBlock : public QAbstractButton {
 public:
-    AgentBlock(const AgentUIActions& actions, QWidget* parent);
+    AgentBlock(AgentProviderID agent, const AgentUIActions& actions, QWidget* parent);
 
-    void setContent(const AgentBlockContent& content);
-    void setColumns(const RowColumns& columns);
+    const AgentProviderID& agent() const { return agent_; }
     /// The first block has no line above it.
-    void setFirst(bool isFirst);
+    void setContent(const AgentBlockContent& content, const RowColumns& columns, bool isFirst);
     int wantedHeight() const;
     /// The button of a failure, when there is one.
     QWidget* wayOutButton() const;
@@ -39,27 +33,19 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void setRows(const std::vector<UsageRowContent>& rows);
-    void setBalances(const std::vector<BalanceRowContent>& balances);
-    void arrangeHead();
-    void arrangeBody();
+    void arrange();
     int headTop() const;
     int bodyTop() const;
 
-    const AgentUIActions& actions_;
+    AgentProviderID agent_;
     RowColumns columns_;
     bool isFirst_ = true;
     int boneRows_ = 0;
-    WayOut wayOut_ = WayOut::none;
-    bool hasFailure_ = false;
     kit::Interaction interaction_;
-    kit::LogoTile* logo_;
-    kit::Label* name_;
-    kit::Label* plan_;
-    kit::HealthDot* health_;
+    AgentHead* head_;
     std::vector<CompactUsageRow*> rows_;
     std::vector<BalanceRow*> balances_;
-    kit::Notice* failure_;
+    FailureNotice* failure_;
 };
 
 } // namespace vellmark

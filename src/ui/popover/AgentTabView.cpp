@@ -2,13 +2,13 @@
 
 #include "ui/BalanceRow.h"
 #include "ui/Conversions.h"
+#include "ui/FailureNotice.h"
 #include "ui/ProviderLogo.h"
-#include "ui/WaysOut.h"
+#include "ui/UpdateInPlace.h"
 #include "ui/kit/Button.h"
 #include "ui/kit/HealthDot.h"
 #include "ui/kit/Label.h"
 #include "ui/kit/LogoTile.h"
-#include "ui/kit/Notice.h"
 #include "ui/popover/UsageFigureRow.h"
 
 #include <QPainter>
@@ -32,16 +32,16 @@ constexpr int buttonInset = 8;
 } // namespace
 
 AgentTabView::AgentTabView(const AgentUIActions& actions, QWidget* parent)
-    : QWidget(parent), actions_(actions), logo_(new kit::LogoTile(logoSide, this)),
+    : QWidget(parent), logo_(new kit::LogoTile(logoSide, this)),
       name_(new kit::Label(kit::style::heading, kit::ColorRole::ink, this)),
       account_(new kit::Label(kit::style::small, kit::ColorRole::ink2, this)),
-      health_(new kit::Pill(this)), failure_(new kit::Notice(this)),
+      health_(new kit::Pill(this)), failure_(new FailureNotice(actions, this)),
       source_(new kit::Label(kit::style::small, kit::ColorRole::ink2, this)),
       openPage_(new kit::Button(kit::Button::Kind::plain, this)) {
     openPage_->setSmallText(true);
     openPage_->setContentColor(kit::ColorRole::ink2);
-    failure_->onPress = [this] { takeWayOut(wayOut_, actions_); };
-    connect(openPage_, &QAbstractButton::clicked, this, [this] { actions_.openProvider(id_); });
+    connect(openPage_, &QAbstractButton::clicked, this,
+            [this, &actions] { actions.openProvider(id_); });
 }
 
 void AgentTabView::setContent(const AgentBlockContent& content, const ControlContent& openPage) {
@@ -51,14 +51,9 @@ void AgentTabView::setContent(const AgentBlockContent& content, const ControlCon
     account_->setWords(accountLine(content));
     health_->setLook(healthLook(content));
     boneRows_ = content.boneRows;
-    setRows(content);
-    hasFailure_ = content.failure.has_value();
-    if (content.failure) {
-        wayOut_ = content.failure->wayOut;
-        failure_->setLook(failureLook(*content.failure));
-    }
-    failure_->setVisible(hasFailure_);
-    setBalances(content.balances);
+    updateRows(rows_, content.rows, this);
+    failure_->setContent(content.failure);
+    updateRows(balances_, content.balances, this);
     source_->setWords(qString(content.sourceText));
     openPage_->setText(qString(openPage.title));
     openPage_->setTrailingIconName(openPage.icon, 11);
@@ -66,38 +61,10 @@ void AgentTabView::setContent(const AgentBlockContent& content, const ControlCon
     update();
 }
 
-void AgentTabView::setRows(const AgentBlockContent& content) {
-    while (rows_.size() > content.rows.size()) {
-        delete rows_.back();
-        rows_.pop_back();
-    }
-    while (rows_.size() < content.rows.size()) {
-        rows_.push_back(new UsageFigureRow(this));
-        rows_.back()->show();
-    }
-    for (std::size_t index = 0; index < rows_.size(); ++index) {
-        rows_[index]->setContent(content.rows[index]);
-    }
-}
-
-void AgentTabView::setBalances(const std::vector<BalanceRowContent>& balances) {
-    while (balances_.size() > balances.size()) {
-        delete balances_.back();
-        balances_.pop_back();
-    }
-    while (balances_.size() < balances.size()) {
-        balances_.push_back(new BalanceRow(this));
-        balances_.back()->show();
-    }
-    for (std::size_t index = 0; index < balances.size(); ++index) {
-        balances_[index]->setContent(balances[index]);
-    }
-}
-
 std::vector<QWidget*> AgentTabView::controls() const {
     std::vector<QWidget*> result;
-    if (hasFailure_ && wayOut_ != WayOut::none) {
-        result.push_back(failure_->button());
+    if (QWidget* button = failure_->wayOutButton()) {
+        result.push_back(button);
     }
     result.push_back(openPage_);
     return result;
@@ -147,7 +114,7 @@ void AgentTabView::arrange() {
         beginRow();
         top += figureBonesHeight();
     }
-    if (hasFailure_) {
+    if (failure_->isVisibleTo(this)) {
         beginRow();
         failure_->setGeometry(margin, top + noticeGap, wide, failure_->heightForWidth(wide));
         top += failure_->height() + 2 * noticeGap;

@@ -13,10 +13,10 @@ namespace kit {
 class Button;
 class Label;
 class LogoTile;
-class Notice;
 class Pill;
 } // namespace kit
 class BalanceRow;
+class FailureNotice;
 class UsageFigureRow;
 
 /// The popover's tab of one agent: head, every window in large figures, balances, where the figures
@@ -35,15 +35,10 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void setRows(const AgentBlockContent& content);
-    void setBalances(const std::vector<BalanceRowContent>& balances);
     void arrange();
     void arrangeHead();
 
-    const AgentUIActions& actions_;
     AgentProviderID id_;
-    WayOut wayOut_ = WayOut::none;
-    bool hasFailure_ = false;
     int boneRows_ = 0;
     int bonesTop_ = 0;
     int wantedHeight_ = 0;
@@ -54,7 +49,7 @@ private:
     kit::Label* account_;
     kit::Pill* health_;
     std::vector<UsageFigureRow*> rows_;
-    kit::Notice* failure_;
+    FailureNotice* failure_;
     std::vector<BalanceRow*> balances_;
     kit::Label* source_;
     kit::Button* openPage_;

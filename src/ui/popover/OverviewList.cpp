@@ -1,28 +1,12 @@
 #include "ui/popover/OverviewList.h"
 
+#include "ui/UpdateInPlace.h"
 #include "ui/popover/AgentBlock.h"
-
-#include <algorithm>
 
 namespace vellmark {
 
 OverviewList::OverviewList(const AgentUIActions& actions, QWidget* parent)
     : QWidget(parent), actions_(actions) {}
-
-AgentBlock* OverviewList::takeBlock(std::vector<Entry>& from, const AgentProviderID& id) {
-    const auto found =
-        std::find_if(from.begin(), from.end(), [&](const Entry& entry) { return entry.id == id; });
-    if (found != from.end()) {
-        AgentBlock* block = found->block;
-        from.erase(found);
-        return block;
-    }
-    auto* block = new AgentBlock(actions_, this);
-    connect(block, &QAbstractButton::clicked, this, [this, id] { actions_.openProvider(id); });
-    block->resize(width(), 0);
-    block->show();
-    return block;
-}
 
 void OverviewList::setContent(const std::vector<AgentBlockContent>& agents) {
     RowColumns columns;
@@ -31,34 +15,26 @@ void OverviewList::setContent(const std::vector<AgentBlockContent>& agents) {
             columns.include(row);
         }
     }
-    std::vector<Entry> former = std::move(entries_);
-    entries_.clear();
-    for (const AgentBlockContent& agent : agents) {
-        AgentBlock* block = takeBlock(former, agent.id);
-        block->setFirst(entries_.empty());
-        block->setColumns(columns);
-        block->setContent(agent);
-        entries_.push_back({agent.id, block});
-    }
-    for (const Entry& entry : former) {
-        delete entry.block;
+    updateAgents(blocks_, agents, actions_, this);
+    for (std::size_t index = 0; index < agents.size(); ++index) {
+        blocks_[index]->setContent(agents[index], columns, index == 0);
     }
     arrange();
 }
 
 int OverviewList::wantedHeight() const {
     int height = 0;
-    for (const Entry& entry : entries_) {
-        height += entry.block->wantedHeight();
+    for (AgentBlock* block : blocks_) {
+        height += block->wantedHeight();
     }
     return height;
 }
 
 std::vector<QWidget*> OverviewList::controls() const {
     std::vector<QWidget*> result;
-    for (const Entry& entry : entries_) {
-        result.push_back(entry.block);
-        if (QWidget* button = entry.block->wayOutButton()) {
+    for (AgentBlock* block : blocks_) {
+        result.push_back(block);
+        if (QWidget* button = block->wayOutButton()) {
             result.push_back(button);
         }
     }
@@ -71,10 +47,10 @@ void OverviewList::resizeEvent(QResizeEvent* /*event*/) {
 
 void OverviewList::arrange() {
     int top = 0;
-    for (const Entry& entry : entries_) {
-        entry.block->resize(width(), entry.block->height());
-        const int height = entry.block->wantedHeight();
-        entry.block->setGeometry(0, top, width(), height);
+    for (AgentBlock* block : blocks_) {
+        block->resize(width(), block->height());
+        const int height = block->wantedHeight();
+        block->setGeometry(0, top, width(), height);
         top += height;
     }
 }

@@ -26,15 +26,10 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    struct Entry {
-        AgentProviderID id;
-        AgentBlock* block;
-    };
-    AgentBlock* takeBlock(std::vector<Entry>& from, const AgentProviderID& id);
     void arrange();
 
     const AgentUIActions& actions_;
-    std::vector<Entry> entries_;
+    std::vector<AgentBlock*> blocks_;
 };
 
 } // namespace vellmark

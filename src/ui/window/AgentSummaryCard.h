@@ -8,21 +8,18 @@
 
 namespace vellmark {
 
-namespace kit {
-class HealthDot;
-class Label;
-class LogoTile;
-class Notice;
-} // namespace kit
+class AgentHead;
 class BalanceRow;
+class FailureNotice;
 class SummaryCell;
 
 /// One agent on the overview page: head, its windows in cells of equal width, three a row, and why
 /// it could not be read. The whole card is a button that leads to the agent.
 class AgentSummaryCard : public kit::Card {
 public:
-    AgentSummaryCard(const AgentUIActions& actions, QWidget* parent);
+    AgentSummaryCard(AgentProviderID agent, const AgentUIActions& actions, QWidget* parent);
 
+    const AgentProviderID& agent() const { return agent_; }
     /// `loadingText` stands at the end of the head while the first values are read.
     void setContent(const AgentBlockContent& content, const std::string& loadingText);
     int heightForWidth(int width) const override;
@@ -34,24 +31,16 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void setCells(const std::vector<UsageRowContent>& rows);
-    void setBalances(const std::vector<BalanceRowContent>& balances);
     void arrange();
-    void arrangeHead();
     QRect cellPlace(int index, int width) const;
     int cellCount() const;
 
-    const AgentUIActions& actions_;
+    AgentProviderID agent_;
     int boneCells_ = 0;
-    bool hasFailure_ = false;
-    WayOut wayOut_ = WayOut::none;
-    kit::LogoTile* logo_;
-    kit::Label* name_;
-    kit::Label* account_;
-    kit::HealthDot* health_;
+    AgentHead* head_;
     std::vector<SummaryCell*> cells_;
     std::vector<BalanceRow*> balances_;
-    kit::Notice* failure_;
+    FailureNotice* failure_;
 };
 
 } // namespace vellmark

@@ -2,6 +2,7 @@
 
 #include "ui/Conversions.h"
 #include "ui/NoAgentsHint.h"
+#include "ui/UpdateInPlace.h"
 #include "ui/kit/Button.h"
 #include "ui/kit/Notice.h"
 #include "ui/kit/ScrollArea.h"
@@ -62,42 +63,18 @@ void OverviewPage::setContent(const OverviewContent& content) {
         noAgents_->setContent(*content.noAgents);
     }
     noAgents_->setVisible(content.noAgents.has_value());
-    setCards(content);
+    updateAgents(cards_, content.cards, actions_, column_);
+    for (std::size_t index = 0; index < content.cards.size(); ++index) {
+        cards_[index]->setContent(content.cards[index], content.loadingText);
+    }
     arrange();
-}
-
-AgentSummaryCard* OverviewPage::takeCard(std::vector<Entry>& from, const AgentProviderID& id) {
-    const auto found =
-        std::find_if(from.begin(), from.end(), [&](const Entry& entry) { return entry.id == id; });
-    if (found != from.end()) {
-        AgentSummaryCard* card = found->card;
-        from.erase(found);
-        return card;
-    }
-    auto* card = new AgentSummaryCard(actions_, column_);
-    connect(card, &QAbstractButton::clicked, this, [this, id] { actions_.openProvider(id); });
-    card->show();
-    return card;
-}
-
-void OverviewPage::setCards(const OverviewContent& content) {
-    std::vector<Entry> former = std::move(entries_);
-    entries_.clear();
-    for (const AgentBlockContent& agent : content.cards) {
-        AgentSummaryCard* card = takeCard(former, agent.id);
-        card->setContent(agent, content.loadingText);
-        entries_.push_back({agent.id, card});
-    }
-    for (const Entry& entry : former) {
-        delete entry.card;
-    }
 }
 
 std::vector<QWidget*> OverviewPage::controls() const {
     std::vector<QWidget*> result{head_->refreshButton()};
-    for (const Entry& entry : entries_) {
-        result.push_back(entry.card);
-        if (QWidget* button = entry.card->wayOutButton()) {
+    for (AgentSummaryCard* card : cards_) {
+        result.push_back(card);
+        if (QWidget* button = card->wayOutButton()) {
             result.push_back(button);
         }
     }
@@ -106,10 +83,10 @@ std::vector<QWidget*> OverviewPage::controls() const {
 }
 
 void OverviewPage::showAgent(const AgentProviderID& id) {
-    for (const Entry& entry : entries_) {
-        if (entry.id == id) {
-            scroller_->ensureWidgetVisible(entry.card, 0, gap);
-            entry.card->setFocus(Qt::ShortcutFocusReason);
+    for (AgentSummaryCard* card : cards_) {
+        if (card->agent() == id) {
+            scroller_->ensureWidgetVisible(card, 0, gap);
+            card->setFocus(Qt::ShortcutFocusReason);
         }
     }
 }
@@ -129,9 +106,9 @@ void OverviewPage::arrange() {
         verdict_->setGeometry(margin, 0, wide, height);
         top += height + gap;
     }
-    for (const Entry& entry : entries_) {
-        const int height = entry.card->heightForWidth(wide);
-        entry.card->setGeometry(margin, top, wide, height);
+    for (AgentSummaryCard* card : cards_) {
+        const int height = card->heightForWidth(wide);
+        card->setGeometry(margin, top, wide, height);
         top += height + gap;
     }
     if (noAgents_->isVisibleTo(column_)) {

@@ -32,12 +32,6 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    struct Entry {
-        AgentProviderID id;
-        AgentSummaryCard* card;
-    };
-    AgentSummaryCard* takeCard(std::vector<Entry>& from, const AgentProviderID& id);
-    void setCards(const OverviewContent& content);
     void arrange();
 
     const AgentUIActions& actions_;
@@ -45,7 +39,7 @@ private:
     kit::ScrollArea* scroller_;
     QWidget* column_;
     kit::Notice* verdict_;
-    std::vector<Entry> entries_;
+    std::vector<AgentSummaryCard*> cards_;
     NoAgentsHint* noAgents_;
 };
 

@@ -1,0 +1,45 @@
+#include "ui/FailureNotice.h"
+
+#include "ui/Conversions.h"
+#include "ui/kit/Button.h"
+
+namespace vellmark {
+
+FailureNotice::FailureNotice(const AgentUIActions& actions, QWidget* parent)
+    : kit::Notice(parent), actions_(actions) {
+    onPress = [this] { takeWayOut(); };
+}
+
+void FailureNotice::setContent(const std::optional<FailureContent>& failure) {
+    wayOut_ = failure ? failure->wayOut : WayOut::none;
+    if (failure) {
+        Look look;
+        look.words = qString(failure->reason);
+        look.buttonWords = qString(failure->buttonTitle);
+        setLook(look);
+    }
+    setVisible(failure.has_value());
+}
+
+QWidget* FailureNotice::wayOutButton() const {
+    return wayOut_ != WayOut::none ? button() : nullptr;
+}
+
+void FailureNotice::takeWayOut() const {
+    switch (wayOut_) {
+    case WayOut::readAgain:
+        actions_.refresh();
+        break;
+    case WayOut::logIn:
+    case WayOut::install:
+        actions_.startSetup();
+        break;
+    case WayOut::openSettings:
+        actions_.openSettings();
+        break;
+    case WayOut::none:
+        break;
+    }
+}
+
+} // namespace vellmark
