@@ -85,7 +85,7 @@ const TextStyle& Button::textStyle() const {
 int Button::padding() const {
     switch (kind_) {
     case Kind::plain:
-        return 8;
+        return plainPadding;
     case Kind::outlined:
         return 10;
     default:

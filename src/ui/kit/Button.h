@@ -23,6 +23,10 @@ public:
         outlined, ///< in notices: card ground with a line
     };
 
+    /// How far a plain button's words stand inside its ground. Where they are to line up with
+    /// other content, the ground reaches that far beyond.
+    static constexpr int plainPadding = 8;
+
     explicit Button(Kind kind, QWidget* parent = nullptr);
 
     void setIconName(std::string_view name, int side = 14);

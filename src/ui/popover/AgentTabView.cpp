@@ -27,8 +27,6 @@ constexpr int headHeight = headLines + 2 * headPadding;
 constexpr int lineHeight = 1;
 constexpr int plainRow = 35;
 constexpr int noticeGap = 12;
-/// A plain button's words stand this far inside its ground.
-constexpr int buttonInset = 8;
 } // namespace
 
 AgentTabView::AgentTabView(const AgentUIActions& actions, QWidget* parent)
@@ -126,7 +124,7 @@ void AgentTabView::arrange() {
     }
     beginRow();
     const QSize button = openPage_->sizeHint();
-    openPage_->setGeometry(width() - margin - button.width() + buttonInset,
+    openPage_->setGeometry(width() - margin - button.width() + kit::Button::plainPadding,
                            top + (plainRow - button.height()) / 2, button.width(), button.height());
     source_->setGeometry(margin, top, std::max(openPage_->x() - margin, 0), plainRow);
     wantedHeight_ = top + plainRow;

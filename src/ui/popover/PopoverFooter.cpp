@@ -11,8 +11,7 @@ namespace {
 constexpr int padding = 17;
 constexpr int gap = 18;
 constexpr int lineHeight = 1;
-/// A plain button's content stands this far inside its ground.
-constexpr int buttonInset = 8;
+constexpr int inset = kit::Button::plainPadding;
 
 kit::Button* makeButton(QWidget* parent) {
     auto* button = new kit::Button(kit::Button::Kind::plain, parent);
@@ -51,9 +50,9 @@ void PopoverFooter::arrange() {
         button->setGeometry(left, top, wanted.width(), wanted.height());
         return left + wanted.width();
     };
-    const int openEnd = place(openWindow_, padding - buttonInset);
-    place(about_, openEnd + gap - 2 * buttonInset);
-    place(quit_, width() - padding + buttonInset - quit_->sizeHint().width());
+    const int openEnd = place(openWindow_, padding - inset);
+    place(about_, openEnd + gap - 2 * inset);
+    place(quit_, width() - padding + inset - quit_->sizeHint().width());
 }
 
 void PopoverFooter::paintEvent(QPaintEvent* /*event*/) {
