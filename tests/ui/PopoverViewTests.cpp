@@ -52,6 +52,15 @@ protected:
         view.show();
         view.setFocus();
     }
+    std::vector<AgentBlock*> blocks() {
+        std::vector<AgentBlock*> result;
+        for (QWidget* stop : tabStops(view)) {
+            if (auto* block = dynamic_cast<AgentBlock*>(stop)) {
+                result.push_back(block);
+            }
+        }
+        return result;
+    }
     QTabBar& tabs() { return *view.findChild<QTabBar*>(); }
 
     RecordedActions recorded;
@@ -97,17 +106,14 @@ TEST_F(PopoverView, ChangesValuesInPlace) {
 
 TEST_F(PopoverView, KeepsBlocksWithTheirAgentsWhenOneGoes) {
     show(content(samples::normal()));
+    const std::vector<AgentBlock*> before = blocks();
     UsageState fewer = samples::normal();
     fewer.snapshots.erase(fewer.snapshots.begin());
     fewer.enabledProviderIDs.erase(AgentProviderID::codex());
     show(content(fewer));
-    std::vector<std::string> names;
-    for (QWidget* stop : tabStops(view)) {
-        if (dynamic_cast<AgentBlock*>(stop) != nullptr) {
-            names.push_back(qobject_cast<QAbstractButton*>(stop)->text().toStdString());
-        }
-    }
-    EXPECT_THAT(names, ElementsAre("Claude", "Antigravity"));
+    ASSERT_THAT(blocks(), ElementsAre(before[1], before[2]));
+    EXPECT_EQ(before[1]->text(), QStringLiteral("Claude"));
+    EXPECT_EQ(before[2]->text(), QStringLiteral("Antigravity"));
     EXPECT_EQ(tabs().count(), 3);
 }
 
@@ -142,12 +148,8 @@ TEST_F(PopoverView, ReachesEveryControlByTabAndPressesItByReturn) {
 
 TEST_F(PopoverView, KeepsTheKeyboardNearWhenItsControlGoesOutOfSight) {
     show(content(samples::normal()));
-    for (QWidget* stop : tabStops(view)) {
-        if (dynamic_cast<AgentBlock*>(stop) != nullptr) {
-            stop->setFocus(Qt::TabFocusReason);
-        }
-    }
-    ASSERT_NE(view.window()->focusWidget(), nullptr);
+    blocks().back()->setFocus(Qt::TabFocusReason);
+    ASSERT_EQ(view.window()->focusWidget(), blocks().back());
     pressKey(view, Qt::Key_2, Qt::ControlModifier);
     EXPECT_EQ(view.window()->focusWidget(), &tabs());
 }
