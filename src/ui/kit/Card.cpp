@@ -7,10 +7,6 @@
 
 namespace vellmark::kit {
 
-namespace {
-constexpr double boneRadius = 4;
-}
-
 Card::Card(QWidget* parent)
     : QAbstractButton(parent), interaction_(this, FocusShape{radius::card, focusGap}) {
     setFocusPolicy(Qt::StrongFocus);
@@ -25,12 +21,6 @@ void Card::paintEvent(QPaintEvent* /*event*/) {
                         1));
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius::card - 0.5,
                             radius::card - 0.5);
-}
-
-void drawBone(QPainter& painter, const QRectF& box) {
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(color(ColorRole::track));
-    painter.drawRoundedRect(box, boneRadius, boneRadius);
 }
 
 } // namespace vellmark::kit

@@ -18,7 +18,4 @@ private:
     Interaction interaction_;
 };
 
-/// One bone of values that are still being read.
-void drawBone(QPainter& painter, const QRectF& box);
-
 } // namespace vellmark::kit

@@ -3,7 +3,7 @@
 #include "ui/Conversions.h"
 #include "ui/ForecastLine.h"
 #include "ui/UsageBar.h"
-#include "ui/kit/Card.h"
+#include "ui/kit/Bone.h"
 #include "ui/kit/FigureText.h"
 #include "ui/kit/Label.h"
 
