@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <optional>
 #include <vector>
 
 namespace vellmark::kit {
@@ -60,14 +61,6 @@ struct Patch {
     QImage image;
 };
 
-double widestReach() {
-    double reach = 0;
-    for (const ShadowLayer& layer : Theme::current().popoverShadow()) {
-        reach = std::max(reach, layer.blur + layer.offset);
-    }
-    return reach;
-}
-
 QImage blurredLayer(const ShadowLayer& layer, const QRectF& box, double side, double cornerRadius,
                     double ratio) {
     const int pixels = static_cast<int>(std::ceil(side * ratio));
@@ -90,7 +83,9 @@ QImage blurredLayer(const ShadowLayer& layer, const QRectF& box, double side, do
 }
 
 Patch makePatch(double cornerRadius, double ratio) {
-    Patch patch{Theme::current().appearance(), ratio, cornerRadius, widestReach(), 0, {}};
+    // The shadow falls downwards, where it reaches farthest.
+    const double margin = popoverShadowReach().bottom();
+    Patch patch{Theme::current().appearance(), ratio, cornerRadius, margin, 0, {}};
     patch.inside = patch.margin + cornerRadius;
     const double side = 2 * (patch.margin + patch.inside) + 2;
     const QRectF box(patch.margin, patch.margin, side - 2 * patch.margin, side - 2 * patch.margin);
@@ -105,16 +100,12 @@ Patch makePatch(double cornerRadius, double ratio) {
 }
 
 const Patch& patchFor(double cornerRadius, double ratio) {
-    static std::vector<Patch> known;
-    for (const Patch& patch : known) {
-        if (patch.appearance == Theme::current().appearance() && patch.ratio == ratio &&
-            patch.cornerRadius == cornerRadius) {
-            return patch;
-        }
+    static std::optional<Patch> known;
+    if (!known || known->appearance != Theme::current().appearance() || known->ratio != ratio ||
+        known->cornerRadius != cornerRadius) {
+        known = makePatch(cornerRadius, ratio);
     }
-    known.clear();
-    known.push_back(makePatch(cornerRadius, ratio));
-    return known.back();
+    return *known;
 }
 
 } // namespace
