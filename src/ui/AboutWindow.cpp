@@ -17,9 +17,6 @@ constexpr int margin = 28;
 constexpr int glyphTop = 32;
 constexpr double glyphSide = 72;
 
-/// A reading that shows both marks well.
-const MenuBarGlyph emblem{.usedPercent = 38, .elapsedPercent = 71};
-
 kit::Label* addLabel(QVBoxLayout& column, const kit::TextStyle& style, kit::ColorRole color) {
     auto* label = new kit::Label(style, color);
     label->setAlignment(Qt::AlignHCenter);
@@ -62,10 +59,11 @@ void AboutWindow::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void AboutWindow::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape)
+    if (event->key() == Qt::Key_Escape) {
         close();
-    else
+    } else {
         QWidget::keyPressEvent(event);
+    }
 }
 
 } // namespace vellmark

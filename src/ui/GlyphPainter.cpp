@@ -1,5 +1,7 @@
 #include "ui/GlyphPainter.h"
 
+#include "ui/Conversions.h"
+
 #include <QPainter>
 #include <QPainterPath>
 
@@ -9,9 +11,6 @@ namespace {
 constexpr QColor tileColor(0x1F, 0x20, 0x24);
 constexpr double tileRadius = 0.24;
 constexpr double glyphShare = 0.72;
-
-/// A reading that shows both marks well.
-const MenuBarGlyph emblem{.usedPercent = 38, .elapsedPercent = 71};
 
 QRectF boundsOf(const QPointF& center, double radius) {
     return {center.x() - radius, center.y() - radius, 2 * radius, 2 * radius};
@@ -52,8 +51,9 @@ void paintMark(QPainter& painter, const QPointF& origin, double side, const Glyp
 void paintGlyph(QPainter& painter, const QPointF& origin, double side, const MenuBarGlyph& glyph,
                 const QColor& ink) {
     painter.setRenderHint(QPainter::Antialiasing);
-    for (const GlyphMark& mark : glyphDrawing(glyph, side))
+    for (const GlyphMark& mark : glyphDrawing(glyph, side)) {
         paintMark(painter, origin, side, mark, ink);
+    }
 }
 
 QImage glyphImage(const MenuBarGlyph& glyph, int side, const QColor& ink,
@@ -99,9 +99,7 @@ QIcon applicationIcon() {
 }
 
 QColor statusQColor(StatusColorRole role, bool onDark) {
-    const ColorComponents color = statusColor(role, onDark);
-    return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
-                            static_cast<float>(color.blue), static_cast<float>(color.alpha));
+    return qColor(statusColor(role, onDark));
 }
 
 } // namespace vellmark

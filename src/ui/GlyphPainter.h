@@ -14,6 +14,9 @@ class QPointF;
 
 namespace vellmark {
 
+/// The reading whose glyph stands for the application itself: it shows both marks well.
+inline const MenuBarGlyph emblem{.usedPercent = 38, .elapsedPercent = 71};
+
 /// Paints the marks of a glyph into the square at `origin`, in one ink.
 void paintGlyph(QPainter& painter, const QPointF& origin, double side, const MenuBarGlyph& glyph,
                 const QColor& ink);
