@@ -7,6 +7,7 @@
 
 #include <QAbstractButton>
 #include <QAccessible>
+#include <QMouseEvent>
 #include <QProgressBar>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -25,6 +26,18 @@ using testing::tabStops;
 PopoverContent content(const UsageState& state, const std::string& tab = "overview",
                        const std::string& language = "en") {
     return popoverContent(state, tab, samples::now(), samples::words(language));
+}
+
+/// Presses and releases the left button at a place of the view.
+void click(QWidget& view, QPoint place) {
+    QWidget* target = view.childAt(place);
+    for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+        const Qt::MouseButtons held =
+            type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton;
+        QMouseEvent event(type, target->mapFrom(&view, place), view.mapToGlobal(place),
+                          Qt::LeftButton, held, Qt::NoModifier);
+        QCoreApplication::sendEvent(target, &event);
+    }
 }
 
 /// Everything that a change of values must not move.
@@ -115,6 +128,20 @@ TEST_F(PopoverView, KeepsBlocksWithTheirAgentsWhenOneGoes) {
     EXPECT_EQ(before[1]->text(), QStringLiteral("Claude"));
     EXPECT_EQ(before[2]->text(), QStringLiteral("Antigravity"));
     EXPECT_EQ(tabs().count(), 3);
+}
+
+TEST_F(PopoverView, LeadsToAnAgentFromAnywhereOnItsBlock) {
+    show(content(samples::normal()));
+    const AgentBlock& block = *blocks().front();
+    constexpr int step = 10;
+    std::size_t clicks = 0;
+    for (int top = 0; top < block.height(); top += step) {
+        for (int left = 0; left < block.width(); left += step) {
+            click(view, block.mapTo(&view, QPoint(left, top)));
+            ++clicks;
+        }
+    }
+    EXPECT_EQ(recorded.calls, std::vector<std::string>(clicks, "openProvider codex"));
 }
 
 TEST_F(PopoverView, IsDrivenByTheKeyboard) {
