@@ -1,17 +1,21 @@
 #include "store/DemoHistory.h"
 
+#include "model/UsageHistorySample.h"
 #include "model/UsageJSON.h"
-#include "platform/AtomicFile.h"
 #include "text/Dates.h"
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cmath>
 #include <cstdint>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <random>
 #include <string>
 #include <system_error>
+#include <vector>
 
 namespace vellmark {
 namespace {
@@ -47,9 +51,16 @@ double activity(const CalendarDate& date) {
     return date.hour >= 9 && date.hour < 18 ? 1 : 0.3;
 }
 
+struct DemoSample {
+    const DemoWindow* window;
+    Instant capturedAt;
+    double usedPercent;
+    Instant resetsAt;
+};
+
 class Recorder {
 public:
-    Recorder(const DemoWindow& window, std::vector<UsageHistorySample>& samples)
+    Recorder(const DemoWindow& window, std::vector<DemoSample>& samples)
         : window_(window), samples_(samples),
           random_(static_cast<std::uint32_t>(std::hash<std::string>()(window.id))) {}
 
@@ -65,12 +76,7 @@ private:
     Seconds step() const { return Seconds(window_.periodHours < 24 ? hour / 2 : hour); }
 
     void add(Instant at, double used, Instant reset) {
-        samples_.push_back({.id = UUID::make(),
-                            .provider = AgentProviderID(window_.provider),
-                            .windowID = window_.id,
-                            .capturedAt = at,
-                            .usedPercent = used,
-                            .resetsAt = reset});
+        samples_.push_back({&window_, at, used, reset});
     }
 
     /// Evenly up to today's figure, so that the forecasts are those of the figures themselves.
@@ -83,7 +89,7 @@ private:
         std::vector<Instant> times;
         std::vector<double> used{0};
         for (Instant at = from + step(); at < reset; at += step()) {
-            const double share = activity(TimeZone::system().calendarDate(at));
+            const double share = activity(zone_.calendarDate(at));
             if (share == 0)
                 continue;
             times.push_back(at);
@@ -97,25 +103,45 @@ private:
     }
 
     const DemoWindow& window_;
-    std::vector<UsageHistorySample>& samples_;
+    std::vector<DemoSample>& samples_;
+    TimeZone zone_ = TimeZone::system();
     std::mt19937 random_;
 };
 
-} // namespace
-
-std::vector<UsageHistorySample> demoHistory(Instant now) {
-    std::vector<UsageHistorySample> samples;
-    for (const DemoWindow& window : windows)
-        Recorder(window, samples).record(now);
-    std::ranges::stable_sort(samples, {}, &UsageHistorySample::capturedAt);
-    return samples;
+std::string line(const DemoSample& sample) {
+    return serialized(
+        toJSON(UsageHistorySample{.id = UUID::make(),
+                                  .provider = AgentProviderID(sample.window->provider),
+                                  .windowID = sample.window->id,
+                                  .capturedAt = sample.capturedAt,
+                                  .usedPercent = sample.usedPercent,
+                                  .resetsAt = sample.resetsAt}),
+        -1);
 }
 
+} // namespace
+
 void writeDemoHistory(const Machine& machine, Instant now) {
-    const auto error = replaceFileAtomically(machine.supportDirectory() / "usage-history.json",
-                                             historyDocument(demoHistory(now)));
-    if (error)
-        throw std::system_error(error, "the demo's history cannot be written");
+    std::vector<DemoSample> samples;
+    for (const DemoWindow& window : windows)
+        Recorder(window, samples).record(now);
+    std::ranges::stable_sort(samples, {}, &DemoSample::capturedAt);
+
+    // Sample by sample: as one document it would take megabytes, which the C library keeps. Nothing
+    // is synced: the file goes with the demo.
+    std::filesystem::create_directories(machine.supportDirectory());
+    std::ofstream file(machine.supportDirectory() / "usage-history.json");
+    file << '[';
+    const char* separator = "\n";
+    for (const DemoSample& sample : samples) {
+        file << separator << line(sample);
+        separator = ",\n";
+    }
+    file << "\n]\n";
+    file.close();
+    if (!file)
+        throw std::system_error(errno, std::generic_category(),
+                                "the demo's history cannot be written");
 }
 
 } // namespace vellmark

@@ -1,19 +1,14 @@
 #pragma once
 
-#include "model/UsageHistorySample.h"
 #include "platform/Machine.h"
-
-#include <vector>
+#include "text/Instant.h"
 
 namespace vellmark {
 
-/// A month of made history for the simulated agents of the demo, up to `now`: it ends where their
-/// figures begin, grows in working hours and rests at night. The same for the same `now`, but for
-/// the samples' identifiers.
-std::vector<UsageHistorySample> demoHistory(Instant now);
-
-/// Puts it where the store looks for its history on `machine`, so that every screen of the demo has
-/// life. Throws std::system_error.
+/// Puts a month of made history for the simulated agents of the demo where the store looks for its
+/// history on `machine`, so that every screen has life. It goes up to `now`, ends where the agents'
+/// figures begin, grows in working hours and rests at night; the same for the same `now`, but for
+/// the samples' identifiers. Throws std::system_error.
 void writeDemoHistory(const Machine& machine, Instant now);
 
 } // namespace vellmark
