@@ -1,5 +1,6 @@
 #include "app/VellmarkAppDelegate.h"
 
+#include "app/ReleaseAfterClosing.h"
 #include "presentation/MainWindowContent.h"
 #include "presentation/PopoverContent.h"
 #include "probes/BoundedProcess.h"
@@ -179,6 +180,7 @@ void VellmarkAppDelegate::configurePopover() {
     popover_->view().onSelectTab = [this](const PopoverTab& tab) {
         preferences_->setString(popoverTabKey, tab.storedForm());
     };
+    new ReleaseAfterClosing(*popover_, [this] { return std::move(popover_); });
 }
 
 void VellmarkAppDelegate::observeStore() {
@@ -298,8 +300,10 @@ void VellmarkAppDelegate::togglePopover() {
 }
 
 void VellmarkAppDelegate::togglePopoverAt(const QRect& anchor) {
-    if (!popover_)
+    if (!statusItem_)
         return;
+    if (!popover_)
+        configurePopover();
     const bool isOpen = popover_->toggle(anchor, [this] {
         store_->refresh(RefreshTrigger::window);
         updatePopover();

@@ -18,6 +18,7 @@
 #include "presentation/WindowPresenceController.h"
 #include "store/AgentUsageStore.h"
 
+#include <QPointer>
 #include <QRect>
 
 #include <memory>
@@ -112,13 +113,14 @@ private:
     std::unique_ptr<SystemAppearance> systemAppearance_;
     std::unique_ptr<StatusItem> statusItem_;
     std::optional<MenuBarGlyph> drawnGlyph_;
+    /// Null when it has been closed for a while.
     std::unique_ptr<Popover> popover_;
     MainMenu mainMenu_;
     AgentNavigationState navigation_;
     WindowController mainWindow_;
     WindowController aboutWindow_;
-    /// Inside `mainWindow_`; null until it is first shown.
-    AgentMainWindowView* mainWindowView_ = nullptr;
+    /// Inside `mainWindow_`, and there while it is.
+    QPointer<AgentMainWindowView> mainWindowView_;
     std::unique_ptr<AppLoops> loops_;
     std::unique_ptr<WakeObserver> wakeObserver_;
     ClockJump clockJump_;

@@ -1,5 +1,7 @@
 #include "app/WindowController.h"
 
+#include "app/ReleaseAfterClosing.h"
+
 #include <QEvent>
 
 #include <utility>
@@ -20,6 +22,7 @@ void WindowController::show() {
         window_ = description_.make();
         window_->setAttribute(Qt::WA_QuitOnClose, false);
         window_->installEventFilter(this);
+        new ReleaseAfterClosing(*window_, [this] { return release(); });
         retitle();
         restoreFrame();
     }
@@ -30,6 +33,11 @@ void WindowController::show() {
     window_->raise();
     window_->activateWindow();
     activateApplication();
+}
+
+std::unique_ptr<QWidget> WindowController::release() {
+    window_->removeEventFilter(this);
+    return std::move(window_);
 }
 
 bool WindowController::isVisible() const {

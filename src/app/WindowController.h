@@ -13,8 +13,8 @@
 
 namespace vellmark {
 
-/// One window of the application: made when it is first shown, then kept. Tells the window presence
-/// when it opens and closes, and remembers its frame. Main thread.
+/// One window of the application: made when it is shown, deleted a while after it was closed.
+/// Tells the window presence when it opens and closes, and remembers its frame. Main thread.
 class WindowController : public QObject {
 public:
     struct Description {
@@ -38,7 +38,7 @@ public:
     /// After a change of the language.
     void retitle();
     void saveFrame();
-    /// Null until it is first shown.
+    /// Null until it is shown, and again a while after it was closed.
     QWidget* window() const { return window_.get(); }
 
 protected:
@@ -46,6 +46,7 @@ protected:
 
 private:
     void restoreFrame();
+    std::unique_ptr<QWidget> release();
 
     Description description_;
     WindowPresenceController& presence_;

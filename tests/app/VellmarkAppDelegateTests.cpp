@@ -9,6 +9,7 @@
 #include <QEventLoop>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <functional>
 
@@ -117,6 +118,32 @@ TEST_F(VellmarkAppDelegateTest, ShowsTheMainWindowForWhoeverOpensItAgain) {
     EXPECT_FALSE(visible<AgentMainWindowView>());
     delegate_->showAboutFromMenu();
     EXPECT_TRUE(eventually([] { return visible<QWidget>() != nullptr; }));
+}
+
+TEST_F(VellmarkAppDelegateTest, LetsGoOfWhatHasBeenClosedForAWhileAndShowsItAgain) {
+    const auto exists = [](auto isKind) {
+        return std::ranges::any_of(QApplication::topLevelWidgets(), isKind);
+    };
+    const auto isPopover = [](QWidget* widget) {
+        return dynamic_cast<Popover*>(widget) != nullptr;
+    };
+    const auto isMainWindow = [](QWidget* widget) {
+        return dynamic_cast<AgentMainWindowView*>(widget) != nullptr;
+    };
+    launch();
+    for (int opening = 0; opening < 2; ++opening) {
+        delegate_->togglePopover();
+        ASSERT_TRUE(visible<Popover>());
+        // Takes the popover's place.
+        delegate_->applicationShouldHandleReopen(false);
+        ASSERT_TRUE(visible<AgentMainWindowView>());
+        EXPECT_FALSE(visible<Popover>());
+        if (opening == 0) {
+            EXPECT_TRUE(eventually([&] { return !exists(isPopover); }));
+            visible<AgentMainWindowView>()->close();
+            EXPECT_TRUE(eventually([&] { return !exists(isMainWindow); }));
+        }
+    }
 }
 
 TEST_F(VellmarkAppDelegateTest, OffersTheFirstRunWhenSomethingIsMissing) {
