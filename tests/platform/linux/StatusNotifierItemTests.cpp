@@ -1,5 +1,6 @@
 #include "platform/linux/PrivateBus.h"
 #include "platform/linux/StatusNotifierItem.h"
+#include "support/NotifierPanel.h"
 #include "support/PollLoop.h"
 
 #include <gmock/gmock.h>
@@ -7,7 +8,6 @@
 
 #include <atomic>
 #include <cstdlib>
-#include <mutex>
 #include <optional>
 #include <thread>
 #include <unistd.h>
@@ -17,7 +17,6 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr auto watcherInterface = "org.kde.StatusNotifierWatcher";
 constexpr auto itemInterface = "org.kde.StatusNotifierItem";
 constexpr auto menuInterface = "com.canonical.dbusmenu";
 
@@ -25,39 +24,6 @@ using Pixmap = sdbus::Struct<std::int32_t, std::int32_t, std::vector<std::uint8_
 using ToolTip = sdbus::Struct<std::string, std::vector<Pixmap>, std::string, std::string>;
 using Properties = std::map<std::string, sdbus::Variant>;
 using Layout = sdbus::Struct<std::int32_t, Properties, std::vector<sdbus::Variant>>;
-
-/// A panel that hosts status notifiers, with a thread of its own as another process would have.
-class Panel {
-public:
-    Panel()
-        : connection_(sdbus::createSessionBusConnection()),
-          watcher_(sdbus::createObject(*connection_, "/StatusNotifierWatcher")) {
-        watcher_->registerMethod("RegisterStatusNotifierItem")
-            .onInterface(watcherInterface)
-            .implementedAs([this](const std::string& service) {
-                const std::lock_guard hold(lock_);
-                registered_ = service;
-            });
-        watcher_->registerProperty("IsStatusNotifierHostRegistered")
-            .onInterface(watcherInterface)
-            .withGetter([] { return true; });
-        watcher_->finishRegistration();
-        connection_->requestName(watcherInterface);
-        connection_->enterEventLoopAsync();
-    }
-    ~Panel() { connection_->leaveEventLoop(); }
-
-    std::string registered() const {
-        const std::lock_guard hold(lock_);
-        return registered_;
-    }
-
-private:
-    mutable std::mutex lock_;
-    std::string registered_;
-    std::unique_ptr<sdbus::IConnection> connection_;
-    std::unique_ptr<sdbus::IObject> watcher_;
-};
 
 class StatusNotifierItemTest : public testing::Test {
 protected:
@@ -120,7 +86,7 @@ TEST_F(StatusNotifierItemTest, FollowsPanelsThatComeLaterAndRestart) {
     EXPECT_THAT(shown_, ElementsAre(false));
     for (int start = 0; start < 2; ++start) {
         {
-            const Panel panel;
+            const NotifierPanel panel;
             ASSERT_TRUE(loop_.turnUntil([&] { return shown_.back(); }));
             EXPECT_EQ(panel.registered(), name());
         }

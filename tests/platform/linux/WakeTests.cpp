@@ -1,0 +1,67 @@
+#include "platform/Wake.h"
+#include "platform/linux/PrivateBus.h"
+#include "support/PollLoop.h"
+
+#include <gtest/gtest.h>
+#include <sdbus-c++/sdbus-c++.h>
+
+#include <cstdlib>
+#include <memory>
+
+namespace vellmark::tests {
+namespace {
+
+/// The login manager, as far as it tells of sleep.
+class Logind {
+public:
+    Logind()
+        : connection_(sdbus::createSystemBusConnection()),
+          manager_(sdbus::createObject(*connection_, "/org/freedesktop/login1")) {
+        manager_->registerSignal("PrepareForSleep").onInterface(interface).withParameters<bool>();
+        manager_->finishRegistration();
+        connection_->requestName("org.freedesktop.login1");
+    }
+
+    void prepareForSleep(bool begins) {
+        manager_->emitSignal("PrepareForSleep").onInterface(interface).withArguments(begins);
+    }
+
+private:
+    static constexpr auto interface = "org.freedesktop.login1.Manager";
+
+    std::unique_ptr<sdbus::IConnection> connection_;
+    std::unique_ptr<sdbus::IObject> manager_;
+};
+
+class WakeTest : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!bus_.isInstalled())
+            GTEST_SKIP() << "needs dbus-daemon";
+        ::setenv("DBUS_SYSTEM_BUS_ADDRESS", bus_.address().c_str(), 1);
+    }
+    void TearDown() override { ::unsetenv("DBUS_SYSTEM_BUS_ADDRESS"); }
+
+    PrivateBus bus_;
+    PollLoop loop_;
+    int wakes_ = 0;
+};
+
+TEST_F(WakeTest, IsToldWhenSleepEndsAndNotWhenItBegins) {
+    Logind logind;
+    const auto observer = observeWake(loop_, [this] { ++wakes_; });
+    ASSERT_TRUE(observer);
+    for (int night = 1; night <= 2; ++night) {
+        logind.prepareForSleep(true);
+        logind.prepareForSleep(false);
+        ASSERT_TRUE(loop_.turnUntil([&] { return wakes_ >= night; }));
+        EXPECT_EQ(wakes_, night);
+    }
+}
+
+TEST_F(WakeTest, LeavesItToTheClocksWhereNobodyTells) {
+    EXPECT_FALSE(observeWake(loop_, [] {}));
+}
+
+} // namespace
+} // namespace vellmark::tests
