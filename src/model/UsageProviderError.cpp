@@ -16,6 +16,18 @@ std::string endedSentence(std::string message) {
     return message;
 }
 
+/// The words of another program, on one line. Of many, the last: the reason comes at the end.
+std::string detailText(const std::string& text) {
+    constexpr std::size_t mostCharacters = 300;
+    constexpr std::size_t mostBytes = 16 * mostCharacters; // so that not all of it is segmented
+    const std::string_view words = trimmed(text);
+    const bool isHuge = words.size() > mostBytes;
+    const std::string line =
+        singleLine(isHuge ? words.substr(words.size() - mostBytes) : words);
+    const std::string ending = lastCharacters(line, mostCharacters);
+    return isHuge || ending.size() < line.size() ? "…" + ending : ending;
+}
+
 } // namespace
 
 UsageProviderError UsageProviderError::executableMissing(std::string name) {
@@ -56,9 +68,8 @@ std::string UsageProviderError::message(const Localization& words) const {
     if (errorCase.messageKey.empty()) {
         return texts_.empty() ? std::string() : texts_.front();
     }
-    // Details are words of other programs.
     const auto detail = [this](std::size_t index) {
-        return index < texts_.size() ? singleLine(trimmed(texts_[index])) : std::string();
+        return index < texts_.size() ? detailText(texts_[index]) : std::string();
     };
     return endedSentence(errorCase.hasCode
                              ? words.format(errorCase.messageKey, {code_, detail(0)})

@@ -122,6 +122,12 @@ TEST(UsageProviderError, saysWhatHappened) {
          }) {
         EXPECT_EQ(test.error.message(english), test.english);
     }
+    std::string talkative;
+    for (int line = 0; line < 5000; ++line)
+        talkative += "täglich\n";
+    const std::string told = Error::codexReadFailed(talkative + "the reason").message(english);
+    EXPECT_LT(told.size(), 500u);
+    EXPECT_TRUE(told.starts_with("Codex could not be read: …") && told.ends_with(" the reason"));
     EXPECT_EQ(Error::timeout("Codex").messageKey(), "error.timeout");
     EXPECT_EQ(Error(Error::Kind::claudeTempFileFailed).messageKey(), "error.claude.tempFile");
     EXPECT_EQ(Error::other("error.timeout").messageKey(), std::nullopt);
