@@ -139,14 +139,16 @@ private:
         }
         try {
             state.snapshots = snapshotsFromDocument(*text);
+            for (const AgentUsageSnapshot& snapshot : state.snapshots) {
+                if (!state.enabledProviderIDs.insert(snapshot.id).second) {
+                    throw JSONDecodingError("more than one snapshot of " + snapshot.id.rawValue);
+                }
+                state.providerOrder.push_back(snapshot.id);
+            }
         } catch (const JSONDecodingError& error) {
             context.report(
                 context.words.format("cli.status.notSnapshots", {singleLine(error.what())}));
             return ExitStatus::failed;
-        }
-        for (const AgentUsageSnapshot& snapshot : state.snapshots) {
-            state.providerOrder.push_back(snapshot.id);
-            state.enabledProviderIDs.insert(snapshot.id);
         }
         return ExitStatus::done;
     }

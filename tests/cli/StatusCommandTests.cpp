@@ -78,7 +78,11 @@ TEST_F(StatusCommand, leavesOutWhatIsNotThere) {
 }
 
 TEST_F(StatusCommand, refusesWhatIsNoListOfSnapshots) {
-    for (const char* text : {"", "{}", "[1]", "[{\"id\":\"codex\"}]", "nonsense"}) {
+    const json codex = snapshot("codex", {json{{"id", "session"}, {"usedPercent", 97.0}}});
+    const std::string twice = json::array({codex, codex}).dump();
+    for (const std::string& text :
+         {std::string(), std::string("{}"), std::string("[1]"), std::string(R"([{"id":"codex"}])"),
+          std::string("nonsense"), twice}) {
         const auto result = run({"--snapshots", "-", "--json"}, text);
         EXPECT_EQ(result.status, 1) << text;
         EXPECT_EQ(result.output, "");
