@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <string>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -20,7 +21,7 @@ constexpr const char* directoryPrefix = "vellmark-demo-";
 constexpr const char* simulatorName = "vellmark-simulator";
 
 int openLock(const fs::path& directory, int flags) {
-    return open((directory / "lock").c_str(), flags | O_RDWR | O_CLOEXEC, 0600);
+    return open((directory / "lock").c_str(), flags | O_RDWR | O_CLOEXEC | O_NOFOLLOW, 0600);
 }
 
 /// Removes a sandbox, its lock last: where a child of a killed program still writes meanwhile, the
@@ -39,12 +40,20 @@ void removeSandbox(const fs::path& directory) {
     fs::remove_all(directory, error);
 }
 
+/// No link to elsewhere, and nobody else's.
+bool isOwnDirectory(const fs::path& path) {
+    struct stat status = {};
+    return lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
+           status.st_uid == geteuid();
+}
+
 /// A sandbox whose lock nobody holds belongs to a program that was killed. One without a lock is
 /// being made at this moment.
 void removeAbandoned(const fs::path& temporary) {
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(temporary, error)) {
-        if (!entry.path().filename().string().starts_with(directoryPrefix))
+        const bool isSandbox = entry.path().filename().string().starts_with(directoryPrefix);
+        if (!isSandbox || !isOwnDirectory(entry.path()))
             continue;
         const int lock = openLock(entry.path(), 0);
         if (lock < 0)

@@ -175,9 +175,16 @@ TEST(Demo, LeavesNothingBehindAlsoWhenItIsInterrupted) {
         run.wait();
         EXPECT_FALSE(std::filesystem::is_empty(temporary.path()));
     }
+    // What only looks like a demo's directory is somewhere else.
+    const TemporaryDirectory elsewhere;
+    elsewhere.write("lock", "");
+    elsewhere.write("treasure", "");
+    std::filesystem::create_directory_symlink(elsewhere.path(), temporary / "vellmark-demo-link");
     const ProgramResult result = ProgramRun::of(demo);
     EXPECT_EQ(result.status, 0) << result.output;
     EXPECT_THAT(result.output, AllOf(HasSubstr("Codex"), HasSubstr("Claude")));
+    EXPECT_TRUE(std::filesystem::exists(elsewhere / "treasure"));
+    std::filesystem::remove(temporary / "vellmark-demo-link");
     EXPECT_TRUE(std::filesystem::is_empty(temporary.path()));
 }
 
