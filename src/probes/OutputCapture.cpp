@@ -6,6 +6,13 @@
 #include <fcntl.h>
 
 namespace vellmark {
+namespace {
+
+bool isContinuation(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+} // namespace
 
 OutputCapture::OutputCapture(std::size_t limit, Part part)
     : pipe_(makePipe()), limit_(limit), part_(part) {
@@ -33,8 +40,13 @@ void OutputCapture::keep(const char* bytes, std::size_t count) {
         return;
     }
     text_.append(bytes, count);
-    if (text_.size() > limit_)
-        text_.erase(0, text_.size() - limit_);
+    if (text_.size() <= limit_)
+        return;
+    // Not in the middle of a character of UTF-8: what begins so is no text.
+    std::size_t cut = text_.size() - limit_;
+    for (int step = 0; step < 3 && cut < text_.size() && isContinuation(text_[cut]); ++step)
+        ++cut;
+    text_.erase(0, cut);
 }
 
 } // namespace vellmark

@@ -80,6 +80,18 @@ TEST(ChildSession, aChattyErrorStreamBlocksNobodyAndItsEndIsKept) {
     EXPECT_TRUE(errors.ends_with("the reason\n"));
 }
 
+TEST(ChildSession, theEndOfAnErrorTextBeginsWithAWholeCharacter) {
+    ChildSession session(
+        shellChild("yes ä | tr -d '\\n' | head -c 100000 >&2; echo the reason >&2"),
+        ErrorStream::pipe);
+    std::string text;
+    EXPECT_EQ(readAll(session, text), ReadEvent::endOfFile);
+    const std::string errors = session.errorText();
+    EXPECT_EQ(errors.size(), 64u * 1024 - 1);
+    EXPECT_TRUE(errors.starts_with("ä"));
+    EXPECT_TRUE(errors.ends_with("the reason\n"));
+}
+
 TEST(ChildSession, aGrandchildThatHoldsTheOutputDoesNotHoldTheEnd) {
     const TemporaryDirectory directory;
     ChildSession session(
