@@ -13,6 +13,8 @@ namespace vellmark {
 
 /// A file in which a child leaves its output: readable by its owner alone (0600), newly created
 /// under a name with a fresh identifier, deleted when this object goes, whatever happened between.
+/// What a killed program left behind is deleted when the next file with its prefix is created, from
+/// ten minutes later on.
 class PrivateTemporaryFile {
 public:
     /// What `contents` reads at most; a file beyond it counts as unreadable.

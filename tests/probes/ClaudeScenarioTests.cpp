@@ -281,6 +281,15 @@ TEST_F(ClaudeScenario, recordsInAPrivateFileAndWaitsForTheModelOfTheLastDay) {
         EXPECT_EQ(contentOf(sandbox.machine().home / "seen"),
                   workspace.string() + "\n" + expected + "\n-rw-------\n");
     }
+    // What a killed program left behind goes; what another one is writing now stays.
+    const std::filesystem::path temporary = sandbox.machine().temporary;
+    for (const char* name : {"vellmark-claude-OLD.log", "vellmark-claude-NEW.log"})
+        std::ofstream(temporary / name) << "a screen";
+    const auto longAgo = std::filesystem::file_time_type::clock::now() - std::chrono::minutes(11);
+    std::filesystem::last_write_time(temporary / "vellmark-claude-OLD.log", longAgo);
+    fetch();
+    EXPECT_FALSE(std::filesystem::exists(temporary / "vellmark-claude-OLD.log"));
+    EXPECT_TRUE(std::filesystem::remove(temporary / "vellmark-claude-NEW.log"));
 }
 
 struct LoginCase {
