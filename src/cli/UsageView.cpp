@@ -62,6 +62,8 @@ std::string UsageView::text(const std::vector<AgentBlockContent>& agents) const 
             text += row(window, layout);
         for (const BalanceRowContent& entry : agent.balances)
             text += balance(entry, layout);
+        for (const std::string& note : agent.notes)
+            text += paragraph(note, indent, TextStyle::dim, layout);
         if (agent.failure)
             text += failure(agent, layout);
     }

@@ -2,6 +2,7 @@
 
 #include "model/UsageTexts.h"
 #include "text/Formatting.h"
+#include "text/TerminalText.h"
 
 #include <algorithm>
 
@@ -136,16 +137,26 @@ int expectedRows(const AgentProviderID& id) {
     return static_cast<int>(std::clamp<std::size_t>(kinds, 2, 4));
 }
 
+/// How long each part of the reading took is for the log alone.
+std::vector<std::string> notesOf(const AgentUsageSnapshot& snapshot, const Localization& words) {
+    std::vector<std::string> notes;
+    for (const SnapshotNote& note : snapshot.notes) {
+        if (const auto* missing = std::get_if<SnapshotNote::ClaudeEndMarkerMissing>(&note.value))
+            notes.push_back(words.format("log.claude.endMarkerMissing", {missing->variant}));
+    }
+    return notes;
+}
+
 } // namespace
 
 std::string agentName(const AgentProviderID& id, const Localization& words) {
     const ProviderDescriptor* descriptor = providerDescriptor(id);
-    return descriptor ? words.text(descriptor->nameKey) : id.rawValue;
+    return descriptor ? words.text(descriptor->nameKey) : singleLine(id.rawValue);
 }
 
 std::string agentShortName(const AgentProviderID& id, const Localization& words) {
     const ProviderDescriptor* descriptor = providerDescriptor(id);
-    return descriptor ? words.text(descriptor->shortNameKey) : id.rawValue;
+    return descriptor ? words.text(descriptor->shortNameKey) : singleLine(id.rawValue);
 }
 
 AgentBlockContent agentBlockContent(const AgentUsageSnapshot& snapshot, const UsageState& state,
@@ -162,6 +173,7 @@ AgentBlockContent agentBlockContent(const AgentUsageSnapshot& snapshot, const Us
         block.boneRows = expectedRows(snapshot.id);
     else
         addRows(block, snapshot, state, now, words);
+    block.notes = notesOf(snapshot, words);
     if (snapshot.error)
         block.failure = failureContent(*snapshot.error, words);
     if (block.state == AgentBlockContent::State::live ||

@@ -59,6 +59,8 @@ struct AgentBlockContent {
     /// How many rows of bones to show while loading.
     int boneRows = 0;
     std::vector<BalanceRowContent> balances;
+    /// What is doubtful about the reading: "End of the usage page not recognised; …".
+    std::vector<std::string> notes;
     std::optional<FailureContent> failure;
     /// "Read 2 min ago through the Claude Code CLI"; empty before the first reading.
     std::string sourceText;

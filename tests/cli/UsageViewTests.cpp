@@ -63,7 +63,8 @@ AgentBlockContent agent() {
             .state = AgentBlockContent::State::live,
             .health = UsageHealth::critical,
             .statusText = "Critical",
-            .rows = {session, pool}};
+            .rows = {session, pool},
+            .notes = {"The reading is doubtful, and this tells why it is so"}};
 }
 
 AgentBlockContent failedAgent() {
@@ -86,6 +87,7 @@ TEST(UsageView, NoLineIsWiderThanTheTerminalAndNoFigureIsCut) {
             EXPECT_LE(displayWidth(line), columns) << line;
         EXPECT_THAT(text, HasSubstr("62% left")) << columns;
         EXPECT_THAT(text, HasSubstr("5% left")) << columns;
+        EXPECT_THAT(text, HasSubstr("doubtful")) << columns;
     }
 }
 
