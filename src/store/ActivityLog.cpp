@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <fstream>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -184,6 +185,14 @@ std::error_code ActivityLog::trim(Instant now, const TimeZone& zone) {
         }
     });
     return changed ? replacement.commit() : std::error_code();
+}
+
+std::error_code ActivityLog::trimWhenDue(Instant now, const TimeZone& zone) {
+    std::string firstLine;
+    std::getline(std::ifstream(file_), firstLine);
+    const auto oldest = LineReader(zone).instant(firstLine);
+    const bool isDue = oldest && *oldest < now - (daysKept + 1) * day;
+    return isDue ? trim(now, zone) : std::error_code();
 }
 
 std::vector<ActivityEntry> ActivityLog::entries(Instant since, const TimeZone& zone) const {

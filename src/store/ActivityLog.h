@@ -28,6 +28,8 @@ public:
     std::error_code append(ActivityEntry entry, const TimeZone& zone);
     /// Drops what is older than 30 days.
     std::error_code trim(Instant now, const TimeZone& zone);
+    /// The same, once the oldest line is a day older than that; cheap to ask at every start.
+    std::error_code trimWhenDue(Instant now, const TimeZone& zone);
     /// The entries since `since`, oldest first; those that are not on disk are among them. Lines
     /// that are no entries are left out.
     std::vector<ActivityEntry> entries(Instant since, const TimeZone& zone) const;

@@ -61,7 +61,7 @@ struct AgentUsageStore::State {
     bool mayStart(RefreshTrigger trigger) const;
     std::vector<AgentProviderID> askedFor(const std::vector<AgentProviderID>& named) const;
     void begin(RefreshTrigger trigger, const std::vector<AgentProviderID>& ids);
-    void join(RefreshTrigger trigger, const std::vector<AgentProviderID>& ids, bool named);
+    void join(RefreshTrigger trigger, const std::vector<AgentProviderID>& ids);
     void startReading(const std::vector<AgentProviderID>& ids);
     void land(const AgentProviderID& id, const FetchOutcome& outcome, Seconds elapsed);
     void takeReading(AgentUsageSnapshot snapshot, Seconds elapsed);
@@ -109,7 +109,7 @@ AgentUsageStore::State::State(Configuration configuration, MainExecutor& mainExe
                               Preferences& preferences)
     : config(std::move(configuration)), executor(mainExecutor),
       settings(preferences, idsOf(config.registrations)),
-      files(config.machine.supportDirectory(), mainExecutor, config.now(),
+      files(config.machine.supportDirectory(), mainExecutor, config.now(), zone(),
             {.historyChanged =
                  [this] {
                      observers.around([this] {
@@ -227,15 +227,15 @@ void AgentUsageStore::State::begin(RefreshTrigger trigger,
     });
 }
 
-void AgentUsageStore::State::join(RefreshTrigger trigger, const std::vector<AgentProviderID>& ids,
-                                  bool named) {
+void AgentUsageStore::State::join(RefreshTrigger trigger,
+                                  const std::vector<AgentProviderID>& ids) {
     if (trigger != RefreshTrigger::manual && trigger != RefreshTrigger::settings) {
         return;
     }
     std::vector<AgentProviderID> missing;
     for (const AgentProviderID& id : ids) {
-        // Who names an agent wants it read anew, even if this refresh has just done so.
-        if (named ? !run->isReading(id) : !run->hasRead(id)) {
+        // Also one that this refresh has already read: who asks now wants to know how it is now.
+        if (!run->isReading(id)) {
             missing.push_back(id);
         }
     }
@@ -246,6 +246,7 @@ void AgentUsageStore::State::join(RefreshTrigger trigger, const std::vector<Agen
 
 void AgentUsageStore::State::startReading(const std::vector<AgentProviderID>& ids) {
     for (const AgentProviderID& id : ids) {
+        readWell.erase(id); // by an earlier reading of this refresh
         run->start(agents.at(id));
         shown.try_emplace(id, loadingSnapshot(id, now()));
     }
@@ -281,6 +282,8 @@ void AgentUsageStore::State::takeReading(AgentUsageSnapshot snapshot, Seconds el
         state.lastSuccess[id] = snapshot.updatedAt;
         state.refreshProgress = run->progress();
         lastGood[id] = snapshot;
+        // Not at the refresh's end: the program may not live to see it.
+        files.save(lastGood, now());
         shown[id] = std::move(snapshot);
         publishSnapshots();
         publishRecentPoints();
@@ -313,9 +316,6 @@ void AgentUsageStore::State::takeFailure(const AgentProviderID& id, UsageProvide
 void AgentUsageStore::State::finishIfDone() {
     if (!run || !run->isDone()) {
         return;
-    }
-    if (!readWell.empty()) {
-        files.save(lastGood, now());
     }
     observers.around([&] {
         note(ActivityTexts::refreshFinished(run->trigger(), readWell.size(), run->endedCount(),
@@ -372,7 +372,7 @@ void AgentUsageStore::refresh(RefreshTrigger trigger, const std::vector<AgentPro
     }
     const auto asked = d_->askedFor(agents);
     if (d_->run) {
-        d_->join(trigger, asked, !agents.empty());
+        d_->join(trigger, asked);
     } else if (!asked.empty()) {
         d_->begin(trigger, asked);
     }

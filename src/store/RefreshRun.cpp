@@ -44,10 +44,6 @@ void RefreshRun::drop(const AgentProviderID& id) {
     ended_.erase(id);
 }
 
-bool RefreshRun::hasRead(const AgentProviderID& id) const {
-    return isReading(id) || ended_.contains(id);
-}
-
 double RefreshRun::progress() const {
     const auto all = readings_.size() + ended_.size();
     return all == 0 ? 1 : static_cast<double>(ended_.size()) / static_cast<double>(all);

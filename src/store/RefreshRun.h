@@ -41,8 +41,6 @@ public:
     void drop(const AgentProviderID& id);
 
     bool isReading(const AgentProviderID& id) const { return readings_.contains(id); }
-    /// Whether the agent was part of the run, under way or ended.
-    bool hasRead(const AgentProviderID& id) const;
     bool isDone() const { return readings_.empty(); }
     double progress() const;
     std::size_t endedCount() const { return ended_.size(); }

@@ -55,12 +55,13 @@ struct StoreFiles::State {
 };
 
 StoreFiles::StoreFiles(const std::filesystem::path& directory, MainExecutor& executor, Instant now,
-                       Callbacks callbacks)
+                       TimeZone zone, Callbacks callbacks)
     : d_(std::make_unique<State>(directory, executor, std::move(callbacks))) {
-    d_->queue.post([d = d_.get(), now] {
+    d_->queue.post([d = d_.get(), now, zone = std::move(zone)] {
         d->recorder.load(now);
         d->tellTrouble(File::history, d->recorder.trouble());
         d->tellHistoryChanged();
+        d->note(File::log, d->logTrouble, d->log.trimWhenDue(now, zone));
     });
 }
 
@@ -97,11 +98,11 @@ void StoreFiles::log(ActivityEntry entry, TimeZone zone) {
 }
 
 void StoreFiles::trim(Instant now, const TimeZone& zone) {
-    d_->queue.run([&] {
-        d_->note(File::log, d_->logTrouble, d_->log.trim(now, zone));
-        d_->recorder.compact(now);
-        d_->tellTrouble(File::history, d_->recorder.trouble());
+    d_->queue.post([d = d_.get(), now] {
+        d->recorder.compact(now);
+        d->tellTrouble(File::history, d->recorder.trouble());
     });
+    d_->queue.run([&] { d_->note(File::log, d_->logTrouble, d_->log.trim(now, zone)); });
 }
 
 std::vector<ActivityEntry> StoreFiles::activity(Instant since, const TimeZone& zone) {

@@ -31,9 +31,9 @@ public:
         std::function<void(File, const StorageTrouble::News&)> trouble;
     };
 
-    /// Begins to read the history.
+    /// Begins to read the history, and drops old log lines when that is due.
     StoreFiles(const std::filesystem::path& directory, MainExecutor& executor, Instant now,
-               Callbacks callbacks);
+               TimeZone zone, Callbacks callbacks);
     ~StoreFiles();
     StoreFiles(const StoreFiles&) = delete;
     StoreFiles& operator=(const StoreFiles&) = delete;

@@ -78,6 +78,17 @@ TEST_F(Log, trimDropsWhatIsOlderThan30Days) {
     EXPECT_EQ(before.st_ino, after.st_ino) << "nothing to drop, nothing written";
 }
 
+TEST_F(Log, isTrimmedOnceTheOldestLineIsADayTooOld) {
+    EXPECT_FALSE(log.trimWhenDue(noon, zone)) << "there is no file yet";
+    for (const double age : {30.5, 1.0}) {
+        ASSERT_FALSE(log.append(entry("age " + std::to_string(age), noon - age * day), zone));
+    }
+    ASSERT_FALSE(log.trimWhenDue(noon, zone));
+    EXPECT_EQ(log.entries(noon - 400 * day, zone).size(), 2u);
+    ASSERT_FALSE(log.trimWhenDue(noon + day, zone));
+    EXPECT_EQ(log.entries(noon - 400 * day, zone).size(), 1u);
+}
+
 TEST_F(Log, linesOfOtherPeopleDoNoHarm) {
     directory.write("Vellmark/activity.log",
                     "garbage\n\n2026-99-99 99:99:99 info codex: odd\n2026-11-20 13:00:00\n"

@@ -1,4 +1,5 @@
 #include "probes/BoundedProcess.h"
+#include "store/LastSnapshots.h"
 #include "store/StoreFixture.h"
 #include "support/ProcessCensus.h"
 
@@ -118,6 +119,31 @@ TEST_F(Refresh, aRequestDuringARefreshIsMergedIntoIt) {
     EXPECT_EQ(codex->fetchCount(), 1);
     EXPECT_EQ(claude->fetchCount(), 1);
     EXPECT_EQ(antigravity->fetchCount(), 1);
+}
+
+TEST_F(Refresh, whatIsReadCanBeReadAgainAndIsKeptWhileAnotherAgentHangs) {
+    makeStore();
+    claude->holdFetches();
+    codex->fails(UsageProviderError::codexReadFailed("no such option"));
+    store->refresh(RefreshTrigger::timer);
+    const auto othersEnded = [&] {
+        return source(codex) == SnapshotSource::stale && source(antigravity) == SnapshotSource::live;
+    };
+    ASSERT_TRUE(executor.turnUntil(othersEnded));
+    store->flush();
+    const auto kept = LastSnapshots(machine.supportDirectory() / "last-snapshots.json").read();
+    ASSERT_EQ(kept.size(), 1u) << "the program may not live to see the refresh's end";
+    EXPECT_EQ(kept.front().id, antigravity->id());
+
+    codex->answersUsed(42, executor.now());
+    store->refresh(RefreshTrigger::timer);
+    EXPECT_EQ(codex->fetchCount(), 1);
+    store->refresh(RefreshTrigger::manual);
+    EXPECT_TRUE(executor.turnUntil([&] { return source(codex) == SnapshotSource::live; }));
+    EXPECT_TRUE(state().isRefreshing);
+    claude->letGo();
+    ASSERT_TRUE(finishRefresh());
+    EXPECT_EQ(claude->fetchCount(), 1);
 }
 
 TEST_F(Refresh, automaticTriggersRespectHoldAndPause) {
