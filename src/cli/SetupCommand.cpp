@@ -190,15 +190,17 @@ private:
             return status;
         context.output.write("\n");
         writeStatus(context);
-        return isReady(*task.agent) ? read(*task.agent, context) : ExitStatus::done;
+        return mayBeReady(*task.agent) ? read(*task.agent, context) : ExitStatus::done;
     }
 
-    bool isReady(const ProviderDescriptor& agent) const {
+    /// Also where the check could not tell: the reading can.
+    bool mayBeReady(const ProviderDescriptor& agent) const {
         const auto found = std::ranges::find_if(registrations_, [&](const auto& registration) {
             return registration.descriptor.id == agent.id;
         });
         const auto index = static_cast<std::size_t>(found - registrations_.begin());
-        return statuses_[index] == AgentSetupStatus::ready;
+        return statuses_[index] == AgentSetupStatus::ready ||
+               statuses_[index] == AgentSetupStatus::unverifiable;
     }
 
     static int read(const ProviderDescriptor& agent, const CommandContext& context) {
