@@ -2,6 +2,7 @@
 #include "cli/Subcommands.h"
 #include "cli/WrongArguments.h"
 #include "platform/UserLocale.h"
+#include "presentation/LanguageManager.h"
 #include "probes/BoundedProcess.h"
 #include "probes/ChildWatcher.h"
 #include "store/DemoHistory.h"
@@ -23,16 +24,6 @@ void openClosedStandardStreams() {
         if (fcntl(descriptor, F_GETFD) < 0)
             open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
     }
-}
-
-Localization userWords(const std::vector<std::string>& arguments, const Environment& environment) {
-    const UserLocale locale = UserLocale::of(environment);
-    const auto requested = requestedLanguage(arguments);
-    const std::string language = requested.value_or(locale.languageCode);
-    const bool known = language == "de" || language == "en";
-    // Another country's formats of the chosen language are welcome, another language's are not.
-    const bool formatsFit = locale.formatIdentifier.starts_with(language) && !language.empty();
-    return Localization(known ? language : "de", formatsFit ? locale.formatIdentifier : "");
 }
 
 /// Runs the subcommand on the machine that the arguments ask for.
@@ -68,7 +59,8 @@ int statusAfterWriting(int status, const TerminalOutput& output, TerminalOutput&
 
 int run(const std::vector<std::string>& arguments) {
     const Machine machine = Machine::current();
-    const Localization words = userWords(arguments, machine.environment);
+    const Localization words = localizationFor(
+        UserLocale::of(machine.environment), requestedLanguage(arguments).value_or(""));
     TerminalOutput output(STDOUT_FILENO, machine.environment);
     TerminalOutput errors(STDERR_FILENO, machine.environment);
     const auto subcommands = allSubcommands();

@@ -8,14 +8,21 @@ namespace {
 
 constexpr std::string_view preferenceKey = "AppLanguage";
 constexpr std::string_view systemSetting = "system";
-/// Of languages that the program does not speak, most people read this one.
-constexpr std::string_view lingua = "en";
+constexpr const char* fallback = "de";
 
 bool isSpoken(std::string_view code) {
     return code == "de" || code == "en";
 }
 
 } // namespace
+
+Localization localizationFor(const UserLocale& user, const std::string& language) {
+    std::string code = language.empty() ? user.languageCode : language;
+    if (!isSpoken(code))
+        code = fallback;
+    const bool formatsFit = user.formatIdentifier.starts_with(code);
+    return Localization(code, formatsFit ? user.formatIdentifier : std::string());
+}
 
 const std::vector<std::string>& LanguageManager::settings() {
     static const std::vector<std::string> all{std::string(systemSetting), "de", "en"};
@@ -25,7 +32,7 @@ const std::vector<std::string>& LanguageManager::settings() {
 LanguageManager::LanguageManager(Preferences& preferences, UserLocale system, std::string forced)
     : preferences_(preferences), system_(std::move(system)), forced_(std::move(forced)),
       setting_(preferences.string(preferenceKey).value_or(std::string(systemSetting))),
-      words_("en") {
+      words_(fallback) {
     if (std::ranges::find(settings(), setting_) == settings().end())
         setting_ = systemSetting;
     words_ = makeWords();
@@ -46,16 +53,8 @@ void LanguageManager::choose(const std::string& setting) {
 }
 
 Localization LanguageManager::makeWords() const {
-    std::string code = system_.languageCode;
-    if (!forced_.empty())
-        code = forced_;
-    else if (setting_ != systemSetting)
-        code = setting_;
-    if (!isSpoken(code))
-        code = lingua;
-    // Formats of another language than the texts' would mix the two in one sentence.
-    const bool formatsFit = system_.formatIdentifier.starts_with(code);
-    return Localization(code, formatsFit ? system_.formatIdentifier : std::string());
+    const std::string chosen = setting_ == systemSetting ? std::string() : setting_;
+    return localizationFor(system_, forced_.empty() ? chosen : forced_);
 }
 
 } // namespace vellmark

@@ -36,9 +36,9 @@ TEST_F(ChosenSettingsTest, LanguageFollowsTheSystemUntilOneIsChosen) {
     EXPECT_EQ(LanguageManager(*preferences_, swiss, "de").words(), Localization("de", "de_CH"));
 }
 
-TEST_F(ChosenSettingsTest, UnknownLanguagesReadEnglish) {
-    EXPECT_EQ(LanguageManager(*preferences_, {"fr", "fr_FR"}).words(), Localization("en"));
-    EXPECT_EQ(LanguageManager(*preferences_, {}).words(), Localization("en"));
+TEST_F(ChosenSettingsTest, UnknownLanguagesReadGerman) {
+    EXPECT_EQ(LanguageManager(*preferences_, {"fr", "fr_FR"}).words(), Localization("de"));
+    EXPECT_EQ(LanguageManager(*preferences_, {}).words(), Localization("de"));
     preferences_->setString("AppLanguage", "nonsense");
     EXPECT_EQ(LanguageManager(*preferences_, {"de", "de_DE"}).setting(), "system");
 }
