@@ -77,6 +77,19 @@ double median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
+/// In milliseconds. What is neither is spent waiting for the disk, the display or the bus.
+struct MainThread {
+    double running = 0;
+    double queued = 0; ///< waiting for a processor
+
+    MainThread operator-(const MainThread& earlier) const {
+        return {running - earlier.running, queued - earlier.queued};
+    }
+    std::string text() const {
+        return ::text(running) + " of it running, " + ::text(queued) + " waiting for a processor";
+    }
+};
+
 class Program {
 public:
     explicit Program(char** arguments) {
@@ -111,12 +124,13 @@ public:
             counts[thread.path().filename()] = status(thread.path(), "voluntary_ctxt_switches");
         return counts;
     }
-    /// What the main thread has run so far, without waiting for a processor.
-    double mainThreadMilliseconds() const {
+    /// The main thread so far.
+    MainThread mainThread() const {
         std::ifstream stream(directory() / "schedstat");
-        double nanoseconds = 0;
-        stream >> nanoseconds;
-        return nanoseconds / 1e6;
+        double running = 0;
+        double queued = 0;
+        stream >> running >> queued;
+        return {running / 1e6, queued / 1e6};
     }
     double processorMilliseconds() const {
         std::ifstream stream(directory() / "stat");
@@ -189,6 +203,7 @@ std::string waitForItem(NotifierPanel& panel) {
 void measureLaunch(NotifierPanel& panel, char** arguments) {
     std::vector<double> times;
     std::vector<double> running;
+    std::vector<double> queued;
     for (int launch = 0; launch < launches; ++launch) {
         panel.forget();
         const auto start = Clock::now();
@@ -197,11 +212,13 @@ void measureLaunch(NotifierPanel& panel, char** arguments) {
         if (item.iconSizes() == 0)
             throw std::runtime_error("the item has no icon");
         times.push_back(milliseconds(Clock::now() - start));
-        running.push_back(program.mainThreadMilliseconds());
+        const MainThread thread = program.mainThread();
+        running.push_back(thread.running);
+        queued.push_back(thread.queued);
     }
     printLimited("launch to drawn item", median(times), "ms", 150,
-                 "median of " + std::to_string(launches));
-    print("  of it running", median(running), "ms", "the rest waits for a processor or the disk");
+                 MainThread{median(running), median(queued)}.text() + ", medians of " +
+                     std::to_string(launches));
 }
 
 /// Toggles the popover and waits until a pixel inside it has changed.
@@ -218,15 +235,15 @@ double measureToggle(Item& item, const Screen& screen) {
 
 struct Opening {
     double time;
-    double running; ///< the program's main thread, of it
+    MainThread thread;
 };
 
 /// Opens and closes the popover, with pauses: a click right after the one that closed is refused.
 Opening measureOpening(const Program& program, Item& item, const Screen& screen) {
     constexpr auto pause = std::chrono::milliseconds(400);
-    const double before = program.mainThreadMilliseconds();
+    const MainThread before = program.mainThread();
     Opening opening{.time = measureToggle(item, screen)};
-    opening.running = program.mainThreadMilliseconds() - before;
+    opening.thread = program.mainThread() - before;
     std::this_thread::sleep_for(pause);
     measureToggle(item, screen);
     std::this_thread::sleep_for(pause);
@@ -234,7 +251,7 @@ Opening measureOpening(const Program& program, Item& item, const Screen& screen)
 }
 
 void printOpening(const char* what, const Opening& opening) {
-    printLimited(what, opening.time, "ms", 50, text(opening.running) + " of it running");
+    printLimited(what, opening.time, "ms", 50, opening.thread.text());
 }
 
 void measurePopover(const Program& program, Item& item) {
