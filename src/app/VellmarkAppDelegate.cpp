@@ -1,6 +1,7 @@
 #include "app/VellmarkAppDelegate.h"
 
-#include "app/ReleaseAfterClosing.h"
+#include "app/WindowMemory.h"
+#include "platform/UnusedMemory.h"
 #include "presentation/MainWindowContent.h"
 #include "presentation/PopoverContent.h"
 #include "probes/BoundedProcess.h"
@@ -32,6 +33,8 @@ namespace {
 constexpr std::string_view popoverTabKey = "PopoverSelectedTab";
 constexpr std::string_view setupCompletedKey = "SetupAssistantCompleted";
 constexpr Seconds terminationGrace{1.0};
+/// The first refresh is mostly over by then.
+constexpr Seconds launchSettles{5};
 constexpr int exportedActivityDays = 30;
 
 Instant now() {
@@ -92,7 +95,10 @@ VellmarkAppDelegate::~VellmarkAppDelegate() {
 }
 
 LaunchOutcome VellmarkAppDelegate::applicationDidFinishLaunching() {
-    return runLaunchSequence(options_, *this);
+    const LaunchOutcome outcome = runLaunchSequence(options_, *this);
+    if (outcome == LaunchOutcome::launched)
+        executor_.postAfter(launchSettles, launchSettles, releaseUnusedMemory);
+    return outcome;
 }
 
 void VellmarkAppDelegate::applicationWillTerminate() {
@@ -180,7 +186,7 @@ void VellmarkAppDelegate::configurePopover() {
     popover_->view().onSelectTab = [this](const PopoverTab& tab) {
         preferences_->setString(popoverTabKey, tab.storedForm());
     };
-    new ReleaseAfterClosing(*popover_, [this] { return std::move(popover_); });
+    new WindowMemory(*popover_, [this] { return std::move(popover_); });
 }
 
 void VellmarkAppDelegate::observeStore() {

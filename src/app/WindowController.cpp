@@ -1,6 +1,6 @@
 #include "app/WindowController.h"
 
-#include "app/ReleaseAfterClosing.h"
+#include "app/WindowMemory.h"
 
 #include <QEvent>
 
@@ -22,7 +22,7 @@ void WindowController::show() {
         window_ = description_.make();
         window_->setAttribute(Qt::WA_QuitOnClose, false);
         window_->installEventFilter(this);
-        new ReleaseAfterClosing(*window_, [this] { return release(); });
+        new WindowMemory(*window_, [this] { return release(); });
         retitle();
         restoreFrame();
     }
