@@ -3,6 +3,7 @@
 #include "app/TerminationSignals.h"
 #include "app/VellmarkAppDelegate.h"
 #include "platform/Machine.h"
+#include "platform/SessionBus.h"
 #include "probes/ChildWatcher.h"
 #include "probes/DemoSandbox.h"
 #include "store/DemoHistory.h"
@@ -40,9 +41,8 @@ int run(QApplication& application, const LaunchOptions& options, const Machine& 
     return QApplication::exec();
 }
 
-int runOnChosenMachine(QApplication& application, const LaunchOptions& options) {
+int runOnChosenMachine(QApplication& application, const LaunchOptions& options, Machine machine) {
     std::optional<DemoSandbox> demo;
-    Machine machine = Machine::current();
     if (options.isDemo) {
         demo.emplace(machine.temporary);
         machine = demo->machine();
@@ -67,7 +67,9 @@ int main(int argc, char** argv) {
         std::puts("Vellmark " VELLMARK_VERSION);
         return 0;
     }
-    const auto options = LaunchOptions::parse(arguments, Machine::current().environment);
+    // Before this process changes its own environment: agents get the user's.
+    const Machine machine = Machine::current();
+    const auto options = LaunchOptions::parse(arguments, machine.environment);
     if (!options.offendingArgument.empty()) {
         std::fprintf(stderr, "vellmark-desktop: %s is not an option or lacks its value\n%s",
                      options.offendingArgument.c_str(), usage);
@@ -75,12 +77,14 @@ int main(int argc, char** argv) {
     }
 
     startChildWatcher();
+    // The toolkit must not meet a stopped bus.
+    leaveOutUnansweringSessionBus();
     QApplication::setApplicationName(QStringLiteral("Vellmark"));
     QApplication::setDesktopFileName(QStringLiteral("app.vellmark.Vellmark"));
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication application(argc, argv);
     try {
-        return runOnChosenMachine(application, options);
+        return runOnChosenMachine(application, options, machine);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "vellmark-desktop: %s\n", error.what());
         return 1;

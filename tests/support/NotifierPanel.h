@@ -31,7 +31,10 @@ public:
         connection_->requestName(name);
         connection_->enterEventLoopAsync();
     }
-    ~NotifierPanel() { connection_->leaveEventLoop(); }
+    ~NotifierPanel() { freeze(); }
+
+    /// Stays on the bus and answers nothing any more.
+    void freeze() { connection_->leaveEventLoop(); }
     NotifierPanel(const NotifierPanel&) = delete;
     NotifierPanel& operator=(const NotifierPanel&) = delete;
 

@@ -2,35 +2,40 @@
 
 #include <sdbus-c++/Error.h>
 
+#include <utility>
+
 namespace vellmark {
 
 BusConnection::BusConnection(std::unique_ptr<sdbus::IConnection> connection)
     : connection_(std::move(connection)) {}
 
-std::shared_ptr<BusConnection>
-BusConnection::open(DescriptorWatcher& loop, std::unique_ptr<sdbus::IConnection> (*connect)()) {
-    try {
-        std::shared_ptr<BusConnection> opened(new BusConnection(connect()));
-        // The watch belongs to the connection, so it never outlives what it calls.
-        opened->watch_ = loop.watch(opened->connection_->getEventLoopPollData().fd,
-                                    [connection = opened.get()] { connection->process(); });
-        return opened;
-    } catch (const sdbus::Error&) {
+BusConnection::~BusConnection() {
+    watch_.reset();
+    closeBus(std::move(connection_));
+}
+
+std::shared_ptr<BusConnection> BusConnection::open(DescriptorWatcher& loop, MessageBus which) {
+    auto connection = openBus(which);
+    if (!connection)
         return nullptr;
-    }
+    std::shared_ptr<BusConnection> opened(new BusConnection(std::move(connection)));
+    // The watch belongs to the connection, so it never outlives what it calls.
+    opened->watch_ = loop.watch(opened->connection_->getEventLoopPollData().fd,
+                                [connection = opened.get()] { connection->process(); });
+    return opened;
 }
 
 std::shared_ptr<BusConnection> BusConnection::session(DescriptorWatcher& loop) {
     static std::weak_ptr<BusConnection> shared;
     if (auto existing = shared.lock())
         return existing;
-    const auto opened = open(loop, [] { return sdbus::createSessionBusConnection(); });
+    const auto opened = open(loop, MessageBus::session);
     shared = opened;
     return opened;
 }
 
 std::shared_ptr<BusConnection> BusConnection::system(DescriptorWatcher& loop) {
-    return open(loop, [] { return sdbus::createSystemBusConnection(); });
+    return open(loop, MessageBus::system);
 }
 
 void BusConnection::process() {

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "platform/DescriptorWatcher.h"
-
-#include <sdbus-c++/IConnection.h>
+#include "platform/linux/OpenBus.h"
 
 #include <functional>
 #include <memory>
@@ -12,14 +11,19 @@ namespace vellmark {
 /// A connection to a message bus that is driven by the front end's event loop: no thread of its
 /// own, no wake-up unless a message comes. Main thread.
 ///
-/// A lost bus ends the watch; calls on the connection then throw sdbus::Error as they did before.
+/// Opening, closing and every blocking call end within `busAnswerLimit`. A lost bus ends the watch;
+/// calls on the connection then throw sdbus::Error as they did before.
 class BusConnection : public std::enable_shared_from_this<BusConnection> {
 public:
     /// The session bus, shared by everyone who asks while somebody holds it; null when there is
-    /// none.
+    /// none or it does not answer.
     static std::shared_ptr<BusConnection> session(DescriptorWatcher& loop);
-    /// The system bus; null when there is none.
+    /// The system bus; null when there is none or it does not answer.
     static std::shared_ptr<BusConnection> system(DescriptorWatcher& loop);
+
+    ~BusConnection();
+    BusConnection(const BusConnection&) = delete;
+    BusConnection& operator=(const BusConnection&) = delete;
 
     sdbus::IConnection& bus() { return *connection_; }
 
@@ -29,8 +33,7 @@ public:
 
 private:
     explicit BusConnection(std::unique_ptr<sdbus::IConnection> connection);
-    static std::shared_ptr<BusConnection> open(DescriptorWatcher& loop,
-                                               std::unique_ptr<sdbus::IConnection> (*connect)());
+    static std::shared_ptr<BusConnection> open(DescriptorWatcher& loop, MessageBus which);
 
     std::unique_ptr<sdbus::IConnection> connection_;
     std::unique_ptr<DescriptorWatch> watch_;

@@ -1,6 +1,6 @@
 // With a session bus the right is the ownership of a name, and a later launch calls "Activate" of
-// the freedesktop.org interface for applications. Without a bus it is a lock on a file, and a later
-// launch knocks at a socket beside it.
+// the freedesktop.org interface for applications. Without a bus that answers it is a lock on a
+// file, and a later launch knocks at a socket beside it.
 
 #include "platform/SingleInstance.h"
 
@@ -14,6 +14,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <map>
+#include <optional>
 #include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -24,6 +25,7 @@ namespace vellmark {
 namespace {
 
 constexpr auto applicationInterface = "org.freedesktop.Application";
+constexpr auto nameIsTaken = "org.freedesktop.DBus.Error.FileExists";
 using PlatformData = std::map<std::string, sdbus::Variant>;
 
 std::string objectPath(const std::string& identifier) {
@@ -62,25 +64,29 @@ void activateOwner(BusConnection& connection, const std::string& identifier) {
         auto owner = sdbus::createProxy(connection.bus(), identifier, objectPath(identifier));
         owner->callMethod("Activate")
             .onInterface(applicationInterface)
-            .withTimeout(std::chrono::seconds(2))
             .withArguments(PlatformData());
     } catch (const sdbus::Error&) {
         // It runs, but is too busy to answer. Two instances would be worse than a hidden one.
     }
 }
 
-std::unique_ptr<SingleInstance> claimBusName(const std::shared_ptr<BusConnection>& connection,
-                                             const SingleInstanceRequest& request) {
-    // The object is there before the name, so that whoever finds the name can call it.
-    auto instance = std::make_unique<BusName>(connection, request);
+/// Whether the right is held by this launch (its instance), by another (null), or the bus has
+/// stopped answering (absent).
+std::optional<std::unique_ptr<SingleInstance>>
+claimBusName(const std::shared_ptr<BusConnection>& connection,
+             const SingleInstanceRequest& request) {
     try {
+        // The object is there before the name, so that whoever finds the name can call it.
+        auto instance = std::make_unique<BusName>(connection, request);
         connection->bus().requestName(request.identifier);
-    } catch (const sdbus::Error&) {
-        instance.reset();
-        activateOwner(*connection, request.identifier);
+        connection->process();
+        return instance;
+    } catch (const sdbus::Error& error) {
+        if (error.getName() != nameIsTaken)
+            return std::nullopt;
     }
-    connection->process();
-    return instance;
+    activateOwner(*connection, request.identifier);
+    return nullptr;
 }
 
 /// False when the path is too long for a socket.
@@ -165,8 +171,10 @@ std::unique_ptr<SingleInstance> claimLockedFile(DescriptorWatcher& loop,
 
 std::unique_ptr<SingleInstance> claimSingleInstance(DescriptorWatcher& loop,
                                                     SingleInstanceRequest request) {
-    if (const auto connection = BusConnection::session(loop))
-        return claimBusName(connection, request);
+    if (const auto connection = BusConnection::session(loop)) {
+        if (auto claimed = claimBusName(connection, request))
+            return std::move(*claimed);
+    }
     return claimLockedFile(loop, request);
 }
 

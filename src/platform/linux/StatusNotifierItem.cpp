@@ -70,6 +70,9 @@ public:
         busName_.append(itemInterface).append("-").append(std::to_string(::getpid())).append("-1");
         connection_->bus().requestName(busName_);
         followWatcher();
+        disconnected_ = connection_->bus().addMatch(
+            "type='signal',interface='org.freedesktop.DBus.Local',member='Disconnected'",
+            [this](sdbus::Message&) { setShown(false); });
     }
 
     void setIcon(std::vector<NotifierPixmap> pixmaps) {
@@ -226,6 +229,7 @@ private:
     std::unique_ptr<sdbus::IObject> item_;
     std::unique_ptr<sdbus::IProxy> watcher_;
     sdbus::Slot watcherOwner_;
+    sdbus::Slot disconnected_;
 };
 
 StatusNotifierItem::StatusNotifierItem(std::unique_ptr<Connection> connection)

@@ -41,7 +41,7 @@ public:
         std::function<void(bool isShown)> hostChanged;
     };
 
-    /// Null when there is no session bus.
+    /// Null when there is no session bus or it does not answer.
     static std::unique_ptr<StatusNotifierItem> create(DescriptorWatcher& loop, std::string id,
                                                       std::string title, Handlers handlers);
     ~StatusNotifierItem();

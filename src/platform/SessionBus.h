@@ -1,0 +1,12 @@
+#pragma once
+
+namespace vellmark {
+
+/// Makes this process go on as without a session bus unless there is one that answers within 2 s:
+/// the libraries that it uses would wait for a stopped one without end.
+///
+/// Changes the environment of the process, so: call at the start of `main`, before other threads
+/// run. Does nothing where the system has no such bus.
+void leaveOutUnansweringSessionBus();
+
+} // namespace vellmark

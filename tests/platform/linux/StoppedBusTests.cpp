@@ -1,0 +1,93 @@
+#include "platform/SessionBus.h"
+#include "platform/SingleInstance.h"
+#include "platform/SystemAppearance.h"
+#include "platform/Wake.h"
+#include "platform/linux/BusConnection.h"
+#include "platform/linux/PrivateBus.h"
+#include "platform/linux/StatusNotifierItem.h"
+#include "support/PollLoop.h"
+#include "support/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+
+namespace vellmark::tests {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// A bus that stops: it still takes connections and bytes, and never answers again.
+class StoppedBusTest : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!bus_.isInstalled())
+            GTEST_SKIP() << "dbus-daemon is not installed";
+        ::setenv("DBUS_SESSION_BUS_ADDRESS", bus_.address().c_str(), 1);
+        ::setenv("DBUS_SYSTEM_BUS_ADDRESS", bus_.address().c_str(), 1);
+    }
+    void TearDown() override {
+        ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
+        ::unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
+    }
+
+    std::unique_ptr<SingleInstance> claim(std::function<void()> onShow) {
+        return claimSingleInstance(loop_, {.identifier = "app.vellmark.Test",
+                                           .directory = directory_ / "support",
+                                           .onShow = std::move(onShow)});
+    }
+    std::unique_ptr<StatusNotifierItem> makeItem() {
+        return StatusNotifierItem::create(loop_, "vellmark", "Vellmark",
+                                          {.activate = [](int, int) {},
+                                           .menuItemChosen = [](const std::string&) {},
+                                           .hostChanged = [](bool) {}});
+    }
+
+    TemporaryDirectory directory_;
+    PrivateBus bus_;
+    PollLoop loop_;
+};
+
+// Two waits at most; the rest is for a loaded machine.
+constexpr std::chrono::duration<double> patience = 2 * busAnswerLimit + std::chrono::seconds(4);
+
+TEST_F(StoppedBusTest, ALaunchGoesOnAsWithoutABus) {
+    bus_.stop();
+    const auto start = Clock::now();
+    leaveOutUnansweringSessionBus();
+    int shown = 0;
+    const auto instance = claim([&] { ++shown; });
+    EXPECT_TRUE(instance);
+    EXPECT_FALSE(claim([] {}));
+    EXPECT_FALSE(makeItem());
+    EXPECT_EQ(observeSystemAppearance(loop_, [] {})->colorScheme(), ColorScheme::noPreference);
+    EXPECT_FALSE(observeWake(loop_, [] {}));
+    EXPECT_LT(Clock::now() - start, patience);
+    EXPECT_TRUE(loop_.turnUntil([&] { return shown == 1; }));
+}
+
+TEST_F(StoppedBusTest, ClaimsWithoutTheBusWhenThatStopsAfterLettingIn) {
+    const auto connection = BusConnection::session(loop_);
+    ASSERT_TRUE(connection);
+    bus_.stop();
+    const auto start = Clock::now();
+    EXPECT_TRUE(claim([] {}));
+    EXPECT_FALSE(makeItem());
+    EXPECT_LT(Clock::now() - start, patience);
+}
+
+TEST_F(StoppedBusTest, DoesNotHoldUpAnItemThatHasMuchToTell) {
+    auto item = makeItem();
+    ASSERT_TRUE(item);
+    bus_.stop();
+    const auto start = Clock::now();
+    // More than the system takes for a reader that does not read.
+    for (int change = 0; change < 40000; ++change)
+        item->setToolTip(std::to_string(change));
+    item.reset();
+    EXPECT_LT(Clock::now() - start, patience);
+}
+
+} // namespace
+} // namespace vellmark::tests
