@@ -5,7 +5,7 @@ namespace vellmark {
 
 namespace {
 
-/// The user's defaults of this application, which other processes of it see as well.
+/// The user's defaults of the application, the same ones in both fronts.
 class UserDefaults final : public Preferences {
 public:
     std::optional<bool> boolean(std::string_view key) const override {
@@ -76,11 +76,10 @@ public:
     std::optional<std::error_code> writeError() const override { return error_; }
 
 private:
-    static CFOwner<CFTypeRef> copy(std::string_view key, CFTypeID type) {
+    CFOwner<CFTypeRef> copy(std::string_view key, CFTypeID type) const {
         const auto name = makeCFString(key);
-        CFOwner<CFTypeRef> value(
-            name ? CFPreferencesCopyAppValue(name.get(), kCFPreferencesCurrentApplication)
-                 : nullptr);
+        CFOwner<CFTypeRef> value(name ? CFPreferencesCopyAppValue(name.get(), application_.get())
+                                      : nullptr);
         return value && CFGetTypeID(value.get()) == type ? std::move(value) : nullptr;
     }
 
@@ -89,13 +88,16 @@ private:
         if (!name) {
             return;
         }
-        CFPreferencesSetAppValue(name.get(), value, kCFPreferencesCurrentApplication);
+        CFPreferencesSetAppValue(name.get(), value, application_.get());
         // The system does not say what went wrong.
-        error_ = CFPreferencesAppSynchronize(kCFPreferencesCurrentApplication)
+        error_ = CFPreferencesAppSynchronize(application_.get())
                      ? std::nullopt
                      : std::optional(std::make_error_code(std::errc::io_error));
     }
 
+    /// The bundle's identifier by name: the terminal program is in no bundle, and its "current
+    /// application" would be another one.
+    CFOwner<CFStringRef> application_ = makeCFString("app.vellmark.Vellmark");
     std::optional<std::error_code> error_;
 };
 
