@@ -5,9 +5,12 @@
 #include "probes/RunningChildren.h"
 
 #include <array>
+#include <cerrno>
 #include <fcntl.h>
+#include <optional>
 #include <spawn.h>
 #include <string>
+#include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
@@ -36,13 +39,16 @@ public:
                inheritStandardStreamsOnly(actions_, flags) == 0 &&
                posix_spawnattr_setflags(&attributes_, flags) == 0;
     }
-    bool launch(const std::string& program) const {
+    /// Absent when it cannot be launched.
+    std::optional<pid_t> launch(const std::string& program) const {
         std::string name = program;
         const std::array<char*, 2> arguments{name.data(), nullptr};
         std::array<char*, 1> environment{nullptr};
         pid_t pid = 0;
-        return posix_spawn(&pid, program.c_str(), &actions_, &attributes_, arguments.data(),
-                           environment.data()) == 0;
+        if (posix_spawn(&pid, program.c_str(), &actions_, &attributes_, arguments.data(),
+                        environment.data()) != 0)
+            return std::nullopt;
+        return pid;
     }
 
 private:
@@ -54,15 +60,37 @@ private:
     posix_spawnattr_t attributes_;
 };
 
-/// Never waits: a watcher that has stopped must not stop the program.
-void tell(int pipe, RunningChildren::Event event, pid_t pid) {
-    const ChildWatcherMessage message{event == RunningChildren::Event::started
-                                          ? ChildWatcherMessage::Event::started
-                                          : ChildWatcherMessage::Event::ended,
-                                      static_cast<std::int32_t>(pid)};
-    (void)writeWithoutSignal(
-        pipe, std::string_view(reinterpret_cast<const char*>(&message), sizeof(message)));
-}
+/// The watcher that was launched, told of children under the lock of their registry.
+class LaunchedWatcher {
+public:
+    LaunchedWatcher(pid_t pid, Descriptor lifeline) : pid_(pid), lifeline_(std::move(lifeline)) {}
+
+    /// Never waits: a watcher that has stopped must not stop the program.
+    void tell(RunningChildren::Event event, pid_t child) {
+        const ChildWatcherMessage message{event == RunningChildren::Event::started
+                                              ? ChildWatcherMessage::Event::started
+                                              : ChildWatcherMessage::Event::ended,
+                                          static_cast<std::int32_t>(child)};
+        const ssize_t written = writeWithoutSignal(
+            lifeline_.get(),
+            std::string_view(reinterpret_cast<const char*>(&message), sizeof(message)));
+        if (written < 0 && errno == EPIPE)
+            collect();
+    }
+
+private:
+    /// It has died: no zombie is to stay. It closes its end of the pipe a moment before it can be
+    /// collected; then the next report does it.
+    void collect() {
+        if (pid_ && ::waitpid(*pid_, nullptr, WNOHANG) != 0)
+            pid_.reset();
+    }
+
+    /// Until it is collected, when the number becomes free.
+    std::optional<pid_t> pid_;
+    /// Open for as long as the program runs, whatever ends it: that is the message.
+    Descriptor lifeline_;
+};
 
 } // namespace
 
@@ -71,14 +99,15 @@ bool startChildWatcher() {
     try {
         Pipe pipe = makePipe();
         SpawnSettings settings;
-        if (!settings.connect(pipe.readEnd.get()) || !settings.launch(program.string()))
+        if (!settings.connect(pipe.readEnd.get()))
+            return false;
+        const auto pid = settings.launch(program.string());
+        if (!pid)
             return false;
         ::fcntl(pipe.writeEnd.get(), F_SETFL, O_NONBLOCK);
-        // Open for as long as the program runs, whatever ends it: that is the message.
-        static Descriptor lifeline;
-        lifeline = std::move(pipe.writeEnd);
+        static LaunchedWatcher watcher(*pid, std::move(pipe.writeEnd));
         RunningChildren::setObserver(
-            [](RunningChildren::Event event, pid_t pid) { tell(lifeline.get(), event, pid); });
+            [](RunningChildren::Event event, pid_t child) { watcher.tell(event, child); });
         return true;
     } catch (const std::system_error&) {
         return false;

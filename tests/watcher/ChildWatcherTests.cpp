@@ -118,5 +118,22 @@ TEST(ChildWatcher, GoesWithTheProgram) {
     EXPECT_TRUE(becomesTrue([&] { return !isProcessAlive(watcher); }));
 }
 
+TEST(ChildWatcher, LeavesNoZombieWhenItIsKilledItself) {
+    const TemporaryDirectory directory;
+    const pid_t program = runAsProgram([&] {
+        if (!startChildWatcher())
+            ::_exit(1);
+        ::kill(directChildren(::getpid()).front(), SIGKILL);
+        if (!becomesTrue(hasZombieChild))
+            ::_exit(2);
+        // The next child of the program is the occasion to see it.
+        launch(directory, "exit").collect();
+        ::_exit(hasZombieChild() ? 3 : 0);
+    });
+    int status = 0;
+    ::waitpid(program, &status, 0);
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
 } // namespace
 } // namespace vellmark::tests
