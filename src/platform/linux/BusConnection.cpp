@@ -19,9 +19,13 @@ std::shared_ptr<BusConnection> BusConnection::open(DescriptorWatcher& loop, Mess
     if (!connection)
         return nullptr;
     std::shared_ptr<BusConnection> opened(new BusConnection(std::move(connection)));
-    // The watch belongs to the connection, so it never outlives what it calls.
-    opened->watch_ = loop.watch(opened->connection_->getEventLoopPollData().fd,
-                                [connection = opened.get()] { connection->process(); });
+    try {
+        // The watch belongs to the connection, so it never outlives what it calls.
+        opened->watch_ = loop.watch(opened->connection_->getEventLoopPollData().fd,
+                                    [connection = opened.get()] { connection->process(); });
+    } catch (const sdbus::Error&) {
+        return nullptr;
+    }
     return opened;
 }
 
