@@ -72,11 +72,8 @@ function(vellmark_test folder)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;USES")
     add_executable(vellmark_${folder}_tests ${arg_SOURCES})
     target_include_directories(vellmark_${folder}_tests PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-    target_compile_definitions(vellmark_${folder}_tests PRIVATE
-        VELLMARK_BINARY_DIRECTORY="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}"
-        VELLMARK_SOURCE_DIRECTORY="${CMAKE_SOURCE_DIR}")
     target_link_libraries(vellmark_${folder}_tests PRIVATE
-        ${arg_USES} GTest::gmock GTest::gtest_main vellmark_options)
+        ${arg_USES} vellmark_test_support GTest::gmock GTest::gtest_main vellmark_options)
     vellmark_share_precompiled_headers(vellmark_${folder}_tests test)
     gtest_discover_tests(vellmark_${folder}_tests DISCOVERY_MODE PRE_TEST
         TEST_PREFIX "${folder}." PROPERTIES TIMEOUT 120)

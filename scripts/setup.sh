@@ -4,6 +4,10 @@
 
 project_directory="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 
+# So that what was compiled in one clone serves the next, precompiled headers included.
+export CCACHE_BASEDIR="$project_directory" CCACHE_NOHASHDIR=1
+export CCACHE_SLOPPINESS=pch_defines,time_macros
+
 say() {
     printf '%s\n' "$*" >&2
 }

@@ -1,6 +1,7 @@
 #include "cli/ProgramRun.h"
 
 #include "support/ProcessCensus.h"
+#include "support/ProjectDirectories.h"
 
 #include <algorithm>
 #include <array>
@@ -76,7 +77,7 @@ ProgramRun::ProgramRun(const Setting& setting) : start_(std::chrono::steady_cloc
     posix_spawnattr_init(&attributes);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
 
-    const std::string program = VELLMARK_BINARY_DIRECTORY "/vellmark";
+    const std::string program = builtProgram("vellmark");
     std::vector<std::string> arguments{program};
     arguments.insert(arguments.end(), setting.arguments.begin(), setting.arguments.end());
     std::vector<std::string> environment = environmentOf(setting);

@@ -1,6 +1,7 @@
 #include "cli/ProgramRun.h"
 #include "model/UsageJSON.h"
 #include "support/AgentSandbox.h"
+#include "support/ProjectDirectories.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -114,7 +115,7 @@ TEST_F(UsageCommand, TextOfAnAgentCannotSteerTheTerminal) {
 
 TEST_F(UsageCommand, AReaderThatLeavesIsNoFault) {
     // "head" has gone by the time the table is written.
-    const std::string command = VELLMARK_BINARY_DIRECTORY "/vellmark --sandbox '" +
+    const std::string command = builtProgram("vellmark") + " --sandbox '" +
                                 sandbox.machine().home.parent_path().string() +
                                 "' usage --agent codex 2>'" +
                                 (sandbox.machine().home / "errors").string() + "' | head -c 0";

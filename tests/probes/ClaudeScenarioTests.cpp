@@ -3,6 +3,7 @@
 #include "AgentScenario.h"
 #include "probes/claude/ClaudeLoginCheck.h"
 #include "probes/claude/ClaudeUsageProvider.h"
+#include "support/ProjectDirectories.h"
 
 #include <chrono>
 #include <fstream>
@@ -179,7 +180,7 @@ TEST_F(ClaudeScenario, quotesACLIThatEndsEarly) {
     ASSERT_TRUE(std::holds_alternative<UsageProviderError>(noProgram));
     EXPECT_EQ(std::get<UsageProviderError>(noProgram).code(), 125);
 
-    sandbox.install("claude", VELLMARK_BINARY_DIRECTORY "/vellmark-simulator");
+    sandbox.install("claude", builtProgram("vellmark-simulator"));
     for (const auto& [scenario, words] : {std::pair("dies-at-start", "cannot read the settings"),
                                           std::pair("dies-at-status", "Segmentation")}) {
         sandbox.play("claude", scenario);

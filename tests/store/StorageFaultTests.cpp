@@ -4,6 +4,7 @@
 #include "store/StoreFixture.h"
 #include "store/UsageHistory.h"
 #include "store/UsageHistoryFile.h"
+#include "support/ProjectDirectories.h"
 
 #include <algorithm>
 #include <array>
@@ -36,7 +37,7 @@ std::size_t killWriter(const fs::path& directory, int start, std::chrono::micros
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, writing.get(), STDOUT_FILENO);
     posix_spawn_file_actions_addclose(&actions, reading.get());
-    const std::string program = VELLMARK_BINARY_DIRECTORY "/vellmark-history-writer";
+    const std::string program = builtProgram("vellmark-history-writer");
     std::string place = directory;
     std::string from = std::to_string(start);
     std::string name = program;

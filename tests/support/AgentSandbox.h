@@ -2,6 +2,7 @@
 
 #include "platform/Machine.h"
 #include "support/ProcessCensus.h"
+#include "support/ProjectDirectories.h"
 #include "support/TemporaryDirectory.h"
 
 #include <algorithm>
@@ -20,7 +21,7 @@ public:
     explicit AgentSandbox(std::initializer_list<std::string> agents = {"claude", "codex", "agy"})
         : machine_(Machine::sandbox(directory_.path())) {
         for (const std::string& agent : agents) {
-            install(agent, VELLMARK_BINARY_DIRECTORY "/vellmark-simulator");
+            install(agent, builtProgram("vellmark-simulator"));
         }
         signInToAntigravity();
     }

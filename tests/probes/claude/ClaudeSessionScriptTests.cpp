@@ -1,4 +1,5 @@
 #include "probes/claude/ClaudeSessionScript.h"
+#include "support/ProjectDirectories.h"
 #include "support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -8,7 +9,7 @@ namespace {
 
 TEST(ClaudeSessionScript, isTheTextThatTheCLIWasTriedWith) {
     EXPECT_EQ(claudeSessionScript(),
-              contentOf(VELLMARK_SOURCE_DIRECTORY "/tests/probes/claude/data/session-script.exp"));
+              contentOf(sourceFile("tests/probes/claude/data/session-script.exp")));
 }
 
 TEST(ClaudeSessionScript, takesEveryWaitFromTheTimings) {

@@ -1,4 +1,5 @@
 #include "probes/claude/ClaudeUsageParser.h"
+#include "support/ProjectDirectories.h"
 #include "support/TemporaryDirectory.h"
 #include "text/Dates.h"
 
@@ -26,7 +27,7 @@ const UsageWindow* windowOf(const AgentUsageSnapshot& snapshot, std::string_view
 }
 
 std::string recordedSession() {
-    return contentOf(VELLMARK_SOURCE_DIRECTORY "/tests/probes/claude/data/usage-session.capture");
+    return contentOf(sourceFile("tests/probes/claude/data/usage-session.capture"));
 }
 
 struct WindowCase {
