@@ -1,5 +1,6 @@
 #include "platform/UnusedMemory.h"
 
+#include <cstddef>
 #include <link.h>
 #include <malloc.h>
 #include <sys/mman.h>
