@@ -76,7 +76,10 @@ int main(int argc, char** argv) {
         return wrongUse;
     }
 
-    startChildWatcher();
+    if (!startChildWatcher())
+        std::fputs("vellmark-desktop: vellmark-watcher cannot be started; if this program is "
+                   "killed, agents may go on running\n",
+                   stderr);
     // The toolkit must not meet a stopped bus.
     leaveOutUnansweringSessionBus();
     QApplication::setApplicationName(QStringLiteral("Vellmark"));

@@ -18,6 +18,10 @@ namespace {
 constexpr int imageSide = 88;
 
 QImage imageFile(const QString& path) {
+    // Looking for the format of a file that is not there loads every plugin for images.
+    if (!QFileInfo::exists(path)) {
+        return {};
+    }
     QImageReader reader(path);
     if (!reader.canRead()) {
         return {};
