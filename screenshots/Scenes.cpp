@@ -4,6 +4,7 @@
 #include "presentation/PopoverContent.h"
 #include "screenshots/KitSheet.h"
 #include "screenshots/SampleStates.h"
+#include "ui/AboutWindow.h"
 #include "ui/kit/Theme.h"
 #include "ui/popover/AgentUsagePopoverView.h"
 #include "ui/popover/Popover.h"
@@ -73,6 +74,15 @@ Scene popoverScene(std::string name, UsageState (*state)(), std::string tab = "o
             }};
 }
 
+QImage drawWhole(QWidget& window, double scale) {
+    window.show();
+    settle();
+    QImage image = canvas(window.size(), scale, Qt::black);
+    QPainter painter(&image);
+    window.render(&painter);
+    return image;
+}
+
 QImage drawWindow(const UsageState& state, QSize size, const std::string& language, double scale) {
     AgentNavigationState navigation;
     AgentMainWindowView view(noActions(), navigation);
@@ -80,13 +90,8 @@ QImage drawWindow(const UsageState& state, QSize size, const std::string& langua
     view.setContent(sidebarItems(state, samples::now(), words),
                     overviewContent(state, samples::now(), words));
     view.resize(size);
-    view.show();
     view.showSelection();
-    settle();
-    QImage image = canvas(view.size(), scale, Qt::black);
-    QPainter painter(&image);
-    view.render(&painter);
-    return image;
+    return drawWhole(view, scale);
 }
 
 Scene windowScene(std::string name, UsageState (*state)(),
@@ -98,12 +103,12 @@ Scene windowScene(std::string name, UsageState (*state)(),
 
 QImage drawKit(const std::string& /*language*/, double scale) {
     KitSheet sheet;
-    sheet.show();
-    settle();
-    QImage image = canvas(sheet.size(), scale, Qt::black);
-    QPainter painter(&image);
-    sheet.render(&painter);
-    return image;
+    return drawWhole(sheet, scale);
+}
+
+QImage drawAbout(const std::string& language, double scale) {
+    AboutWindow window(samples::words(language));
+    return drawWhole(window, scale);
 }
 
 } // namespace
@@ -111,6 +116,7 @@ QImage drawKit(const std::string& /*language*/, double scale) {
 std::vector<Scene> allScenes() {
     return {
         {"kit", drawKit},
+        {"about", drawAbout},
         popoverScene("overview", samples::normal),
         popoverScene("refreshing", samples::refreshing),
         popoverScene("healthy", samples::healthy),

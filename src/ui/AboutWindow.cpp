@@ -2,6 +2,7 @@
 
 #include "ui/Conversions.h"
 #include "ui/GlyphPainter.h"
+#include "ui/kit/FigureText.h"
 #include "ui/kit/Label.h"
 #include "ui/kit/Theme.h"
 
@@ -20,10 +21,7 @@ constexpr double glyphSide = 72;
 kit::Label* addLabel(QVBoxLayout& column, const kit::TextStyle& style, kit::ColorRole color) {
     auto* label = new kit::Label(style, color);
     label->setAlignment(Qt::AlignHCenter);
-    label->setWrapping(true);
-    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
-    policy.setHeightForWidth(true);
-    label->setSizePolicy(policy);
+    label->setMostLines(kit::anyNumberOfLines);
     column.addWidget(label);
     return label;
 }

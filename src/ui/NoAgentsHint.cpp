@@ -2,6 +2,7 @@
 
 #include "ui/Conversions.h"
 #include "ui/kit/Button.h"
+#include "ui/kit/FigureText.h"
 #include "ui/kit/Icon.h"
 #include "ui/kit/Label.h"
 
@@ -28,7 +29,7 @@ NoAgentsHint::NoAgentsHint(QWidget* parent)
       button_(new kit::Button(kit::Button::Kind::primary, this)) {
     title_->setAlignment(Qt::AlignCenter);
     words_->setAlignment(Qt::AlignCenter);
-    words_->setWrapping(true);
+    words_->setMostLines(kit::anyNumberOfLines);
     connect(button_, &QAbstractButton::clicked, this, [this] { onOpenSettings(); });
 }
 

@@ -94,5 +94,25 @@ TEST_F(FigureText, BreaksLinesAtSpacesButNeverBetweenANumberAndItsSign) {
               QStringList({QStringLiteral("one"), QStringLiteral("two")}));
 }
 
+TEST_F(FigureText, BreaksAWordOnlyWhereItAloneIsTooWideAndEndsTheLastLineWhenThereIsMore) {
+    const QString word(300, u'm');
+    for (const double width : {60.0, 334.0}) {
+        const QStringList lines = wrappedText(QStringLiteral("so ") + word, style::text, width);
+        EXPECT_EQ(lines.front(), QStringLiteral("so"));
+        EXPECT_EQ(lines.mid(1).join(QString()), word);
+        for (const QString& line : lines) {
+            EXPECT_LE(textWidth(line, style::text), width);
+        }
+        for (const QString& text : {word, QStringLiteral("one two\nthree ").repeated(20)}) {
+            const QStringList first = wrappedText(text, style::text, width, 2);
+            ASSERT_EQ(first.size(), 2);
+            EXPECT_TRUE(first.back().endsWith(u'…'));
+            EXPECT_LE(textWidth(first.back(), style::text), width);
+        }
+    }
+    // Narrower than any letter: one a line, and an end.
+    EXPECT_EQ(wrappedText(QStringLiteral("abc"), style::text, 1).size(), 3);
+}
+
 } // namespace
 } // namespace vellmark::kit

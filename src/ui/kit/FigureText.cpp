@@ -5,9 +5,13 @@
 #include <QPainter>
 #include <QTextBoundaryFinder>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <deque>
+#include <iterator>
+#include <optional>
+#include <vector>
 
 namespace vellmark::kit {
 
@@ -100,6 +104,37 @@ void drawAt(QPainter& painter, QPointF position, const QString& text, const Face
         });
 }
 
+bool isWithin(double width, const QString& text, const TextStyle& style) {
+    // A hundredth of a point is rounding, not overflow.
+    return textWidth(text, style) <= width + 0.01;
+}
+
+using Boundary = QTextBoundaryFinder::BoundaryType;
+
+/// Where `text` may be broken behind `start`, up to its end or the first line end in it.
+std::vector<qsizetype> placesToBreak(const QString& text, qsizetype start, Boundary boundary) {
+    std::vector<qsizetype> places;
+    QTextBoundaryFinder finder(boundary, text);
+    finder.setPosition(start);
+    while (finder.toNextBoundary() > start) {
+        places.push_back(finder.position());
+        if (text[finder.position() - 1] == u'\n') {
+            break;
+        }
+    }
+    return places;
+}
+
+/// The last of `places` up to which the text fits; absent when it does not even up to the first.
+template<typename Fits>
+std::optional<qsizetype> lastFitting(const std::vector<qsizetype>& places, const Fits& fits) {
+    const auto end = std::partition_point(places.begin(), places.end(), fits);
+    if (end == places.begin()) {
+        return std::nullopt;
+    }
+    return *std::prev(end);
+}
+
 } // namespace
 
 double textWidth(const QString& text, const TextStyle& style) {
@@ -147,52 +182,44 @@ void drawText(QPainter& painter, const QRectF& box, Qt::Alignment alignment, con
 }
 
 QString elidedText(const QString& text, const TextStyle& style, double width) {
-    // A hundredth of a point is rounding, not overflow.
-    if (textWidth(text, style) <= width + 0.01) {
+    if (isWithin(width, text, style)) {
         return text;
     }
-    const QString ellipsis(u'…');
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
-    finder.toEnd();
-    while (finder.toPreviousBoundary() > 0) {
-        QString shortened = text.left(finder.position());
-        while (!shortened.isEmpty() && shortened.back().isSpace()) {
-            shortened.chop(1);
+    const auto shortened = [&](qsizetype length) {
+        QString result = text.left(length);
+        while (!result.isEmpty() && result.back().isSpace()) {
+            result.chop(1);
         }
-        shortened += ellipsis;
-        if (textWidth(shortened, style) <= width) {
-            return shortened;
-        }
-    }
-    return ellipsis;
+        return result + u'…';
+    };
+    const auto length =
+        lastFitting(placesToBreak(text, 0, Boundary::Grapheme),
+                    [&](qsizetype place) { return isWithin(width, shortened(place), style); });
+    return shortened(length.value_or(0));
 }
 
-QStringList wrappedText(const QString& text, const TextStyle& style, double width) {
+QStringList wrappedText(const QString& text, const TextStyle& style, double width, int mostLines) {
     QStringList lines;
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Line, text);
-    qsizetype lineStart = 0;
-    qsizetype lastBreak = 0;
-    while (finder.toNextBoundary() > 0) {
-        const qsizetype position = finder.position();
-        const QString candidate = text.mid(lineStart, position - lineStart).trimmed();
-        if (textWidth(candidate, style) > width && lastBreak > lineStart) {
-            lines << text.mid(lineStart, lastBreak - lineStart).trimmed();
-            lineStart = lastBreak;
+    qsizetype start = 0;
+    const auto fits = [&](qsizetype place) {
+        return isWithin(width, text.mid(start, place - start).trimmed(), style);
+    };
+    while (start < text.size()) {
+        if (lines.size() + 1 == mostLines) {
+            const QString rest = text.mid(start).trimmed().replace(u'\n', u' ');
+            lines << elidedText(rest, style, width);
+            break;
         }
-        lastBreak = position;
-        if (finder.boundaryReasons() & QTextBoundaryFinder::MandatoryBreak) {
-            lines << text.mid(lineStart, position - lineStart).trimmed();
-            lineStart = position;
+        std::optional<qsizetype> end =
+            lastFitting(placesToBreak(text, start, Boundary::Line), fits);
+        if (!end) {
+            const auto letters = placesToBreak(text, start, Boundary::Grapheme);
+            end = lastFitting(letters, fits).value_or(letters.front());
         }
-    }
-    if (lineStart < text.size()) {
-        lines << text.mid(lineStart).trimmed();
+        lines << text.mid(start, *end - start).trimmed();
+        start = *end;
     }
     return lines;
-}
-
-void forgetFonts() {
-    faces().clear();
 }
 
 } // namespace vellmark::kit

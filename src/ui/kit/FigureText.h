@@ -5,6 +5,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <limits>
+
 class QPainter;
 class QRectF;
 
@@ -27,7 +29,11 @@ void drawText(QPainter& painter, const QRectF& box, Qt::Alignment alignment, con
 /// `text`, shortened to end in "…" where it is wider than `width`.
 QString elidedText(const QString& text, const TextStyle& style, double width);
 
-/// The lines of `text` no wider than `width`, where it has places to break.
-QStringList wrappedText(const QString& text, const TextStyle& style, double width);
+inline constexpr int anyNumberOfLines = std::numeric_limits<int>::max();
+
+/// `text` in lines no wider than `width`, broken within a word only where the word alone is wider.
+/// Of more than `mostLines` the last one ends in "…".
+QStringList wrappedText(const QString& text, const TextStyle& style, double width,
+                        int mostLines = anyNumberOfLines);
 
 } // namespace vellmark::kit

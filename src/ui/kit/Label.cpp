@@ -56,11 +56,10 @@ void Label::setColor(ColorRole color) {
     }
 }
 
-void Label::setWrapping(bool isWrapping) {
-    isWrapping_ = isWrapping;
-    QSizePolicy policy = sizePolicy();
-    policy.setHeightForWidth(isWrapping);
-    setSizePolicy(policy);
+void Label::setMostLines(int lines) {
+    mostLines_ = lines;
+    updateGeometry();
+    update();
 }
 
 int Label::wantedWidth() const {
@@ -68,7 +67,7 @@ int Label::wantedWidth() const {
 }
 
 bool Label::isShortened() const {
-    return !isWrapping_ && elidedText(text(), style_, width()) != text();
+    return linesOf(text(), width()) != wrappedText(text(), style_, width());
 }
 
 QSize Label::sizeHint() const {
@@ -79,12 +78,13 @@ QSize Label::minimumSizeHint() const {
     return {0, style_.lineHeight};
 }
 
+QStringList Label::linesOf(const QString& words, int width) const {
+    return wrappedText(words, style_, width, mostLines_);
+}
+
 int Label::heightForWidth(int width) const {
-    if (!isWrapping_) {
-        return style_.lineHeight;
-    }
-    const auto lines = static_cast<int>(wrappedText(text(), style_, width).size());
-    return std::max(lines, 1) * style_.lineHeight;
+    const auto count = static_cast<int>(linesOf(text(), width).size());
+    return std::max(count, 1) * style_.lineHeight;
 }
 
 bool Label::event(QEvent* event) {
@@ -108,12 +108,10 @@ void Label::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void Label::drawWords(QPainter& painter, const QString& words) const {
-    if (!isWrapping_) {
-        drawText(painter, rect(), alignment(), elidedText(words, style_, width()), style_);
-        return;
-    }
-    QRectF line(0, 0, width(), style_.lineHeight);
-    for (const QString& text : wrappedText(words, style_, width())) {
+    const QStringList lines = linesOf(words, width());
+    // One line stands where the alignment puts it, several fill the label from its top.
+    QRectF line = lines.size() > 1 ? QRectF(0, 0, width(), style_.lineHeight) : QRectF(rect());
+    for (const QString& text : lines) {
         drawText(painter, line, alignment(), text, style_);
         line.translate(0, style_.lineHeight);
     }

@@ -10,8 +10,9 @@
 
 namespace vellmark::kit {
 
-/// A text in one style and colour, with figures of equal width. Plain text only. Too long, it ends
-/// in "…" and tells the whole in its tooltip, or breaks into lines when `setWrapping` is on.
+/// A text in one style and colour, with figures of equal width. Plain text only. It breaks into as
+/// many lines as it may have, one until `setMostLines`; what does not fit there ends in "…" and is
+/// told whole in the tooltip.
 class Label : public QLabel {
 public:
     explicit Label(const TextStyle& style, ColorRole color = ColorRole::ink,
@@ -22,7 +23,7 @@ public:
     void setChangingWords(const QString& words);
     void setTextStyle(const TextStyle& style);
     void setColor(ColorRole color);
-    void setWrapping(bool isWrapping);
+    void setMostLines(int lines);
 
     const TextStyle& textStyle() const { return style_; }
     /// The width that all words on one line need.
@@ -31,6 +32,7 @@ public:
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
+    bool hasHeightForWidth() const override { return mostLines_ > 1; }
     int heightForWidth(int width) const override;
 
 protected:
@@ -38,11 +40,12 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    QStringList linesOf(const QString& words, int width) const;
     void drawWords(QPainter& painter, const QString& words) const;
 
     TextStyle style_;
     ColorRole color_;
-    bool isWrapping_ = false;
+    int mostLines_ = 1;
     QString formerWords_;
     /// Made when words first change before the user's eyes.
     std::unique_ptr<Transition> change_;

@@ -20,6 +20,8 @@ constexpr int horizontalPadding = 12;
 constexpr int buttonPadding = 8;
 constexpr int markSide = 14;
 constexpr int gap = 8;
+/// The rest is in the tooltip.
+constexpr int mostLines = 2;
 constexpr int textLeft = horizontalPadding + markSide + gap;
 
 ColorRole washOf(Notice::Kind kind) {
@@ -52,7 +54,7 @@ Notice::Notice(QWidget* parent)
     : QWidget(parent), strongWords_(new Label(style::value, ColorRole::ink, this)),
       words_(new Label(style::text, ColorRole::ink, this)),
       button_(new Button(Button::Kind::outlined, this)) {
-    words_->setWrapping(true);
+    words_->setMostLines(mostLines);
     strongWords_->hide();
     button_->hide();
     connect(button_, &QAbstractButton::clicked, this, [this] {

@@ -12,7 +12,7 @@ namespace vellmark::kit {
 class Button;
 class Label;
 
-/// One message with a mark and at most one button, on a wash of its kind.
+/// One message in at most two lines with a mark and at most one button, on a wash of its kind.
 class Notice : public QWidget {
 public:
     enum class Kind { neutral, attention, critical };
