@@ -7,6 +7,7 @@
 #include "probes/ChildWatcher.h"
 #include "probes/DemoSandbox.h"
 #include "store/DemoHistory.h"
+#include "ui/kit/ToolTip.h"
 
 #include <QApplication>
 
@@ -86,6 +87,7 @@ int main(int argc, char** argv) {
     QApplication::setDesktopFileName(QStringLiteral("app.vellmark.Vellmark"));
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication application(argc, argv);
+    kit::useToolTips();
     try {
         return runOnChosenMachine(application, options, machine);
     } catch (const std::exception& error) {

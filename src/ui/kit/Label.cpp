@@ -2,10 +2,10 @@
 
 #include "ui/kit/FigureText.h"
 #include "ui/kit/Metrics.h"
+#include "ui/kit/ToolTip.h"
 
 #include <QHelpEvent>
 #include <QPainter>
-#include <QToolTip>
 
 #include <cmath>
 
@@ -89,7 +89,7 @@ int Label::heightForWidth(int width) const {
 
 bool Label::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip && toolTip().isEmpty() && isShortened()) {
-        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text(), this);
+        showToolTip(this, static_cast<QHelpEvent*>(event)->globalPos(), text());
         return true;
     }
     return QLabel::event(event);

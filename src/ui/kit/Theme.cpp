@@ -4,7 +4,6 @@
 #include <QPalette>
 #include <QStyle>
 #include <QStyleFactory>
-#include <QToolTip>
 #include <QWidget>
 
 #include <algorithm>
@@ -82,7 +81,7 @@ double luminance(const QColor& color) {
            0.0722 * linear(color.blueF());
 }
 
-/// What Qt draws itself in our windows: tooltips, text selection, context menus of fields.
+/// What Qt draws itself in our windows: text selection, context menus of fields.
 QPalette paletteOf(const Theme& theme) {
     // Roles that are not named here stay the system's.
     QPalette palette;
@@ -93,8 +92,6 @@ QPalette paletteOf(const Theme& theme) {
     palette.setColor(QPalette::PlaceholderText, theme.color(ColorRole::ink3));
     palette.setColor(QPalette::Button, theme.color(ColorRole::fill));
     palette.setColor(QPalette::ButtonText, theme.color(ColorRole::ink));
-    palette.setColor(QPalette::ToolTipBase, theme.color(ColorRole::popover));
-    palette.setColor(QPalette::ToolTipText, theme.color(ColorRole::ink));
     return palette;
 }
 
@@ -128,7 +125,6 @@ void Theme::setCurrent(Appearance appearance, std::optional<QColor> highlight) {
     theme.useHighlight(highlight);
     const QPalette palette = paletteOf(theme);
     QApplication::setPalette(palette);
-    QToolTip::setPalette(palette);
     for (QWidget* widget : QApplication::allWidgets()) {
         widget->update();
     }

@@ -66,7 +66,7 @@ QRect Popover::body() const {
 
 void Popover::open(const QRect& anchor) {
     anchor_ = anchor;
-    surface_ = windowSurface();
+    surface_ = kit::windowSurface();
     view_->scrollToTop();
     place();
     show();

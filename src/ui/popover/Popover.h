@@ -2,7 +2,7 @@
 
 #include "presentation/AgentUIActions.h"
 #include "presentation/PopoverContent.h"
-#include "ui/popover/WindowSurface.h"
+#include "ui/kit/WindowSurface.h"
 
 #include <QElapsedTimer>
 #include <QWidget>
@@ -45,7 +45,7 @@ private:
     void place();
 
     AgentUsagePopoverView* view_;
-    WindowSurface surface_;
+    kit::WindowSurface surface_;
     QRect anchor_;
     QElapsedTimer sinceClosed_;
 };

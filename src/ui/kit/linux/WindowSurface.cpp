@@ -1,4 +1,4 @@
-#include "ui/popover/WindowSurface.h"
+#include "ui/kit/WindowSurface.h"
 
 #include <QGuiApplication>
 
@@ -7,7 +7,7 @@
 #include <string_view>
 #include <xcb/xcb.h>
 
-namespace vellmark {
+namespace vellmark::kit {
 
 namespace {
 
@@ -41,4 +41,4 @@ WindowSurface windowSurface() {
     return {.isComposited = hasCompositor(x11->connection())};
 }
 
-} // namespace vellmark
+} // namespace vellmark::kit

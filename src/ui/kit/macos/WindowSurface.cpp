@@ -1,9 +1,9 @@
-#include "ui/popover/WindowSurface.h"
+#include "ui/kit/WindowSurface.h"
 
-namespace vellmark {
+namespace vellmark::kit {
 
 WindowSurface windowSurface() {
     return {.isComposited = true, .hasSystemShadow = true};
 }
 
-} // namespace vellmark
+} // namespace vellmark::kit

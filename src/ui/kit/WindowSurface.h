@@ -1,6 +1,6 @@
 #pragma once
 
-namespace vellmark {
+namespace vellmark::kit {
 
 /// What the desktop does for a window without a frame.
 struct WindowSurface {
@@ -13,4 +13,4 @@ struct WindowSurface {
 /// Asked at each opening, since a compositor may come and go.
 WindowSurface windowSurface();
 
-} // namespace vellmark
+} // namespace vellmark::kit
