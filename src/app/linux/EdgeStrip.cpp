@@ -54,11 +54,14 @@ void paintGrip(QPainter& painter, double left, double middle) {
 } // namespace
 
 EdgeStrip::EdgeStrip(Preferences& preferences, Events events)
-    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
-                           Qt::WindowDoesNotAcceptFocus),
-      preferences_(preferences), events_(std::move(events)) {
+    : QAbstractButton(nullptr), preferences_(preferences), events_(std::move(events)) {
+    setWindowFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
+                   Qt::WindowDoesNotAcceptFocus);
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_ShowWithoutActivating);
+    // The strip's window is never the active one.
+    setAttribute(Qt::WA_AlwaysShowToolTips);
+    connect(this, &QAbstractButton::clicked, this, [this] { events_.toggle(geometry()); });
     setFixedSize(stripWidth, stripHeight);
     setCursor(Qt::PointingHandCursor);
     connect(qApp, &QGuiApplication::screenRemoved, this, [this] { restorePlace(); });
@@ -130,7 +133,7 @@ void EdgeStrip::mouseReleaseEvent(QMouseEvent* event) {
     if (isDragged_)
         dock();
     else if (rect().contains(event->position().toPoint()))
-        events_.toggle(geometry());
+        click();
 }
 
 void EdgeStrip::contextMenuEvent(QContextMenuEvent* event) {
@@ -138,15 +141,15 @@ void EdgeStrip::contextMenuEvent(QContextMenuEvent* event) {
 }
 
 void EdgeStrip::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Space)
-        events_.toggle(geometry());
+    if (event->key() == Qt::Key_Return)
+        click();
     else
-        QWidget::keyPressEvent(event);
+        QAbstractButton::keyPressEvent(event);
 }
 
 void EdgeStrip::showEvent(QShowEvent* event) {
     restorePlace();
-    QWidget::showEvent(event);
+    QAbstractButton::showEvent(event);
 }
 
 void EdgeStrip::restorePlace() {

@@ -3,8 +3,8 @@
 #include "platform/Preferences.h"
 #include "presentation/StatusItemContent.h"
 
+#include <QAbstractButton>
 #include <QPoint>
-#include <QWidget>
 
 #include <functional>
 #include <optional>
@@ -13,7 +13,7 @@ namespace vellmark {
 
 /// A small strip at the screen's edge in place of a panel's item: grip, glyph and dot. It is
 /// dragged to any place and docks to the nearest edge, where it stays across starts.
-class EdgeStrip final : public QWidget {
+class EdgeStrip final : public QAbstractButton {
 public:
     struct Events {
         std::function<void(const QRect& anchor)> toggle;
