@@ -43,6 +43,7 @@ constexpr NamedColor namedColors[] = {
     {"line", ColorRole::line},
     {"line-strong", ColorRole::lineStrong},
     {"track", ColorRole::track},
+    {"track-on-hover", ColorRole::trackOnHover},
     {"ink", ColorRole::ink},
     {"ink-2", ColorRole::ink2},
     {"ink-3", ColorRole::ink3},

@@ -210,6 +210,24 @@ TEST_F(PopoverView, ShortensWordsButNeverNumbers) {
     show(content(samples::longTexts(), "overview", "de"));
     bool isValueWhole = false;
     for (const QLabel* label : view.findChildren<QLabel*>()) {
+TEST_F(PopoverView, TracksCanBeToldFromABlockThatIsPointedAtOrPressed) {
+    show(content(samples::normal()));
+    AgentBlock& block = *blocks().front();
+    const auto* bar = block.findChild<QProgressBar*>();
+    const QPoint track = bar->mapTo(&block, QPoint(bar->width() - 10, bar->height() / 2));
+    const auto isTold = [&] {
+        const QImage drawn = block.grab().toImage();
+        const QPoint ground(track.x(), 4);
+        return kit::contrastRatio(drawn.pixelColor(track), drawn.pixelColor(ground)) > 1.1;
+    };
+    EXPECT_TRUE(isTold());
+    QHoverEvent enter(QEvent::HoverEnter, QPointF(5, 5), QPointF(5, 5), QPointF(-1, -1));
+    QCoreApplication::sendEvent(&block, &enter);
+    EXPECT_TRUE(isTold());
+    block.setDown(true);
+    EXPECT_TRUE(isTold());
+}
+
         if (label->text().endsWith(QStringLiteral("übrig")) && label->isVisibleTo(&view)) {
             isValueWhole = true;
             EXPECT_GE(label->width(), label->sizeHint().width()) << label->text().toStdString();

@@ -11,6 +11,8 @@ namespace {
 
 constexpr double readable = 4.5;
 constexpr double seen = 3.0;
+/// Two grounds that touch.
+constexpr double toldApart = 1.15;
 
 using Role = ColorRole;
 using Roles = std::vector<Role>;
@@ -51,6 +53,13 @@ TEST_P(ThemeContrast, MarksCanBeSeenOnTrackAndGround) {
     expectContrast({Role::critical}, {Role::criticalWash}, seen);
     expectContrast({Role::refreshing, Role::none, Role::focus},
                    {Role::popover, Role::card, Role::window}, seen);
+}
+
+TEST_P(ThemeContrast, TracksAndBonesCanBeToldFromTheirGroundAlsoWhenItIsPointedAtAndPressed) {
+    expectContrast({Role::track}, {Role::popover, Role::card, Role::window}, toldApart);
+    expectContrast({Role::trackOnHover}, {Role::hover, Role::select}, toldApart);
+    // The figures beside the bar stay; its fill only has to be clearly another.
+    expectContrast({Role::healthy, Role::attention, Role::critical}, {Role::trackOnHover}, 2.4);
 }
 
 TEST_P(ThemeContrast, WordsOnPrimaryButtonsAndLettersOnLogosCanBeRead) {

@@ -41,6 +41,7 @@ constexpr RoleColors roleColors[] = {
     {ColorRole::hover, opaque(0xE7E8EC), opaque(0x2C2E33)},
     {ColorRole::select, opaque(0xDFE0E5), opaque(0x3A3C42)},
     {ColorRole::track, opaque(0xE7E8EB), opaque(0x33353A)},
+    {ColorRole::trackOnHover, opaque(0xD0D2D8), opaque(0x43454B)},
     {ColorRole::primary, opaque(0x1F2024), opaque(0xEDEDF0)},
     {ColorRole::primaryHover, opaque(0x3A3B42), opaque(0xFFFFFF)},
     {ColorRole::primaryPressed, opaque(0x000000), opaque(0xCBCCD2)},

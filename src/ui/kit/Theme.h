@@ -25,6 +25,7 @@ enum class ColorRole {
     hover,
     select,
     track,
+    trackOnHover, ///< the track on a ground that is pointed at or pressed
     primary,
     primaryHover,
     primaryPressed,

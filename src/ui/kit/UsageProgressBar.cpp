@@ -1,6 +1,7 @@
 #include "ui/kit/UsageProgressBar.h"
 
 #include "ui/kit/Metrics.h"
+#include "ui/kit/Track.h"
 
 #include <QPainter>
 
@@ -79,7 +80,7 @@ void UsageProgressBar::paintEvent(QPaintEvent* /*event*/) {
     painter.setRenderHint(QPainter::Antialiasing);
     const BarShape shape =
         barShape(width(), barHeight_, share_.value(), look_.mark, painter.deviceTransform().m11());
-    painter.fillPath(shape.track, color(ColorRole::track));
+    painter.fillPath(shape.track, trackColor(*this));
     painter.setOpacity(look_.isStale ? staleOpacity : 1);
     painter.fillPath(shape.fill, color(look_.color));
     painter.setOpacity(1);

@@ -131,7 +131,7 @@ void AgentBlock::paintEvent(QPaintEvent* /*event*/) {
     }
     for (int row = 0; row < boneRows_; ++row) {
         const int top = bodyTop() + headGap + row * (rowHeight + rowGap);
-        drawRowBones(painter, QPoint(sidePadding, top), width() - 2 * sidePadding, columns_);
+        drawRowBones(painter, *this, QPoint(sidePadding, top), width() - 2 * sidePadding, columns_);
     }
 }
 

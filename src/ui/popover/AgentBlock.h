@@ -3,6 +3,7 @@
 #include "presentation/AgentBlockContent.h"
 #include "presentation/AgentUIActions.h"
 #include "ui/kit/Interaction.h"
+#include "ui/kit/Track.h"
 #include "ui/popover/CompactUsageRow.h"
 
 #include <QAbstractButton>
@@ -17,7 +18,7 @@ class FailureNotice;
 
 /// One agent in the popover's overview: head, windows, balances, and why it could not be read. The
 /// whole block is a button that leads to the agent.
-class AgentBlock : public QAbstractButton {
+class AgentBlock : public QAbstractButton, public kit::ChangingGround {
 public:
     AgentBlock(AgentProviderID agent, const AgentUIActions& actions, QWidget* parent);
 
@@ -27,6 +28,7 @@ public:
     int wantedHeight() const;
     /// The button of a failure, when there is one.
     QWidget* wayOutButton() const;
+    double groundChange() const override { return isDown() ? 1 : interaction_.hover(); }
 
 protected:
     void resizeEvent(QResizeEvent* event) override;

@@ -138,7 +138,7 @@ void AgentTabView::paintEvent(QPaintEvent* /*event*/) {
     }
     for (int row = 0; row < boneRows_; ++row) {
         const int top = bonesTop_ + row * (figureBonesHeight() + lineHeight) + lineHeight;
-        drawFigureBones(painter, QPoint(margin, top), width() - 2 * margin);
+        drawFigureBones(painter, *this, QPoint(margin, top), width() - 2 * margin);
     }
 }
 

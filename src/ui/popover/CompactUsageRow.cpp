@@ -3,9 +3,9 @@
 #include "ui/Conversions.h"
 #include "ui/ForecastLine.h"
 #include "ui/UsageBar.h"
-#include "ui/kit/Bone.h"
 #include "ui/kit/FigureText.h"
 #include "ui/kit/Label.h"
+#include "ui/kit/Track.h"
 
 #include <QPainter>
 
@@ -91,9 +91,11 @@ void CompactUsageRow::arrange() {
                            smallLine);
 }
 
-void drawRowBones(QPainter& painter, QPoint topLeft, int width, const RowColumns& columns) {
+void drawRowBones(QPainter& painter, const QWidget& on, QPoint topLeft, int width,
+                  const RowColumns& columns) {
     const auto bone = [&](double left, double top, double boneWidth, double height) {
-        kit::drawBone(painter, QRectF(topLeft.x() + left, topLeft.y() + top, boneWidth, height));
+        kit::drawBone(painter, on,
+                      QRectF(topLeft.x() + left, topLeft.y() + top, boneWidth, height));
     };
     const double middle = firstLine / 2.0;
     const QRect bar = barPlace(width, columns);

@@ -46,6 +46,7 @@ private:
 };
 
 /// The bones of a row whose values are being read, at the same places.
-void drawRowBones(QPainter& painter, QPoint topLeft, int width, const RowColumns& columns);
+void drawRowBones(QPainter& painter, const QWidget& on, QPoint topLeft, int width,
+                  const RowColumns& columns);
 
 } // namespace vellmark

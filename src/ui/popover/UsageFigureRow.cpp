@@ -3,9 +3,9 @@
 #include "ui/Conversions.h"
 #include "ui/ForecastLine.h"
 #include "ui/UsageBar.h"
-#include "ui/kit/Bone.h"
 #include "ui/kit/FigureText.h"
 #include "ui/kit/Label.h"
+#include "ui/kit/Track.h"
 
 #include <QPainter>
 
@@ -80,9 +80,10 @@ void UsageFigureRow::arrange() {
     forecast_->setGeometry(0, forecastTop, width(), smallLine);
 }
 
-void drawFigureBones(QPainter& painter, QPoint topLeft, int width) {
+void drawFigureBones(QPainter& painter, const QWidget& on, QPoint topLeft, int width) {
     const auto bone = [&](double left, double top, double boneWidth) {
-        kit::drawBone(painter, QRectF(topLeft.x() + left, topLeft.y() + top, boneWidth, barHeight));
+        kit::drawBone(painter, on,
+                      QRectF(topLeft.x() + left, topLeft.y() + top, boneWidth, barHeight));
     };
     const double labelTop = smallWordsTop() + 4;
     bone(0, labelTop, 64);

@@ -36,7 +36,7 @@ private:
 };
 
 /// The bones of such a row while its values are read.
-void drawFigureBones(QPainter& painter, QPoint topLeft, int width);
+void drawFigureBones(QPainter& painter, const QWidget& on, QPoint topLeft, int width);
 int figureBonesHeight();
 
 } // namespace vellmark

@@ -117,7 +117,7 @@ void AgentSummaryCard::paintEvent(QPaintEvent* event) {
     painter.setRenderHint(QPainter::Antialiasing);
     for (int index = 0; index < boneCells_; ++index) {
         const QRect place = cellPlace(index, width());
-        drawCellBones(painter, place.topLeft(), place.width());
+        drawCellBones(painter, *this, place.topLeft(), place.width());
     }
 }
 

@@ -3,9 +3,9 @@
 #include "ui/Conversions.h"
 #include "ui/ForecastLine.h"
 #include "ui/UsageBar.h"
-#include "ui/kit/Bone.h"
 #include "ui/kit/FigureText.h"
 #include "ui/kit/Label.h"
+#include "ui/kit/Track.h"
 
 #include <QPainter>
 
@@ -65,9 +65,9 @@ void SummaryCell::arrange() {
     forecast_->setGeometry(0, lastTop, width(), smallLine);
 }
 
-void drawCellBones(QPainter& painter, QPoint topLeft, int width) {
+void drawCellBones(QPainter& painter, const QWidget& on, QPoint topLeft, int width) {
     const auto bone = [&](double top, double boneWidth, double height) {
-        kit::drawBone(painter, QRectF(topLeft.x(), topLeft.y() + top, boneWidth, height));
+        kit::drawBone(painter, on, QRectF(topLeft.x(), topLeft.y() + top, boneWidth, height));
     };
     bone(4, 64, 8);
     bone(figureTop + 6, 96, 16);

@@ -37,6 +37,6 @@ private:
 };
 
 /// The bones of a cell while its values are read.
-void drawCellBones(QPainter& painter, QPoint topLeft, int width);
+void drawCellBones(QPainter& painter, const QWidget& on, QPoint topLeft, int width);
 
 } // namespace vellmark
