@@ -1,5 +1,6 @@
 #include "screenshots/SampleStates.h"
 #include "ui/QtEnvironment.h"
+#include "ui/kit/FocusRing.h"
 #include "ui/kit/SidebarEntry.h"
 #include "ui/window/AgentMainWindowView.h"
 
@@ -32,6 +33,14 @@ protected:
             }
         }
         return result;
+    }
+    const kit::FocusRing* findRing() {
+        for (const QWidget* widget : view.findChildren<QWidget*>()) {
+            if (const auto* ring = dynamic_cast<const kit::FocusRing*>(widget)) {
+                return ring;
+            }
+        }
+        return nullptr;
     }
     bool says(const QString& words) {
         for (const QLabel* label : view.findChildren<QLabel*>()) {
@@ -73,6 +82,30 @@ TEST_F(MainWindow, SaysWhenNothingWasReadYet) {
     show(samples::loading());
     EXPECT_TRUE(says(QStringLiteral("Not read yet")));
     EXPECT_TRUE(says(QStringLiteral("Reading quotas …")));
+}
+
+TEST_F(MainWindow, PointsOutTheCardOfAnAgentAlsoWhenItHasTheKeyboardAlready) {
+    show(samples::normal());
+    for (QWidget* stop : tabStops(view)) {
+        if (stop->accessibleName().startsWith(QStringLiteral("Antigravity: "))) {
+            stop->setFocus(Qt::MouseFocusReason);
+        }
+    }
+    EXPECT_EQ(findRing(), nullptr);
+    navigation.select(AgentPage::provider(AgentProviderID::antigravity()));
+    view.showSelection();
+    EXPECT_NE(findRing(), nullptr);
+}
+
+TEST_F(MainWindow, ShowsTheFocusRingOfEveryControlWhole) {
+    show(samples::failed());
+    for (QWidget* stop : tabStops(view)) {
+        stop->setFocus(Qt::TabFocusReason);
+        const auto* ring = findRing();
+        ASSERT_NE(ring, nullptr);
+        EXPECT_TRUE(ring->parentWidget()->rect().contains(ring->geometry()))
+            << stop->accessibleName().toStdString();
+    }
 }
 
 TEST_F(MainWindow, LeadsToAgentsAndOutOfFailures) {

@@ -18,7 +18,7 @@ public:
     double hover() const { return hover_.value(); }
     /// The part of the control that the ring surrounds, in its coordinates; all of it when null.
     void setFocusPart(const QRect& part);
-    /// Puts the ring around a control that has the focus already, after a key was pressed there.
+    /// Puts the ring around a control that has the focus already without one.
     void showFocus();
 
 protected:

@@ -14,7 +14,7 @@
 namespace vellmark {
 
 namespace {
-constexpr int margin = 28;
+constexpr int margin = PageHead::margin;
 constexpr int gap = 12;
 
 kit::Notice::Look verdictLook(const VerdictContent& verdict, bool isEverythingRead) {
@@ -86,7 +86,7 @@ void OverviewPage::showAgent(const AgentProviderID& id) {
     for (AgentSummaryCard* card : cards_) {
         if (card->agent() == id) {
             scroller_->ensureWidgetVisible(card, 0, gap);
-            card->setFocus(Qt::ShortcutFocusReason);
+            card->takeKeyboard();
         }
     }
 }
@@ -97,7 +97,7 @@ void OverviewPage::resizeEvent(QResizeEvent* /*event*/) {
 
 void OverviewPage::arrange() {
     const int wide = std::max(width() - 2 * margin, 0);
-    head_->setGeometry(margin, 0, wide, PageHead::headHeight);
+    head_->setGeometry(0, 0, width(), PageHead::headHeight);
     scroller_->setGeometry(0, PageHead::headHeight, width(),
                            std::max(height() - PageHead::headHeight, 0));
     int top = 0;

@@ -52,12 +52,12 @@ void PageHead::resizeEvent(QResizeEvent* /*event*/) {
 
 void PageHead::arrange() {
     const QSize button = refresh_->sizeHint();
-    refresh_->setGeometry(width() - button.width(), top, button.width(), button.height());
+    refresh_->setGeometry(width() - margin - button.width(), top, button.width(), button.height());
     const int age = age_->wantedWidth();
     age_->setGeometry(refresh_->x() - gap - age, top, age, button.height());
-    const int wide = std::max(age_->x() - gap, 0);
-    title_->setGeometry(0, top, wide, kit::style::title.lineHeight);
-    subtitle_->setGeometry(0, top + kit::style::title.lineHeight + subtitleGap, wide,
+    const int wide = std::max(age_->x() - gap - margin, 0);
+    title_->setGeometry(margin, top, wide, kit::style::title.lineHeight);
+    subtitle_->setGeometry(margin, top + kit::style::title.lineHeight + subtitleGap, wide,
                            kit::style::text.lineHeight);
 }
 

@@ -11,11 +11,13 @@ class Button;
 class Label;
 } // namespace kit
 
-/// The head of a page, 92 high: title and subtitle, at the right the age of the figures and the
-/// refresh button.
+/// The head of a page, 92 high and as wide as the page, so that the button's focus ring has room:
+/// title and subtitle, at the right the age of the figures and the refresh button.
 class PageHead : public QWidget {
 public:
     static constexpr int headHeight = 92;
+    /// At both sides, as of everything below the head.
+    static constexpr int margin = 28;
 
     explicit PageHead(QWidget* parent = nullptr);
 
