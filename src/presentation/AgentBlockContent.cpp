@@ -130,6 +130,24 @@ void addRows(AgentBlockContent& block, const AgentUsageSnapshot& snapshot, const
         block.balances.push_back(creditRow(*snapshot.credit, words));
 }
 
+/// "Session: 46% left. Resets in 2 h 12 min · 5:00 PM. Week: …"
+std::string figuresText(const AgentBlockContent& block, const Localization& words) {
+    std::string text;
+    const auto add = [&](const std::string& label, const std::string& figure) {
+        text += (text.empty() ? "" : ". ");
+        text += words.format("popover.figure.accessibility", {label, figure});
+    };
+    for (const UsageRowContent& row : block.rows) {
+        add(row.fullLabel, row.value);
+        text += ". " + row.accessibilityDetail;
+    }
+    for (const BalanceRowContent& balance : block.balances) {
+        const bool hasBoth = !balance.value.empty() && !balance.detail.empty();
+        add(balance.label, balance.value + (hasBoth ? " " : "") + balance.detail);
+    }
+    return text;
+}
+
 /// The usual number of windows, so that the first reading finds its place prepared.
 int expectedRows(const AgentProviderID& id) {
     const ProviderDescriptor* descriptor = providerDescriptor(id);
@@ -184,6 +202,7 @@ AgentBlockContent agentBlockContent(const AgentUsageSnapshot& snapshot, const Us
         words.format("popover.agent.accessibility", {block.name, block.statusText});
     if (block.failure)
         block.accessibilityText += ". " + block.failure->reason;
+    block.accessibilityDetail = figuresText(block, words);
     return block;
 }
 

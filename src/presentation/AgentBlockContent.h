@@ -64,7 +64,9 @@ struct AgentBlockContent {
     std::optional<FailureContent> failure;
     /// "Read 2 min ago through the Claude Code CLI"; empty before the first reading.
     std::string sourceText;
+    /// Name of the block for assistive software; the detail, its figures, is its description.
     std::string accessibilityText;
+    std::string accessibilityDetail;
 
     bool operator==(const AgentBlockContent&) const = default;
 };

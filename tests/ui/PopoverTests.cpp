@@ -4,6 +4,7 @@
 #include "ui/popover/Popover.h"
 #include "ui/popover/PopoverPlacement.h"
 
+#include <QAccessible>
 #include <QGuiApplication>
 #include <QMouseEvent>
 #include <QScreen>
@@ -90,6 +91,19 @@ TEST_F(PopoverWindow, ClosesByEscapeAndByAPressOnItsShadow) {
                       Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(&popover, &press);
     EXPECT_FALSE(popover.isVisible());
+}
+
+TEST_F(PopoverWindow, IsAmongTheApplicationsWindowsForAssistiveSoftware) {
+    click();
+    QAccessibleInterface* told = QAccessible::queryAccessibleInterface(&popover);
+    ASSERT_NE(told, nullptr);
+    EXPECT_EQ(told->role(), QAccessible::Dialog);
+    QAccessibleInterface* application = told->parent();
+    ASSERT_NE(application, nullptr);
+    const int index = application->indexOfChild(told);
+    ASSERT_GE(index, 0);
+    EXPECT_LT(index, application->childCount());
+    EXPECT_EQ(application->child(index), told);
 }
 
 TEST_F(PopoverWindow, FollowsItsContentsHeightAndKeepsItsPlaceUnderTheItem) {

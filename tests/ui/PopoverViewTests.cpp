@@ -196,6 +196,10 @@ TEST_F(PopoverView, TellsAssistiveSoftwareWhatEveryControlIs) {
                 EXPECT_FALSE(told->text(QAccessible::Name).isEmpty());
                 EXPECT_EQ(told->role(), QAccessible::Button);
             }
+            if (dynamic_cast<const AgentBlock*>(stop) != nullptr) {
+                EXPECT_THAT(told->text(QAccessible::Description).toStdString(),
+                            ::testing::HasSubstr("% left. Reset"));
+            }
         }
         const auto* bar = view.findChild<QProgressBar*>();
         QAccessibleInterface* told =

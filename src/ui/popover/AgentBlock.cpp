@@ -45,6 +45,7 @@ void AgentBlock::setContent(const AgentBlockContent& content, const RowColumns& 
                             bool isFirst) {
     setText(qString(content.name));
     setAccessibleName(qString(content.accessibilityText));
+    setAccessibleDescription(qString(content.accessibilityDetail));
     columns_ = columns;
     isFirst_ = isFirst;
     boneRows_ = content.boneRows;

@@ -4,6 +4,7 @@
 #include "ui/kit/SoftShadow.h"
 #include "ui/kit/Theme.h"
 #include "ui/popover/AgentUsagePopoverView.h"
+#include "ui/popover/PopoverAccessibility.h"
 #include "ui/popover/PopoverPlacement.h"
 
 #include <QBitmap>
@@ -38,6 +39,7 @@ Qt::WindowFlags popoverWindowFlags() {
 Popover::Popover(AgentUIActions actions, QWidget* parent)
     : QWidget(parent, popoverWindowFlags()),
       view_(new AgentUsagePopoverView(std::move(actions), this)) {
+    tellOfPopovers();
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_QuitOnClose, false);
     view_->onHeightChange = [this] {

@@ -45,6 +45,7 @@ void AgentSummaryCard::setContent(const AgentBlockContent& content,
                                   const std::string& loadingText) {
     setText(qString(content.name));
     setAccessibleName(qString(content.accessibilityText));
+    setAccessibleDescription(qString(content.accessibilityDetail));
     kit::HealthLook health = healthLook(content);
     if (content.state == AgentBlockContent::State::loading) {
         health.words = qString(loadingText);
