@@ -13,6 +13,7 @@ constexpr double full = 100;
 UsageBarContent barContent(const UsageWindow& window, bool isStale, Instant now, double left,
                            const std::optional<double>& elapsed, const Localization& words) {
     UsageBarContent bar{.filledShare = std::min(left, full) / full,
+                        .usedShare = std::clamp(window.usedPercent, 0.0, full) / full,
                         .health = health(window, now),
                         .isStale = isStale};
     const std::string leftText = percentText(left, words);

@@ -13,6 +13,9 @@ namespace vellmark {
 /// A bar that tells what is left. Shares are 0 to 1, counted from the left end.
 struct UsageBarContent {
     double filledShare = 0;
+    /// What assistive software is told as the bar's value, in the sense of the row's
+    /// `accessibilityText`.
+    double usedShare = 0;
     /// Where the fill would end at an even pace; absent without a reset time.
     std::optional<double> paceMark;
     /// The colour of the fill.

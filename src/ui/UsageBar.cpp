@@ -2,11 +2,14 @@
 
 #include "ui/Conversions.h"
 
+#include <cmath>
+
 namespace vellmark {
 
 namespace {
+constexpr double percent = 100;
+
 kit::BarLook barLook(const UsageBarContent& bar) {
-    constexpr double percent = 100;
     kit::BarLook look;
     look.share = bar.filledShare * percent;
     if (bar.paceMark) {
@@ -20,6 +23,7 @@ kit::BarLook barLook(const UsageBarContent& bar) {
 
 void UsageBar::setContent(const UsageRowContent& row) {
     setLook(barLook(row.bar));
+    setValue(static_cast<int>(std::lround(row.bar.usedShare * percent)));
     setToolTip(qString(row.bar.toolTip));
     setAccessibleName(qString(row.accessibilityText));
     setAccessibleDescription(qString(row.accessibilityDetail));

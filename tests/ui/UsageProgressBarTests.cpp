@@ -34,13 +34,5 @@ TEST(UsageProgressBar, KeepsTheMarkWithinTheBar) {
     EXPECT_EQ(barShape(200, 6, 50, 100.0).mark->right(), 200);
 }
 
-TEST(UsageProgressBar, TellsItsValueToAssistiveSoftware) {
-    UsageProgressBar bar(6);
-    bar.setLook({.share = 15.6});
-    EXPECT_EQ(bar.value(), 16);
-    bar.setLook({.share = 130});
-    EXPECT_EQ(bar.value(), 100);
-}
-
 } // namespace
 } // namespace vellmark::kit

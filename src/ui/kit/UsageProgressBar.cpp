@@ -63,7 +63,6 @@ void UsageProgressBar::setLook(const BarLook& look) {
     }
     hasLook_ = true;
     look_ = look;
-    setValue(static_cast<int>(std::lround(std::clamp(look.share, 0.0, 100.0))));
     update();
 }
 

@@ -38,7 +38,7 @@ struct BarLook {
     bool operator==(const BarLook&) const = default;
 };
 
-/// The bar of one quota window.
+/// The bar of one quota window. What assistive software is told is the `value`, whatever is drawn.
 class UsageProgressBar : public QProgressBar {
 public:
     explicit UsageProgressBar(int barHeight, QWidget* parent = nullptr);
