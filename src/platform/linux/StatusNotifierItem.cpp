@@ -33,26 +33,6 @@ Pixmap wireForm(const NotifierPixmap& pixmap) {
     return Pixmap{pixmap.side, pixmap.side, std::move(bytes)};
 }
 
-std::string escapedMarkup(const std::string& text) {
-    std::string escaped;
-    for (const char character : text) {
-        switch (character) {
-        case '&':
-            escaped += "&amp;";
-            break;
-        case '<':
-            escaped += "&lt;";
-            break;
-        case '>':
-            escaped += "&gt;";
-            break;
-        default:
-            escaped += character;
-        }
-    }
-    return escaped;
-}
-
 } // namespace
 
 /// The item's objects on the bus and its dealings with the watcher, the process that knows the
@@ -150,7 +130,7 @@ private:
             return icon;
         });
         item_->registerProperty("ToolTip").onInterface(itemInterface).withGetter([this] {
-            return ToolTip{std::string(), std::vector<Pixmap>(), title_, escapedMarkup(toolTip_)};
+            return ToolTip{std::string(), std::vector<Pixmap>(), toolTip_, std::string()};
         });
     }
 

@@ -103,7 +103,9 @@ TEST_F(StatusNotifierItemTest, ShowsIconAndToolTip) {
     EXPECT_EQ(icon.front().get<0>(), 1);
     EXPECT_THAT(icon.front().get<2>(), ElementsAre(0x80, 0xFF, 0x7F, 0x01));
     const auto toolTip = property<ToolTip>("ToolTip");
-    EXPECT_EQ(toolTip.get<3>(), "Claude &amp; GPT &lt;93%&gt;");
+    // The title is plain text, and nothing stands under it.
+    EXPECT_EQ(toolTip.get<2>(), "Claude & GPT <93%>");
+    EXPECT_EQ(toolTip.get<3>(), "");
     EXPECT_FALSE(property<bool>("ItemIsMenu"));
 }
 
