@@ -23,7 +23,7 @@ std::string statusItemToolTip(const MenuBarGlyph& glyph, const UsageState& state
     if (!glyph.usedPercent || !glyph.providerID || !glyph.windowID)
         return words.format("statusItem.tooltip", {app, overallStatusText(state, now, words)});
     const std::string agent = agentName(*glyph.providerID, words);
-    const std::string window = windowLabel(*glyph.windowID, words);
+    const std::string window = windowLabel(*glyph.windowID, words, true);
     const std::string used = percentText(*glyph.usedPercent, words);
     if (!glyph.elapsedPercent)
         return words.format("statusItem.tooltip.window.noTime", {app, agent, window, used});

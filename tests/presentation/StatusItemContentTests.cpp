@@ -46,6 +46,11 @@ TEST(StatusItemContent, SaysWhichWindowTheGlyphMeans) {
               "Vellmark: Claude Code, Session, 93% used, 71% of the time elapsed");
     EXPECT_EQ(toolTip(timed, german),
               "Vellmark: Claude Code, Sitzung, 93\u00a0% verbraucht, 71\u00a0% der Zeit vergangen");
+    // By the name that the list of windows has for it.
+    const UsageState pool = stateOf(
+        {live(AgentProviderID::antigravity(), {window("pool:Gemini Models|5h", 93, 300, 87)})});
+    EXPECT_EQ(toolTip(pool, english),
+              "Vellmark: Antigravity, Gemini · 5 hours, 93% used, 71% of the time elapsed");
     const UsageState timeless = stateOf({live(claude, {windowWithoutReset("weekly", 64)})});
     EXPECT_EQ(toolTip(timeless, english), "Vellmark: Claude Code, Week, 64% used");
 }

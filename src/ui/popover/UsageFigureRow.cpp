@@ -45,7 +45,8 @@ UsageFigureRow::UsageFigureRow(QWidget* parent)
 }
 
 void UsageFigureRow::setContent(const UsageRowContent& content) {
-    label_->setWords(qString(content.fullLabel));
+    label_->setWords(qString(content.label));
+    label_->setToolTip(content.fullLabel != content.label ? qString(content.fullLabel) : QString());
     figure_->setColor(content.isStale ? kit::ColorRole::ink2 : kit::ColorRole::ink);
     figure_->setChangingWords(qString(content.figure));
     figureWord_->setWords(qString(content.figureWord));
