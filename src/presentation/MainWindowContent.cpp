@@ -109,7 +109,7 @@ OverviewContent overviewContent(const UsageState& state, Instant now, const Loca
     content.subtitle = words.text("overview.subtitle");
     content.updated =
         state.lastRefreshCompletedAt
-            ? words.format("overview.updated", {dateTimeText(*state.lastRefreshCompletedAt, words)})
+            ? words.format("overview.updated", {momentText(*state.lastRefreshCompletedAt, words)})
             : words.text("overview.notUpdated");
     content.isRefreshing = state.isRefreshing;
     content.refresh = {words.text(state.isRefreshing ? "header.refreshing" : "header.refresh"),

@@ -89,35 +89,47 @@ icu::UnicodeString withPlainBlanks(icu::UnicodeString text) {
     return text;
 }
 
-/// Formats by the fields in `skeleton` in the order and with the clock that the locale prefers.
-/// Finding those takes milliseconds, so formatters are kept; there are few, one for each locale
-/// and skeleton. They are not to be shared between threads, hence the lock.
+/// Stands for the date in the locale's middle length, which no choice of fields describes.
+constexpr const char* middleDate = "date";
+
+/// A format with the fields of `skeleton`, in the order and with the clock that the locale prefers.
+std::unique_ptr<icu::DateFormat> dateFormat(const char* skeleton, const icu::Locale& locale) {
+    if (skeleton == middleDate) {
+        return std::unique_ptr<icu::DateFormat>(
+            icu::DateFormat::createDateInstance(icu::DateFormat::kMedium, locale));
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<icu::DateTimePatternGenerator> generator(
+        icu::DateTimePatternGenerator::createInstance(locale, status));
+    if (U_FAILURE(status)) {
+        return nullptr;
+    }
+    auto format = std::make_unique<icu::SimpleDateFormat>(
+        generator->getBestPattern(icu::UnicodeString(skeleton, -1, US_INV), status), locale,
+        status);
+    return U_SUCCESS(status) ? std::move(format) : nullptr;
+}
+
+/// Finding a format takes milliseconds, so they are kept; there are few, one for each locale and
+/// skeleton. They are not to be shared between threads, hence the lock.
 std::string dateText(Instant instant, const char* skeleton, const Localization& words) {
     static std::mutex mutex;
-    static std::map<std::string, std::unique_ptr<icu::SimpleDateFormat>, std::less<>> formatters;
+    static std::map<std::string, std::unique_ptr<icu::DateFormat>, std::less<>> formats;
     const icu::Locale locale = formatLocale(words);
     const std::string key = std::string(locale.getName()) + "/" + skeleton;
     const TimeZone timeZone = zone(words);
     const std::lock_guard lock(mutex);
-    auto& formatter = formatters[key];
-    if (!formatter) {
-        UErrorCode status = U_ZERO_ERROR;
-        const std::unique_ptr<icu::DateTimePatternGenerator> generator(
-            icu::DateTimePatternGenerator::createInstance(locale, status));
-        if (U_SUCCESS(status)) {
-            formatter = std::make_unique<icu::SimpleDateFormat>(
-                generator->getBestPattern(icu::UnicodeString(skeleton, -1, US_INV), status), locale,
-                status);
-        }
-        if (U_FAILURE(status)) {
-            formatter.reset();
-            return std::string(noFigure);
-        }
+    auto& format = formats[key];
+    if (!format) {
+        format = dateFormat(skeleton, locale);
     }
-    formatter->setTimeZone(*TimeZoneRules::of(timeZone).icuZone);
+    if (!format) {
+        return std::string(noFigure);
+    }
+    format->setTimeZone(*TimeZoneRules::of(timeZone).icuZone);
     icu::UnicodeString text;
     std::string result;
-    withPlainBlanks(formatter->format(icuDate(instant), text)).toUTF8String(result);
+    withPlainBlanks(format->format(icuDate(instant), text)).toUTF8String(result);
     return result;
 }
 
@@ -245,6 +257,11 @@ std::string instantText(Instant instant, Instant now, const Localization& words)
         return timeText(instant, words);
     }
     return dateText(instant, std::abs(days) < 7 ? "Ejm" : "MMMdjm", words);
+}
+
+std::string momentText(Instant instant, const Localization& words) {
+    return words.format("moment.dateTime",
+                        {dateText(instant, middleDate, words), timeText(instant, words)});
 }
 
 std::string dateTimeText(Instant instant, const Localization& words) {

@@ -46,7 +46,10 @@ std::string timeText(Instant instant, const Localization& words);
 /// ("16:15", "Mo., 09:10", "2. Dez., 09:10").
 std::string instantText(Instant instant, Instant now, const Localization& words);
 
-/// Date and time in the locale's numeric date and standard time style.
+/// When something was, to the minute ("Nov 20, 2025 at 2:46 PM", "20.11.2025, 14:46").
+std::string momentText(Instant instant, const Localization& words);
+
+/// Date and time in the locale's numeric date and standard time style, for records.
 std::string dateTimeText(Instant instant, const Localization& words);
 
 } // namespace vellmark

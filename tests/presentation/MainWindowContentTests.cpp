@@ -39,7 +39,7 @@ TEST(Sidebar, TellsTheLeastThatIsLeft) {
 TEST(Overview, SaysWhenItWasReadAndWhatIsWorst) {
     UsageState state = twoAgents();
     OverviewContent content = overviewContent(state, noon, english);
-    EXPECT_THAT(content.updated, testing::StartsWith("Updated 11/20/"));
+    EXPECT_THAT(content.updated, testing::StartsWith("Updated Nov 20, "));
     EXPECT_EQ(content.verdict.tone, UsageHealth::critical);
     EXPECT_EQ(content.verdict.subject, "Claude, Week");
     EXPECT_THAT(content.verdict.text,

@@ -99,6 +99,8 @@ TEST(Formatting, instantsNameTheirDayWhenItIsNotToday) {
         EXPECT_EQ(instantText(zurich(test.date), now, english()), test.english);
         EXPECT_EQ(instantText(zurich(test.date), now, german()), test.german);
     }
+    EXPECT_EQ(momentText(now, english()), "Nov 28, 2026 at 11:30 PM");
+    EXPECT_EQ(momentText(now, german()), "28.11.2026, 23:30");
     EXPECT_EQ(dateTimeText(now, english()), "11/28/2026, 11:30:00 PM");
     EXPECT_EQ(dateTimeText(now, german()), "28.11.2026, 23:30:00");
 }
