@@ -60,7 +60,9 @@ std::string verdictSentence(const UsageWindow& window, std::span<const UsagePoin
 /// The worst window in a sentence, or that nothing is wrong.
 VerdictContent verdict(const UsageState& state, Instant now, const Localization& words) {
     const UsageHealth worst = worstHealth(state, now);
-    VerdictContent content{.tone = worst, .text = verdictText(state, now, words)};
+    VerdictContent content{
+        .tone = worst,
+        .text = words.format("overview.verdict.sentence", {verdictText(state, now, words)})};
     if (worst != UsageHealth::attention && worst != UsageHealth::critical) {
         return content;
     }

@@ -54,6 +54,9 @@ TEST(Overview, SaysWhenItWasReadAndWhatIsWorst) {
     EXPECT_EQ(content.refresh.title, "Refreshing …");
 
     EXPECT_TRUE(overviewContent(UsageState(), noon, english).noAgents);
+    const UsageState fine = stateOf({live(codex, {window("session", 22, 300, 87)})});
+    EXPECT_EQ(overviewContent(fine, noon, english).verdict.text,
+              "Everything lasts until its reset.");
 }
 
 } // namespace
