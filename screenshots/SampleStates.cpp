@@ -132,7 +132,7 @@ UsageState failed() {
     AgentUsageSnapshot calm = antigravity();
     calm.windows.erase(calm.windows.begin());
     return stateOf(
-        {failure(AgentProviderID::codex(), UsageProviderError::executableMissing("Codex")),
+        {failure(AgentProviderID::codex(), UsageProviderError::executableMissing("Codex CLI")),
          failure(AgentProviderID::claude(),
                  UsageProviderError(UsageProviderError::Kind::claudeNotLoggedIn)),
          calm});
