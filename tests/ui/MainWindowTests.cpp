@@ -15,6 +15,7 @@ using ::testing::ElementsAre;
 using testing::pressKey;
 using testing::RecordedActions;
 using testing::tabStops;
+using testing::waitUntil;
 
 class MainWindow : public ::testing::Test {
 protected:
@@ -99,6 +100,11 @@ TEST_F(MainWindow, PointsOutTheCardOfAnAgentAlsoWhenItHasTheKeyboardAlready) {
 
 TEST_F(MainWindow, ShowsTheFocusRingOfEveryControlWhole) {
     show(samples::failed());
+    view.activateWindow();
+    ASSERT_TRUE(waitUntil([this] { return view.isActiveWindow(); }));
+    if (view.focusWidget() != nullptr) {
+        view.focusWidget()->clearFocus();
+    }
     for (QWidget* stop : tabStops(view)) {
         stop->setFocus(Qt::TabFocusReason);
         const auto* ring = findRing();

@@ -39,7 +39,7 @@ TEST(Notice, ShowsTwoLinesOfALongReasonAndSaysThatThereIsMore) {
 
 TEST(Notice, ShowsAReasonOfTwoLinesWhole) {
     Notice notice;
-    const Label* words = wordsOf(notice, longReason().left(78).trimmed());
+    const Label* words = wordsOf(notice, longReason().left(117).trimmed());
     ASSERT_NE(words, nullptr);
     EXPECT_EQ(words->height(), 2 * style::text.lineHeight);
     EXPECT_FALSE(words->isShortened());

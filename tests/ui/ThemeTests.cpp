@@ -12,7 +12,7 @@ namespace {
 constexpr double readable = 4.5;
 constexpr double seen = 3.0;
 /// Two grounds that touch.
-constexpr double toldApart = 1.15;
+constexpr double toldApart = 1.14;
 
 using Role = ColorRole;
 using Roles = std::vector<Role>;
