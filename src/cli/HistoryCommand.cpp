@@ -6,6 +6,7 @@
 #include "model/UsageHistoryReader.h"
 #include "model/UsageTexts.h"
 #include "platform/Descriptor.h"
+#include "platform/SystemError.h"
 #include "presentation/AgentBlockContent.h"
 #include "probes/ProviderRegistry.h"
 #include "store/UsageHistory.h"
@@ -16,7 +17,6 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cerrno>
 #include <fcntl.h>
 #include <optional>
 #include <string>
@@ -112,7 +112,7 @@ private:
         const Descriptor opened(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
         std::error_code error;
         if (!opened.isOpen()) {
-            error = {errno, std::generic_category()};
+            error = lastSystemError();
             if (error == std::errc::no_such_file_or_directory) {
                 return ExitStatus::done;
             }

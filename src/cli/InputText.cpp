@@ -1,11 +1,9 @@
 #include "cli/InputText.h"
 
 #include "cli/Subcommand.h"
+#include "platform/WholeFile.h"
 #include "text/TerminalText.h"
 
-#include <array>
-#include <cerrno>
-#include <fcntl.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -14,37 +12,15 @@ namespace {
 
 constexpr std::size_t largestInput = std::size_t{64} << 20;
 
-std::error_code lastError() {
-    return {errno, std::generic_category()};
-}
-
-/// Appends everything up to the end of `descriptor`, or a little more than is allowed.
-std::error_code readAll(int descriptor, std::string& text) {
-    std::array<char, 64 * 1024> block{};
-    while (text.size() <= largestInput) {
-        const ssize_t count = read(descriptor, block.data(), block.size());
-        if (count == 0)
-            break;
-        if (count > 0)
-            text.append(block.data(), static_cast<std::size_t>(count));
-        else if (errno != EINTR)
-            return lastError();
-    }
-    return {};
-}
-
 } // namespace
 
 std::optional<std::string> readInputText(const std::optional<std::string>& file,
                                          const CommandContext& context) {
     const bool isStandardInput = !file || *file == "-";
-    const int descriptor =
-        isStandardInput ? STDIN_FILENO : open(file->c_str(), O_RDONLY | O_CLOEXEC);
-    std::string text;
-    std::error_code error = descriptor < 0 ? lastError() : readAll(descriptor, text);
-    if (descriptor >= 0 && !isStandardInput)
-        close(descriptor);
-    if (!error && text.size() > largestInput)
+    std::error_code error;
+    const auto text = isStandardInput ? readToEnd(STDIN_FILENO, error, largestInput + 1)
+                                      : readWholeFile(*file, error, largestInput + 1);
+    if (text && text->size() > largestInput)
         error = std::make_error_code(std::errc::file_too_large);
     if (!error)
         return text;

@@ -1,6 +1,6 @@
 #include "cli/ArgumentValues.h"
 #include "cli/Subcommands.h"
-#include "platform/AtomicFile.h"
+#include "platform/WholeFile.h"
 #include "store/ActivityLog.h"
 #include "text/Dates.h"
 

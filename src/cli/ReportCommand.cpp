@@ -1,6 +1,6 @@
 #include "cli/InterruptibleWork.h"
 #include "cli/Subcommands.h"
-#include "platform/AtomicFile.h"
+#include "platform/WholeFile.h"
 #include "report/SupportReportFacts.h"
 
 #include <optional>
@@ -43,7 +43,7 @@ public:
 
 private:
     int save(const std::string& text, const CommandContext& context) const {
-        if (const auto error = replaceFileAtomically(*output_, text)) {
+        if (const auto error = replaceWholeFile(*output_, text)) {
             context.report(context.words.format("cli.error.notSaved", {*output_, error.message()}));
             return ExitStatus::failed;
         }

@@ -1,6 +1,7 @@
 #include "cli/TerminalOutput.h"
 
 #include "cli/DisplayWidth.h"
+#include "platform/SystemError.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -70,7 +71,7 @@ void TerminalOutput::write(std::string_view text) {
             pollfd ready{.fd = descriptor_, .events = POLLOUT, .revents = 0};
             poll(&ready, 1, -1);
         } else if (errno != EINTR) {
-            error_ = std::error_code(errno, std::generic_category());
+            error_ = lastSystemError();
         }
     }
 }

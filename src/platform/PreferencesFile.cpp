@@ -1,6 +1,6 @@
 #include "platform/PreferencesFile.h"
 
-#include "platform/AtomicFile.h"
+#include "platform/WholeFile.h"
 
 #include <nlohmann/json.hpp>
 
@@ -72,7 +72,7 @@ private:
     void change(std::string_view key, std::optional<Document> value) {
         unsaved_.insert_or_assign(std::string(key), std::move(value));
         if (error_ = reload(); !error_) {
-            error_ = replaceFileAtomically(
+            error_ = replaceWholeFile(
                 file_, document_.dump(2, ' ', false, Document::error_handler_t::replace) + "\n");
         }
         if (!error_) {

@@ -1,8 +1,8 @@
 #include "probes/DemoSandbox.h"
 
 #include "platform/ProgramPath.h"
+#include "platform/SystemError.h"
 
-#include <cerrno>
 #include <fcntl.h>
 #include <fstream>
 #include <stdexcept>
@@ -67,8 +67,7 @@ void removeAbandoned(const fs::path& temporary) {
 fs::path makeDirectory(const fs::path& temporary) {
     std::string path = (temporary / (std::string(directoryPrefix) + "XXXXXX")).string();
     if (mkdtemp(path.data()) == nullptr)
-        throw fs::filesystem_error("cannot create directory", path,
-                                   std::error_code(errno, std::generic_category()));
+        throw fs::filesystem_error("cannot create directory", path, lastSystemError());
     return path;
 }
 

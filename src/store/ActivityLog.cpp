@@ -1,14 +1,14 @@
 #include "store/ActivityLog.h"
 
-#include "platform/AtomicFile.h"
 #include "platform/Descriptor.h"
+#include "platform/ReplacementFile.h"
+#include "platform/SystemError.h"
+#include "platform/WholeFile.h"
 #include "store/FileLock.h"
-#include "store/ReplacementFile.h"
 #include "text/TerminalText.h"
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <fstream>
@@ -144,13 +144,13 @@ std::error_code ActivityLog::writeWaiting() {
     const Descriptor descriptor(
         ::open(file_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600));
     if (!descriptor.isOpen()) {
-        return {errno, std::generic_category()};
+        return lastSystemError();
     }
     const off_t before = ::lseek(descriptor.get(), 0, SEEK_END);
     ::fchmod(descriptor.get(), 0600);
     const ssize_t count = ::write(descriptor.get(), waiting_.data(), waiting_.size());
     if (count < 0) {
-        error = {errno, std::generic_category()};
+        error = lastSystemError();
     } else if (count != static_cast<ssize_t>(waiting_.size())) {
         error = std::make_error_code(std::errc::no_space_on_device);
         (void)!::ftruncate(descriptor.get(), before); // no half lines
@@ -172,7 +172,7 @@ std::error_code ActivityLog::trim(Instant now, const TimeZone& zone) {
     }
     const Instant since = now - daysKept * day;
     LineReader reader(zone);
-    ReplacementFile replacement(file_);
+    ReplacementFile replacement(file_, ReplacementFile::Name::fixed);
     bool keeps = false; // a line without a date shares the fate of the one before
     bool changed = false;
     forEachLine(*text, [&](std::string_view line) {

@@ -1,5 +1,8 @@
 #include "store/FileLock.h"
 
+#include "platform/PrivateDirectory.h"
+#include "platform/SystemError.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -12,29 +15,17 @@
 
 namespace vellmark {
 
-namespace {
-
-void makeParent(const std::filesystem::path& file) {
-    std::error_code error;
-    const auto parent = file.parent_path();
-    if (std::filesystem::create_directories(parent, error) && !error) {
-        std::filesystem::permissions(parent, std::filesystem::perms::owner_all, error);
-    }
-}
-
-} // namespace
-
 std::optional<FileLock> FileLock::acquire(const std::filesystem::path& lockFile, Seconds patience,
                                           std::error_code& error) {
     constexpr int flags = O_RDWR | O_CREAT | O_CLOEXEC;
     error.clear();
     Descriptor descriptor(::open(lockFile.c_str(), flags, 0600));
     if (!descriptor.isOpen() && errno == ENOENT) {
-        makeParent(lockFile);
+        makePrivateDirectory(lockFile.parent_path());
         descriptor.reset(::open(lockFile.c_str(), flags, 0600));
     }
     if (!descriptor.isOpen()) {
-        error = {errno, std::generic_category()};
+        error = lastSystemError();
         return std::nullopt;
     }
     // There is no lock that waits for a limited time, so this asks again, ever less often.
@@ -46,7 +37,7 @@ std::optional<FileLock> FileLock::acquire(const std::filesystem::path& lockFile,
             continue;
         }
         if (errno != EWOULDBLOCK || Clock::now() >= deadline) {
-            error = {errno, std::generic_category()};
+            error = lastSystemError();
             return std::nullopt;
         }
         std::this_thread::sleep_for(pause);

@@ -1,9 +1,9 @@
 #include "store/LastSnapshots.h"
 
 #include "model/UsageJSON.h"
-#include "platform/AtomicFile.h"
+#include "platform/ReplacementFile.h"
+#include "platform/WholeFile.h"
 #include "store/FileLock.h"
-#include "store/ReplacementFile.h"
 
 #include <utility>
 
@@ -44,7 +44,7 @@ std::error_code LastSnapshots::write(const std::map<AgentProviderID, AgentUsageS
     for (auto& [id, snapshot] : merged) {
         snapshots.push_back(std::move(snapshot));
     }
-    ReplacementFile replacement(file_);
+    ReplacementFile replacement(file_, ReplacementFile::Name::fixed);
     replacement.write(snapshotsDocument(snapshots));
     return replacement.commit();
 }

@@ -1,7 +1,8 @@
 #include "store/UsageHistoryFile.h"
 
 #include "model/UsageJSON.h"
-#include "store/ReplacementFile.h"
+#include "platform/ReplacementFile.h"
+#include "platform/SystemError.h"
 
 #include <nlohmann/json.hpp>
 
@@ -28,16 +29,12 @@ constexpr Seconds keptWhole = 35 * day;
 constexpr Seconds keptAtAll = 400 * day;
 constexpr std::string_view closing = "\n]\n";
 
-std::error_code lastError() {
-    return {errno, std::generic_category()};
-}
-
 std::error_code writeAt(int descriptor, std::string_view bytes, std::uint64_t offset) {
     while (!bytes.empty()) {
         const ssize_t count =
             ::pwrite(descriptor, bytes.data(), bytes.size(), static_cast<off_t>(offset));
         if (count < 0 && errno != EINTR) {
-            return lastError();
+            return lastSystemError();
         }
         const auto written = static_cast<std::size_t>(std::max<ssize_t>(count, 0));
         bytes.remove_prefix(written);
@@ -64,11 +61,11 @@ std::error_code UsageHistoryFile::open() {
     close();
     descriptor_.reset(::open(file_.c_str(), O_RDWR | O_CLOEXEC));
     if (!descriptor_.isOpen() && (errno == EACCES || errno == EROFS)) {
-        writeRefusal_ = lastError();
+        writeRefusal_ = lastSystemError();
         descriptor_.reset(::open(file_.c_str(), O_RDONLY | O_CLOEXEC));
     }
     if (!descriptor_.isOpen()) {
-        return errno == ENOENT ? std::error_code() : lastError();
+        return errno == ENOENT ? std::error_code() : lastSystemError();
     }
     ::fchmod(descriptor_.get(), 0600); // an older version or a copy may have left it open to others
     return {};
@@ -139,7 +136,7 @@ std::error_code UsageHistoryFile::append(const FileLock&,
             separatedLine(scan_.sampleCount == 0 && bytes.empty(), serialized(toJSON(sample), -1));
     }
     if (scan_.samplesEnd == 0) { // no file yet, or an empty one
-        ReplacementFile created(file_);
+        ReplacementFile created(file_, ReplacementFile::Name::fixed);
         created.write("[" + bytes);
         created.write(closing);
         if (const auto error = created.commit()) {
@@ -155,7 +152,7 @@ std::error_code UsageHistoryFile::append(const FileLock&,
             writeAt(descriptor_.get(), bytes + std::string(closing), scan_.samplesEnd);
         if (!error && knownSize_ > end &&
             ::ftruncate(descriptor_.get(), static_cast<off_t>(end)) != 0) {
-            error = lastError();
+            error = lastSystemError();
         }
         if (error) {
             const std::uint64_t oldEnd = scan_.samplesEnd + closing.size();
@@ -177,7 +174,7 @@ std::error_code UsageHistoryFile::ensureWritable() {
     if (writeRefusal_) {
         Descriptor writable(::open(file_.c_str(), O_RDWR | O_CLOEXEC));
         if (!writable.isOpen()) {
-            return lastError();
+            return lastSystemError();
         }
         descriptor_ = std::move(writable);
         writeRefusal_ = {};
@@ -208,7 +205,7 @@ std::error_code UsageHistoryFile::repair() {
 std::error_code
 UsageHistoryFile::rewrite(const std::function<bool(const StoredHistorySample&)>& keeps,
                           const Listener& listener) {
-    ReplacementFile replacement(file_);
+    ReplacementFile replacement(file_, ReplacementFile::Name::fixed);
     HistoryFileScan written;
     replacement.write("[");
     written.samplesEnd = 1;

@@ -1,7 +1,7 @@
 #include "probes/antigravity/AntigravityUsageProvider.h"
 
 #include "model/UsageHistorySample.h"
-#include "platform/AtomicFile.h"
+#include "platform/WholeFile.h"
 #include "probes/BoundedProcess.h"
 #include "probes/ChildEnvironment.h"
 #include "probes/ExecutableLocator.h"

@@ -1,6 +1,6 @@
 #include "probes/claude/ClaudeDiagnostics.h"
 
-#include "platform/AtomicFile.h"
+#include "platform/WholeFile.h"
 #include "text/Pattern.h"
 #include "text/TerminalText.h"
 
@@ -75,7 +75,7 @@ std::optional<std::filesystem::path> writeClaudeDiagnostics(std::string_view scr
                                                             const std::filesystem::path& directory,
                                                             std::string_view name) {
     std::filesystem::path file = directory / name;
-    if (replaceFileAtomically(file, redactedClaudeScreen(screenText, home))) {
+    if (replaceWholeFile(file, redactedClaudeScreen(screenText, home))) {
         return std::nullopt;
     }
     return file;

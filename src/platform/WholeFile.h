@@ -13,10 +13,11 @@ namespace vellmark {
 std::optional<std::string> readWholeFile(const std::filesystem::path& file, std::error_code& error,
                                          std::size_t limit = std::string::npos);
 
-/// Replaces `file` by `contents` so that at any moment, also after a power loss, either the old or
-/// the new contents are there: written beside it with mode 0600, synced, renamed. A symbolic link
-/// stays and its target is replaced. Missing parent directories are made (0700). Nothing is left
-/// behind on failure.
-std::error_code replaceFileAtomically(const std::filesystem::path& file, std::string_view contents);
+/// The same of an open descriptor, from where it stands.
+std::optional<std::string> readToEnd(int descriptor, std::error_code& error,
+                                     std::size_t limit = std::string::npos);
+
+/// Replaces `file` by `contents`, by way of a ReplacementFile of unique name.
+std::error_code replaceWholeFile(const std::filesystem::path& file, std::string_view contents);
 
 } // namespace vellmark
