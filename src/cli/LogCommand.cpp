@@ -46,8 +46,7 @@ public:
                 context.words.format("cli.error.unreadable", {file.string(), error.message()}));
             return ExitStatus::failed;
         }
-        const TimeZone zone =
-            TimeZone::named(context.words.timeZoneIdentifier()).value_or(TimeZone::system());
+        const TimeZone zone = context.words.timeZone();
         const Instant since = ReferenceClock::now() - static_cast<double>(days) * day;
         std::string text;
         for (const ActivityEntry& entry : ActivityLog(file).entries(since, zone)) {

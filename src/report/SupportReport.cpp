@@ -76,8 +76,7 @@ std::optional<std::string> supportReportText(const SupportReportInput& input,
 }
 
 std::string supportReportFileName(Instant date, const Localization& words) {
-    const auto zone = TimeZone::named(words.timeZoneIdentifier()).value_or(TimeZone::system());
-    return "Vellmark-Support-Bericht-" + formatDate(date, "yyyy-MM-dd", zone) + ".txt";
+    return "Vellmark-Support-Bericht-" + formatDate(date, "yyyy-MM-dd", words.timeZone()) + ".txt";
 }
 
 } // namespace vellmark

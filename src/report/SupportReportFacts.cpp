@@ -54,7 +54,7 @@ std::vector<SupportReportInput::Agent> gatherAgents(const Machine& machine,
 }
 
 std::string recentActivity(const Machine& machine, const Localization& words, Instant now) {
-    const auto zone = TimeZone::named(words.timeZoneIdentifier()).value_or(TimeZone::system());
+    const auto zone = words.timeZone();
     const auto since = now - Seconds(86400.0 * ActivityLog::daysKept);
     std::string text;
     for (const auto& entry :

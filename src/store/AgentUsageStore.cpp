@@ -51,7 +51,6 @@ struct AgentUsageStore::State {
 
     Localization words() const { return config.words(); }
     Instant now() const { return config.now(); }
-    TimeZone zone() const;
 
     /// Puts an entry, dated now, into the activity log. Part of a change: called inside `around`.
     void note(ActivityEntry entry);
@@ -109,7 +108,7 @@ AgentUsageStore::State::State(Configuration configuration, MainExecutor& mainExe
                               Preferences& preferences)
     : config(std::move(configuration)), executor(mainExecutor),
       settings(preferences, idsOf(config.registrations)),
-      files(config.machine.supportDirectory(), mainExecutor, config.now(), zone(),
+      files(config.machine.supportDirectory(), mainExecutor, config.now(), words().timeZone(),
             {.historyChanged =
                  [this] {
                      observers.around([this] {
@@ -147,14 +146,9 @@ void AgentUsageStore::State::takeLastSnapshots() {
 
 // --- the log
 
-TimeZone AgentUsageStore::State::zone() const {
-    const Localization current = words();
-    return TimeZone::named(current.timeZoneIdentifier()).value_or(TimeZone::system());
-}
-
 void AgentUsageStore::State::note(ActivityEntry entry) {
     entry.time = now();
-    files.log(std::move(entry), zone());
+    files.log(std::move(entry), words().timeZone());
     ++state.activityRevision;
 }
 
@@ -452,11 +446,11 @@ void AgentUsageStore::logActivity(ActivityEntry entry) {
 }
 
 std::vector<ActivityEntry> AgentUsageStore::activity(int days) {
-    return d_->files.activity(d_->now() - days * day, d_->zone());
+    return d_->files.activity(d_->now() - days * day, d_->words().timeZone());
 }
 
 std::string AgentUsageStore::activityExportText(int days) {
-    const TimeZone zone = d_->zone();
+    const TimeZone zone = d_->words().timeZone();
     std::string text = ActivityTexts::exportHeader(days, d_->now(), zone, d_->words());
     for (const ActivityEntry& entry : activity(days)) {
         text += ActivityLog::line(entry, zone) + "\n";
@@ -465,7 +459,7 @@ std::string AgentUsageStore::activityExportText(int days) {
 }
 
 void AgentUsageStore::trimLog() {
-    d_->files.trim(d_->now(), d_->zone());
+    d_->files.trim(d_->now(), d_->words().timeZone());
 }
 
 const UsageHistory& AgentUsageStore::history() const {

@@ -45,13 +45,6 @@ icu::Locale formatLocale(const Localization& words) {
                        "calendar=gregorian;numbers=latn");
 }
 
-TimeZone zone(const Localization& words) {
-    if (const auto named = TimeZone::named(words.timeZoneIdentifier())) {
-        return *named;
-    }
-    return TimeZone::system();
-}
-
 std::string plainText(const number::FormattedNumber& number, UErrorCode status) {
     std::string result;
     number.toTempString(status).toUTF8String(result);
@@ -117,7 +110,7 @@ std::string dateText(Instant instant, const char* skeleton, const Localization& 
     static std::map<std::string, std::unique_ptr<icu::DateFormat>, std::less<>> formats;
     const icu::Locale locale = formatLocale(words);
     const std::string key = std::string(locale.getName()) + "/" + skeleton;
-    const TimeZone timeZone = zone(words);
+    const TimeZone timeZone = words.timeZone();
     const std::lock_guard lock(mutex);
     auto& format = formats[key];
     if (!format) {
@@ -252,7 +245,7 @@ std::string timeText(Instant instant, const Localization& words) {
 }
 
 std::string instantText(Instant instant, Instant now, const Localization& words) {
-    const std::int64_t days = calendarDaysBetween(now, instant, zone(words));
+    const std::int64_t days = calendarDaysBetween(now, instant, words.timeZone());
     if (days == 0) {
         return timeText(instant, words);
     }

@@ -1,6 +1,7 @@
 #include "text/Localization.h"
 
 #include "text/Catalog.h"
+#include "text/Dates.h"
 #include "text/Formatting.h"
 
 #include <algorithm>
@@ -51,6 +52,11 @@ Localization::Localization(std::string languageCode, std::string localeIdentifie
                            std::string timeZoneIdentifier)
     : languageCode_(std::move(languageCode)), localeIdentifier_(std::move(localeIdentifier)),
       timeZoneIdentifier_(std::move(timeZoneIdentifier)) {}
+
+TimeZone Localization::timeZone() const {
+    const auto named = TimeZone::named(timeZoneIdentifier_);
+    return named ? *named : TimeZone::system();
+}
 
 std::string Localization::text(std::string_view key) const {
     const auto entries = catalogEntries();

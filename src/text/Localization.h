@@ -8,6 +8,8 @@
 
 namespace vellmark {
 
+class TimeZone;
+
 /// An argument of a format text: "%@" takes a text, "%lld" an integer.
 using TextArgument = std::variant<std::string, std::int64_t>;
 
@@ -25,7 +27,8 @@ public:
 
     const std::string& languageCode() const { return languageCode_; }
     const std::string& localeIdentifier() const { return localeIdentifier_; }
-    const std::string& timeZoneIdentifier() const { return timeZoneIdentifier_; }
+    /// The zone that dates are written in: the system's when the chosen one is unknown.
+    TimeZone timeZone() const;
 
     /// The text behind `key`, without replacing placeholders.
     std::string text(std::string_view key) const;
