@@ -231,7 +231,7 @@ void refreshWithoutChildren(benchmark::State& state) {
     Machine machine;
     machine.applicationSupport = scratch.path();
     fs::create_directories(machine.supportDirectory());
-    fs::copy_file(longHistory(), machine.supportDirectory() / "usage-history.json");
+    fs::copy_file(longHistory(), machine.usageHistoryFile());
     int readings = 0;
     AgentUsageStore::Configuration configuration;
     configuration.machine = machine;

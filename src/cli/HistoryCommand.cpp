@@ -108,7 +108,7 @@ private:
     /// A file that does not exist is an empty history.
     int read(const CommandContext& context, std::optional<Instant> since,
              std::vector<Row>& rows) const {
-        const auto file = context.machine.supportDirectory() / "usage-history.json";
+        const auto file = context.machine.usageHistoryFile();
         const Descriptor opened(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
         std::error_code error;
         if (!opened.isOpen()) {

@@ -39,7 +39,7 @@ public:
     int run(const CommandContext& context) override {
         const auto days =
             days_ ? integerArgument("--days", *days_, 1, 100'000) : ActivityLog::daysKept;
-        const auto file = context.machine.supportDirectory() / "activity.log";
+        const auto file = context.machine.activityLogFile();
         std::error_code error;
         if (!readWholeFile(file, error) && error != std::errc::no_such_file_or_directory) {
             context.report(

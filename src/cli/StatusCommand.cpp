@@ -67,7 +67,7 @@ UsageState lastState(const Machine& machine) {
     }
     const auto preferences = makePreferences(machine);
     const AgentSettings settings(*preferences, registered);
-    const auto readings = LastSnapshots(machine.supportDirectory() / "last-snapshots.json").read();
+    const auto readings = LastSnapshots(machine.lastSnapshotsFile()).read();
     UsageState state;
     state.providerOrder = settings.order();
     state.enabledProviderIDs = settings.enabled();

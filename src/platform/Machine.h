@@ -30,6 +30,14 @@ struct Machine {
 
     bool isSandbox() const { return !root.empty(); }
     std::filesystem::path supportDirectory() const { return applicationSupport / "Vellmark"; }
+    // What is in there and read by more than one layer.
+    std::filesystem::path usageHistoryFile() const {
+        return supportDirectory() / "usage-history.json";
+    }
+    std::filesystem::path lastSnapshotsFile() const {
+        return supportDirectory() / "last-snapshots.json";
+    }
+    std::filesystem::path activityLogFile() const { return supportDirectory() / "activity.log"; }
 
     /// `path` as it is to be opened: "~/…" below home, an absolute one below `root`.
     std::filesystem::path resolved(const std::string& path) const;

@@ -28,7 +28,7 @@ std::optional<Instant> lastSuccess(const AgentProviderID& id,
 
 std::vector<SupportReportInput::Agent> gatherAgents(const Machine& machine,
                                                     const Localization& words) {
-    const auto readings = LastSnapshots(machine.supportDirectory() / "last-snapshots.json").read();
+    const auto readings = LastSnapshots(machine.lastSnapshotsFile()).read();
     const auto facts = gatherAgentFacts(machine);
     std::vector<AgentProviderID> registered;
     for (const AgentFacts& agent : facts) {
@@ -57,8 +57,7 @@ std::string recentActivity(const Machine& machine, const Localization& words, In
     const auto zone = words.timeZone();
     const auto since = now - Seconds(86400.0 * ActivityLog::daysKept);
     std::string text;
-    for (const auto& entry :
-         ActivityLog(machine.supportDirectory() / "activity.log").entries(since, zone)) {
+    for (const auto& entry : ActivityLog(machine.activityLogFile()).entries(since, zone)) {
         text += (text.empty() ? "" : "\n") + ActivityLog::line(entry, zone);
     }
     return text;

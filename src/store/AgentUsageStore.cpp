@@ -108,7 +108,7 @@ AgentUsageStore::State::State(Configuration configuration, MainExecutor& mainExe
                               Preferences& preferences)
     : config(std::move(configuration)), executor(mainExecutor),
       settings(preferences, idsOf(config.registrations)),
-      files(config.machine.supportDirectory(), mainExecutor, config.now(), words().timeZone(),
+      files(config.machine, mainExecutor, config.now(), words().timeZone(),
             {.historyChanged =
                  [this] {
                      observers.around([this] {

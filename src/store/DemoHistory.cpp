@@ -130,7 +130,7 @@ void writeDemoHistory(const Machine& machine, Instant now) {
     // Sample by sample: as one document it would take megabytes, which the C library keeps. Nothing
     // is synced: the file goes with the demo.
     std::filesystem::create_directories(machine.supportDirectory());
-    std::ofstream file(machine.supportDirectory() / "usage-history.json");
+    std::ofstream file(machine.usageHistoryFile());
     file << '[';
     const char* separator = "\n";
     for (const DemoSample& sample : samples) {

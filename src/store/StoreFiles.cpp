@@ -12,11 +12,10 @@
 namespace vellmark {
 
 struct StoreFiles::State {
-    State(const std::filesystem::path& directory, MainExecutor& mainExecutor,
-          Callbacks mainCallbacks)
+    State(const Machine& machine, MainExecutor& mainExecutor, Callbacks mainCallbacks)
         : executor(mainExecutor), callbacks(std::make_shared<Callbacks>(std::move(mainCallbacks))),
-          recorder(directory / "usage-history.json", history),
-          snapshots(directory / "last-snapshots.json"), log(directory / "activity.log") {}
+          recorder(machine.usageHistoryFile(), history), snapshots(machine.lastSnapshotsFile()),
+          log(machine.activityLogFile()) {}
 
     // All below run on the persistence thread.
 
@@ -54,9 +53,9 @@ struct StoreFiles::State {
     PersistenceQueue queue; ///< last, so that its jobs find everything else alive
 };
 
-StoreFiles::StoreFiles(const std::filesystem::path& directory, MainExecutor& executor, Instant now,
-                       TimeZone zone, Callbacks callbacks)
-    : d_(std::make_unique<State>(directory, executor, std::move(callbacks))) {
+StoreFiles::StoreFiles(const Machine& machine, MainExecutor& executor, Instant now, TimeZone zone,
+                       Callbacks callbacks)
+    : d_(std::make_unique<State>(machine, executor, std::move(callbacks))) {
     d_->queue.post([d = d_.get(), now, zone = std::move(zone)] {
         d->recorder.load(now);
         d->tellTrouble(File::history, d->recorder.trouble());

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "model/AgentUsageSnapshot.h"
+#include "platform/Machine.h"
 #include "store/ActivityEntry.h"
 #include "store/StorageTrouble.h"
 #include "text/Dates.h"
 
-#include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
@@ -32,8 +32,8 @@ public:
     };
 
     /// Begins to read the history, and drops old log lines when that is due.
-    StoreFiles(const std::filesystem::path& directory, MainExecutor& executor, Instant now,
-               TimeZone zone, Callbacks callbacks);
+    StoreFiles(const Machine& machine, MainExecutor& executor, Instant now, TimeZone zone,
+               Callbacks callbacks);
     ~StoreFiles();
     StoreFiles(const StoreFiles&) = delete;
     StoreFiles& operator=(const StoreFiles&) = delete;

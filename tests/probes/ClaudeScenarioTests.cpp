@@ -266,8 +266,7 @@ TEST_F(ClaudeScenario, recordsInAPrivateFileAndWaitsForTheModelOfTheLastDay) {
                                     "echo $VELLMARK_EXPECT_FABLE >>\"$HOME/seen\"\n"
                                     "cd \"$TMPDIR\" && ls -l vellmark-claude-*.log |"
                                     " cut -c1-10 >>\"$HOME/seen\"\n");
-    const std::filesystem::path history =
-        sandbox.machine().supportDirectory() / "usage-history.json";
+    const std::filesystem::path history = sandbox.machine().usageHistoryFile();
     const std::filesystem::path workspace =
         sandbox.machine().supportDirectory() / "ClaudeWorkspace";
     for (const auto& [hours, expected] : {std::pair(23.0, "1"), std::pair(24.0, "0")}) {

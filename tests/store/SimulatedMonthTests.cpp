@@ -81,14 +81,11 @@ TEST_F(Month, costsItsHistoryAndNothingElse) {
     EXPECT_GT(samples, refreshes);
     EXPECT_LE(samples, 3u * refreshes);
     EXPECT_LE(store->history().bytesHeld(), 64 * samples);
-    const auto fileSize =
-        std::filesystem::file_size(machine.supportDirectory() / "usage-history.json");
+    const auto fileSize = std::filesystem::file_size(machine.usageHistoryFile());
     EXPECT_LT(fileSize, 200 * samples);
-    EXPECT_LT(std::filesystem::file_size(machine.supportDirectory() / "last-snapshots.json"),
-              4096u);
+    EXPECT_LT(std::filesystem::file_size(machine.lastSnapshotsFile()), 4096u);
     // Five lines or so a refresh of about 80 bytes.
-    EXPECT_LT(std::filesystem::file_size(machine.supportDirectory() / "activity.log"),
-              500u * refreshes);
+    EXPECT_LT(std::filesystem::file_size(machine.activityLogFile()), 500u * refreshes);
     constexpr bool isWhole = refreshes == 30 * 24 * 12;
     if (isWhole && memory > 0) {
         const std::size_t slack = 8u << 20; // what the allocator keeps

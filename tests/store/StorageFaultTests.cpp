@@ -129,8 +129,7 @@ protected:
         executor.advance(Seconds(300));
     }
     std::size_t samplesOnDisk() const {
-        return historyFromDocument(contentOf(machine.supportDirectory() / "usage-history.json"))
-            .size();
+        return historyFromDocument(contentOf(machine.usageHistoryFile())).size();
     }
     std::size_t complaints() {
         return static_cast<std::size_t>(

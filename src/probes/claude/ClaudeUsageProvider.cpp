@@ -34,7 +34,7 @@ ClaudeUsageProvider::ClaudeUsageProvider(Machine machine, Seconds hardLimit, Lim
                                          std::filesystem::path interpreter)
     : machine_(std::move(machine)), workspace_(machine_.supportDirectory() / "ClaudeWorkspace"),
       hardLimit_(hardLimit), limits_(limits), interpreter_(std::move(interpreter)),
-      modelWindows_(machine_.supportDirectory() / "usage-history.json") {}
+      modelWindows_(machine_.usageHistoryFile()) {}
 
 std::filesystem::path ClaudeUsageProvider::diagnostics() const {
     return workspace_.parent_path() / "Diagnostics";
