@@ -36,6 +36,10 @@ constexpr std::size_t mostMembers = 1000;
     throw JSONDecodingError(reason);
 }
 
+[[noreturn]] void failUnknownCase(const std::string& name) {
+    fail("data corrupted: unknown case \"" + name + "\"");
+}
+
 /// Runs `decode`; what it throws gets `place` put in front of its path.
 template<typename Decode>
 auto at(const std::string& place, Decode decode) {
@@ -118,7 +122,7 @@ void decode(const JSON& json, SnapshotSource& value) {
             return;
         }
     }
-    fail("data corrupted: unknown case \"" + text + "\"");
+    failUnknownCase(text);
 }
 
 template<typename Value>
@@ -186,10 +190,6 @@ std::pair<const std::string&, const JSON&> enumerationCase(const JSON& json) {
     }
     const auto member = json.begin();
     return {member.key(), member.value()};
-}
-
-[[noreturn]] void failUnknownCase(const std::string& name) {
-    fail("data corrupted: unknown case \"" + name + "\"");
 }
 
 std::string payloadName(std::size_t index) {
