@@ -2,6 +2,7 @@
 #include "cli/InputText.h"
 #include "cli/Subcommands.h"
 #include "cli/UsageRefresh.h"
+#include "cli/UsageView.h"
 #include "model/UsageJSON.h"
 #include "model/UsageTexts.h"
 #include "platform/Preferences.h"
@@ -39,20 +40,6 @@ const char* nameOf(UsageHealth health) {
     return "";
 }
 
-TextStyle styleOf(UsageHealth health) {
-    switch (health) {
-    case UsageHealth::healthy:
-        return TextStyle::healthy;
-    case UsageHealth::attention:
-        return TextStyle::attention;
-    case UsageHealth::critical:
-        return TextStyle::critical;
-    case UsageHealth::unavailable:
-        return TextStyle::dim;
-    }
-    return TextStyle::plain;
-}
-
 AgentUsageSnapshot neverRead(const AgentProviderID& id) {
     AgentUsageSnapshot snapshot;
     snapshot.id = id;
@@ -61,12 +48,8 @@ AgentUsageSnapshot neverRead(const AgentProviderID& id) {
 
 /// The last good readings of the enabled agents, as files have them. Starts nothing.
 UsageState lastState(const Machine& machine) {
-    std::vector<AgentProviderID> registered;
-    for (const ProviderRegistration& registration : providerRegistry()) {
-        registered.push_back(registration.descriptor.id);
-    }
     const auto preferences = makePreferences(machine);
-    const AgentSettings settings(*preferences, registered);
+    const AgentSettings settings(*preferences, providerRegistry());
     const auto readings = LastSnapshots(machine.lastSnapshotsFile()).read();
     UsageState state;
     state.providerOrder = settings.order();

@@ -17,20 +17,6 @@ constexpr std::size_t widestLabel = 28;
 constexpr std::size_t widestBar = 24;
 constexpr std::size_t leastBar = 8;
 
-TextStyle styleOf(UsageHealth health) {
-    switch (health) {
-    case UsageHealth::healthy:
-        return TextStyle::healthy;
-    case UsageHealth::attention:
-        return TextStyle::attention;
-    case UsageHealth::critical:
-        return TextStyle::critical;
-    case UsageHealth::unavailable:
-        break;
-    }
-    return TextStyle::dim;
-}
-
 std::size_t barColumn(std::size_t label) {
     return indent + label + gap;
 }
@@ -47,6 +33,20 @@ std::string wayOutCommand(const AgentBlockContent& agent) {
 }
 
 } // namespace
+
+TextStyle styleOf(UsageHealth health) {
+    switch (health) {
+    case UsageHealth::healthy:
+        return TextStyle::healthy;
+    case UsageHealth::attention:
+        return TextStyle::attention;
+    case UsageHealth::critical:
+        return TextStyle::critical;
+    case UsageHealth::unavailable:
+        break;
+    }
+    return TextStyle::dim;
+}
 
 UsageView::UsageView(const TerminalOutput& output, const Localization& words)
     : output_(output), words_(words) {}

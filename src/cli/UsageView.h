@@ -10,6 +10,9 @@
 
 namespace vellmark {
 
+/// How something in that state looks.
+TextStyle styleOf(UsageHealth health);
+
 /// The agents with their windows as text, the same values as the desktop application shows: per
 /// agent a head line, then a line a window: its label, a bar of what is left with a mark where an
 /// even pace would be, what is left in figures, and the reset. Where a line is too narrow, the bar

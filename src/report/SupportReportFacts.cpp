@@ -30,12 +30,8 @@ std::vector<SupportReportInput::Agent> gatherAgents(const Machine& machine,
                                                     const Localization& words) {
     const auto readings = LastSnapshots(machine.lastSnapshotsFile()).read();
     const auto facts = gatherAgentFacts(machine);
-    std::vector<AgentProviderID> registered;
-    for (const AgentFacts& agent : facts) {
-        registered.push_back(agent.id);
-    }
     const auto preferences = makePreferences(machine);
-    const auto enabled = AgentSettings(*preferences, registered).enabled();
+    const auto enabled = AgentSettings(*preferences, providerRegistry()).enabled();
 
     std::vector<SupportReportInput::Agent> agents;
     for (const AgentFacts& agent : facts) {

@@ -18,8 +18,13 @@ std::vector<std::string> list(const Preferences& preferences, std::string_view k
 
 } // namespace
 
-AgentSettings::AgentSettings(Preferences& preferences, std::vector<AgentProviderID> registered)
-    : preferences_(preferences), registered_(std::move(registered)) {}
+AgentSettings::AgentSettings(Preferences& preferences,
+                             const std::vector<ProviderRegistration>& registrations)
+    : preferences_(preferences) {
+    for (const ProviderRegistration& registration : registrations) {
+        registered_.push_back(registration.descriptor.id);
+    }
+}
 
 bool AgentSettings::isRegistered(const AgentProviderID& id) const {
     return std::ranges::find(registered_, id) != registered_.end();

@@ -2,6 +2,7 @@
 
 #include "model/AgentProviderID.h"
 #include "platform/Preferences.h"
+#include "probes/ProviderRegistry.h"
 
 #include <set>
 #include <vector>
@@ -12,8 +13,8 @@ namespace vellmark {
 /// "ProviderOrder". Main thread.
 class AgentSettings {
 public:
-    /// `registered`: all agents, in the order that holds without a wish.
-    AgentSettings(Preferences& preferences, std::vector<AgentProviderID> registered);
+    /// `registrations`: all agents, in the order that holds without a wish.
+    AgentSettings(Preferences& preferences, const std::vector<ProviderRegistration>& registrations);
 
     bool isRegistered(const AgentProviderID& id) const;
 

@@ -92,22 +92,10 @@ struct AgentUsageStore::State {
     std::unique_ptr<RefreshRun> run; ///< destroyed first: it drops its tickets at the fetcher
 };
 
-namespace {
-
-std::vector<AgentProviderID> idsOf(const std::vector<ProviderRegistration>& registrations) {
-    std::vector<AgentProviderID> ids;
-    for (const ProviderRegistration& registration : registrations) {
-        ids.push_back(registration.descriptor.id);
-    }
-    return ids;
-}
-
-} // namespace
-
 AgentUsageStore::State::State(Configuration configuration, MainExecutor& mainExecutor,
                               Preferences& preferences)
     : config(std::move(configuration)), executor(mainExecutor),
-      settings(preferences, idsOf(config.registrations)),
+      settings(preferences, config.registrations),
       files(config.machine, mainExecutor, config.now(), words().timeZone(),
             {.historyChanged =
                  [this] {
