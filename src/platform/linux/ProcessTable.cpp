@@ -134,12 +134,4 @@ bool ProcessHandle::signal(int number) const {
     return ::pidfd_send_signal(identity_->descriptor.get(), number, nullptr, 0) == 0;
 }
 
-std::vector<ProcessHandle> directChildHandles(pid_t parent) {
-    std::vector<ProcessHandle> handles;
-    for (const pid_t child : directChildren(parent))
-        if (auto handle = ProcessHandle::openChild(child, parent))
-            handles.push_back(std::move(*handle));
-    return handles;
-}
-
 } // namespace vellmark

@@ -92,12 +92,4 @@ bool ProcessHandle::signal(int number) const {
     return isAlive() && ::kill(identity_->pid, number) == 0;
 }
 
-std::vector<ProcessHandle> directChildHandles(pid_t parent) {
-    std::vector<ProcessHandle> handles;
-    for (const pid_t child : directChildren(parent))
-        if (auto handle = ProcessHandle::openChild(child, parent))
-            handles.push_back(std::move(*handle));
-    return handles;
-}
-
 } // namespace vellmark
