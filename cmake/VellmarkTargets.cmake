@@ -1,12 +1,21 @@
 # One function for each kind of target, so that every folder is built and warned about alike.
 
-# Designated initializers name the fields that matter; the others have their defaults. g++ 12 takes
-# the library's own moving of strings for overlapping or overflowing copies when it optimises (its bugs
-# 105651 and 105329); clang looks for both. Some libraries
-# ask for -pthread and others do not; what shares precompiled headers must be compiled alike.
+# Designated initializers name the fields that matter; the others have their defaults. g++ complains
+# of these too and cannot tell them from forgotten ones; newer clangs have a warning for each.
+include(CheckCXXCompilerFlag)
+check_cxx_compiler_flag(-Wmissing-designated-field-initializers VELLMARK_TELLS_DESIGNATED_FIELDS)
+if(VELLMARK_TELLS_DESIGNATED_FIELDS)
+    set(designated_fields -Wno-missing-designated-field-initializers)
+elseif(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    set(designated_fields -Wno-missing-field-initializers)
+endif()
+
+# g++ 12 takes the library's own moving of strings for overlapping or overflowing copies when it
+# optimises (its bugs 105651 and 105329); clang looks for both. Some libraries ask for -pthread and
+# others do not; what shares precompiled headers must be compiled alike.
 add_library(vellmark_options INTERFACE)
 target_compile_options(vellmark_options INTERFACE
-    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wno-missing-field-initializers
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow ${designated_fields}
     $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict;-Wno-array-bounds;-Wno-stringop-overflow>
     $<$<BOOL:${VELLMARK_PRECOMPILED_HEADERS}>:-pthread>
     $<$<BOOL:${VELLMARK_WERROR}>:-Werror>)

@@ -144,9 +144,8 @@ private:
 
     void followWatcher() {
         watcherOwner_ = connection_->bus().addMatch(
-            std::string("type='signal',sender='org.freedesktop.DBus',"
-                        "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='") +
-                watcherName + "'",
+            "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
+            "member='NameOwnerChanged',arg0='org.kde.StatusNotifierWatcher'",
             [this](sdbus::Message& message) {
                 std::string name;
                 std::string before;
