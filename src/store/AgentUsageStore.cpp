@@ -2,6 +2,7 @@
 
 #include "store/ActivityLog.h"
 #include "store/ActivityTexts.h"
+#include "store/AgentReadings.h"
 #include "store/AgentSettings.h"
 #include "store/RefreshRun.h"
 #include "store/StateObservers.h"
@@ -20,29 +21,6 @@ constexpr Seconds windowRefreshPause{60};
 constexpr Seconds day{86'400};
 /// How far back a forecast looks for a recent pace.
 constexpr Seconds recentSpan{2 * 3600};
-
-/// What is shown of an agent whose reading failed: the last good figures, if there are any.
-AgentUsageSnapshot failedSnapshot(const AgentProviderID& id, const AgentUsageSnapshot* lastGood,
-                                  UsageProviderError error, Instant attemptedAt) {
-    AgentUsageSnapshot snapshot;
-    if (lastGood) {
-        snapshot = *lastGood;
-        snapshot.notes.clear();
-    }
-    snapshot.id = id;
-    snapshot.source = SnapshotSource::stale;
-    snapshot.updatedAt = attemptedAt;
-    snapshot.error = std::move(error);
-    return snapshot;
-}
-
-AgentUsageSnapshot loadingSnapshot(const AgentProviderID& id, Instant now) {
-    AgentUsageSnapshot snapshot;
-    snapshot.id = id;
-    snapshot.source = SnapshotSource::loading;
-    snapshot.updatedAt = now;
-    return snapshot;
-}
 
 } // namespace
 
@@ -79,9 +57,7 @@ struct AgentUsageStore::State {
     StateObservers observers;
     UsageState state;
     std::map<AgentProviderID, RefreshRun::Agent> agents;
-    /// What is shown of each agent, also of disabled ones.
-    std::map<AgentProviderID, AgentUsageSnapshot> shown;
-    std::map<AgentProviderID, AgentUsageSnapshot> lastGood;
+    AgentReadings readings;
     std::map<AgentProviderID, int> failedAttempts;
     std::set<AgentProviderID> readWell; ///< by the running refresh
     std::set<StoreFiles::File> failingFiles;
@@ -123,12 +99,8 @@ AgentUsageStore::State::State(Configuration configuration, MainExecutor& mainExe
 
 void AgentUsageStore::State::takeLastSnapshots() {
     for (AgentUsageSnapshot& snapshot : files.lastSnapshots()) {
-        const AgentProviderID id = snapshot.id;
-        state.lastSuccess[id] = snapshot.updatedAt;
-        snapshot.source = SnapshotSource::stale;
-        snapshot.notes.clear();
-        lastGood[id] = snapshot;
-        shown[id] = std::move(snapshot);
+        state.lastSuccess[snapshot.id] = snapshot.updatedAt;
+        readings.restore(std::move(snapshot));
     }
 }
 
@@ -209,8 +181,7 @@ void AgentUsageStore::State::begin(RefreshTrigger trigger,
     });
 }
 
-void AgentUsageStore::State::join(RefreshTrigger trigger,
-                                  const std::vector<AgentProviderID>& ids) {
+void AgentUsageStore::State::join(RefreshTrigger trigger, const std::vector<AgentProviderID>& ids) {
     if (trigger != RefreshTrigger::manual && trigger != RefreshTrigger::settings) {
         return;
     }
@@ -230,7 +201,7 @@ void AgentUsageStore::State::startReading(const std::vector<AgentProviderID>& id
     for (const AgentProviderID& id : ids) {
         readWell.erase(id); // by an earlier reading of this refresh
         run->start(agents.at(id));
-        shown.try_emplace(id, loadingSnapshot(id, now()));
+        readings.attempt(id, now());
     }
     state.isRefreshing = true;
     state.refreshProgress = run->progress();
@@ -263,10 +234,9 @@ void AgentUsageStore::State::takeReading(AgentUsageSnapshot snapshot, Seconds el
         noteReading(snapshot, elapsed);
         state.lastSuccess[id] = snapshot.updatedAt;
         state.refreshProgress = run->progress();
-        lastGood[id] = snapshot;
+        readings.succeed(std::move(snapshot));
         // Not at the refresh's end: the program may not live to see it.
-        files.save(lastGood, now());
-        shown[id] = std::move(snapshot);
+        files.save(readings.lastGood(), now());
         publishSnapshots();
         publishRecentPoints();
     });
@@ -277,20 +247,16 @@ void AgentUsageStore::State::noteReading(const AgentUsageSnapshot& snapshot, Sec
         note(ActivityTexts::agentRecovered(snapshot.id, failed.mapped(), words()));
     }
     note(ActivityTexts::agentRead(snapshot, elapsed, words()));
-    const auto before = lastGood.find(snapshot.id);
-    note(ActivityTexts::turnedCritical(before == lastGood.end() ? nullptr : &before->second,
-                                       snapshot, now(), words()));
+    note(ActivityTexts::turnedCritical(readings.lastGood(snapshot.id), snapshot, now(), words()));
     note(ActivityTexts::notes(snapshot, words()));
 }
 
 void AgentUsageStore::State::takeFailure(const AgentProviderID& id, UsageProviderError error) {
     ++failedAttempts[id];
-    const auto good = lastGood.find(id);
     observers.around([&] {
         note(ActivityTexts::agentFailed(id, error, words()));
         state.refreshProgress = run->progress();
-        shown[id] = failedSnapshot(id, good == lastGood.end() ? nullptr : &good->second,
-                                   std::move(error), now());
+        readings.fail(id, std::move(error), now());
         publishSnapshots();
     });
 }
@@ -310,13 +276,7 @@ void AgentUsageStore::State::finishIfDone() {
 }
 
 void AgentUsageStore::State::publishSnapshots() {
-    state.snapshots.clear();
-    for (const AgentProviderID& id : state.providerOrder) {
-        const auto known = shown.find(id);
-        if (known != shown.end() && state.enabledProviderIDs.contains(id)) {
-            state.snapshots.push_back(known->second);
-        }
-    }
+    state.snapshots = readings.shown(state.providerOrder, state.enabledProviderIDs);
 }
 
 void AgentUsageStore::State::publishRecentPoints() {
@@ -369,9 +329,7 @@ void AgentUsageStore::abortRefresh() {
         d_->note(ActivityTexts::refreshAborted(d_->words()));
         d_->run.reset();
         d_->state.isRefreshing = false;
-        std::erase_if(d_->shown, [](const auto& entry) {
-            return entry.second.source == SnapshotSource::loading;
-        });
+        d_->readings.abandonAll();
         d_->publishSnapshots();
     });
 }
@@ -402,10 +360,7 @@ void AgentUsageStore::setEnabled(const AgentProviderID& id, bool enabled) {
                 d_->run->drop(id);
                 d_->state.refreshProgress = d_->run->progress();
             }
-            if (const auto known = d_->shown.find(id);
-                known != d_->shown.end() && known->second.source == SnapshotSource::loading) {
-                d_->shown.erase(known);
-            }
+            d_->readings.abandon(id);
         }
         d_->publishSnapshots();
     });
