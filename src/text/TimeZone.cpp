@@ -129,7 +129,7 @@ TimeZone TimeZoneRules::timeZone(std::unique_ptr<icu::TimeZone> zone) {
     if (basic == nullptr) {
         return TimeZone::utc();
     }
-    zone.release();
+    static_cast<void>(zone.release()); // it is `basic`
     return TimeZone(std::make_shared<const TimeZoneRules>(
         std::unique_ptr<icu::BasicTimeZone>(basic), std::move(identifier)));
 }
