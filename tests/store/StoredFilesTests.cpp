@@ -117,6 +117,18 @@ TEST_F(StoredFiles, nobodyElseMayReadThem) {
     }
 }
 
+TEST_F(StoredFiles, aLinkToAnotherDiskStaysOne) {
+    const std::filesystem::path elsewhere = directory.write("elsewhere.json", "[]");
+    std::filesystem::create_directories(machine.supportDirectory());
+    std::filesystem::create_symlink(elsewhere, machine.lastSnapshotsFile());
+    makeStore();
+    store->refresh(RefreshTrigger::launch);
+    ASSERT_TRUE(finishRefresh());
+    store->flush();
+    EXPECT_TRUE(std::filesystem::is_symlink(machine.lastSnapshotsFile()));
+    EXPECT_GT(std::filesystem::file_size(elsewhere), 2u);
+}
+
 TEST_F(StoredFiles, aDirectoryThatCannotBeWrittenCostsOneEntryAndNoFigures) {
     directory.write("Vellmark", "a file where the folder should be");
     makeStore();
