@@ -21,7 +21,7 @@ namespace vellmark::kit {
 namespace {
 
 constexpr TextStyle textStyle = style::small;
-constexpr int widestText = 420;
+constexpr int widestText = 480;
 constexpr int sidePadding = 10;
 constexpr int verticalPadding = 6;
 /// Around the ground, where the outline runs.
