@@ -57,7 +57,10 @@ void Sidebar::setItems(const std::vector<SidebarItem>& items) {
             line.section->setWords(qString(items[index].title));
         } else {
             line.entry->setLook(entryLook(items[index]));
-            line.entry->setAccessibleDescription(qString(items[index].accessibilityText));
+            // What the name says already is not said twice.
+            const bool saysMore = items[index].accessibilityText != items[index].title;
+            line.entry->setAccessibleDescription(saysMore ? qString(items[index].accessibilityText)
+                                                          : QString());
         }
     }
     setSelection(selection_);
