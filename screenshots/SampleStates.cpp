@@ -156,7 +156,14 @@ UsageState longTexts() {
     UsageWindow preview{"Experimental Preview Models · monatlich", 0, std::nullopt, std::nullopt};
     snapshot.windows = {preview,
                         window("pool:Claude and GPT Models|5h", 24, sessionMinutes, 102 * minute)};
-    return stateOf({codex(), snapshot});
+    std::string reason = "Antwort des Programms:";
+    for (int repetition = 0; repetition < 12; ++repetition) {
+        reason += " unerwartete Ausgabe in Zeile " + std::to_string(40 + repetition) + ",";
+    }
+    return stateOf(
+        {codex(), snapshot,
+         failure(AgentProviderID("wordy"), UsageProviderError::other(reason + " Ende.")),
+         failure(AgentProviderID("unbroken"), UsageProviderError::other(std::string(300, 'x')))});
 }
 
 UsageState manyAgents() {

@@ -26,7 +26,7 @@ UsageState failed();
 UsageState noAgents();
 /// One agent with balances and credits.
 UsageState balances();
-/// Long names of plans and windows.
+/// Long names of plans and windows, long reasons of failures.
 UsageState longTexts();
 /// More agents and windows than fit.
 UsageState manyAgents();
