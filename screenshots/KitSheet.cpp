@@ -27,7 +27,7 @@ namespace {
 
 constexpr int margin = 32;
 constexpr int columns = 8;
-constexpr int controlsTop = 500;
+constexpr int controlsTop = 470;
 
 struct NamedColor {
     const char* name;
@@ -277,7 +277,7 @@ void addEntries(QWidget* parent, int top) {
 } // namespace
 
 KitSheet::KitSheet(QWidget* parent) : QWidget(parent) {
-    resize(640, 1760);
+    resize(640, 1800);
     addControls();
 }
 
@@ -297,21 +297,30 @@ void KitSheet::drawHeading(QPainter& painter, int top, const QString& words) con
     kit::drawText(painter, QRectF(margin, top, 500, 28), Qt::AlignLeft, words, kit::style::title);
 }
 
-int KitSheet::drawColors(QPainter& painter, int top) const {
+void KitSheet::drawColors(QPainter& painter, int top) const {
+    constexpr int colorsInRow = 7;
     int index = 0;
-    for (const NamedColor& named : namedColors) {
-        const QRectF box(margin + index % columns * 73, top + index / columns * 72, 65, 36);
+    const auto draw = [&](const std::string& name, const QColor& shown) {
+        const QRectF box(margin + index % colorsInRow * 82, top + index / colorsInRow * 72, 74, 36);
         painter.setPen(kit::color(ColorRole::line));
-        painter.setBrush(kit::color(named.role));
+        painter.setBrush(shown);
         painter.drawRoundedRect(box.adjusted(.5, .5, -.5, -.5), 6, 6);
         painter.setPen(kit::color(ColorRole::ink2));
         kit::drawText(painter, QRectF(box.left(), box.bottom() + 4, 80, 12), Qt::AlignLeft,
-                      QString::fromUtf8(named.name), kit::style::axis);
+                      QString::fromStdString(name), kit::style::axis);
         kit::drawText(painter, QRectF(box.left(), box.bottom() + 16, 80, 12), Qt::AlignLeft,
-                      kit::color(named.role).name().toUpper(), kit::style::axis);
+                      shown.name().toUpper(), kit::style::axis);
         ++index;
+    };
+    for (const NamedColor& named : namedColors) {
+        draw(named.name, kit::color(named.role));
     }
-    return top + (index + columns - 1) / columns * 72;
+    const bool isDark = kit::Theme::current().isDark();
+    for (const AgentProviderID& agent :
+         {AgentProviderID::codex(), AgentProviderID::claude(), AgentProviderID::antigravity()}) {
+        const kit::LogoLook& logo = providerLogo(agent);
+        draw(agent.rawValue, isDark ? logo.accentDark : logo.accentLight);
+    }
 }
 
 int KitSheet::drawType(QPainter& painter, int top) const {
@@ -355,8 +364,8 @@ void KitSheet::paintEvent(QPaintEvent* /*event*/) {
     drawHeading(painter, 28, QStringLiteral("Colours"));
     drawColors(painter, 68);
     drawHeading(painter, controlsTop - 12, QStringLiteral("Controls"));
-    drawHeading(painter, 1270, QStringLiteral("Type and icons"));
-    drawIcons(painter, drawType(painter, 1310) + 16);
+    drawHeading(painter, 1300, QStringLiteral("Type and icons"));
+    drawIcons(painter, drawType(painter, 1340) + 16);
 }
 
 } // namespace vellmark

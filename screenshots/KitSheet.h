@@ -15,7 +15,7 @@ protected:
 
 private:
     void addControls();
-    int drawColors(QPainter& painter, int top) const;
+    void drawColors(QPainter& painter, int top) const;
     int drawType(QPainter& painter, int top) const;
     void drawIcons(QPainter& painter, int top) const;
     void drawHeading(QPainter& painter, int top, const QString& words) const;
