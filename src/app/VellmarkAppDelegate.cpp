@@ -83,11 +83,7 @@ VellmarkAppDelegate::VellmarkAppDelegate(LaunchOptions options, Machine machine)
                     .title = [this] { return qText(words().text("about.title")); },
                     .onVisibilityChange = {}},
                    windowPresence_, *preferences_) {
-    navigation_.onChange = [this] {
-        mainMenu_.validate();
-        if (mainWindowView_)
-            mainWindowView_->showSelection();
-    };
+    navigation_.onChange = [this] { mainMenu_.validate(); };
 }
 
 VellmarkAppDelegate::~VellmarkAppDelegate() {
@@ -325,14 +321,19 @@ void VellmarkAppDelegate::closePopover() {
 
 void VellmarkAppDelegate::showMainWindow() {
     closePopover();
+    const bool isNew = !mainWindowView_;
     mainWindow_.show();
     store_->refresh(RefreshTrigger::window);
     updateMainWindow();
+    if (isNew)
+        mainWindowView_->showSelection();
 }
 
 void VellmarkAppDelegate::showPage(AgentPage page) {
     navigation_.select(std::move(page));
     showMainWindow();
+    // Also where it is selected already, and once the window has the agents' cards.
+    mainWindowView_->showSelection();
 }
 
 void VellmarkAppDelegate::showAbout() {

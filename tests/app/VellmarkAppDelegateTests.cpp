@@ -1,9 +1,13 @@
 #include "app/VellmarkAppDelegate.h"
 #include "probes/RunningChildren.h"
 #include "support/AgentSandbox.h"
+#include "ui/kit/SidebarEntry.h"
+#include "ui/popover/AgentBlock.h"
 #include "ui/popover/Popover.h"
 #include "ui/window/AgentMainWindowView.h"
+#include "ui/window/AgentSummaryCard.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
@@ -64,6 +68,14 @@ protected:
         return nullptr;
     }
 
+    static QString selectedEntry(const QWidget& window) {
+        for (const auto* button : window.findChildren<QAbstractButton*>()) {
+            if (dynamic_cast<const kit::SidebarEntry*>(button) && button->isChecked())
+                return button->text();
+        }
+        return {};
+    }
+
     /// What the status item says.
     static QString toolTip() {
         for (const QWidget* window : QApplication::topLevelWidgets()) {
@@ -105,6 +117,29 @@ TEST_F(VellmarkAppDelegateTest, OpensAndClosesThePopoverAgainAndAgain) {
         })) << opening;
         delegate_->togglePopover();
         EXPECT_FALSE(visible<Popover>());
+    }
+}
+
+TEST_F(VellmarkAppDelegateTest, LeadsFromAnAgentInThePopoverToItsCard) {
+    launch();
+    ASSERT_TRUE(eventually([] { return toolTip().contains("93% used"); }));
+    for (const char* agent : {"Claude", "Antigravity", "Antigravity"}) {
+        ASSERT_TRUE(eventually([&] {
+            delegate_->togglePopover();
+            return visible<Popover>() != nullptr;
+        }));
+        for (auto* button : visible<Popover>()->findChildren<QAbstractButton*>()) {
+            if (dynamic_cast<AgentBlock*>(button) && button->text() == agent)
+                button->click();
+        }
+        EXPECT_FALSE(visible<Popover>());
+        auto* window = visible<AgentMainWindowView>();
+        ASSERT_TRUE(window);
+        EXPECT_EQ(selectedEntry(*window), agent);
+        const auto* card = dynamic_cast<AgentSummaryCard*>(window->focusWidget());
+        ASSERT_TRUE(card) << agent;
+        EXPECT_EQ(card->text(), agent);
+        window->close();
     }
 }
 
