@@ -1,6 +1,7 @@
 #include "app/StatusItem.h"
 
 #include "app/linux/EdgeStrip.h"
+#include "app/linux/TrayWatch.h"
 #include "platform/linux/StatusNotifierItem.h"
 #include "ui/GlyphPainter.h"
 
@@ -58,7 +59,7 @@ public:
                     hostChanged(false);
             });
         else
-            isHosted_ = false;
+            hostChanged(false);
     }
 
     void show(const StatusItemContent& content) override {
@@ -66,8 +67,6 @@ public:
             !shown_ || content.glyph != shown_->glyph || content.color != shown_->color;
         const bool saysDifferent = !shown_ || content.toolTip != shown_->toolTip;
         shown_ = content;
-        if (isHosted_ == false && !tray_)
-            useFallback();
         if (looksDifferent)
             drawIcon();
         if (saysDifferent)
@@ -180,14 +179,22 @@ private:
         }
     }
 
-    /// Asked again with every change, because a tray may come later.
     void useFallback() {
-        if (QSystemTrayIcon::isSystemTrayAvailable()) {
+        const bool isTrayThere = QSystemTrayIcon::isSystemTrayAvailable();
+        if (isTrayThere && !tray_) {
             strip_.reset();
             makeTray();
-        } else if (!strip_) {
+        } else if (!isTrayThere && !strip_) {
+            tray_.reset();
+            isTrayDark_.reset();
             makeStrip();
         }
+    }
+
+    /// A tray may come and go at any time.
+    void trayMayHaveChanged() {
+        if (isHosted_ == false)
+            useFallback();
     }
 
     void makeTray() {
@@ -230,6 +237,7 @@ private:
     std::unique_ptr<StatusNotifierItem> notifier_;
     std::unique_ptr<QSystemTrayIcon> tray_;
     std::unique_ptr<EdgeStrip> strip_;
+    TrayWatch trayWatch_{[this] { trayMayHaveChanged(); }};
 };
 
 } // namespace
