@@ -83,21 +83,23 @@ QImage drawWhole(QWidget& window, double scale) {
     return image;
 }
 
-QImage drawWindow(const UsageState& state, QSize size, const std::string& language, double scale) {
+QImage drawWindow(const UsageState& state, QSize size, bool asksForSetup,
+                  const std::string& language, double scale) {
     AgentNavigationState navigation;
     AgentMainWindowView view(noActions(), navigation);
     const Localization words = samples::words(language);
     view.setContent(sidebarItems(state, samples::now(), words),
-                    overviewContent(state, samples::now(), words));
+                    overviewContent(state, samples::now(), words, asksForSetup));
     view.resize(size);
     view.showSelection();
     return drawWhole(view, scale);
 }
 
 Scene windowScene(std::string name, UsageState (*state)(),
-                  QSize size = AgentMainWindowView::firstSize) {
-    return {"window-" + std::move(name), [state, size](const std::string& language, double scale) {
-                return drawWindow(state(), size, language, scale);
+                  QSize size = AgentMainWindowView::firstSize, bool asksForSetup = false) {
+    return {"window-" + std::move(name),
+            [state, size, asksForSetup](const std::string& language, double scale) {
+                return drawWindow(state(), size, asksForSetup, language, scale);
             }};
 }
 
@@ -141,6 +143,7 @@ std::vector<Scene> allScenes() {
         windowScene("loading", samples::loading),
         windowScene("stale", samples::stale),
         windowScene("failed", samples::failed),
+        windowScene("first-run", samples::failed, AgentMainWindowView::firstSize, true),
         windowScene("no-agents", samples::noAgents),
         windowScene("long-texts", samples::longTexts),
         windowScene("many-agents", samples::manyAgents),

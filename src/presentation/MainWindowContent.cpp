@@ -117,9 +117,9 @@ OverviewContent overviewContent(const UsageState& state, Instant now, const Loca
     content.refresh = {words.text(state.isRefreshing ? "header.refreshing" : "header.refresh"),
                        "arrow.clockwise", ""};
     content.refreshTitles = {words.text("header.refresh"), words.text("header.refreshing")};
-    content.verdict = asksForSetup ? VerdictContent{.tone = UsageHealth::unavailable,
-                                                    .text = words.text("overview.firstRun")}
-                                   : verdict(state, now, words);
+    content.verdict = verdict(state, now, words);
+    if (asksForSetup)
+        content.setupHint = words.text("overview.firstRun");
     content.loadingText = words.text("overview.loadingQuotas");
     for (const AgentUsageSnapshot& snapshot : state.snapshots)
         content.cards.push_back(agentBlockContent(snapshot, state, now, words));

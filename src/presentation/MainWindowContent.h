@@ -47,6 +47,8 @@ struct OverviewContent {
     std::vector<std::string> refreshTitles;
     bool isRefreshing = false;
     VerdictContent verdict;
+    /// That something is left to install or to log in to; empty when nothing is.
+    std::string setupHint;
     std::vector<AgentBlockContent> cards;
     /// In a card, while its agent's first values are read.
     std::string loadingText;
@@ -55,7 +57,7 @@ struct OverviewContent {
     bool operator==(const OverviewContent&) const = default;
 };
 
-/// `asksForSetup` puts in the verdict's place that something is left to install or to log in to.
+/// `asksForSetup` adds the hint about what is left to set up.
 OverviewContent overviewContent(const UsageState& state, Instant now, const Localization& words,
                                 bool asksForSetup = false);
 

@@ -3,6 +3,7 @@
 #include "ui/kit/FocusRing.h"
 #include "ui/kit/SidebarEntry.h"
 #include "ui/window/AgentMainWindowView.h"
+#include "ui/window/AgentSummaryCard.h"
 
 #include <QLabel>
 #include <gmock/gmock.h>
@@ -19,10 +20,10 @@ using testing::waitUntil;
 
 class MainWindow : public ::testing::Test {
 protected:
-    void show(const UsageState& state) {
+    void show(const UsageState& state, bool asksForSetup = false) {
         const Localization words = samples::words("en");
         view.setContent(sidebarItems(state, samples::now(), words),
-                        overviewContent(state, samples::now(), words));
+                        overviewContent(state, samples::now(), words, asksForSetup));
         view.show();
         view.showSelection();
     }
@@ -50,6 +51,15 @@ protected:
             }
         }
         return false;
+    }
+
+    int firstCardTop() {
+        for (const QWidget* stop : tabStops(view)) {
+            if (dynamic_cast<const AgentSummaryCard*>(stop) != nullptr) {
+                return stop->mapTo(&view, QPoint(0, 0)).y();
+            }
+        }
+        return 0;
     }
 
     RecordedActions recorded;
@@ -112,6 +122,18 @@ TEST_F(MainWindow, ShowsTheFocusRingOfEveryControlWhole) {
         EXPECT_TRUE(ring->parentWidget()->rect().contains(ring->geometry()))
             << stop->accessibleName().toStdString();
     }
+}
+
+TEST_F(MainWindow, KeepsTheVerdictBesideTheHintAboutTheSetup) {
+    const OverviewContent asking =
+        overviewContent(samples::normal(), samples::now(), samples::words("en"), true);
+    show(samples::normal(), true);
+    EXPECT_TRUE(says(QString::fromStdString(asking.verdict.text)));
+    EXPECT_TRUE(says(QString::fromStdString(asking.setupHint)));
+    const int withHint = firstCardTop();
+    show(samples::normal());
+    EXPECT_FALSE(says(QString::fromStdString(asking.setupHint)));
+    EXPECT_LT(firstCardTop(), withHint);
 }
 
 TEST_F(MainWindow, LeadsToAgentsAndOutOfFailures) {

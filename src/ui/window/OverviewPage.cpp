@@ -42,7 +42,8 @@ kit::Notice::Look verdictLook(const VerdictContent& verdict, bool isEverythingRe
 OverviewPage::OverviewPage(const AgentUIActions& actions, QWidget* parent)
     : QWidget(parent), actions_(actions), head_(new PageHead(this)),
       scroller_(new kit::ScrollArea(this)), column_(new QWidget),
-      verdict_(new kit::Notice(column_)), noAgents_(new NoAgentsHint(column_)) {
+      verdict_(new kit::Notice(column_)), setupHint_(new kit::Notice(column_)),
+      noAgents_(new NoAgentsHint(column_)) {
     scroller_->setWidget(column_);
     column_->setAutoFillBackground(false);
     noAgents_->onOpenSettings = [this] { actions_.openSettings(); };
@@ -59,6 +60,8 @@ void OverviewPage::setContent(const OverviewContent& content) {
                      [](const AgentBlockContent& card) { return card.failure.has_value(); });
     verdict_->setLook(verdictLook(content.verdict, isEverythingRead));
     verdict_->setVisible(!content.noAgents);
+    setupHint_->setLook({.iconName = "info.circle", .words = qString(content.setupHint)});
+    setupHint_->setVisible(!content.setupHint.empty());
     if (content.noAgents) {
         noAgents_->setContent(*content.noAgents);
     }
@@ -101,9 +104,12 @@ void OverviewPage::arrange() {
     scroller_->setGeometry(0, PageHead::headHeight, width(),
                            std::max(height() - PageHead::headHeight, 0));
     int top = 0;
-    if (verdict_->isVisibleTo(column_)) {
-        const int height = verdict_->heightForWidth(wide);
-        verdict_->setGeometry(margin, 0, wide, height);
+    for (kit::Notice* notice : {verdict_, setupHint_}) {
+        if (!notice->isVisibleTo(column_)) {
+            continue;
+        }
+        const int height = notice->heightForWidth(wide);
+        notice->setGeometry(margin, top, wide, height);
         top += height + gap;
     }
     for (AgentSummaryCard* card : cards_) {
