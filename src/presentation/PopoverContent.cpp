@@ -1,7 +1,6 @@
 #include "presentation/PopoverContent.h"
 
 #include "model/UsageTexts.h"
-#include "presentation/UsageVerdict.h"
 
 #include <algorithm>
 
@@ -47,7 +46,7 @@ PopoverContent popoverContent(const UsageState& state, std::string_view storedTa
                               const Localization& words) {
     PopoverContent content;
     content.title = words.text("app.name");
-    content.statusLine = statusLineText(state, now, words);
+    content.statusLine = statusLine(state, now, words);
     content.isRefreshing = state.isRefreshing;
     content.refresh = {"", "arrow.clockwise", words.text("popover.refresh.help")};
     content.openWindow = {words.text("popover.openWindow"), "macwindow", ""};

@@ -2,6 +2,7 @@
 
 #include "presentation/AgentBlockContent.h"
 #include "presentation/PopoverTab.h"
+#include "presentation/UsageVerdict.h"
 
 #include <optional>
 #include <string>
@@ -39,7 +40,7 @@ NoAgentsContent noAgentsContent(const Localization& words);
 /// Everything that the popover shows, as words and numbers.
 struct PopoverContent {
     std::string title;
-    std::string statusLine;
+    StatusLine statusLine;
     bool isRefreshing = false;
     ControlContent refresh;
     /// Empty when no agent is enabled: then there is no tab strip either.

@@ -4,6 +4,7 @@
 #include "text/Formatting.h"
 
 #include <algorithm>
+#include <set>
 #include <vector>
 
 namespace vellmark {
@@ -15,20 +16,33 @@ bool isLoading(const AgentUsageSnapshot& snapshot) {
     return snapshot.source == SnapshotSource::loading && !snapshot.error;
 }
 
+/// Agents of which the same is to be said.
+struct Phrase {
+    /// A text with an agent's name; `key`.several is one with two numbers.
+    std::string_view key;
+    Agents agents;
+};
+
 /// One agent by its name, several by their number: the line stays short however many there are.
-/// `key` is a text with the name, `key`.several one with two numbers.
-void addPhrase(std::string& text, std::string_view key, const Agents& agents, std::size_t all,
-               const Localization& words) {
-    if (agents.empty())
-        return;
-    if (!text.empty())
-        text += ", ";
-    if (agents.size() == 1)
-        text += words.format(key, {agentShortName(agents.front(), words)});
-    else
-        text +=
-            words.format(std::string(key) + ".several", {static_cast<std::int64_t>(agents.size()),
-                                                         static_cast<std::int64_t>(all)});
+std::string phraseText(const Phrase& phrase, std::size_t all, const Localization& words) {
+    if (phrase.agents.size() == 1)
+        return words.format(phrase.key, {agentShortName(phrase.agents.front(), words)});
+    return words.format(
+        std::string(phrase.key) + ".several",
+        {static_cast<std::int64_t>(phrase.agents.size()), static_cast<std::int64_t>(all)});
+}
+
+/// The first phrase, and how many more agents the others are about.
+std::string briefVerdictText(const std::vector<Phrase>& phrases, std::size_t all,
+                             const Localization& words) {
+    std::set<AgentProviderID> concerned;
+    for (const Phrase& phrase : phrases)
+        concerned.insert(phrase.agents.begin(), phrase.agents.end());
+    const std::size_t others = concerned.size() - phrases.front().agents.size();
+    std::string text = phraseText(phrases.front(), all, words);
+    return others == 0 ? text
+                       : words.format("popover.status.andOthers",
+                                      {std::move(text), static_cast<std::int64_t>(others)});
 }
 
 bool everythingLasts(const UsageState& state, Instant now) {
@@ -45,14 +59,13 @@ bool everythingLasts(const UsageState& state, Instant now) {
         });
 }
 
-} // namespace
-
-std::string verdictText(const UsageState& state, Instant now, const Localization& words) {
+StatusLine verdict(const UsageState& state, Instant now, const Localization& words) {
+    const auto same = [](const std::string& text) { return StatusLine{text, text}; };
     if (state.snapshots.empty())
-        return words.text("popover.status.noAgents");
-    Agents critical;
-    Agents attention;
-    Agents unreadable;
+        return same(words.text("popover.status.noAgents"));
+    Phrase critical{"popover.status.critical", {}};
+    Phrase attention{"popover.status.attention", {}};
+    Phrase unreadable{"popover.status.unreadable", {}};
     std::size_t known = 0;
     for (const AgentUsageSnapshot& snapshot : state.snapshots) {
         if (isLoading(snapshot))
@@ -60,41 +73,52 @@ std::string verdictText(const UsageState& state, Instant now, const Localization
         ++known;
         const UsageHealth grade = health(snapshot, now);
         if (grade == UsageHealth::critical)
-            critical.push_back(snapshot.id);
+            critical.agents.push_back(snapshot.id);
         else if (grade == UsageHealth::attention)
-            attention.push_back(snapshot.id);
+            attention.agents.push_back(snapshot.id);
         if (snapshot.error || grade == UsageHealth::unavailable)
-            unreadable.push_back(snapshot.id);
+            unreadable.agents.push_back(snapshot.id);
     }
     if (known == 0)
-        return words.text("popover.status.notRead");
+        return same(words.text("popover.status.notRead"));
 
-    std::string text;
+    std::vector<Phrase> phrases{critical, attention, unreadable};
+    std::erase_if(phrases, [](const Phrase& phrase) { return phrase.agents.empty(); });
+    if (phrases.empty())
+        return same(words.text(everythingLasts(state, now) ? "popover.status.lasts"
+                                                           : "popover.status.healthy"));
     const std::size_t all = state.snapshots.size();
-    addPhrase(text, "popover.status.critical", critical, all, words);
-    addPhrase(text, "popover.status.attention", attention, all, words);
-    addPhrase(text, "popover.status.unreadable", unreadable, all, words);
-    if (!text.empty())
-        return text;
-    return words.text(everythingLasts(state, now) ? "popover.status.lasts"
-                                                  : "popover.status.healthy");
+    std::string text;
+    for (const Phrase& phrase : phrases)
+        text += (text.empty() ? "" : ", ") + phraseText(phrase, all, words);
+    return {text, briefVerdictText(phrases, all, words)};
 }
 
-std::string statusLineText(const UsageState& state, Instant now, const Localization& words) {
+} // namespace
+
+std::string verdictText(const UsageState& state, Instant now, const Localization& words) {
+    return verdict(state, now, words).text;
+}
+
+StatusLine statusLine(const UsageState& state, Instant now, const Localization& words) {
     const auto loading = std::count_if(state.snapshots.begin(), state.snapshots.end(), isLoading);
     if (loading > 0 && state.isRefreshing) {
         const auto all = static_cast<std::int64_t>(state.snapshots.size());
-        return words.format("popover.status.progress", {all - loading, all});
+        const std::string text = words.format("popover.status.progress", {all - loading, all});
+        return {text, text};
     }
-    std::string text = verdictText(state, now, words);
+    const StatusLine line = verdict(state, now, words);
     if (state.snapshots.empty() || !state.lastRefreshCompletedAt)
-        return text;
+        return line;
     const Instant readAt = *state.lastRefreshCompletedAt;
     const std::string time = timeText(readAt, words);
     const std::string moment = instantText(readAt, now, words);
     const bool isToday = moment == time;
-    return words.format(isToday ? "popover.status.readAt" : "popover.status.readOn",
-                        {std::move(text), isToday ? time : moment});
+    const auto withTime = [&](const std::string& text) {
+        return words.format(isToday ? "popover.status.readAt" : "popover.status.readOn",
+                            {text, isToday ? time : moment});
+    };
+    return {withTime(line.text), withTime(line.briefText)};
 }
 
 std::string overallStatusText(const UsageState& state, Instant now, const Localization& words) {

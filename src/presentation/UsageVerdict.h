@@ -11,8 +11,16 @@ namespace vellmark {
 /// lasts. Without agents or before the first reading it says so.
 std::string verdictText(const UsageState& state, Instant now, const Localization& words);
 
-/// The verdict and when it was read, or how many agents have been read so far.
-std::string statusLineText(const UsageState& state, Instant now, const Localization& words);
+/// A line that has to fit, and what to say where it does not.
+struct StatusLine {
+    std::string text;
+    std::string briefText;
+    bool operator==(const StatusLine&) const = default;
+};
+
+/// The verdict and when it was read, or how many agents have been read so far. In brief only the
+/// worst of the verdict is named, the other agents concerned are counted; the time stays.
+StatusLine statusLine(const UsageState& state, Instant now, const Localization& words);
 
 /// The overall status in one sentence, with the agents concerned, as the tooltip and the log use
 /// it.

@@ -61,28 +61,42 @@ TEST(PopoverContent, HasATabForEachAgentWithABadgeForWhatPresses) {
 }
 
 TEST(PopoverContent, SaysWhatIsWorstAndWhenItWasRead) {
-    EXPECT_EQ(contentOf(threeAgents()).statusLine,
+    EXPECT_EQ(contentOf(threeAgents()).statusLine.text,
               "Antigravity critical, Claude running low · read at 1:46 PM");
-    EXPECT_EQ(contentOf(threeAgents(), "overview", german).statusLine,
+    EXPECT_EQ(contentOf(threeAgents(), "overview", german).statusLine.text,
               "Antigravity kritisch, Claude wird knapp · gelesen um 13:46");
 
     const UsageWindow fine = window("session", 22, fiveHours, 87);
-    EXPECT_EQ(contentOf(stateOf({live(codex, {fine})})).statusLine,
+    EXPECT_EQ(contentOf(stateOf({live(codex, {fine})})).statusLine.text,
               "Everything lasts until its reset · read at 1:46 PM");
     // A little short of the reset is no cause for alarm, but no promise either.
     const UsageWindow tight = window("session", 73, fiveHours, 87);
-    EXPECT_EQ(contentOf(stateOf({live(codex, {tight})})).statusLine,
+    EXPECT_EQ(contentOf(stateOf({live(codex, {tight})})).statusLine.text,
               "Everything healthy · read at 1:46 PM");
 
     const auto missing = UsageProviderError::executableMissing("codex");
     EXPECT_EQ(contentOf(stateOf({failed(codex, missing), failed(claude, missing),
                                  live(antigravity, {fine})}))
-                  .statusLine,
+                  .statusLine.text,
               "2 of 3 agents unreadable · read at 1:46 PM");
 
     UsageState old = threeAgents();
     old.lastRefreshCompletedAt = noon - Seconds(2 * 86400);
-    EXPECT_THAT(contentOf(old).statusLine, testing::HasSubstr("· read Tue"));
+    EXPECT_THAT(contentOf(old).statusLine.text, testing::HasSubstr("· read Tue"));
+}
+
+TEST(PopoverContent, NamesOnlyTheWorstInBriefAndKeepsTheTime) {
+    const PopoverContent two = contentOf(threeAgents(), "overview", german);
+    EXPECT_EQ(two.statusLine.briefText, "Antigravity kritisch (+1) · gelesen um 13:46");
+
+    UsageState state = threeAgents();
+    // Stale, and still running low: one agent, counted once.
+    state.snapshots[1].error = UsageProviderError::timeout("Claude");
+    state.snapshots[0].error = UsageProviderError::executableMissing("codex");
+    EXPECT_EQ(contentOf(state).statusLine.briefText, "Antigravity critical (+2) · read at 1:46 PM");
+
+    const UsageState fine = stateOf({live(codex, {window("session", 22, fiveHours, 87)})});
+    EXPECT_EQ(contentOf(fine).statusLine.briefText, contentOf(fine).statusLine.text);
 }
 
 TEST(PopoverContent, CountsTheAgentsOfTheFirstReading) {
@@ -93,7 +107,7 @@ TEST(PopoverContent, CountsTheAgentsOfTheFirstReading) {
     state.lastRefreshCompletedAt.reset();
     state.lastSuccess.clear();
     const PopoverContent content = contentOf(state);
-    EXPECT_EQ(content.statusLine, "0 of 2 agents read …");
+    EXPECT_EQ(content.statusLine.text, "0 of 2 agents read …");
     const AgentBlockContent& block = content.agents.front();
     EXPECT_EQ(block.state, State::loading);
     EXPECT_EQ(block.statusText, "Reading values …");
@@ -107,7 +121,7 @@ TEST(PopoverContent, ShowsTheHintWithoutAgents) {
     EXPECT_TRUE(content.tabs.empty());
     ASSERT_TRUE(content.noAgents);
     EXPECT_EQ(content.noAgents->icon, "eye.slash");
-    EXPECT_EQ(content.statusLine, "No agent enabled");
+    EXPECT_EQ(content.statusLine.text, "No agent enabled");
     EXPECT_FALSE(contentOf(threeAgents()).noAgents);
 }
 
@@ -168,8 +182,7 @@ TEST(AgentBlock, KeepsStaleFiguresWithTheirAgeAndTheReason) {
     ASSERT_TRUE(block.failure);
     EXPECT_EQ(block.failure->reason, "Codex did not answer in time.");
     EXPECT_EQ(block.sourceText, "Read 34 min ago through the Codex CLI");
-    EXPECT_EQ(contentOf(state, "overview", german).agents.front().statusText,
-              "Stand vor 34 Min.");
+    EXPECT_EQ(contentOf(state, "overview", german).agents.front().statusText, "Stand vor 34 Min.");
 }
 
 TEST(AgentBlock, OffersTheWayOutOfAFailure) {

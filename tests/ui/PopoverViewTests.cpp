@@ -1,12 +1,15 @@
 #include "screenshots/SampleStates.h"
 #include "ui/QtEnvironment.h"
 #include "ui/kit/HealthDot.h"
+#include "ui/kit/Label.h"
 #include "ui/kit/Motion.h"
 #include "ui/popover/AgentBlock.h"
 #include "ui/popover/AgentUsagePopoverView.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
+#include <QApplication>
+#include <QLabel>
 #include <QMouseEvent>
 #include <QProgressBar>
 #include <QScrollArea>
@@ -92,6 +95,32 @@ TEST_F(PopoverView, IsAsHighAsItsContentWithinItsLimits) {
     single.agents[0].balances.clear();
     show(single);
     EXPECT_EQ(view.wantedHeight(), frame + AgentUsagePopoverView::leastContentHeight);
+}
+
+TEST_F(PopoverView, NeverCutsTheTimeOfTheStatusLine) {
+    UsageState state = samples::normal();
+    state.snapshots[0].error = UsageProviderError::timeout("Codex");
+    const QFont usual = QApplication::font();
+    for (const QString& family : {usual.family(), QStringLiteral("DejaVu Sans")}) {
+        QFont font = usual;
+        font.setFamily(family);
+        QApplication::setFont(font);
+        for (const std::string language : {"en", "de"}) {
+            const PopoverContent shown = content(state, "overview", language);
+            show(shown);
+            const kit::Label* line = nullptr;
+            for (const QLabel* label : view.findChildren<QLabel*>()) {
+                if (label->accessibleName().toStdString() == shown.statusLine.text) {
+                    line = dynamic_cast<const kit::Label*>(label);
+                }
+            }
+            ASSERT_NE(line, nullptr);
+            EXPECT_FALSE(line->isShortened()) << line->text().toStdString();
+            EXPECT_TRUE(line->text().contains(QStringLiteral("2:46")) ||
+                        line->text().contains(QStringLiteral("14:46")));
+        }
+    }
+    QApplication::setFont(usual);
 }
 
 TEST_F(PopoverView, HasNoTabsWithoutAgentsAndLeadsToTheSettings) {

@@ -2,6 +2,7 @@
 
 #include "ui/Conversions.h"
 #include "ui/kit/Button.h"
+#include "ui/kit/FigureText.h"
 #include "ui/kit/Label.h"
 
 namespace vellmark {
@@ -20,15 +21,20 @@ PopoverHeader::PopoverHeader(QWidget* parent)
 
 void PopoverHeader::setContent(const PopoverContent& content) {
     name_->setWords(qString(content.title));
-    status_->setWords(qString(content.statusLine));
+    statusLine_ = content.statusLine;
     refresh_->setIconName(content.refresh.icon, iconSide);
     refresh_->setToolTip(qString(content.refresh.help));
     refresh_->setAccessibleName(qString(content.refresh.help));
-    refresh_->setAccessibleDescription(qString(content.statusLine));
+    refresh_->setAccessibleDescription(qString(content.statusLine.text));
     refresh_->setTurning(content.isRefreshing);
+    arrange();
 }
 
 void PopoverHeader::resizeEvent(QResizeEvent* /*event*/) {
+    arrange();
+}
+
+void PopoverHeader::arrange() {
     // The glyph ends at the margin; the button's ground reaches beyond.
     const QSize button = refresh_->sizeHint();
     const int overhang = (button.width() - iconSide) / 2;
@@ -38,6 +44,11 @@ void PopoverHeader::resizeEvent(QResizeEvent* /*event*/) {
     name_->setGeometry(padding, padding, wide, kit::style::popoverName.lineHeight);
     status_->setGeometry(padding, padding + kit::style::popoverName.lineHeight + statusGap, wide,
                          kit::style::popoverStatus.lineHeight);
+    const QString whole = qString(statusLine_.text);
+    const bool fits = kit::textWidth(whole, status_->textStyle()) <= wide;
+    status_->setWords(fits ? whole : qString(statusLine_.briefText));
+    status_->setToolTip(fits ? QString() : whole);
+    status_->setAccessibleName(whole);
 }
 
 } // namespace vellmark

@@ -11,7 +11,8 @@ class Button;
 class Label;
 } // namespace kit
 
-/// The popover's head, 72 high: name, what is worst in one line, and the refresh button.
+/// The popover's head, 72 high: name, what is worst in one line, and the refresh button. The line
+/// has a brief form, because its end, when the figures were read, is never cut.
 class PopoverHeader : public QWidget {
 public:
     explicit PopoverHeader(QWidget* parent = nullptr);
@@ -22,6 +23,9 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void arrange();
+
+    StatusLine statusLine_;
     kit::Label* name_;
     kit::Label* status_;
     kit::Button* refresh_;
