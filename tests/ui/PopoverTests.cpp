@@ -24,26 +24,55 @@ struct PlacementCase {
     QPoint expected;
 };
 
-class PopoverPlacement : public ::testing::TestWithParam<PlacementCase> {};
+class PopoverPlacementOf : public ::testing::TestWithParam<PlacementCase> {};
 
-TEST_P(PopoverPlacement, StaysNearTheItemAndOnTheScreen) {
+TEST_P(PopoverPlacementOf, StaysNearTheItemAndOnTheScreen) {
     const QRect available(0, 24, 1440, 852);
     const PlacementCase& sample = GetParam();
     const QSize shown(sample.size.width(), std::min(sample.size.height(), 852 - 16));
-    EXPECT_EQ(popoverPlacement(sample.anchor, sample.size, available),
-              QRect(sample.expected, shown));
+    const QRect place =
+        popoverPlacement(sample.anchor, sample.size, AgentUsagePopoverView::tallest, available);
+    EXPECT_EQ(place, QRect(sample.expected, shown));
+    EXPECT_FALSE(place.intersects(sample.anchor));
+}
+
+// A click at the same place again must meet the strip, which closes the popover, and nothing in it.
+TEST(PopoverPlacement, NeverCoversTheStripAndKeepsItsSide) {
+    constexpr QSize strip(76, 32);
+    for (const QSize screen : {QSize(1920, 1080), QSize(1280, 800), QSize(1366, 768),
+                               QSize(1280, 720), QSize(1024, 600)}) {
+        const QRect available(QPoint(0, 0), screen);
+        for (const int x : {0, screen.width() - strip.width()}) {
+            for (int y = 0; y <= screen.height() - strip.height(); ++y) {
+                const QRect anchor({x, y}, strip);
+                const auto place = [&](int height) {
+                    return popoverPlacement(anchor, {430, height}, AgentUsagePopoverView::tallest,
+                                            available);
+                };
+                const QRect tall = place(AgentUsagePopoverView::tallest);
+                const QRect low = place(257);
+                ASSERT_FALSE(tall.intersects(anchor)) << screen.height() << " " << y;
+                ASSERT_FALSE(low.intersects(anchor)) << screen.height() << " " << y;
+                ASSERT_GE(tall.height(), std::min(screen.height() - 16, 681) - 86) << y;
+                ASSERT_EQ(tall.left(), low.left()) << screen.height() << " " << y;
+            }
+        }
+    }
+    // No room at any side: rather over the anchor than next to nothing.
+    EXPECT_EQ(popoverPlacement({100, 150, 300, 20}, {430, 300}, 681, {0, 0, 480, 320}).height(),
+              240);
 }
 
 constexpr QSize usual(430, 675);
 INSTANTIATE_TEST_SUITE_P(
-    Anchors, PopoverPlacement,
+    Anchors, PopoverPlacementOf,
     ::testing::Values(PlacementCase{"menuBar", {700, 0, 40, 24}, usual, {505, 32}},
                       PlacementCase{"lowerAnchor", {700, 0, 40, 40}, usual, {505, 46}},
                       PlacementCase{"rightEdge", {1400, 0, 40, 24}, usual, {1002, 32}},
                       PlacementCase{"leftEdge", {0, 0, 40, 24}, usual, {8, 32}},
                       PlacementCase{"panelBelow", {700, 876, 40, 24}, usual, {505, 193}},
-                      PlacementCase{"panelAtTheSide", {1440, 400, 32, 32}, usual, {1002, 193}},
-                      PlacementCase{"point", {300, 300, 0, 0}, {430, 300}, {85, 306}},
+                      PlacementCase{"panelAtTheSide", {1440, 400, 32, 32}, usual, {1002, 79}},
+                      PlacementCase{"point", {300, 150, 0, 0}, {430, 300}, {85, 156}},
                       PlacementCase{
                           "higherThanTheScreen", {700, 0, 40, 24}, {430, 900}, {505, 32}}),
     [](const auto& sample) { return sample.param.name; });

@@ -28,6 +28,9 @@ constexpr int footerHeight = 58;
 constexpr int scrollStep = 40;
 } // namespace
 
+const int AgentUsagePopoverView::tallest =
+    headerHeight + tabStripHeight + lineHeight + mostContentHeight + footerHeight;
+
 AgentUsagePopoverView::AgentUsagePopoverView(AgentUIActions actions, QWidget* parent)
     : QWidget(parent), actions_(std::move(actions)), header_(new PopoverHeader(this)),
       tabStrip_(new PopoverTabStrip(this)), scroller_(new kit::ScrollArea(this)),

@@ -30,6 +30,8 @@ public:
     static constexpr int viewWidth = 430;
     static constexpr int leastContentHeight = 80;
     static constexpr int mostContentHeight = 504;
+    /// The most that `wantedHeight` is ever.
+    static const int tallest;
 
     explicit AgentUsagePopoverView(AgentUIActions actions, QWidget* parent = nullptr);
 

@@ -98,7 +98,8 @@ void Popover::place() {
         screen = QGuiApplication::primaryScreen();
     }
     const QSize size(AgentUsagePopoverView::viewWidth, view_->wantedHeight());
-    const QRect place = popoverPlacement(anchor_, size, screen->availableGeometry());
+    const QRect place = popoverPlacement(anchor_, size, AgentUsagePopoverView::tallest,
+                                         screen->availableGeometry());
     setGeometry(place.marginsAdded(margins()));
     view_->setGeometry(body());
     if (!surface_.isComposited) {
