@@ -1,5 +1,6 @@
 #include "app/linux/EdgeStrip.h"
 
+#include "app/linux/EdgeStripPlacement.h"
 #include "ui/GlyphPainter.h"
 #include "ui/kit/Theme.h"
 
@@ -12,8 +13,8 @@
 #include <QPainterPath>
 #include <QScreen>
 
-#include <algorithm>
 #include <string_view>
+#include <vector>
 
 namespace vellmark {
 namespace {
@@ -26,9 +27,17 @@ constexpr double gripWidth = 6;
 constexpr double glyphSide = 20;
 constexpr double dotSide = 8;
 
+constexpr std::string_view screenKey = "EdgeStripScreen";
 constexpr std::string_view edgeKey = "EdgeStripEdge";
-/// The strip's middle as a share of the screen's height.
 constexpr std::string_view heightKey = "EdgeStripHeight";
+
+/// The primary one first; empty while no screen is connected.
+std::vector<ScreenArea> screenAreas() {
+    std::vector<ScreenArea> areas;
+    for (const QScreen* screen : QGuiApplication::screens())
+        areas.push_back({screen->name().toStdString(), screen->availableGeometry()});
+    return areas;
+}
 
 /// Flush with the edge at one side, rounded towards the screen.
 QPainterPath outline(const QRectF& bounds, bool isAtRight) {
@@ -64,13 +73,20 @@ EdgeStrip::EdgeStrip(Preferences& preferences, Events events)
     connect(this, &QAbstractButton::clicked, this, [this] { events_.toggle(geometry()); });
     setFixedSize(stripWidth, stripHeight);
     setCursor(Qt::PointingHandCursor);
-    connect(qApp, &QGuiApplication::screenRemoved, this, [this] { restorePlace(); });
-    followScreen();
-}
-
-void EdgeStrip::followScreen() {
-    if (const QScreen* main = QGuiApplication::primaryScreen())
-        connect(main, &QScreen::availableGeometryChanged, this, [this] { restorePlace(); });
+    // Queued: a screen that goes is still listed while its signal is sent.
+    const auto follow = [this](QScreen* screen) {
+        connect(screen, &QScreen::availableGeometryChanged, this, &EdgeStrip::restorePlace,
+                Qt::QueuedConnection);
+    };
+    for (QScreen* screen : QGuiApplication::screens())
+        follow(screen);
+    connect(qApp, &QGuiApplication::screenAdded, this, follow);
+    connect(qApp, &QGuiApplication::screenAdded, this, &EdgeStrip::restorePlace,
+            Qt::QueuedConnection);
+    connect(qApp, &QGuiApplication::screenRemoved, this, &EdgeStrip::restorePlace,
+            Qt::QueuedConnection);
+    connect(qApp, &QGuiApplication::primaryScreenChanged, this, &EdgeStrip::restorePlace,
+            Qt::QueuedConnection);
 }
 
 void EdgeStrip::setContent(const StatusItemContent& content) {
@@ -153,25 +169,26 @@ void EdgeStrip::showEvent(QShowEvent* event) {
 }
 
 void EdgeStrip::restorePlace() {
-    const QScreen* main = QGuiApplication::primaryScreen();
-    if (main == nullptr)
+    const std::vector<ScreenArea> screens = screenAreas();
+    if (screens.empty())
         return;
-    const QRect area = main->availableGeometry();
-    edge_ = preferences_.string(edgeKey) == "left" ? Edge::left : Edge::right;
-    const double share = std::clamp(preferences_.number(heightKey).value_or(0.12), 0.0, 1.0);
-    const int top = area.top() + static_cast<int>(share * area.height()) - height() / 2;
-    move(edge_ == Edge::right ? area.right() + 1 - width() : area.left(),
-         std::clamp(top, area.top(), std::max(area.top(), area.bottom() + 1 - height())));
+    EdgeStripPlace place;
+    place.screen = preferences_.string(screenKey).value_or("");
+    place.isAtRight = preferences_.string(edgeKey) != "left";
+    place.height = preferences_.number(heightKey).value_or(place.height);
+    edge_ = place.isAtRight ? Edge::right : Edge::left;
+    move(edgeStripGeometry(place, size(), screens).topLeft());
     update();
 }
 
 void EdgeStrip::dock() {
-    const QScreen* on = QGuiApplication::screenAt(geometry().center());
-    const QRect area = (on != nullptr ? on : QGuiApplication::primaryScreen())->availableGeometry();
-    const bool isAtRight = geometry().center().x() >= area.center().x();
-    const double share = static_cast<double>(geometry().center().y() - area.top()) / area.height();
-    preferences_.setString(edgeKey, isAtRight ? "right" : "left");
-    preferences_.setNumber(heightKey, std::clamp(share, 0.0, 1.0));
+    const std::vector<ScreenArea> screens = screenAreas();
+    if (screens.empty())
+        return;
+    const EdgeStripPlace place = edgeStripPlace(geometry(), screens);
+    preferences_.setString(screenKey, place.screen);
+    preferences_.setString(edgeKey, place.isAtRight ? "right" : "left");
+    preferences_.setNumber(heightKey, place.height);
     restorePlace();
 }
 

@@ -12,7 +12,8 @@
 namespace vellmark {
 
 /// A small strip at the screen's edge in place of a panel's item: grip, glyph and dot. It is
-/// dragged to any place and docks to the nearest edge, where it stays across starts.
+/// dragged to any place and docks to the nearest edge of the screen it is on, where it stays across
+/// starts. While that screen is gone, it stands on the primary one.
 class EdgeStrip final : public QAbstractButton {
 public:
     struct Events {
@@ -36,9 +37,7 @@ private:
     enum class Edge { left, right };
 
     void restorePlace();
-    /// To the nearest edge of the screen it is on.
     void dock();
-    void followScreen();
 
     Preferences& preferences_;
     Events events_;
