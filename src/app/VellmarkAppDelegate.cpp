@@ -1,6 +1,7 @@
 #include "app/VellmarkAppDelegate.h"
 
 #include "app/WindowMemory.h"
+#include "platform/InstanceIdentifier.h"
 #include "platform/UnusedMemory.h"
 #include "presentation/MainWindowContent.h"
 #include "presentation/PopoverContent.h"
@@ -53,12 +54,6 @@ bool isEveryAgentRead(const UsageState& state) {
     return std::ranges::all_of(state.snapshots, [](const AgentUsageSnapshot& snapshot) {
         return snapshot.source == SnapshotSource::live && !snapshot.error;
     });
-}
-
-/// The demo is a world of its own beside a running instance.
-std::string instanceIdentifier(const LaunchOptions& options) {
-    return options.isDemo || !options.sandbox.empty() ? "app.vellmark.Vellmark.Demo"
-                                                      : "app.vellmark.Vellmark";
 }
 
 } // namespace
@@ -124,7 +119,7 @@ bool VellmarkAppDelegate::validateMenuItem(std::string_view action) const {
 bool VellmarkAppDelegate::handOverToRunningInstance() {
     singleInstance_ = claimSingleInstance(
         loop_,
-        {.identifier = instanceIdentifier(options_),
+        {.identifier = instanceIdentifier(machine_),
          .directory = machine_.supportDirectory(),
          .onShow = [this] { executor_.post([this] { applicationShouldHandleReopen(false); }); }});
     return singleInstance_ == nullptr;

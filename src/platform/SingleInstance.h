@@ -18,7 +18,7 @@ public:
 struct SingleInstanceRequest {
     /// "app.vellmark.Vellmark": the bundle's identifier and the name on the bus.
     std::string identifier;
-    /// Where a lock can be kept on systems without a bus. Created when needed.
+    /// Where a lock can be kept. Created when needed.
     std::filesystem::path directory;
     /// Called on the main thread when a later launch asks this instance to show itself.
     std::function<void()> onShow;

@@ -1,3 +1,4 @@
+#include "platform/InstanceIdentifier.h"
 #include "platform/Machine.h"
 #include "platform/SystemDirectories.h"
 #include "support/TemporaryDirectory.h"
@@ -68,6 +69,21 @@ TEST(Machine, SandboxIsCompleteAndLeadsNowhereElse) {
     EXPECT_FALSE(machine.credentials->hasGenericPassword("gemini", "antigravity"));
     directory.write("box/credentials/gemini/antigravity", "");
     EXPECT_TRUE(machine.credentials->hasGenericPassword("gemini", "antigravity"));
+}
+
+TEST(Machine, EverySandboxIsAnInstanceOfItsOwn) {
+    const TemporaryDirectory directory;
+    std::filesystem::create_directories(directory / "a");
+    const auto identifierOf = [](const std::filesystem::path& path) {
+        return instanceIdentifier(Machine::sandbox(path));
+    };
+    const std::string identifier = identifierOf(directory / "a");
+    EXPECT_EQ(identifierOf(directory / "b/../a"), identifier);
+    EXPECT_NE(identifierOf(directory / "b"), identifier);
+    // A name that a message bus takes.
+    EXPECT_EQ(identifier.find_first_not_of("abcdefghijklmnopqrstuvwxyzSV.0123456789"),
+              std::string::npos);
+    EXPECT_EQ(instanceIdentifier(Machine::current()), "app.vellmark.Vellmark");
 }
 
 } // namespace

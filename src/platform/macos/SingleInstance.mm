@@ -1,13 +1,20 @@
 // The system itself starts a bundle once and tells the running one of a further opening (the
 // "reopen" Apple event). A second process, started past it, activates the first and posts a
-// notification.
+// notification. A lock tells it from a process of the same bundle that looks at another machine: a
+// demo.
 
 #include "platform/SingleInstance.h"
 
+#include "platform/Descriptor.h"
 #include "platform/macos/Retained.h"
 
 #import <AppKit/AppKit.h>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <system_error>
 #include <unistd.h>
+#include <utility>
 
 /// Receives what asks the running instance to show itself.
 @interface VellmarkShowReceiver : NSObject {
@@ -30,7 +37,17 @@
 namespace vellmark {
 namespace {
 
-NSString* const showNotification = @"app.vellmark.Vellmark.Show";
+NSString* showNotification(const SingleInstanceRequest& request) {
+    return [NSString stringWithFormat:@"%s.Show", request.identifier.c_str()];
+}
+
+/// False when another process holds the lock; a lock that cannot be made is nobody's.
+bool lockFile(Descriptor& lock, const std::filesystem::path& directory) {
+    std::error_code ignored;
+    std::filesystem::create_directories(directory, ignored);
+    lock.reset(::open((directory / "instance.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    return !lock.isOpen() || ::flock(lock.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
 
 /// Null when no other process of this bundle runs, or this one has none (run from a build tree).
 NSRunningApplication* runningInstance() {
@@ -47,12 +64,13 @@ NSRunningApplication* runningInstance() {
 
 class OnlyInstance final : public SingleInstance {
 public:
-    explicit OnlyInstance(std::function<void()> onShow)
-        : receiver_(Retained<VellmarkShowReceiver*>::adopt([[VellmarkShowReceiver alloc] init])) {
-        receiver_.get()->onShow = std::move(onShow);
+    OnlyInstance(Descriptor lock, const SingleInstanceRequest& request)
+        : lock_(std::move(lock)),
+          receiver_(Retained<VellmarkShowReceiver*>::adopt([[VellmarkShowReceiver alloc] init])) {
+        receiver_.get()->onShow = request.onShow;
         [[NSDistributedNotificationCenter defaultCenter] addObserver:receiver_.get()
                                                             selector:@selector(show:)
-                                                                name:showNotification
+                                                                name:showNotification(request)
                                                               object:nil];
         [[NSAppleEventManager sharedAppleEventManager] setEventHandler:receiver_.get()
                                                            andSelector:@selector(handleReopen:
@@ -68,6 +86,7 @@ public:
     }
 
 private:
+    Descriptor lock_;
     Retained<VellmarkShowReceiver*> receiver_;
 };
 
@@ -75,13 +94,13 @@ private:
 
 std::unique_ptr<SingleInstance> claimSingleInstance(DescriptorWatcher& /*loop*/,
                                                     SingleInstanceRequest request) {
-    if (NSRunningApplication* const other = runningInstance()) {
-        [other activateWithOptions:0];
-        [[NSDistributedNotificationCenter defaultCenter] postNotificationName:showNotification
-                                                                       object:nil];
-        return nullptr;
-    }
-    return std::make_unique<OnlyInstance>(std::move(request.onShow));
+    Descriptor lock;
+    if (lockFile(lock, request.directory))
+        return std::make_unique<OnlyInstance>(std::move(lock), request);
+    [runningInstance() activateWithOptions:0];
+    [[NSDistributedNotificationCenter defaultCenter] postNotificationName:showNotification(request)
+                                                                   object:nil];
+    return nullptr;
 }
 
 } // namespace vellmark
