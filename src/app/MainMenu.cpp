@@ -92,10 +92,12 @@ void MainMenu::popUp(QWidget& window) {
 }
 
 bool MainMenu::performInResponderChain(std::string_view action) {
-    QWidget* window = QApplication::activeWindow();
+    // An open popover is never the active window, but has the keys.
+    QWidget* popover = QApplication::activePopupWidget();
+    QWidget* window = popover ? popover : QApplication::activeWindow();
     QWidget* focus = QApplication::focusWidget();
     if (action == menuAction::closeWindow) {
-        if (window)
+        if (window && !popover)
             window->close();
     } else if (action == menuAction::minimize) {
         if (window)

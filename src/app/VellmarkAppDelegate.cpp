@@ -177,6 +177,7 @@ void VellmarkAppDelegate::configurePopover() {
     popover_->view().onSelectTab = [this](const PopoverTab& tab) {
         preferences_->setString(popoverTabKey, tab.storedForm());
     };
+    mainMenu_.attach(*popover_);
     new WindowMemory(*popover_, [this] { return std::move(popover_); });
 }
 

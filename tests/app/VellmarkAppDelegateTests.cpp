@@ -8,6 +8,7 @@
 #include "ui/window/AgentSummaryCard.h"
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
@@ -68,6 +69,14 @@ protected:
         return nullptr;
     }
 
+    /// Does what a key with Control stands for in a window.
+    static void pressShortcut(QWidget& window, Qt::Key key) {
+        for (QAction* action : window.actions()) {
+            if (action->shortcut() == QKeySequence(Qt::CTRL | key))
+                return action->trigger();
+        }
+    }
+
     static QString selectedEntry(const QWidget& window) {
         for (const auto* button : window.findChildren<QAbstractButton*>()) {
             if (dynamic_cast<const kit::SidebarEntry*>(button) && button->isChecked())
@@ -118,6 +127,24 @@ TEST_F(VellmarkAppDelegateTest, OpensAndClosesThePopoverAgainAndAgain) {
         delegate_->togglePopover();
         EXPECT_FALSE(visible<Popover>());
     }
+}
+
+TEST_F(VellmarkAppDelegateTest, TakesTheMenusKeysInThePopover) {
+    launch();
+    ASSERT_TRUE(eventually([&] {
+        delegate_->togglePopover();
+        return visible<Popover>() != nullptr;
+    }));
+    pressShortcut(*visible<Popover>(), Qt::Key_Comma);
+    EXPECT_FALSE(visible<Popover>());
+    ASSERT_TRUE(visible<AgentMainWindowView>());
+    visible<AgentMainWindowView>()->close();
+    ASSERT_TRUE(eventually([&] {
+        delegate_->togglePopover();
+        return visible<Popover>() != nullptr;
+    }));
+    pressShortcut(*visible<Popover>(), Qt::Key_W);
+    EXPECT_FALSE(visible<Popover>());
 }
 
 TEST_F(VellmarkAppDelegateTest, LeadsFromAnAgentInThePopoverToItsCard) {
