@@ -4,41 +4,23 @@
 #include <QApplication>
 #include <QKeySequence>
 #include <QMenu>
-#include <QMenuBar>
 #include <QShortcut>
 #include <QWidget>
 
 #include <algorithm>
 
 namespace vellmark {
-namespace {
 
-/// Whether the system shows one menu bar for the application in front.
-bool hasSystemMenuBar() {
-    return !QCoreApplication::testAttribute(Qt::AA_DontUseNativeMenuBar) &&
-           QGuiApplication::platformName() == QLatin1String("cocoa");
-}
-
-QAction::MenuRole roleOf(std::string_view action) {
-    if (action == menuAction::showAbout)
-        return QAction::AboutRole;
-    if (action == menuAction::showSettings)
-        return QAction::PreferencesRole;
-    if (action == menuAction::terminate)
-        return QAction::QuitRole;
-    return QAction::NoRole;
-}
-
-} // namespace
-
-MainMenu::MainMenu(Events events) : events_(std::move(events)) {
-    if (hasSystemMenuBar())
-        systemBar_ = std::make_unique<QMenuBar>(nullptr);
-}
+MainMenu::MainMenu(MainMenuEvents events)
+    : events_(std::move(events)), systemBar_(makeSystemMenuBar(events_)) {}
 
 MainMenu::~MainMenu() = default;
 
 void MainMenu::rebuild(const std::vector<MenuContent>& menus) {
+    if (systemBar_) {
+        systemBar_->show(menus);
+        return;
+    }
     entries_.clear();
     menus_.clear();
     for (const MenuContent& content : menus) {
@@ -46,8 +28,6 @@ void MainMenu::rebuild(const std::vector<MenuContent>& menus) {
         connect(menu.get(), &QMenu::aboutToShow, this, &MainMenu::validate);
         for (const MenuItemContent& item : content.items)
             add(*menu, item);
-        if (systemBar_)
-            systemBar_->addMenu(menu.get());
         menus_.push_back(std::move(menu));
     }
     for (QWidget* window : windows_) {
@@ -63,7 +43,6 @@ void MainMenu::add(QMenu& menu, const MenuItemContent& item) {
         return;
     }
     QAction* action = menu.addAction(QString::fromStdString(item.title));
-    action->setMenuRole(roleOf(item.action));
     if (item.key != 0)
         action->setShortcut(QKeySequence(Qt::CTRL | Qt::Key(QChar(item.key).toUpper().unicode())));
     connect(action, &QAction::triggered, this,
@@ -97,10 +76,10 @@ bool MainMenu::performInResponderChain(std::string_view action) {
     QWidget* window = popover ? popover : QApplication::activeWindow();
     QWidget* focus = QApplication::focusWidget();
     if (action == menuAction::closeWindow) {
-        if (window && !popover)
+        if (window)
             window->close();
     } else if (action == menuAction::minimize) {
-        if (window)
+        if (window && !popover)
             window->showMinimized();
     } else if (action == menuAction::hide) {
         for (QWidget* each : windows_)

@@ -1,29 +1,23 @@
 #pragma once
 
-#include "presentation/MainMenuContent.h"
+#include "app/SystemMenuBar.h"
 
 #include <QObject>
 
-#include <functional>
 #include <memory>
 #include <vector>
 
 class QAction;
 class QMenu;
-class QMenuBar;
 class QWidget;
 
 namespace vellmark {
 
-/// The main menu as Qt has it: the system's menu bar on macOS; elsewhere its keys work in every
-/// window and F10 opens it. Main thread.
+/// The main menu: the system's menu bar where there is one; elsewhere its keys work in every window
+/// and F10 opens it. Main thread.
 class MainMenu final : public QObject {
 public:
-    struct Events {
-        std::function<void(std::string_view action)> choose;
-        std::function<bool(std::string_view action)> isEnabled;
-    };
-    explicit MainMenu(Events events);
+    explicit MainMenu(MainMenuEvents events);
     ~MainMenu() override;
 
     /// Replaces the menus, for example in another language.
@@ -44,11 +38,11 @@ private:
     void add(QMenu& menu, const MenuItemContent& item);
     void popUp(QWidget& window);
 
-    Events events_;
+    MainMenuEvents events_;
     std::vector<std::unique_ptr<QMenu>> menus_;
     std::vector<Entry> entries_;
     std::vector<QWidget*> windows_;
-    std::unique_ptr<QMenuBar> systemBar_;
+    std::unique_ptr<SystemMenuBar> systemBar_;
 };
 
 } // namespace vellmark

@@ -10,6 +10,7 @@ enum : NSUInteger { NSEventMaskLeftMouseUp = 1u << 2 };
 @interface NSApplication (VellmarkDeclarations)
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)activationPolicy;
 - (NSAppearance*)effectiveAppearance;
+- (void)setHelpMenu:(NSMenu*)helpMenu;
 @end
 
 extern NSString* const NSWorkspaceAccessibilityDisplayOptionsDidChangeNotification;
