@@ -138,6 +138,7 @@ void VellmarkAppDelegate::buildMainMenu() {
 }
 
 void VellmarkAppDelegate::applyAppearance() {
+    setApplicationAppearance(appearance_.chosenScheme());
     const ColorScheme scheme =
         systemAppearance_ ? systemAppearance_->colorScheme() : ColorScheme::noPreference;
     kit::motion::setReduced(systemAppearance_ && systemAppearance_->reducesMotion());

@@ -24,4 +24,9 @@ public:
 std::unique_ptr<SystemAppearance> observeSystemAppearance(DescriptorWatcher& loop,
                                                           std::function<void()> onChange);
 
+/// Light or dark for what the system draws of this program (title bars, menus, panels); with
+/// `noPreference` it follows the system again. `colorScheme` answers the set one meanwhile. Does
+/// nothing where the system decides that itself. Main thread.
+void setApplicationAppearance(ColorScheme scheme);
+
 } // namespace vellmark

@@ -35,12 +35,22 @@ void AppAppearance::choose(Setting setting) {
         onChange();
 }
 
+ColorScheme AppAppearance::chosenScheme() const {
+    switch (setting_) {
+    case Setting::light:
+        return ColorScheme::light;
+    case Setting::dark:
+        return ColorScheme::dark;
+    case Setting::system:
+        break;
+    }
+    return ColorScheme::noPreference;
+}
+
 bool AppAppearance::isDark(ColorScheme scheme, bool fallbackIsDark) const {
-    if (setting_ != Setting::system)
-        return setting_ == Setting::dark;
-    if (scheme == ColorScheme::noPreference)
-        return fallbackIsDark;
-    return scheme == ColorScheme::dark;
+    const ColorScheme chosen = chosenScheme();
+    const ColorScheme effective = chosen != ColorScheme::noPreference ? chosen : scheme;
+    return effective != ColorScheme::noPreference ? effective == ColorScheme::dark : fallbackIsDark;
 }
 
 } // namespace vellmark

@@ -19,6 +19,9 @@ public:
     Setting setting() const { return setting_; }
     void choose(Setting setting);
 
+    /// The user's choice in place of the system's; `noPreference` where that is to hold.
+    ColorScheme chosenScheme() const;
+
     /// What the setting means while the system is as `scheme` says; `fallbackIsDark` decides where
     /// the system has no preference.
     bool isDark(ColorScheme scheme, bool fallbackIsDark) const;

@@ -45,11 +45,13 @@ TEST_F(ChosenSettingsTest, UnknownLanguagesReadGerman) {
 
 TEST_F(ChosenSettingsTest, AppearanceFollowsTheSystemUntilOneIsChosen) {
     AppAppearance appearance(*preferences_);
+    EXPECT_EQ(appearance.chosenScheme(), ColorScheme::noPreference);
     EXPECT_TRUE(appearance.isDark(ColorScheme::dark, false));
     EXPECT_FALSE(appearance.isDark(ColorScheme::light, true));
     EXPECT_TRUE(appearance.isDark(ColorScheme::noPreference, true));
     appearance.choose(AppAppearance::Setting::light);
     EXPECT_FALSE(appearance.isDark(ColorScheme::dark, true));
+    EXPECT_EQ(appearance.chosenScheme(), ColorScheme::light);
     EXPECT_EQ(preferences_->string("AppAppearance"), "light");
     EXPECT_EQ(AppAppearance(*preferences_).setting(), AppAppearance::Setting::light);
 }

@@ -10,6 +10,8 @@ enum : NSUInteger { NSEventMaskLeftMouseUp = 1u << 2 };
 @interface NSApplication (VellmarkDeclarations)
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)activationPolicy;
 - (NSAppearance*)effectiveAppearance;
+- (NSAppearance*)appearance;
+- (void)setAppearance:(NSAppearance*)appearance;
 - (void)setHelpMenu:(NSMenu*)helpMenu;
 @end
 

@@ -100,6 +100,10 @@ private:
 
 } // namespace
 
+void setApplicationAppearance(ColorScheme /*scheme*/) {
+    // The window manager and the desktop's dialogs take no orders.
+}
+
 std::unique_ptr<SystemAppearance> observeSystemAppearance(DescriptorWatcher& loop,
                                                           std::function<void()> onChange) {
     return std::make_unique<PortalAppearance>(BusConnection::session(loop), std::move(onChange));

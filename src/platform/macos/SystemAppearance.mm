@@ -66,6 +66,17 @@ private:
 
 } // namespace
 
+void setApplicationAppearance(ColorScheme scheme) {
+    NSAppearance* wanted = nil;
+    if (scheme != ColorScheme::noPreference)
+        wanted =
+            [NSAppearance appearanceNamed:scheme == ColorScheme::dark ? NSAppearanceNameDarkAqua
+                                                                      : NSAppearanceNameAqua];
+    // Setting it tells all observers, also when it is the same.
+    if ([NSApp appearance] != wanted)
+        [NSApp setAppearance:wanted];
+}
+
 std::unique_ptr<SystemAppearance> observeSystemAppearance(DescriptorWatcher& /*loop*/,
                                                           std::function<void()> onChange) {
     return std::make_unique<EffectiveAppearance>(std::move(onChange));
