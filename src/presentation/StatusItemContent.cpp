@@ -35,6 +35,7 @@ StatusItemContent statusItemContent(const UsageState& state, Instant now,
                                     const Localization& words) {
     StatusItemContent content;
     content.glyph = MenuBarGlyph::compute(state.snapshots, state.enabledProviderIDs, now);
+    content.glyphDescription = words.text("app.name");
     content.color = statusItemColor(state, now);
     content.toolTip = statusItemToolTip(content.glyph, state, now, words);
     return content;

@@ -8,9 +8,11 @@
 
 namespace vellmark {
 
-/// What the status item shows: glyph, the colour of its dot, tooltip (also its accessible name).
+/// What the status item shows: glyph and what that is called, the colour of its dot, tooltip (also
+/// the item's accessible name).
 struct StatusItemContent {
     MenuBarGlyph glyph;
+    std::string glyphDescription;
     StatusColorRole color = StatusColorRole::none;
     std::string toolTip;
 

@@ -71,8 +71,8 @@ void drawMark(const GlyphMark& mark) {
     }
 }
 
-NSImage* glyphImage(const MenuBarGlyph& glyph, NSString* description) {
-    const std::vector<GlyphMark> marks = glyphDrawing(glyph, glyphSide);
+NSImage* glyphImage(const StatusItemContent& content) {
+    const std::vector<GlyphMark> marks = glyphDrawing(content.glyph, glyphSide);
     NSImage* const image = [NSImage imageWithSize:NSMakeSize(glyphSide, glyphSide)
                                           flipped:NO
                                    drawingHandler:^BOOL(NSRect) {
@@ -81,7 +81,7 @@ NSImage* glyphImage(const MenuBarGlyph& glyph, NSString* description) {
                                      return YES;
                                    }];
     [image setTemplate:YES];
-    [image setAccessibilityDescription:description];
+    [image setAccessibilityDescription:text(content.glyphDescription)];
     return image;
 }
 
@@ -119,8 +119,9 @@ public:
 
     void show(const StatusItemContent& content) override {
         NSStatusBarButton* const button = [item_.get() button];
-        if (!shown_ || shown_->glyph != content.glyph)
-            [button setImage:glyphImage(content.glyph, @"Vellmark")];
+        if (!shown_ || shown_->glyph != content.glyph ||
+            shown_->glyphDescription != content.glyphDescription)
+            [button setImage:glyphImage(content)];
         if (!shown_ || shown_->toolTip != content.toolTip) {
             [button setToolTip:text(content.toolTip)];
             [button setAccessibilityLabel:text(content.toolTip)];
@@ -172,7 +173,7 @@ private:
     void redraw() {
         if (!shown_)
             return;
-        [[item_.get() button] setImage:glyphImage(shown_->glyph, @"Vellmark")];
+        [[item_.get() button] setImage:glyphImage(*shown_)];
         drawDot();
     }
 
