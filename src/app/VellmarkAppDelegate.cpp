@@ -14,6 +14,7 @@
 #include "ui/popover/AgentUsagePopoverView.h"
 #include "ui/popover/Popover.h"
 #include "ui/window/AgentMainWindowView.h"
+#include "ui/window/TitleBar.h"
 
 #include <QApplication>
 #include <QDesktopServices>
@@ -343,6 +344,8 @@ std::unique_ptr<QWidget> VellmarkAppDelegate::makeMainWindow() {
     window->setMinimumSize(AgentMainWindowView::leastSize);
     window->resize(AgentMainWindowView::firstSize);
     window->setWindowIcon(applicationIcon());
+    if (const int buttonsHeight = reachUnderTitleBar(*window))
+        window->setTopInset(buttonsHeight);
     mainWindowView_ = window.get();
     mainMenu_.attach(*window);
     return window;

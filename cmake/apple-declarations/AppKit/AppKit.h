@@ -15,6 +15,14 @@ enum : NSUInteger { NSEventMaskLeftMouseUp = 1u << 2 };
 - (void)setHelpMenu:(NSMenu*)helpMenu;
 @end
 
+enum NSWindowTitleVisibility : NSInteger { NSWindowTitleVisible = 0, NSWindowTitleHidden = 1 };
+
+@interface NSWindow (VellmarkDeclarations)
+- (void)setStyleMask:(NSUInteger)styleMask;
+- (void)setTitlebarAppearsTransparent:(BOOL)titlebarAppearsTransparent;
+- (void)setTitleVisibility:(NSWindowTitleVisibility)titleVisibility;
+@end
+
 extern NSString* const NSWorkspaceAccessibilityDisplayOptionsDidChangeNotification;
 
 @interface NSWorkspace (VellmarkDeclarations)
