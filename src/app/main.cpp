@@ -12,9 +12,11 @@
 #include <QApplication>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -29,6 +31,27 @@ constexpr auto usage =
     "usage: vellmark-desktop [--show-window | --show-about] [--demo] [--language de|en]\n"
     "                        [--sandbox DIR]\n"
     "       vellmark-desktop --render-glyph USED ELAPSED SIZE FILE.png\n";
+
+/// Qt ends in abort() where it finds no display.
+void leaveWithoutDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
+                         const QString& message) {
+    if (type != QtFatalMsg)
+        return;
+    std::fprintf(
+        stderr,
+        "vellmark-desktop: cannot show anything: no display was found, or none that can be "
+        "used.\nThe terminal program needs none: vellmark\n(%s)\n",
+        message.section('\n', 0, 0).toLocal8Bit().constData());
+    std::fflush(stderr);
+    std::_Exit(1);
+}
+
+std::unique_ptr<QApplication> makeApplication(int& argc, char** argv) {
+    const QtMessageHandler usual = qInstallMessageHandler(leaveWithoutDisplay);
+    auto application = std::make_unique<QApplication>(argc, argv);
+    qInstallMessageHandler(usual);
+    return application;
+}
 
 int run(QApplication& application, const LaunchOptions& options, const Machine& machine) {
     VellmarkAppDelegate delegate(options, machine);
@@ -86,10 +109,10 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("Vellmark"));
     QApplication::setDesktopFileName(QStringLiteral("app.vellmark.Vellmark"));
     QApplication::setQuitOnLastWindowClosed(false);
-    QApplication application(argc, argv);
+    const std::unique_ptr<QApplication> application = makeApplication(argc, argv);
     kit::useToolTips();
     try {
-        return runOnChosenMachine(application, options, machine);
+        return runOnChosenMachine(*application, options, machine);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "vellmark-desktop: %s\n", error.what());
         return 1;
