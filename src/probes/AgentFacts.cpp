@@ -1,8 +1,8 @@
 #include "probes/AgentFacts.h"
 
-#include "probes/ProviderRegistry.h"
 #include "probes/ToolVersion.h"
 
+#include <exception>
 #include <future>
 
 namespace vellmark {
@@ -28,8 +28,12 @@ Inquiry inquire(const Machine& machine, const ProviderDescriptor& agent) {
     inquiry.version =
         std::async(std::launch::async, [&machine, tool] { return toolVersion(machine, tool); });
     if (agent.setup && agent.setup->isLoggedIn) {
-        inquiry.login = std::async(std::launch::async, [&machine, &agent, tool] {
-            return agent.setup->isLoggedIn(machine, tool);
+        inquiry.login = std::async(std::launch::async, [&machine, &agent, tool]() -> Login {
+            try {
+                return agent.setup->isLoggedIn(machine, tool);
+            } catch (const std::exception&) {
+                return std::nullopt; // one agent's check does not cost the answers of all others
+            }
         });
     }
     return inquiry;
@@ -37,9 +41,10 @@ Inquiry inquire(const Machine& machine, const ProviderDescriptor& agent) {
 
 } // namespace
 
-std::vector<AgentFacts> gatherAgentFacts(const Machine& machine) {
+std::vector<AgentFacts> gatherAgentFacts(const Machine& machine,
+                                         const std::vector<ProviderRegistration>& agents) {
     std::vector<Inquiry> inquiries;
-    for (const ProviderRegistration& registration : providerRegistry())
+    for (const ProviderRegistration& registration : agents)
         inquiries.push_back(inquire(machine, registration.descriptor));
 
     std::vector<AgentFacts> facts;

@@ -2,6 +2,7 @@
 
 #include "model/AgentProviderID.h"
 #include "platform/Machine.h"
+#include "probes/ProviderRegistry.h"
 
 #include <filesystem>
 #include <optional>
@@ -18,9 +19,11 @@ struct AgentFacts {
     std::optional<bool> loggedIn;
 };
 
-/// The facts of every registered agent, in the registry's order. Asks all agents at once, each for
-/// its version and its login at the same time. Blocks for as long as the slowest check's limits
-/// allow (about 15 s); not for the main thread.
-std::vector<AgentFacts> gatherAgentFacts(const Machine& machine);
+/// The facts of all `agents`, in their order; a check that fails leaves its fact absent. Asks all
+/// agents at once, each for its version and its login at the same time. Blocks for as long as the
+/// slowest check's limits allow (about 15 s); not for the main thread.
+std::vector<AgentFacts>
+gatherAgentFacts(const Machine& machine,
+                 const std::vector<ProviderRegistration>& agents = providerRegistry());
 
 } // namespace vellmark
