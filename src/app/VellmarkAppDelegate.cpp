@@ -1,6 +1,7 @@
 #include "app/VellmarkAppDelegate.h"
 
 #include "app/WindowMemory.h"
+#include "platform/ContinuousClock.h"
 #include "platform/InstanceIdentifier.h"
 #include "platform/UnusedMemory.h"
 #include "presentation/MainWindowContent.h"
@@ -225,7 +226,8 @@ void VellmarkAppDelegate::startLoops() {
                           .trimLog = [this] { store_->trimLog(); },
                           .holdAutomaticRefreshesUntil =
                               [this](Instant until) { store_->setAutomaticHoldUntil(until); },
-                          .now = now});
+                          .now = now,
+                          .continuousTime = continuousSeconds});
     loops_->start();
 }
 

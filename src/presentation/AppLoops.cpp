@@ -1,5 +1,6 @@
 #include "presentation/AppLoops.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace vellmark {
@@ -36,11 +37,22 @@ void AppLoops::systemDidWake() {
         wakeTimer_.reset();
         actions_.refresh(RefreshTrigger::wake);
     });
+    for (Loop* loop : {&glyphLoop_, &refreshLoop_, &logTrimLoop_}) {
+        if (loop->timer)
+            arm(*loop);
+    }
 }
 
 void AppLoops::schedule(Loop& loop) {
-    // The next turn is set before the body runs, which may stop the loops.
-    loop.timer = executor_.postAfter(loop.period, loop.tolerance, [this, &loop] {
+    loop.due = actions_.continuousTime() + loop.period;
+    arm(loop);
+}
+
+void AppLoops::arm(Loop& loop) {
+    cancel(loop.timer);
+    const Seconds wait = std::max(loop.due - actions_.continuousTime(), Seconds(0));
+    loop.timer = executor_.postAfter(wait, loop.tolerance, [this, &loop] {
+        // The next turn is set before the body runs, which may stop the loops.
         schedule(loop);
         loop.body();
     });

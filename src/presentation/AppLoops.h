@@ -10,8 +10,9 @@ namespace vellmark {
 
 /// The loops that run for as long as the application does, and the refresh after a wake.
 ///
-/// Every loop waits one period before its first turn. Main thread; everything stops with this
-/// object.
+/// Every loop waits one period before its first turn. The periods go on while the system sleeps,
+/// the executor's timers may not: what fell due meanwhile runs after the wake. Main thread;
+/// everything stops with this object.
 class AppLoops {
 public:
     static constexpr Seconds glyphPeriod{60};
@@ -28,6 +29,8 @@ public:
         std::function<void()> trimLog;
         std::function<void(Instant)> holdAutomaticRefreshesUntil;
         std::function<Instant()> now;
+        /// A clock that goes on while the system sleeps.
+        std::function<Seconds()> continuousTime;
     };
 
     AppLoops(MainExecutor& executor, Actions actions);
@@ -36,8 +39,8 @@ public:
     AppLoops& operator=(const AppLoops&) = delete;
 
     void start();
-    /// Holds automatic refreshes for a while and refreshes once after it; a further wake meanwhile
-    /// begins the wait anew.
+    /// Lets what fell due run now. Holds automatic refreshes for a while and refreshes once after
+    /// it; a further wake meanwhile begins the wait anew.
     void systemDidWake();
     void stop();
 
@@ -47,8 +50,12 @@ private:
         Seconds tolerance;
         std::function<void()> body;
         std::optional<MainExecutor::Timer> timer;
+        /// By the continuous clock.
+        Seconds due{};
     };
     void schedule(Loop& loop);
+    /// Sets the timer to when the loop is due.
+    void arm(Loop& loop);
     void cancel(std::optional<MainExecutor::Timer>& timer);
 
     MainExecutor& executor_;

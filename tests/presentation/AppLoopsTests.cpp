@@ -2,7 +2,7 @@
 #include "presentation/ClockJump.h"
 #include "support/HandTurnedExecutor.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <memory>
 #include <string>
@@ -19,15 +19,17 @@ protected:
     std::unique_ptr<AppLoops> makeLoops() {
         return std::make_unique<AppLoops>(
             executor_,
-            AppLoops::Actions{.reevaluateStatusItem = [this] { ++glyphTicks_; },
-                              .refresh =
-                                  [this](RefreshTrigger trigger) {
-                                      note(trigger == RefreshTrigger::wake ? "wake" : "timer");
-                                  },
-                              .trimLog = [this] { note("trim"); },
-                              .holdAutomaticRefreshesUntil =
-                                  [this](Instant until) { heldFor_ = (until - start_).count(); },
-                              .now = [this] { return executor_.now(); }});
+            AppLoops::Actions{
+                .reevaluateStatusItem = [this] { ++glyphTicks_; },
+                .refresh =
+                    [this](RefreshTrigger trigger) {
+                        note(trigger == RefreshTrigger::wake ? "wake" : "timer");
+                    },
+                .trimLog = [this] { note("trim"); },
+                .holdAutomaticRefreshesUntil =
+                    [this](Instant until) { heldFor_ = (until - start_).count(); },
+                .now = [this] { return executor_.now(); },
+                .continuousTime = [this] { return executor_.now().time_since_epoch() + slept_; }});
     }
 
     void note(const std::string& what) {
@@ -40,6 +42,8 @@ protected:
     Instant start_;
     int glyphTicks_ = 0;
     double heldFor_ = 0;
+    /// How long the timers stood still.
+    Seconds slept_{0};
     Record done_;
     std::unique_ptr<AppLoops> loops_;
 };
@@ -71,6 +75,27 @@ TEST_F(AppLoopsTest, RefreshOnceAfterTwoWakesInARow) {
     EXPECT_DOUBLE_EQ(heldFor_, 16);
     executor_.advance(Seconds(40));
     EXPECT_EQ(done_, Record{"wake 16"});
+}
+
+TEST_F(AppLoopsTest, CountTheTimeThatTheSystemSleeps) {
+    loops_->start();
+    for (int day = 1; day <= 3; ++day) {
+        executor_.advance(Seconds(8 * 3600));
+        slept_ += Seconds(16 * 3600);
+        done_.clear();
+        loops_->systemDidWake();
+        executor_.advance(Seconds(5));
+        const std::string awake = std::to_string(day * 8 * 3600 + (day - 1) * 5);
+        EXPECT_THAT(done_, testing::UnorderedElementsAre("trim " + awake, "timer " + awake));
+    }
+    // A nap takes nothing but its own length from the waits.
+    const int ticks = glyphTicks_;
+    slept_ += Seconds(20);
+    loops_->systemDidWake();
+    executor_.advance(Seconds(34));
+    EXPECT_EQ(glyphTicks_, ticks);
+    executor_.advance(Seconds(1));
+    EXPECT_EQ(glyphTicks_, ticks + 1);
 }
 
 TEST_F(AppLoopsTest, DoNothingAfterTheyHaveStopped) {
