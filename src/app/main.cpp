@@ -32,17 +32,17 @@ constexpr auto usage =
     "                        [--sandbox DIR]\n"
     "       vellmark-desktop --render-glyph USED ELAPSED SIZE FILE.png\n";
 
-/// Qt ends in abort() where it finds no display.
-void leaveWithoutDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
+/// Qt ends in abort() where it finds no display; what it says before that is the reason.
+void leaveWithoutDisplay(QtMsgType type, const QMessageLogContext& context,
                          const QString& message) {
-    if (type != QtFatalMsg)
+    if (type != QtFatalMsg) {
+        std::fprintf(stderr, "%s\n",
+                     qFormatLogMessage(type, context, message).toLocal8Bit().constData());
         return;
-    std::fprintf(
-        stderr,
-        "vellmark-desktop: cannot show anything: no display was found, or none that can be "
-        "used.\nThe terminal program needs none: vellmark\n(%s)\n",
-        message.section('\n', 0, 0).toLocal8Bit().constData());
-    std::fflush(stderr);
+    }
+    std::fputs("vellmark-desktop: cannot show anything: no display was found, or none that can be "
+               "used.\nThe terminal program needs none: vellmark\n",
+               stderr);
     std::_Exit(1);
 }
 
