@@ -71,9 +71,11 @@ private:
         if (screen_) {
             const Instant now = ReferenceClock::now();
             const Localization& words = context_.words;
-            const std::string head = statusLineText(state, now, words);
-            const std::string foot =
-                cutToWidth(words.text("cli.watch.keys"), context_.output.width() - 1);
+            const std::size_t width = context_.output.width() - 1;
+            const StatusLine line = statusLine(state, now, words);
+            const std::string head =
+                cutToWidth(displayWidth(line.text) <= width ? line.text : line.briefText, width);
+            const std::string foot = cutToWidth(words.text("cli.watch.keys"), width);
             screen_->draw(context_.output.styled(TextStyle::strong, head) + "\n\n" +
                               usageText(state, context_),
                           context_.output.styled(TextStyle::dim, foot));

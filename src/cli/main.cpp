@@ -59,8 +59,8 @@ int statusAfterWriting(int status, const TerminalOutput& output, TerminalOutput&
 
 int run(const std::vector<std::string>& arguments) {
     const Machine machine = Machine::current();
-    const Localization words = localizationFor(
-        UserLocale::of(machine.environment), requestedLanguage(arguments).value_or(""));
+    const Localization words = localizationFor(UserLocale::of(machine.environment),
+                                               requestedLanguage(arguments).value_or(""));
     TerminalOutput output(STDOUT_FILENO, machine.environment);
     TerminalOutput errors(STDERR_FILENO, machine.environment);
     const auto subcommands = allSubcommands();

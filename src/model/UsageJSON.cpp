@@ -126,9 +126,7 @@ void decode(const JSON& json, SnapshotSource& value) {
 }
 
 template<typename Value>
-requires requires(const JSON& json, Value& value) {
-    fromJSON(json, value);
-}
+    requires requires(const JSON& json, Value& value) { fromJSON(json, value); }
 void decode(const JSON& json, Value& value) {
     fromJSON(json, value);
 }
@@ -211,9 +209,7 @@ const std::string& encoded(const std::string& text) {
     return text;
 }
 template<typename Value>
-requires requires(const Value& value) {
-    toJSON(value);
-}
+    requires requires(const Value& value) { toJSON(value); }
 JSON encoded(const Value& value) {
     return toJSON(value);
 }

@@ -22,8 +22,7 @@ std::string detailText(const std::string& text) {
     constexpr std::size_t mostBytes = 16 * mostCharacters; // so that not all of it is segmented
     const std::string_view words = trimmed(text);
     const bool isHuge = words.size() > mostBytes;
-    const std::string line =
-        singleLine(isHuge ? words.substr(words.size() - mostBytes) : words);
+    const std::string line = singleLine(isHuge ? words.substr(words.size() - mostBytes) : words);
     const std::string ending = lastCharacters(line, mostCharacters);
     return isHuge || ending.size() < line.size() ? "…" + ending : ending;
 }

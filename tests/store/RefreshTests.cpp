@@ -127,7 +127,8 @@ TEST_F(Refresh, whatIsReadCanBeReadAgainAndIsKeptWhileAnotherAgentHangs) {
     codex->fails(UsageProviderError::codexReadFailed("no such option"));
     store->refresh(RefreshTrigger::timer);
     const auto othersEnded = [&] {
-        return source(codex) == SnapshotSource::stale && source(antigravity) == SnapshotSource::live;
+        return source(codex) == SnapshotSource::stale &&
+               source(antigravity) == SnapshotSource::live;
     };
     ASSERT_TRUE(executor.turnUntil(othersEnded));
     store->flush();
