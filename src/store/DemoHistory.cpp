@@ -4,6 +4,8 @@
 #include "model/UsageJSON.h"
 #include "text/Dates.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
