@@ -5,7 +5,6 @@
 namespace vellmark {
 
 void releaseUnusedMemory() {
-    // The libraries are in the system's shared cache and cost this program nothing.
     ::malloc_zone_pressure_relief(nullptr, 0);
 }
 
