@@ -36,6 +36,8 @@ namespace {
 constexpr std::string_view popoverTabKey = "PopoverSelectedTab";
 constexpr std::string_view setupCompletedKey = "SetupAssistantCompleted";
 constexpr Seconds terminationGrace{1.0};
+/// The status item is drawn, and nobody has found it yet.
+constexpr Seconds popoverRehearsal{0.5};
 /// The first refresh is mostly over by then.
 constexpr Seconds launchSettles{5};
 constexpr int exportedActivityDays = 30;
@@ -89,8 +91,10 @@ VellmarkAppDelegate::~VellmarkAppDelegate() {
 
 LaunchOutcome VellmarkAppDelegate::applicationDidFinishLaunching() {
     const LaunchOutcome outcome = runLaunchSequence(options_, *this);
-    if (outcome == LaunchOutcome::launched)
+    if (outcome == LaunchOutcome::launched) {
+        executor_.postAfter(popoverRehearsal, popoverRehearsal, [this] { rehearsePopover(); });
         executor_.postAfter(launchSettles, launchSettles, releaseUnusedMemory);
+    }
     return outcome;
 }
 
@@ -295,6 +299,13 @@ void VellmarkAppDelegate::updateMainWindow() {
 void VellmarkAppDelegate::updatePopover() {
     popover_->setContent(popoverContent(
         store_->state(), preferences_->string(popoverTabKey).value_or("overview"), now(), words()));
+}
+
+void VellmarkAppDelegate::rehearsePopover() {
+    if (popover_ && !popover_->isVisible()) {
+        updatePopover();
+        popover_->rehearse();
+    }
 }
 
 void VellmarkAppDelegate::togglePopover() {

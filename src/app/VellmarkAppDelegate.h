@@ -89,6 +89,7 @@ private:
     void reevaluateStatusItem();
     void updateVisibleViews();
     void updatePopover();
+    void rehearsePopover();
     void updateMainWindow();
     void togglePopoverAt(const QRect& anchor);
     void closePopover();

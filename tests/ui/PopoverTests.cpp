@@ -94,6 +94,8 @@ protected:
 };
 
 TEST_F(PopoverWindow, OpensAndClosesByClicksOnTheItem) {
+    popover.rehearse();
+    EXPECT_FALSE(popover.isVisible());
     EXPECT_TRUE(click());
     EXPECT_TRUE(popover.isVisible());
     EXPECT_FALSE(click());

@@ -66,6 +66,12 @@ QRect Popover::body() const {
     return rect().marginsRemoved(margins());
 }
 
+void Popover::rehearse() {
+    surface_ = kit::windowSurface();
+    place();
+    grab();
+}
+
 void Popover::open(const QRect& anchor) {
     anchor_ = anchor;
     surface_ = kit::windowSurface();

@@ -24,6 +24,9 @@ public:
     AgentUsagePopoverView& view() { return *view_; }
     void setContent(PopoverContent content);
 
+    /// Draws its content once, unseen: what the first drawing loads (fonts, shapes of letters, code)
+    /// takes several times as long as the drawing, and the first opening shall not wait for it.
+    void rehearse();
     /// Opens under `anchor`, the status item in screen coordinates (or a point of no size).
     void open(const QRect& anchor);
     /// A click on the status item: closes an open popover. The click that closed it a moment ago by
