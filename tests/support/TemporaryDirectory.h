@@ -12,6 +12,12 @@
 
 namespace vellmark::tests {
 
+/// Writes a file, with its folders.
+inline void writeFile(const std::filesystem::path& file, std::string_view content) {
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << content;
+}
+
 /// A directory of its own for one test, removed with everything in it at the end.
 class TemporaryDirectory {
 public:
@@ -36,10 +42,8 @@ public:
 
     /// Writes a file below the directory, with its folders; returns its path.
     std::filesystem::path write(std::string_view name, std::string_view content) const {
-        const auto file = path_ / name;
-        std::filesystem::create_directories(file.parent_path());
-        std::ofstream(file, std::ios::binary) << content;
-        return file;
+        writeFile(path_ / name, content);
+        return path_ / name;
     }
 
     /// Writes a file that can be run.

@@ -1,15 +1,11 @@
-#include "text/Catalog.h"
+#include "support/TemporaryDirectory.h"
 #include "text/Localization.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 
 namespace vellmark {
 
@@ -20,17 +16,8 @@ namespace {
 /// What the catalog compiler says about a catalog with these strings; empty when it takes them.
 class CatalogCompiler : public testing::Test {
 protected:
-    void SetUp() override {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "vellmark-catalog-XXXXXX").string();
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        directory_ = pattern;
-    }
-    void TearDown() override { std::filesystem::remove_all(directory_); }
-
     std::string complaint(const std::string& catalog) {
-        const auto file = directory_ / "Test.xcstrings";
-        std::ofstream(file) << catalog;
+        const auto file = directory_.write("Test.xcstrings", catalog);
         const std::string command = std::string(VELLMARK_CATALOG_COMPILER) + " " + file.string() +
                                     " " + (directory_ / "Table.cpp").string() + " 2>&1";
         FILE* output = popen(command.c_str(), "r");
@@ -48,13 +35,10 @@ protected:
                          german + R"("}},"en":{"stringUnit":{"value":")" + english + R"("}}}}}})");
     }
 
-    std::string table() const {
-        std::ifstream input(directory_ / "Table.cpp");
-        return {std::istreambuf_iterator<char>(input), {}};
-    }
+    std::string table() const { return tests::contentOf(directory_ / "Table.cpp"); }
 
 private:
-    std::filesystem::path directory_;
+    tests::TemporaryDirectory directory_;
 };
 
 } // namespace
@@ -75,14 +59,8 @@ TEST(Localization, placeholdersTakeTheirArguments) {
     EXPECT_EQ(words.format("%@ %@ %3$lld", {"a"}), "a %@ %3$lld");
     EXPECT_EQ(words.format("100 % %d %5 %", {"a"}), "100 % %d %5 %");
     EXPECT_EQ(words.format("%@", {"%@ %lld"}), "%@ %lld");
-    EXPECT_EQ(words.format("%lld", {"text"}), "text");
     EXPECT_EQ(words.format("%lld %lld", {1284, -5}), "1,284 -5");
     EXPECT_EQ(Localization("de").format("%lld", {1284}), "1.284");
-}
-
-TEST(Localization, theTableIsSorted) {
-    EXPECT_TRUE(std::ranges::is_sorted(catalogEntries(), {}, &CatalogEntry::key));
-    EXPECT_GT(catalogEntries().size(), 50U);
 }
 
 TEST_F(CatalogCompiler, takesGoodCatalogs) {
