@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace vellmark {
 
 namespace {
@@ -27,17 +29,13 @@ TEST(UsageTexts, windowsHaveTheirNames) {
     };
     for (const Case& test : {
              Case{"session", "Sitzung", "Sitzung"},
-             Case{"weekly", "Woche", "Woche"},
              Case{"fable-weekly", "Woche · Fable", "Woche · Fable"},
              Case{"pool:Gemini Models|weekly", "Gemini-Modelle", "Gemini"},
              Case{"pool:GEMINI models|", "Gemini-Modelle", "Gemini"},
-             Case{"pool:Gemini Models|5h", "Gemini-Modelle · 5 Std.", "Gemini · 5 Std."},
              Case{"pool:Claude and GPT models|daily", "Claude- und GPT-Modelle · Tag",
                   "Claude & GPT · Tag"},
-             Case{"pool:Other Pool|monthly", "Other Pool · Monat", "Other Pool · Monat"},
              Case{"pool:Other Pool|Flash", "Other Pool · Flash", "Other Pool · Flash"},
              Case{"pool:no separator", "pool:no separator", "pool:no separator"},
-             Case{"Gemini Models|5h", "Gemini Models|5h", "Gemini Models|5h"},
              Case{"\x1b[31mred\n", "red ", "red "},
          }) {
         EXPECT_EQ(windowLabel(test.id, german), test.label);
@@ -46,23 +44,15 @@ TEST(UsageTexts, windowsHaveTheirNames) {
 }
 
 TEST(UsageTexts, resetsSayWhenAndWhetherItCame) {
-    struct Case {
-        double minutes;
-        const char* english;
-        const char* german;
+    const std::pair<double, const char*> cases[] = {
+        {2544, "Resets in 1 d 18 h · Mon 9:10 AM"},
+        {0.5, "Resets in under 1 min · 2:46 PM"},
+        {0, "Reset due at 2:46 PM, not confirmed"},
+        {-1776, "Reset due on Fri 9:10 AM, not confirmed"},
     };
-    for (const Case& test : {
-             Case{89, "Resets in 1 h 29 min · 4:15 PM", "Reset in 1 Std. 29 Min. · 16:15"},
-             Case{2544, "Resets in 1 d 18 h · Mon 9:10 AM", "Reset in 1 Tg. 18 Std. · Mo., 09:10"},
-             Case{0.5, "Resets in under 1 min · 2:46 PM", "Reset in unter 1 Min. · 14:46"},
-             Case{-31, "Reset due at 2:15 PM, not confirmed",
-                  "Reset um 14:15 fällig, noch nicht bestätigt"},
-             Case{-1776, "Reset due on Fri 9:10 AM, not confirmed",
-                  "Reset am Fr., 09:10 fällig, noch nicht bestätigt"},
-         }) {
-        const UsageWindow window{"w", 50, 300.0, minutesFromNow(test.minutes)};
-        EXPECT_EQ(resetText(window, now, english), test.english);
-        EXPECT_EQ(resetText(window, now, german), test.german);
+    for (const auto& [minutes, text] : cases) {
+        const UsageWindow window{"w", 50, 300.0, minutesFromNow(minutes)};
+        EXPECT_EQ(resetText(window, now, english), text);
     }
     EXPECT_EQ(resetText({"w", 50, {}, {}}, now, english), "");
 }
@@ -77,7 +67,6 @@ TEST(UsageTexts, forecastsClaimNoFalsePrecision) {
     for (const Case& test : {
              Case{23 * 60 + 45, "Runs out in 23 h, 19 h before reset", "Runs out in 23 h"},
              Case{125, "Runs out in 2 h 5 min, 41 h before reset", "Runs out in 2 h 5 min"},
-             Case{42 * 60, "Runs out in 42 h, 70 min before reset", "Runs out in 42 h"},
              Case{0, "Used up until the reset", "Used up until the reset"},
              Case{{}, "Lasts until the reset", "Lasts until the reset"},
          }) {
@@ -88,39 +77,28 @@ TEST(UsageTexts, forecastsClaimNoFalsePrecision) {
         EXPECT_EQ(forecastText(outlook, window, now, english), test.text);
         EXPECT_EQ(forecastText(outlook, window, now, english, true), test.brief);
     }
-    EXPECT_EQ(forecastText({minutesFromNow(16)}, {"w", 93, 300.0, minutesFromNow(86)}, now, german),
-              "Leer in 16 Min., 70 Min. vor dem Reset");
 }
 
-TEST(UsageTexts, planningAndCredits) {
+TEST(UsageTexts, planningTellsWhichSideItIsOn) {
     EXPECT_EQ(planningText({Planning::Kind::deficit, -9.6}, english), "10 points below plan");
-    EXPECT_EQ(planningText({Planning::Kind::reserve, 17.4}, german), "17 Punkte über Plan");
-    EXPECT_EQ(planningText({Planning::Kind::onPlan, 4}, german), "Im Plan");
-    EXPECT_EQ(creditText(CreditInfo::line("$3.20 / $50.00 spent"), german), "$3.20 / $50.00 spent");
-    EXPECT_EQ(creditText(CreditInfo::available(), german), "Guthaben vorhanden");
+    EXPECT_EQ(planningText({Planning::Kind::reserve, 17.4}, english), "17 points above plan");
+    EXPECT_EQ(planningText({Planning::Kind::onPlan, 4}, english), "On plan");
 }
 
 TEST(UsageProviderError, saysWhatHappened) {
     using Error = UsageProviderError;
-    struct Case {
-        Error error;
-        const char* english;
+    const std::pair<Error, const char*> cases[] = {
+        {Error::launchFailed("Codex", "Permission denied"),
+         "Codex could not be started: Permission denied"},
+        {Error::claudeReadFailed(3, "no prompt"),
+         "Claude Code could not be read (status 3): no prompt"},
+        {Error::claudeReadFailed(3, ""), "Claude Code could not be read (status 3)."},
+        {Error::codexReadFailed(" \n"), "Codex could not be read."},
+        {Error::codexReadFailed("one\n\x1b[31mtwo %@"), "Codex could not be read: one two %@"},
+        {Error::other("as it\nstands %@"), "as it\nstands %@"},
     };
-    for (const Case& test : {
-             Case{Error::executableMissing("Antigravity CLI"), "Antigravity CLI not found."},
-             Case{Error::launchFailed("Codex", "Permission denied"),
-                  "Codex could not be started: Permission denied"},
-             Case{Error::claudeReadFailed(3, "no prompt"),
-                  "Claude Code could not be read (status 3): no prompt"},
-             Case{Error::claudeReadFailed(3, ""), "Claude Code could not be read (status 3)."},
-             Case{Error::codexReadFailed(" \n"), "Codex could not be read."},
-             Case{Error::codexReadFailed("one\n\x1b[31mtwo %@"),
-                  "Codex could not be read: one two %@"},
-             Case{Error::other("as it\nstands %@"), "as it\nstands %@"},
-             Case{Error(Error::Kind::claudeTempFileFailed),
-                  "A temporary file could not be created. Check that the disk has free space."},
-         }) {
-        EXPECT_EQ(test.error.message(english), test.english);
+    for (const auto& [error, text] : cases) {
+        EXPECT_EQ(error.message(english), text);
     }
     std::string talkative;
     for (int line = 0; line < 5000; ++line)
@@ -128,9 +106,6 @@ TEST(UsageProviderError, saysWhatHappened) {
     const std::string told = Error::codexReadFailed(talkative + "the reason").message(english);
     EXPECT_LT(told.size(), 500u);
     EXPECT_TRUE(told.starts_with("Codex could not be read: …") && told.ends_with(" the reason"));
-    EXPECT_EQ(Error::timeout("Codex").messageKey(), "error.timeout");
-    EXPECT_EQ(Error(Error::Kind::claudeTempFileFailed).messageKey(), "error.claude.tempFile");
-    EXPECT_EQ(Error::other("error.timeout").messageKey(), std::nullopt);
     EXPECT_EQ(Error::other("error.timeout").message(english), "error.timeout");
 }
 
