@@ -59,13 +59,6 @@ TEST_F(AppLoopsTest, WaitAPeriodBeforeTheFirstTurn) {
     EXPECT_EQ(done_, (Record{"timer 300", "timer 600"}));
 }
 
-TEST_F(AppLoopsTest, TrimTheLogOnceADay) {
-    loops_->start();
-    executor_.advance(Seconds(2 * 86400));
-    EXPECT_EQ(std::ranges::count(done_, "trim 86400"), 1);
-    EXPECT_EQ(std::ranges::count(done_, "trim 172800"), 1);
-}
-
 TEST_F(AppLoopsTest, RefreshOnceAfterTwoWakesInARow) {
     loops_->start();
     loops_->systemDidWake();

@@ -12,7 +12,7 @@ namespace {
 class RecordedSteps final : public LaunchSteps {
 public:
     bool otherRuns = false;
-    std::vector<std::string> done;
+    std::string done;
 
     bool handOverToRunningInstance() override { return note("single instance"), otherRuns; }
     void terminate() override { note("terminate"); }
@@ -32,43 +32,41 @@ public:
     void showAbout() override { note("about"); }
 
 private:
-    void note(std::string step) { done.push_back(std::move(step)); }
+    void note(const char* step) { done += (done.empty() ? "" : ", ") + std::string(step); }
 };
 
-using Record = std::vector<std::string>;
-
-TEST(LaunchSequence, RunsTheStepsInOrder) {
-    RecordedSteps steps;
-    EXPECT_EQ(runLaunchSequence({}, steps), LaunchOutcome::launched);
-    EXPECT_EQ(steps.done, (Record{"single instance", "accessory", "menu", "appearance",
-                                  "observe appearance", "status item", "popover", "observe store",
-                                  "observe language", "refresh", "wake", "loops", "first run"}));
-}
-
-TEST(LaunchSequence, SecondInstanceGoesBeforeItShowsAnything) {
-    RecordedSteps steps;
-    steps.otherRuns = true;
-    EXPECT_EQ(runLaunchSequence({.showsWindow = true}, steps), LaunchOutcome::handedOver);
-    EXPECT_EQ(steps.done, (Record{"single instance", "terminate"}));
-}
-
-TEST(LaunchSequence, TestHostDoesNothing) {
-    RecordedSteps steps;
-    EXPECT_EQ(runLaunchSequence({.isRunningTests = true}, steps), LaunchOutcome::testHost);
-    EXPECT_TRUE(steps.done.empty());
-}
-
-TEST(LaunchSequence, ShowsOneWindowAtMost) {
-    RecordedSteps both;
-    runLaunchSequence({.showsWindow = true, .showsAbout = true}, both);
-    EXPECT_EQ(both.done.back(), "main window");
-    RecordedSteps about;
-    runLaunchSequence({.showsAbout = true}, about);
-    EXPECT_EQ(about.done.back(), "about");
+TEST(LaunchSequence, GoesAsFarAsTheLaunchAllows) {
+    const std::string steps = "single instance, accessory, menu, appearance, observe appearance, "
+                              "status item, popover, observe store, observe language, refresh, "
+                              "wake, loops, first run";
+    const struct {
+        LaunchOptions options;
+        bool otherRuns;
+        LaunchOutcome outcome;
+        std::string done;
+    } cases[] = {
+        {{}, false, LaunchOutcome::launched, steps},
+        {{.showsWindow = true}, true, LaunchOutcome::handedOver, "single instance, terminate"},
+        {{.isRunningTests = true}, false, LaunchOutcome::testHost, ""},
+        // One window at most.
+        {{.showsWindow = true, .showsAbout = true},
+         false,
+         LaunchOutcome::launched,
+         steps + ", main window"},
+        {{.showsAbout = true}, false, LaunchOutcome::launched, steps + ", about"},
+    };
+    for (const auto& [options, otherRuns, outcome, done] : cases) {
+        RecordedSteps recorded;
+        recorded.otherRuns = otherRuns;
+        EXPECT_EQ(runLaunchSequence(options, recorded), outcome);
+        EXPECT_EQ(recorded.done, done);
+    }
 }
 
 TEST(LaunchOptions, ReadsTheCommandLine) {
-    const auto parse = [](const Record& arguments) { return LaunchOptions::parse(arguments, {}); };
+    const auto parse = [](const std::vector<std::string>& arguments) {
+        return LaunchOptions::parse(arguments, {});
+    };
     EXPECT_EQ(parse({}), LaunchOptions());
     EXPECT_EQ(parse({"--demo", "--show-window"}),
               (LaunchOptions{.showsWindow = true, .isDemo = true}));

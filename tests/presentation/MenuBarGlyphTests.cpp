@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <string>
+
 namespace vellmark::tests {
 namespace {
 
@@ -16,79 +19,54 @@ MenuBarGlyph glyphOf(const std::vector<AgentUsageSnapshot>& snapshots,
     return MenuBarGlyph::compute(snapshots, enabled, noon);
 }
 
-struct Choice {
-    const char* promise;
-    std::vector<UsageWindow> windows;
-    std::string chosen;
-    double used;
-    std::optional<double> elapsed;
-};
+/// Window, used and elapsed percentage: "session 100/60".
+std::string described(const MenuBarGlyph& glyph) {
+    std::string text = glyph.windowID.value_or("none") + " " +
+                       std::to_string(std::lround(glyph.usedPercent.value_or(-1)));
+    return glyph.elapsedPercent ? text + "/" + std::to_string(std::lround(*glyph.elapsedPercent))
+                                : text;
+}
 
 TEST(MenuBarGlyph, ChoosesTheMostPressingWindow) {
-    const std::vector<Choice> choices{
+    const struct {
+        const char* promise;
+        std::vector<UsageWindow> windows;
+        const char* chosen;
+    } choices[] = {
         {"a full window with time left is critical",
          {window("weekly", 10, week, week / 2), window("session", 100, fiveHours, 120)},
-         "session",
-         100,
-         60},
+         "session 100/60"},
         {"severity comes before pace",
          {window("fast", 56, fiveHours, 150), window("critical", 96, week, 0.9 * week)},
-         "critical",
-         96,
-         10},
+         "critical 96/10"},
         {"of equal severity the higher pace wins",
          {window("slow", 96, fiveHours, 30), window("fast", 96, fiveHours, 150)},
-         "fast",
-         96,
-         50},
+         "fast 96/50"},
         {"a window with a pace beats one without, also when that is met first",
          {window("young", 99, fiveHours, 297), window("old", 98, fiveHours, 150)},
-         "old",
-         98,
-         50},
-        {"equal paces: what is left decides",
-         // 40 / 0.4 and 60 / 0.6.
+         "old 98/50"},
+        {"equal paces (40 / 0.4 and 60 / 0.6): what is left decides",
          {window("more left", 40, fiveHours, 180), window("less left", 60, fiveHours, 120)},
-         "less left",
-         60,
-         60},
+         "less left 60/60"},
         {"equal in everything: the earlier stays",
          {window("first", 40, fiveHours, 180), window("second", 40, fiveHours, 180)},
-         "first",
-         40,
-         40},
+         "first 40/40"},
         {"without reset times what is left decides, and no time is shown",
          {windowWithoutReset("a", 20), windowWithoutReset("b", 25)},
-         "b",
-         25,
-         std::nullopt},
+         "b 25"},
         {"used counts as pace only when something is used",
          {window("untouched", 0, fiveHours, 150), windowWithoutReset("some", 10)},
-         "some",
-         10,
-         std::nullopt},
-        {"a reset in the past is fine, and all of its time has passed",
+         "some 10"},
+        {"a reset in the past: all of its time has passed",
          {window("past", 90, fiveHours, -5)},
-         "past",
-         90,
-         100},
+         "past 90/100"},
         {"a reset too far away: none of the time has passed",
          {window("future", 2, fiveHours, 400)},
-         "future",
-         2,
-         0},
-        {"shares are clamped", {window("over", 130, fiveHours, 150)}, "over", 100, 50},
+         "future 2/0"},
+        {"shares are clamped", {window("over", 130, fiveHours, 150)}, "over 100/50"},
     };
-    for (const Choice& choice : choices) {
-        SCOPED_TRACE(choice.promise);
-        const MenuBarGlyph glyph = glyphOf({live(codex, choice.windows)});
-        EXPECT_EQ(glyph.windowID, choice.chosen);
-        EXPECT_EQ(glyph.providerID, codex);
-        EXPECT_NEAR(glyph.usedPercent.value_or(-1), choice.used, 1e-9);
-        ASSERT_EQ(glyph.elapsedPercent.has_value(), choice.elapsed.has_value());
-        if (choice.elapsed) {
-            EXPECT_NEAR(*glyph.elapsedPercent, *choice.elapsed, 1e-9);
-        }
+    for (const auto& [promise, windows, chosen] : choices) {
+        EXPECT_EQ(described(glyphOf({live(codex, windows)})), chosen) << promise;
     }
 }
 
