@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <string>
 #include <vector>
 
 namespace vellmark {
@@ -37,16 +36,9 @@ TEST(AgentSetupStatus, tellsWhatEachAgentLacks) {
 // Whatever a CLI does when it is asked about the login, it is not said that nobody is logged in.
 TEST(AgentSetupStatus, aCheckThatGoesWrongTellsNothing) {
     tests::AgentSandbox sandbox;
-    for (const char* claude : {"login-crash", "login-garbage", "login-string", "login-huge"}) {
-        sandbox.play("claude", claude);
-        EXPECT_EQ(statusesOf(sandbox)[1], unverifiable) << claude;
-    }
-    for (const char* codex : {"crash", "garbage", "empty", "dies"}) {
-        sandbox.play("codex", codex);
-        const auto status = statusesOf(sandbox)[0];
-        EXPECT_NE(status, missing) << codex;
-        EXPECT_NE(status, notLoggedIn) << codex;
-    }
+    sandbox.play("claude", "login-garbage");
+    sandbox.play("codex", "crash");
+    EXPECT_EQ(statusesOf(sandbox), (Statuses{unverifiable, unverifiable, ready}));
     sandbox.installNoProgram("claude");
     sandbox.installNoProgram("codex");
     EXPECT_EQ(statusesOf(sandbox), (Statuses{unverifiable, unverifiable, ready}));

@@ -4,14 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <filesystem>
-#include <fstream>
-#include <poll.h>
-#include <pty.h>
-#include <sys/wait.h>
-#include <termios.h>
-#include <unistd.h>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace vellmark {
 namespace {
@@ -27,7 +23,7 @@ protected:
         }
         std::filesystem::create_directories(bin());
         std::filesystem::create_directories(temporary());
-        std::ofstream(home() / ".zshrc").close(); // without one zsh offers to write it
+        tests::writeFile(home() / ".zshrc", ""); // without one zsh offers to write it
     }
 
     path home() const { return directory_.path() / "home"; }
@@ -35,7 +31,7 @@ protected:
     path temporary() const { return directory_.path() / "tmp"; }
 
     void addTool(const path& file, const std::string& body) {
-        std::ofstream(file) << "#!/bin/sh\n" << body << "\n";
+        tests::writeFile(file, "#!/bin/sh\n" + body + "\n");
         std::filesystem::permissions(file, std::filesystem::perms::owner_all);
     }
     /// A curl that "downloads" an installer with this body to the file named after -o.
@@ -44,21 +40,16 @@ protected:
     }
 
     path write(const SetupScriptPlan& plan) {
-        const auto file = directory_.path() / "script.zsh";
-        std::ofstream(file) << setupScript(plan, texts_);
-        return file;
+        return directory_.write("script.zsh", setupScript(plan, texts_));
     }
 
-    Environment environment() const {
-        return {
-            {"HOME", home()}, {"TMPDIR", temporary()}, {"PATH", "/usr/bin:/bin"}, {"TERM", "dumb"}};
-    }
-
-    BoundedProcessResult run(const SetupScriptPlan& plan) {
+    BoundedProcessResult run(const SetupScriptPlan& plan) { return run("/bin/zsh", {write(plan)}); }
+    BoundedProcessResult run(const path& program, std::vector<std::string> arguments) {
         ChildConfiguration child;
-        child.executable = "/bin/zsh";
-        child.arguments = {write(plan)};
-        child.environment = environment();
+        child.executable = program;
+        child.arguments = std::move(arguments);
+        child.environment = {
+            {"HOME", home()}, {"TMPDIR", temporary()}, {"PATH", "/usr/bin:/bin"}, {"TERM", "dumb"}};
         child.standardOutput = ChildOutput::captured(65536);
         child.mergesStandardError = true;
         const auto result = BoundedProcess::run(child, Seconds(30), Seconds(1));
@@ -86,20 +77,18 @@ bool contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
 
-TEST_F(SetupScriptRun, failedDownloadIsToldApart) {
+TEST_F(SetupScriptRun, failuresAreToldApartAndKeepTheirStatus) {
     addTool(bin() / "curl", "exit 22");
-    const auto result = run(SetupScriptPlan::install(toolInfo(), false));
-    EXPECT_EQ(result.terminationStatus, 22);
-    EXPECT_TRUE(contains(result.output, "NO-DOWNLOAD\n\nFAILED\n(exit code 22)\n"))
-        << result.output;
-}
+    const auto download = run(SetupScriptPlan::install(toolInfo(), false));
+    EXPECT_EQ(download.terminationStatus, 22);
+    EXPECT_TRUE(contains(download.output, "NO-DOWNLOAD\n\nFAILED\n(exit code 22)\n"))
+        << download.output;
 
-TEST_F(SetupScriptRun, failedInstallerKeepsItsStatus) {
     addDownload("exit 3");
-    const auto result = run(SetupScriptPlan::install(toolInfo(), false));
-    EXPECT_EQ(result.terminationStatus, 3);
-    EXPECT_FALSE(contains(result.output, "NO-DOWNLOAD"));
-    EXPECT_TRUE(contains(result.output, "FAILED\n(exit code 3)\n")) << result.output;
+    const auto installer = run(SetupScriptPlan::install(toolInfo(), false));
+    EXPECT_EQ(installer.terminationStatus, 3);
+    EXPECT_FALSE(contains(installer.output, "NO-DOWNLOAD"));
+    EXPECT_TRUE(contains(installer.output, "FAILED\n(exit code 3)\n")) << installer.output;
 }
 
 TEST_F(SetupScriptRun, toolOutsideTheUsersPathGetsTheLineToAdd) {
@@ -110,7 +99,7 @@ TEST_F(SetupScriptRun, toolOutsideTheUsersPathGetsTheLineToAdd) {
         contains(result.output, "HINT\n  export PATH=\"" + bin().string() + ":$PATH\"\n\nDONE\n"))
         << result.output;
 
-    std::ofstream(home() / ".zshrc") << "path+=(~/.local/bin)\n";
+    tests::writeFile(home() / ".zshrc", "path+=(~/.local/bin)\n");
     EXPECT_FALSE(contains(run(SetupScriptPlan::install(toolInfo(), false)).output, "HINT"));
 }
 
@@ -150,43 +139,13 @@ TEST_F(SetupScriptRun, keysTypedDuringALoginAreDrainedAndEchoIsBack) {
     const auto script = write(SetupScriptPlan::login(toolInfo(), {}));
     const std::string afterwards =
         "/bin/zsh " + script.string() + "; read -rs -t 0.3 -k 1 key && print LEFT; stty -a";
-    int terminal = -1;
-    const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        const std::string homeVariable = "HOME=" + home().string();
-        const char* variables[] = {homeVariable.c_str(), "PATH=/usr/bin:/bin", "TERM=dumb",
-                                   nullptr};
-        const char* arguments[] = {"zsh", "-fc", afterwards.c_str(), nullptr};
-        execve("/bin/zsh", const_cast<char**>(arguments), const_cast<char**>(variables));
-        _exit(126);
-    }
-    std::string shown;
-    bool typed = false;
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (std::chrono::steady_clock::now() < deadline) {
-        pollfd readable{terminal, POLLIN, 0};
-        if (poll(&readable, 1, 500) <= 0) {
-            continue;
-        }
-        char buffer[4096];
-        const auto count = ::read(terminal, buffer, sizeof buffer);
-        if (count <= 0) {
-            break; // the terminal closes with its last process
-        }
-        shown.append(buffer, static_cast<std::size_t>(count));
-        if (!typed && contains(shown, "READY")) {
-            typed = true;
-            ASSERT_EQ(::write(terminal, "rm -rf x\n", 9), 9);
-        }
-    }
-    int status = 0;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    ::close(terminal);
-    EXPECT_TRUE(typed);
-    EXPECT_FALSE(contains(shown, "LEFT")) << shown;
-    EXPECT_FALSE(contains(shown, "rm -rf")) << shown;
-    EXPECT_TRUE(contains(shown, " echo ")) << shown;
+    // Types while the tool is at work, and waits for the shell's end.
+    const std::string dialogue = "set timeout 60; spawn -noecho /bin/zsh -fc {" + afterwards +
+                                 "}; expect READY; send \"rm -rf x\\n\"; expect eof";
+    const auto result = run("/usr/bin/expect", {"-c", dialogue});
+    EXPECT_FALSE(contains(result.output, "LEFT")) << result.output;
+    EXPECT_FALSE(contains(result.output, "rm -rf")) << result.output;
+    EXPECT_TRUE(contains(result.output, " echo ")) << result.output;
 }
 
 } // namespace
