@@ -13,7 +13,6 @@
 namespace vellmark {
 namespace {
 
-using tests::PrivateBus;
 using Attributes = std::map<std::string, std::string>;
 
 /// A Secret Service with one item. An item is found when it has all attributes asked for.
@@ -44,15 +43,8 @@ private:
     std::unique_ptr<sdbus::IObject> object_;
 };
 
-class CredentialStoreTest : public ::testing::Test {
+class CredentialStoreTest : public tests::BusTest {
 protected:
-    void SetUp() override {
-        if (!bus_.isInstalled()) {
-            GTEST_SKIP() << "dbus-daemon is not installed";
-        }
-        ::setenv("DBUS_SESSION_BUS_ADDRESS", bus_.address().c_str(), 1);
-    }
-
     bool ask() const { return store_->hasGenericPassword("gemini", "antigravity"); }
 
     /// The time that one question takes; it must be answered with no.
@@ -62,7 +54,6 @@ protected:
         return std::chrono::steady_clock::now() - start;
     }
 
-    PrivateBus bus_;
     std::shared_ptr<const CredentialStore> store_ = makeSystemCredentialStore();
 };
 
@@ -83,7 +74,7 @@ TEST_F(CredentialStoreTest, FindsAnItemByEitherNameOfItsAccount) {
         {{{"service", "other"}, {"account", "antigravity"}}, false, false},
     };
     for (const auto& [item, locked, expected] : cases) {
-        const SecretServiceStandIn service(bus_.address(), item, locked);
+        const SecretServiceStandIn service(bus_->address(), item, locked);
         EXPECT_EQ(ask(), expected) << ::testing::PrintToString(item);
     }
 }
@@ -97,14 +88,14 @@ TEST_F(CredentialStoreTest, NoServiceAndNoBusMeanNo) {
 }
 
 TEST_F(CredentialStoreTest, AHangingServiceIsNotWaitedFor) {
-    std::ofstream(bus_.services() / "org.freedesktop.secrets.service")
+    std::ofstream(bus_->services() / "org.freedesktop.secrets.service")
         << "[D-BUS Service]\nName=org.freedesktop.secrets\nExec=/bin/sh -c "
            "\"exec /bin/sleep 8 >/dev/null 2>&1\"\n";
     EXPECT_LT(timeToSayNo(), patience);
 }
 
 TEST_F(CredentialStoreTest, AStoppedBusIsNotWaitedFor) {
-    bus_.stop();
+    bus_->stop();
     EXPECT_LT(timeToSayNo(), patience);
 }
 

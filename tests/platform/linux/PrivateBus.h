@@ -1,17 +1,18 @@
 #pragma once
 
+#include "support/ProcessCensus.h"
 #include "support/TemporaryDirectory.h"
 
-#include <chrono>
+#include <gtest/gtest.h>
+
+#include <array>
 #include <csignal>
+#include <cstdlib>
 #include <fcntl.h>
-#include <spawn.h>
+#include <optional>
 #include <string>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
-
-extern char** environ;
 
 namespace vellmark::tests {
 
@@ -31,21 +32,19 @@ public:
                 "eavesdrop=\"true\"/>"
                 "<allow eavesdrop=\"true\"/>"
                 "<allow own=\"*\"/></policy></busconfig>");
-        std::string option = "--config-file=" + configuration.string();
-        std::string name = "dbus-daemon", noFork = "--nofork", noPid = "--nopidfile";
-        char* arguments[] = {name.data(), option.data(), noFork.data(), noPid.data(), nullptr};
-        posix_spawn_file_actions_t actions;
-        ::posix_spawn_file_actions_init(&actions);
-        ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-        if (::posix_spawnp(&pid_, "dbus-daemon", &actions, nullptr, arguments, environ) != 0) {
-            pid_ = -1;
+        const std::string option = "--config-file=" + configuration.string();
+        pid_ = ::fork();
+        if (pid_ == 0) {
+            ::dup2(::open("/dev/null", O_WRONLY), STDERR_FILENO);
+            ::execlp("dbus-daemon", "dbus-daemon", option.c_str(), "--nofork", "--nopidfile",
+                     nullptr);
+            ::_exit(127);
         }
-        ::posix_spawn_file_actions_destroy(&actions);
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (isInstalled() && !std::filesystem::exists(directory_ / "bus") &&
-               std::chrono::steady_clock::now() < deadline) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
+        (void)becomesTrue([this] {
+            if (::waitpid(pid_, nullptr, WNOHANG) == pid_)
+                pid_ = -1;
+            return !isInstalled() || std::filesystem::exists(directory_ / "bus");
+        });
     }
 
     ~PrivateBus() {
@@ -68,6 +67,26 @@ public:
 private:
     TemporaryDirectory directory_;
     pid_t pid_ = -1;
+};
+
+/// A test whose session and system bus is a private one.
+class BusTest : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!bus_->isInstalled())
+            GTEST_SKIP() << "dbus-daemon is not installed";
+        for (const char* name : variables)
+            ::setenv(name, bus_->address().c_str(), 1);
+    }
+    void TearDown() override {
+        for (const char* name : variables)
+            ::unsetenv(name);
+    }
+
+    std::optional<PrivateBus> bus_{std::in_place};
+
+private:
+    static constexpr std::array variables{"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS"};
 };
 
 } // namespace vellmark::tests

@@ -7,8 +7,6 @@
 #include <sdbus-c++/sdbus-c++.h>
 
 #include <atomic>
-#include <cstdlib>
-#include <optional>
 #include <thread>
 #include <unistd.h>
 
@@ -25,10 +23,12 @@ using ToolTip = sdbus::Struct<std::string, std::vector<Pixmap>, std::string, std
 using Properties = std::map<std::string, sdbus::Variant>;
 using Layout = sdbus::Struct<std::int32_t, Properties, std::vector<sdbus::Variant>>;
 
-class StatusNotifierItemTest : public testing::Test {
+class StatusNotifierItemTest : public BusTest {
 protected:
     void SetUp() override {
-        ::setenv("DBUS_SESSION_BUS_ADDRESS", bus_->address().c_str(), 1);
+        BusTest::SetUp();
+        if (IsSkipped())
+            return;
         item_ = StatusNotifierItem::create(
             loop_, "vellmark", "Vellmark",
             {.activate = [this](int x, int y) { activated_.emplace_back(x, y); },
@@ -71,9 +71,6 @@ protected:
         return std::string(itemInterface) + "-" + std::to_string(::getpid()) + "-1";
     }
 
-    void TearDown() override { ::unsetenv("DBUS_SESSION_BUS_ADDRESS"); }
-
-    std::optional<PrivateBus> bus_{std::in_place};
     PollLoop loop_;
     std::unique_ptr<StatusNotifierItem> item_;
     std::vector<std::pair<int, int>> activated_;

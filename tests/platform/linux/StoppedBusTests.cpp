@@ -11,7 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <cstdlib>
 
 namespace vellmark::tests {
 namespace {
@@ -19,19 +18,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 /// A bus that stops: it still takes connections and bytes, and never answers again.
-class StoppedBusTest : public testing::Test {
+class StoppedBusTest : public BusTest {
 protected:
-    void SetUp() override {
-        if (!bus_.isInstalled())
-            GTEST_SKIP() << "dbus-daemon is not installed";
-        ::setenv("DBUS_SESSION_BUS_ADDRESS", bus_.address().c_str(), 1);
-        ::setenv("DBUS_SYSTEM_BUS_ADDRESS", bus_.address().c_str(), 1);
-    }
-    void TearDown() override {
-        ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
-        ::unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
-    }
-
     std::unique_ptr<SingleInstance> claim(std::function<void()> onShow) {
         return claimSingleInstance(loop_, {.identifier = "app.vellmark.Test",
                                            .directory = directory_ / "support",
@@ -45,7 +33,6 @@ protected:
     }
 
     TemporaryDirectory directory_;
-    PrivateBus bus_;
     PollLoop loop_;
 };
 
@@ -53,7 +40,7 @@ protected:
 constexpr std::chrono::duration<double> patience = 2 * busAnswerLimit + std::chrono::seconds(4);
 
 TEST_F(StoppedBusTest, ALaunchGoesOnAsWithoutABus) {
-    bus_.stop();
+    bus_->stop();
     const auto start = Clock::now();
     leaveOutUnansweringSessionBus();
     int shown = 0;
@@ -70,7 +57,7 @@ TEST_F(StoppedBusTest, ALaunchGoesOnAsWithoutABus) {
 TEST_F(StoppedBusTest, ClaimsWithoutTheBusWhenThatStopsAfterLettingIn) {
     const auto connection = BusConnection::session(loop_);
     ASSERT_TRUE(connection);
-    bus_.stop();
+    bus_->stop();
     const auto start = Clock::now();
     EXPECT_TRUE(claim([] {}));
     EXPECT_FALSE(makeItem());
@@ -80,7 +67,7 @@ TEST_F(StoppedBusTest, ClaimsWithoutTheBusWhenThatStopsAfterLettingIn) {
 TEST_F(StoppedBusTest, DoesNotHoldUpAnItemThatHasMuchToTell) {
     auto item = makeItem();
     ASSERT_TRUE(item);
-    bus_.stop();
+    bus_->stop();
     const auto start = Clock::now();
     // More than the system takes for a reader that does not read.
     for (int change = 0; change < 40000; ++change)

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 #include <sdbus-c++/sdbus-c++.h>
 
-#include <cstdlib>
 #include <map>
 #include <mutex>
 
@@ -55,18 +54,12 @@ private:
     std::unique_ptr<sdbus::IObject> object_;
 };
 
-class SystemAppearanceTest : public testing::Test {
+class SystemAppearanceTest : public BusTest {
 protected:
-    void SetUp() override {
-        if (!bus_.isInstalled())
-            GTEST_SKIP() << "needs dbus-daemon";
-        ::setenv("DBUS_SESSION_BUS_ADDRESS", bus_.address().c_str(), 1);
-    }
     void observe() {
         appearance_ = observeSystemAppearance(loop_, [this] { ++changes_; });
     }
 
-    PrivateBus bus_;
     PollLoop loop_;
     int changes_ = 0;
     std::unique_ptr<SystemAppearance> appearance_;

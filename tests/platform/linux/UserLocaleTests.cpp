@@ -2,14 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace vellmark {
 namespace {
 
 TEST(UserLocale, FollowsTheVariablesInTheirOrder) {
-    const struct {
-        Environment environment;
-        UserLocale expected;
-    } cases[] = {
+    const std::pair<Environment, UserLocale> cases[] = {
         {{{"LANG", "de_CH.UTF-8"}}, {"de", "de_CH"}},
         {{{"LANG", "en_US.UTF-8"}, {"LC_TIME", "de_DE@euro"}}, {"en", "de_DE"}},
         {{{"LANG", "en_US"}, {"LC_MESSAGES", "de_AT"}, {"LC_ALL", ""}}, {"de", "en_US"}},

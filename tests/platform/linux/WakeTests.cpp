@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 #include <sdbus-c++/sdbus-c++.h>
 
-#include <cstdlib>
 #include <memory>
 
 namespace vellmark::tests {
@@ -33,16 +32,8 @@ private:
     std::unique_ptr<sdbus::IObject> manager_;
 };
 
-class WakeTest : public testing::Test {
+class WakeTest : public BusTest {
 protected:
-    void SetUp() override {
-        if (!bus_.isInstalled())
-            GTEST_SKIP() << "needs dbus-daemon";
-        ::setenv("DBUS_SYSTEM_BUS_ADDRESS", bus_.address().c_str(), 1);
-    }
-    void TearDown() override { ::unsetenv("DBUS_SYSTEM_BUS_ADDRESS"); }
-
-    PrivateBus bus_;
     PollLoop loop_;
     int wakes_ = 0;
 };
