@@ -55,22 +55,19 @@ TEST_F(Month, costsItsHistoryAndNothingElse) {
         } else {
             antigravity->answersUsed(33, executor.now());
         }
-        store->refresh(RefreshTrigger::timer);
-        ASSERT_TRUE(finishRefresh());
+        refresh(RefreshTrigger::timer);
         if (index % 288 == 287) {
             store->trimLog();
         }
         executor.advance(Seconds(300));
         if (index == refreshes / 10) { // after the caches have filled
-            store->flush();
-            executor.turn();
+            settle();
             descriptors = openDescriptorCount();
             threads = threadCount();
             memory = residentBytes();
         }
     }
-    store->flush();
-    executor.turn();
+    settle();
     EXPECT_EQ(openDescriptorCount(), descriptors);
     EXPECT_EQ(threadCount(), threads);
     EXPECT_EQ(livingChildCount(), 0u);

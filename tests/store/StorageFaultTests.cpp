@@ -1,24 +1,16 @@
 #include "model/UsageJSON.h"
-#include "platform/Descriptor.h"
+#include "probes/ChildSession.h"
 #include "store/LastSnapshots.h"
 #include "store/StoreFixture.h"
 #include "store/UsageHistory.h"
 #include "store/UsageHistoryFile.h"
 #include "support/ProjectDirectories.h"
 
-#include <algorithm>
-#include <array>
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <random>
-#include <spawn.h>
 #include <string>
-#include <sys/wait.h>
 #include <thread>
-#include <unistd.h>
-
-extern char** environ;
 
 namespace vellmark::tests {
 namespace {
@@ -26,41 +18,17 @@ namespace {
 namespace fs = std::filesystem;
 
 /// Starts the writer, lets it work for a moment, and kills it. How many readings it had confirmed.
-std::size_t killWriter(const fs::path& directory, int start, std::chrono::microseconds moment) {
-    std::array<int, 2> ends{};
-    if (::pipe(ends.data()) != 0) {
-        return 0;
-    }
-    const Descriptor reading(ends[0]);
-    Descriptor writing(ends[1]);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, writing.get(), STDOUT_FILENO);
-    posix_spawn_file_actions_addclose(&actions, reading.get());
-    const std::string program = builtProgram("vellmark-history-writer");
-    std::string place = directory;
-    std::string from = std::to_string(start);
-    std::string name = program;
-    std::array<char*, 4> arguments{name.data(), place.data(), from.data(), nullptr};
-    pid_t pid = -1;
-    const int error =
-        ::posix_spawn(&pid, program.c_str(), &actions, nullptr, arguments.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    writing.reset();
-    if (error != 0) {
-        return 0;
-    }
-    std::array<char, 4096> bytes{};
-    std::size_t confirmed = 0;
-    ssize_t count = ::read(reading.get(), bytes.data(), 1); // it is at work now
-    confirmed += count > 0 ? 1 : 0;
+std::size_t killWriter(const fs::path& directory, int start, Seconds moment) {
+    ChildSession writer({.executable = builtProgram("vellmark-history-writer"),
+                         .arguments = {directory.string(), std::to_string(start)}},
+                        ChildSession::ErrorStream::nullDevice);
+    std::string confirmed;
+    writer.read(confirmed, Seconds(20)); // it is at work now
     std::this_thread::sleep_for(moment); // the kill is to come at any moment
-    ::kill(pid, SIGKILL);
-    while ((count = ::read(reading.get(), bytes.data(), bytes.size())) > 0) {
-        confirmed += static_cast<std::size_t>(count);
+    ::kill(writer.processIdentifier(), SIGKILL);
+    while (writer.read(confirmed, Seconds(20)) == ChildSession::ReadEvent::data) {
     }
-    ::waitpid(pid, nullptr, 0);
-    return confirmed;
+    return confirmed.size();
 }
 
 /// scripts/fault-tests asks for a thousand.
@@ -73,14 +41,13 @@ TEST(StorageFaults, aKillCostsTheSampleInFlightAtMost) {
     const TemporaryDirectory directory;
     const fs::path path = directory / "usage-history.json";
     std::mt19937 random(std::random_device{}());
-    std::uniform_int_distribution<int> moments(0, 20'000);
+    std::uniform_real_distribution<double> moments(0, 0.02);
     std::size_t known = 0;
     const int kills = killCount();
     for (int round = 0; round < kills; ++round) {
         // Within the 35 days that are kept whole, and far enough apart to be recorded.
         const int start = 786'000'000 + round * 2'000;
-        const std::size_t confirmed =
-            killWriter(directory.path(), start, std::chrono::microseconds(moments(random)));
+        const auto confirmed = killWriter(directory.path(), start, Seconds(moments(random)));
         ASSERT_GT(confirmed, 0u) << "the writer did not work";
         UsageHistoryFile file(path);
         std::error_code error;
@@ -120,36 +87,21 @@ protected:
         return std::system(("{ " + command + "; } >/dev/null 2>&1").c_str()) == 0;
     }
 
-    void refresh(double used) {
-        codex->answersUsed(used, executor.now());
-        store->refresh(RefreshTrigger::manual, {codex->id()});
-        ASSERT_TRUE(finishRefresh());
-        store->flush();
-        executor.turn();
-        executor.advance(Seconds(300));
-    }
     std::size_t samplesOnDisk() const {
         return historyFromDocument(contentOf(machine.usageHistoryFile())).size();
     }
-    std::size_t complaints() {
-        return static_cast<std::size_t>(
-            std::ranges::count_if(store->activity(1), [](const ActivityEntry& entry) {
-                return entry.text.starts_with("Files cannot be written");
-            }));
-    }
-
     /// Figures stay, what was on disk stays, one entry says what is wrong, and afterwards
     /// everything is written.
     void showThatNothingIsLost(const std::string& breaking, const std::string& mending) {
         makeStore();
-        refresh(1);
-        refresh(2);
+        readCodex(1);
+        readCodex(2);
         ASSERT_EQ(samplesOnDisk(), 2u);
         store.reset(); // a file system with files open for writing does not become read-only
         ASSERT_TRUE(run(breaking));
         makeStore();
         for (int used = 3; used < 40; ++used) {
-            refresh(used);
+            readCodex(used);
             ASSERT_GE(samplesOnDisk(), 2u) << "valid at any time";
             ASSERT_EQ(snapshot(codex)->windows.at(0).usedPercent, used);
         }
@@ -157,7 +109,7 @@ protected:
         EXPECT_EQ(store->history().sampleCount(), 39u);
         EXPECT_EQ(complaints(), 1u);
         ASSERT_TRUE(run(mending));
-        refresh(50);
+        readCodex(50);
         EXPECT_EQ(samplesOnDisk(), 40u);
         makeStore();
         store->flush();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/PreferencesFile.h"
 #include "store/AgentUsageStore.h"
 #include "store/StubProvider.h"
 #include "support/HandTurnedExecutor.h"
@@ -28,7 +29,7 @@ protected:
         configuration.words = [] { return Localization("en", "en_US", "UTC"); };
         configuration.now = [this] { return executor.now(); };
         configuration.agents = std::move(only);
-        store = std::make_unique<AgentUsageStore>(std::move(configuration), executor, preferences);
+        store = std::make_unique<AgentUsageStore>(std::move(configuration), executor, *preferences);
     }
 
     void TearDown() override {
@@ -54,10 +55,35 @@ protected:
         return executor.turnUntil([this] { return !state().isRefreshing; });
     }
 
+    /// Refreshes and waits for the end.
+    void refresh(RefreshTrigger trigger, const std::vector<AgentProviderID>& agents = {}) {
+        store->refresh(trigger, agents);
+        ASSERT_TRUE(finishRefresh());
+    }
+    /// What was read is in the files and in the state.
+    void settle() {
+        store->flush();
+        executor.turn();
+    }
+    /// A reading of Codex alone, and five minutes.
+    void readCodex(double used) {
+        codex->answersUsed(used, executor.now());
+        refresh(RefreshTrigger::manual, {codex->id()});
+        settle();
+        executor.advance(Seconds(300));
+    }
+    /// How often the log says that files cannot be written.
+    std::size_t complaints() {
+        const auto entries = store->activity(1);
+        return static_cast<std::size_t>(std::ranges::count_if(entries, [](const auto& entry) {
+            return entry.text.starts_with("Files cannot be written");
+        }));
+    }
+
     TemporaryDirectory directory;
     Machine machine;
     HandTurnedExecutor executor;
-    MemoryPreferences preferences;
+    std::unique_ptr<Preferences> preferences = makePreferencesFile(directory / "preferences.json");
     std::shared_ptr<StubAgent> codex = std::make_shared<StubAgent>("codex");
     std::shared_ptr<StubAgent> claude = std::make_shared<StubAgent>("claude");
     std::shared_ptr<StubAgent> antigravity = std::make_shared<StubAgent>("antigravity");

@@ -2,7 +2,6 @@
 #include "store/UsageHistory.h"
 
 #include <string>
-#include <sys/stat.h>
 
 namespace vellmark::tests {
 namespace {
@@ -13,8 +12,7 @@ TEST_F(StoredFiles, theNextRunShowsTheLastGoodReadingsAtOnce) {
     makeStore();
     claude->answersUsed(42, executor.now());
     codex->fails(UsageProviderError(UsageProviderError::Kind::codexNoQuotas));
-    store->refresh(RefreshTrigger::launch);
-    ASSERT_TRUE(finishRefresh());
+    refresh(RefreshTrigger::launch);
     const Instant readAt = executor.now();
     executor.advance(Seconds(600));
 
@@ -26,8 +24,7 @@ TEST_F(StoredFiles, theNextRunShowsTheLastGoodReadingsAtOnce) {
     EXPECT_EQ(snapshot(codex), nullptr) << "never read well";
 
     claude->fails(UsageProviderError::timeout("Claude"));
-    store->refresh(RefreshTrigger::launch, {claude->id()});
-    ASSERT_TRUE(finishRefresh());
+    refresh(RefreshTrigger::launch, {claude->id()});
     makeStore();
     EXPECT_EQ(snapshot(claude)->windows.at(0).usedPercent, 42) << "a failure overwrites nothing";
     EXPECT_EQ(snapshot(claude)->updatedAt, readAt);
@@ -37,12 +34,10 @@ TEST_F(StoredFiles, readingsBecomeHistoryAndGroundsForForecasts) {
     makeStore();
     for (int reading = 0; reading < 5; ++reading) {
         codex->answersUsed(10 + reading, executor.now());
-        store->refresh(RefreshTrigger::timer, {codex->id()});
-        ASSERT_TRUE(finishRefresh());
+        refresh(RefreshTrigger::timer, {codex->id()});
         executor.advance(Seconds(3000));
     }
-    store->flush();
-    executor.turn();
+    settle();
     const WindowKey key(codex->id(), "session");
     EXPECT_EQ(store->history().sampleCount(), 5u);
     ASSERT_TRUE(state().recentPoints.contains(key));
@@ -70,8 +65,7 @@ TEST_F(StoredFiles, theActivityLogTellsWhatHappened) {
     executor.advance(Seconds(20));
     ASSERT_TRUE(finishRefresh());
     codex->answersUsed(5, executor.now());
-    store->refresh(RefreshTrigger::manual, {codex->id()});
-    ASSERT_TRUE(finishRefresh());
+    refresh(RefreshTrigger::manual, {codex->id()});
     store->setEnabled(antigravity->id(), false);
 
     std::string told;
@@ -107,13 +101,12 @@ TEST_F(StoredFiles, anAbortIsLoggedBeforeTheProgramEnds) {
 
 TEST_F(StoredFiles, nobodyElseMayReadThem) {
     makeStore();
-    store->refresh(RefreshTrigger::launch);
-    ASSERT_TRUE(finishRefresh());
+    refresh(RefreshTrigger::launch);
     store->flush();
     for (const char* name : {"usage-history.json", "last-snapshots.json", "activity.log"}) {
-        struct stat status {};
-        ASSERT_EQ(::stat((machine.supportDirectory() / name).c_str(), &status), 0) << name;
-        EXPECT_EQ(status.st_mode & 0777, 0600u) << name;
+        EXPECT_EQ(std::filesystem::status(machine.supportDirectory() / name).permissions(),
+                  std::filesystem::perms(0600))
+            << name;
     }
 }
 
@@ -122,8 +115,7 @@ TEST_F(StoredFiles, aLinkToAnotherDiskStaysOne) {
     std::filesystem::create_directories(machine.supportDirectory());
     std::filesystem::create_symlink(elsewhere, machine.lastSnapshotsFile());
     makeStore();
-    store->refresh(RefreshTrigger::launch);
-    ASSERT_TRUE(finishRefresh());
+    refresh(RefreshTrigger::launch);
     store->flush();
     EXPECT_TRUE(std::filesystem::is_symlink(machine.lastSnapshotsFile()));
     EXPECT_GT(std::filesystem::file_size(elsewhere), 2u);
@@ -132,29 +124,15 @@ TEST_F(StoredFiles, aLinkToAnotherDiskStaysOne) {
 TEST_F(StoredFiles, aDirectoryThatCannotBeWrittenCostsOneEntryAndNoFigures) {
     directory.write("Vellmark", "a file where the folder should be");
     makeStore();
-    for (int reading = 0; reading < 3; ++reading) {
-        codex->answersUsed(10 + reading, executor.now());
-        store->refresh(RefreshTrigger::manual, {codex->id()});
-        ASSERT_TRUE(finishRefresh());
-        store->flush();
-        executor.advance(Seconds(300));
+    for (const double used : {10, 11, 12}) {
+        readCodex(used);
     }
-    store->flush();
-    executor.turn();
     EXPECT_EQ(source(codex), SnapshotSource::live);
     EXPECT_EQ(store->history().sampleCount(), 3u) << "charts go on";
-    std::size_t complaints = 0;
-    for (const ActivityEntry& entry : store->activity(1)) {
-        complaints += entry.text.starts_with("Files cannot be written");
-    }
-    EXPECT_EQ(complaints, 1u);
+    EXPECT_EQ(complaints(), 1u);
 
     std::filesystem::remove(directory / "Vellmark");
-    codex->answersUsed(20, executor.now());
-    store->refresh(RefreshTrigger::manual, {codex->id()});
-    ASSERT_TRUE(finishRefresh());
-    store->flush();
-    executor.turn();
+    readCodex(20);
     makeStore();
     store->flush();
     EXPECT_EQ(store->history().sampleCount(), 4u) << "what was held back has been written";

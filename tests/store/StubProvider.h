@@ -96,27 +96,4 @@ inline ProviderRegistration registration(std::shared_ptr<StubAgent> agent,
             }};
 }
 
-/// Settings that live as long as the test.
-class MemoryPreferences : public Preferences {
-public:
-    std::optional<bool> boolean(std::string_view) const override { return std::nullopt; }
-    std::optional<double> number(std::string_view) const override { return std::nullopt; }
-    std::optional<std::string> string(std::string_view) const override { return std::nullopt; }
-    std::optional<std::vector<std::string>> strings(std::string_view key) const override {
-        const auto found = lists_.find(std::string(key));
-        return found == lists_.end() ? std::nullopt : std::optional(found->second);
-    }
-    void setBoolean(std::string_view, bool) override {}
-    void setNumber(std::string_view, double) override {}
-    void setString(std::string_view, std::string) override {}
-    void setStrings(std::string_view key, std::vector<std::string> value) override {
-        lists_[std::string(key)] = std::move(value);
-    }
-    void remove(std::string_view key) override { lists_.erase(std::string(key)); }
-    std::optional<std::error_code> writeError() const override { return std::nullopt; }
-
-private:
-    std::map<std::string, std::vector<std::string>> lists_;
-};
-
 } // namespace vellmark::tests

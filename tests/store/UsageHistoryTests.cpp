@@ -68,13 +68,6 @@ TEST_F(Course, tellsWhereTheWindowWasReset) {
     EXPECT_EQ(history.course(key, at(150), at(400), 100).resets, std::vector{at(300)});
 }
 
-TEST_F(Course, holdsALongHistoryInLittleMemory) {
-    for (int index = 0; index < 200'000; ++index) {
-        add(index, index % 100);
-    }
-    EXPECT_LE(history.bytesHeld(), 64u * history.sampleCount());
-}
-
 TEST(Recording, asksForAChangeOrHalfAnHour) {
     const UsageWindow window{"session", 40, 300, at(10'000)};
     struct Case {
