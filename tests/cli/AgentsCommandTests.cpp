@@ -1,7 +1,5 @@
-#include "cli/ProgramRun.h"
-#include "support/AgentSandbox.h"
+#include "cli/CommandTest.h"
 
-#include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
 namespace vellmark::tests {
@@ -9,27 +7,14 @@ namespace {
 
 using testing::HasSubstr;
 
-class AgentsCommand : public testing::Test {
-protected:
-    ProgramResult agents(std::vector<std::string> arguments) const {
-        const std::string directory = sandbox.machine().home.parent_path().string();
-        arguments.insert(arguments.begin(), {"--sandbox", directory, "agents"});
-        return ProgramRun::of({.arguments = std::move(arguments)});
-    }
-
-    mutable AgentSandbox sandbox;
-};
+using AgentsCommand = CommandTest;
 
 TEST_F(AgentsCommand, TellsWhatIsKnownAndLeavesOutWhatIsNot) {
     sandbox.uninstall("agy");
     sandbox.play("claude", "logged-out");
     sandbox.play("codex", "exits");
-    const std::filesystem::path preferences =
-        sandbox.machine().configuration / "Vellmark/preferences.json";
-    std::filesystem::create_directories(preferences.parent_path());
-    std::ofstream(preferences) << R"({"DisabledProviders":["claude"]})";
-
-    const ProgramResult result = agents({"--json"});
+    setPreferences(R"({"DisabledProviders":["claude"]})");
+    const ProgramResult result = run({"agents", "--json"});
     EXPECT_EQ(result.status, 0) << result.errors;
     const auto list = nlohmann::json::parse(result.output);
     ASSERT_EQ(list.size(), 3u);
@@ -46,7 +31,7 @@ TEST_F(AgentsCommand, TellsWhatIsKnownAndLeavesOutWhatIsNot) {
 
 TEST_F(AgentsCommand, TheTableSaysTheSameInWords) {
     sandbox.uninstall("agy");
-    const ProgramResult result = agents({});
+    const ProgramResult result = run({"agents"});
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_THAT(result.output, HasSubstr("~/.local/bin/claude"));
     EXPECT_THAT(result.output, HasSubstr("not found"));

@@ -2,28 +2,30 @@
 
 #include <gmock/gmock.h>
 
+#include <utility>
+
 namespace vellmark {
 namespace {
 
 using testing::ElementsAre;
 
 TEST(DisplayWidth, CountsColumnsNotBytes) {
-    struct Case {
-        const char* text;
-        std::size_t width;
+    const std::pair<const char*, std::size_t> cases[] = {
+        {"", 0},
+        {"Übrig", 5},
+        {"━━╋", 3},
+        {"日本語", 6},
+        {"e\xCC\x81", 1}, // letter and combining accent
+        {"a\xE2\x80\x8D"
+         "b",
+         2},                     // zero-width joiner
+        {"\xF0\x9F\x98\x80", 2}, // emoji
+        {"a\xFF"
+         "b",
+         3}, // ill-formed: shown as a replacement character
     };
-    for (const Case& expected : {
-             Case{"", 0}, Case{"Übrig", 5}, Case{"━━╋", 3}, Case{"日本語", 6},
-             Case{"e\xCC\x81", 1}, // letter and combining accent
-             Case{"a\xE2\x80\x8D"
-                  "b",
-                  2},                     // zero-width joiner
-             Case{"\xF0\x9F\x98\x80", 2}, // emoji
-             Case{"a\xFF"
-                  "b",
-                  3}, // ill-formed: shown as a replacement character
-         })
-        EXPECT_EQ(displayWidth(expected.text), expected.width) << expected.text;
+    for (const auto& [text, width] : cases)
+        EXPECT_EQ(displayWidth(text), width) << text;
 }
 
 TEST(DisplayWidth, CutsWithoutSplittingACharacter) {

@@ -3,7 +3,6 @@
 #include "support/ProcessCensus.h"
 #include "support/ProjectDirectories.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -49,7 +48,7 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
 
 } // namespace
 
-ProgramRun::ProgramRun(const Setting& setting) : start_(std::chrono::steady_clock::now()) {
+ProgramRun::ProgramRun(const Setting& setting) {
     if (setting.columns > 0)
         openTerminal(setting.columns);
     const std::string input =
@@ -145,7 +144,7 @@ ProgramResult ProgramRun::wait(std::chrono::duration<double> limit) {
             return waitpid(pid_, &waitStatus, WNOHANG) == pid_;
         },
         limit);
-    ProgramResult result{.elapsed = std::chrono::steady_clock::now() - start_};
+    ProgramResult result;
     if (!ended)
         return result;
     pid_ = -1;

@@ -18,7 +18,6 @@ struct ProgramResult {
     int status = -1;
     std::string output;
     std::string errors;
-    std::chrono::duration<double> elapsed{};
 };
 
 /// One run of the built `vellmark`, as a user would start it: in files, or on a terminal of its
@@ -61,7 +60,6 @@ private:
 
     TemporaryDirectory directory_;
     std::string outputPath_;
-    std::chrono::steady_clock::time_point start_;
     int terminal_ = -1;
     std::string terminalName_;
     std::string shown_;

@@ -1,9 +1,4 @@
-#include "cli/ProgramRun.h"
-#include "support/AgentSandbox.h"
-
-#include <gmock/gmock.h>
-
-#include <filesystem>
+#include "cli/CommandTest.h"
 
 namespace vellmark::tests {
 namespace {
@@ -12,17 +7,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-class ReportCommand : public testing::Test {
-protected:
-    ProgramResult run(std::vector<std::string> arguments, std::string input = {}) {
-        const std::string directory = sandbox.machine().home.parent_path().string();
-        arguments.insert(arguments.begin(), {"--sandbox", directory});
-        return ProgramRun::of({.arguments = std::move(arguments), .input = std::move(input)});
-    }
-
-    AgentSandbox sandbox;
-    TemporaryDirectory target;
-};
+using ReportCommand = CommandTest;
 
 TEST_F(ReportCommand, RedactsStandardInputByteForByte) {
     const std::string home = sandbox.machine().home.string();
@@ -52,7 +37,8 @@ TEST_F(ReportCommand, TellsTheStateOfThisMachine) {
 }
 
 TEST_F(ReportCommand, SavesForTheUserAloneOrNotAtAll) {
-    const auto file = target.path() / "report.txt";
+    const TemporaryDirectory target;
+    const auto file = target / "report.txt";
     EXPECT_EQ(run({"report", "--output", file.string()}).status, 0);
     EXPECT_THAT(contentOf(file), HasSubstr("Vellmark support report"));
     EXPECT_EQ(std::filesystem::status(file).permissions(),

@@ -1,7 +1,7 @@
-#include "cli/ProgramRun.h"
-#include "support/AgentSandbox.h"
+#include "cli/CommandTest.h"
+#include "model/UsageJSON.h"
+#include "presentation/UsageStateMaker.h"
 
-#include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -14,46 +14,30 @@ namespace {
 using nlohmann::json;
 using testing::HasSubstr;
 
-// 2026-11-20 12:00:00 UTC, and the same since 2001.
-constexpr const char* now = "2026-11-20T12:00:00Z";
-constexpr double nowInFile = 816'868'800;
+const auto codex = AgentProviderID::codex();
+const auto claude = AgentProviderID::claude();
+const auto antigravity = AgentProviderID::antigravity();
 
-json window(const char* id, double used, double minutes, double secondsToReset) {
-    return {{"id", id},
-            {"usedPercent", used},
-            {"windowDurationMinutes", minutes},
-            {"resetsAt", nowInFile + secondsToReset}};
-}
-
-json snapshot(const char* id, std::vector<json> windows) {
-    return {{"id", id},
-            {"windows", std::move(windows)},
-            {"balances", json::array()},
-            {"notes", json::array()},
-            {"source", "live"},
-            {"updatedAt", nowInFile}};
-}
-
-class StatusCommand : public testing::Test {
+class StatusCommand : public CommandTest {
 protected:
-    ProgramResult run(std::vector<std::string> arguments, std::optional<std::string> input = {}) {
-        const std::string directory = sandbox.machine().home.parent_path().string();
-        arguments.insert(arguments.begin(), {"--sandbox", directory, "status"});
-        return ProgramRun::of({.arguments = std::move(arguments), .input = std::move(input)});
+    ProgramResult status(std::vector<std::string> arguments,
+                         std::optional<std::string> input = {}) {
+        arguments.insert(arguments.begin(), "status");
+        return run(std::move(arguments), std::move(input));
     }
-    json document(const json& snapshots) {
-        const auto result = run({"--json", "--snapshots", "-", "--now", now}, snapshots.dump());
+    json document(const std::vector<AgentUsageSnapshot>& snapshots) {
+        const auto result = status({"--json", "--snapshots", "-", "--now", "2025-11-20T13:48:00Z"},
+                                   snapshotsDocument(snapshots));
         EXPECT_EQ(result.status, 0) << result.errors;
         return json::parse(result.output);
     }
-    AgentSandbox sandbox;
 };
 
 TEST_F(StatusCommand, gradesSnapshotsFromAFile) {
     const json told = document(
-        {snapshot("codex", {window("session", 10, 300, 9'000)}),
-         snapshot("claude", {window("session", 60, 300, 9'000), window("weekly", 30, 10'080, 1e5)}),
-         snapshot("antigravity", json::array())});
+        {live(codex, {window("session", 10, 300, 150)}),
+         live(claude, {window("session", 60, 300, 150), window("weekly", 30, 10'080, 1'700)}),
+         live(antigravity, {})});
     EXPECT_EQ(told["health"], "attention");
     EXPECT_EQ(told["glyph"], json({{"usedPercent", 60.0},
                                    {"elapsedPercent", 50.0},
@@ -66,46 +50,43 @@ TEST_F(StatusCommand, gradesSnapshotsFromAFile) {
 }
 
 TEST_F(StatusCommand, leavesOutWhatIsNotThere) {
-    const json none = document(json::array());
+    const json none = document({});
     EXPECT_EQ(none["health"], "unavailable");
     EXPECT_EQ(none["glyph"], json::object());
     EXPECT_EQ(none["agents"], json::array());
 
-    json withoutTime = snapshot("codex", {json{{"id", "session"}, {"usedPercent", 97.0}}});
-    const json timeless = document(json::array({withoutTime}));
+    const json timeless = document({live(codex, {windowWithoutReset("session", 97)})});
     EXPECT_EQ(timeless["health"], "critical");
     EXPECT_FALSE(timeless["glyph"].contains("elapsedPercent"));
 }
 
 TEST_F(StatusCommand, refusesWhatIsNoListOfSnapshots) {
-    const json codex = snapshot("codex", {json{{"id", "session"}, {"usedPercent", 97.0}}});
-    const std::string twice = json::array({codex, codex}).dump();
-    for (const std::string& text :
-         {std::string(), std::string("{}"), std::string("[1]"), std::string(R"([{"id":"codex"}])"),
-          std::string("nonsense"), twice}) {
-        const auto result = run({"--snapshots", "-", "--json"}, text);
+    const std::string twice = snapshotsDocument({live(codex, {}), live(codex, {})});
+    for (const std::string& text : {std::string(), std::string("{}"), std::string("[1]"),
+                                    std::string(R"([{"id":"codex"}])"), twice}) {
+        const auto result = status({"--snapshots", "-", "--json"}, text);
         EXPECT_EQ(result.status, 1) << text;
         EXPECT_EQ(result.output, "");
         EXPECT_THAT(result.errors, HasSubstr("vellmark: ")) << text;
     }
-    EXPECT_EQ(run({"--snapshots", "/nowhere/at-all"}).status, 1);
-    EXPECT_EQ(run({"--now", "tomorrow"}).status, 2);
+    EXPECT_EQ(status({"--snapshots", "/nowhere/at-all"}).status, 1);
+    EXPECT_EQ(status({"--now", "tomorrow"}).status, 2);
 }
 
 TEST_F(StatusCommand, remembersTheLastReadings) {
-    const auto before = run({"--cached"});
+    const auto before = status({"--cached"});
     EXPECT_EQ(before.status, 0);
     EXPECT_EQ(std::ranges::count(before.output, '\n'), 1);
 
-    const auto fresh = run({});
+    const auto fresh = status({});
     EXPECT_EQ(fresh.status, 0) << fresh.errors;
     EXPECT_THAT(fresh.output, HasSubstr("% left"));
     for (const char* agent : {"claude", "codex", "agy"}) {
         sandbox.uninstall(agent);
     }
-    const auto cached = run({"--cached"});
+    const auto cached = status({"--cached"});
     EXPECT_THAT(cached.output, HasSubstr("% left")) << "nothing is started for it";
-    const json told = json::parse(run({"--cached", "--json"}).output);
+    const json told = json::parse(status({"--cached", "--json"}).output);
     EXPECT_EQ(told["agents"].size(), 3u);
     EXPECT_TRUE(told["glyph"].contains("usedPercent"));
 }

@@ -1,99 +1,53 @@
 #include "cli/DisplayWidth.h"
 #include "cli/UsageView.h"
+#include "platform/Descriptor.h"
+#include "presentation/PopoverContent.h"
+#include "presentation/UsageStateMaker.h"
 #include "text/TerminalText.h"
 
 #include <gmock/gmock.h>
 
 #include <cstdlib>
 #include <fcntl.h>
-#include <sys/ioctl.h>
-#include <unistd.h>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
 
 using testing::HasSubstr;
 
-/// An output on a terminal of the given width.
-class Terminal {
-public:
-    explicit Terminal(unsigned short columns) : master_(posix_openpt(O_RDWR | O_NOCTTY)) {
-        grantpt(master_);
-        unlockpt(master_);
-        descriptor_ = open(ptsname(master_), O_RDWR | O_NOCTTY);
-        winsize size{};
-        size.ws_col = columns;
-        ioctl(descriptor_, TIOCSWINSZ, &size);
-    }
-    ~Terminal() {
-        close(descriptor_);
-        close(master_);
-    }
-    Terminal(const Terminal&) = delete;
-    Terminal& operator=(const Terminal&) = delete;
+const Localization words("en", "en_US", "UTC");
 
-    TerminalOutput output() const { return TerminalOutput(descriptor_, {{"TERM", "xterm"}}); }
-
-private:
-    int master_;
-    int descriptor_ = -1;
-};
-
-AgentBlockContent agent() {
-    UsageRowContent session{.windowID = "session",
-                            .label = "Session",
-                            .fullLabel = "Session",
-                            .value = "62% left",
-                            .bar = {.filledShare = 0.62, .paceMark = 0.3},
-                            .reset = "Resets in 1 h 27 min · 4:15 PM"};
-    UsageRowContent pool{.windowID = "pool:Claude and GPT models|5h",
-                         .label = "Claude · GPT · Session",
-                         .fullLabel = "Claude and GPT models · Session",
-                         .value = "5% left",
-                         .bar = {.filledShare = 0.05, .health = UsageHealth::critical},
-                         .reset = "Resets in 3 d 18 h · Mon 9:10 AM",
-                         .health = UsageHealth::critical};
-    pool.forecast = {{.text = "Runs out in 16 min, 70 min before reset",
-                      .briefText = "Runs out in 16 min",
-                      .tone = UsageHealth::critical}};
-    return {.id = AgentProviderID::codex(),
-            .name = "Codex",
-            .plan = "Plus",
-            .account = "somebody.with.a.long.name@example.org",
-            .state = AgentBlockContent::State::live,
-            .health = UsageHealth::critical,
-            .statusText = "Critical",
-            .rows = {session, pool},
-            .notes = {"The reading is doubtful, and this tells why it is so"}};
-}
-
-AgentBlockContent failedAgent() {
-    AgentBlockContent failed{.id = AgentProviderID::claude(),
-                             .name = "Claude",
-                             .state = AgentBlockContent::State::failed,
-                             .statusText = "Unavailable"};
-    failed.failure = {{.reason = "A reason\nin several lines that is longer than a narrow line",
-                       .wayOut = WayOut::logIn}};
-    return failed;
+/// The reading of an agent with a long name of a window and of an account, and a failure.
+std::vector<AgentBlockContent> agents() {
+    AgentUsageSnapshot read =
+        live(AgentProviderID::codex(), {window("session", 38, 300, 87),
+                                        window("pool:Claude and GPT models|5h", 95, 300, 87)});
+    read.plan = "Plus";
+    read.accountLabel = "somebody.with.a.long.name@example.org";
+    read.notes = {{SnapshotNote::ClaudeEndMarkerMissing{"doubtful"}}};
+    const AgentUsageSnapshot unread =
+        failed(AgentProviderID::claude(),
+               UsageProviderError::other("A reason\nin several lines, longer than a narrow line"));
+    return popoverContent(stateOf({read, unread}), "overview", noon, words).agents;
 }
 
 TEST(UsageView, NoLineIsWiderThanTheTerminalAndNoFigureIsCut) {
-    const Localization words("en");
-    for (unsigned short columns = 24; columns <= 130; ++columns) {
-        const Terminal terminal(columns);
-        const TerminalOutput output = terminal.output();
-        const std::string text = stripANSI(UsageView(output, words).text({agent(), failedAgent()}));
+    const Descriptor controller(::posix_openpt(O_RDWR | O_NOCTTY));
+    ASSERT_EQ(::unlockpt(controller.get()), 0);
+    const Descriptor terminal(::open(::ptsname(controller.get()), O_RDWR | O_NOCTTY));
+    for (int columns = 24; columns <= 130; ++columns) {
+        const std::string width = std::to_string(columns);
+        const TerminalOutput output(terminal.get(), {{"TERM", "xterm"}, {"COLUMNS", width}});
+        const std::string text = stripANSI(UsageView(output, words).text(agents()));
         for (const std::string_view line : nonEmptyLines(text))
             EXPECT_LE(displayWidth(line), columns) << line;
-        EXPECT_THAT(text, HasSubstr("62% left")) << columns;
-        EXPECT_THAT(text, HasSubstr("5% left")) << columns;
-        EXPECT_THAT(text, HasSubstr("doubtful")) << columns;
+        for (const char* shown : {"62% left", "5% left", "doubtful", "Runs out in"})
+            EXPECT_THAT(text, HasSubstr(shown)) << columns;
     }
 }
 
 TEST(UsageView, ABarShowsWhatIsLeftAndTheEvenPace) {
-    const Localization words("en");
-    AgentBlockContent shown = agent();
+    AgentBlockContent shown = agents().front();
     shown.rows.resize(1);
     const auto barFor = [&](double share, std::optional<double> pace) {
         shown.rows[0].bar = {.filledShare = share, .paceMark = pace};
@@ -112,4 +66,4 @@ TEST(UsageView, ABarShowsWhatIsLeftAndTheEvenPace) {
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests
