@@ -9,6 +9,7 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -34,6 +35,29 @@ struct AgentScenario {
     std::vector<std::string> windowIDs;
     /// For tests in which time is to run out.
     Seconds limit{60};
+};
+
+inline AgentScenario reads(std::string scenario, std::vector<std::string> windowIDs) {
+    return {std::move(scenario), {}, std::move(windowIDs)};
+}
+inline AgentScenario fails(std::string scenario, UsageProviderError error,
+                           Seconds limit = Seconds(60)) {
+    return {std::move(scenario), std::move(error), {}, limit};
+}
+inline AgentScenario fails(std::string scenario, UsageProviderError::Kind kind,
+                           Seconds limit = Seconds(60)) {
+    return fails(std::move(scenario), UsageProviderError(kind), limit);
+}
+
+/// Simulated agents, of which nothing may be left.
+class ScenarioTest : public testing::Test {
+protected:
+    void TearDown() override {
+        EXPECT_FALSE(sandbox.leftTemporaryFiles());
+        EXPECT_EQ(sandbox.survivors(), std::vector<std::string>());
+    }
+
+    AgentSandbox sandbox;
 };
 
 /// The scenario's name in letters, digits and underscores, as the test runner wants it.
@@ -63,6 +87,12 @@ inline void expectOutcome(const FetchOutcome& outcome, const AgentScenario& expe
         ids.push_back(window.id);
     }
     EXPECT_EQ(ids, expected.windowIDs);
+}
+
+/// `error` is one, or its kind.
+template<typename Error>
+void expectFailure(const FetchOutcome& outcome, Error error) {
+    expectOutcome(outcome, fails("", std::move(error)));
 }
 
 } // namespace vellmark::tests

@@ -5,7 +5,11 @@
 
 #include <gtest/gtest.h>
 
-#include <ostream>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
 namespace vellmark::tests {
 namespace {
 
@@ -17,92 +21,35 @@ Instant zurich(int year, int month, int day, int hour, int minute = 0, int secon
 
 const Instant morning = zurich(2025, 11, 20, 10);
 
-const UsageWindow* windowOf(const AgentUsageSnapshot& snapshot, std::string_view id) {
-    for (const UsageWindow& window : snapshot.windows) {
-        if (window.id == id) {
-            return &window;
-        }
-    }
-    return nullptr;
-}
-
-std::string recordedSession() {
-    return contentOf(sourceFile("tests/probes/claude/data/usage-session.capture"));
-}
-
-struct WindowCase {
-    const char* name;
-    std::string capture;
-    const char* id;
-    /// Absent: the capture holds no such window.
-    std::optional<double> used;
-    double minutes = 0;
-    std::optional<Instant> resetsAt;
-};
-
-void PrintTo(const WindowCase& test, std::ostream* out) {
-    *out << test.name;
-}
-
-class ClaudeWindows : public testing::TestWithParam<WindowCase> {};
-
-TEST_P(ClaudeWindows, areReadOffTheScreen) {
-    // Another section that is always good keeps the page from counting as empty.
-    const bool isWeek = std::string_view(GetParam().id) == "weekly";
-    const std::string other =
-        isWeek ? "Current session\n1% used\n" : "Current week (all models)\n1% used\n";
-    const ClaudeScreen screen(other + "\n\n\n\n-\n-\n-\n-\n-\n" + GetParam().capture);
-    const AgentUsageSnapshot snapshot = parseUsage(screen, morning);
-    const UsageWindow* window = windowOf(snapshot, GetParam().id);
-    ASSERT_EQ(window != nullptr, GetParam().used.has_value());
-    if (window) {
-        EXPECT_EQ(window->usedPercent, *GetParam().used);
-        EXPECT_EQ(window->windowDurationMinutes, GetParam().minutes);
-        EXPECT_EQ(window->resetsAt, GetParam().resetsAt);
+TEST(ClaudeUsageParser, readsTheWindowsOffTheScreen) {
+    const std::pair<std::string, UsageWindow> cases[] = {
+        {"Current session\n█████▌ 11% used\nResets 3pm (Europe/Zurich)\n",
+         {"session", 11, 300, zurich(2025, 11, 20, 15)}},
+        {"Current week (all models)\r\n████ 42,5% used\r\nResets Nov 24 at 9:30am (Europe/Zurich)",
+         {"weekly", 42.5, 10080, zurich(2025, 11, 24, 9, 30)}},
+        // The second percentage is what is left.
+        {"Current week (Fable)\n7% 93% used\n", {"fable-weekly", 7, 10080, {}}},
+        {"Current session\n5% used\nResets soon\n", {"session", 5, 300, {}}},
+        {"Current session\na\nb\nc\nd\n11% used\n", {"session", 11, 300, {}}},
+        // The last drawing counts.
+        {"Current session\n11% used\nResets 3pm\n\033[2J\033[HCurrent session\n12% used\n",
+         {"session", 12, 300, {}}},
+        {"\033[1mCurrent session\033[0m\r\n\033[32m4\033[1m2\033[0m% \033]0;x\007used\r\n",
+         {"session", 42, 300, {}}},
+        {"Current session\n11%\u00a0used\n", {"session", 11, 300, {}}},
+    };
+    for (const auto& [capture, expected] : cases) {
+        const AgentUsageSnapshot snapshot = parseUsage(ClaudeScreen(capture), morning);
+        EXPECT_EQ(snapshot.windows, std::vector{expected}) << capture;
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    , ClaudeWindows,
-    testing::Values(
-        WindowCase{"session", "Current session\n█████▌ 11% used\nResets 3pm (Europe/Zurich)\n",
-                   "session", 11, 300, zurich(2025, 11, 20, 15)},
-        WindowCase{"weekWithDecimalComma",
-                   "Current week (all models)\r\n████ 42,5% used\r\nResets Nov 24 at 9:30am "
-                   "(Europe/Zurich)\r\n",
-                   "weekly", 42.5, 10080, zurich(2025, 11, 24, 9, 30)},
-        WindowCase{"resetThatIsPastToday", "Current session\n0% used\nResets 9am\n", "session", 0,
-                   300, zurich(2025, 11, 21, 9)},
-        WindowCase{"secondPercentageIsSkipped", "Current week (Fable)\n7% 93% used\n",
-                   "fable-weekly", 7, 10080, std::nullopt},
-        WindowCase{"unreadableReset", "Current session\n5% used\nResets soon\n", "session", 5, 300,
-                   std::nullopt},
-        WindowCase{"noPercentage", "Current week (all models)\nResets Jan 2 at 1am\n", "weekly",
-                   std::nullopt, 0, std::nullopt},
-        WindowCase{"headingInALongerLine", "Current session (5 hours)\n11% used\n", "session",
-                   std::nullopt, 0, std::nullopt},
-        WindowCase{"percentageInTheFifthLine", "Current session\na\nb\nc\nd\n11% used\n", "session",
-                   11, 300, std::nullopt},
-        WindowCase{"percentageInTheSixthLine", "Current session\na\nb\nc\nd\ne\n11% used\n",
-                   "session", std::nullopt, 0, std::nullopt},
-        WindowCase{
-            "lastDrawingWins",
-            "Current session\n11% used\nResets 3pm\n\033[2J\033[HCurrent session\n12% used\n",
-            "session", 12, 300, std::nullopt},
-        WindowCase{
-            "coloursBetweenDigits",
-            "\033[1mCurrent session\033[0m\r\n\033[32m4\033[1m2\033[0m% \033]0;x\007used\r\n",
-            "session", 42, 300, std::nullopt},
-        WindowCase{"numberBeyondAllBounds",
-                   "Current session\n" + std::string(400, '9') + "% used\n", "session",
-                   std::nullopt, 0, std::nullopt},
-        WindowCase{"noBreakSpace", "Current session\n11%\u00a0used\n", "session", 11, 300,
-                   std::nullopt}),
-    [](const auto& test) { return std::string(test.param.name); });
 
 TEST(ClaudeUsageParser, givesNoQuotasWithoutAnyWindow) {
-    for (const std::string capture :
-         {"", "Current week (all models)\nResets Jan 2 at 1am\n", "11% used\n", "\xff\xfe"}) {
+    for (const std::string& capture :
+         {std::string(), std::string("Current week (all models)\nResets Jan 2 at 1am\n"),
+          std::string("Current session (5 hours)\n11% used\n"),
+          std::string("Current session\na\nb\nc\nd\ne\n11% used\n"), // too far below
+          "Current session\n" + std::string(400, '9') + "% used\n", std::string("\xff\xfe")}) {
         const ClaudeScreen screen(capture);
         try {
             parseUsage(screen, morning);
@@ -113,14 +60,12 @@ TEST(ClaudeUsageParser, givesNoQuotasWithoutAnyWindow) {
     }
 }
 
-struct ResetCase {
-    const char* line;
-    Instant now;
-    std::optional<Instant> expected;
-};
-
 TEST(ClaudeUsageParser, readsResetTimesAsZurichTime) {
-    const ResetCase cases[] = {
+    const struct {
+        const char* line;
+        Instant now;
+        std::optional<Instant> expected;
+    } cases[] = {
         {"Resets Dec 31 at 11pm", zurich(2026, 1, 1, 0, 30), zurich(2026, 12, 31, 23)},
         {"Resets Dec 31 at 11pm", zurich(2025, 12, 31, 23, 30), zurich(2025, 12, 31, 23)},
         {"Resets Jan 2 at 1am", zurich(2025, 12, 30, 12), zurich(2026, 1, 2, 1)},
@@ -142,8 +87,8 @@ TEST(ClaudeUsageParser, readsResetTimesAsZurichTime) {
         {"Resets", morning, std::nullopt},
         {"", morning, std::nullopt},
     };
-    for (const ResetCase& test : cases) {
-        EXPECT_EQ(resetDate(test.line, test.now), test.expected) << test.line;
+    for (const auto& [line, now, expected] : cases) {
+        EXPECT_EQ(resetDate(line, now), expected) << line;
     }
 }
 
@@ -184,14 +129,12 @@ TEST(ClaudeUsageParser, findsThePageErrorThatIsFirstInItsList) {
     }
 }
 
-struct EndingCase {
-    const char* capture;
-    bool isSpendLine;
-    const char* variant;
-};
-
 TEST(ClaudeUsageParser, looksAtThePagesLastLine) {
-    const EndingCase cases[] = {
+    const struct {
+        const char* capture;
+        bool isSpendLine;
+        const char* variant;
+    } cases[] = {
         {"Usage credits\n$3.20 / $50.00 spent\nEsc to cancel\n\nVELLMARK_TIMING 1 2 3 4\n", true,
          "$. / $. spent"},
         {"$1'200/$5,000.50 spent · Resets Dec 1\n", true, "$'/$,. spent · Resets Dec"},
@@ -202,10 +145,10 @@ TEST(ClaudeUsageParser, looksAtThePagesLastLine) {
         {"Esc to cancel\n", false, ""},
         {"", false, ""},
     };
-    for (const EndingCase& test : cases) {
-        const ClaudeScreen screen(test.capture);
-        EXPECT_EQ(endsWithSpendLine(screen), test.isSpendLine) << test.capture;
-        EXPECT_EQ(pageEndingVariant(screen), test.variant) << test.capture;
+    for (const auto& [capture, isSpendLine, variant] : cases) {
+        const ClaudeScreen screen(capture);
+        EXPECT_EQ(endsWithSpendLine(screen), isSpendLine) << capture;
+        EXPECT_EQ(pageEndingVariant(screen), variant) << capture;
     }
 }
 
@@ -219,22 +162,10 @@ TEST(ClaudeUsageParser, readsTheTimingLine) {
     }
 }
 
-TEST(ClaudeUsageParser, readsARecordedSession) {
-    const ClaudeScreen screen(recordedSession());
-    const AgentUsageSnapshot snapshot = parseUsage(screen, morning);
-    ASSERT_EQ(snapshot.windows.size(), 3u);
-    EXPECT_EQ(snapshot.windows[0].usedPercent, 54);
-    EXPECT_EQ(snapshot.windows[1].usedPercent, 71);
-    EXPECT_EQ(snapshot.windows[2].usedPercent, 84);
-    EXPECT_TRUE(snapshot.windows[2].resetsAt);
-    EXPECT_EQ(snapshot.accountLabel, "name@example.org");
-    EXPECT_EQ(snapshot.plan, "Max 20x");
-    EXPECT_EQ(snapshot.credit, CreditInfo::line("$3.20 / $20.00 spent"));
-    EXPECT_TRUE(stamps(screen));
-}
-
 TEST(ClaudeUsageParser, standsASessionCutOffAtAnyByte) {
-    const std::string session = recordedSession();
+    const std::string session =
+        contentOf(sourceFile("tests/probes/claude/data/usage-session.capture"));
+    EXPECT_EQ(parseUsage(ClaudeScreen(session), morning).windows.size(), 3u);
     for (std::size_t length = 0; length < session.size(); ++length) {
         const ClaudeScreen screen(std::string_view(session).substr(0, length));
         try {
