@@ -69,6 +69,14 @@ protected:
         return nullptr;
     }
 
+    /// Opens the popover; a click within the gesture that closed it is refused, and repeated.
+    [[nodiscard]] bool opensPopover() {
+        return eventually([this] {
+            delegate_->togglePopover();
+            return visible<Popover>() != nullptr;
+        });
+    }
+
     /// Does what a key with Control stands for in a window.
     static void pressShortcut(QWidget& window, Qt::Key key) {
         for (QAction* action : window.actions()) {
@@ -119,11 +127,7 @@ TEST_F(VellmarkAppDelegateTest, ReadsTheAgentsAndSaysSoInTheChosenLanguage) {
 TEST_F(VellmarkAppDelegateTest, OpensAndClosesThePopoverAgainAndAgain) {
     launch();
     for (int opening = 0; opening < 50; ++opening) {
-        ASSERT_TRUE(eventually([&] {
-            // A click within the gesture that closed it is refused.
-            delegate_->togglePopover();
-            return visible<Popover>() != nullptr;
-        })) << opening;
+        ASSERT_TRUE(opensPopover()) << opening;
         delegate_->togglePopover();
         EXPECT_FALSE(visible<Popover>());
     }
@@ -131,18 +135,12 @@ TEST_F(VellmarkAppDelegateTest, OpensAndClosesThePopoverAgainAndAgain) {
 
 TEST_F(VellmarkAppDelegateTest, TakesTheMenusKeysInThePopover) {
     launch();
-    ASSERT_TRUE(eventually([&] {
-        delegate_->togglePopover();
-        return visible<Popover>() != nullptr;
-    }));
+    ASSERT_TRUE(opensPopover());
     pressShortcut(*visible<Popover>(), Qt::Key_Comma);
     EXPECT_FALSE(visible<Popover>());
     ASSERT_TRUE(visible<AgentMainWindowView>());
     visible<AgentMainWindowView>()->close();
-    ASSERT_TRUE(eventually([&] {
-        delegate_->togglePopover();
-        return visible<Popover>() != nullptr;
-    }));
+    ASSERT_TRUE(opensPopover());
     pressShortcut(*visible<Popover>(), Qt::Key_W);
     EXPECT_FALSE(visible<Popover>());
 }
@@ -151,10 +149,7 @@ TEST_F(VellmarkAppDelegateTest, LeadsFromAnAgentInThePopoverToItsCard) {
     launch();
     ASSERT_TRUE(eventually([] { return toolTip().contains("93% used"); }));
     for (const char* agent : {"Claude", "Antigravity", "Antigravity"}) {
-        ASSERT_TRUE(eventually([&] {
-            delegate_->togglePopover();
-            return visible<Popover>() != nullptr;
-        }));
+        ASSERT_TRUE(opensPopover());
         for (auto* button : visible<Popover>()->findChildren<QAbstractButton*>()) {
             if (dynamic_cast<AgentBlock*>(button) && button->text() == agent)
                 button->click();

@@ -3,45 +3,41 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace vellmark::kit {
 namespace {
 
-struct PathCase {
-    const char* text;
-    QRectF bounds;
-};
-
-class PathBounds : public ::testing::TestWithParam<PathCase> {};
-
-TEST_P(PathBounds, AreThoseOfTheShape) {
-    const auto path = pathFromText(GetParam().text);
-    ASSERT_TRUE(path.has_value());
-    const QRectF bounds = path->boundingRect();
-    const QRectF& expected = GetParam().bounds;
-    EXPECT_NEAR(bounds.left(), expected.left(), 0.01);
-    EXPECT_NEAR(bounds.top(), expected.top(), 0.01);
-    EXPECT_NEAR(bounds.right(), expected.right(), 0.01);
-    EXPECT_NEAR(bounds.bottom(), expected.bottom(), 0.01);
+TEST(PathText, HasTheBoundsOfItsShape) {
+    const std::pair<const char*, QRectF> cases[] = {
+        {"M1 2L5 6", {1, 2, 4, 4}},
+        {"m1,2 4,4", {1, 2, 4, 4}},
+        {"M2 3h4v5H1V0", {1, 0, 5, 8}},
+        // A full circle of two arcs, with and without blanks between the flags.
+        {"M14 8a6 6 0 1 1-12 0a6 6 0 1 1 12 0z", {2, 2, 12, 12}},
+        {"M14 8a6 6 0 11-12 0a6 6 0 1112 0z", {2, 2, 12, 12}},
+        // The smaller and the larger part, both ways round.
+        {"M0 0A5 5 0 0 1 5 5", {0, 0, 5, 5}},
+        {"M0 0A5 5 0 1 1 5 5", {0, -5, 10, 10}},
+        {"M0 0A5 5 0 0 0 5 5", {0, 0, 5, 5}},
+        {"M0 0A5 5 0 1 0 5 5", {-5, 0, 10, 10}},
+        // Radii that are too small grow until the arc reaches.
+        {"M0 0A1 1 0 0 1 10 0", {0, -5, 10, 5}},
+        {"M0 0A0 3 0 0 1 4 4", {0, 0, 4, 4}},
+        {"M0 0C0 4 4 4 4 0S8-4 8 0", {0, -3, 8, 6}},
+        {"M0 0Q2 4 4 0T8 0", {0, -2, 8, 4}},
+        {"M.5.5l1.5-1.5", {0.5, -1, 1.5, 1.5}},
+    };
+    for (const auto& [text, expected] : cases) {
+        const auto path = pathFromText(text);
+        ASSERT_TRUE(path.has_value()) << text;
+        const QRectF bounds = path->boundingRect();
+        EXPECT_NEAR(bounds.left(), expected.left(), 0.01) << text;
+        EXPECT_NEAR(bounds.top(), expected.top(), 0.01) << text;
+        EXPECT_NEAR(bounds.right(), expected.right(), 0.01) << text;
+        EXPECT_NEAR(bounds.bottom(), expected.bottom(), 0.01) << text;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Commands, PathBounds,
-    ::testing::Values(PathCase{"M1 2L5 6", {1, 2, 4, 4}}, PathCase{"m1,2 4,4", {1, 2, 4, 4}},
-                      PathCase{"M2 3h4v5H1V0", {1, 0, 5, 8}},
-                      // A full circle of two arcs, with and without blanks between the flags.
-                      PathCase{"M14 8a6 6 0 1 1-12 0a6 6 0 1 1 12 0z", {2, 2, 12, 12}},
-                      PathCase{"M14 8a6 6 0 11-12 0a6 6 0 1112 0z", {2, 2, 12, 12}},
-                      // The smaller and the larger part, both ways round.
-                      PathCase{"M0 0A5 5 0 0 1 5 5", {0, 0, 5, 5}},
-                      PathCase{"M0 0A5 5 0 1 1 5 5", {0, -5, 10, 10}},
-                      PathCase{"M0 0A5 5 0 0 0 5 5", {0, 0, 5, 5}},
-                      PathCase{"M0 0A5 5 0 1 0 5 5", {-5, 0, 10, 10}},
-                      // Radii that are too small grow until the arc reaches.
-                      PathCase{"M0 0A1 1 0 0 1 10 0", {0, -5, 10, 5}},
-                      PathCase{"M0 0A0 3 0 0 1 4 4", {0, 0, 4, 4}},
-                      PathCase{"M0 0C0 4 4 4 4 0S8-4 8 0", {0, -3, 8, 6}},
-                      PathCase{"M0 0Q2 4 4 0T8 0", {0, -2, 8, 4}},
-                      PathCase{"M.5.5l1.5-1.5", {0.5, -1, 1.5, 1.5}}));
 
 TEST(PathText, RefusesWhatIsNoPath) {
     for (const char* text :

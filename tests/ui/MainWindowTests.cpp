@@ -89,12 +89,6 @@ TEST_F(MainWindow, ADisabledAgentHasNeitherEntryNorCard) {
     EXPECT_TRUE(says(QStringLiteral("Codex")));
 }
 
-TEST_F(MainWindow, SaysWhenNothingWasReadYet) {
-    show(samples::loading());
-    EXPECT_TRUE(says(QStringLiteral("Not read yet")));
-    EXPECT_TRUE(says(QStringLiteral("Reading quotas …")));
-}
-
 TEST_F(MainWindow, PointsOutTheCardOfAnAgentAlsoWhenItHasTheKeyboardAlready) {
     show(samples::normal());
     for (QWidget* stop : tabStops(view)) {

@@ -17,23 +17,31 @@ using testing::pressKey;
 using testing::RecordedActions;
 using testing::waitUntil;
 
-struct PlacementCase {
-    const char* name;
-    QRect anchor;
-    QSize size;
-    QPoint expected;
-};
-
-class PopoverPlacementOf : public ::testing::TestWithParam<PlacementCase> {};
-
-TEST_P(PopoverPlacementOf, StaysNearTheItemAndOnTheScreen) {
+TEST(PopoverPlacement, StaysNearTheItemAndOnTheScreen) {
     const QRect available(0, 24, 1440, 852);
-    const PlacementCase& sample = GetParam();
-    const QSize shown(sample.size.width(), std::min(sample.size.height(), 852 - 16));
-    const QRect place =
-        popoverPlacement(sample.anchor, sample.size, AgentUsagePopoverView::tallest, available);
-    EXPECT_EQ(place, QRect(sample.expected, shown));
-    EXPECT_FALSE(place.intersects(sample.anchor));
+    constexpr QSize usual(430, 675);
+    const struct {
+        const char* name;
+        QRect anchor;
+        QSize size;
+        QPoint expected;
+    } cases[] = {
+        {"menu bar", {700, 0, 40, 24}, usual, {505, 32}},
+        {"lower anchor", {700, 0, 40, 40}, usual, {505, 46}},
+        {"right edge", {1400, 0, 40, 24}, usual, {1002, 32}},
+        {"left edge", {0, 0, 40, 24}, usual, {8, 32}},
+        {"panel below", {700, 876, 40, 24}, usual, {505, 193}},
+        {"panel at the side", {1440, 400, 32, 32}, usual, {1002, 79}},
+        {"point", {300, 150, 0, 0}, {430, 300}, {85, 156}},
+        {"higher than the screen", {700, 0, 40, 24}, {430, 900}, {505, 32}},
+    };
+    for (const auto& [name, anchor, size, expected] : cases) {
+        const QSize shown(size.width(), std::min(size.height(), 852 - 16));
+        const QRect place =
+            popoverPlacement(anchor, size, AgentUsagePopoverView::tallest, available);
+        EXPECT_EQ(place, QRect(expected, shown)) << name;
+        EXPECT_FALSE(place.intersects(anchor)) << name;
+    }
 }
 
 // A click at the same place again must meet the strip, which closes the popover, and nothing in it.
@@ -62,20 +70,6 @@ TEST(PopoverPlacement, NeverCoversTheStripAndKeepsItsSide) {
     EXPECT_EQ(popoverPlacement({100, 150, 300, 20}, {430, 300}, 681, {0, 0, 480, 320}).height(),
               240);
 }
-
-constexpr QSize usual(430, 675);
-INSTANTIATE_TEST_SUITE_P(
-    Anchors, PopoverPlacementOf,
-    ::testing::Values(PlacementCase{"menuBar", {700, 0, 40, 24}, usual, {505, 32}},
-                      PlacementCase{"lowerAnchor", {700, 0, 40, 40}, usual, {505, 46}},
-                      PlacementCase{"rightEdge", {1400, 0, 40, 24}, usual, {1002, 32}},
-                      PlacementCase{"leftEdge", {0, 0, 40, 24}, usual, {8, 32}},
-                      PlacementCase{"panelBelow", {700, 876, 40, 24}, usual, {505, 193}},
-                      PlacementCase{"panelAtTheSide", {1440, 400, 32, 32}, usual, {1002, 79}},
-                      PlacementCase{"point", {300, 150, 0, 0}, {430, 300}, {85, 156}},
-                      PlacementCase{
-                          "higherThanTheScreen", {700, 0, 40, 24}, {430, 900}, {505, 32}}),
-    [](const auto& sample) { return sample.param.name; });
 
 class PopoverWindow : public ::testing::Test {
 protected:

@@ -2,18 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace vellmark::kit {
 namespace {
 
 TEST(UsageProgressBar, FillsItsShareAndAtLeastAFullRound) {
-    struct Case {
-        double share;
-        double filled;
-    };
-    for (const Case& sample : {Case{50, 100}, Case{100, 200}, Case{140, 200}, Case{1, 8},
-                               Case{3.9, 8}, Case{4.1, 8.2}, Case{0, 0}, Case{-3, 0}}) {
-        const BarShape shape = barShape(200, 8, sample.share, std::nullopt);
-        EXPECT_NEAR(shape.fill.boundingRect().width(), sample.filled, 0.01) << sample.share;
+    const std::pair<double, double> cases[] = {{50, 100}, {100, 200}, {140, 200}, {1, 8},
+                                               {3.9, 8},  {4.1, 8.2}, {0, 0},     {-3, 0}};
+    for (const auto& [share, filled] : cases) {
+        const BarShape shape = barShape(200, 8, share, std::nullopt);
+        EXPECT_NEAR(shape.fill.boundingRect().width(), filled, 0.01) << share;
         EXPECT_FALSE(shape.mark.has_value());
     }
 }
