@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <sdbus-c++/sdbus-c++.h>
 
+#include <chrono>
 #include <memory>
 
 namespace vellmark::tests {
@@ -44,6 +45,8 @@ TEST_F(WakeTest, IsToldWhenSleepEndsAndNotWhenItBegins) {
     ASSERT_TRUE(observer);
     for (int night = 1; night <= 2; ++night) {
         logind.prepareForSleep(true);
+        loop_.turn(std::chrono::milliseconds(100));
+        EXPECT_EQ(wakes_, night - 1);
         logind.prepareForSleep(false);
         ASSERT_TRUE(loop_.turnUntil([&] { return wakes_ >= night; }));
         EXPECT_EQ(wakes_, night);
