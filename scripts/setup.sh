@@ -62,9 +62,10 @@ missing_debian_packages() {
 }
 
 install_with_apt() {
-    local missing as_root=""
+    local missing purpose as_root=""
     if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
-        say "No apt-get here: expecting the packages of README.md to be installed already."
+        say "No apt-get here: expecting what Debian packages as" \
+            $(for purpose in "$@"; do debian_packages "$purpose"; done)
         return 0
     fi
     missing="$(missing_debian_packages "$@" | tr '\n' ' ')"
