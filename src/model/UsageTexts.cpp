@@ -135,8 +135,8 @@ std::string resetText(const UsageWindow& window, Instant now, const Localization
         return words.format("usage.reset.in",
                             {durationText(reset - now, words), std::move(moment)});
     }
-    const bool isToday = moment == timeText(reset, words);
-    return words.format(isToday ? "usage.reset.due" : "usage.reset.dueOn", {std::move(moment)});
+    return words.format(isSameDay(reset, now, words) ? "usage.reset.due" : "usage.reset.dueOn",
+                        {std::move(moment)});
 }
 
 std::string creditText(const CreditInfo& credit, const Localization& words) {

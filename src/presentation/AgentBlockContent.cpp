@@ -117,13 +117,9 @@ void setStatus(AgentBlockContent& block, Instant readAt, Instant now, const Loca
 void addRows(AgentBlockContent& block, const AgentUsageSnapshot& snapshot, const UsageState& state,
              Instant now, const Localization& words) {
     const bool isStale = block.state == AgentBlockContent::State::stale;
-    for (const UsageWindow& window : snapshot.windows) {
-        const auto recent = state.recentPoints.find({snapshot.id, window.id});
-        const std::span<const UsagePoint> points = recent != state.recentPoints.end()
-                                                       ? std::span(recent->second)
-                                                       : std::span<const UsagePoint>();
-        block.rows.push_back(usageRowContent(window, isStale, points, now, words));
-    }
+    for (const UsageWindow& window : snapshot.windows)
+        block.rows.push_back(usageRowContent(
+            window, isStale, state.recentPointsOf(snapshot.id, window.id), now, words));
     for (const BalanceInfo& balance : snapshot.balances)
         block.balances.push_back(balanceRow(balance, words));
     if (snapshot.credit)

@@ -50,11 +50,10 @@ std::string verdictSentence(const UsageWindow& window, std::span<const UsagePoin
         return words.format("overview.verdict.left", {row.figure, row.reset});
     }
     const Instant reset = *window.resetsAt;
-    const std::string moment = instantText(reset, now, words);
-    const bool isToday = moment == timeText(reset, words);
-    return words.format(isToday ? "overview.verdict.runsOut" : "overview.verdict.runsOutOn",
-                        {forecastDurationText(*outlook->emptyAt - now, words),
-                         roughDurationText(reset - *outlook->emptyAt, words), moment});
+    return words.format(
+        isSameDay(reset, now, words) ? "overview.verdict.runsOut" : "overview.verdict.runsOutOn",
+        {forecastDurationText(*outlook->emptyAt - now, words),
+         roughDurationText(reset - *outlook->emptyAt, words), instantText(reset, now, words)});
 }
 
 /// The worst window in a sentence, or that nothing is wrong.
@@ -72,14 +71,11 @@ VerdictContent verdict(const UsageState& state, Instant now, const Localization&
         for (const UsageWindow& window : snapshot.windows) {
             if (glyph.providerID != snapshot.id || glyph.windowID != window.id)
                 continue;
-            const auto recent = state.recentPoints.find({snapshot.id, window.id});
-            const auto points = recent != state.recentPoints.end()
-                                    ? std::span<const UsagePoint>(recent->second)
-                                    : std::span<const UsagePoint>();
             content.subject =
                 words.format("overview.verdict.subject", {agentShortName(snapshot.id, words),
                                                           windowLabel(window.id, words, true)});
-            content.text = verdictSentence(window, points, now, words);
+            content.text =
+                verdictSentence(window, state.recentPointsOf(snapshot.id, window.id), now, words);
         }
     }
     return content;

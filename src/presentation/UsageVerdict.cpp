@@ -50,10 +50,8 @@ bool everythingLasts(const UsageState& state, Instant now) {
         state.snapshots.begin(), state.snapshots.end(), [&](const AgentUsageSnapshot& snapshot) {
             return std::all_of(
                 snapshot.windows.begin(), snapshot.windows.end(), [&](const UsageWindow& window) {
-                    const auto recent = state.recentPoints.find({snapshot.id, window.id});
-                    const auto outlook = recent != state.recentPoints.end()
-                                             ? forecast(window, now, recent->second)
-                                             : forecast(window, now);
+                    const auto outlook =
+                        forecast(window, now, state.recentPointsOf(snapshot.id, window.id));
                     return !outlook || !outlook->emptyAt;
                 });
         });
@@ -111,12 +109,11 @@ StatusLine statusLine(const UsageState& state, Instant now, const Localization& 
     if (state.snapshots.empty() || !state.lastRefreshCompletedAt)
         return line;
     const Instant readAt = *state.lastRefreshCompletedAt;
-    const std::string time = timeText(readAt, words);
     const std::string moment = instantText(readAt, now, words);
-    const bool isToday = moment == time;
+    const char* key =
+        isSameDay(readAt, now, words) ? "popover.status.readAt" : "popover.status.readOn";
     const auto withTime = [&](const std::string& text) {
-        return words.format(isToday ? "popover.status.readAt" : "popover.status.readOn",
-                            {text, isToday ? time : moment});
+        return words.format(key, {text, moment});
     };
     return {withTime(line.text), withTime(line.briefText)};
 }

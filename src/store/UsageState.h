@@ -6,6 +6,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -37,6 +38,13 @@ struct UsageState {
     std::map<AgentProviderID, Instant> lastSuccess;
     /// The last two hours of history of each window shown, oldest first: grounds of its forecast.
     std::map<WindowKey, std::vector<UsagePoint>> recentPoints;
+    /// Those of one window; empty without any. Valid until the state changes.
+    std::span<const UsagePoint> recentPointsOf(const AgentProviderID& agent,
+                                               const std::string& windowID) const {
+        const auto found = recentPoints.find({agent, windowID});
+        return found != recentPoints.end() ? std::span<const UsagePoint>(found->second)
+                                           : std::span<const UsagePoint>();
+    }
     /// Rise with every new sample and every new log entry, for pages that show them.
     unsigned historyRevision = 0;
     unsigned activityRevision = 0;

@@ -252,6 +252,10 @@ std::string instantText(Instant instant, Instant now, const Localization& words)
     return dateText(instant, std::abs(days) < 7 ? "Ejm" : "MMMdjm", words);
 }
 
+bool isSameDay(Instant first, Instant second, const Localization& words) {
+    return calendarDaysBetween(first, second, words.timeZone()) == 0;
+}
+
 std::string momentText(Instant instant, const Localization& words) {
     return words.format("moment.dateTime",
                         {dateText(instant, middleDate, words), timeText(instant, words)});

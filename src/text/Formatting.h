@@ -46,6 +46,9 @@ std::string timeText(Instant instant, const Localization& words);
 /// ("16:15", "Mo., 09:10", "2. Dez., 09:10").
 std::string instantText(Instant instant, Instant now, const Localization& words);
 
+/// Whether both are on one day of the calendar: `instantText` is then the time alone.
+bool isSameDay(Instant first, Instant second, const Localization& words);
+
 /// When something was, to the minute ("Nov 20, 2025 at 2:46 PM", "20.11.2025, 14:46").
 std::string momentText(Instant instant, const Localization& words);
 
