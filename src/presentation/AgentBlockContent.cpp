@@ -95,10 +95,11 @@ std::string sourceText(const AgentUsageSnapshot& snapshot, Instant readAt, Insta
     return words.format("popover.source", {roughDurationText(age, words), source});
 }
 
-void setStatus(AgentBlockContent& block, Instant readAt, Instant now, const Localization& words) {
+void setStatus(AgentBlockContent& block, Instant readAt, Instant now, const Localization& words,
+               std::string_view loadingKey) {
     switch (block.state) {
     case AgentBlockContent::State::loading:
-        block.statusText = words.text("popover.loadingValues");
+        block.statusText = words.text(loadingKey);
         block.dot = StatusColorRole::refreshing;
         return;
     case AgentBlockContent::State::stale:
@@ -173,8 +174,14 @@ std::string agentShortName(const AgentProviderID& id, const Localization& words)
     return descriptor ? words.text(descriptor->shortNameKey) : singleLine(id.rawValue);
 }
 
+std::optional<UsageHealth> badgeOf(UsageHealth health) {
+    const bool needsAttention = health == UsageHealth::attention || health == UsageHealth::critical;
+    return needsAttention ? std::optional(health) : std::nullopt;
+}
+
 AgentBlockContent agentBlockContent(const AgentUsageSnapshot& snapshot, const UsageState& state,
-                                    Instant now, const Localization& words) {
+                                    Instant now, const Localization& words,
+                                    std::string_view loadingKey) {
     AgentBlockContent block{.id = snapshot.id,
                             .name = agentShortName(snapshot.id, words),
                             .plan = snapshot.plan.value_or(""),
@@ -182,7 +189,7 @@ AgentBlockContent agentBlockContent(const AgentUsageSnapshot& snapshot, const Us
                             .state = blockState(snapshot),
                             .health = health(snapshot, now)};
     const Instant readAt = readingTime(snapshot, state);
-    setStatus(block, readAt, now, words);
+    setStatus(block, readAt, now, words, loadingKey);
     if (block.state == AgentBlockContent::State::loading)
         block.boneRows = expectedRows(snapshot.id);
     else

@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vellmark {
@@ -71,8 +72,13 @@ struct AgentBlockContent {
     bool operator==(const AgentBlockContent&) const = default;
 };
 
+/// `loadingKey`: what the status says while the first values are read.
 AgentBlockContent agentBlockContent(const AgentUsageSnapshot& snapshot, const UsageState& state,
-                                    Instant now, const Localization& words);
+                                    Instant now, const Localization& words,
+                                    std::string_view loadingKey = "popover.loadingValues");
+
+/// The badge on an agent's logo: only `attention` and `critical` have one.
+std::optional<UsageHealth> badgeOf(UsageHealth health);
 
 /// The agent's name in the user's words, in full and as it is called where little room is; an
 /// unknown agent is called by its identifier.

@@ -29,7 +29,7 @@ struct LaunchOptions {
     bool operator==(const LaunchOptions&) const = default;
 };
 
-/// The steps of a launch, done by the application. `LaunchSequence` decides which and when.
+/// The steps of a launch, done by the application. `runLaunchSequence` decides which and when.
 class LaunchSteps {
 public:
     virtual ~LaunchSteps() = default;

@@ -34,8 +34,7 @@ SidebarItem agentEntry(const AgentUsageSnapshot& snapshot, Instant now, const Lo
     if (!snapshot.windows.empty())
         item.value = words.format("usage.remaining", {percentText(least, words)});
     const UsageHealth grade = health(snapshot, now);
-    if (grade == UsageHealth::attention || grade == UsageHealth::critical)
-        item.badge = grade;
+    item.badge = badgeOf(grade);
     item.accessibilityText =
         words.format("popover.agent.accessibility", {item.title, healthText(grade, words)});
     return item;
@@ -56,11 +55,22 @@ std::string verdictSentence(const UsageWindow& window, std::span<const UsagePoin
          roughDurationText(reset - *outlook->emptyAt, words), instantText(reset, now, words)});
 }
 
+/// A check mark only where every agent was read.
+std::string verdictIcon(const UsageState& state, UsageHealth worst) {
+    const bool isUnreadable =
+        std::any_of(state.snapshots.begin(), state.snapshots.end(),
+                    [](const AgentUsageSnapshot& snapshot) { return snapshot.error.has_value(); });
+    if (isUnreadable || worst == UsageHealth::attention || worst == UsageHealth::critical)
+        return "exclamationmark.triangle.fill";
+    return worst == UsageHealth::healthy ? "checkmark" : "info.circle";
+}
+
 /// The worst window in a sentence, or that nothing is wrong.
 VerdictContent verdict(const UsageState& state, Instant now, const Localization& words) {
     const UsageHealth worst = worstHealth(state, now);
     VerdictContent content{
         .tone = worst,
+        .icon = verdictIcon(state, worst),
         .text = words.format("overview.verdict.sentence", {verdictText(state, now, words)})};
     if (worst != UsageHealth::attention && worst != UsageHealth::critical) {
         return content;
@@ -116,9 +126,9 @@ OverviewContent overviewContent(const UsageState& state, Instant now, const Loca
     content.verdict = verdict(state, now, words);
     if (asksForSetup)
         content.setupHint = words.text("overview.firstRun");
-    content.loadingText = words.text("overview.loadingQuotas");
     for (const AgentUsageSnapshot& snapshot : state.snapshots)
-        content.cards.push_back(agentBlockContent(snapshot, state, now, words));
+        content.cards.push_back(
+            agentBlockContent(snapshot, state, now, words, "overview.loadingQuotas"));
     if (state.snapshots.empty())
         content.noAgents = noAgentsContent(words);
     return content;

@@ -18,6 +18,7 @@ struct SidebarItem {
     std::string icon;
     /// The least that is left of the agent's windows ("16% left"); may be empty.
     std::string value;
+    /// On the logo.
     std::optional<UsageHealth> badge;
     std::string accessibilityText;
 
@@ -31,6 +32,8 @@ std::vector<SidebarItem> sidebarItems(const UsageState& state, Instant now,
 struct VerdictContent {
     /// `healthy` and `unavailable` are neutral.
     UsageHealth tone = UsageHealth::healthy;
+    /// A symbol's name.
+    std::string icon;
     /// Agent and window, stressed and before the text; empty where all agents are meant.
     std::string subject;
     std::string text;
@@ -50,8 +53,6 @@ struct OverviewContent {
     /// That something is left to install or to log in to; empty when nothing is.
     std::string setupHint;
     std::vector<AgentBlockContent> cards;
-    /// In a card, while its agent's first values are read.
-    std::string loadingText;
     std::optional<NoAgentsContent> noAgents;
 
     bool operator==(const OverviewContent&) const = default;

@@ -15,12 +15,10 @@ std::vector<PopoverTabContent> tabContents(const std::vector<AgentBlockContent>&
     std::vector<PopoverTabContent> tabs{
         {.tab = PopoverTab::overview(), .title = overview, .accessibilityText = overview}};
     for (const AgentBlockContent& agent : agents) {
-        PopoverTabContent tab{.tab = PopoverTab::agent(agent.id),
-                              .title = agent.name,
-                              .accessibilityText = agent.accessibilityText};
-        if (agent.health == UsageHealth::attention || agent.health == UsageHealth::critical)
-            tab.badge = agent.health;
-        tabs.push_back(std::move(tab));
+        tabs.push_back({.tab = PopoverTab::agent(agent.id),
+                        .title = agent.name,
+                        .badge = badgeOf(agent.health),
+                        .accessibilityText = agent.accessibilityText});
     }
     return tabs;
 }

@@ -21,7 +21,7 @@ struct ControlContent {
 struct PopoverTabContent {
     PopoverTab tab;
     std::string title;
-    /// Only `attention` and `critical` are shown as a badge on the logo.
+    /// On the logo.
     std::optional<UsageHealth> badge;
     std::string accessibilityText;
     bool operator==(const PopoverTabContent&) const = default;

@@ -53,7 +53,6 @@ UsageRowContent usageRowContent(const UsageWindow& window, bool isStale,
                         .figureWord = words.text("usage.remaining.word"),
                         .bar = barContent(window, isStale, now, left, elapsed, words),
                         .reset = resetText(window, now, words),
-                        .health = health(window, now),
                         .isStale = isStale};
     row.value = words.format("usage.remaining", {row.figure});
     if (row.reset.empty())

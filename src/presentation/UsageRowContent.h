@@ -61,7 +61,6 @@ struct UsageRowContent {
     std::string outlook;
     /// "71% of the time elapsed"; empty without a reset time.
     std::string elapsed;
-    UsageHealth health = UsageHealth::healthy;
     bool isStale = false;
     /// Name of the row or bar for assistive software; the detail is its description.
     std::string accessibilityText;

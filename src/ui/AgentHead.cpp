@@ -23,12 +23,11 @@ AgentHead::AgentHead(const Form& form, QWidget* parent)
       detail_(new kit::Label(kit::style::small, kit::ColorRole::ink2, this)),
       health_(new kit::HealthDot(this)) {}
 
-void AgentHead::setContent(const AgentBlockContent& agent, const QString& detail,
-                           const kit::HealthLook& health) {
+void AgentHead::setContent(const AgentBlockContent& agent, const QString& detail) {
     logo_->setLook(providerLogo(agent.id));
     name_->setWords(qString(agent.name));
     detail_->setWords(detail);
-    health_->setLook(health);
+    health_->setLook(healthLook(agent));
     arrange();
 }
 

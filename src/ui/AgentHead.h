@@ -11,7 +11,6 @@ namespace kit {
 class HealthDot;
 class Label;
 class LogoTile;
-struct HealthLook;
 } // namespace kit
 
 /// The head of something that leads to an agent as a whole: logo and name with a detail beside it,
@@ -29,8 +28,7 @@ public:
     };
 
     AgentHead(const Form& form, QWidget* parent);
-    void setContent(const AgentBlockContent& agent, const QString& detail,
-                    const kit::HealthLook& health);
+    void setContent(const AgentBlockContent& agent, const QString& detail);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;

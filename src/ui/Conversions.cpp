@@ -24,11 +24,8 @@ ColorRole markColor(UsageHealth health) {
     return ColorRole::none;
 }
 
-std::optional<ColorRole> badgeColor(const std::optional<UsageHealth>& health) {
-    if (health == UsageHealth::attention || health == UsageHealth::critical) {
-        return markColor(*health);
-    }
-    return std::nullopt;
+std::optional<ColorRole> badgeColor(const std::optional<UsageHealth>& badge) {
+    return badge ? std::optional(markColor(*badge)) : std::nullopt;
 }
 
 ColorRole dotColor(StatusColorRole role) {

@@ -18,8 +18,7 @@ QString qString(std::string_view text);
 
 /// The mark's colour for a health.
 kit::ColorRole markColor(UsageHealth health);
-/// A badge on a logo: only what needs attention has one.
-std::optional<kit::ColorRole> badgeColor(const std::optional<UsageHealth>& health);
+std::optional<kit::ColorRole> badgeColor(const std::optional<UsageHealth>& badge);
 kit::ColorRole dotColor(StatusColorRole role);
 QColor qColor(const ColorComponents& color);
 

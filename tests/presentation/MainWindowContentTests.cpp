@@ -59,9 +59,13 @@ TEST(Overview, SaysWhenItWasReadAndWhatIsWorst) {
     EXPECT_EQ(content.refresh.title, "Refreshing …");
 
     EXPECT_TRUE(overviewContent(UsageState(), noon, english).noAgents);
-    const UsageState fine = stateOf({live(codex, {window("session", 22, 300, 87)})});
-    EXPECT_EQ(overviewContent(fine, noon, english).verdict.text,
-              "Everything lasts until its reset.");
+    UsageState fine = stateOf({live(codex, {window("session", 22, 300, 87)})});
+    const VerdictContent calm = overviewContent(fine, noon, english).verdict;
+    EXPECT_EQ(calm.text, "Everything lasts until its reset.");
+    EXPECT_EQ(calm.icon, "checkmark");
+    fine.snapshots.front().error = UsageProviderError::timeout("Codex");
+    EXPECT_EQ(overviewContent(fine, noon, english).verdict.icon, "exclamationmark.triangle.fill")
+        << "nothing is checked that could not be read";
 }
 
 } // namespace

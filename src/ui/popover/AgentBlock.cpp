@@ -49,7 +49,7 @@ void AgentBlock::setContent(const AgentBlockContent& content, const RowColumns& 
     columns_ = columns;
     isFirst_ = isFirst;
     boneRows_ = content.boneRows;
-    head_->setContent(content, qString(content.plan), healthLook(content));
+    head_->setContent(content, qString(content.plan));
     updateRows(rows_, content.rows, this);
     for (CompactUsageRow* row : rows_) {
         row->setColumns(columns);

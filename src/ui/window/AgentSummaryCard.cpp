@@ -41,16 +41,11 @@ AgentSummaryCard::AgentSummaryCard(AgentProviderID agent, const AgentUIActions& 
             [&actions, id = agent_] { actions.openProvider(id); });
 }
 
-void AgentSummaryCard::setContent(const AgentBlockContent& content,
-                                  const std::string& loadingText) {
+void AgentSummaryCard::setContent(const AgentBlockContent& content) {
     setText(qString(content.name));
     setAccessibleName(qString(content.accessibilityText));
     setAccessibleDescription(qString(content.accessibilityDetail));
-    kit::HealthLook health = healthLook(content);
-    if (content.state == AgentBlockContent::State::loading) {
-        health.words = qString(loadingText);
-    }
-    head_->setContent(content, accountLine(content), health);
+    head_->setContent(content, accountLine(content));
     boneCells_ = content.boneRows;
     updateRows(cells_, content.rows, this);
     updateRows(balances_, content.balances, this);

@@ -20,8 +20,7 @@ public:
     AgentSummaryCard(AgentProviderID agent, const AgentUIActions& actions, QWidget* parent);
 
     const AgentProviderID& agent() const { return agent_; }
-    /// `loadingText` stands at the end of the head while the first values are read.
-    void setContent(const AgentBlockContent& content, const std::string& loadingText);
+    void setContent(const AgentBlockContent& content);
     int heightForWidth(int width) const override;
     /// The button of a failure, when there is one.
     QWidget* wayOutButton() const;

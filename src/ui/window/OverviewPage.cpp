@@ -17,25 +17,17 @@ namespace {
 constexpr int margin = PageHead::margin;
 constexpr int gap = 12;
 
-kit::Notice::Look verdictLook(const VerdictContent& verdict, bool isEverythingRead) {
-    kit::Notice::Look look;
-    look.strongWords = qString(verdict.subject);
-    look.words = qString(verdict.text);
-    switch (verdict.tone) {
+kit::Notice::Kind noticeKind(UsageHealth tone) {
+    switch (tone) {
     case UsageHealth::attention:
-        look.kind = kit::Notice::Kind::attention;
-        break;
+        return kit::Notice::Kind::attention;
     case UsageHealth::critical:
-        look.kind = kit::Notice::Kind::critical;
-        break;
+        return kit::Notice::Kind::critical;
     case UsageHealth::healthy:
     case UsageHealth::unavailable:
-        if (isEverythingRead) {
-            look.iconName = verdict.tone == UsageHealth::healthy ? "checkmark" : "info.circle";
-        }
         break;
     }
-    return look;
+    return kit::Notice::Kind::neutral;
 }
 } // namespace
 
@@ -55,10 +47,10 @@ void OverviewPage::setContent(const OverviewContent& content) {
     head_->setTitle(qString(content.title), qString(content.subtitle));
     head_->setAge(qString(content.updated));
     head_->setRefresh(content.refresh, content.refreshTitles, content.isRefreshing);
-    const bool isEverythingRead =
-        std::none_of(content.cards.begin(), content.cards.end(),
-                     [](const AgentBlockContent& card) { return card.failure.has_value(); });
-    verdict_->setLook(verdictLook(content.verdict, isEverythingRead));
+    verdict_->setLook({.kind = noticeKind(content.verdict.tone),
+                       .iconName = content.verdict.icon,
+                       .strongWords = qString(content.verdict.subject),
+                       .words = qString(content.verdict.text)});
     verdict_->setVisible(!content.noAgents);
     setupHint_->setLook({.iconName = "info.circle", .words = qString(content.setupHint)});
     setupHint_->setVisible(!content.setupHint.empty());
@@ -68,7 +60,7 @@ void OverviewPage::setContent(const OverviewContent& content) {
     noAgents_->setVisible(content.noAgents.has_value());
     updateAgents(cards_, content.cards, actions_, column_);
     for (std::size_t index = 0; index < content.cards.size(); ++index) {
-        cards_[index]->setContent(content.cards[index], content.loadingText);
+        cards_[index]->setContent(content.cards[index]);
     }
     arrange();
 }
