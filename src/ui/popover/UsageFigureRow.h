@@ -1,16 +1,10 @@
 #pragma once
 
-#include "presentation/UsageRowContent.h"
+#include "ui/UsageFigures.h"
 
 #include <QWidget>
 
 namespace vellmark {
-
-namespace kit {
-class Label;
-}
-class ForecastLine;
-class UsageBar;
 
 /// One quota window on an agent's tab: label and large figure, a thick bar, reset and planning, and
 /// the forecast when it runs out before the reset.
@@ -26,13 +20,7 @@ protected:
 private:
     void arrange();
 
-    kit::Label* label_;
-    kit::Label* figure_;
-    kit::Label* figureWord_;
-    UsageBar* bar_;
-    kit::Label* reset_;
-    kit::Label* planning_;
-    ForecastLine* forecast_;
+    UsageFigures figures_;
 };
 
 /// The bones of such a row while its values are read.

@@ -1,6 +1,5 @@
 #include "ui/window/SummaryCell.h"
 
-#include "ui/Conversions.h"
 #include "ui/ForecastLine.h"
 #include "ui/UsageBar.h"
 #include "ui/kit/FigureText.h"
@@ -12,11 +11,17 @@
 namespace vellmark {
 
 namespace {
+constexpr int barHeight = 6;
+constexpr UsageFigures::Form figuresForm{
+    .labelColor = kit::ColorRole::ink2,
+    .figureStyle = kit::style::figure,
+    .wordStyle = kit::style::bodyMedium,
+    .barHeight = barHeight,
+};
 constexpr int labelLine = kit::style::row.lineHeight;
 constexpr int figureTop = labelLine + 4;
 constexpr int figureLine = kit::style::figure.lineHeight;
 constexpr int barTop = figureTop + figureLine + 8;
-constexpr int barHeight = 6;
 constexpr int resetTop = barTop + barHeight + 9;
 constexpr int smallLine = kit::style::small.lineHeight;
 constexpr int lastTop = resetTop + smallLine + 4;
@@ -24,26 +29,11 @@ constexpr int wordGap = 6;
 static_assert(lastTop + smallLine == SummaryCell::cellHeight);
 } // namespace
 
-SummaryCell::SummaryCell(QWidget* parent)
-    : QWidget(parent), label_(new kit::Label(kit::style::row, kit::ColorRole::ink2, this)),
-      figure_(new kit::Label(kit::style::figure, kit::ColorRole::ink, this)),
-      figureWord_(new kit::Label(kit::style::bodyMedium, kit::ColorRole::ink2, this)),
-      bar_(new UsageBar(barHeight, this)),
-      reset_(new kit::Label(kit::style::small, kit::ColorRole::ink2, this)),
-      planning_(new kit::Label(kit::style::small, kit::ColorRole::ink2, this)),
-      forecast_(new ForecastLine(this)) {}
+SummaryCell::SummaryCell(QWidget* parent) : QWidget(parent), figures_(figuresForm, this) {}
 
 void SummaryCell::setContent(const UsageRowContent& content) {
-    label_->setWords(qString(content.label));
-    label_->setToolTip(content.fullLabel != content.label ? qString(content.fullLabel) : QString());
-    figure_->setColor(content.isStale ? kit::ColorRole::ink2 : kit::ColorRole::ink);
-    figure_->setChangingWords(qString(content.figure));
-    figureWord_->setWords(qString(content.figureWord));
-    bar_->setContent(content);
-    reset_->setWords(qString(content.reset));
-    planning_->setWords(qString(content.planning));
-    forecast_->setContent(content.forecast);
-    planning_->setVisible(!content.forecast);
+    figures_.setContent(content);
+    figures_.planning->setVisible(!content.forecast);
     arrange();
 }
 
@@ -52,17 +42,18 @@ void SummaryCell::resizeEvent(QResizeEvent* /*event*/) {
 }
 
 void SummaryCell::arrange() {
-    label_->setGeometry(0, 0, width(), labelLine);
-    const int figure = figure_->wantedWidth();
-    figure_->setGeometry(0, figureTop, figure, figureLine);
+    figures_.label->setGeometry(0, 0, width(), labelLine);
+    const int figure = figures_.figure->wantedWidth();
+    figures_.figure->setGeometry(0, figureTop, figure, figureLine);
     const int wordTop = figureTop + static_cast<int>(kit::baseline(kit::style::figure) -
                                                      kit::baseline(kit::style::bodyMedium));
-    figureWord_->setGeometry(figure + wordGap, wordTop, figureWord_->wantedWidth(),
-                             kit::style::bodyMedium.lineHeight);
-    bar_->setGeometry(0, barTop - kit::barMarkReach, width(), barHeight + 2 * kit::barMarkReach);
-    reset_->setGeometry(0, resetTop, width(), smallLine);
-    planning_->setGeometry(0, lastTop, width(), smallLine);
-    forecast_->setGeometry(0, lastTop, width(), smallLine);
+    figures_.word->setGeometry(figure + wordGap, wordTop, figures_.word->wantedWidth(),
+                               kit::style::bodyMedium.lineHeight);
+    figures_.bar->setGeometry(0, barTop - kit::barMarkReach, width(),
+                              barHeight + 2 * kit::barMarkReach);
+    figures_.reset->setGeometry(0, resetTop, width(), smallLine);
+    figures_.planning->setGeometry(0, lastTop, width(), smallLine);
+    figures_.forecast->setGeometry(0, lastTop, width(), smallLine);
 }
 
 void drawCellBones(QPainter& painter, const QWidget& on, QPoint topLeft, int width) {

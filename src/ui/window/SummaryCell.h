@@ -1,16 +1,10 @@
 #pragma once
 
-#include "presentation/UsageRowContent.h"
+#include "ui/UsageFigures.h"
 
 #include <QWidget>
 
 namespace vellmark {
-
-namespace kit {
-class Label;
-}
-class ForecastLine;
-class UsageBar;
 
 /// One quota window in a summary card: label, large figure, bar, reset, and the forecast or how it
 /// stands to the plan. Always of one height, so that all cards are equally high.
@@ -27,13 +21,7 @@ protected:
 private:
     void arrange();
 
-    kit::Label* label_;
-    kit::Label* figure_;
-    kit::Label* figureWord_;
-    UsageBar* bar_;
-    kit::Label* reset_;
-    kit::Label* planning_;
-    ForecastLine* forecast_;
+    UsageFigures figures_;
 };
 
 /// The bones of a cell while its values are read.
