@@ -118,6 +118,28 @@ TEST_F(MainWindow, ShowsTheFocusRingOfEveryControlWhole) {
     }
 }
 
+TEST_F(MainWindow, TakesTheFocusRingBackFromAnotherWindowUnlessAPressHadRemovedIt) {
+    show(samples::normal());
+    const std::vector<kit::SidebarEntry*> pages = entries();
+    QWidget other;
+    other.show();
+    const auto leaveAndReturn = [&] {
+        other.activateWindow();
+        ASSERT_TRUE(waitUntil([&] { return other.isActiveWindow(); }));
+        EXPECT_EQ(findRing(), nullptr);
+        view.activateWindow();
+        ASSERT_TRUE(waitUntil([this] { return view.isActiveWindow(); }));
+    };
+    view.activateWindow();
+    ASSERT_TRUE(waitUntil([this] { return view.isActiveWindow(); }));
+    pages[1]->setFocus(Qt::TabFocusReason);
+    leaveAndReturn();
+    EXPECT_NE(findRing(), nullptr);
+    pages[2]->setFocus(Qt::MouseFocusReason);
+    leaveAndReturn();
+    EXPECT_EQ(findRing(), nullptr);
+}
+
 TEST_F(MainWindow, KeepsTheVerdictBesideTheHintAboutTheSetup) {
     const OverviewContent asking =
         overviewContent(samples::normal(), samples::now(), samples::words("en"), true);

@@ -35,11 +35,27 @@ void Interaction::placeRing() {
 }
 
 void Interaction::handleFocusIn(Qt::FocusReason reason) {
-    // A click needs no ring: the pointer shows where one is.
-    if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
-        reason == Qt::ShortcutFocusReason) {
+    switch (reason) {
+    case Qt::TabFocusReason:
+    case Qt::BacktabFocusReason:
+    case Qt::ShortcutFocusReason:
         showFocus();
+        break;
+    case Qt::ActiveWindowFocusReason:
+    case Qt::PopupFocusReason:
+        if (hadRing_) {
+            showFocus();
+        }
+        break;
+    default:
+        // A click needs no ring: the pointer shows where one is.
+        break;
     }
+}
+
+void Interaction::handleFocusOut() {
+    hadRing_ = !ring_.isNull();
+    delete ring_;
 }
 
 bool Interaction::eventFilter(QObject* watched, QEvent* event) {
@@ -60,7 +76,7 @@ bool Interaction::eventFilter(QObject* watched, QEvent* event) {
         handleFocusIn(static_cast<QFocusEvent*>(event)->reason());
         break;
     case QEvent::FocusOut:
-        delete ring_;
+        handleFocusOut();
         break;
     case QEvent::Move:
     case QEvent::Resize:

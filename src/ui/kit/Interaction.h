@@ -8,7 +8,8 @@
 namespace vellmark::kit {
 
 /// What pointer and keyboard do to a control: how far it is pointed at, and the ring around it when
-/// the keyboard brought the focus there. Watches the control; the control paints.
+/// the keyboard brought the focus there; it comes back with the focus from a menu or another
+/// window. Watches the control; the control paints.
 class Interaction : public QObject {
 public:
     Interaction(QWidget* control, FocusShape shape);
@@ -26,6 +27,7 @@ protected:
 
 private:
     void handleFocusIn(Qt::FocusReason reason);
+    void handleFocusOut();
     void placeRing();
 
     QWidget* control_;
@@ -33,6 +35,8 @@ private:
     QRect part_;
     Transition hover_;
     QPointer<FocusRing> ring_;
+    /// The control had the ring when it last lost the focus.
+    bool hadRing_ = false;
 };
 
 } // namespace vellmark::kit
