@@ -140,6 +140,18 @@ TEST_F(MainWindow, TakesTheFocusRingBackFromAnotherWindowUnlessAPressHadRemovedI
     EXPECT_EQ(findRing(), nullptr);
 }
 
+TEST_F(MainWindow, ShowsWhatIsSaidOnTopWhereverItWasScrolledTo) {
+    view.resize(AgentMainWindowView::leastSize);
+    show(samples::manyAgents());
+    const int top = firstCardTop();
+    navigation.select(AgentPage::provider(AgentProviderID("planner")));
+    view.showSelection();
+    EXPECT_LT(firstCardTop(), top);
+    navigation.select(AgentPage::of(AgentPage::Kind::overview));
+    view.showSelection();
+    EXPECT_EQ(firstCardTop(), top);
+}
+
 TEST_F(MainWindow, KeepsTheVerdictBesideTheHintAboutTheSetup) {
     const OverviewContent asking =
         overviewContent(samples::normal(), samples::now(), samples::words("en"), true);

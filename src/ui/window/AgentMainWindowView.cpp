@@ -65,6 +65,8 @@ void AgentMainWindowView::showSelection() {
     sidebar_->setSelection(hasView(page) ? page : AgentPage::of(AgentPage::Kind::overview));
     if (page.kind == AgentPage::Kind::provider) {
         overview_->showAgent(page.providerID);
+    } else {
+        overview_->scrollToTop();
     }
 }
 

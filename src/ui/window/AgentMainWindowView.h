@@ -6,7 +6,6 @@
 
 #include <QWidget>
 
-#include <optional>
 #include <vector>
 
 namespace vellmark {

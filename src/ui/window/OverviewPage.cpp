@@ -9,6 +9,8 @@
 #include "ui/window/AgentSummaryCard.h"
 #include "ui/window/PageHead.h"
 
+#include <QScrollBar>
+
 #include <algorithm>
 
 namespace vellmark {
@@ -75,6 +77,10 @@ std::vector<QWidget*> OverviewPage::controls() const {
     }
     result.push_back(noAgents_->button());
     return result;
+}
+
+void OverviewPage::scrollToTop() {
+    scroller_->verticalScrollBar()->setValue(0);
 }
 
 void OverviewPage::showAgent(const AgentProviderID& id) {

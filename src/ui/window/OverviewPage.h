@@ -23,6 +23,8 @@ public:
     OverviewPage(const AgentUIActions& actions, QWidget* parent);
 
     void setContent(const OverviewContent& content);
+    /// Shows the first line again.
+    void scrollToTop();
     /// Brings an agent's card into view and gives it the keyboard.
     void showAgent(const AgentProviderID& id);
     /// The controls in reading order.
