@@ -5,6 +5,7 @@
 #include "ui/kit/Motion.h"
 #include "ui/popover/AgentBlock.h"
 #include "ui/popover/AgentUsagePopoverView.h"
+#include "ui/popover/PopoverTabStrip.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
@@ -146,6 +147,19 @@ TEST_F(PopoverView, ChangesValuesInPlace) {
     EXPECT_EQ(view.findChildren<QProgressBar*>(), bars);
     EXPECT_EQ(places(view), before);
     EXPECT_EQ(bars.front()->value(), 31);
+}
+
+TEST_F(PopoverView, NewValuesLeaveTheTabsWhereTheyWereScrolledTo) {
+    UsageState state = samples::manyAgents();
+    show(content(state));
+    const auto* strip = dynamic_cast<PopoverTabStrip*>(view.findChild<QScrollArea*>());
+    ASSERT_NE(strip, nullptr);
+    QScrollBar& bar = *strip->horizontalScrollBar();
+    bar.setValue(bar.maximum());
+    ASSERT_GT(bar.value(), 0);
+    state.snapshots[0].windows[0].usedPercent = 31;
+    show(content(state));
+    EXPECT_EQ(bar.value(), bar.maximum());
 }
 
 TEST_F(PopoverView, KeepsBlocksWithTheirAgentsWhenOneGoes) {

@@ -23,8 +23,9 @@ class PopoverTabStrip;
 /// Everything inside the popover: head, tabs, what the chosen tab shows, foot. Shows the content
 /// that it is given and decides nothing; values change in place. Main thread.
 ///
-/// Keys: Control (on macOS Command) with 1 to 9 chooses a tab, with R refreshes; left and right go
-/// from tab to tab, up and down scroll, Return presses the control that has the focus.
+/// Keys: Control (on macOS Command) with 1 to 9 chooses a tab, with R refreshes; Return presses the
+/// control that has the focus. While none has it, left and right go from tab to tab, up and down
+/// scroll; on a button they lead to its neighbour.
 class AgentUsagePopoverView : public QWidget {
 public:
     static constexpr int viewWidth = 430;

@@ -4,8 +4,6 @@
 
 #include <QWidget>
 
-#include <vector>
-
 namespace vellmark {
 
 namespace kit {

@@ -56,11 +56,15 @@ void PopoverTabStrip::setContent(const PopoverContent& content) {
         }
         looks.push_back(tabLook(tab));
     }
+    const bool isOtherTab = selected != tabs_->currentIndex();
     tabs_->setTabs(looks, selected);
     const QSize wanted = tabs_->sizeHint();
     tabs_->setGeometry(sidePadding, topPadding, wanted.width(), wanted.height());
     strip_->resize(wanted.width() + 2 * sidePadding, std::max(height(), wanted.height()));
-    showCurrent();
+    // New values leave the strip where it was scrolled to.
+    if (isOtherTab) {
+        showCurrent();
+    }
 }
 
 void PopoverTabStrip::choose(int index) {
