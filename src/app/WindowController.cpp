@@ -51,7 +51,8 @@ void WindowController::retitle() {
 
 bool WindowController::eventFilter(QObject* watched, QEvent* event) {
     if (watched == window_.get()) {
-        if (event->type() == QEvent::Hide && !window_->isMinimized()) {
+        // A window that is being minimized is hidden by the system and visible all the same.
+        if (event->type() == QEvent::Hide && !window_->isVisible()) {
             saveFrame();
             presence_.windowClosed(description_.identifier);
         }
