@@ -3,22 +3,20 @@
 #include "cli/Table.h"
 #include "model/UsageJSON.h"
 #include "platform/Preferences.h"
+#include "presentation/AgentBlockContent.h"
 #include "probes/AgentFacts.h"
 #include "probes/ProviderRegistry.h"
+#include "store/AgentSettings.h"
 #include "text/TerminalText.h"
 
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
+#include <set>
 #include <string>
 #include <vector>
 
 namespace vellmark {
 namespace {
-
-std::string localizedName(const AgentProviderID& id, const Localization& words) {
-    return words.text(providerDescriptor(id)->nameKey);
-}
 
 /// Lists the agents that can be monitored and what is known about their CLIs.
 class AgentsCommand final : public Subcommand {
@@ -31,17 +29,15 @@ public:
     }
 
     int run(const CommandContext& context) override {
-        const auto disabled = makePreferences(context.machine)->strings("DisabledProviders");
+        const auto preferences = makePreferences(context.machine);
+        const auto enabled = AgentSettings(*preferences, providerRegistry()).enabled();
         std::vector<AgentFacts> agents;
         if (const int status = gather(context, agents); status != ExitStatus::done)
             return status;
-        const auto isEnabled = [&](const AgentProviderID& id) {
-            return !disabled || std::ranges::find(*disabled, id.rawValue) == disabled->end();
-        };
         if (json_)
-            writeJSON(agents, isEnabled, context);
+            writeJSON(agents, enabled, context);
         else
-            writeTable(agents, isEnabled, context);
+            writeTable(agents, enabled, context);
         return ExitStatus::done;
     }
 
@@ -51,14 +47,13 @@ private:
                                 [&] { agents = gatherAgentFacts(context.machine); });
     }
 
-    template<typename IsEnabled>
-    static void writeJSON(const std::vector<AgentFacts>& agents, const IsEnabled& isEnabled,
-                          const CommandContext& context) {
+    static void writeJSON(const std::vector<AgentFacts>& agents,
+                          const std::set<AgentProviderID>& enabled, const CommandContext& context) {
         JSON list = JSON::array();
         for (const AgentFacts& agent : agents) {
             JSON entry{{"id", agent.id.rawValue},
-                       {"name", localizedName(agent.id, context.words)},
-                       {"enabled", isEnabled(agent.id)}};
+                       {"name", agentName(agent.id, context.words)},
+                       {"enabled", enabled.contains(agent.id)}};
             if (agent.toolPath)
                 entry["toolPath"] = agent.toolPath->string();
             if (agent.toolVersion)
@@ -70,8 +65,8 @@ private:
         context.output.write(serialized(list) + "\n");
     }
 
-    template<typename IsEnabled>
-    static void writeTable(const std::vector<AgentFacts>& agents, const IsEnabled& isEnabled,
+    static void writeTable(const std::vector<AgentFacts>& agents,
+                           const std::set<AgentProviderID>& enabled,
                            const CommandContext& context) {
         const auto word = [&](const char* key) { return context.words.text(key); };
         Table table({{word("cli.agents.column.name")},
@@ -83,8 +78,8 @@ private:
             const char* login = !agent.loggedIn   ? "cli.agents.unknown"
                                 : *agent.loggedIn ? "cli.agents.yes"
                                                   : "cli.agents.no";
-            table.addRow({{localizedName(agent.id, context.words), TextStyle::strong},
-                          {word(isEnabled(agent.id) ? "cli.agents.yes" : "cli.agents.no")},
+            table.addRow({{agentName(agent.id, context.words), TextStyle::strong},
+                          {word(enabled.contains(agent.id) ? "cli.agents.yes" : "cli.agents.no")},
                           {word(login)},
                           {singleLine(agent.toolVersion.value_or("–"))},
                           {agent.toolPath ? singleLine(context.machine.abbreviated(*agent.toolPath))

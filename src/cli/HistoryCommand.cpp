@@ -92,8 +92,10 @@ public:
             writeJSON(rows, context);
         } else if (format == "csv") {
             writeCSV(rows, context);
-        } else {
+        } else if (!rows.empty()) {
             writeTable(rows, now, context);
+        } else if (status == ExitStatus::done) {
+            context.output.write(context.words.text("cli.history.empty") + "\n");
         }
         return status;
     }
@@ -176,13 +178,10 @@ private:
         return keys;
     }
 
+    /// Of one row at least.
     static void writeTable(const std::vector<Row>& rows, Instant now,
                            const CommandContext& context) {
         const Localization& words = context.words;
-        if (rows.empty()) {
-            context.output.write(words.text("cli.history.empty") + "\n");
-            return;
-        }
         HistorySeries series;
         for (const Row& row : rows) {
             series.add(row.provider, row.windowID,

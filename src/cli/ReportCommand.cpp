@@ -2,6 +2,7 @@
 #include "cli/Subcommands.h"
 #include "platform/WholeFile.h"
 #include "report/SupportReportFacts.h"
+#include "text/TerminalText.h"
 
 #include <optional>
 #include <string>
@@ -44,10 +45,11 @@ public:
 private:
     int save(const std::string& text, const CommandContext& context) const {
         if (const auto error = replaceWholeFile(*output_, text)) {
-            context.report(context.words.format("cli.error.notSaved", {*output_, error.message()}));
+            context.report(context.words.format("cli.error.notSaved",
+                                                {singleLine(*output_), error.message()}));
             return ExitStatus::failed;
         }
-        context.output.write(context.words.format("report.saved", {*output_}) + "\n");
+        context.output.write(context.words.format("report.saved", {singleLine(*output_)}) + "\n");
         return ExitStatus::done;
     }
 

@@ -175,12 +175,11 @@ private:
                 context.words.format("cli.setup.noShell", {"\n\n  " + task.plan.command}) + "\n");
             return ExitStatus::failed;
         }
-        for (const auto& hintKey :
-             {task.agent->setup->missingHintKey, task.agent->setup->loginHintKey}) {
-            const bool isAboutLogin = hintKey == task.agent->setup->loginHintKey;
-            if (hintKey && isAboutLogin == (task.plan.kind == SetupScriptPlan::Kind::login))
-                context.output.write(context.words.text(*hintKey) + "\n");
-        }
+        const bool isLogin = task.plan.kind == SetupScriptPlan::Kind::login;
+        const auto& hintKey =
+            isLogin ? task.agent->setup->loginHintKey : task.agent->setup->missingHintKey;
+        if (hintKey)
+            context.output.write(context.words.text(*hintKey) + "\n");
         const auto script = setupScript(task.plan, SetupScriptTexts::localized(context.words));
         int status = runInterruptibly(
             context, {}, [&] { TerminalScript(context.machine, STDIN_FILENO).run(script); });

@@ -49,6 +49,7 @@ TEST_F(StoredFilesCommands, historyTellsWhatItCannotRead) {
     const auto foreign = run({"history"});
     EXPECT_EQ(foreign.status, 1);
     EXPECT_THAT(foreign.errors, HasSubstr("usage-history.json"));
+    EXPECT_EQ(foreign.output, "") << "not that nothing is recorded";
     EXPECT_EQ(run({"history", "--format", "xml"}).status, 2);
     EXPECT_EQ(run({"history", "--agent", "nobody"}).status, 2);
     EXPECT_EQ(run({"history", "--days", "-1"}).status, 2);
