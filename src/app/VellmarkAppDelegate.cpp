@@ -254,8 +254,12 @@ void VellmarkAppDelegate::runFirstRun() {
 }
 
 void VellmarkAppDelegate::finishFirstRun(bool needsSetup) {
-    if (needsSetup && !hasTerminated_)
+    if (hasTerminated_)
+        return;
+    if (needsSetup)
         askForSetup();
+    else
+        preferences_->setBoolean(setupCompletedKey, true);
 }
 
 void VellmarkAppDelegate::askForSetup() {
