@@ -32,7 +32,7 @@ public:
     /// Draws only what differs from the last call.
     virtual void show(const StatusItemContent& content) = 0;
     virtual void setMenu(std::vector<MenuItemContent> items) = 0;
-    /// The colour scheme that the panel probably follows.
+    /// The colour scheme that the panel probably follows; never `noPreference`.
     virtual void setPanelScheme(ColorScheme scheme) = 0;
     /// The item's place now, for opening the popover without a click; empty when it is not known.
     virtual QRect anchor() const = 0;

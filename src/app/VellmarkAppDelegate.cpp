@@ -149,11 +149,14 @@ void VellmarkAppDelegate::applyAppearance() {
         systemAppearance_ ? systemAppearance_->colorScheme() : ColorScheme::noPreference;
     kit::motion::setReduced(systemAppearance_ && systemAppearance_->reducesMotion());
     const bool paletteIsDark = kit::Theme::isSystemDark();
+    panelScheme_ = scheme != ColorScheme::noPreference ? scheme
+                   : paletteIsDark                     ? ColorScheme::dark
+                                                       : ColorScheme::light;
     kit::Theme::setCurrent(appearance_.isDark(scheme, paletteIsDark)
                                ? kit::Theme::Appearance::dark
                                : kit::Theme::Appearance::light);
     if (statusItem_)
-        statusItem_->setPanelScheme(scheme);
+        statusItem_->setPanelScheme(panelScheme_);
 }
 
 void VellmarkAppDelegate::observeAppearance() {
@@ -175,6 +178,7 @@ void VellmarkAppDelegate::createStatusItem() {
         makeStatusItem(loop_, *preferences_,
                        {.toggle = [this](const QRect& anchor) { togglePopoverAt(anchor); },
                         .menuAction = [this](std::string_view action) { menuItemChosen(action); }});
+    statusItem_->setPanelScheme(panelScheme_);
     statusItem_->setMenu(statusItemMenuContent(words()));
     reevaluateStatusItem();
 }

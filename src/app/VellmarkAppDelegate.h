@@ -112,6 +112,8 @@ private:
     std::unique_ptr<SingleInstance> singleInstance_;
     std::unique_ptr<AgentUsageStore> store_;
     std::unique_ptr<SystemAppearance> systemAppearance_;
+    /// What panels follow: the system, whatever the user has chosen for the application.
+    ColorScheme panelScheme_ = ColorScheme::light;
     std::unique_ptr<StatusItem> statusItem_;
     std::optional<MenuBarGlyph> drawnGlyph_;
     /// Null when it has been closed for a while.

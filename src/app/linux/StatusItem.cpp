@@ -10,7 +10,6 @@
 #include <QGuiApplication>
 #include <QIcon>
 #include <QMenu>
-#include <QPalette>
 #include <QScreen>
 #include <QSystemTrayIcon>
 #include <QTimer>
@@ -131,11 +130,7 @@ private:
         const bool followsScheme =
             std::ranges::any_of(std::array{"kde", "mate", "lxqt", "lxde", "cinnamon"},
                                 [&](const char* name) { return desktop.contains(name); });
-        if (!followsScheme)
-            return true;
-        if (scheme_ != ColorScheme::noPreference)
-            return scheme_ == ColorScheme::dark;
-        return QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
+        return !followsScheme || scheme_ == ColorScheme::dark;
     }
 
     QColor ink() const { return isPanelDark() ? Qt::white : Qt::black; }
@@ -228,7 +223,7 @@ private:
     Preferences& preferences_;
     Events events_;
     std::optional<StatusItemContent> shown_;
-    ColorScheme scheme_ = ColorScheme::noPreference;
+    ColorScheme scheme_ = ColorScheme::light;
     /// Absent until the bus has answered.
     std::optional<bool> isHosted_;
     /// As its ground shows; absent before the first look.
