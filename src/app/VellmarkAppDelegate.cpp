@@ -9,6 +9,7 @@
 #include "probes/BoundedProcess.h"
 #include "setup/AgentSetupStatus.h"
 #include "ui/AboutWindow.h"
+#include "ui/Conversions.h"
 #include "ui/GlyphPainter.h"
 #include "ui/kit/Motion.h"
 #include "ui/kit/Theme.h"
@@ -50,10 +51,6 @@ Seconds steadySeconds() {
     return std::chrono::duration_cast<Seconds>(std::chrono::steady_clock::now().time_since_epoch());
 }
 
-QString qText(const std::string& text) {
-    return QString::fromStdString(text);
-}
-
 bool isEveryAgentRead(const UsageState& state) {
     return std::ranges::all_of(state.snapshots, [](const AgentUsageSnapshot& snapshot) {
         return snapshot.source == SnapshotSource::live && !snapshot.error;
@@ -73,13 +70,13 @@ VellmarkAppDelegate::VellmarkAppDelegate(LaunchOptions options, Machine machine)
       mainWindow_({.identifier = "main",
                    .autosaveName = "VellmarkMainWindow",
                    .make = [this] { return makeMainWindow(); },
-                   .title = [this] { return qText(words().text("app.name")); },
+                   .title = [this] { return qString(words().text("app.name")); },
                    .onVisibilityChange = [this] { mainMenu_.validate(); }},
                   windowPresence_, *preferences_),
       aboutWindow_({.identifier = "about",
                     .autosaveName = {},
                     .make = [this] { return makeAboutWindow(); },
-                    .title = [this] { return qText(words().text("about.title")); },
+                    .title = [this] { return qString(words().text("about.title")); },
                     .onVisibilityChange = {}},
                    windowPresence_, *preferences_) {
     navigation_.onChange = [this] { mainMenu_.validate(); };
@@ -340,7 +337,7 @@ void VellmarkAppDelegate::closePopover() {
 
 void VellmarkAppDelegate::showMainWindow() {
     closePopover();
-    const bool isNew = !mainWindowView_;
+    const bool isNew = mainWindow_.window() == nullptr;
     mainWindow_.show();
     store_->refresh(RefreshTrigger::window);
     updateMainWindow();
@@ -362,8 +359,6 @@ void VellmarkAppDelegate::showAbout() {
 
 std::unique_ptr<QWidget> VellmarkAppDelegate::makeMainWindow() {
     auto window = std::make_unique<AgentMainWindowView>(actions_, navigation_);
-    window->setMinimumSize(AgentMainWindowView::leastSize);
-    window->resize(AgentMainWindowView::firstSize);
     window->setWindowIcon(applicationIcon());
     if (const int buttonsHeight = reachUnderTitleBar(*window))
         window->setTopInset(buttonsHeight);
@@ -389,7 +384,7 @@ AgentUIActions VellmarkAppDelegate::makeActions() {
         .openSettings = [this] { showSettingsFromMenu(); },
         .showAbout = [this] { showAbout(); },
         .startSetup = [this] { askForSetup(); },
-        .showLegal = [](LegalDocument) {},
+        .showLegal = [this](LegalDocument) { showAbout(); },
         .showSupportReport = [this] { showSupportReportFromMenu(); },
         .quit = [] { QCoreApplication::quit(); },
     };
@@ -429,7 +424,7 @@ void VellmarkAppDelegate::showSettingsFromMenu() {
 void VellmarkAppDelegate::saveActivityFromMenu() {
     const QString directory = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     const QString path = QFileDialog::getSaveFileName(
-        mainWindow_.window(), {}, directory + '/' + qText(activityExportFileName(now())));
+        mainWindow_.window(), {}, directory + '/' + qString(activityExportFileName(now())));
     if (path.isEmpty())
         return;
     const std::string text = store_->activityExportText(exportedActivityDays);
@@ -437,9 +432,9 @@ void VellmarkAppDelegate::saveActivityFromMenu() {
     const auto size = static_cast<qint64>(text.size());
     if (!file.open(QIODevice::WriteOnly) || file.write(text.data(), size) != size || !file.commit())
         QMessageBox::warning(
-            mainWindow_.window(), qText(words().text("app.name")),
-            qText(words().format("menu.saveActivity.failed",
-                                 {path.toStdString(), file.errorString().toStdString()})));
+            mainWindow_.window(), qString(words().text("app.name")),
+            qString(words().format("menu.saveActivity.failed",
+                                   {path.toStdString(), file.errorString().toStdString()})));
 }
 
 void VellmarkAppDelegate::showSupportReportFromMenu() {
@@ -447,11 +442,11 @@ void VellmarkAppDelegate::showSupportReportFromMenu() {
 }
 
 void VellmarkAppDelegate::openWebsite() {
-    QDesktopServices::openUrl(QUrl(qText(websiteURL(words()))));
+    QDesktopServices::openUrl(QUrl(qString(websiteURL(words()))));
 }
 
 void VellmarkAppDelegate::openSupport() {
-    QDesktopServices::openUrl(QUrl(qText(supportURL(words()))));
+    QDesktopServices::openUrl(QUrl(qString(supportURL(words()))));
 }
 
 void VellmarkAppDelegate::showTermsFromMenu() {
