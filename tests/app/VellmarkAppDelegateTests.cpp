@@ -10,11 +10,11 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QEventLoop>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <functional>
 
@@ -49,14 +49,12 @@ protected:
     }
 
     static bool eventually(const std::function<bool()>& condition) {
-        QElapsedTimer elapsed;
-        elapsed.start();
-        while (elapsed.elapsed() < 60000) {
-            if (condition())
-                return true;
-            QApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 20);
-        }
-        return false;
+        return becomesTrue(
+            [&] {
+                QApplication::processEvents(QEventLoop::AllEvents, 20);
+                return condition();
+            },
+            std::chrono::seconds(60));
     }
 
     /// The first visible window of a kind; null without one.

@@ -13,22 +13,14 @@ namespace {
 /// In memory where the system offers that, since each of the thousands of refreshes is synced.
 class Month : public StoreFixture {
 protected:
-    Month() {
-        std::string name = "/dev/shm/vellmark-month-XXXXXX";
-        if (::mkdtemp(name.data())) {
-            inMemory_ = name;
-            machine.applicationSupport = inMemory_;
-        }
-    }
-    ~Month() override {
-        std::error_code ignored;
-        if (!inMemory_.empty()) {
-            std::filesystem::remove_all(inMemory_, ignored);
-        }
-    }
+    Month() { machine.applicationSupport = memory_.path(); }
 
 private:
-    std::filesystem::path inMemory_;
+    static std::filesystem::path fastest() {
+        const std::filesystem::path memory = "/dev/shm";
+        return std::filesystem::exists(memory) ? memory : std::filesystem::temp_directory_path();
+    }
+    TemporaryDirectory memory_{fastest()};
 };
 
 std::size_t residentBytes() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/DescriptorWatcher.h"
+#include "support/ProcessCensus.h"
 
 #include <chrono>
 #include <functional>
@@ -23,13 +24,10 @@ public:
 
     /// Turns until `condition` holds; false when it does not within 20 s.
     [[nodiscard]] bool turnUntil(const std::function<bool()>& condition) {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > deadline)
-                return false;
+        return becomesTrue([&] {
             turn(std::chrono::milliseconds(10));
-        }
-        return true;
+            return condition();
+        });
     }
 
     /// Waits for at most `limit` and answers what has become readable.

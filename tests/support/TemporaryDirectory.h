@@ -21,9 +21,9 @@ inline void writeFile(const std::filesystem::path& file, std::string_view conten
 /// A directory of its own for one test, removed with everything in it at the end.
 class TemporaryDirectory {
 public:
-    TemporaryDirectory() {
-        std::string name =
-            (std::filesystem::temp_directory_path() / "vellmark-test-XXXXXX").string();
+    explicit TemporaryDirectory(
+        const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
+        std::string name = (parent / "vellmark-test-XXXXXX").string();
         if (!::mkdtemp(name.data()))
             throw std::system_error(errno, std::generic_category(), name);
         path_ = std::filesystem::canonical(name);

@@ -1,11 +1,12 @@
 #include "ui/QtEnvironment.h"
 
+#include "support/ProcessCensus.h"
+
 #include <QApplication>
 #include <QKeyEvent>
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <thread>
 
 namespace vellmark::testing {
 
@@ -35,16 +36,11 @@ private:
 
 } // namespace
 
-bool waitUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
-    const auto deadline = std::chrono::steady_clock::now() + limit;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
+bool waitUntil(const std::function<bool()>& condition) {
+    return tests::becomesTrue([&] {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return true;
+        return condition();
+    });
 }
 
 void pressKey(QWidget& window, int key, Qt::KeyboardModifiers modifiers) {

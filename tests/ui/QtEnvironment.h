@@ -4,16 +4,14 @@
 
 #include <QWidget>
 
-#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
 
 namespace vellmark::testing {
 
-/// Works through events until `condition` holds; false when it does not within `limit`.
-bool waitUntil(const std::function<bool()>& condition,
-               std::chrono::milliseconds limit = std::chrono::seconds(20));
+/// Works through events until `condition` holds; false when it does not within 20 s.
+bool waitUntil(const std::function<bool()>& condition);
 
 /// Presses and releases a key where the keyboard is.
 void pressKey(QWidget& window, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
