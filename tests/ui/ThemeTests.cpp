@@ -103,6 +103,18 @@ TEST(Theme, ADarkThemeDoesNotMakeTheSystemDark) {
     }
 }
 
+TEST(Theme, MenusTellWhatIsDisabledFromWhatIsNot) {
+    for (const auto appearance : {Theme::Appearance::dark, Theme::Appearance::light}) {
+        Theme::setCurrent(appearance, std::nullopt);
+        const QPalette menu = QApplication::palette();
+        EXPECT_LT(contrastRatio(menu.color(QPalette::Disabled, QPalette::Text),
+                                menu.color(QPalette::Disabled, QPalette::Base)),
+                  contrastRatio(menu.color(QPalette::Active, QPalette::Text),
+                                menu.color(QPalette::Active, QPalette::Base)) /
+                      3);
+    }
+}
+
 TEST(Theme, FadesFromNothingWithoutPassingThroughBlack) {
     const QColor half = mixed(Qt::transparent, QColor(200, 100, 50), 0.5);
     EXPECT_EQ(half.rgb(), QColor(200, 100, 50).rgb());

@@ -1,5 +1,7 @@
 #include "ui/kit/Theme.h"
 
+#include "ui/kit/Metrics.h"
+
 #include <QApplication>
 #include <QPalette>
 #include <QStyle>
@@ -82,7 +84,7 @@ double luminance(const QColor& color) {
            0.0722 * linear(color.blueF());
 }
 
-/// What Qt draws itself in our windows: text selection, context menus of fields.
+/// What Qt draws itself: text selection, menus.
 QPalette paletteOf(const Theme& theme) {
     // Roles that are not named here stay the system's.
     QPalette palette;
@@ -93,6 +95,13 @@ QPalette paletteOf(const Theme& theme) {
     palette.setColor(QPalette::PlaceholderText, theme.color(ColorRole::ink3));
     palette.setColor(QPalette::Button, theme.color(ColorRole::fill));
     palette.setColor(QPalette::ButtonText, theme.color(ColorRole::ink));
+    const QColor disabled =
+        mixed(theme.color(ColorRole::card), theme.color(ColorRole::ink), disabledOpacity);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        palette.setColor(QPalette::Disabled, role, disabled);
+    }
+    // Some styles etch disabled words: drawn once more in this colour, beside themselves.
+    palette.setColor(QPalette::Disabled, QPalette::Light, theme.color(ColorRole::card));
     return palette;
 }
 
