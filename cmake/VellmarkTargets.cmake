@@ -27,27 +27,40 @@ if(VELLMARK_SANITIZE)
     target_link_options(vellmark_options INTERFACE -fsanitize=${VELLMARK_SANITIZE})
 endif()
 
-# Precompiled headers are made once for all libraries and once for all tests. The targets of Qt are
-# compiled as position-independent code and cannot share them.
+# Precompiled headers are made once for all libraries and once for all tests; those on Qt are compiled
+# as position-independent code and have their own.
 if(VELLMARK_PRECOMPILED_HEADERS)
     set(empty_source ${CMAKE_BINARY_DIR}/precompiled.cpp)
     file(CONFIGURE OUTPUT ${empty_source} CONTENT "")
-    foreach(kind IN ITEMS library test)
-        add_library(vellmark_${kind}_headers OBJECT ${empty_source})
-        target_link_libraries(vellmark_${kind}_headers PRIVATE
-            nlohmann_json::nlohmann_json vellmark_options)
-        target_precompile_headers(vellmark_${kind}_headers PRIVATE <algorithm> <chrono>
+    set(header_kinds library test)
+    if(TARGET Qt6::Widgets)
+        list(APPEND header_kinds qt_library qt_test)
+    endif()
+    foreach(kind IN LISTS header_kinds)
+        set(headers vellmark_${kind}_headers)
+        add_library(${headers} OBJECT ${empty_source})
+        target_link_libraries(${headers} PRIVATE nlohmann_json::nlohmann_json vellmark_options)
+        target_precompile_headers(${headers} PRIVATE <algorithm> <chrono>
             <filesystem> <fstream> <functional> <map> <memory> <optional> <string> <thread>
             <vector> <nlohmann/json.hpp>)
+        if(kind MATCHES "test$" AND BUILD_TESTING)
+            target_link_libraries(${headers} PRIVATE GTest::gmock)
+            target_precompile_headers(${headers} PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+        endif()
+        if(kind MATCHES "^qt")
+            target_link_libraries(${headers} PRIVATE Qt6::Widgets)
+            target_precompile_headers(${headers} PRIVATE <QAbstractButton> <QApplication>
+                <QKeyEvent> <QLabel> <QMouseEvent> <QPainter> <QPainterPath> <QScreen> <QScrollArea>
+                <QWidget>)
+        endif()
     endforeach()
-    if(BUILD_TESTING)
-        target_link_libraries(vellmark_test_headers PRIVATE GTest::gmock)
-        target_precompile_headers(vellmark_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
-    endif()
 endif()
 
 function(vellmark_share_precompiled_headers target kind)
-    if(VELLMARK_PRECOMPILED_HEADERS AND NOT target MATCHES "^vellmark_(app|ui)")
+    if(target MATCHES "^vellmark_(app|ui)")
+        set(kind qt_${kind})
+    endif()
+    if(VELLMARK_PRECOMPILED_HEADERS)
         target_precompile_headers(${target} REUSE_FROM vellmark_${kind}_headers)
     endif()
 endfunction()

@@ -29,7 +29,7 @@ constexpr int trayLookDelayMs = 500;
 
 NotifierPixmap notifierPixmap(const QImage& image) {
     NotifierPixmap pixmap{.side = image.width()};
-    pixmap.pixels.reserve(static_cast<std::size_t>(image.width()) * image.height());
+    pixmap.pixels.reserve(static_cast<std::size_t>(image.width() * image.height()));
     for (int y = 0; y < image.height(); ++y) {
         const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
         pixmap.pixels.insert(pixmap.pixels.end(), line, line + image.width());
