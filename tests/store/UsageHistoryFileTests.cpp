@@ -106,7 +106,7 @@ TEST_F(HistoryFile, anAppendWritesTheNewSamplesAlone) {
     if (!fs::exists("/proc/thread-self/io")) {
         GTEST_SKIP() << "no /proc/thread-self/io to count the bytes with";
     }
-#ifdef __SANITIZE_ADDRESS__
+#ifdef VELLMARK_ADDRESS_SANITIZER
     GTEST_SKIP() << "the sanitizer looks at memory by writing it to a pipe, which is counted too";
 #endif
     const auto writtenByThread = [] {
