@@ -4,16 +4,18 @@
 #include "app/VellmarkAppDelegate.h"
 #include "platform/Machine.h"
 #include "platform/SessionBus.h"
+#include "platform/UserLocale.h"
+#include "presentation/LanguageManager.h"
 #include "probes/ChildWatcher.h"
 #include "probes/DemoSandbox.h"
 #include "store/DemoHistory.h"
+#include "text/TerminalText.h"
 #include "ui/kit/ToolTip.h"
 
 #include <QApplication>
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <exception>
 #include <filesystem>
 #include <memory>
@@ -32,6 +34,13 @@ constexpr auto usage =
     "                        [--sandbox DIR]\n"
     "       vellmark-desktop --render-glyph USED ELAPSED SIZE FILE.png\n";
 
+void report(const std::string& message) {
+    std::fprintf(stderr, "vellmark-desktop: %s\n", message.c_str());
+}
+
+/// What is said where there is no display. Set before Qt looks for one.
+std::string noDisplay;
+
 /// Qt ends in abort() where it finds no display; what it says before that is the reason.
 void leaveWithoutDisplay(QtMsgType type, const QMessageLogContext& context,
                          const QString& message) {
@@ -40,9 +49,7 @@ void leaveWithoutDisplay(QtMsgType type, const QMessageLogContext& context,
                      qFormatLogMessage(type, context, message).toLocal8Bit().constData());
         return;
     }
-    std::fputs("vellmark-desktop: cannot show anything: no display was found, or none that can be "
-               "used.\nThe terminal program needs none: vellmark\n",
-               stderr);
+    report(noDisplay);
     std::_Exit(1);
 }
 
@@ -94,27 +101,28 @@ int main(int argc, char** argv) {
     // Before this process changes its own environment: agents get the user's.
     const Machine machine = Machine::current();
     const auto options = LaunchOptions::parse(arguments, machine.environment);
+    const Localization words =
+        localizationFor(UserLocale::of(machine.environment), options.language);
     if (!options.offendingArgument.empty()) {
-        std::fprintf(stderr, "vellmark-desktop: %s is not an option or lacks its value\n%s",
-                     options.offendingArgument.c_str(), usage);
+        report(words.format("desktop.error.option", {singleLine(options.offendingArgument)}));
+        std::fputs(usage, stderr);
         return wrongUse;
     }
 
     if (!startChildWatcher())
-        std::fputs("vellmark-desktop: vellmark-watcher cannot be started; if this program is "
-                   "killed, agents may go on running\n",
-                   stderr);
+        report(words.text("watcher.missing"));
     // The toolkit must not meet a stopped bus.
     leaveOutUnansweringSessionBus();
     QApplication::setApplicationName(QStringLiteral("Vellmark"));
     QApplication::setDesktopFileName(QStringLiteral("app.vellmark.Vellmark"));
     QApplication::setQuitOnLastWindowClosed(false);
+    noDisplay = words.text("desktop.error.noDisplay");
     const std::unique_ptr<QApplication> application = makeApplication(argc, argv);
     kit::useToolTips();
     try {
         return runOnChosenMachine(*application, options, machine);
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "vellmark-desktop: %s\n", error.what());
+        report(singleLine(error.what()));
         return 1;
     }
 }

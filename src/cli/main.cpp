@@ -39,7 +39,7 @@ int runSubcommand(const CommandLine& commandLine, const Machine& machine, const 
     }
     const Machine& chosen = demo ? demo->machine() : sandbox ? *sandbox : machine;
     if (commandLine.subcommand->startsChildren() && !startChildWatcher())
-        errors.write("vellmark: " + words.text("cli.error.noWatcher") + "\n");
+        errors.write("vellmark: " + words.text("watcher.missing") + "\n");
     const int status = commandLine.subcommand->run({chosen, words, output, errors});
     // Nothing that a subcommand started outlives the program, or the demo's directory.
     terminateAllChildren(Seconds(1));

@@ -12,7 +12,7 @@ namespace {
 TEST(WithoutDisplay, TheProgramSaysSoAndEnds) {
     for (const std::string setting : {"-u DISPLAY", "DISPLAY=:nowhere"}) {
         const std::string command = "env -u WAYLAND_DISPLAY " + setting + " QT_QPA_PLATFORM=xcb " +
-                                    builtProgram("vellmark-desktop") + " --demo 2>&1";
+                                    builtProgram("vellmark-desktop") + " --demo --language en 2>&1";
         std::FILE* output = ::popen(command.c_str(), "r");
         ASSERT_TRUE(output);
         std::string text;
