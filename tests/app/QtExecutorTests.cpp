@@ -28,14 +28,6 @@ protected:
     }
 
     static constexpr Seconds none{0};
-    int argumentCount_ = 1;
-    char name_[9] = "executor";
-    char* arguments_[2] = {name_, nullptr};
-    /// The tests of the application have one of their own.
-    std::optional<QCoreApplication> application_ =
-        QCoreApplication::instance()
-            ? std::nullopt
-            : std::make_optional<QCoreApplication>(argumentCount_, arguments_);
     QtExecutor executor_;
     std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
     std::vector<int> ran_;

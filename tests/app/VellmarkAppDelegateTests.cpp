@@ -15,7 +15,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <functional>
 
 namespace vellmark::tests {
@@ -24,18 +23,6 @@ namespace {
 /// The application on a display that nobody sees, without a bus: its item is the strip.
 class VellmarkAppDelegateTest : public testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-        ::setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent", 1);
-        ::setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent", 1);
-        static int argumentCount = 1;
-        static char name[] = "vellmark-desktop";
-        static char* arguments[] = {name, nullptr};
-        QApplication::setQuitOnLastWindowClosed(false);
-        application_ = std::make_unique<QApplication>(argumentCount, arguments);
-    }
-    static void TearDownTestSuite() { application_.reset(); }
-
     void launch(LaunchOptions options = {}) {
         options.language = "en";
         delegate_ = std::make_unique<VellmarkAppDelegate>(options, sandbox_.machine());
@@ -100,7 +87,6 @@ protected:
         return {};
     }
 
-    static inline std::unique_ptr<QApplication> application_;
     AgentSandbox sandbox_;
     std::unique_ptr<VellmarkAppDelegate> delegate_;
     LaunchOutcome outcome_ = LaunchOutcome::launched;

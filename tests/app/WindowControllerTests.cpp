@@ -2,26 +2,13 @@
 #include "platform/PreferencesFile.h"
 #include "support/TemporaryDirectory.h"
 
-#include <QApplication>
 #include <gtest/gtest.h>
-
-#include <cstdlib>
 
 namespace vellmark::tests {
 namespace {
 
 class WindowControllerTest : public testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-        static int argumentCount = 1;
-        static char name[] = "windows";
-        static char* arguments[] = {name, nullptr};
-        application_ = std::make_unique<QApplication>(argumentCount, arguments);
-    }
-    static void TearDownTestSuite() { application_.reset(); }
-
-    static inline std::unique_ptr<QApplication> application_;
     TemporaryDirectory directory_;
     std::unique_ptr<Preferences> preferences_ =
         makePreferencesFile(directory_ / "preferences.json");

@@ -12,11 +12,14 @@ namespace vellmark::testing {
 
 namespace {
 
-/// One application for all tests of the program, drawing without a display.
+/// One application for all tests of the program, without a display and a bus.
 class QtEnvironment : public ::testing::Environment {
 public:
     void SetUp() override {
         qputenv("QT_QPA_PLATFORM", "offscreen");
+        qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+        qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent");
+        QApplication::setQuitOnLastWindowClosed(false);
         application_ = std::make_unique<QApplication>(count_, arguments_);
         QFont font = QApplication::font();
         font.setFamily(QStringLiteral("Inter"));
