@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
@@ -230,14 +231,6 @@ void encodeMember(JSON& json, const char* name, const std::optional<Value>& valu
     }
 }
 
-/// Reads a document whose values `decode` understands.
-template<typename Value>
-Value decodedDocument(std::string_view text) {
-    Value value;
-    decode(parsedJSON(text), value);
-    return value;
-}
-
 } // namespace
 
 JSON toJSON(const UsageWindow& value) {
@@ -441,15 +434,9 @@ std::string snapshotsDocument(const std::vector<AgentUsageSnapshot>& snapshots) 
 }
 
 std::vector<AgentUsageSnapshot> snapshotsFromDocument(std::string_view text) {
-    return decodedDocument<std::vector<AgentUsageSnapshot>>(text);
-}
-
-std::string historyDocument(const std::vector<UsageHistorySample>& samples) {
-    return serialized(encoded(samples));
-}
-
-std::vector<UsageHistorySample> historyFromDocument(std::string_view text) {
-    return decodedDocument<std::vector<UsageHistorySample>>(text);
+    std::vector<AgentUsageSnapshot> snapshots;
+    decode(parsedJSON(text), snapshots);
+    return snapshots;
 }
 
 } // namespace vellmark

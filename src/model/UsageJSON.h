@@ -52,10 +52,9 @@ JSON parsedJSON(std::string_view text);
 /// line.
 std::string serialized(const JSON& json, int indent = 2);
 
-/// The documents that are exchanged whole. The readers throw JSONDecodingError.
+/// Several snapshots as one document, which is exchanged whole; a history is not, see
+/// UsageHistoryReader. Reading throws JSONDecodingError.
 std::string snapshotsDocument(const std::vector<AgentUsageSnapshot>& snapshots);
 std::vector<AgentUsageSnapshot> snapshotsFromDocument(std::string_view text);
-std::string historyDocument(const std::vector<UsageHistorySample>& samples);
-std::vector<UsageHistorySample> historyFromDocument(std::string_view text);
 
 } // namespace vellmark

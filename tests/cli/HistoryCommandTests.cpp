@@ -1,5 +1,5 @@
 #include "cli/CommandTest.h"
-#include "model/UsageJSON.h"
+#include "support/HistoryDocument.h"
 
 namespace vellmark::tests {
 namespace {
@@ -25,11 +25,15 @@ TEST_F(StoredFilesCommands, historyGivesTheSamplesOldestFirst) {
     const auto first = sample("codex", "session", 3, 10);
     const auto second = sample("claude", "weekly,\"odd\"", 2, 33.25);
     const auto third = sample("codex", "session", 1, 60);
-    writeFile(support / "usage-history.json", historyDocument({third, first, second}));
+    JSON document = JSON::array();
+    for (const UsageHistorySample& one : {third, first, second}) {
+        document.push_back(toJSON(one));
+    }
+    writeFile(support / "usage-history.json", serialized(document));
 
     const auto samples = [&](std::vector<std::string> choice) {
         choice.insert(choice.begin(), {"history", "--format", "json"});
-        return historyFromDocument(run(std::move(choice)).output);
+        return samplesOf(run(std::move(choice)).output);
     };
     EXPECT_EQ(samples({}), (std::vector{first, second, third}));
     EXPECT_EQ(samples({"--agent", "codex", "--days", "2"}), std::vector{third});

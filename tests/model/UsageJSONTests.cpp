@@ -78,10 +78,13 @@ TEST(UsageJSON, comesBackAsItWent) {
     const std::vector snapshots{fullSnapshot(), bare};
     EXPECT_EQ(snapshotsFromDocument(snapshotsDocument(snapshots)), snapshots);
 
-    const std::vector samples{
-        UsageHistorySample{UUID::make(), AgentProviderID::codex(), "weekly", at(-1.5), 99.9, {}},
-        UsageHistorySample{UUID::make(), AgentProviderID("x"), "", at(0), 0, at(7.25)}};
-    EXPECT_EQ(historyFromDocument(historyDocument(samples)), samples);
+    for (const UsageHistorySample& sample :
+         {UsageHistorySample{UUID::make(), AgentProviderID::codex(), "weekly", at(-1.5), 99.9, {}},
+          UsageHistorySample{UUID::make(), AgentProviderID("x"), "", at(0), 0, at(7.25)}}) {
+        UsageHistorySample read;
+        fromJSON(parsedJSON(serialized(toJSON(sample))), read);
+        EXPECT_EQ(read, sample);
+    }
 }
 
 TEST(UsageJSON, everyErrorComesBackAsItWent) {
@@ -173,16 +176,15 @@ TEST(UsageJSON, hostileDocumentsAreRefused) {
     for (int index = 0; index < 200000; ++index) {
         manyMembers += "\"" + std::to_string(index) + "\":0,";
     }
-    const std::string document =
-        historyDocument({{UUID::make(), AgentProviderID::claude(), "weekly", at(1), 2, at(3)}});
+    const std::string document = snapshotsDocument({fullSnapshot()});
     for (const std::string& text :
          {std::string(), std::string(2000000, '['), std::string("[1e999]"), std::string("\xFF"),
           manyMembers + "\"x\":0}", std::string(600, '[') + std::string(600, ']'),
           std::string("{\"a\":") + document + "}", document + document}) {
-        EXPECT_THROW(historyFromDocument(text), JSONDecodingError) << text.substr(0, 20);
+        EXPECT_THROW(snapshotsFromDocument(text), JSONDecodingError) << text.substr(0, 20);
     }
     for (std::size_t length = 0; length < document.size(); ++length) {
-        EXPECT_THROW(historyFromDocument(document.substr(0, length)), JSONDecodingError);
+        EXPECT_THROW(snapshotsFromDocument(document.substr(0, length)), JSONDecodingError);
     }
 }
 

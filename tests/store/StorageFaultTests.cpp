@@ -1,9 +1,9 @@
-#include "model/UsageJSON.h"
 #include "probes/ChildSession.h"
 #include "store/LastSnapshots.h"
 #include "store/StoreFixture.h"
 #include "store/UsageHistory.h"
 #include "store/UsageHistoryFile.h"
+#include "support/HistoryDocument.h"
 #include "support/ProjectDirectories.h"
 
 #include <csignal>
@@ -62,7 +62,7 @@ TEST(StorageFaults, aKillCostsTheSampleInFlightAtMost) {
         ASSERT_EQ(LastSnapshots(directory / "last-snapshots.json").read().size(), 1u);
         known = found;
     }
-    ASSERT_EQ(historyFromDocument(contentOf(path)).size(), known);
+    ASSERT_EQ(samplesOf(contentOf(path)).size(), known);
     std::printf("%d kills, %zu samples, none of them lost\n", kills, known);
 }
 
@@ -88,7 +88,7 @@ protected:
     }
 
     std::size_t samplesOnDisk() const {
-        return historyFromDocument(contentOf(machine.usageHistoryFile())).size();
+        return samplesOf(contentOf(machine.usageHistoryFile())).size();
     }
     /// Figures stay, what was on disk stays, one entry says what is wrong, and afterwards
     /// everything is written.

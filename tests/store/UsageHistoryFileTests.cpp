@@ -2,6 +2,7 @@
 #include "store/UsageHistory.h"
 #include "store/UsageHistoryFile.h"
 #include "store/UsageHistoryRecorder.h"
+#include "support/HistoryDocument.h"
 #include "support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -63,8 +64,7 @@ protected:
         ASSERT_FALSE(file.append(held, samples));
     }
 
-    /// What a reader of the whole document finds.
-    std::vector<UsageHistorySample> decoded() const { return historyFromDocument(text()); }
+    std::vector<UsageHistorySample> decoded() const { return samplesOf(text()); }
 
     struct Told {
         UsageHistoryFile::Status status;
