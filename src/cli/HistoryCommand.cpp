@@ -144,7 +144,7 @@ private:
     static void writeJSON(const std::vector<Row>& rows, const CommandContext& context) {
         std::string text = "[";
         for (const Row& row : rows) {
-            text += (text.size() == 1 ? "\n" : ",\n") + repairedUTF8(row.text);
+            text += (text.size() == 1 ? "\n" : ",\n") + row.text;
         }
         context.output.write(text + "\n]\n");
     }

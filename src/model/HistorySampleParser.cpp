@@ -62,14 +62,16 @@ bool take(const char*& position, const char* end, char expected) {
     return true;
 }
 
-/// A text in quotes without escapes and control characters.
+/// A text in quotes of plain ASCII without escapes. Whether other bytes are UTF-8 is left to the
+/// library.
 bool plainText(const char*& position, const char* end, std::string_view& text) {
     if (!take(position, end, '"')) {
         return false;
     }
     const char* begin = position;
     while (position != end && *position != '"') {
-        if (*position == '\\' || static_cast<unsigned char>(*position) < 0x20) {
+        const auto byte = static_cast<unsigned char>(*position);
+        if (byte < 0x20 || byte >= 0x80 || byte == '\\') {
             return false;
         }
         ++position;

@@ -10,8 +10,9 @@ namespace vellmark {
 
 /// Takes one sample from the beginning of a text.
 ///
-/// The persisted form is read directly; anything unusual in it (escapes, nulls, odd numbers) is
-/// given to the JSON library. Numbers become the nearest double, independent of the locale.
+/// The persisted form is read directly; anything unusual in it (escapes, letters beyond ASCII,
+/// nulls, odd numbers) is given to the JSON library. Numbers become the nearest double, independent
+/// of the locale.
 class HistorySampleParser {
 public:
     enum class Result {

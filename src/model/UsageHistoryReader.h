@@ -8,7 +8,7 @@
 
 namespace vellmark {
 
-/// A sample as it stands in a history file. The views are valid during the visit only.
+/// A sample as it stands in a history file. The views are UTF-8 and valid during the visit only.
 struct StoredHistorySample {
     std::string_view provider;
     std::string_view windowID;

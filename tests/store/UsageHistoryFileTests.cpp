@@ -167,20 +167,26 @@ TEST_F(HistoryFile, tornAnywhereItKeepsEveryCompleteSample) {
     }
 }
 
-TEST_F(HistoryFile, damageInTheMiddleCostsItsLinesAlone) {
+TEST_F(HistoryFile, damageCostsItsLinesAlone) {
     UsageHistoryFile whole(path);
     std::vector<UsageHistorySample> samples;
     for (int index = 0; index < 100; ++index) {
         samples.push_back(sample(firstInstant + index, index));
     }
     append(whole, samples);
-    std::string spoilt = text();
-    const auto line = spoilt.find("\n{", spoilt.size() / 2);
-    spoilt.replace(line + 5, 20, std::string(20, '\0'));
-    write(spoilt);
-    UsageHistoryFile file(path);
-    EXPECT_EQ(open(file).captured.size(), 99u);
-    EXPECT_EQ(decoded().size(), 99u);
+    const std::string intact = text();
+    const auto middle = intact.find("\n{", intact.size() / 2);
+    const auto name = intact.find("\"session\"", middle);
+    std::string spoilt;
+    for (const auto& [where, damage] :
+         {std::pair(name + 1, std::string("\xFF")), std::pair(middle + 5, std::string(20, '\0'))}) {
+        fs::remove(damaged);
+        spoilt = std::string(intact).replace(where, damage.size(), damage);
+        write(spoilt);
+        UsageHistoryFile file(path);
+        EXPECT_EQ(open(file).captured.size(), 99u) << where;
+        EXPECT_EQ(decoded().size(), 99u) << where;
+    }
 
     // What is kept aside first stays.
     write(text().substr(0, 500));
