@@ -101,9 +101,11 @@ private:
             scan_.samplesEnd = stream_.offset();
             return true;
         }
-        // Blocks that were never written read as NUL; a file of nothing else was ours.
-        const bool blank = first == '\0';
-        scan_.form = !blank ? Form::foreign : stream_.rest().empty() ? Form::whole : Form::damaged;
+        if (first == '\0' && !stream_.rest().empty()) {
+            scan_.form = Form::damaged; // blocks that were never written read as NUL
+            return true;
+        }
+        scan_.form = first == '\0' ? Form::whole : Form::foreign;
         return false;
     }
 
@@ -150,10 +152,7 @@ private:
             scan_.form = Form::foreign;
             return false;
         case ParseResult::malformed:
-            if (scan_.sampleCount == 0 && stream_.peek() != '\0') {
-                scan_.form = Form::foreign; // nothing in it was ever ours
-                return false;
-            }
+            beginsStrangely_ = scan_.sampleCount == 0 && stream_.peek() != '\0';
             [[fallthrough]];
         case ParseResult::incomplete:
             scan_.form = Form::damaged;
@@ -193,6 +192,9 @@ private:
     }
 
     HistoryFileScan finish() {
+        if (beginsStrangely_ && scan_.sampleCount == 0) {
+            scan_.form = Form::foreign; // nothing in it was ever ours
+        }
         scan_.error = stream_.error();
         return scan_;
     }
@@ -200,6 +202,7 @@ private:
     Stream stream_;
     const Visitor& visit_;
     HistoryFileScan scan_;
+    bool beginsStrangely_ = false; ///< with something in the first sample's place that is no JSON
     HistorySampleParser parser_;
 };
 

@@ -179,7 +179,9 @@ TEST_F(HistoryFile, damageCostsItsLinesAlone) {
     const auto name = intact.find("\"session\"", middle);
     std::string spoilt;
     for (const auto& [where, damage] :
-         {std::pair(name + 1, std::string("\xFF")), std::pair(middle + 5, std::string(20, '\0'))}) {
+         {std::pair(name + 1, std::string("\xFF")), std::pair(middle + 5, std::string(20, '\0')),
+          std::pair(intact.find('"'), std::string("x")),
+          std::pair(std::size_t{0}, std::string(20, '\0'))}) {
         fs::remove(damaged);
         spoilt = std::string(intact).replace(where, damage.size(), damage);
         write(spoilt);
