@@ -191,8 +191,10 @@ void UsageHistoryFile::sync() {
 
 std::error_code UsageHistoryFile::repair() {
     const fs::path aside = fs::path(file_).replace_extension(".damaged.json");
-    if (::link(file_.c_str(), aside.c_str()) != 0 && errno != EEXIST) {
-        // A file system without links: a copy does as well.
+    // What a symbolic link points to: that is what is going to be replaced.
+    if (::linkat(AT_FDCWD, file_.c_str(), AT_FDCWD, aside.c_str(), AT_SYMLINK_FOLLOW) != 0 &&
+        errno != EEXIST) {
+        // Another file system, or one without links: a copy does as well.
         std::error_code error;
         fs::copy_file(file_, aside, fs::copy_options::skip_existing, error);
         if (error) {

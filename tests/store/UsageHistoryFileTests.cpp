@@ -197,6 +197,17 @@ TEST_F(HistoryFile, damageCostsItsLinesAlone) {
     EXPECT_EQ(contentOf(damaged), spoilt);
 }
 
+TEST_F(HistoryFile, behindALinkItIsKeptAsideAllTheSame) {
+    const std::string torn = "[\n" + serialized(toJSON(sample(firstInstant, 1)), -1) + ",\n{\"id";
+    fs::create_directories(path.parent_path());
+    fs::create_symlink(directory.write("elsewhere.json", torn), path);
+    UsageHistoryFile file(path);
+    EXPECT_EQ(open(file).status.state, UsageHistoryFile::State::repaired);
+    EXPECT_EQ(contentOf(damaged), torn);
+    EXPECT_TRUE(fs::is_symlink(path));
+    EXPECT_EQ(decoded().size(), 1u);
+}
+
 TEST_F(HistoryFile, anotherFormIsNeverOverwritten) {
     const std::string good = serialized(toJSON(sample(firstInstant, 1)), -1);
     const std::vector<std::string> forms = {
