@@ -19,6 +19,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t errorTextLimit = 64 * 1024;
+/// More reads of the error pipe in a row find what was written meanwhile: a pipe holds 1 MB at
+/// most.
+constexpr int mostDrains = 16;
 /// For how long output is awaited that a grandchild may still write after the child's end.
 constexpr std::chrono::milliseconds readingAfterEnd{100};
 
@@ -62,9 +65,9 @@ struct ChildSession::State {
 
     int errorDescriptor() const { return error ? error->descriptor() : -1; }
 
-    /// Everything that is on the error pipe now.
+    /// What is on the error pipe now. Comes to an end also when the child never stops writing.
     void drainErrors() {
-        while (error && error->drain()) {
+        for (int count = 0; count < mostDrains && error && error->drain(); ++count) {
         }
     }
 

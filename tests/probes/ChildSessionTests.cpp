@@ -80,6 +80,18 @@ TEST(ChildSession, aChattyErrorStreamBlocksNobodyAndItsEndIsKept) {
     EXPECT_TRUE(errors.ends_with("the reason\n"));
 }
 
+TEST(ChildSession, anErrorStreamWithoutEndHoldsNobodyUp) {
+    ChildSession session(shellChild("for writer in 1 2 3 4; do "
+                                    "dd if=/dev/zero bs=65536 >&2 2>/dev/null & done; wait"),
+                         ErrorStream::pipe);
+    std::string text;
+    const auto start = std::chrono::steady_clock::now();
+    while (Seconds(std::chrono::steady_clock::now() - start) < Seconds(1))
+        EXPECT_EQ(session.read(text, Seconds(0.2)), ReadEvent::idle);
+    EXPECT_EQ(session.errorText().size(), 64u * 1024);
+    EXPECT_LT(Seconds(std::chrono::steady_clock::now() - start), enough);
+}
+
 TEST(ChildSession, theEndOfAnErrorTextBeginsWithAWholeCharacter) {
     ChildSession session(
         shellChild("yes ä | tr -d '\\n' | head -c 100000 >&2; echo the reason >&2"),
