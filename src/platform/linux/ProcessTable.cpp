@@ -58,7 +58,8 @@ std::optional<std::vector<pid_t>> listedChildren(pid_t parent) {
     for (fs::directory_iterator task(tasks, error), end; !error && task != end;
          task.increment(error)) {
         std::ifstream file(task->path() / "children");
-        if (!file && fs::exists(task->path()))
+        std::error_code ignored; // a task may end at any moment
+        if (!file && fs::exists(task->path(), ignored))
             return std::nullopt;
         for (pid_t child = 0; file >> child;)
             children.push_back(child);
