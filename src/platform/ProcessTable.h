@@ -33,6 +33,9 @@ public:
     bool isAlive() const;
     /// Sends `number`; false when the process is gone or may not be signalled.
     bool signal(int number) const;
+    /// Handles of its direct children, without zombies; never those of a later process with its
+    /// number.
+    std::vector<ProcessHandle> directChildren() const;
 
 private:
     struct Identity;
@@ -40,7 +43,8 @@ private:
     std::unique_ptr<Identity> identity_;
 };
 
-/// Handles of the direct children of `parent`, without zombies.
+/// Handles of the direct children of `parent`, without zombies. For who knows that the number is
+/// taken: a child of this program that has not been collected.
 std::vector<ProcessHandle> directChildHandles(pid_t parent);
 
 } // namespace vellmark

@@ -135,24 +135,22 @@ std::vector<ProcessHandle> awaitDirectChildren(const LaunchedChild& child, Outpu
 
 /// A child that is stopped at termination, and its direct children.
 struct Family {
-    pid_t pid;
     /// Absent when the child has been collected; its number means nothing any more then.
     std::optional<ProcessHandle> child;
     std::vector<ProcessHandle> directChildren;
 
-    explicit Family(pid_t number) : pid(number), child(ProcessHandle::openChild(number, getpid())) {
+    explicit Family(pid_t pid) : child(ProcessHandle::openChild(pid, getpid())) {
         if (!child)
             return;
-        directChildren = signalDirectChildren(pid, SIGTERM);
+        directChildren = signalled(child->directChildren(), SIGTERM);
         child->signal(SIGTERM);
     }
 
     bool isChildAlive() const { return child && child->isAlive(); }
 
     void kill() {
-        if (isChildAlive())
-            std::ranges::move(signalDirectChildren(pid, SIGKILL),
-                              std::back_inserter(directChildren));
+        if (child)
+            std::ranges::move(child->directChildren(), std::back_inserter(directChildren));
         for (const ProcessHandle& process : directChildren)
             process.signal(SIGKILL);
         if (child)

@@ -162,9 +162,9 @@ bool ChildLimit::cancel() {
 }
 
 void ChildLimit::stopSurvivors(std::vector<ProcessHandle> processes, Seconds grace) {
-    std::erase_if(processes, [](const ProcessHandle& process) { return !process.signal(SIGTERM); });
-    if (!processes.empty())
-        StopThread::shared().addSurvivors(std::move(processes), Clock::now() + boundedSpan(grace));
+    auto told = signalled(std::move(processes), SIGTERM);
+    if (!told.empty())
+        StopThread::shared().addSurvivors(std::move(told), Clock::now() + boundedSpan(grace));
 }
 
 std::vector<ProcessHandle> ChildLimit::takeTold() {
@@ -176,23 +176,22 @@ void ChildLimit::fire() {
     if (stage_ == Stage::running && runs) {
         stage_ = Stage::told;
         timedOut_ = true;
-        told_ = signalDirectChildren(child_, SIGTERM);
+        told_ = signalled(directChildHandles(child_), SIGTERM);
         ::kill(child_, SIGTERM);
         return;
     }
     stage_ = Stage::done;
     if (runs)
-        signalDirectChildren(child_, SIGKILL);
+        signalled(directChildHandles(child_), SIGKILL);
     for (const ProcessHandle& process : told_)
         process.signal(SIGKILL);
     if (runs)
         ::kill(child_, SIGKILL);
 }
 
-std::vector<ProcessHandle> signalDirectChildren(pid_t parent, int number) {
-    auto children = directChildHandles(parent);
-    std::erase_if(children, [number](const ProcessHandle& child) { return !child.signal(number); });
-    return children;
+std::vector<ProcessHandle> signalled(std::vector<ProcessHandle> processes, int number) {
+    std::erase_if(processes, [number](const ProcessHandle& each) { return !each.signal(number); });
+    return processes;
 }
 
 } // namespace vellmark

@@ -51,7 +51,7 @@ private:
     std::vector<ProcessHandle> told_;
 };
 
-/// Sends `number` to every direct child of `parent` and returns those that it reached.
-std::vector<ProcessHandle> signalDirectChildren(pid_t parent, int number);
+/// Sends `number` to each of `processes` and returns those that it reached.
+std::vector<ProcessHandle> signalled(std::vector<ProcessHandle> processes, int number);
 
 } // namespace vellmark

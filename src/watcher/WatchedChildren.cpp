@@ -32,7 +32,7 @@ void WatchedChildren::started(pid_t pid) {
 void WatchedChildren::endAll(Seconds grace) {
     std::vector<ProcessHandle> family;
     for (auto& [pid, child] : children_) {
-        std::ranges::move(directChildHandles(pid), std::back_inserter(family));
+        std::ranges::move(child.directChildren(), std::back_inserter(family));
         family.push_back(std::move(child));
     }
     children_.clear();
