@@ -11,6 +11,9 @@ namespace {
 using Version = std::optional<std::string>;
 using Login = std::optional<bool>;
 
+/// Where no thread is to be had, a check runs on the caller's when it is asked for its result.
+constexpr auto checkPolicy = std::launch::async | std::launch::deferred;
+
 /// The checks of one agent while they run.
 struct Inquiry {
     AgentFacts known;
@@ -26,20 +29,24 @@ Inquiry inquire(const Machine& machine, const ProviderDescriptor& agent) {
         return inquiry;
     const std::filesystem::path& tool = *inquiry.known.toolPath;
     inquiry.version =
-        std::async(std::launch::async, [&machine, tool] { return toolVersion(machine, tool); });
-    if (agent.setup && agent.setup->isLoggedIn) {
-        inquiry.login = std::async(std::launch::async, [&machine, &agent, tool]() -> Login {
-            try {
-                return agent.setup->isLoggedIn(machine, tool);
-            } catch (const std::exception&) {
-                return std::nullopt; // one agent's check does not cost the answers of all others
-            }
-        });
-    }
+        std::async(checkPolicy, [&machine, tool] { return toolVersion(machine, tool); });
+    inquiry.login = std::async(
+        checkPolicy, [&machine, &agent, tool] { return agentIsLoggedIn(machine, agent, tool); });
     return inquiry;
 }
 
 } // namespace
+
+std::optional<bool> agentIsLoggedIn(const Machine& machine, const ProviderDescriptor& agent,
+                                    const std::filesystem::path& tool) {
+    if (!agent.setup || !agent.setup->isLoggedIn)
+        return std::nullopt;
+    try {
+        return agent.setup->isLoggedIn(machine, tool);
+    } catch (const std::exception&) {
+        return std::nullopt; // one agent's check does not cost the answers of all others
+    }
+}
 
 std::vector<AgentFacts> gatherAgentFacts(const Machine& machine,
                                          const std::vector<ProviderRegistration>& agents) {

@@ -19,6 +19,11 @@ struct AgentFacts {
     std::optional<bool> loggedIn;
 };
 
+/// Whether the user is logged in to the agent whose CLI is at `tool`, by its own check; absent when
+/// there is none, it cannot tell, or it fails. Blocks for as long as the check's limits allow.
+std::optional<bool> agentIsLoggedIn(const Machine& machine, const ProviderDescriptor& agent,
+                                    const std::filesystem::path& tool);
+
 /// The facts of all `agents`, in their order; a check that fails leaves its fact absent. Asks all
 /// agents at once, each for its version and its login at the same time. Blocks for as long as the
 /// slowest check's limits allow (about 15 s); not for the main thread.

@@ -1,24 +1,11 @@
 #include "setup/AgentSetupStatus.h"
 
-#include <exception>
-#include <thread>
+#include "probes/AgentFacts.h"
+
+#include <functional>
+#include <future>
 
 namespace vellmark {
-namespace {
-
-std::optional<bool> checkedLogin(const Machine& machine, const ProviderDescriptor& descriptor,
-                                 const std::filesystem::path& executable) {
-    if (!descriptor.setup || !descriptor.setup->isLoggedIn) {
-        return std::nullopt;
-    }
-    try {
-        return descriptor.setup->isLoggedIn(machine, executable);
-    } catch (const std::exception&) {
-        return std::nullopt; // a check that cannot be carried out tells nothing
-    }
-}
-
-} // namespace
 
 std::string_view setupStatusKey(AgentSetupStatus status) {
     switch (status) {
@@ -40,7 +27,7 @@ AgentSetupStatus agentSetupStatus(const Machine& machine, const ProviderDescript
     if (!executable) {
         return AgentSetupStatus::missing;
     }
-    const auto loggedIn = checkedLogin(machine, descriptor, *executable);
+    const auto loggedIn = agentIsLoggedIn(machine, descriptor, *executable);
     if (!loggedIn) {
         return AgentSetupStatus::unverifiable;
     }
@@ -49,14 +36,16 @@ AgentSetupStatus agentSetupStatus(const Machine& machine, const ProviderDescript
 
 std::vector<AgentSetupStatus>
 agentSetupStatuses(const Machine& machine, const std::vector<ProviderRegistration>& registrations) {
-    std::vector<AgentSetupStatus> statuses(registrations.size(), AgentSetupStatus::unverifiable);
-    std::vector<std::thread> checks;
-    for (std::size_t i = 0; i < registrations.size(); ++i) {
-        checks.emplace_back(
-            [&, i] { statuses[i] = agentSetupStatus(machine, registrations[i].descriptor); });
+    // Where no thread is to be had, a check runs on this one when it is asked for its result.
+    constexpr auto policy = std::launch::async | std::launch::deferred;
+    std::vector<std::future<AgentSetupStatus>> checks;
+    for (const ProviderRegistration& registration : registrations) {
+        checks.push_back(std::async(policy, agentSetupStatus, std::cref(machine),
+                                    std::cref(registration.descriptor)));
     }
+    std::vector<AgentSetupStatus> statuses;
     for (auto& check : checks) {
-        check.join();
+        statuses.push_back(check.get());
     }
     return statuses;
 }
