@@ -20,14 +20,22 @@ namespace fs = std::filesystem;
 constexpr const char* directoryPrefix = "vellmark-demo-";
 constexpr const char* simulatorName = "vellmark-simulator";
 
-int openLock(const fs::path& directory, int flags) {
-    return open((directory / "lock").c_str(), flags | O_RDWR | O_CLOEXEC | O_NOFOLLOW, 0600);
+constexpr const char* lockName = "lock";
+constexpr int lockFlags = O_RDWR | O_CLOEXEC | O_NOFOLLOW;
+
+/// Held before it has its name, so that another program that is tidying up never finds it free.
+Descriptor makeLock(const fs::path& directory) {
+    const fs::path unnamed = directory / "lock.new";
+    Descriptor lock(open(unnamed.c_str(), lockFlags | O_CREAT | O_EXCL, 0600));
+    flock(lock.get(), LOCK_EX | LOCK_NB);
+    fs::rename(unnamed, directory / lockName);
+    return lock;
 }
 
 /// Removes a sandbox, its lock last: where a child of a killed program still writes meanwhile, the
 /// directory stays with its lock, and the next sweep finds it.
 void removeSandbox(const fs::path& directory) {
-    const auto isLock = [](const fs::path& path) { return path.filename() == "lock"; };
+    const auto isLock = [](const fs::path& path) { return path.filename() == lockName; };
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(directory, error)) {
         if (!isLock(entry.path()))
@@ -55,12 +63,9 @@ void removeAbandoned(const fs::path& temporary) {
         const bool isSandbox = entry.path().filename().string().starts_with(directoryPrefix);
         if (!isSandbox || !isOwnDirectory(entry.path()))
             continue;
-        const int lock = openLock(entry.path(), 0);
-        if (lock < 0)
-            continue;
-        if (flock(lock, LOCK_EX | LOCK_NB) == 0)
+        const Descriptor lock(open((entry.path() / lockName).c_str(), lockFlags));
+        if (lock.isOpen() && flock(lock.get(), LOCK_EX | LOCK_NB) == 0)
             removeSandbox(entry.path());
-        close(lock);
     }
 }
 
@@ -85,8 +90,7 @@ DemoSandbox::DemoSandbox(const fs::path& temporary, Agents agents) {
     removeAbandoned(temporary);
     directory_ = makeDirectory(temporary);
     try {
-        lock_ = openLock(directory_, O_CREAT);
-        flock(lock_, LOCK_EX | LOCK_NB);
+        lock_ = makeLock(directory_);
         machine_ = Machine::sandbox(directory_);
         installAgents(simulator);
         if (agents == Agents::asOnANewMachine)
@@ -94,14 +98,13 @@ DemoSandbox::DemoSandbox(const fs::path& temporary, Agents agents) {
     } catch (...) {
         std::error_code ignored;
         fs::remove_all(directory_, ignored);
-        close(lock_);
         throw;
     }
 }
 
 DemoSandbox::~DemoSandbox() {
     removeSandbox(directory_);
-    close(lock_);
+    lock_.reset();
     removeAbandoned(directory_.parent_path());
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Descriptor.h"
 #include "platform/Machine.h"
 
 #include <filesystem>
@@ -32,7 +33,7 @@ private:
 
     std::filesystem::path directory_;
     /// Held locked while the sandbox is in use.
-    int lock_ = -1;
+    Descriptor lock_;
     Machine machine_;
 };
 
