@@ -105,9 +105,10 @@ bool startChildWatcher() {
         if (!pid)
             return false;
         ::fcntl(pipe.writeEnd.get(), F_SETFL, O_NONBLOCK);
-        static LaunchedWatcher watcher(*pid, std::move(pipe.writeEnd));
+        // Never destroyed: threads may still report while the program ends.
+        auto* const watcher = new LaunchedWatcher(*pid, std::move(pipe.writeEnd));
         RunningChildren::setObserver(
-            [](RunningChildren::Event event, pid_t child) { watcher.tell(event, child); });
+            [watcher](RunningChildren::Event event, pid_t child) { watcher->tell(event, child); });
         return true;
     } catch (const std::system_error&) {
         return false;
