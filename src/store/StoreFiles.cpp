@@ -19,19 +19,22 @@ struct StoreFiles::State {
 
     // All below run on the persistence thread.
 
-    void tellHistoryChanged() {
-        executor.post([weak = std::weak_ptr(callbacks)] {
-            if (const auto alive = weak.lock()) {
-                alive->historyChanged();
-            }
-        });
-    }
-
     void tellTrouble(File file, StorageTrouble& trouble) {
         if (const auto news = trouble.takeNews()) {
             executor.post([weak = std::weak_ptr(callbacks), file, news = *news] {
                 if (const auto alive = weak.lock()) {
                     alive->trouble(file, news);
+                }
+            });
+        }
+    }
+
+    void tellHistory(bool hasChanged) {
+        tellTrouble(File::history, recorder.trouble());
+        if (hasChanged) {
+            executor.post([weak = std::weak_ptr(callbacks)] {
+                if (const auto alive = weak.lock()) {
+                    alive->historyChanged();
                 }
             });
         }
@@ -58,8 +61,7 @@ StoreFiles::StoreFiles(const Machine& machine, MainExecutor& executor, Instant n
     : d_(std::make_unique<State>(machine, executor, std::move(callbacks))) {
     d_->queue.post([d = d_.get(), now, zone = std::move(zone)] {
         d->recorder.load(now);
-        d->tellTrouble(File::history, d->recorder.trouble());
-        d->tellHistoryChanged();
+        d->tellHistory(true);
         d->note(File::log, d->logTrouble, d->log.trimWhenDue(now, zone));
     });
 }
@@ -76,11 +78,7 @@ std::vector<AgentUsageSnapshot> StoreFiles::lastSnapshots() const {
 
 void StoreFiles::record(AgentUsageSnapshot reading) {
     d_->queue.post([d = d_.get(), reading = std::move(reading)] {
-        const bool added = d->recorder.record(reading);
-        d->tellTrouble(File::history, d->recorder.trouble());
-        if (added) {
-            d->tellHistoryChanged();
-        }
+        d->tellHistory(d->recorder.record(reading));
     });
 }
 
@@ -97,11 +95,10 @@ void StoreFiles::log(ActivityEntry entry, TimeZone zone) {
 }
 
 void StoreFiles::trim(Instant now, const TimeZone& zone) {
-    d_->queue.post([d = d_.get(), now] {
-        d->recorder.compact(now);
-        d->tellTrouble(File::history, d->recorder.trouble());
+    d_->queue.run([&] {
+        d_->tellHistory(d_->recorder.compact(now));
+        d_->note(File::log, d_->logTrouble, d_->log.trim(now, zone));
     });
-    d_->queue.run([&] { d_->note(File::log, d_->logTrouble, d_->log.trim(now, zone)); });
 }
 
 std::vector<ActivityEntry> StoreFiles::activity(Instant since, const TimeZone& zone) {

@@ -26,7 +26,7 @@ public:
 
     /// Called on the main thread, not after the destruction.
     struct Callbacks {
-        /// Samples were added, or the file was read (again).
+        /// Samples were added, here or by another process, or the file was read (again).
         std::function<void()> historyChanged;
         std::function<void(File, const StorageTrouble::News&)> trouble;
     };

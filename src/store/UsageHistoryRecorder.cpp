@@ -24,8 +24,8 @@ void UsageHistoryRecorder::load(Instant now) {
 bool UsageHistoryRecorder::record(const AgentUsageSnapshot& snapshot) {
     std::error_code error;
     const auto held = file_.lock(lockPatience, error);
+    const std::size_t before = history_->sampleCount();
     const bool mayWrite = catchUp(held ? &*held : nullptr);
-    const std::size_t before = heldBack_.size();
     for (const UsageWindow& window : snapshot.windows) {
         const auto last = history_->last({snapshot.id, window.id});
         if (!isWorthRecording(window, snapshot.updatedAt, last)) {
@@ -43,25 +43,25 @@ bool UsageHistoryRecorder::record(const AgentUsageSnapshot& snapshot) {
         history_->add(sample);
         heldBack_.push_back(std::move(sample));
     }
-    const bool added = heldBack_.size() > before;
     if (!held && error != std::errc::resource_unavailable_try_again && !heldBack_.empty()) {
         trouble_.failed(error);
     }
     write(held ? &*held : nullptr, mayWrite);
-    return added;
+    return history_->sampleCount() != before;
 }
 
-void UsageHistoryRecorder::compact(Instant now) {
+bool UsageHistoryRecorder::compact(Instant now) {
     std::error_code error;
     const auto held = file_.lock(lockPatience, error);
-    if (!catchUp(held ? &*held : nullptr) || !held) {
-        return;
+    const std::size_t before = history_->sampleCount();
+    if (catchUp(held ? &*held : nullptr) && held) {
+        if (const auto failure = file_.compact(*held, now, listener())) {
+            trouble_.failed(failure);
+            reloaded_.reset(); // told in part; memory stays as it is, like the file
+        }
+        takeOver();
     }
-    if (const auto failure = file_.compact(*held, now, listener())) {
-        trouble_.failed(failure);
-        reloaded_.reset(); // told in part; memory stays as it is, like the file
-    }
-    takeOver();
+    return history_->sampleCount() != before;
 }
 
 /// Brings memory up to the file; false when the file must not be written.

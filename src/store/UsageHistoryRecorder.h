@@ -24,10 +24,11 @@ public:
 
     /// Reads the file. To be called once, first.
     void load(Instant now);
-    /// Records a live reading; true when samples were added.
+    /// Records a live reading. True when the history in memory has changed, by this reading or by
+    /// what another process has written.
     bool record(const AgentUsageSnapshot& snapshot);
-    /// Thins out the file when that is due.
-    void compact(Instant now);
+    /// Thins out the file when that is due. True when the history in memory has changed.
+    bool compact(Instant now);
 
     StorageTrouble& trouble() { return trouble_; }
     std::size_t heldBackCount() const { return heldBack_.size(); }

@@ -1,5 +1,6 @@
 #include "store/StoreFixture.h"
 #include "store/UsageHistory.h"
+#include "store/UsageHistoryRecorder.h"
 
 #include <string>
 
@@ -49,6 +50,27 @@ TEST_F(StoredFiles, readingsBecomeHistoryAndGroundsForForecasts) {
     EXPECT_EQ(store->history().sampleCount(), 5u);
     EXPECT_EQ(state().recentPoints.at(key).size(), 2u);
     EXPECT_GT(revision, 1u);
+}
+
+TEST_F(StoredFiles, whatAnotherProcessHasRecordedIsShownWithTheNextReading) {
+    makeStore();
+    const auto read = [this](double used) {
+        codex->answersUsed(used, executor.now());
+        store->refresh(RefreshTrigger::manual, {codex->id()});
+        ASSERT_TRUE(finishRefresh());
+        store->flush();
+        executor.turn();
+        executor.advance(Seconds(60));
+    };
+    read(10);
+    UsageHistoryRecorder another(machine.usageHistoryFile(), std::make_shared<UsageHistory>());
+    another.load(executor.now());
+    another.record(codex->reading(11, executor.now()));
+    const unsigned revision = state().historyRevision;
+    read(11); // the same figure: nothing of its own to record
+    EXPECT_EQ(store->history().sampleCount(), 2u);
+    EXPECT_EQ(state().historyRevision, revision + 1);
+    EXPECT_EQ(state().recentPoints.at({codex->id(), "session"}).size(), 2u);
 }
 
 TEST_F(StoredFiles, theActivityLogTellsWhatHappened) {
