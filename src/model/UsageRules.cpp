@@ -48,6 +48,18 @@ Severity graded(double deficit) {
     return deficit <= attentionDeficit ? Severity::attention : Severity::fine;
 }
 
+UsageHealth healthOf(Severity severity) {
+    switch (severity) {
+    case Severity::critical:
+        return UsageHealth::critical;
+    case Severity::attention:
+        return UsageHealth::attention;
+    case Severity::fine:
+        break;
+    }
+    return UsageHealth::healthy;
+}
+
 /// Percent used per second over the recent points of the window's present period; absent when they
 /// reach back too short a time.
 std::optional<double> recentRate(const UsageWindow& window, Instant now,
@@ -116,15 +128,7 @@ Severity severity(const UsageWindow& window, Instant now) {
 }
 
 UsageHealth health(const UsageWindow& window, Instant now) {
-    switch (severity(window, now)) {
-    case Severity::critical:
-        return UsageHealth::critical;
-    case Severity::attention:
-        return UsageHealth::attention;
-    case Severity::fine:
-        break;
-    }
-    return UsageHealth::healthy;
+    return healthOf(severity(window, now));
 }
 
 UsageHealth health(const AgentUsageSnapshot& snapshot, Instant now) {
@@ -132,14 +136,10 @@ UsageHealth health(const AgentUsageSnapshot& snapshot, Instant now) {
         return UsageHealth::unavailable;
     }
     Severity worst = Severity::fine;
-    const UsageWindow* worstWindow = &snapshot.windows.front();
     for (const UsageWindow& window : snapshot.windows) {
-        if (severity(window, now) > worst) {
-            worst = severity(window, now);
-            worstWindow = &window;
-        }
+        worst = std::max(worst, severity(window, now));
     }
-    return health(*worstWindow, now);
+    return healthOf(worst);
 }
 
 UsageHealth worse(UsageHealth first, UsageHealth second) {
