@@ -23,8 +23,6 @@ public:
     /// `name`-used and `name`-resets-in (seconds) in the scenario override the first figure.
     Figure window(const std::string& name, double used, double resetsIn, double length) const;
 
-    std::time_t now() const { return now_; }
-
 private:
     const Scenario& scenario_;
     std::time_t now_;

@@ -1,6 +1,5 @@
 #include "store/RefreshRun.h"
 
-#include <chrono>
 #include <utility>
 
 namespace vellmark {

@@ -3,10 +3,12 @@
 #include "store/UsageFetcher.h"
 #include "store/UsageState.h"
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 
 namespace vellmark {
 

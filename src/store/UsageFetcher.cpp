@@ -109,7 +109,9 @@ struct UsageFetcher::State : std::enable_shared_from_this<State> {
 UsageFetcher::UsageFetcher(MainExecutor& executor) : d_(std::make_shared<State>(executor)) {}
 
 UsageFetcher::~UsageFetcher() {
-    dropAll();
+    for (auto& [ticket, worker] : d_->workers) {
+        d_->drop(worker);
+    }
     std::unique_lock hold(d_->lock);
     d_->executor = nullptr;
     const bool allEnded = d_->someoneFinished.wait_for(
@@ -148,12 +150,6 @@ UsageFetcher::Ticket UsageFetcher::start(std::shared_ptr<AgentUsageProvider> pro
 void UsageFetcher::drop(Ticket ticket) {
     if (const auto found = d_->workers.find(ticket); found != d_->workers.end()) {
         d_->drop(found->second);
-    }
-}
-
-void UsageFetcher::dropAll() {
-    for (auto& [ticket, worker] : d_->workers) {
-        d_->drop(worker);
     }
 }
 

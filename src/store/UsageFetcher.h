@@ -37,7 +37,6 @@ public:
     /// `completion` runs on the main thread, later, unless the ticket is dropped before.
     Ticket start(std::shared_ptr<AgentUsageProvider> provider, Completion completion);
     void drop(Ticket ticket);
-    void dropAll();
 
 private:
     struct State;
