@@ -1,13 +1,13 @@
 #include "text/Capitalization.h"
 
+#include "text/UnicodeString.h"
+
 #include <unicode/uchar.h>
-#include <unicode/unistr.h>
 
 namespace vellmark {
 
 std::string capitalized(std::string_view text) {
-    const auto source = icu::UnicodeString::fromUTF8(
-        icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
+    const icu::UnicodeString source = unicodeString(text);
     icu::UnicodeString result;
     bool insideWord = false;
     for (std::int32_t index = 0; index < source.length(); index = source.moveIndex32(index, 1)) {

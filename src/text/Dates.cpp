@@ -1,6 +1,7 @@
 #include "text/Dates.h"
 
 #include "text/TimeZoneRules.h"
+#include "text/UnicodeString.h"
 
 #include <unicode/gregocal.h>
 #include <unicode/smpdtfmt.h>
@@ -16,10 +17,6 @@ namespace {
 
 /// No text that is a date is longer.
 constexpr std::size_t longestText = 200;
-
-icu::UnicodeString unicodeString(std::string_view text) {
-    return icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});
-}
 
 /// A strict formatter for `pattern`. Making one costs a hundred times its use, so they are kept;
 /// patterns are constants of the program, hence few. ICU's formatters are not to be shared between

@@ -2,6 +2,7 @@
 
 #include "text/Dates.h"
 #include "text/TimeZoneRules.h"
+#include "text/UnicodeString.h"
 
 #include <unicode/dtptngen.h>
 #include <unicode/numberformatter.h>
@@ -32,10 +33,6 @@ constexpr Seconds day(86400);
 
 /// Figures beyond are nonsense of an agent; they shall not fill the screen.
 constexpr double largestFigure = 1e9;
-
-icu::UnicodeString unicodeString(std::string_view text) {
-    return icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});
-}
 
 /// The words' language with the user's region: month names must be in the language of the sentence
 /// around them, while order, clock and separators are the region's.

@@ -1,5 +1,6 @@
 #include "text/Dates.h"
 #include "text/TimeZoneRules.h"
+#include "text/UnicodeString.h"
 
 #include <unicode/simpletz.h>
 #include <unicode/timezone.h>
@@ -153,9 +154,7 @@ TimeZone TimeZone::utc() {
 }
 
 std::optional<TimeZone> TimeZone::named(std::string_view identifier) {
-    const auto name = icu::UnicodeString::fromUTF8(
-        {identifier.data(), static_cast<std::int32_t>(identifier.size())});
-    std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createTimeZone(name));
+    std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createTimeZone(unicodeString(identifier)));
     if (!zone || *zone == icu::TimeZone::getUnknown()) {
         return std::nullopt;
     }
