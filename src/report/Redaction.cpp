@@ -41,19 +41,6 @@ const Rule& emailAddresses() {
     return rule;
 }
 
-std::string replacedLiterally(std::string_view text, std::string_view what,
-                              std::string_view replacement) {
-    std::string result;
-    result.reserve(text.size());
-    std::size_t from = 0;
-    for (auto found = text.find(what); found != std::string_view::npos;
-         found = text.find(what, from)) {
-        result.append(text, from, found - from).append(replacement);
-        from = found + what.size();
-    }
-    return result.append(text, from);
-}
-
 std::size_t characterCount(std::string_view text) {
     std::size_t count = 0;
     for (const char byte : text) {
@@ -96,9 +83,11 @@ std::string carryingBytes(std::string_view text) {
             ++i;
             continue;
         }
-        // A carrier that stands in the text itself is carried bytewise, or it would be taken for
-        // one.
-        isCarrier(character) ? appendCarried(result, character) : void(result += character);
+        if (isCarrier(character)) {
+            appendCarried(result, character); // carried bytewise, or it would be taken for one
+        } else {
+            result += character;
+        }
         i += character.size();
     }
     return result;
@@ -130,7 +119,7 @@ std::optional<std::string> applied(const Rule& rule, std::optional<std::string> 
 std::optional<std::string> redactedCharacters(std::string text, std::string_view homeDirectory,
                                               bool includeEmails) {
     if (characterCount(homeDirectory) >= 2) {
-        text = replacedLiterally(text, homeDirectory, "~");
+        text = replacedText(text, homeDirectory, "~");
     }
     std::optional<std::string> result = std::move(text);
     result = applied(userPaths(), std::move(result));

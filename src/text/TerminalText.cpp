@@ -246,6 +246,17 @@ std::string singleLine(std::string_view text) {
     return result;
 }
 
+std::string replacedText(std::string_view text, std::string_view what,
+                         std::string_view replacement) {
+    std::string result;
+    result.reserve(text.size());
+    for (auto at = text.find(what); at != std::string_view::npos; at = text.find(what)) {
+        result.append(text.substr(0, at)).append(replacement);
+        text.remove_prefix(at + what.size());
+    }
+    return result.append(text);
+}
+
 std::string lowercased(std::string_view text) {
     std::string result;
     icu::StringByteSink<std::string> sink(&result);

@@ -36,6 +36,10 @@ std::string lastCharacters(std::string_view text, std::size_t count);
 /// are replaced.
 std::string singleLine(std::string_view text);
 
+/// `text` with every occurrence of `what`, which is not empty, replaced as it stands.
+std::string replacedText(std::string_view text, std::string_view what,
+                         std::string_view replacement);
+
 /// Lower-cased by Unicode's rules, independent of any language.
 std::string lowercased(std::string_view text);
 

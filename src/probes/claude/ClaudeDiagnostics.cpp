@@ -27,15 +27,6 @@ std::optional<std::string_view> accountLabelOf(std::string_view line) {
     return std::nullopt;
 }
 
-std::string replacing(std::string_view text, std::string_view from, std::string_view to) {
-    std::string result;
-    for (std::size_t at = text.find(from); at != std::string_view::npos; at = text.find(from)) {
-        result.append(text.substr(0, at)).append(to);
-        text.remove_prefix(at + from.size());
-    }
-    return result.append(text);
-}
-
 std::string redactedLine(std::string_view line, const std::string& home) {
     static const Pattern email(R"([A-Za-z0-9._%+\-]+@[A-Za-z0-9.\-]+\.[A-Za-z]{2,})");
     if (const auto label = accountLabelOf(line)) {
@@ -43,7 +34,7 @@ std::string redactedLine(std::string_view line, const std::string& home) {
     }
     const std::string result = email.replaceAll(line, redaction).value_or(std::string(redaction));
     // A home of "/" names nobody, and would turn every path into nonsense.
-    return home.size() > 1 ? replacing(result, home, "~") : result;
+    return home.size() > 1 ? replacedText(result, home, "~") : result;
 }
 
 } // namespace
