@@ -1,6 +1,6 @@
 #include "probes/PrivateTemporaryFile.h"
 
-#include "model/UsageHistorySample.h"
+#include "model/UUID.h"
 
 #include <cerrno>
 #include <chrono>

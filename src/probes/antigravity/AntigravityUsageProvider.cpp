@@ -1,6 +1,6 @@
 #include "probes/antigravity/AntigravityUsageProvider.h"
 
-#include "model/UsageHistorySample.h"
+#include "model/UUID.h"
 #include "platform/WholeFile.h"
 #include "probes/BoundedProcess.h"
 #include "probes/ChildEnvironment.h"
