@@ -6,7 +6,7 @@
 namespace vellmark {
 
 /// The children that one piece of work launches, so that it can be called off without touching
-/// those of others. Usable from any thread; outlives its scopes.
+/// those of others. Usable from any thread; outlives its scopes. Part of RunningChildren.cpp.
 class ChildGroup {
 public:
     /// While it lives, what this thread launches belongs to the group. Scopes do not nest.

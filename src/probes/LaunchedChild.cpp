@@ -148,7 +148,7 @@ pid_t spawn(const ChildConfiguration& configuration, const ChildStreams& streams
 } // namespace
 
 LaunchedChild::LaunchedChild(const ChildConfiguration& configuration, const ChildStreams& streams) {
-    if (RunningChildren::isClosed())
+    if (RunningChildren::refusesLaunch())
         require(ECANCELED, configuration.executable);
     pid_ = spawn(configuration, streams);
     try {

@@ -100,7 +100,7 @@ void close() {
     all.closed = true;
 }
 
-bool isClosed() {
+bool refusesLaunch() {
     RunningChildrenRegistry& all = registry();
     const std::lock_guard hold(all.lock);
     return all.refuses(currentGroup);

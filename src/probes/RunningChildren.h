@@ -21,8 +21,8 @@ std::vector<pid_t> snapshot();
 
 /// From now on nothing is launched any more (the program is ending).
 void close();
-/// Whether a launch on this thread would be refused.
-bool isClosed();
+/// Whether the set, or the calling thread's ChildGroup, is closed.
+bool refusesLaunch();
 /// Undoes close(), for tests.
 void reopen();
 
