@@ -1,14 +1,17 @@
-// Bytes of a document to snapshots, and to one sample of a history: any document is read or
-// refused, and what was read is written and read again as the same.
+// Bytes of a document to snapshots, to one sample of a history and to a history file: any document
+// is read or refused, and what was read is written and read again as the same.
 
 #include "model/HistorySampleParser.h"
+#include "model/UsageHistoryReader.h"
 #include "model/UsageJSON.h"
 
 #include <nlohmann/json.hpp>
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
+#include <unistd.h>
 
 namespace {
 
@@ -47,11 +50,31 @@ void checkSample(std::string_view text) {
     require(again == sample);
 }
 
+/// A history file is read to its end, and reading on from there finds nothing more.
+void checkFile(std::string_view document) {
+    static std::FILE* const file = std::tmpfile();
+    require(file != nullptr);
+    const int descriptor = ::fileno(file);
+    require(::ftruncate(descriptor, 0) == 0 &&
+            ::pwrite(descriptor, document.data(), document.size(), 0) ==
+                static_cast<ssize_t>(document.size()));
+    std::uint64_t visited = 0;
+    const auto visit = [&visited](const StoredHistorySample&) { ++visited; };
+    const HistoryFileScan scan = UsageHistoryReader::read(descriptor, visit);
+    require(!scan.error && visited == scan.sampleCount && scan.samplesEnd <= document.size());
+    if (scan.form == HistoryFileScan::Form::whole && scan.samplesEnd > 0) {
+        const HistoryFileScan again = UsageHistoryReader::readOn(descriptor, scan, visit);
+        require(visited == scan.sampleCount && again.sampleCount == visited &&
+                again.form == HistoryFileScan::Form::whole && again.samplesEnd == scan.samplesEnd);
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view document(reinterpret_cast<const char*>(data), size);
     checkSnapshots(document);
     checkSample(document);
+    checkFile(document);
     return 0;
 }
