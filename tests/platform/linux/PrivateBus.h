@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Descriptor.h"
 #include "support/ProcessCensus.h"
 #include "support/TemporaryDirectory.h"
 
@@ -11,6 +12,8 @@
 #include <fcntl.h>
 #include <optional>
 #include <string>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -43,7 +46,7 @@ public:
         (void)becomesTrue([this] {
             if (::waitpid(pid_, nullptr, WNOHANG) == pid_)
                 pid_ = -1;
-            return !isInstalled() || std::filesystem::exists(directory_ / "bus");
+            return !isInstalled() || isListening();
         });
     }
 
@@ -65,6 +68,15 @@ public:
     void stop() const { ::kill(pid_, SIGSTOP); }
 
 private:
+    /// The socket's file is there a moment before the bus listens at it.
+    bool isListening() const {
+        const Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        sockaddr_un name{};
+        name.sun_family = AF_UNIX;
+        (directory_ / "bus").string().copy(name.sun_path, sizeof(name.sun_path) - 1);
+        return ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&name), sizeof(name)) == 0;
+    }
+
     TemporaryDirectory directory_;
     pid_t pid_ = -1;
 };
