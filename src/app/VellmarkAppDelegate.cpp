@@ -255,12 +255,8 @@ void VellmarkAppDelegate::runFirstRun() {
 }
 
 void VellmarkAppDelegate::finishFirstRun(bool needsSetup) {
-    if (hasTerminated_)
-        return;
-    if (needsSetup)
+    if (needsSetup && !hasTerminated_)
         askForSetup();
-    else
-        preferences_->setBoolean(setupCompletedKey, true);
 }
 
 void VellmarkAppDelegate::askForSetup() {
