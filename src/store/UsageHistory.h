@@ -26,6 +26,14 @@ struct HistoryPoint {
     std::optional<Instant> resetsAt() const;
 };
 
+/// A window's course in a range of time, for a chart.
+struct HistoryCourse {
+    /// Oldest first.
+    std::vector<UsagePoint> points;
+    /// Where the window was reset, oldest first.
+    std::vector<Instant> resets;
+};
+
 /// The samples of all windows in memory, 24 bytes each, in the order of time. A plain value.
 class HistorySeries {
 public:
@@ -54,13 +62,18 @@ private:
 /// The recorded history as the program asks for it. Every operation may be called from any thread.
 class UsageHistory {
 public:
+    std::vector<WindowKey> keys() const;
     std::size_t sampleCount() const;
     std::size_t bytesHeld() const;
 
     /// The newest sample of a window; for whoever decides about the next.
     std::optional<HistoryPoint> last(const WindowKey& key) const;
 
-    /// The samples since `since`, oldest first.
+    /// The samples from `from` to `to`, and the one before, which says where the line comes from;
+    /// reduced to at most `maximum` points (at least 4) without losing the highest or lowest.
+    HistoryCourse course(const WindowKey& key, Instant from, Instant to, std::size_t maximum) const;
+
+    /// The samples since `since`, for a forecast.
     std::vector<UsagePoint> recent(const WindowKey& key, Instant since) const;
 
     void add(const UsageHistorySample& sample);

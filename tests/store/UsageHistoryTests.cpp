@@ -2,7 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <optional>
+#include <algorithm>
+#include <cmath>
 #include <vector>
 
 namespace vellmark::tests {
@@ -14,27 +15,57 @@ Instant at(double seconds) {
     return Instant(Seconds(seconds));
 }
 
-void add(UsageHistory& history, double seconds, double used) {
-    UsageHistorySample sample;
-    sample.provider = key.first;
-    sample.windowID = key.second;
-    sample.capturedAt = at(seconds);
-    sample.usedPercent = used;
-    history.add(sample);
+class Course : public testing::Test {
+protected:
+    void add(double seconds, double used, std::optional<double> resets = std::nullopt) {
+        UsageHistorySample sample;
+        sample.provider = key.first;
+        sample.windowID = key.second;
+        sample.capturedAt = at(seconds);
+        sample.usedPercent = used;
+        if (resets) {
+            sample.resetsAt = at(*resets);
+        }
+        history.add(sample);
+    }
+    UsageHistory history;
+};
+
+TEST_F(Course, reductionKeepsPeaksAndEnds) {
+    for (int index = 0; index < 10'000; ++index) {
+        add(index, 50 + 10 * std::sin(index / 300.0));
+    }
+    add(4'321.5, 99.5); // late, and out of order
+    add(7'000.5, 0.5);
+    for (const std::size_t maximum : {4u, 10u, 101u, 1000u}) {
+        const auto points = history.course(key, at(0), at(1e6), maximum).points;
+        EXPECT_LE(points.size(), maximum);
+        const auto [lowest, highest] = std::ranges::minmax(points, {}, &UsagePoint::usedPercent);
+        EXPECT_EQ(highest.usedPercent, 99.5) << maximum;
+        EXPECT_EQ(lowest.usedPercent, 0.5) << maximum;
+        EXPECT_EQ(points.front().capturedAt, at(0));
+        EXPECT_EQ(points.back().capturedAt, at(9'999));
+        EXPECT_TRUE(std::ranges::is_sorted(points, {}, &UsagePoint::capturedAt));
+    }
+    EXPECT_EQ(history.course(key, at(100), at(109.5), 50).points.size(), 11u)
+        << "with the one that the line comes from";
+    EXPECT_TRUE(history.course(key, at(-10), at(-5), 50).points.empty());
+    EXPECT_TRUE(history.course({key.first, "other"}, at(0), at(1e6), 50).points.empty());
 }
 
-TEST(UsageHistory, isInTheOrderOfTimeAlsoWhenASampleComesLate) {
-    UsageHistory history;
-    for (const double seconds : {0, 10, 20, 15, 20, 5}) {
-        add(history, seconds, seconds);
-    }
-    const std::vector<UsagePoint> expected = {
-        {at(10), 10}, {at(15), 15}, {at(20), 20}, {at(20), 20}};
-    EXPECT_EQ(history.recent(key, at(6)), expected);
-    EXPECT_EQ(history.last(key)->usedPercent, 20);
-    EXPECT_TRUE(history.recent(key, at(21)).empty());
-    EXPECT_TRUE(history.recent({key.first, "other"}, at(0)).empty());
-    EXPECT_FALSE(history.last({key.first, "other"}));
+TEST_F(Course, tellsWhereTheWindowWasReset) {
+    add(0, 10, 100);
+    add(50, 30, 100);
+    add(99, 80, 100);
+    add(120, 5, 1000); // reset when it was due
+    add(140, 5, 1030); // moved by half a minute: the same window
+    add(200, 50, 1000);
+    add(300, 2, 2000);  // reset early
+    add(2100, 2, 2000); // due, not confirmed
+    add(2200, 0, 3000); // and now it is
+    const auto resets = history.course(key, at(0), at(1e6), 100).resets;
+    EXPECT_EQ(resets, (std::vector{at(100), at(300), at(2100)}));
+    EXPECT_EQ(history.course(key, at(150), at(400), 100).resets, std::vector{at(300)});
 }
 
 TEST(Recording, asksForAChangeOrHalfAnHour) {
