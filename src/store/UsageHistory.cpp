@@ -126,11 +126,6 @@ std::size_t HistorySeries::bytesHeld() const {
 
 // --- history
 
-std::vector<WindowKey> UsageHistory::keys() const {
-    const std::lock_guard hold(lock_);
-    return series_.keys();
-}
-
 std::size_t UsageHistory::sampleCount() const {
     const std::lock_guard hold(lock_);
     return series_.sampleCount();

@@ -62,7 +62,6 @@ private:
 /// The recorded history as the program asks for it. Every operation may be called from any thread.
 class UsageHistory {
 public:
-    std::vector<WindowKey> keys() const;
     std::size_t sampleCount() const;
     std::size_t bytesHeld() const;
 
