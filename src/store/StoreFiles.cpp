@@ -94,10 +94,10 @@ void StoreFiles::log(ActivityEntry entry, TimeZone zone) {
     });
 }
 
-void StoreFiles::trim(Instant now, const TimeZone& zone) {
-    d_->queue.run([&] {
-        d_->tellHistory(d_->recorder.compact(now));
-        d_->note(File::log, d_->logTrouble, d_->log.trim(now, zone));
+void StoreFiles::trim(Instant now, TimeZone zone) {
+    d_->queue.post([d = d_.get(), now, zone = std::move(zone)] {
+        d->tellHistory(d->recorder.compact(now));
+        d->note(File::log, d->logTrouble, d->log.trim(now, zone));
     });
 }
 

@@ -46,8 +46,8 @@ public:
     void save(std::map<AgentProviderID, AgentUsageSnapshot> readings, Instant now);
     void log(ActivityEntry entry, TimeZone zone);
 
-    /// Waits: drops old log lines, and thins out the history when that is due.
-    void trim(Instant now, const TimeZone& zone);
+    /// Drops old log lines, and thins out the history when that is due.
+    void trim(Instant now, TimeZone zone);
     /// Waits: the log's entries since `since`.
     std::vector<ActivityEntry> activity(Instant since, const TimeZone& zone);
     /// Waits until everything asked for is done.
