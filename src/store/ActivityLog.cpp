@@ -106,6 +106,12 @@ void forEachLine(std::string_view text, Visit&& visit) {
     }
 }
 
+/// Whether a power loss has torn the last line of a file of `size` bytes.
+bool endsInsideLine(const Descriptor& file, off_t size) {
+    char last = '\n';
+    return size > 0 && ::pread(file.get(), &last, 1, size - 1) == 1 && last != '\n';
+}
+
 } // namespace
 
 ActivityLog::ActivityLog(std::filesystem::path file)
@@ -142,16 +148,17 @@ std::error_code ActivityLog::writeWaiting() {
         return error == std::errc::resource_unavailable_try_again ? std::error_code() : error;
     }
     const Descriptor descriptor(
-        ::open(file_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600));
+        ::open(file_.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, 0600));
     if (!descriptor.isOpen()) {
         return lastSystemError();
     }
     const off_t before = ::lseek(descriptor.get(), 0, SEEK_END);
     ::fchmod(descriptor.get(), 0600);
-    const ssize_t count = ::write(descriptor.get(), waiting_.data(), waiting_.size());
+    const std::string lines = (endsInsideLine(descriptor, before) ? "\n" : "") + waiting_;
+    const ssize_t count = ::write(descriptor.get(), lines.data(), lines.size());
     if (count < 0) {
         error = lastSystemError();
-    } else if (count != static_cast<ssize_t>(waiting_.size())) {
+    } else if (count != static_cast<ssize_t>(lines.size())) {
         error = std::make_error_code(std::errc::no_space_on_device);
         (void)!::ftruncate(descriptor.get(), before); // no half lines
     } else {

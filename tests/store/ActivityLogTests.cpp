@@ -42,6 +42,14 @@ TEST_F(Log, writesOneLineAnEntryInLocalTime) {
     EXPECT_EQ(log.entries(noon, zone), (std::vector{entry("Zeit überschritten"), program}));
 }
 
+TEST_F(Log, aTornLastLineCostsNoEntryAfterIt) {
+    ASSERT_FALSE(log.append(entry("torn by a power loss"), zone));
+    std::filesystem::resize_file(path, std::filesystem::file_size(path) - 12);
+    ASSERT_FALSE(log.append(entry("next"), zone));
+    EXPECT_EQ(contentOf(path), "2026-11-20 13:00:00 notice codex: torn by a\n"
+                               "2026-11-20 13:00:00 notice codex: next\n");
+}
+
 TEST_F(Log, noEntryCanHoldALineBreakOrControlCharacter) {
     ActivityEntry hostile = entry("one\ntwo\r\nthree\x1b[31mred\x1b]0;title\x07 four\x7f\x01"
                                   "\xC2\x85"
