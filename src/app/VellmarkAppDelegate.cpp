@@ -90,7 +90,11 @@ LaunchOutcome VellmarkAppDelegate::applicationDidFinishLaunching() {
     const LaunchOutcome outcome = runLaunchSequence(options_, *this);
     if (outcome == LaunchOutcome::launched) {
         executor_.postAfter(popoverRehearsal, popoverRehearsal, [this] { rehearsePopover(); });
-        executor_.postAfter(launchSettles, launchSettles, releaseUnusedMemory);
+        // Once more with the first readings: at first there may be nothing to draw but their places.
+        executor_.postAfter(launchSettles, launchSettles, [this] {
+            rehearsePopover();
+            releaseUnusedMemory();
+        });
     }
     return outcome;
 }
