@@ -3,6 +3,7 @@
 
 #include "probes/claude/ClaudeDiagnostics.h"
 #include "probes/claude/ClaudeSession.h"
+#include "text/TerminalLayout.h"
 
 #include <benchmark/benchmark.h>
 
@@ -42,6 +43,30 @@ std::string redraws(std::size_t size) {
     return capture + "\r\nVELLMARK_TIMING 76 137 1959 3080\r\n";
 }
 
+/// A page that the CLI goes over with the cursor, from its first figure on.
+std::string overdrawings(std::size_t size) {
+    std::string capture = "Login method: Claude Max account\r\nEmail: name@example.org\r\n";
+    const auto draw = [&capture](int used) {
+        for (const std::string heading :
+             {"Current session", "Current week (all models)", "Current week (Fable)"}) {
+            const std::string percent = std::to_string(used) + "% ";
+            capture += heading + "\r\n" + percent + percent +
+                       "used\r\nResets Nov 26, 7:25pm (Europe/Zurich)\r\n";
+        }
+        capture += "←/→ to switch · Esc to close\033[29G\033[10A";
+    };
+    draw(0);
+    for (int used = 0; capture.size() < size; used = (used + 1) % 100) {
+        capture += "\033[10B\033[2K";
+        for (int line = 0; line < 9; ++line) {
+            capture += "\033[1A\033[2K";
+        }
+        capture += "\033[G";
+        draw(used);
+    }
+    return capture + "\nVELLMARK_TIMING 76 137 1959 3080\r\n";
+}
+
 /// `piece` over and over, with a window at the end.
 std::string runs(std::string_view piece, std::size_t size) {
     std::string capture;
@@ -69,6 +94,53 @@ void claudeRedraws(benchmark::State& state) {
     interpret(state, redraws(static_cast<std::size_t>(state.range(0)) * megabyte));
 }
 BENCHMARK(claudeRedraws)->ArgName("MB")->Arg(1)->Arg(10)->Unit(benchmark::kMillisecond);
+
+void claudeOverdrawings(benchmark::State& state) {
+    interpret(state, overdrawings(static_cast<std::size_t>(state.range(0)) * megabyte));
+}
+BENCHMARK(claudeOverdrawings)->ArgName("MB")->Arg(1)->Arg(10)->Unit(benchmark::kMillisecond);
+
+void terminalLayout(benchmark::State& state, const std::string& piece) {
+    // Before it half of the bytes make a tall sheet of wide rows.
+    std::string output;
+    const auto size = static_cast<std::size_t>(state.range(0)) * megabyte;
+    while (output.size() < size / 2) {
+        output += std::string(200, 'y') + "\r\n";
+    }
+    output += "\033[1000A";
+    while (output.size() < size) {
+        output += piece;
+    }
+    for (auto iteration : state) {
+        benchmark::DoNotOptimize(laidOutText(output));
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(output.size()) * state.iterations());
+}
+BENCHMARK_CAPTURE(terminalLayout, letters, "letters\r\n")
+    ->ArgName("MB")
+    ->Arg(1)
+    ->Arg(10)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(terminalLayout, jumps, "\033[1000000000Cx\033[1000000000Bx\r")
+    ->ArgName("MB")
+    ->Arg(1)
+    ->Arg(10)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(terminalLayout, insertions, "\033[L\033[@")
+    ->ArgName("MB")
+    ->Arg(1)
+    ->Arg(10)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(terminalLayout, repetitions, "\033[1000000000b")
+    ->ArgName("MB")
+    ->Arg(1)
+    ->Arg(10)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(terminalLayout, erasures, "\033[2J\033[1000000000Bx")
+    ->ArgName("MB")
+    ->Arg(1)
+    ->Arg(10)
+    ->Unit(benchmark::kMillisecond);
 
 void claudeRuns(benchmark::State& state, const std::string& piece) {
     interpret(state, runs(piece, static_cast<std::size_t>(state.range(0)) * megabyte));

@@ -1,4 +1,4 @@
-#include "report/Redaction.h"
+#include "text/Redaction.h"
 
 #include <benchmark/benchmark.h>
 

@@ -110,6 +110,40 @@ void loadHistory(benchmark::State& state) {
 }
 BENCHMARK(loadHistory)->Unit(benchmark::kMillisecond);
 
+/// With the daily thinning.
+void firstStartOfTheDay(benchmark::State& state) {
+    const Scratch scratch;
+    const fs::path file = scratch.path() / "usage-history.json";
+    const Instant end = sampleAt(sampleCount).capturedAt;
+    for (auto _ : state) {
+        state.PauseTiming();
+        fs::remove(scratch.path() / "usage-history.lock");
+        fs::copy_file(longHistory(), file, fs::copy_options::overwrite_existing);
+        for (const int daysBefore : {2, 1}) {
+            UsageHistoryRecorder(file, std::make_shared<UsageHistory>())
+                .load(end - Seconds(86'400.0 * daysBefore));
+        }
+        UsageHistoryRecorder recorder(file, std::make_shared<UsageHistory>());
+        state.ResumeTiming();
+        recorder.load(end);
+    }
+}
+BENCHMARK(firstStartOfTheDay)->Unit(benchmark::kMillisecond);
+
+/// Two courses, one after the other in the file.
+void orderSamples(benchmark::State& state) {
+    for (auto _ : state) {
+        HistorySeries series;
+        for (int index = 0; index < sampleCount; ++index) {
+            const int place = index % 2 * (sampleCount / 2) + index / 2;
+            series.add("codex", "session",
+                       HistoryPoint(Instant(Seconds(start + place)), 0, std::nullopt));
+        }
+        benchmark::DoNotOptimize(series.of({AgentProviderID("codex"), "session"}).size());
+    }
+}
+BENCHMARK(orderSamples)->Unit(benchmark::kMillisecond)->Iterations(3);
+
 /// With the sync where `state.range(0)` is 1.
 void appendSample(benchmark::State& state) {
     const Scratch scratch;
@@ -121,7 +155,7 @@ void appendSample(benchmark::State& state) {
     file.catchUp(nullptr, silent);
     int index = sampleCount;
     for (auto _ : state) {
-        const auto held = file.lock(Seconds(1), error);
+        const auto held = file.lock(error);
         file.catchUp(&*held, silent);
         const UsageHistorySample sample = sampleAt(index++);
         if (file.append(*held, {&sample, 1})) {
@@ -239,7 +273,9 @@ void refreshWithoutChildren(benchmark::State& state) {
         ProviderDescriptor descriptor;
         descriptor.id = AgentProviderID(name);
         configuration.registrations.push_back(
-            {descriptor, [name, &readings](const Machine&) -> std::unique_ptr<AgentUsageProvider> {
+            {descriptor,
+             [name, &readings](const Machine&,
+                               const ReadingOptions&) -> std::unique_ptr<AgentUsageProvider> {
                  return std::make_unique<InstantProvider>(AgentProviderID(name), readings);
              }});
     }

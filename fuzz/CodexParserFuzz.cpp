@@ -8,7 +8,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view output(reinterpret_cast<const char*>(data), size);
     try {
-        vellmark::codexSnapshot(output, vellmark::Instant());
+        vellmark::codexSnapshot(output, vellmark::Instant(), "/home/user");
     } catch (const vellmark::UsageProviderError&) {
     }
     return 0;

@@ -99,6 +99,12 @@ UsageState normal() {
     return stateOf({codex(), claude(), antigravity()});
 }
 
+UsageState credited() {
+    AgentUsageSnapshot snapshot = claude();
+    snapshot.credit = CreditInfo::line("$3.20 / $20.00 spent");
+    return stateOf({codex(), snapshot, antigravity()});
+}
+
 UsageState healthy() {
     return stateOf({codex(), calmClaude()});
 }
@@ -128,6 +134,43 @@ UsageState stale() {
     return state;
 }
 
+UsageState overdue() {
+    UsageState state = stateOf({codex(), calmClaude()});
+    AgentUsageSnapshot& old = state.snapshots.front();
+    old.source = SnapshotSource::stale;
+    old.error = UsageProviderError::timeout("Codex");
+    for (UsageWindow& window : old.windows) {
+        window.resetsAt = in(-3 * hour);
+    }
+    state.lastSuccess[old.id] = in(-11 * hour);
+    return state;
+}
+
+UsageState allFailed() {
+    UsageState state = stateOf({codex(), antigravity()});
+    for (AgentUsageSnapshot& snapshot : state.snapshots) {
+        snapshot.source = SnapshotSource::stale;
+        state.lastSuccess[snapshot.id] = in(-34 * minute);
+    }
+    state.snapshots[0].error = UsageProviderError::timeout("Codex");
+    state.snapshots[1].error = UsageProviderError::antigravityReadFailed("no connection");
+    state.restsUntil[AgentProviderID::antigravity()] = in(18 * minute);
+    return state;
+}
+
+UsageState usedUp() {
+    AgentUsageSnapshot spent = claude();
+    spent.windows[1].usedPercent = 100;
+    return stateOf({codex(), spent});
+}
+
+UsageState incomplete() {
+    AgentUsageSnapshot half = claude();
+    half.isIncomplete = true;
+    half.windows[2].readAt = in(-48 * minute);
+    return stateOf({codex(), half});
+}
+
 UsageState failed() {
     AgentUsageSnapshot calm = antigravity();
     calm.windows.erase(calm.windows.begin());
@@ -145,7 +188,26 @@ UsageState noAgents() {
 UsageState balances() {
     AgentUsageSnapshot snapshot = calmClaude();
     snapshot.balances = {{"credits", 16.8, "USD", 20.0}};
-    snapshot.credit = CreditInfo::available();
+    snapshot.credit = CreditInfo::line("$3.20 / $20.00 spent");
+    AgentUsageSnapshot credited = codex();
+    credited.credit = CreditInfo::available();
+    return stateOf({credited, snapshot});
+}
+
+UsageState refusing() {
+    AgentUsageSnapshot snapshot = codex();
+    snapshot.plan = "Prolite";
+    snapshot.windows.front().usedPercent = 100;
+    const auto addLimit = [&snapshot](const char* side, double left, double minutes, double in) {
+        snapshot.windows.push_back(window(std::string("limit:spark|") + side, left, minutes, in));
+        snapshot.windows.back().label = "GPT-5.3-Codex-Spark";
+    };
+    addLimit("primary", 95, sessionMinutes, 3 * hour);
+    addLimit("secondary", 98, weekMinutes, 6 * day);
+    snapshot.allowance = UsageAllowance{.ordinaryUsageAllowed = false,
+                                        .reachedType = "rate_limit_reached",
+                                        .bankedResets = 2,
+                                        .bankedResetExpiresAt = in(9 * day)};
     return stateOf({snapshot});
 }
 

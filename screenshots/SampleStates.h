@@ -15,17 +15,29 @@ Localization words(const std::string& languageCode);
 
 /// Three agents: one fine, one running low, one critical.
 UsageState normal();
+/// As `normal`, with a credit line: a row more than has room in the popover.
+UsageState credited();
 /// The first reading of two agents, none of them done.
 UsageState loading();
 /// As `normal`, with another reading under way.
 UsageState refreshing();
 /// The last reading of one agent failed; its earlier figures are shown.
 UsageState stale();
+/// As `stale`, after a night: every reset of the old figures is past, and nothing is known.
+UsageState overdue();
+/// Two agents whose figures are old: the last attempts failed.
+UsageState allFailed();
+/// A week that is used up, and a model's and a session that have to wait for it.
+UsageState usedUp();
+/// A reading that ended early: one window is from the reading before.
+UsageState incomplete();
 /// Two agents that could not be read at all.
 UsageState failed();
 UsageState noAgents();
-/// One agent with balances and credits.
+/// One agent with balances and credits, one with a credit line.
 UsageState balances();
+/// One agent that refuses to work, with a further limit and resets in hand.
+UsageState refusing();
 /// Long names of plans and windows, long reasons of failures.
 UsageState longTexts();
 /// More agents and windows than fit.

@@ -17,6 +17,7 @@ struct Bucket {
     Figure figure;
 
     double remainingPercent() const { return 100 - figure.usedPercent; }
+    bool isOfOthers() const { return pool != "Gemini Models"; }
 };
 
 std::vector<Bucket> buckets(const Scenario& scenario) {
@@ -36,10 +37,21 @@ std::string fraction(double value) {
     return text;
 }
 
-std::string bucketJSON(const Bucket& bucket) {
-    return "{\"window\":\"" + bucket.window +
-           "\",\"remaining_fraction\":" + fraction(bucket.remainingPercent() / 100) +
-           ",\"reset_time\":\"" + iso8601(bucket.figure.resetsAt) + "\"}";
+std::string bucketJSON(const Bucket& bucket, const Scenario& scenario) {
+    const std::string window = "{\"window\":\"" + bucket.window + "\"";
+    if (bucket.isOfOthers() && scenario.is({"not-used-yet"})) {
+        return window + ",\"description\":\"Not used yet\"}";
+    }
+    const bool isDisabled = bucket.isOfOthers() && scenario.is({"disabled-bucket"});
+    return window + ",\"remaining_fraction\":" + fraction(bucket.remainingPercent() / 100) +
+           ",\"reset_time\":\"" + iso8601(bucket.figure.resetsAt) + "\"" +
+           (isDisabled ? ",\"disabled\":true}" : "}");
+}
+
+/// What every answer says about the model; an old CLI hands the command to it.
+std::string statistics(bool tookTurn) {
+    return tookTurn ? R"("num_turns":1,"usage":{"input_tokens":11804,"output_tokens":96})"
+                    : R"("num_turns":0,"usage":{"input_tokens":0,"output_tokens":0})";
 }
 
 /// The structured answer; `filler` is a field that no reader knows.
@@ -53,11 +65,12 @@ std::string usageJSON(const Scenario& scenario, const std::string& filler = {}) 
             groups.append(pool.empty() ? "" : "]},");
             groups.append("{\"name\":\"").append(bucket.pool).append("\",\"buckets\":[");
         }
-        groups.append(bucketJSON(bucket));
+        groups.append(bucketJSON(bucket, scenario));
         pool = bucket.pool;
     }
-    return "{\"status\":\"SUCCESS\",\"filler\":\"" + filler +
-           "\",\"command\":{\"name\":\"usage\",\"data\":{\"groups\":[" + groups + "]}]}}}\n";
+    return "{\"status\":\"SUCCESS\",\"filler\":\"" + filler + "\"," +
+           statistics(scenario.is({"turn-with-data"})) +
+           ",\"command\":{\"name\":\"usage\",\"data\":{\"groups\":[" + groups + "]}]}}}\n";
 }
 
 std::string usageText(const Scenario& scenario) {
@@ -119,6 +132,10 @@ int showUsage(const Scenario& scenario) {
         Output(STDERR_FILENO, scenario).write("Error: the language server did not start\n");
         return 3;
     }
+    if (scenario.is({"error-line"})) {
+        output.write("AGY_ERROR:{\"code\":14,\"message\":\"The quota service is unavailable.\"}\n");
+        return 3;
+    }
     if (scenario.is({"dies"})) {
         output.write(usageJSON(scenario).substr(0, 120));
         return 1;
@@ -129,6 +146,9 @@ int showUsage(const Scenario& scenario) {
         output.write("{\"command\":{\"name\":\"usage\",\"data\":{\"groups\":[]}}}\n");
     } else if (scenario.is({"text"})) {
         output.write(usageText(scenario));
+    } else if (scenario.is({"turn", "old-version"})) {
+        output.write("{\"response\":\"" + escaped(usageText(scenario)) + "\"," + statistics(true) +
+                     "}\n");
     } else if (scenario.is({"response"})) {
         output.write("{\"response\":\"" + escaped(usageText(scenario)) + "\"}\n");
     } else if (scenario.is({"huge"})) {
@@ -158,7 +178,8 @@ int signIn(const Scenario& scenario, const Output& output) {
 int playAntigravity(const Scenario& scenario, const Arguments& arguments) {
     const Output output(STDOUT_FILENO, scenario);
     if (arguments == Arguments{"--version"}) {
-        output.write(scenario.text("version", "1.4.2") + "\n");
+        output.write(scenario.text("version", scenario.is({"old-version"}) ? "1.1.10" : "1.4.2") +
+                     "\n");
         return 0;
     }
     if (arguments.size() >= 2 && arguments[0] == "-p" && arguments[1] == "/usage") {

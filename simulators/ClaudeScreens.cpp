@@ -47,27 +47,14 @@ std::string money(double amount) {
 
 } // namespace
 
-std::string claudeVersion(const Scenario& scenario) {
-    return scenario.text("version", "2.0.44 (Claude Code)");
-}
-
-std::string claudeEmail(const Scenario& scenario) {
-    return scenario.text("email", "name@example.org");
-}
-
-ClaudeScreens::ClaudeScreens(const Scenario& scenario) : scenario_(scenario) {
-    const Figures figures(scenario);
-    session_ = figures.window("session", 54, 2 * hours + 12 * minutes, 5 * hours);
-    week_ = figures.window("week", 71, 1 * days + 19 * hours, 7 * days);
-    model_ = figures.window("fable", 84, 1 * days + 19 * hours, 7 * days);
-}
+ClaudeScreens::ClaudeScreens(const Scenario& scenario) : scenario_(scenario), figures_(scenario) {}
 
 std::string ClaudeScreens::trustQuestion() const {
     return "Do you trust the files in this folder?" + newLine + "Enter y/n: ";
 }
 
 std::string ClaudeScreens::banner() const {
-    return "\033]0;claude\007\033[?25l" + bold("Claude Code") + " " + claudeVersion(scenario_) +
+    return "\033]0;claude\007\033[?25l" + bold("Claude Code") + " v" + claudeVersion(scenario_) +
            newLine + dim("Screen reader mode, restricted session") + newLine + newLine;
 }
 
@@ -80,7 +67,6 @@ std::string ClaudeScreens::status() const {
     if (::getcwd(directory, sizeof directory) == nullptr) {
         directory[0] = '\0';
     }
-    const std::string email = claudeEmail(scenario_);
     std::string page = tabs("Status");
     const auto field = [&page](const std::string& label, const std::string& value) {
         page += "  " + dim(label + ":") + " " + value + newLine;
@@ -89,10 +75,9 @@ std::string ClaudeScreens::status() const {
     field("Session name", "quota check");
     field("Session ID", "3f6b0f9e-5f0c-4d5e-9a53-0d5b6f2f7c11");
     field("cwd", directory);
-    field("Login method",
-          scenario_.is({"login-lies"}) ? "none" : scenario_.text("plan", "Max 20x Account"));
-    field("Organization", scenario_.text("organization", email + "'s Organization"));
-    field("Email", email);
+    field("Login method", scenario_.is({"login-lies"}) ? "none" : claudePlan(scenario_));
+    field("Organization", claudeOrganization(scenario_));
+    field("Email", claudeEmail(scenario_));
     return page + newLine + dim("Esc to cancel") + newLine;
 }
 
@@ -110,13 +95,16 @@ std::string ClaudeScreens::block(const std::string& heading, const Figure& figur
 std::string ClaudeScreens::usage(const Parts& parts) const {
     std::string page = tabs("Usage");
     if (parts.session) {
-        page += block("Current session", session_, zurichTime(session_.resetsAt), parts);
+        page += block("Current session", figures_.session, zurichTime(figures_.session.resetsAt),
+                      parts);
     }
     if (parts.week) {
-        page += block("Current week (all models)", week_, zurichDateTime(week_.resetsAt), parts);
+        page += block("Current week (all models)", figures_.week,
+                      zurichDateTime(figures_.week.resetsAt), parts);
     }
-    if (parts.model && scenario_.text("fable-used", "") != "none") {
-        page += block("Current week (Fable)", model_, zurichDateTime(model_.resetsAt), parts);
+    if (parts.model && figures_.model) {
+        page += block("Current week (Fable)", *figures_.model,
+                      zurichDateTime(figures_.model->resetsAt), parts);
     }
     if (parts.contributions) {
         page += bold("What's contributing to your limits usage?") + newLine +
@@ -124,8 +112,8 @@ std::string ClaudeScreens::usage(const Parts& parts) const {
                 "62% of the last 24 h came from long sessions" + newLine + newLine;
     }
     if (parts.credits) {
-        page += bold("Usage credits") + newLine + money(scenario_.number("spent", 3.20)) + " / " +
-                money(scenario_.number("spend-limit", 20)) + " spent" + newLine;
+        page += bold("Usage credits") + newLine + money(figures_.spent) + " / " +
+                money(figures_.spendLimit) + " spent" + newLine;
     }
     if (parts.keys) {
         page += dim("Esc to cancel") + newLine;
@@ -144,6 +132,56 @@ std::string ClaudeScreens::usageError() const {
 std::string ClaudeScreens::usageLoggedOut() const {
     return tabs("Usage") + "Failed to load usage data" + newLine +
            "Not logged in · Run /login to sign in" + newLine;
+}
+
+ClaudeScreens::Lines ClaudeScreens::lines(int lag, const std::string& notice) const {
+    Lines lines = {"Settings  Status   Config   Usage   Stats", "Session",
+                   "Estimated cost: $0.0000"};
+    const auto addShare = [&lines](double percent) {
+        const std::string share = std::to_string(std::lround(std::max(0.0, percent))) + '%';
+        lines.push_back(share + ' ' + share + " used");
+    };
+    const auto addBlock = [&](const std::string& heading, const Figure& figure,
+                              const std::string& resets) {
+        lines.push_back(heading);
+        addShare(figure.usedPercent - lag);
+        lines.push_back("Resets " + resets + " (Europe/Zurich)");
+    };
+    addBlock("Current session", figures_.session, zurichTime(figures_.session.resetsAt));
+    addBlock("Current week (all models)", figures_.week,
+             zurichDateTime(figures_.week.resetsAt, ", "));
+    if (figures_.model) {
+        addBlock("Current week (Fable)", *figures_.model,
+                 zurichDateTime(figures_.model->resetsAt, ", "));
+    }
+    lines.emplace_back("What's contributing to your usage?");
+    lines.emplace_back("Approximate · sessions on this computer only");
+    lines.emplace_back("Usage credits");
+    addShare(100 * figures_.spent / figures_.spendLimit);
+    lines.push_back(money(figures_.spent) + " / " + money(figures_.spendLimit) + " spent");
+    if (!notice.empty()) {
+        lines.push_back(notice);
+    }
+    lines.emplace_back("←/→ to switch · Esc to close");
+    return lines;
+}
+
+std::string ClaudeScreens::replacing(const Lines& drawn, const Lines& page) {
+    const auto differing =
+        std::mismatch(drawn.begin(), drawn.end(), page.begin(), page.end()).second;
+    const auto kept = static_cast<std::size_t>(differing - page.begin());
+    const auto move = [](std::size_t lines, char direction) {
+        return lines == 0 ? "" : "\033[" + std::to_string(lines) + direction;
+    };
+    std::string text = move(drawn.size() - 1, 'B');
+    for (std::size_t line = drawn.size(); line > kept; --line) {
+        text += line == drawn.size() ? "\033[2K" : "\033[1A\033[2K";
+    }
+    text += "\033[G";
+    for (auto line = differing; line != page.end(); ++line) {
+        text += line == differing ? *line : newLine + *line;
+    }
+    return text + "\033[29G" + move(page.size() - 1, 'A');
 }
 
 } // namespace simulator

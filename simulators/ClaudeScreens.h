@@ -1,9 +1,11 @@
 #pragma once
 
+#include "ClaudeAccount.h"
 #include "Figures.h"
 #include "Scenario.h"
 
 #include <string>
+#include <vector>
 
 namespace simulator {
 
@@ -35,18 +37,21 @@ public:
     std::string usageError() const;
     std::string usageLoggedOut() const;
 
+    /// The usage page as today's CLI draws it: one line after the other, the cursor left on the
+    /// tabs, and whatever changes later written over what stands there.
+    using Lines = std::vector<std::string>;
+    /// `lag` as above; `notice` tells below the figures what becomes of them.
+    Lines lines(int lag, const std::string& notice = {}) const;
+    /// What is drawn when `drawn` is on the screen and `page` is to be: goes up over the lines that
+    /// stay, erases from the first one that differs, and writes on from there.
+    static std::string replacing(const Lines& drawn, const Lines& page);
+
 private:
     std::string block(const std::string& heading, const Figure& figure, const std::string& resets,
                       const Parts& parts) const;
 
     const Scenario& scenario_;
-    Figure session_;
-    Figure week_;
-    Figure model_;
+    const ClaudeFigures figures_;
 };
-
-/// The version that "claude --version" prints, and its banner names.
-std::string claudeVersion(const Scenario& scenario);
-std::string claudeEmail(const Scenario& scenario);
 
 } // namespace simulator

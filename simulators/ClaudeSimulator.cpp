@@ -1,9 +1,10 @@
+#include "ClaudeAccount.h"
+#include "ClaudeQuery.h"
 #include "ClaudeScreens.h"
 #include "Output.h"
 #include "Simulators.h"
 
 #include <map>
-#include <random>
 #include <termios.h>
 #include <unistd.h>
 
@@ -67,6 +68,8 @@ private:
     }
 
     void start() {
+        // The CLI learns from the answer what is left.
+        sendToModel(scenario_);
         if (scenario_.is({"hang"})) {
             hang();
         }
@@ -163,9 +166,14 @@ private:
             {"late-credits", &ClaudeSession::drawCreditsLate},
             {"fable-late", &ClaudeSession::drawModelLate},
             {"invalid-utf8", &ClaudeSession::drawInvalidText},
+            {"redraw-in-place", &ClaudeSession::drawInPlace},
+            {"screen-stale", &ClaudeSession::drawStale},
+            {"screen-not-refreshed", &ClaudeSession::drawNotRefreshed},
         };
         screenOpen_ = true;
-        draw(screens_.usageLoading());
+        if (!scenario_.is({"redraw-in-place", "screen-stale", "screen-not-refreshed"})) {
+            draw(screens_.usageLoading());
+        }
         pause(scenario_.delay());
         if (scenario_.is({"lingers"})) {
             drawPage();
@@ -179,15 +187,7 @@ private:
     void drawError() { draw(screens_.usageError()); }
     void drawLoggedOut() { draw(screens_.usageLoggedOut()); }
 
-    /// Always the same bytes, of every value.
-    void drawGarbage() {
-        std::minstd_rand random(20251120);
-        std::string bytes;
-        for (int count = 0; count < 8192; ++count) {
-            bytes += static_cast<char>(random() & 0xff);
-        }
-        draw(bytes);
-    }
+    void drawGarbage() { draw(garbage()); }
 
     void drawHuge() {
         Parts parts;
@@ -269,6 +269,26 @@ private:
         draw(screens_.usage(parts));
     }
 
+    /// As the CLI draws since 2.1: a page of older figures, which new ones replace line by line.
+    void drawInPlace() {
+        const ClaudeScreens::Lines older = screens_.lines(7, "Refreshing usage…");
+        draw(screens_.replacing({""}, older));
+        pause(scenario_.delay());
+        draw(screens_.replacing(older, screens_.lines(0)));
+    }
+
+    /// The figures that the CLI had kept stay on the page.
+    void drawStale() {
+        keepFigures("Showing last-known usage as of 1m ago (rate limited until 4:25am)");
+    }
+    void drawNotRefreshed() { keepFigures("Couldn't refresh usage data"); }
+    void keepFigures(const std::string& reason) {
+        const ClaudeScreens::Lines waiting = screens_.lines(0, "Refreshing usage…");
+        draw(screens_.replacing({""}, waiting));
+        pause(scenario_.delay());
+        draw(screens_.replacing(waiting, screens_.lines(0, reason)));
+    }
+
     const Scenario& scenario_;
     const ClaudeScreens screens_;
     const Output output_;
@@ -277,11 +297,6 @@ private:
 
 int authStatus(const Scenario& scenario) {
     const Output output(STDOUT_FILENO, scenario);
-    const auto document = [&scenario](const std::string& loggedIn) {
-        return "{\n  \"loggedIn\": " + loggedIn +
-               ",\n  \"authMethod\": \"claude.ai\",\n  \"email\": \"" + claudeEmail(scenario) +
-               "\",\n  \"subscriptionType\": \"max\"\n}\n";
-    };
     if (scenario.is({"login-hang"})) {
         hang();
     } else if (scenario.is({"login-deaf"})) {
@@ -293,12 +308,12 @@ int authStatus(const Scenario& scenario) {
     } else if (scenario.is({"login-garbage"})) {
         output.write("\033[31mUnknown command: auth\xff\033[0m\n");
     } else if (scenario.is({"login-string"})) {
-        output.write(document("\"false\""));
+        output.write(claudeAuthStatus(scenario, "\"false\""));
     } else if (scenario.is({"logged-out"})) {
-        output.write("{\n  \"loggedIn\": false,\n  \"authMethod\": \"none\"\n}\n");
+        output.write(claudeAuthStatus(scenario, "false"));
         return 1;
     } else {
-        output.write(document("true"));
+        output.write(claudeAuthStatus(scenario, "true"));
     }
     return 0;
 }
@@ -319,7 +334,7 @@ int authLogin(const Scenario& scenario, bool help) {
 int playClaude(const Scenario& scenario, const Arguments& arguments) {
     const Output output(STDOUT_FILENO, scenario);
     if (arguments == Arguments{"--version"}) {
-        output.write(claudeVersion(scenario) + "\n");
+        output.write(claudeVersion(scenario) + " (Claude Code)\n");
         return 0;
     }
     if (arguments == Arguments{"auth", "status", "--json"}) {
@@ -327,6 +342,9 @@ int playClaude(const Scenario& scenario, const Arguments& arguments) {
     }
     if (arguments.size() >= 2 && arguments[0] == "auth" && arguments[1] == "login") {
         return authLogin(scenario, arguments.back() == "--help");
+    }
+    if (isClaudeQuery(arguments)) {
+        return playClaudeQuery(scenario, arguments);
     }
     if (arguments != sessionArguments) {
         Output(STDERR_FILENO, scenario).write("error: unknown option\n");

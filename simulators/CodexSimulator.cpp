@@ -3,6 +3,7 @@
 #include "Simulators.h"
 
 #include <cmath>
+#include <ctime>
 #include <iostream>
 #include <optional>
 #include <unistd.h>
@@ -14,6 +15,11 @@ namespace {
 /// `codex app-server`: one JSON message a line. Answers are compact and carry the request's id;
 /// notifications come in between and have none.
 class CodexServer {
+    /// What the service says when it is asked too often.
+    static constexpr const char* refusal =
+        "failed to fetch codex rate limits: GET https://codex.example.org/usage failed: 429 Too "
+        "Many Requests; content-type=application/json; body={\\\"detail\\\": \\\"slow down\\\"}";
+
 public:
     explicit CodexServer(const Scenario& scenario)
         : scenario_(scenario), output_(STDOUT_FILENO, scenario), errors_(STDERR_FILENO, scenario) {}
@@ -41,9 +47,9 @@ private:
     void reply(int id, const std::string& result) const {
         send("{\"id\":" + std::to_string(id) + ",\"result\":" + result + "}");
     }
-    void refuse(int id, const std::string& message) const {
-        send("{\"id\":" + std::to_string(id) + ",\"error\":{\"code\":-32600,\"message\":\"" +
-             message + "\"}}");
+    void refuse(int id, int code, const std::string& message) const {
+        send("{\"error\":{\"code\":" + std::to_string(code) + ",\"message\":\"" + message +
+             "\"},\"id\":" + std::to_string(id) + "}");
     }
     void notify(const std::string& method) const {
         send("{\"method\":\"" + method + "\",\"params\":{\"status\":\"ready\",\"error\":null}}");
@@ -92,7 +98,9 @@ private:
                 sendUntilHuge();
             }
         } else if (asks(line, "account/read")) {
-            answerAccount();
+            if (!scenario_.is({"account-last", "account-never"})) {
+                answerAccount();
+            }
             notify("account/updated");
         } else if (asks(line, "account/rateLimits/read")) {
             return answerRateLimits();
@@ -103,9 +111,14 @@ private:
     void answerAccount() const {
         const std::string email = scenario_.text("email", "name@example.org");
         if (scenario_.is({"logged-out", "error-exit"})) {
-            reply(2, "{\"account\":null,\"requiresOpenaiAuth\":true}");
+            reply(2, "{\"account\":null,\"userId\":null,\"requiresOpenaiAuth\":true}");
+        } else if (scenario_.is({"api-key"})) {
+            reply(2, "{\"account\":{\"type\":\"apiKey\"},\"requiresOpenaiAuth\":true}");
         } else if (scenario_.is({"no-email"})) {
-            reply(2, "{\"account\":{\"type\":\"apiKey\"},\"requiresOpenaiAuth\":false}");
+            reply(2, "{\"account\":{\"type\":\"chatgpt\",\"email\":null,\"planType\":\"" +
+                         planType() + "\"},\"requiresOpenaiAuth\":true}");
+        } else if (scenario_.is({"account-error"})) {
+            refuse(2, -32603, "failed to read the account");
         } else {
             reply(2, "{\"account\":{\"type\":\"chatgpt\",\"email\":\"" + email +
                          "\",\"planType\":\"" + planType() + "\"},\"requiresOpenaiAuth\":true}");
@@ -113,13 +126,24 @@ private:
     }
 
     std::optional<int> answerRateLimits() const {
-        if (scenario_.is({"logged-out", "error-reply", "error-exit"})) {
-            refuse(3, "account authentication required to read rate limits");
+        if (scenario_.is({"logged-out", "error-exit"})) {
+            refuse(3, -32600, "codex account authentication required to read rate limits");
             if (scenario_.is({"error-exit"})) {
-                errors_.write("not signed in\n");
                 pause(std::chrono::milliseconds(50));
                 return 1;
             }
+        } else if (scenario_.is({"api-key"})) {
+            refuse(3, -32600, "chatgpt authentication required to read rate limits");
+        } else if (scenario_.is({"error-reply"})) {
+            refuse(3, -32603, refusal);
+        } else if (scenario_.is({"error-then-answer"})) {
+            refuse(3, -32603, refusal);
+            pause(scenario_.span("answer-delay", 300));
+            reply(3, rateLimits());
+        } else if (scenario_.is({"account-last"})) {
+            reply(3, rateLimits());
+            pause(scenario_.span("account-delay", 100));
+            answerAccount();
         } else if (scenario_.is({"no-rate-limits"})) {
             reply(3, "{\"rateLimits\":null}");
         } else if (scenario_.is({"no-windows"})) {
@@ -145,17 +169,71 @@ private:
                ",\"resetsAt\":" + number(static_cast<long>(figure.resetsAt)) + "}";
     }
 
+    /// The result of "account/rateLimits/read": the main limit, and all limits by their names.
     std::string rateLimits() const {
+        const std::string main = mainLimit();
+        std::string all = "\"codex\":" + main;
+        if (scenario_.is({"further-limit"})) {
+            all = "\"gpt-5.3-codex-spark\":" + furtherLimit() + "," + all;
+        }
+        return std::string("{\"ordinaryUsageAllowed\":") +
+               (scenario_.is({"used-up"}) ? "false" : "true") + ",\"rateLimits\":" + main +
+               ",\"rateLimitsByLimitId\":{" + all +
+               "},\"rateLimitResetCredits\":" + resetCredits() +
+               ",\"accountId\":null,\"rateLimitUpsell\":null}";
+    }
+
+    std::string mainLimit() const {
         const Figures figures(scenario_);
-        const std::string session =
-            window(figures.window("session", 22, 1 * hours + 27 * minutes, 5 * hours), 300);
+        const bool isUsedUp = scenario_.is({"used-up"});
+        const std::string session = window(
+            figures.window("session", isUsedUp ? 100 : 22, 1 * hours + 27 * minutes, 5 * hours),
+            300);
         const std::string week =
             window(figures.window("week", 29, 3 * days + 18 * hours, 7 * days), 10080);
-        const bool credits = scenario_.is({"credits"});
-        return "{\"rateLimits\":{\"limitId\":\"codex\",\"primary\":" +
-               (scenario_.is({"weekly-only"}) ? "null" : session) + ",\"secondary\":" + week +
-               ",\"credits\":{\"hasCredits\":" + (credits ? "true" : "false") +
-               ",\"unlimited\":false,\"balance\":null},\"planType\":\"" + planType() + "\"}}";
+        const bool hasOneWindow = scenario_.is({"weekly-only"});
+        return "{\"limitId\":\"codex\",\"limitName\":null,\"primary\":" +
+               (hasOneWindow ? week : session) +
+               ",\"secondary\":" + (hasOneWindow ? "null" : week) +
+               ",\"credits\":{\"hasCredits\":" + (scenario_.is({"credits"}) ? "true" : "false") +
+               ",\"unlimited\":false,\"balance\":null},\"individualLimit\":" + individualLimit() +
+               ",\"spendControlReached\":null,\"planType\":\"" + planType() +
+               "\",\"rateLimitReachedType\":" + (isUsedUp ? "\"rate_limit_reached\"" : "null") +
+               "}";
+    }
+
+    std::string furtherLimit() const {
+        const Figures figures(scenario_);
+        return "{\"limitId\":\"gpt-5.3-codex-spark\",\"limitName\":\"GPT-5.3-Codex-Spark\","
+               "\"primary\":" +
+               window(figures.window("spark-session", 5, 3 * hours, 5 * hours), 300) +
+               ",\"secondary\":" +
+               window(figures.window("spark-week", 2, 6 * days, 7 * days), 10080) +
+               ",\"credits\":null,\"individualLimit\":null,\"planType\":\"" + planType() + "\"}";
+    }
+
+    std::string individualLimit() const {
+        if (!scenario_.is({"individual-limit"})) {
+            return "null";
+        }
+        const Figure figure = Figures(scenario_).window("individual", 40, 12 * days, 30 * days);
+        const long used = std::lround(figure.usedPercent);
+        return "{\"limit\":\"100\",\"used\":\"" + std::to_string(used) +
+               "\",\"remainingPercent\":" + std::to_string(100 - used) +
+               ",\"resetsAt\":" + std::to_string(figure.resetsAt) + "}";
+    }
+
+    std::string resetCredits() const {
+        if (!scenario_.is({"banked-resets"})) {
+            return "null";
+        }
+        const auto credit = [](const char* status, double expiresIn) {
+            const auto expiry = std::time(nullptr) + static_cast<std::time_t>(expiresIn);
+            return std::string(R"({"id":"a","resetType":"codexRateLimits","status":")") + status +
+                   R"(","expiresAt":)" + std::to_string(expiry) + "}";
+        };
+        return "{\"availableCount\":2,\"credits\":[" + credit("available", 21 * days) + "," +
+               credit("redeemed", 2 * days) + "," + credit("available", 9 * days) + "]}";
     }
 
     void sendUntilHuge() const {

@@ -93,16 +93,16 @@ std::string zurichTime(std::time_t time) {
     return clockText(zurich(time));
 }
 
-std::string zurichDateTime(std::time_t time) {
+std::string zurichDateTime(std::time_t time, const std::string& separator) {
     const std::tm parts = zurich(time);
     char day[32];
-    std::strftime(day, sizeof day, "%b %d at ", &parts);
+    std::strftime(day, sizeof day, "%b %d", &parts);
     // "Nov 4", not "Nov 04".
     std::string text = day;
     if (text[4] == '0') {
         text.erase(4, 1);
     }
-    return text + clockText(parts);
+    return text + separator + clockText(parts);
 }
 
 } // namespace simulator

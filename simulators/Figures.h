@@ -39,7 +39,7 @@ std::string decimal(double value);
 std::string iso8601(std::time_t time);
 /// A time in Zurich as Claude writes it: "5pm" or "5:12pm".
 std::string zurichTime(std::time_t time);
-/// "Nov 24 at 9:30am".
-std::string zurichDateTime(std::time_t time);
+/// "Nov 24 at 9:30am", with `separator` between day and time.
+std::string zurichDateTime(std::time_t time, const std::string& separator = " at ");
 
 } // namespace simulator

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <poll.h>
+#include <random>
 #include <sys/resource.h>
 #include <thread>
 #include <unistd.h>
@@ -38,6 +39,15 @@ bool Output::writeWhole(std::string_view bytes) const {
         }
     }
     return true;
+}
+
+std::string garbage() {
+    std::minstd_rand random(20251120);
+    std::string bytes;
+    for (int count = 0; count < 8192; ++count) {
+        bytes += static_cast<char>(random() & 0xff);
+    }
+    return bytes;
 }
 
 void pause(std::chrono::milliseconds span) {

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace simulator {
@@ -11,12 +12,13 @@ namespace simulator {
 /// The size that "huge" stands for.
 inline constexpr std::size_t hugeSize = 20u << 20;
 
-/// Writes to a descriptor, whole or (scenario "split") in pieces of a few bytes with pauses, so
-/// that no reader can count on meeting line ends, characters or sequences in one piece.
+/// Writes to a descriptor, whole or (scenarios "split", "query-split") in pieces of a few bytes
+/// with pauses, so that no reader can count on meeting line ends, characters or sequences in one
+/// piece.
 class Output {
 public:
     Output(int descriptor, const Scenario& scenario)
-        : descriptor_(descriptor), split_(scenario.is({"split"})) {}
+        : descriptor_(descriptor), split_(scenario.is({"split", "query-split"})) {}
 
     /// False when nobody reads any more.
     bool write(std::string_view bytes) const;
@@ -27,6 +29,9 @@ private:
     int descriptor_;
     bool split_;
 };
+
+/// 8 KB of every byte, always the same.
+std::string garbage();
 
 void pause(std::chrono::milliseconds span);
 

@@ -10,6 +10,7 @@ extern "C" {
 #endif
 
 int proc_listchildpids(pid_t ppid, void* buffer, int buffersize);
+int proc_listpgrppids(pid_t pgrpid, void* buffer, int buffersize);
 int proc_pidinfo(int pid, int flavor, uint64_t arg, void* buffer, int buffersize);
 
 #ifdef __cplusplus

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/DescriptorWatcher.h"
+#include "platform/SignalChannel.h"
 
 #include <functional>
 #include <memory>
@@ -11,11 +12,9 @@ namespace vellmark {
 class TerminationSignals {
 public:
     TerminationSignals(DescriptorWatcher& loop, std::function<void()> onSignal);
-    ~TerminationSignals();
-    TerminationSignals(const TerminationSignals&) = delete;
-    TerminationSignals& operator=(const TerminationSignals&) = delete;
 
 private:
+    SignalChannel channel_;
     std::unique_ptr<DescriptorWatch> watch_;
 };
 

@@ -90,7 +90,8 @@ LaunchOutcome VellmarkAppDelegate::applicationDidFinishLaunching() {
     const LaunchOutcome outcome = runLaunchSequence(options_, *this);
     if (outcome == LaunchOutcome::launched) {
         executor_.postAfter(popoverRehearsal, popoverRehearsal, [this] { rehearsePopover(); });
-        // Once more with the first readings: at first there may be nothing to draw but their places.
+        // Once more with the first readings: at first there may be nothing to draw but their
+        // places.
         executor_.postAfter(launchSettles, launchSettles, [this] {
             rehearsePopover();
             releaseUnusedMemory();
@@ -188,6 +189,10 @@ void VellmarkAppDelegate::configurePopover() {
     popover_ = std::make_unique<Popover>(actions_);
     popover_->view().onSelectTab = [this](const PopoverTab& tab) {
         preferences_->setString(popoverTabKey, tab.storedForm());
+    };
+    popover_->onOpenChange = [this](bool isOpen) {
+        if (statusItem_)
+            statusItem_->setPopoverOpen(isOpen);
     };
     mainMenu_.attach(*popover_);
     new WindowMemory(*popover_, [this] { return std::move(popover_); });

@@ -3,7 +3,10 @@
 #include "app/TerminationSignals.h"
 #include "app/VellmarkAppDelegate.h"
 #include "platform/Machine.h"
+#include "platform/ProgramEnd.h"
 #include "platform/SessionBus.h"
+#include "platform/SignalChannel.h"
+#include "platform/UnusedMemory.h"
 #include "platform/UserLocale.h"
 #include "presentation/LanguageManager.h"
 #include "probes/ChildWatcher.h"
@@ -84,9 +87,7 @@ int runOnChosenMachine(QApplication& application, const LaunchOptions& options, 
     return run(application, options, machine);
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int runProgram(int argc, char** argv) {
     std::vector<std::string> arguments(argv + 1, argv + argc);
     if (!arguments.empty() && arguments.front() == "--render-glyph")
         return renderGlyph({arguments.begin() + 1, arguments.end()});
@@ -125,4 +126,12 @@ int main(int argc, char** argv) {
         report(singleLine(error.what()));
         return 1;
     }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    ignoreBrokenPipes();
+    keepLittleUnusedMemory();
+    endProgram(runProgram(argc, argv));
 }

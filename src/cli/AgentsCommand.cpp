@@ -1,4 +1,5 @@
 #include "cli/InterruptibleWork.h"
+#include "cli/StorageNews.h"
 #include "cli/Subcommands.h"
 #include "cli/Table.h"
 #include "model/UsageJSON.h"
@@ -30,6 +31,7 @@ public:
 
     int run(const CommandContext& context) override {
         const auto preferences = makePreferences(context.machine);
+        reportUnreadable(*preferences, context);
         const auto enabled = AgentSettings(*preferences, providerRegistry()).enabled();
         std::vector<AgentFacts> agents;
         if (const int status = gather(context, agents); status != ExitStatus::done)
@@ -57,12 +59,12 @@ private:
             if (agent.toolPath)
                 entry["toolPath"] = agent.toolPath->string();
             if (agent.toolVersion)
-                entry["toolVersion"] = *agent.toolVersion;
+                entry["toolVersion"] = singleLine(*agent.toolVersion);
             if (agent.loggedIn)
                 entry["loggedIn"] = *agent.loggedIn;
             list.push_back(std::move(entry));
         }
-        context.output.write(serialized(list) + "\n");
+        context.output.writeData(serialized(list) + "\n");
     }
 
     static void writeTable(const std::vector<AgentFacts>& agents,
@@ -85,7 +87,7 @@ private:
                           {agent.toolPath ? singleLine(context.machine.abbreviated(*agent.toolPath))
                                           : word("cli.agents.toolMissing")}});
         }
-        table.write(context.output);
+        context.output.write(table.text(context.output));
     }
 
     bool json_ = false;

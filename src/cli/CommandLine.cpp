@@ -1,6 +1,6 @@
 #include "cli/CommandLine.h"
 
-#include "cli/DisplayWidth.h"
+#include "cli/NearestWord.h"
 #include "text/TerminalText.h"
 
 #include <CLI/CLI.hpp>
@@ -16,48 +16,75 @@ bool isLanguage(const std::string& text) {
     return text == "de" || text == "en";
 }
 
-/// Declares to CLI11.
+/// Declares to CLI11, and keeps for the help what was declared.
 class ParserOptions final : public CommandOptions {
 public:
     ParserOptions(CLI::App& app, const Localization& words) : app_(app), words_(words) {}
 
     void flag(const std::string& name, bool& place, const std::string& helpKey) override {
-        app_.add_flag(name, place, words_.text(helpKey));
+        app_.add_flag(name, place);
+        describe(name, helpKey);
     }
     void value(const std::string& name, std::optional<std::string>& place,
                const std::string& placeholder, const std::string& helpKey) override {
-        add(name, place, placeholder, helpKey)
-            ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+        add(name, place)->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+        describe(name, helpKey, placeholder);
     }
     void values(const std::string& name, std::vector<std::string>& places,
                 const std::string& placeholder, const std::string& helpKey) override {
         // One value each time, so that a following positional argument is not swallowed.
-        app_.add_option(name, places, words_.text(helpKey))
-            ->type_name(placeholder)
+        app_.add_option(name, places)
             ->expected(1)
             ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+        describe(name, helpKey, placeholder);
     }
     void positional(const std::string& placeholder, std::string& place,
                     const std::string& helpKey) override {
-        app_.add_option(placeholder, place, words_.text(helpKey))->type_name("")->required();
+        app_.add_option(placeholder, place)->required();
+        arguments_.push_back({placeholder, words_.text(helpKey)});
+        synopsis_ += " " + placeholder;
     }
     void optionalPositional(const std::string& placeholder, std::optional<std::string>& place,
                             const std::string& helpKey) override {
-        add(placeholder, place, "", helpKey);
+        add(placeholder, place);
+        arguments_.push_back({placeholder, words_.text(helpKey)});
+        synopsis_ += " [" + placeholder + "]";
     }
 
+    /// An option that the parser itself knows.
+    void describe(const std::string& names, const std::string& helpKey,
+                  const std::string& placeholder = {}) {
+        const std::string term = replacedText(names, ",", ", ");
+        options_.push_back(
+            {placeholder.empty() ? term : term + " " + placeholder, words_.text(helpKey)});
+    }
+
+    const std::vector<HelpPage::Entry>& arguments() const { return arguments_; }
+    const std::vector<HelpPage::Entry>& options() const { return options_; }
+    /// " TASK [FILE]".
+    const std::string& synopsis() const { return synopsis_; }
+
 private:
-    CLI::Option* add(const std::string& name, std::optional<std::string>& place,
-                     const std::string& placeholder, const std::string& helpKey) {
-        return app_
-            .add_option_function<std::string>(
-                name, [&place](const std::string& text) { place = text; }, words_.text(helpKey))
-            ->type_name(placeholder);
+    CLI::Option* add(const std::string& name, std::optional<std::string>& place) {
+        return app_.add_option_function<std::string>(
+            name, [&place](const std::string& text) { place = text; });
     }
 
     CLI::App& app_;
     const Localization& words_;
+    std::vector<HelpPage::Entry> arguments_;
+    std::vector<HelpPage::Entry> options_;
+    std::string synopsis_;
 };
+
+constexpr const char* helpSubcommand = "help";
+
+bool isSubcommand(const std::string& name,
+                  const std::vector<std::unique_ptr<Subcommand>>& subcommands) {
+    return name == helpSubcommand || std::ranges::any_of(subcommands, [&](const auto& subcommand) {
+               return subcommand->name() == name;
+           });
+}
 
 /// True when no argument names a subcommand, so that the default one is meant. The values of the
 /// global options are not looked at.
@@ -65,88 +92,97 @@ bool meansDefault(const std::vector<std::string>& arguments,
                   const std::vector<std::unique_ptr<Subcommand>>& subcommands) {
     for (std::size_t index = 0; index < arguments.size(); ++index) {
         const std::string& argument = arguments[index];
-        if (argument == "--language" || argument == "--sandbox") {
+        if (argument == "--language" || argument == "--sandbox" || argument == "--color") {
             ++index;
-        } else if (argument == "-h" || argument == "--help" || argument == "--version" ||
-                   std::ranges::any_of(subcommands, [&](const auto& subcommand) {
-                       return subcommand->name() == argument;
-                   })) {
+        } else if (argument == "-h" || argument == "--help" || argument == "-V" ||
+                   argument == "--version" || isSubcommand(argument, subcommands)) {
             return false;
         }
     }
     return true;
 }
 
-std::string joined(const std::vector<std::string>& lines) {
-    std::string text;
-    for (const std::string& line : lines)
-        text += (text.empty() ? "" : "\n") + line;
-    return text;
-}
-
-/// CLI11's own layout with long texts broken into lines.
-class HelpFormatter final : public CLI::Formatter {
-public:
-    static constexpr std::size_t width = 80;
-    static constexpr std::size_t textColumn = 24;
-
-    HelpFormatter() { column_width(textColumn); }
-
-    std::string make_option_desc(const CLI::Option* option) const override {
-        return joined(wrapped(Formatter::make_option_desc(option), width - textColumn));
-    }
+/// A subcommand with its options as they were declared.
+struct ParsedSubcommand {
+    Subcommand* subcommand;
+    ParserOptions options;
 };
 
-/// The parser's English words in the user's language.
-void translate(CLI::App& app, const Localization& words) {
-    const auto formatter = std::make_shared<HelpFormatter>();
-    for (const char* label :
-         {"Usage", "OPTIONS", "SUBCOMMAND", "SUBCOMMANDS", "Positionals", "REQUIRED"})
-        formatter->label(label, words.text(std::string("cli.help.label.") + label));
-    app.formatter(formatter);
-    app.option_defaults()->group(words.text("cli.help.group.options"));
-    app.set_help_flag("-h,--help", words.text("cli.help.help"));
-}
-
 struct Parser {
-    CLI::App app;
-    std::string language;
+    CLI::App app{"", "vellmark"};
+    const Localization& words;
+    ParserOptions global{app, words};
+    std::vector<ParsedSubcommand> subcommands;
+    std::optional<std::string> helpTopic;
+    std::optional<std::string> language;
+    std::optional<std::string> color;
     std::optional<std::string> sandbox;
     bool demo = false;
 
-    Parser(const std::vector<std::unique_ptr<Subcommand>>& subcommands, const Localization& words)
-        : app(words.text("cli.help.description"), "vellmark") {
-        translate(app, words);
-        app.set_version_flag("--version", "vellmark " VELLMARK_VERSION,
-                             words.text("cli.help.version"));
-        app.add_option("--language", language, words.text("cli.help.language"))
-            ->type_name("de|en")
-            ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
-        ParserOptions global(app, words);
+    Parser(const std::vector<std::unique_ptr<Subcommand>>& all, const Localization& theWords)
+        : words(theWords) {
+        app.set_help_flag("-h,--help");
+        global.describe("-h,--help", "cli.help.help");
+        app.set_version_flag("-V,--version", "");
+        global.describe("-V,--version", "cli.help.version");
+        global.value("--language", language, "de|en", "cli.help.language");
+        global.value("--color", color, "WHEN", "cli.help.color");
         global.flag("--demo", demo, "cli.help.demo");
         global.value("--sandbox", sandbox, "DIR", "cli.help.sandbox");
         app.require_subcommand(1);
         app.fallthrough();
-        app.footer(joined(wrapped(words.text("cli.help.footer"), HelpFormatter::width)));
-        for (const auto& subcommand : subcommands)
-            add(*subcommand, words);
-    }
-
-    void add(Subcommand& subcommand, const Localization& words) {
-        CLI::App* parser =
-            app.add_subcommand(subcommand.name(), words.text(subcommand.summaryKey()));
-        parser->group(words.text("cli.help.group.subcommands"));
-        parser->get_help_ptr()->group(words.text("cli.help.group.options"));
-        parser->footer("");
-        if (const std::string key = subcommand.detailKey(); !key.empty())
-            parser->footer(joined(wrapped(words.text(key), HelpFormatter::width)));
-        ParserOptions options(*parser, words);
-        subcommand.declare(options);
+        for (const auto& subcommand : all) {
+            subcommands.push_back(
+                {subcommand.get(), {*app.add_subcommand(subcommand->name()), words}});
+            subcommand->declare(subcommands.back().options);
+        }
+        ParserOptions(*app.add_subcommand(helpSubcommand), words)
+            .optionalPositional("COMMAND", helpTopic, "cli.help.command");
     }
 
     std::string chosen() const {
         const auto parsed = app.get_subcommands();
         return parsed.empty() ? std::string() : parsed.front()->get_name();
+    }
+
+    const ParsedSubcommand* find(const std::string& name) const {
+        const auto found = std::ranges::find_if(
+            subcommands, [&](const auto& one) { return one.subcommand->name() == name; });
+        return found == subcommands.end() ? nullptr : &*found;
+    }
+
+    HelpPage help() const {
+        HelpPage page{.summary = words.text("cli.help.description"),
+                      .usage = usage(words.text("cli.help.label.options") + "] [" +
+                                     words.text("cli.help.label.command") + " [" +
+                                     words.text("cli.help.label.arguments") + "]"),
+                      .sections = {},
+                      .detail = words.text("cli.help.footer")};
+        HelpPage::Section commands{words.text("cli.help.group.subcommands"), {}};
+        for (const auto& [subcommand, options] : subcommands)
+            commands.entries.push_back({subcommand->name(), words.text(subcommand->summaryKey())});
+        commands.entries.push_back({helpSubcommand, words.text("cli.help.summary")});
+        page.sections = {std::move(commands),
+                         {words.text("cli.help.group.options"), global.options()}};
+        return page;
+    }
+
+    HelpPage help(const ParsedSubcommand& one) const {
+        const std::string detailKey = one.subcommand->detailKey();
+        return {.summary = words.text(one.subcommand->summaryKey()),
+                .usage = usage(words.text("cli.help.label.options"), " " + one.subcommand->name(),
+                               one.options.synopsis()),
+                .sections = {{words.text("cli.help.group.arguments"), one.options.arguments()},
+                             {words.text("cli.help.group.options"), one.options.options()},
+                             {words.text("cli.help.group.global"), global.options()}},
+                .detail = detailKey.empty() ? std::string() : words.text(detailKey)};
+    }
+
+private:
+    std::string usage(const std::string& options, const std::string& name = {},
+                      const std::string& synopsis = {}) const {
+        return words.format("cli.help.label.usage",
+                            {"vellmark" + name + " [" + options + "]" + synopsis});
     }
 };
 
@@ -162,16 +198,97 @@ std::string firstUnplaced(const std::vector<std::string>& arguments, const CLI::
     return found == arguments.end() ? std::string() : singleLine(*found);
 }
 
-std::string describe(const CLI::ParseError& error, const std::vector<std::string>& arguments,
-                     const CLI::App& app, const Localization& words) {
+/// `key`, or `key`.near with the one of `known` that may have been meant.
+std::string unknownText(const std::string& key, const std::string& typed,
+                        const std::vector<std::string>& known, const Localization& words) {
+    const std::string near = nearestWord(typed, known);
+    return near.empty() ? words.format(key, {typed}) : words.format(key + ".near", {typed, near});
+}
+
+std::vector<std::string> subcommandNames(const Parser& parser) {
+    std::vector<std::string> names{helpSubcommand};
+    for (const auto& [subcommand, options] : parser.subcommands)
+        names.push_back(subcommand->name());
+    return names;
+}
+
+/// The options that the chosen subcommand takes, "--help" and not "-h".
+std::vector<std::string> optionNames(const Parser& parser) {
+    std::vector<HelpPage::Entry> entries = parser.global.options();
+    if (const ParsedSubcommand* chosen = parser.find(parser.chosen())) {
+        const auto& own = chosen->options.options();
+        entries.insert(entries.end(), own.begin(), own.end());
+    }
+    std::vector<std::string> names;
+    for (const auto& [term, text] : entries) {
+        const std::size_t begin = term.find("--");
+        names.push_back(term.substr(begin, term.find(' ', begin) - begin));
+    }
+    return names;
+}
+
+/// `isDefault`: no subcommand was named.
+CommandLineFault unplacedFault(const std::string& unplaced, bool isDefault, const Parser& parser) {
+    const Localization& words = parser.words;
+    if (unplaced.starts_with("-"))
+        return {unknownText("cli.error.unexpected", unplaced.substr(0, unplaced.find('=')),
+                            optionNames(parser), words),
+                helpHint(parser.chosen(), words)};
+    if (isDefault)
+        return {unknownText("cli.error.unknownCommand", unplaced, subcommandNames(parser), words),
+                helpHint({}, words)};
+    return {words.format("cli.error.unexpected", {unplaced}), helpHint(parser.chosen(), words)};
+}
+
+CommandLineFault faultOf(const CLI::ParseError& error, const std::vector<std::string>& arguments,
+                         bool isDefault, const Parser& parser) {
+    const Localization& words = parser.words;
     const std::string message = error.what();
     if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr)
-        return words.format("cli.error.unexpected", {firstUnplaced(arguments, app)});
+        return unplacedFault(firstUnplaced(arguments, parser.app), isDefault, parser);
+    const std::string hint = helpHint(parser.chosen(), words);
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr)
-        return words.format("cli.error.valueMissing", {subject(message, ":")});
+        return {words.format("cli.error.valueMissing", {subject(message, ":")}), hint};
     if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr)
-        return words.format("cli.error.argumentMissing", {subject(message, " is required")});
-    return words.format("cli.error.invalid", {singleLine(message)});
+        return {words.format("cli.error.argumentMissing", {subject(message, " is required")}),
+                hint};
+    return {words.format("cli.error.invalid", {singleLine(message)}), hint};
+}
+
+HelpPage helpAbout(const std::string& topic, const Parser& parser) {
+    if (const ParsedSubcommand* about = parser.find(topic))
+        return parser.help(*about);
+    if (topic.empty() || topic == helpSubcommand)
+        return parser.help();
+    throw CommandLineFault{unknownText("cli.error.unknownCommand", singleLine(topic),
+                                       subcommandNames(parser), parser.words),
+                           helpHint({}, parser.words)};
+}
+
+ColorChoice colorChoice(const Parser& parser) {
+    const std::string choice = parser.color.value_or("auto");
+    if (choice == "always")
+        return ColorChoice::always;
+    if (choice == "never")
+        return ColorChoice::never;
+    if (choice == "auto")
+        return ColorChoice::automatic;
+    throw CommandLineFault{parser.words.format("cli.error.unknownColor", {singleLine(choice)}),
+                           helpHint({}, parser.words)};
+}
+
+/// The global options that make no sense.
+void checkGlobalOptions(const Parser& parser, const Subcommand* subcommand) {
+    const Localization& words = parser.words;
+    const auto refuse = [&](const std::string& message) {
+        throw CommandLineFault{message, helpHint({}, words)};
+    };
+    if (parser.language && !isLanguage(*parser.language))
+        refuse(words.format("cli.error.language", {singleLine(*parser.language)}));
+    if (parser.demo && parser.sandbox)
+        refuse(words.format("cli.error.noEffect", {"--sandbox", "--demo"}));
+    if (parser.demo && subcommand != nullptr && !subcommand->hasDemo())
+        refuse(words.format("cli.error.noEffect", {"--demo", subcommand->name()}));
 }
 
 } // namespace
@@ -196,27 +313,30 @@ std::string helpHint(const std::string& subcommand, const Localization& words) {
 CommandLine parseCommandLine(std::vector<std::string> arguments,
                              const std::vector<std::unique_ptr<Subcommand>>& subcommands,
                              const Localization& words) {
-    if (meansDefault(arguments, subcommands))
+    const bool isDefault = meansDefault(arguments, subcommands);
+    if (isDefault)
         arguments.insert(arguments.begin(), defaultSubcommand);
     Parser parser(subcommands, words);
     try {
         std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
         parser.app.parse(std::move(reversed));
-        if (!parser.language.empty() && !isLanguage(parser.language))
-            throw CommandLineFault{
-                words.format("cli.error.language", {singleLine(parser.language)}),
-                helpHint({}, words)};
-    } catch (const CLI::CallForVersion& version) {
-        return {.helpText = std::string(version.what()) + "\n"};
+    } catch (const CLI::CallForVersion&) {
+        return {};
     } catch (const CLI::CallForHelp&) {
-        return {.helpText = parser.app.help()};
+        return {.help = helpAbout(parser.chosen(), parser)};
     } catch (const CLI::ParseError& error) {
-        throw CommandLineFault{describe(error, arguments, parser.app, words),
-                               helpHint(parser.chosen(), words)};
+        throw faultOf(error, arguments, isDefault, parser);
     }
-    const auto found = std::ranges::find_if(
-        subcommands, [&](const auto& subcommand) { return subcommand->name() == parser.chosen(); });
-    return {.subcommand = found->get(), .sandbox = parser.sandbox, .demo = parser.demo};
+    const ParsedSubcommand* chosen = parser.find(parser.chosen());
+    checkGlobalOptions(parser, chosen != nullptr ? chosen->subcommand : nullptr);
+    const ColorChoice colors = colorChoice(parser);
+    if (chosen == nullptr)
+        return {.help = helpAbout(parser.helpTopic.value_or(""), parser)};
+    return {.subcommand = chosen->subcommand,
+            .help = {},
+            .sandbox = parser.sandbox,
+            .demo = parser.demo,
+            .colors = colors};
 }
 
 } // namespace vellmark

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/HelpPage.h"
 #include "cli/Subcommand.h"
 #include "text/Localization.h"
 
@@ -12,13 +13,13 @@ namespace vellmark {
 
 /// The arguments, understood: what to do, or what to say about them.
 struct CommandLine {
-    /// The chosen subcommand with its values in place; null when only `helpText` is wanted.
+    /// The chosen subcommand with its values in place; null when `help` or the version is wanted.
     Subcommand* subcommand = nullptr;
-    /// For standard output; empty when there is a subcommand.
-    std::string helpText;
+    std::optional<HelpPage> help;
     /// A directory that stands in for the machine.
     std::optional<std::string> sandbox;
     bool demo = false;
+    ColorChoice colors = ColorChoice::automatic;
 };
 
 /// What was wrong with the arguments, and where to read more, in the user's words.

@@ -1,45 +1,11 @@
 #include "cli/DisplayWidth.h"
 
-#include <unicode/uchar.h>
-#include <unicode/utf8.h>
+#include "text/Characters.h"
 
 #include <algorithm>
-#include <cstdint>
 
 namespace vellmark {
 namespace {
-
-/// The character at `offset`, which moves past it; ill-formed bytes count as U+FFFD.
-UChar32 nextCharacter(std::string_view text, std::size_t& offset) {
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-    auto index = static_cast<std::int64_t>(offset);
-    const auto length = static_cast<std::int64_t>(text.size());
-    UChar32 character = 0;
-    U8_NEXT_OR_FFFD(bytes, index, length, character);
-    offset = static_cast<std::size_t>(index);
-    return character;
-}
-
-std::size_t characterWidth(UChar32 character) {
-    if (character >= 0x20 && character < 0x7F)
-        return 1;
-    switch (u_charType(character)) {
-    case U_NON_SPACING_MARK:
-    case U_ENCLOSING_MARK:
-    case U_FORMAT_CHAR:
-    case U_CONTROL_CHAR:
-        return 0;
-    default:
-        break;
-    }
-    switch (u_getIntPropertyValue(character, UCHAR_EAST_ASIAN_WIDTH)) {
-    case U_EA_FULLWIDTH:
-    case U_EA_WIDE:
-        return 2;
-    default:
-        return 1;
-    }
-}
 
 /// The longest start of `text` that takes at most `width` columns.
 std::string_view prefixOfWidth(std::string_view text, std::size_t width) {
@@ -71,12 +37,12 @@ std::size_t displayWidth(std::string_view text) {
     return width;
 }
 
-std::string cutToWidth(std::string_view text, std::size_t width) {
+std::string cutToWidth(std::string_view text, std::size_t width, std::string_view ellipsis) {
     if (displayWidth(text) <= width)
         return std::string(text);
     if (width == 0)
         return {};
-    return std::string(prefixOfWidth(text, width - 1)) + "…";
+    return std::string(prefixOfWidth(text, width - 1)).append(ellipsis);
 }
 
 std::string padded(std::string_view text, std::size_t width, Alignment alignment) {

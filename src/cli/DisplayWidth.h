@@ -11,8 +11,8 @@ namespace vellmark {
 /// control characters none.
 std::size_t displayWidth(std::string_view text);
 
-/// `text` cut to at most `width` columns; what was cut off shows as "…".
-std::string cutToWidth(std::string_view text, std::size_t width);
+/// `text` cut to at most `width` columns; what was cut off shows as `ellipsis`, of one column.
+std::string cutToWidth(std::string_view text, std::size_t width, std::string_view ellipsis = "…");
 
 enum class Alignment { left, right };
 

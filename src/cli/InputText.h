@@ -1,7 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace vellmark {
 
@@ -11,5 +13,10 @@ struct CommandContext;
 /// Absent when it cannot be read; why has been reported then.
 std::optional<std::string> readInputText(const std::optional<std::string>& file,
                                          const CommandContext& context);
+
+/// The same without a limit, piece by piece; `take` returns false when it wants no more. False
+/// when the input cannot be read to its end, which has been reported then.
+bool readInputPieces(const std::optional<std::string>& file, const CommandContext& context,
+                     const std::function<bool(std::string_view)>& take);
 
 } // namespace vellmark

@@ -1,8 +1,10 @@
 #include "cli/ArgumentValues.h"
 #include "cli/InputText.h"
 #include "cli/Subcommands.h"
+#include "cli/WrongArguments.h"
 #include "model/UsageJSON.h"
 #include "probes/antigravity/AntigravityReading.h"
+#include "probes/claude/ClaudeQuery.h"
 #include "probes/claude/ClaudeScreen.h"
 #include "probes/claude/ClaudeSession.h"
 #include "probes/codex/CodexReading.h"
@@ -27,13 +29,29 @@ struct SavedRun {
     Instant now{};
 };
 
-AgentUsageSnapshot interpret(const AgentProviderID& agent, const SavedRun& run) {
-    if (agent == AgentProviderID::claude())
+/// A query's answer or a screen's capture, whichever it is.
+AgentUsageSnapshot interpretClaude(const SavedRun& run) {
+    if (!isClaudeQueryOutput(run.output))
         return interpretClaudeSession(ClaudeScreen(run.output), {run.exitStatus, run.timedOut},
                                       run.now);
+    const ClaudeQueryReply reply = parseClaudeQueryReply(run.output, std::nullopt);
+    if (reply.kind != ClaudeQueryReply::Kind::answered)
+        throw UsageProviderError::claudeQueryFailed(reply.reason);
+    // Which version gave the answer is not in it: it is taken as today's.
+    return claudeQuerySnapshot(reply.answer, {}, std::nullopt, run.now);
+}
+
+AgentUsageSnapshot interpret(const AgentProviderID& agent, const SavedRun& run,
+                             const Machine& machine) {
+    if (agent == AgentProviderID::claude())
+        return interpretClaude(run);
     if (agent == AgentProviderID::codex())
-        return codexSnapshot(run.output, run.now);
-    return antigravitySnapshot({run.output, run.log, run.exitStatus, run.timedOut}, run.now);
+        return codexSnapshot(run.output, run.now, machine.home.string());
+    return antigravitySnapshot({.output = AntigravityOutput::read(run.output, TimeZone::system()),
+                                .log = run.log,
+                                .exitStatus = run.exitStatus,
+                                .timedOut = run.timedOut},
+                               run.now);
 }
 
 /// Says what a probe makes of output that was saved earlier. Writes no file and runs nothing.
@@ -53,20 +71,22 @@ public:
     }
 
     bool startsChildren() const override { return false; }
+    bool hasDemo() const override { return false; }
 
     int run(const CommandContext& context) override {
         const AgentProviderID agent = agentArgument(agent_);
+        refuseWhatHasNoEffect(agent);
         std::optional<SavedRun> run = savedRun(context);
         if (!run)
             return ExitStatus::failed;
         AgentUsageSnapshot snapshot{.id = agent, .updatedAt = run->now};
         try {
-            snapshot = interpret(agent, *run);
+            snapshot = interpret(agent, *run, context.machine);
         } catch (const UsageProviderError& error) {
             snapshot.source = SnapshotSource::stale;
             snapshot.error = error;
         }
-        context.output.write(serialized(toJSON(snapshot)) + "\n");
+        context.output.writeData(serialized(toJSON(snapshot)) + "\n");
         if (!snapshot.error)
             return ExitStatus::done;
         context.report(singleLine(snapshot.error->message(context.words)));
@@ -74,6 +94,17 @@ public:
     }
 
 private:
+    /// Not every reading depends on all that can be told about a run.
+    void refuseWhatHasNoEffect(const AgentProviderID& agent) const {
+        const bool isCodex = agent == AgentProviderID::codex();
+        if (isCodex && exitStatus_)
+            throw WrongArguments("cli.error.noEffect", "--exit-status", agent.rawValue);
+        if (isCodex && timedOut_)
+            throw WrongArguments("cli.error.noEffect", "--timed-out", agent.rawValue);
+        if (log_ && agent != AgentProviderID::antigravity())
+            throw WrongArguments("cli.error.noEffect", "--log", agent.rawValue);
+    }
+
     /// Absent when a file cannot be read.
     std::optional<SavedRun> savedRun(const CommandContext& context) const {
         using Status = std::numeric_limits<std::int32_t>;

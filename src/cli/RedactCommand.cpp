@@ -1,9 +1,10 @@
 #include "cli/InputText.h"
 #include "cli/Subcommands.h"
-#include "report/Redaction.h"
+#include "report/RedactionStream.h"
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace vellmark {
 namespace {
@@ -22,19 +23,23 @@ public:
     }
 
     bool startsChildren() const override { return false; }
+    bool hasDemo() const override { return false; }
 
     int run(const CommandContext& context) override {
-        const auto text = readInputText(file_, context);
-        if (!text)
-            return ExitStatus::failed;
-        const auto result =
-            redacted(*text, home_.value_or(context.machine.home.string()), includeEmails_);
-        if (!result) {
-            context.report(context.words.text("cli.error.notRedacted"));
-            return ExitStatus::failed;
-        }
-        context.output.write(*result);
-        return ExitStatus::done;
+        RedactionStream stream(home_.value_or(context.machine.home.string()), includeEmails_);
+        bool isRedacted = true;
+        const auto write = [&](const std::optional<std::string>& text) {
+            isRedacted = text.has_value();
+            context.output.writeData(text.value_or(""));
+            return isRedacted && !context.output.error();
+        };
+        const bool isRead = readInputPieces(
+            file_, context, [&](std::string_view piece) { return write(stream.add(piece)); });
+        if (isRedacted)
+            write(stream.finish());
+        if (!isRedacted)
+            context.report(context.words.text("cli.error.redactionStopped"));
+        return isRead && isRedacted ? ExitStatus::done : ExitStatus::failed;
     }
 
 private:

@@ -4,11 +4,15 @@
 #include "cli/Subcommands.h"
 #include "cli/Table.h"
 #include "cli/UsageRefresh.h"
+#include "cli/UsageView.h"
+#include "model/UsageJSON.h"
 #include "probes/ProviderRegistry.h"
 #include "setup/AgentSetupStatus.h"
 #include "setup/SetupScript.h"
 #include "setup/TerminalScript.h"
 #include "text/TerminalText.h"
+
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <filesystem>
@@ -19,6 +23,20 @@
 
 namespace vellmark {
 namespace {
+
+const char* nameOf(AgentSetupStatus status) {
+    switch (status) {
+    case AgentSetupStatus::missing:
+        return "missing";
+    case AgentSetupStatus::notLoggedIn:
+        return "notLoggedIn";
+    case AgentSetupStatus::ready:
+        return "ready";
+    case AgentSetupStatus::unverifiable:
+        break;
+    }
+    return "unverifiable";
+}
 
 /// Something that can be done about an agent, as the user is asked.
 struct SetupTask {
@@ -36,6 +54,7 @@ public:
 
     void declare(CommandOptions& options) override {
         options.optionalPositional("AGENT", agent_, "cli.inspect.agent");
+        options.flag("--json", json_, "cli.option.json");
     }
 
     DemoSandbox::Agents demoAgents() const override { return DemoSandbox::Agents::asOnANewMachine; }
@@ -44,8 +63,11 @@ public:
         chooseAgents();
         if (const int status = check(context); status != ExitStatus::done)
             return status;
-        writeStatus(context);
-        if (!context.output.isTerminal() || isatty(STDIN_FILENO) == 0)
+        if (json_)
+            writeJSON(context);
+        else
+            writeStatus(context);
+        if (json_ || !context.output.isTerminal() || isatty(STDIN_FILENO) == 0)
             return std::ranges::any_of(statuses_, needsSetup) ? ExitStatus::failed
                                                               : ExitStatus::done;
         return offerTasks(context);
@@ -68,6 +90,20 @@ private:
         });
     }
 
+    void writeJSON(const CommandContext& context) const {
+        JSON list = JSON::array();
+        for (std::size_t i = 0; i < registrations_.size(); ++i) {
+            const ProviderDescriptor& agent = registrations_[i].descriptor;
+            JSON entry{{"id", agent.id.rawValue},
+                       {"name", context.words.text(agent.nameKey)},
+                       {"status", nameOf(statuses_[i])}};
+            if (const auto path = agent.executableLocator(context.machine))
+                entry["toolPath"] = path->string();
+            list.push_back(std::move(entry));
+        }
+        context.output.writeData(serialized(list) + "\n");
+    }
+
     void writeStatus(const CommandContext& context) const {
         const auto word = [&](std::string_view key) { return context.words.text(key); };
         Table table({{word("cli.agents.column.name")},
@@ -77,23 +113,10 @@ private:
             const ProviderDescriptor& agent = registrations_[i].descriptor;
             const auto path = agent.executableLocator(context.machine);
             table.addRow({{word(agent.nameKey), TextStyle::strong},
-                          {word(setupStatusKey(statuses_[i])), styleOf(statuses_[i])},
+                          {word(setupStatusKey(statuses_[i]))},
                           {path ? singleLine(context.machine.abbreviated(*path)) : "–"}});
         }
-        table.write(context.output);
-    }
-
-    static TextStyle styleOf(AgentSetupStatus status) {
-        switch (status) {
-        case AgentSetupStatus::ready:
-            return TextStyle::healthy;
-        case AgentSetupStatus::notLoggedIn:
-            return TextStyle::attention;
-        case AgentSetupStatus::missing:
-        case AgentSetupStatus::unverifiable:
-            break;
-        }
-        return TextStyle::plain;
+        context.output.write(table.text(context.output));
     }
 
     int offerTasks(const CommandContext& context) {
@@ -204,13 +227,16 @@ private:
 
     static int read(const ProviderDescriptor& agent, const CommandContext& context) {
         UsageState state;
-        const int status = refreshUsage(context, std::set{agent.id}, state);
+        const int status = refreshUsage(context, {.agents = std::set{agent.id}}, state);
         if (status == ExitStatus::done)
-            context.output.write("\n" + usageText(state, context));
+            context.output.write(
+                "\n" + UsageView(context.output, context.words)
+                           .text(agentBlocks(state, ReferenceClock::now(), context.words)));
         return status;
     }
 
     std::optional<std::string> agent_;
+    bool json_ = false;
     std::vector<ProviderRegistration> registrations_;
     std::vector<AgentSetupStatus> statuses_;
 };

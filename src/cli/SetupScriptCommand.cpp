@@ -26,10 +26,11 @@ public:
     }
 
     bool startsChildren() const override { return false; }
+    bool hasDemo() const override { return false; }
 
     int run(const CommandContext& context) override {
         const auto texts = SetupScriptTexts::localized(context.words);
-        context.output.write(setupScript(plan(), texts) + "\n");
+        context.output.writeData(setupScript(plan(), texts) + "\n");
         return ExitStatus::done;
     }
 

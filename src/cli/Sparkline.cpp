@@ -1,7 +1,6 @@
 #include "cli/Sparkline.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <string_view>
 #include <vector>
@@ -10,20 +9,19 @@ namespace vellmark {
 
 namespace {
 
-constexpr std::array<std::string_view, 8> blocks = {"▁", "▂", "▃", "▄", "▅", "▆", "▇", "█"};
 /// A reading holds until the next one, which comes within half an hour while the program runs.
 constexpr Seconds longestHold{45 * 60};
 
-std::string_view block(double remaining) {
+std::string_view level(double remaining, const Shapes& shapes) {
     const double share = std::clamp(remaining / 100, 0.0, 1.0);
-    const auto top = static_cast<double>(blocks.size() - 1);
-    return blocks[static_cast<std::size_t>(std::lround(share * top))];
+    const auto top = static_cast<double>(shapes.levels.size() - 1);
+    return shapes.levels[static_cast<std::size_t>(std::lround(share * top))];
 }
 
 } // namespace
 
 std::string sparkline(const UsageHistory& history, const WindowKey& key, Instant from, Instant to,
-                      std::size_t width) {
+                      std::size_t width, const Shapes& shapes) {
     constexpr double none = -1;
     std::vector<double> highestUsed(width, none);
     const Seconds column = (to - from) / static_cast<double>(width);
@@ -31,8 +29,8 @@ std::string sparkline(const UsageHistory& history, const WindowKey& key, Instant
         const double index = column.count() > 0 ? std::floor((instant - from) / column) : 0;
         return static_cast<std::size_t>(std::clamp(index, 0.0, static_cast<double>(width - 1)));
     };
-    const auto points = history.recent(key, from);
-    for (std::size_t index = 0; index < points.size() && points[index].capturedAt <= to; ++index) {
+    const auto points = history.recent(key, from, to);
+    for (std::size_t index = 0; index < points.size(); ++index) {
         const Instant begin = points[index].capturedAt;
         Instant end = std::min(begin + longestHold, to);
         if (index + 1 < points.size()) {
@@ -45,7 +43,7 @@ std::string sparkline(const UsageHistory& history, const WindowKey& key, Instant
     }
     std::string line;
     for (const double used : highestUsed) {
-        line += used == none ? std::string_view(" ") : block(100 - used);
+        line += used == none ? std::string_view(" ") : level(100 - used, shapes);
     }
     return line;
 }

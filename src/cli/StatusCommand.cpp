@@ -1,19 +1,22 @@
 #include "cli/ArgumentValues.h"
+#include "cli/DisplayWidth.h"
 #include "cli/InputText.h"
+#include "cli/StorageNews.h"
 #include "cli/Subcommands.h"
 #include "cli/UsageRefresh.h"
 #include "cli/UsageView.h"
+#include "cli/WrongArguments.h"
 #include "model/UsageJSON.h"
 #include "model/UsageTexts.h"
 #include "platform/Preferences.h"
 #include "presentation/AgentBlockContent.h"
+#include "presentation/AgentStanding.h"
 #include "presentation/MenuBarGlyph.h"
 #include "presentation/StatusItemContent.h"
 #include "presentation/UsageVerdict.h"
 #include "probes/ProviderRegistry.h"
 #include "store/AgentSettings.h"
 #include "store/LastSnapshots.h"
-#include "text/Formatting.h"
 #include "text/TerminalText.h"
 
 #include <nlohmann/json.hpp>
@@ -25,6 +28,9 @@
 
 namespace vellmark {
 namespace {
+
+/// The dot and the blank after it.
+constexpr std::size_t dotWidth = 2;
 
 const char* nameOf(UsageHealth health) {
     switch (health) {
@@ -47,10 +53,13 @@ AgentUsageSnapshot neverRead(const AgentProviderID& id) {
 }
 
 /// The last good readings of the enabled agents, as files have them. Starts nothing.
-UsageState lastState(const Machine& machine) {
-    const auto preferences = makePreferences(machine);
+UsageState lastState(const CommandContext& context) {
+    const auto preferences = makePreferences(context.machine);
+    reportUnreadable(*preferences, context);
     const AgentSettings settings(*preferences, providerRegistry());
-    const auto readings = LastSnapshots(machine.lastSnapshotsFile()).read();
+    const auto contents = LastSnapshots(context.machine.lastSnapshotsFile()).contents();
+    reportUnreadable(contents, context);
+    const auto& readings = contents.readings;
     UsageState state;
     state.providerOrder = settings.order();
     state.enabledProviderIDs = settings.enabled();
@@ -85,6 +94,9 @@ public:
     bool startsChildren() const override { return !cached_ && !snapshots_; }
 
     int run(const CommandContext& context) override {
+        if (cached_ && snapshots_) {
+            throw WrongArguments("cli.error.noEffect", "--cached", "--snapshots");
+        }
         std::optional<Instant> now;
         if (now_) {
             now = instantArgument("--now", *now_);
@@ -108,10 +120,10 @@ private:
             return readSnapshots(context, state);
         }
         if (cached_) {
-            state = lastState(context.machine);
+            state = lastState(context);
             return ExitStatus::done;
         }
-        return refreshUsage(context, std::nullopt, state);
+        return refreshUsage(context, {}, state);
     }
 
     /// All agents of the file count as enabled.
@@ -153,42 +165,56 @@ private:
         }
         JSON agents = JSON::array();
         for (const AgentUsageSnapshot& snapshot : state.snapshots) {
-            agents.push_back(
-                {{"id", snapshot.id.rawValue}, {"health", nameOf(health(snapshot, now))}});
+            agents.push_back({{"id", snapshot.id.rawValue},
+                              {"health", nameOf(standingOf(snapshot, state, now).health)}});
         }
         const JSON document{{"health", nameOf(worstHealth(state, now))},
                             {"tooltip", item.toolTip},
                             {"glyph", std::move(glyph)},
                             {"agents", std::move(agents)}};
-        context.output.write(serialized(document) + "\n");
+        context.output.writeData(serialized(document) + "\n");
     }
 
-    /// "● Claude · Session 16% left · Resets in 1 h 27 min · 16:15"
-    void writeLine(const UsageState& state, Instant now, const CommandContext& context) const {
-        const Localization& words = context.words;
-        const auto glyph = MenuBarGlyph::compute(state.snapshots, state.enabledProviderIDs, now);
-        const auto dot = context.output.styled(styleOf(worstHealth(state, now)), "●") + " ";
-        if (!glyph.providerID || !glyph.windowID) {
-            context.output.write(dot + overallStatusText(state, now, words) + "\n");
-            return;
+    static void writeLine(const UsageState& state, Instant now, const CommandContext& context) {
+        const TerminalOutput& output = context.output;
+        const std::string dot =
+            output.styled(styleOf(worstHealth(state, now)), output.shapes().dot) + " ";
+        std::size_t column = dotWidth;
+        std::string text = dot;
+        for (const std::string& part : lineParts(state, now, context.words)) {
+            const std::string shown = column > dotWidth ? " · " + part : part;
+            // One line, unless a terminal would break it where it likes.
+            if (output.isTerminal() && column > dotWidth &&
+                column + displayWidth(shown) > output.width()) {
+                text += "\n" + std::string(dotWidth, ' ') + part;
+                column = dotWidth + displayWidth(part);
+            } else {
+                text += shown;
+                column += displayWidth(shown);
+            }
         }
+        context.output.write(text + "\n");
+    }
+
+    /// "Critical", "Claude Code", "Session 4% left", "Resets in 1 h 27 min · 16:15".
+    static std::vector<std::string> lineParts(const UsageState& state, Instant now,
+                                              const Localization& words) {
+        const auto glyph = MenuBarGlyph::compute(state.snapshots, state.enabledProviderIDs, now);
+        if (!glyph.providerID || !glyph.windowID)
+            return {verdictText(state, now, words, AgentNames::full)};
         const auto snapshot =
             std::ranges::find(state.snapshots, *glyph.providerID, &AgentUsageSnapshot::id);
         const auto window = std::ranges::find(snapshot->windows, *glyph.windowID, &UsageWindow::id);
-        const double left = std::max(remainingPercent(*window), 0.0);
-        std::string line = dot + agentName(snapshot->id, words) + " · " +
-                           singleLine(windowLabel(window->id, words)) + " " +
-                           words.format("usage.remaining", {percentText(left, words)});
-        if (const std::string reset = resetText(*window, now, words); !reset.empty()) {
-            line += " · " + reset;
-        }
-        const auto readAt = state.lastSuccess.find(snapshot->id);
-        const bool isStale =
-            snapshot->source == SnapshotSource::stale && readAt != state.lastSuccess.end();
-        if (const Seconds age = isStale ? now - readAt->second : Seconds(0); age >= Seconds(60)) {
-            line += " · " + words.format("popover.stale", {roughDurationText(age, words)});
-        }
-        context.output.write(line + "\n");
+        const AgentStanding standing = standingOf(*snapshot, state, now);
+        const UsageRowContent row = usageRowContent(
+            *window, standing.windows[static_cast<std::size_t>(window - snapshot->windows.begin())],
+            state.recentPointsOf(snapshot->id, window->id), now, words);
+        std::vector<std::string> parts{healthText(worstHealth(state, now), words),
+                                       agentName(snapshot->id, words),
+                                       singleLine(row.fullLabel) + " " + row.value, row.reset};
+        if (std::string age = ageText(*snapshot, standing, now, words); !age.empty())
+            parts.push_back(std::move(age));
+        return parts;
     }
 
     std::optional<std::string> snapshots_;

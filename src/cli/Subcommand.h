@@ -5,8 +5,10 @@
 #include "platform/Machine.h"
 #include "probes/DemoSandbox.h"
 #include "text/Localization.h"
+#include "text/SystemErrorText.h"
 
 #include <string>
+#include <system_error>
 
 namespace vellmark {
 
@@ -28,6 +30,12 @@ struct CommandContext {
 
     /// "vellmark: message" on the error stream.
     void report(const std::string& message) const { errors.write("vellmark: " + message + "\n"); }
+    /// The same about a file that cannot be read.
+    void reportUnreadable(const std::string& file, std::error_code error) const {
+        report(words.format("cli.error.unreadable", {file, systemErrorText(error, words)}));
+    }
+    /// That there is nothing to print, which is no failure.
+    void note(const std::string& text) const { errors.write(text + "\n"); }
 };
 
 /// One subcommand: its name, its arguments and its work.
@@ -42,6 +50,8 @@ public:
     virtual void declare(CommandOptions& options) = 0;
     /// The machine that a demonstration of it needs.
     virtual DemoSandbox::Agents demoAgents() const { return DemoSandbox::Agents::ready; }
+    /// Whether it looks at the machine at all: else there is nothing to demonstrate.
+    virtual bool hasDemo() const { return true; }
     /// Whether it, with the arguments it was given, may run agents: a watcher then ends them should
     /// the program be killed.
     virtual bool startsChildren() const { return true; }

@@ -4,9 +4,9 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <cerrno>
 #include <cmath>
+#include <csignal>
 #include <fcntl.h>
 #include <poll.h>
 #include <system_error>
@@ -14,20 +14,6 @@
 
 namespace vellmark {
 namespace {
-
-constexpr std::array handledSignals{SIGINT, SIGTERM, SIGHUP, SIGWINCH};
-
-/// Where the signal handler writes; -1 while there is no loop.
-std::atomic<int> signalPipe{-1};
-static_assert(std::atomic<int>::is_always_lock_free, "used in a signal handler");
-
-void forwardSignal(int signal) {
-    const int savedErrno = errno;
-    const auto byte = static_cast<char>(signal);
-    // A full pipe holds signals enough; this one may be lost.
-    [[maybe_unused]] const ssize_t written = write(signalPipe.load(), &byte, 1);
-    errno = savedErrno;
-}
 
 void makeNonblockingPrivate(int descriptor) {
     fcntl(descriptor, F_SETFL, fcntl(descriptor, F_GETFL) | O_NONBLOCK);
@@ -47,7 +33,7 @@ private:
     int key_;
 };
 
-TerminalLoop::TerminalLoop() {
+TerminalLoop::TerminalLoop() : signals_({SIGINT, SIGTERM, SIGHUP, SIGQUIT}, {SIGWINCH}) {
     std::array<int, 2> pipeEnds{};
     if (pipe(pipeEnds.data()) != 0)
         throw std::system_error(errno, std::generic_category(), "pipe");
@@ -55,32 +41,33 @@ TerminalLoop::TerminalLoop() {
     wakeWrite_ = pipeEnds[1];
     makeNonblockingPrivate(wakeRead_);
     makeNonblockingPrivate(wakeWrite_);
-    installSignalHandlers();
 }
 
 TerminalLoop::~TerminalLoop() {
-    for (const auto& [signal, action] : savedActions_)
-        sigaction(signal, &action, nullptr);
-    signalPipe.store(-1);
     close(wakeRead_);
     close(wakeWrite_);
 }
 
-void TerminalLoop::installSignalHandlers() {
-    signalPipe.store(wakeWrite_);
-    for (const int signal : handledSignals) {
-        struct sigaction saved {};
-        sigaction(signal, nullptr, &saved);
-        // A signal that the caller ignores stays ignored: "nohup vellmark watch" is to survive.
-        if (signal != SIGWINCH && saved.sa_handler == SIG_IGN)
-            continue;
-        struct sigaction action {};
-        action.sa_handler = forwardSignal;
-        action.sa_flags = SA_RESTART;
-        sigemptyset(&action.sa_mask);
-        sigaction(signal, &action, nullptr);
-        savedActions_.emplace_back(signal, saved);
-    }
+void TerminalLoop::onSuspension(std::function<void()> before, std::function<void()> after) {
+    beforeSuspension_ = std::move(before);
+    afterSuspension_ = std::move(after);
+    signals_.add(SIGTSTP);
+    signals_.add(SIGCONT);
+}
+
+void TerminalLoop::suspend() {
+    struct sigaction forwarding {};
+    sigaction(SIGTSTP, nullptr, &forwarding);
+    if (forwarding.sa_handler == SIG_IGN)
+        return; // the caller has nobody who could have it go on
+    beforeSuspension_();
+    struct sigaction stopping {};
+    stopping.sa_handler = SIG_DFL;
+    sigaction(SIGTSTP, &stopping, nullptr);
+    // Returns when the program has gone on; at once in a session without a shell.
+    raise(SIGTSTP);
+    sigaction(SIGTSTP, &forwarding, nullptr);
+    afterSuspension_();
 }
 
 int TerminalLoop::run() {
@@ -109,23 +96,31 @@ int TerminalLoop::pollTimeout() const {
 }
 
 void TerminalLoop::waitForEvents() {
-    std::vector<pollfd> descriptors{{.fd = wakeRead_, .events = POLLIN, .revents = 0}};
+    std::vector<pollfd> descriptors;
+    for (const int own : {wakeRead_, signals_.descriptor()})
+        descriptors.push_back({.fd = own, .events = POLLIN, .revents = 0});
+    const std::size_t ownCount = descriptors.size();
     std::vector<int> keys;
     for (const auto& [key, watched] : watched_) {
         descriptors.push_back({.fd = watched.descriptor, .events = POLLIN, .revents = 0});
         keys.push_back(key);
     }
+    int timeout = pollTimeout();
     {
+        // Signals are looked at all the same: what Ctrl-C has done to a child may be posted
+        // already.
         const std::lock_guard lock(mutex_);
         if (!posted_.empty())
-            return;
+            timeout = 0;
     }
-    if (poll(descriptors.data(), static_cast<nfds_t>(descriptors.size()), pollTimeout()) <= 0)
+    if (poll(descriptors.data(), static_cast<nfds_t>(descriptors.size()), timeout) <= 0)
         return;
-    if (descriptors.front().revents != 0)
+    if (descriptors[0].revents != 0)
         drainWakePipe();
+    if (descriptors[1].revents != 0)
+        handleSignals();
     for (std::size_t index = 0; index < keys.size(); ++index) {
-        if (descriptors[index + 1].revents == 0)
+        if (descriptors[index + ownCount].revents == 0)
             continue;
         // A callback may have ended the watch of another.
         if (const auto found = watched_.find(keys[index]); found != watched_.end()) {
@@ -137,23 +132,24 @@ void TerminalLoop::waitForEvents() {
 
 void TerminalLoop::drainWakePipe() {
     std::array<char, 64> bytes{};
-    ssize_t count = 0;
-    while ((count = read(wakeRead_, bytes.data(), bytes.size())) > 0) {
-        for (const char byte : std::string_view(bytes.data(), static_cast<std::size_t>(count))) {
-            if (byte != 0)
-                handleSignal(byte);
-        }
+    while (read(wakeRead_, bytes.data(), bytes.size()) > 0) {
     }
 }
 
-void TerminalLoop::handleSignal(int signal) {
-    if (signal == SIGWINCH) {
-        if (onResize_)
+void TerminalLoop::handleSignals() {
+    for (const int signal : signals_.take()) {
+        if (signal == SIGTSTP) {
+            suspend();
+        } else if (signal == SIGCONT) {
+            // Also after a stop that no program is asked about.
+            afterSuspension_();
+        } else if (signal != SIGWINCH) {
+            endingSignal_ = signal;
+            stop(128 + signal);
+        } else if (onResize_) {
             onResize_();
-        return;
+        }
     }
-    endingSignal_ = signal;
-    stop(128 + signal);
 }
 
 void TerminalLoop::runPostedTasks() {

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "platform/DescriptorWatcher.h"
+#include "platform/SignalChannel.h"
 #include "store/MainExecutor.h"
 
 #include <chrono>
-#include <csignal>
 #include <functional>
 #include <map>
 #include <memory>
@@ -17,8 +17,9 @@ namespace vellmark {
 /// The main loop of a terminal program: runs what is posted, timers, and callbacks for readable
 /// descriptors; sleeps in the kernel otherwise.
 ///
-/// While it exists, SIGINT, SIGTERM, SIGHUP and SIGWINCH arrive as events of the loop in place of
-/// their default effect. One loop at a time, made and used on the main thread.
+/// While it exists, SIGINT, SIGTERM, SIGHUP, SIGQUIT and SIGWINCH arrive as events of the loop in
+/// place of their default effect, and SIGTSTP and SIGCONT once `onSuspension` is set. One loop at a
+/// time, made and used on the main thread.
 class TerminalLoop final : public MainExecutor, public DescriptorWatcher {
 public:
     TerminalLoop();
@@ -38,6 +39,11 @@ public:
     /// Called when the terminal has changed its size.
     void onResize(std::function<void()> callback) { onResize_ = std::move(callback); }
 
+    /// `before` is called when the program is asked to stop for a while, `after` when it goes on.
+    void onSuspension(std::function<void()> before, std::function<void()> after);
+    /// Stops the program until somebody has it go on, as Ctrl-Z does.
+    void suspend();
+
     void post(Task task) override;
     Timer postAfter(Seconds delay, Seconds tolerance, Task task) override;
     void cancel(Timer timer) override;
@@ -52,18 +58,17 @@ private:
         std::function<void()> onReadable;
     };
 
-    void installSignalHandlers();
     int pollTimeout() const;
     void waitForEvents();
     void drainWakePipe();
-    void handleSignal(int signal);
+    void handleSignals();
     void runPostedTasks();
     void runDueTimers();
     void wake();
 
     int wakeRead_ = -1;
     int wakeWrite_ = -1;
-    std::vector<std::pair<int, struct sigaction>> savedActions_;
+    SignalChannel signals_;
 
     std::mutex mutex_;
     std::vector<Task> posted_;
@@ -74,6 +79,8 @@ private:
     int lastWatch_ = 0;
 
     std::function<void()> onResize_;
+    std::function<void()> beforeSuspension_;
+    std::function<void()> afterSuspension_;
     bool stopped_ = false;
     int status_ = 0;
     int endingSignal_ = 0;

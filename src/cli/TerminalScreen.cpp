@@ -1,8 +1,8 @@
 #include "cli/TerminalScreen.h"
 
 #include <algorithm>
-#include <string>
-#include <sys/ioctl.h>
+#include <cerrno>
+#include <cstddef>
 #include <unistd.h>
 
 namespace vellmark {
@@ -16,49 +16,73 @@ constexpr std::string_view toTop = "\033[H";
 constexpr std::string_view clearLine = "\033[K";
 constexpr std::string_view clearBelow = "\033[J";
 
+std::optional<termios> settingsOf(int keyboard) {
+    termios settings{};
+    return ::tcgetattr(keyboard, &settings) == 0 ? std::optional(settings) : std::nullopt;
+}
+
+void setSettings(int keyboard, const termios& settings) {
+    while (::tcsetattr(keyboard, TCSANOW, &settings) != 0 && errno == EINTR) {
+    }
+}
+
 } // namespace
 
 TerminalScreen::TerminalScreen(TerminalOutput& output, int keyboard)
-    : output_(output), keyboard_(keyboard), hasKeyboard_(::tcgetattr(keyboard, &saved_) == 0) {
-    if (hasKeyboard_) {
-        termios single = saved_;
-        // Ctrl-C arrives as a key, also where the caller ignores the signal; being stopped by
-        // Ctrl-Z would leave the shell with this page and this keyboard.
+    : output_(output), keyboard_(keyboard), found_(settingsOf(keyboard)) {
+    show();
+}
+
+void TerminalScreen::show() {
+    if (found_) {
+        termios single = *found_;
+        // Ctrl-C arrives as a key, also where the caller ignores the signal; Ctrl-Z does, so that
+        // the page is put away before the shell has the terminal.
         single.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO | ISIG);
         single.c_cc[VMIN] = 1;
         single.c_cc[VTIME] = 0;
-        ::tcsetattr(keyboard, TCSANOW, &single);
+        // In the background the system stops the program here until it is in the foreground.
+        setSettings(keyboard_, single);
     }
-    output_.write(enter);
+    output_.writeData(enter);
+    isShown_ = true;
 }
 
-TerminalScreen::~TerminalScreen() {
-    output_.write(leave);
-    if (hasKeyboard_) {
-        ::tcsetattr(keyboard_, TCSANOW, &saved_);
+void TerminalScreen::hide() {
+    if (!isShown_ || isInBackground()) {
+        return;
+    }
+    isShown_ = false;
+    output_.writeData(leave);
+    if (found_) {
+        setSettings(keyboard_, *found_);
     }
 }
 
-std::size_t TerminalScreen::rows() const {
-    winsize size{};
-    const bool known = ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_row > 0;
-    return known ? size.ws_row : 24;
+bool TerminalScreen::isInBackground() const {
+    const pid_t foreground = ::tcgetpgrp(keyboard_);
+    return foreground >= 0 && foreground != ::getpgrp();
 }
 
-void TerminalScreen::draw(std::string_view text, std::string_view foot) {
+void TerminalScreen::draw(const std::vector<std::string>& lines, std::string_view foot) {
+    const std::size_t rows = std::max<std::size_t>(output_.height(), 1);
+    const std::size_t room = foot.empty() ? rows : rows - 1;
     std::string page(toTop);
-    const std::size_t room = rows() - 1;
-    for (std::size_t row = 0; row < room && !text.empty(); ++row) {
-        const auto end = std::min(text.find('\n'), text.size());
-        page += text.substr(0, end);
+    for (std::size_t row = 0; row < std::min(room, lines.size()); ++row) {
+        // Cleared first: after its last column a line would lose it.
+        page += row == 0 ? "" : "\r\n";
         page += clearLine;
-        page += "\n";
-        text.remove_prefix(std::min(end + 1, text.size()));
+        page += lines[row];
     }
-    page += clearBelow;
-    page += "\033[" + std::to_string(room + 1) + ";1H";
-    page += foot;
-    page += clearLine;
+    if (lines.size() < room) {
+        page += lines.empty() ? "" : "\r\n";
+        page += clearBelow;
+    }
+    if (!foot.empty()) {
+        page += "\033[" + std::to_string(rows) + ";1H";
+        page += clearLine;
+        page += foot;
+    }
     output_.write(page);
 }
 

@@ -1,6 +1,8 @@
 #include "cli/ArgumentValues.h"
 #include "cli/Subcommands.h"
 #include "cli/UsageRefresh.h"
+#include "cli/UsageView.h"
+#include "cli/WrongArguments.h"
 #include "model/UsageJSON.h"
 #include "presentation/AgentBlockContent.h"
 #include "probes/ProviderRegistry.h"
@@ -27,19 +29,22 @@ public:
 
     void declare(CommandOptions& options) override {
         options.values("--agent", agents_, "ID", "cli.usage.agent");
+        options.value("--by", way_, "WAY", "cli.usage.by");
         options.flag("--json", json_, "cli.option.json");
     }
 
     int run(const CommandContext& context) override {
         UsageState state;
-        if (const int status = refreshUsage(context, namedAgents(), state);
+        const auto agents = namedAgents();
+        checkWay(agents);
+        if (const int status = refreshUsage(
+                context, {.agents = agents, .way = way_, .showsFigures = !json_}, state);
             status != ExitStatus::done)
             return status;
-        state = readingsOfThisRun(std::move(state));
         if (json_)
             writeJSON(state, context);
         else
-            context.output.write(usageText(state, context));
+            writeText(state, context);
         return report(state, context);
     }
 
@@ -53,6 +58,32 @@ private:
         return named;
     }
 
+    /// A way must be one of an agent that is read; for the others it means nothing.
+    void checkWay(const std::optional<std::set<AgentProviderID>>& agents) const {
+        if (!way_)
+            return;
+        std::string known;
+        for (const ProviderRegistration& registration : providerRegistry()) {
+            const ProviderDescriptor& agent = registration.descriptor;
+            if (agents && !agents->contains(agent.id))
+                continue;
+            for (const std::string& way : agent.readingWays) {
+                if (way == *way_)
+                    return;
+                known += (known.empty() ? "" : ", ") + way;
+            }
+        }
+        throw WrongArguments("cli.error.unknownWay", singleLine(*way_),
+                             known.empty() ? "–" : known);
+    }
+
+    static void writeText(const UsageState& state, const CommandContext& context) {
+        const auto blocks = agentBlocks(state, ReferenceClock::now(), context.words);
+        if (blocks.empty())
+            context.note(context.words.text("agents.none.title"));
+        context.output.write(UsageView(context.output, context.words).text(blocks));
+    }
+
     static void writeJSON(const UsageState& state, const CommandContext& context) {
         std::vector<AgentUsageSnapshot> ordered;
         for (const ProviderRegistration& registration : providerRegistry()) {
@@ -61,18 +92,17 @@ private:
             if (found != state.snapshots.end())
                 ordered.push_back(*found);
         }
-        context.output.write(snapshotsDocument(ordered) + "\n");
+        context.output.writeData(snapshotsDocument(ordered) + "\n");
     }
 
-    /// The failures; where a user sees them in the table already they are not said twice.
+    /// A failure is told once: the table has it below the agent's last figures.
     int report(const UsageState& state, const CommandContext& context) const {
-        const bool isSeen = !json_ && context.output.isTerminal() && context.errors.isTerminal();
         int status = ExitStatus::done;
         for (const AgentUsageSnapshot& snapshot : state.snapshots) {
             if (!snapshot.error)
                 continue;
             status = ExitStatus::failed;
-            if (!isSeen)
+            if (json_)
                 context.report(agentName(snapshot.id, context.words) + ": " +
                                singleLine(snapshot.error->message(context.words)));
         }
@@ -80,6 +110,7 @@ private:
     }
 
     std::vector<std::string> agents_;
+    std::optional<std::string> way_;
     bool json_ = false;
 };
 

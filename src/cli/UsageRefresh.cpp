@@ -1,13 +1,16 @@
 #include "cli/UsageRefresh.h"
 
+#include "cli/LivePage.h"
 #include "cli/Subcommand.h"
 #include "cli/TerminalLoop.h"
 #include "cli/UsageView.h"
 #include "platform/Preferences.h"
-#include "presentation/AgentBlockContent.h"
 #include "probes/ProviderRegistry.h"
 #include "store/AgentUsageStore.h"
+#include "text/TerminalText.h"
 
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace vellmark {
@@ -25,64 +28,106 @@ std::string namesBeingRead(const UsageState& state, Instant start, const Localiz
     return names;
 }
 
-int refresh(AgentUsageStore& store, TerminalLoop& loop, const CommandContext& context) {
-    const Instant start = ReferenceClock::now();
-    ProgressLine progress(context.errors);
-    const auto follow = [&] {
-        if (!store.state().isRefreshing) {
-            loop.stop(ExitStatus::done);
-            return;
-        }
+/// What a running refresh shows.
+class RefreshProgress {
+public:
+    RefreshProgress(const CommandContext& context, bool showsFigures)
+        : context_(context), start_(ReferenceClock::now()), line_(context.errors) {
+        if (showsFigures && context.output.canRedraw())
+            page_.emplace(context.output);
+    }
+
+    void show(const UsageState& state) {
+        const std::string names = namesBeingRead(state, start_, context_.words);
         // With the last reading there, the refresh may still have to end.
-        if (const std::string names = namesBeingRead(store.state(), start, context.words);
-            !names.empty())
-            progress.show(context.words.format("cli.usage.progress", {names}));
+        if (names.empty())
+            return;
+        const std::string text = context_.words.format("cli.usage.progress", {names});
+        if (page_)
+            page_->show(figures(state, true), text);
+        else
+            line_.show(text);
+    }
+
+    /// Ended before its time: the figures stay.
+    void keep(const UsageState& state) {
+        if (!page_)
+            return;
+        page_->show(figures(state, false), {});
+        page_->keep();
+    }
+
+private:
+    std::string figures(const UsageState& state, bool withLoading) const {
+        auto blocks = agentBlocks(state, ReferenceClock::now(), context_.words);
+        if (!withLoading)
+            std::erase_if(blocks, [](const AgentBlockContent& block) {
+                return block.state == AgentBlockContent::State::loading;
+            });
+        return UsageView(context_.output, context_.words).text(blocks);
+    }
+
+    const CommandContext& context_;
+    Instant start_;
+    ProgressLine line_;
+    std::optional<LivePage> page_;
+};
+
+int refresh(AgentUsageStore& store, TerminalLoop& loop, const CommandContext& context,
+            bool showsFigures) {
+    RefreshProgress progress(context, showsFigures);
+    const auto follow = [&] {
+        if (store.state().isRefreshing)
+            progress.show(store.state());
+        else
+            loop.stop(ExitStatus::done);
     };
     const auto subscription = store.observe({.willChange = {}, .didChange = follow});
     store.refresh(RefreshTrigger::manual);
     follow();
     const int status = loop.run();
-    if (loop.endingSignal() != 0)
+    if (loop.endingSignal() != 0) {
+        progress.keep(store.state());
         store.abortRefresh();
+    }
     return status;
+}
+
+/// What there is to tell about the files that this refresh has written is told.
+void awaitStorageNews(AgentUsageStore& store, TerminalLoop& loop) {
+    store.flush();
+    loop.post([&loop] { loop.stop(ExitStatus::done); });
+    loop.run();
 }
 
 } // namespace
 
-int refreshUsage(const CommandContext& context, std::optional<std::set<AgentProviderID>> agents,
-                 UsageState& state) {
+int refreshUsage(const CommandContext& context, RefreshWish wish, UsageState& state) {
     const auto preferences = makePreferences(context.machine);
     TerminalLoop loop;
-    AgentUsageStore store({.machine = context.machine,
-                           .registrations = providerRegistry(),
-                           .words = [&context] { return context.words; },
-                           .agents = std::move(agents)},
-                          loop, *preferences);
-    const int status = refresh(store, loop, context);
+    std::vector<std::string> troubles;
+    AgentUsageStore store(
+        {.machine = context.machine,
+         .registrations = providerRegistry(),
+         .words = [&context] { return context.words; },
+         .agents = std::move(wish.agents),
+         .way = std::move(wish.way),
+         .storageTrouble = [&](const std::string& text) { troubles.push_back(text); }},
+        loop, *preferences);
+    const int status = refresh(store, loop, context, wish.showsFigures);
+    awaitStorageNews(store, loop);
+    for (const std::string& text : troubles)
+        context.report(singleLine(text));
     state = store.state();
     return status;
 }
 
-UsageState readingsOfThisRun(UsageState state) {
-    for (AgentUsageSnapshot& snapshot : state.snapshots) {
-        if (!snapshot.error)
-            continue;
-        snapshot = {.id = snapshot.id,
-                    .source = SnapshotSource::stale,
-                    .updatedAt = snapshot.updatedAt,
-                    .error = snapshot.error};
-    }
-    return state;
-}
-
-std::string usageText(const UsageState& state, const CommandContext& context) {
+std::vector<AgentBlockContent> agentBlocks(const UsageState& state, Instant now,
+                                           const Localization& words) {
     std::vector<AgentBlockContent> blocks;
-    const Instant now = ReferenceClock::now();
     for (const AgentUsageSnapshot& snapshot : state.snapshots)
-        blocks.push_back(agentBlockContent(snapshot, state, now, context.words));
-    const std::string hint =
-        blocks.empty() ? context.words.text("agents.none.title") + "\n" : std::string();
-    return hint + UsageView(context.output, context.words).text(blocks);
+        blocks.push_back(agentBlockContent(snapshot, state, now, words));
+    return blocks;
 }
 
 } // namespace vellmark

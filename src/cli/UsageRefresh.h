@@ -1,26 +1,35 @@
 #pragma once
 
 #include "model/AgentProviderID.h"
+#include "presentation/AgentBlockContent.h"
 #include "store/UsageState.h"
 
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace vellmark {
 
 struct CommandContext;
 
-/// One refresh through the store, waited for on the terminal: of the enabled agents, or of those
-/// named. Returns ExitStatus::done, or 128 + the signal that ended it.
-int refreshUsage(const CommandContext& context, std::optional<std::set<AgentProviderID>> agents,
-                 UsageState& state);
+/// What is to be read, and what is shown meanwhile.
+struct RefreshWish {
+    /// Absent: the enabled ones.
+    std::optional<std::set<AgentProviderID>> agents = {};
+    /// Read in this way where an agent has it.
+    std::optional<std::string> way = {};
+    /// On a terminal the last figures are shown at once, and new ones as they come; else a line
+    /// tells which agents are still being read.
+    bool showsFigures = false;
+};
 
-/// The state with the readings of the last refresh alone: an agent that failed shows no earlier
-/// figures.
-UsageState readingsOfThisRun(UsageState state);
+/// One refresh through the store, waited for on the terminal. Returns ExitStatus::done, or 128 +
+/// the signal that ended it.
+int refreshUsage(const CommandContext& context, RefreshWish wish, UsageState& state);
 
-/// The agents with their windows, as the terminal shows them.
-std::string usageText(const UsageState& state, const CommandContext& context);
+/// The agents as the terminal shows them.
+std::vector<AgentBlockContent> agentBlocks(const UsageState& state, Instant now,
+                                           const Localization& words);
 
 } // namespace vellmark

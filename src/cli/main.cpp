@@ -1,14 +1,17 @@
 #include "cli/CommandLine.h"
 #include "cli/Subcommands.h"
 #include "cli/WrongArguments.h"
+#include "platform/ProgramEnd.h"
+#include "platform/SignalChannel.h"
+#include "platform/UnusedMemory.h"
 #include "platform/UserLocale.h"
 #include "presentation/LanguageManager.h"
 #include "probes/BoundedProcess.h"
 #include "probes/ChildWatcher.h"
 #include "store/DemoHistory.h"
+#include "text/SystemErrorText.h"
 #include "text/TerminalText.h"
 
-#include <csignal>
 #include <exception>
 #include <fcntl.h>
 #include <optional>
@@ -16,6 +19,9 @@
 
 namespace vellmark {
 namespace {
+
+/// Where no terminal says how wide a page is.
+constexpr std::size_t pageWidth = 80;
 
 /// A standard stream that the caller has closed is opened on the null device the wrong way round:
 /// files opened later do not take its number, and using it is an error that can be reported.
@@ -52,7 +58,8 @@ int statusAfterWriting(int status, const TerminalOutput& output, TerminalOutput&
         return ExitStatus::readerHasGone;
     if (!output.error())
         return status;
-    errors.write("vellmark: " + words.format("cli.error.unwritable", {output.error().message()}) +
+    errors.write("vellmark: " +
+                 words.format("cli.error.unwritable", {systemErrorText(output.error(), words)}) +
                  "\n");
     return ExitStatus::failed;
 }
@@ -72,8 +79,12 @@ int run(const std::vector<std::string>& arguments) {
     int status = ExitStatus::done;
     try {
         commandLine = parseCommandLine(arguments, subcommands, words);
-        if (commandLine.subcommand == nullptr)
-            output.write(commandLine.helpText);
+        output.chooseColors(commandLine.colors);
+        errors.chooseColors(commandLine.colors);
+        if (commandLine.help)
+            output.write(commandLine.help->text(output.isTerminal() ? output.width() : pageWidth));
+        else if (commandLine.subcommand == nullptr)
+            output.write("vellmark " VELLMARK_VERSION "\n");
         else
             status = runSubcommand(commandLine, machine, words, output, errors);
     } catch (const CommandLineFault& fault) {
@@ -91,8 +102,8 @@ int run(const std::vector<std::string>& arguments) {
 } // namespace vellmark
 
 int main(int argumentCount, char** arguments) {
-    // A reader that goes away shows as an error of the write, which is handled.
-    std::signal(SIGPIPE, SIG_IGN);
+    vellmark::ignoreBrokenPipes();
+    vellmark::keepLittleUnusedMemory();
     vellmark::openClosedStandardStreams();
-    return vellmark::run({arguments + 1, arguments + argumentCount});
+    vellmark::endProgram(vellmark::run({arguments + 1, arguments + argumentCount}));
 }

@@ -14,6 +14,9 @@
 
 namespace vellmark {
 
+/// The balance that is what is left of the extra usage that an account may pay for.
+inline constexpr const char* extraUsageBalanceID = "extra-usage";
+
 /// A money balance of the agent's account.
 struct BalanceInfo {
     std::string id;
@@ -41,7 +44,21 @@ struct CreditInfo {
     static CreditInfo available() { return {Available{}}; }
 };
 
-/// A diagnostic remark of the Claude probe; it goes to the activity log.
+/// What an agent says about being allowed to work at all, beside its windows. Absent where it says
+/// nothing.
+struct UsageAllowance {
+    /// False: a quota is used up and the agent refuses; true, alone, means that it is back.
+    std::optional<bool> ordinaryUsageAllowed;
+    /// Which limit has been reached, in the agent's own word.
+    std::optional<std::string> reachedType;
+    /// Resets that the user has in hand, to be used before they expire.
+    std::optional<std::int64_t> bankedResets;
+    /// When the next of them expires.
+    std::optional<Instant> bankedResetExpiresAt;
+    bool operator==(const UsageAllowance&) const = default;
+};
+
+/// A remark of a probe about how it came to its reading; it goes to the activity log.
 struct SnapshotNote {
     /// The scripted session ended without its end marker; `variant` tells the page's ending.
     struct ClaudeEndMarkerMissing {
@@ -58,7 +75,29 @@ struct SnapshotNote {
         std::int64_t endMs = 0;
         bool operator==(const ClaudeTiming&) const = default;
     };
-    std::variant<ClaudeEndMarkerMissing, ClaudeTiming> value;
+    /// Which of several ways the reading took ("query", "session"), and how long.
+    struct ReadingWay {
+        std::string way;
+        std::int64_t tookMs = 0;
+        bool operator==(const ReadingWay&) const = default;
+    };
+    /// This version of the agent's CLI does not tell how old its figures are.
+    struct AgeNotTold {
+        std::string version;
+        bool operator==(const AgeNotTold&) const = default;
+    };
+    /// Each reading of this kind spends some of the quota.
+    struct ReadingCosts {
+        bool operator==(const ReadingCosts&) const = default;
+    };
+    /// Something that the agent told beside the figures, in its own words.
+    struct AgentSays {
+        std::string text;
+        bool operator==(const AgentSays&) const = default;
+    };
+    std::variant<ClaudeEndMarkerMissing, ClaudeTiming, ReadingWay, AgeNotTold, ReadingCosts,
+                 AgentSays>
+        value;
     bool operator==(const SnapshotNote&) const = default;
 };
 
@@ -66,7 +105,7 @@ struct SnapshotNote {
 enum class SnapshotSource {
     loading, ///< no reading yet, a probe is running
     live,    ///< read by the last refresh
-    stale,   ///< the last refresh failed; the previous reading is shown
+    stale,   ///< the last refresh got nothing new; earlier figures are shown
 };
 
 /// How an agent or a window is doing.
@@ -81,10 +120,16 @@ struct AgentUsageSnapshot {
     std::vector<UsageWindow> windows;
     std::vector<BalanceInfo> balances;
     std::optional<CreditInfo> credit;
+    std::optional<UsageAllowance> allowance;
     std::vector<SnapshotNote> notes;
     SnapshotSource source = SnapshotSource::loading;
     /// The time of the reading, or of the attempt where it failed.
     Instant updatedAt{};
+    /// The agent may have more windows than this reading got to see.
+    bool isIncomplete = false;
+    /// The figures are from some time after `updatedAt`: the agent's CLI had kept them and did not
+    /// say since when.
+    bool mayBeNewer = false;
     /// Set when the last attempt failed.
     std::optional<UsageProviderError> error;
 
@@ -100,6 +145,10 @@ struct std::hash<vellmark::BalanceInfo> {
 template<>
 struct std::hash<vellmark::CreditInfo> {
     std::size_t operator()(const vellmark::CreditInfo& credit) const noexcept;
+};
+template<>
+struct std::hash<vellmark::UsageAllowance> {
+    std::size_t operator()(const vellmark::UsageAllowance& allowance) const noexcept;
 };
 template<>
 struct std::hash<vellmark::SnapshotNote> {

@@ -6,9 +6,13 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
+#include <numeric>
+#include <vector>
 
 namespace vellmark {
 
@@ -102,6 +106,58 @@ std::size_t objectLength(std::string_view text) {
     return 0;
 }
 
+bool isOfType(const JSON& value, unsigned field) {
+    const bool isText = (field & (idField | providerField | windowField)) != 0;
+    return isText ? value.is_string()
+                  : value.is_number() || (field == resetsField && value.is_null());
+}
+
+/// Whether one flipped bit, or one other character, can have made `name` of a required field's.
+bool isNearlyName(std::string_view name, unsigned field) {
+    for (const std::string_view own : {"id", "provider", "windowID", "capturedAt", "usedPercent"}) {
+        if (fieldNamed(own) != field || own.size() != name.size()) {
+            continue;
+        }
+        const auto equal = std::inner_product(own.begin(), own.end(), name.begin(), std::size_t{0},
+                                              std::plus<>(), std::equal_to<>());
+        return equal + 1 == own.size();
+    }
+    return false;
+}
+
+/// Of an object that is no sample.
+HistoryObjectForm formOf(const JSON& json) {
+    HistoryObjectForm form;
+    unsigned seen = 0;
+    int unknownCount = 0;
+    bool typesFit = true;
+    const JSON* unknownValue = nullptr;
+    std::string_view unknownName;
+    std::vector<std::string> members;
+    for (const auto& item : json.items()) {
+        members.push_back(item.key() + ":" + item.value().type_name());
+        const unsigned field = fieldNamed(item.key());
+        seen |= field;
+        typesFit = typesFit && (field == 0 || isOfType(item.value(), field));
+        if (field == 0) {
+            ++unknownCount;
+            unknownName = item.key();
+            unknownValue = &item.value();
+        }
+    }
+    const unsigned missing = requiredFields & ~seen;
+    form.isDamagedSample = typesFit && unknownCount == 0 && missing == 0;
+    if (typesFit && unknownCount == 1 && std::has_single_bit(missing)) {
+        form.isDamagedSample =
+            isNearlyName(unknownName, missing) && isOfType(*unknownValue, missing);
+    }
+    std::ranges::sort(members);
+    for (const std::string& member : members) {
+        form.signature += member + ",";
+    }
+    return form;
+}
+
 constexpr std::array<double, 23> powersOfTen = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                                 1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
                                                 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
@@ -125,6 +181,7 @@ bool HistorySampleParser::parsePlainForm(std::string_view text, StoredHistorySam
         return false;
     }
     unsigned seen = 0;
+    sample.hasUnknownFields = false;
     sample.resetsAt.reset();
     do {
         std::string_view name;
@@ -229,20 +286,21 @@ HistorySampleParser::Result HistorySampleParser::parseByLibrary(std::string_view
     if (length == 0) {
         return Result::incomplete;
     }
-    const JSON json = JSON::parse(text.substr(0, length), nullptr, false);
-    if (json.is_discarded()) {
+    JSON json;
+    try {
+        json = parsedJSON(text.substr(0, length));
+    } catch (const JSONDecodingError&) {
         return Result::malformed;
     }
     try {
         fromJSON(json, decoded_);
     } catch (const JSONDecodingError&) {
-        return Result::foreign;
+        form_ = formOf(json);
+        form_.text = text.substr(0, length);
+        return Result::unread;
     }
-    const bool known =
-        std::ranges::all_of(json.items(), [](const auto& item) { return fieldNamed(item.key()); });
-    if (!known) {
-        return Result::foreign;
-    }
+    sample.hasUnknownFields =
+        !std::ranges::all_of(json.items(), [](const auto& item) { return fieldNamed(item.key()); });
     sample.provider = decoded_.provider.rawValue;
     sample.windowID = decoded_.windowID;
     sample.capturedAt = decoded_.capturedAt.time_since_epoch().count();

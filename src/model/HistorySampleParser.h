@@ -18,8 +18,8 @@ public:
     enum class Result {
         sample,
         incomplete, ///< the text ends before the object does
-        malformed,  ///< no JSON
-        foreign,    ///< JSON, but no sample, or one with unknown fields
+        malformed,  ///< no JSON, or what no sample could be
+        unread,     ///< a JSON object, but no sample; `form` tells more
     };
 
     HistorySampleParser();
@@ -27,12 +27,16 @@ public:
     /// On `sample`, fills in `sample` (but its offset), whose text is a prefix of `text`.
     Result parse(std::string_view text, StoredHistorySample& sample);
 
+    /// The object that was last found `unread`.
+    const HistoryObjectForm& form() const { return form_; }
+
 private:
     bool parsePlainForm(std::string_view text, StoredHistorySample& sample) const;
     Result parseByLibrary(std::string_view text, StoredHistorySample& sample);
     bool number(const char*& position, const char* end, double& value) const;
 
     char decimalPoint_;
+    HistoryObjectForm form_;
     UsageHistorySample decoded_; ///< keeps the texts of the last sample read by the library
 };
 

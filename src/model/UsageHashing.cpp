@@ -1,7 +1,6 @@
-// Hashing of the usage values.
+// Hashing of the usage values, by their fields.
 
-#include "model/AgentUsageSnapshot.h"
-#include "model/UsageHistorySample.h"
+#include "model/UsageFields.h"
 
 namespace vellmark {
 
@@ -14,6 +13,14 @@ std::size_t hashOf(const Value& value) {
 
 std::size_t hashOf(const Instant& instant) {
     return hashOf(instant.time_since_epoch().count());
+}
+
+std::size_t hashOf(const UUID& id) {
+    std::size_t result = 0;
+    for (const std::uint8_t byte : id.bytes) {
+        result = result * 257 + byte;
+    }
+    return result;
 }
 
 template<typename Value>
@@ -41,59 +48,56 @@ std::size_t hashOf(const std::vector<Value>& values) {
     return result;
 }
 
+template<PersistedRecord Record>
+std::size_t hashOfFields(const Record& record) {
+    return std::apply([&](const auto&... fields) { return combinedHash(record.*fields.member...); },
+                      RecordFields<Record>::all);
+}
+
+template<typename... Cases>
+std::size_t hashOfCase(const std::variant<Cases...>& value) {
+    return std::visit(
+        [&](const auto& chosen) { return combinedHash(value.index(), hashOfFields(chosen)); },
+        value);
+}
+
 } // namespace
 
 } // namespace vellmark
 
-using vellmark::combinedHash;
-using vellmark::hashOf;
+using namespace vellmark;
 
-std::size_t
-std::hash<vellmark::UsageWindow>::operator()(const vellmark::UsageWindow& window) const noexcept {
-    return combinedHash(window.id, window.usedPercent, window.windowDurationMinutes,
-                        window.resetsAt);
+std::size_t std::hash<UsageWindow>::operator()(const UsageWindow& window) const noexcept {
+    return hashOfFields(window);
+}
+
+std::size_t std::hash<BalanceInfo>::operator()(const BalanceInfo& balance) const noexcept {
+    return hashOfFields(balance);
+}
+
+std::size_t std::hash<CreditInfo>::operator()(const CreditInfo& credit) const noexcept {
+    return hashOfCase(credit.value);
+}
+
+std::size_t std::hash<UsageAllowance>::operator()(const UsageAllowance& allowance) const noexcept {
+    return hashOfFields(allowance);
+}
+
+std::size_t std::hash<SnapshotNote>::operator()(const SnapshotNote& note) const noexcept {
+    return hashOfCase(note.value);
 }
 
 std::size_t
-std::hash<vellmark::BalanceInfo>::operator()(const vellmark::BalanceInfo& balance) const noexcept {
-    return combinedHash(balance.id, balance.amount, balance.currencyCode, balance.limit);
-}
-
-std::size_t
-std::hash<vellmark::CreditInfo>::operator()(const vellmark::CreditInfo& credit) const noexcept {
-    const auto* line = std::get_if<vellmark::CreditInfo::Line>(&credit.value);
-    return line ? combinedHash(line->text) : 1;
-}
-
-std::size_t
-std::hash<vellmark::SnapshotNote>::operator()(const vellmark::SnapshotNote& note) const noexcept {
-    if (const auto* marker =
-            std::get_if<vellmark::SnapshotNote::ClaudeEndMarkerMissing>(&note.value)) {
-        return combinedHash(marker->variant);
-    }
-    const auto& timing = std::get<vellmark::SnapshotNote::ClaudeTiming>(note.value);
-    return combinedHash(timing.waitMs, timing.startMs, timing.statusMs, timing.usageMs,
-                        timing.quietMs, timing.endMs);
-}
-
-std::size_t std::hash<vellmark::UsageProviderError>::operator()(
-    const vellmark::UsageProviderError& error) const noexcept {
+std::hash<UsageProviderError>::operator()(const UsageProviderError& error) const noexcept {
     return combinedHash(static_cast<int>(error.kind()), error.code(), error.texts());
 }
 
-std::size_t std::hash<vellmark::AgentUsageSnapshot>::operator()(
-    const vellmark::AgentUsageSnapshot& snapshot) const noexcept {
-    return combinedHash(snapshot.id, snapshot.accountLabel, snapshot.plan, snapshot.windows,
-                        snapshot.balances, snapshot.credit, snapshot.notes,
-                        static_cast<int>(snapshot.source), snapshot.updatedAt, snapshot.error);
+std::size_t
+std::hash<AgentUsageSnapshot>::operator()(const AgentUsageSnapshot& snapshot) const noexcept {
+    return hashOfFields(snapshot);
 }
 
-std::size_t std::hash<vellmark::UsageHistorySample>::operator()(
-    const vellmark::UsageHistorySample& sample) const noexcept {
-    std::size_t id = 0;
-    for (const std::uint8_t byte : sample.id.bytes) {
-        id = id * 257 + byte;
-    }
-    return combinedHash(id, sample.provider, sample.windowID, sample.capturedAt, sample.usedPercent,
-                        sample.resetsAt);
+std::size_t
+std::hash<UsageHistorySample>::operator()(const UsageHistorySample& sample) const noexcept {
+    return hashOfFields(sample);
 }

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace vellmark::UsageHistoryReader {
@@ -18,6 +19,9 @@ using ParseResult = HistorySampleParser::Result;
 constexpr std::size_t bufferSize = 1u << 18;
 /// No sample is nearly as long; an object that is cannot be one.
 constexpr std::size_t longestSample = 1u << 16;
+/// How far a salvage looks for the end of an object: samples are hardly longer than 200 bytes.
+constexpr std::size_t salvagedLength = 1u << 12;
+constexpr std::size_t mostUnreadForms = 100;
 
 /// A window onto the file that moves forward.
 class Stream {
@@ -79,10 +83,22 @@ private:
     std::error_code error_;
 };
 
+/// Whether a spoilt line was a sample: it has names of a sample's members in it.
+bool looksLikeSample(std::string_view line) {
+    int names = 0;
+    for (const std::string_view name :
+         {"\"provider\":", "\"windowID\":", "\"capturedAt\":", "\"usedPercent\":"}) {
+        names += line.find(name) != std::string_view::npos;
+    }
+    return names >= 2;
+}
+
 class Scanner {
 public:
-    Scanner(int descriptor, HistoryFileScan scan, const Visitor& visit)
-        : stream_(descriptor, scan.samplesEnd), visit_(visit), scan_(scan) {}
+    Scanner(int descriptor, HistoryFileScan scan, const Visitor& visit,
+            const UnreadVisitor& visitUnread)
+        : stream_(descriptor, scan.samplesEnd), visit_(visit), visitUnread_(visitUnread),
+          scan_(std::move(scan)) {}
 
     HistoryFileScan run() {
         if (scan_.samplesEnd == 0 && !openArray()) {
@@ -101,12 +117,24 @@ private:
             scan_.samplesEnd = stream_.offset();
             return true;
         }
-        if (first == '\0' && !stream_.rest().empty()) {
-            scan_.form = Form::damaged; // blocks that were never written read as NUL
+        // Blocks that were never written read as NUL.
+        if (!stream_.rest().empty() && (first == '\0' || isBracketSpoilt())) {
+            scan_.form = Form::damaged;
             return true;
         }
         scan_.form = first == '\0' ? Form::whole : Form::foreign;
         return false;
+    }
+
+    /// The bracket stands on a line of its own; with a sample on the next one, something else there
+    /// is a bracket no more.
+    bool isBracketSpoilt() {
+        while (stream_.rest().size() < longestSample && stream_.fill()) {
+        }
+        const std::string_view rest = stream_.rest();
+        StoredHistorySample found;
+        return rest.size() > 2 && rest[1] == '\n' &&
+               parser_.parse(rest.substr(2), found) == ParseResult::sample;
     }
 
     /// One sample with what precedes it; false at the end of the array, and of what can be read.
@@ -123,7 +151,7 @@ private:
             }
             return false;
         }
-        if (scan_.sampleCount > 0) {
+        if (scan_.elementCount > 0) {
             if (next != ',') {
                 scan_.form = Form::damaged;
                 return true;
@@ -131,10 +159,10 @@ private:
             stream_.advance(1);
             stream_.peek();
         }
-        return sample();
+        return element();
     }
 
-    bool sample() {
+    bool element() {
         StoredHistorySample found;
         ParseResult result = parser_.parse(stream_.rest(), found);
         while (result == ParseResult::incomplete && stream_.rest().size() < longestSample &&
@@ -148,12 +176,15 @@ private:
         case ParseResult::sample:
             take(found);
             break;
-        case ParseResult::foreign:
-            scan_.form = Form::foreign;
-            return false;
+        case ParseResult::unread:
+            passOver(parser_.form());
+            break;
         case ParseResult::malformed:
-            beginsStrangely_ = scan_.sampleCount == 0 && stream_.peek() != '\0';
-            [[fallthrough]];
+            beginsStrangely_ = scan_.elementCount == 0 && stream_.peek() != '\0' &&
+                               !looksLikeSample(stream_.rest().substr(0, longestSample));
+            stream_.advance(1);
+            scan_.form = Form::damaged;
+            break;
         case ParseResult::incomplete:
             scan_.form = Form::damaged;
         }
@@ -164,58 +195,117 @@ private:
         found.offset = stream_.offset();
         visit_(found);
         ++scan_.sampleCount;
-        stream_.advance(found.text.size());
+        advance(found.text.size());
+    }
+
+    void passOver(const HistoryObjectForm& form) {
+        hasDamagedSample_ = hasDamagedSample_ || form.isDamagedSample;
+        const auto known = scan_.unreadForms.find(form.signature);
+        if (known != scan_.unreadForms.end()) {
+            ++known->second;
+        } else if (scan_.unreadForms.size() < mostUnreadForms) {
+            scan_.unreadForms.emplace(form.signature, 1);
+        }
+        if (visitUnread_) {
+            visitUnread_(form);
+        }
+        hasUnread_ = true;
+        advance(form.text.size());
+    }
+
+    void advance(std::size_t length) {
+        ++scan_.elementCount;
+        stream_.advance(length);
         scan_.samplesEnd = stream_.offset();
     }
 
-    /// Behind damage, goes to the next line and takes the sample that stands on it, if one does.
+    /// Behind damage, goes to the next object that stands on this line or at the beginning of a
+    /// later one, and takes it when it is a sample.
     bool salvageLine() {
-        std::size_t length = std::string_view::npos;
-        while ((length = stream_.rest().find('\n')) == std::string_view::npos) {
-            if (stream_.rest().size() >= longestSample) {
-                stream_.advance(stream_.rest().size());
-            }
-            if (!stream_.fill()) {
-                return false;
-            }
+        if (stream_.rest().empty() && !stream_.fill()) {
+            return false;
         }
-        stream_.advance(length + 1);
         while (stream_.rest().find('\n') == std::string_view::npos &&
                stream_.rest().size() < longestSample && stream_.fill()) {
         }
-        const std::string_view line = stream_.rest().substr(0, stream_.rest().find('\n'));
-        StoredHistorySample found;
-        if (line.starts_with('{') && parser_.parse(line, found) == ParseResult::sample) {
-            take(found);
+        const std::string_view rest = stream_.rest();
+        const std::size_t lineEnd = rest.find('\n');
+        const std::string_view line = rest.substr(0, lineEnd);
+        const std::size_t begin = line.find('{');
+        if (begin != std::string_view::npos) {
+            StoredHistorySample found;
+            const ParseResult result = parser_.parse(line.substr(begin), found);
+            if (result == ParseResult::sample || result == ParseResult::unread) {
+                stream_.advance(begin);
+                result == ParseResult::sample ? take(found) : passOver(parser_.form());
+                return true;
+            }
         }
+        stream_.advance(lineEnd == std::string_view::npos ? rest.size() : lineEnd + 1);
         return true;
     }
 
     HistoryFileScan finish() {
-        if (beginsStrangely_ && scan_.sampleCount == 0) {
+        const bool isStrange = beginsStrangely_ || hasUnread_;
+        if (scan_.sampleCount == 0 && isStrange && !hasDamagedSample_) {
             scan_.form = Form::foreign; // nothing in it was ever ours
+        } else if (hasDamagedSample_ || hasSingleForm()) {
+            scan_.form = Form::damaged;
         }
         scan_.error = stream_.error();
-        return scan_;
+        return std::move(scan_);
+    }
+
+    bool hasSingleForm() const {
+        return std::ranges::any_of(scan_.unreadForms,
+                                   [](const auto& form) { return form.second == 1; });
     }
 
     Stream stream_;
     const Visitor& visit_;
+    const UnreadVisitor& visitUnread_;
     HistoryFileScan scan_;
     bool beginsStrangely_ = false; ///< with something in the first sample's place that is no JSON
+    bool hasUnread_ = false;
+    bool hasDamagedSample_ = false;
     HistorySampleParser parser_;
 };
 
 } // namespace
 
-HistoryFileScan read(int descriptor, const Visitor& visit) {
-    return Scanner(descriptor, {}, visit).run();
+HistoryFileScan read(int descriptor, const Visitor& visit, const UnreadVisitor& visitUnread) {
+    return Scanner(descriptor, {}, visit, visitUnread).run();
 }
 
 HistoryFileScan readOn(int descriptor, const HistoryFileScan& earlier, const Visitor& visit) {
     HistoryFileScan start = earlier;
     start.form = Form::whole;
-    return Scanner(descriptor, start, visit).run();
+    return Scanner(descriptor, std::move(start), visit, {}).run();
+}
+
+std::uint64_t salvage(int descriptor, const Visitor& visit, std::error_code& error) {
+    Stream stream(descriptor, 0);
+    HistorySampleParser parser;
+    std::uint64_t count = 0;
+    for (;;) {
+        const std::size_t begin = stream.rest().find('{');
+        stream.advance(std::min(begin, stream.rest().size()));
+        while (stream.rest().size() < salvagedLength && stream.fill()) {
+        }
+        if (stream.rest().empty()) {
+            error = stream.error();
+            return count;
+        }
+        StoredHistorySample found;
+        if (parser.parse(stream.rest().substr(0, salvagedLength), found) == ParseResult::sample) {
+            found.offset = stream.offset();
+            visit(found);
+            ++count;
+            stream.advance(found.text.size());
+        } else {
+            stream.advance(1);
+        }
+    }
 }
 
 } // namespace vellmark::UsageHistoryReader

@@ -1,5 +1,6 @@
 #include "model/UsageJSON.h"
 
+#include "model/UsageFields.h"
 #include "model/UsageProviderErrorCases.h"
 
 #include <nlohmann/json.hpp>
@@ -8,7 +9,9 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <tuple>
 #include <utility>
+#include <variant>
 
 namespace vellmark {
 
@@ -27,11 +30,6 @@ constexpr std::array sourceNames{
     std::pair{SnapshotSource::live, "live"},
     std::pair{SnapshotSource::stale, "stale"},
 };
-
-// What a document may hold, far beyond what any of ours has: a hostile one must not cost more than
-// its length.
-constexpr int deepestNesting = 512;
-constexpr std::size_t mostMembers = 1000;
 
 [[noreturn]] void fail(const std::string& reason) {
     throw JSONDecodingError(reason);
@@ -94,6 +92,13 @@ void decode(const JSON& json, std::int64_t& value) {
     value = json.get<std::int64_t>();
 }
 
+void decode(const JSON& json, bool& value) {
+    if (!json.is_boolean()) {
+        fail("expected true or false");
+    }
+    value = json.get<bool>();
+}
+
 void decode(const JSON& json, Instant& value) {
     double seconds = 0;
     decode(json, seconds);
@@ -127,7 +132,9 @@ void decode(const JSON& json, SnapshotSource& value) {
 }
 
 template<typename Value>
-    requires requires(const JSON& json, Value& value) { fromJSON(json, value); }
+requires requires(const JSON& json, Value& value) {
+    fromJSON(json, value);
+}
 void decode(const JSON& json, Value& value) {
     fromJSON(json, value);
 }
@@ -157,29 +164,58 @@ const JSON& object(const JSON& json) {
     return json;
 }
 
-template<typename Value>
-void decodeMember(const JSON& json, const char* name, Value& value) {
+const JSON* findMember(const JSON& json, const char* name) {
     const auto found = object(json).find(name);
-    if (found == json.end()) {
-        fail(memberPlace(name) + ": missing");
-    }
-    at(memberPlace(name), [&] { decode(*found, value); });
+    return found == json.end() ? nullptr : &*found;
 }
 
 template<typename Value>
-void decodeMember(const JSON& json, const char* name, std::optional<Value>& value, Value made) {
-    const auto found = object(json).find(name);
-    if (found == json.end() || found->is_null()) {
-        value.reset();
-        return;
+void decodeMember(const JSON& json, const char* name, Value& value) {
+    const JSON* const member = findMember(json, name);
+    if (member == nullptr) {
+        fail(memberPlace(name) + ": missing");
     }
-    at(memberPlace(name), [&] { decode(*found, made); });
-    value = std::move(made);
+    at(memberPlace(name), [&] { decode(*member, value); });
+}
+
+/// A yes that is not there is a no.
+void decodeMember(const JSON& json, const char* name, bool& value) {
+    const JSON* const member = findMember(json, name);
+    value = false;
+    if (member != nullptr) {
+        at(memberPlace(name), [&] { decode(*member, value); });
+    }
+}
+
+template<typename Value>
+Value undecoded() {
+    return Value{};
+}
+template<>
+UsageProviderError undecoded() {
+    return UsageProviderError::other({});
 }
 
 template<typename Value>
 void decodeMember(const JSON& json, const char* name, std::optional<Value>& value) {
-    decodeMember(json, name, value, Value{});
+    value.reset();
+    const JSON* const member = findMember(json, name);
+    if (member == nullptr || member->is_null()) {
+        return;
+    }
+    Value made = undecoded<Value>();
+    at(memberPlace(name), [&] { decode(*member, made); });
+    value = std::move(made);
+}
+
+template<PersistedRecord Record>
+void decodeFields(const JSON& json, Record& record) {
+    object(json);
+    std::apply(
+        [&](const auto&... fields) {
+            (decodeMember(json, fields.name, record.*fields.member), ...);
+        },
+        RecordFields<Record>::all);
 }
 
 /// The one member of an object that stands for an enumeration's case, and its payload.
@@ -206,11 +242,28 @@ double encoded(double number) {
 double encoded(Instant instant) {
     return encoded(instant.time_since_epoch().count());
 }
+std::int64_t encoded(std::int64_t number) {
+    return number;
+}
+bool encoded(bool value) {
+    return value;
+}
 const std::string& encoded(const std::string& text) {
     return text;
 }
+const std::string& encoded(const AgentProviderID& id) {
+    return id.rawValue;
+}
+std::string encoded(const UUID& id) {
+    return id.text();
+}
+const char* encoded(SnapshotSource source) {
+    return sourceNames[static_cast<std::size_t>(source)].second;
+}
 template<typename Value>
-    requires requires(const Value& value) { toJSON(value); }
+requires requires(const Value& value) {
+    toJSON(value);
+}
 JSON encoded(const Value& value) {
     return toJSON(value);
 }
@@ -225,99 +278,109 @@ JSON encoded(const std::vector<Value>& values) {
 }
 
 template<typename Value>
+void encodeMember(JSON& json, const char* name, const Value& value) {
+    json[name] = encoded(value);
+}
+
+void encodeMember(JSON& json, const char* name, bool value) {
+    if (value) {
+        json[name] = true;
+    }
+}
+
+template<typename Value>
 void encodeMember(JSON& json, const char* name, const std::optional<Value>& value) {
     if (value) {
         json[name] = encoded(*value);
     }
 }
 
+template<PersistedRecord Record>
+JSON encodedFields(const Record& record) {
+    JSON json = JSON::object();
+    std::apply(
+        [&](const auto&... fields) {
+            (encodeMember(json, fields.name, record.*fields.member), ...);
+        },
+        RecordFields<Record>::all);
+    return json;
+}
+
+// An enumeration with payloads: an object of one member, the case's name with its fields.
+
+template<typename... Cases>
+JSON encodedCase(const std::variant<Cases...>& value) {
+    return std::visit(
+        []<typename Case>(const Case& chosen) {
+            JSON json = JSON::object();
+            json[RecordFields<Case>::caseName] = encodedFields(chosen);
+            return json;
+        },
+        value);
+}
+
+template<typename... Cases>
+void decodeCase(const JSON& json, std::variant<Cases...>& value) {
+    const auto& [name, payload] = enumerationCase(json);
+    at(memberPlace(name.c_str()), [&, &name = name, &payload = payload] {
+        const auto decodeIfNamed = [&]<typename Case>(Case made) {
+            if (name != RecordFields<Case>::caseName) {
+                return false;
+            }
+            decodeFields(payload, made);
+            value = std::move(made);
+            return true;
+        };
+        if (!(decodeIfNamed(Cases{}) || ...)) {
+            failUnknownCase(name);
+        }
+    });
+}
+
 } // namespace
 
 JSON toJSON(const UsageWindow& value) {
-    JSON json = {{"id", value.id}, {"usedPercent", encoded(value.usedPercent)}};
-    encodeMember(json, "windowDurationMinutes", value.windowDurationMinutes);
-    encodeMember(json, "resetsAt", value.resetsAt);
-    return json;
+    return encodedFields(value);
+}
+JSON toJSON(const BalanceInfo& value) {
+    return encodedFields(value);
+}
+JSON toJSON(const UsageAllowance& value) {
+    return encodedFields(value);
+}
+JSON toJSON(const AgentUsageSnapshot& value) {
+    return encodedFields(value);
+}
+JSON toJSON(const UsageHistorySample& value) {
+    return encodedFields(value);
+}
+JSON toJSON(const CreditInfo& value) {
+    return encodedCase(value.value);
+}
+JSON toJSON(const SnapshotNote& value) {
+    return encodedCase(value.value);
 }
 
 void fromJSON(const JSON& json, UsageWindow& value) {
-    decodeMember(json, "id", value.id);
-    decodeMember(json, "usedPercent", value.usedPercent);
-    decodeMember(json, "windowDurationMinutes", value.windowDurationMinutes);
-    decodeMember(json, "resetsAt", value.resetsAt);
+    decodeFields(json, value);
 }
-
-JSON toJSON(const BalanceInfo& value) {
-    JSON json = {
-        {"id", value.id}, {"amount", encoded(value.amount)}, {"currencyCode", value.currencyCode}};
-    encodeMember(json, "limit", value.limit);
-    return json;
-}
-
 void fromJSON(const JSON& json, BalanceInfo& value) {
-    decodeMember(json, "id", value.id);
-    decodeMember(json, "amount", value.amount);
-    decodeMember(json, "currencyCode", value.currencyCode);
-    decodeMember(json, "limit", value.limit);
+    decodeFields(json, value);
 }
-
-JSON toJSON(const CreditInfo& value) {
-    if (const auto* line = std::get_if<CreditInfo::Line>(&value.value)) {
-        return {{"line", {{"_0", line->text}}}};
-    }
-    return {{"available", JSON::object()}};
+void fromJSON(const JSON& json, UsageAllowance& value) {
+    decodeFields(json, value);
 }
-
+void fromJSON(const JSON& json, AgentUsageSnapshot& value) {
+    decodeFields(json, value);
+}
+void fromJSON(const JSON& json, UsageHistorySample& value) {
+    decodeFields(json, value);
+}
 void fromJSON(const JSON& json, CreditInfo& value) {
-    const auto& [name, payload] = enumerationCase(json);
-    at(memberPlace(name.c_str()), [&, &name = name, &payload = payload] {
-        if (name == "line") {
-            CreditInfo::Line line;
-            decodeMember(payload, "_0", line.text);
-            value.value = std::move(line);
-        } else if (name == "available") {
-            object(payload);
-            value.value = CreditInfo::Available{};
-        } else {
-            failUnknownCase(name);
-        }
-    });
+    decodeCase(json, value.value);
 }
-
-JSON toJSON(const SnapshotNote& value) {
-    if (const auto* marker = std::get_if<SnapshotNote::ClaudeEndMarkerMissing>(&value.value)) {
-        return {{"claudeEndMarkerMissing", {{"variant", marker->variant}}}};
-    }
-    const auto& timing = std::get<SnapshotNote::ClaudeTiming>(value.value);
-    return {{"claudeTiming",
-             {{"waitMs", timing.waitMs},
-              {"startMs", timing.startMs},
-              {"statusMs", timing.statusMs},
-              {"usageMs", timing.usageMs},
-              {"quietMs", timing.quietMs},
-              {"endMs", timing.endMs}}}};
-}
-
 void fromJSON(const JSON& json, SnapshotNote& value) {
-    const auto& [name, payload] = enumerationCase(json);
-    at(memberPlace(name.c_str()), [&, &name = name, &payload = payload] {
-        if (name == "claudeEndMarkerMissing") {
-            SnapshotNote::ClaudeEndMarkerMissing marker;
-            decodeMember(payload, "variant", marker.variant);
-            value.value = std::move(marker);
-        } else if (name == "claudeTiming") {
-            SnapshotNote::ClaudeTiming timing;
-            decodeMember(payload, "waitMs", timing.waitMs);
-            decodeMember(payload, "startMs", timing.startMs);
-            decodeMember(payload, "statusMs", timing.statusMs);
-            decodeMember(payload, "usageMs", timing.usageMs);
-            decodeMember(payload, "quietMs", timing.quietMs);
-            decodeMember(payload, "endMs", timing.endMs);
-            value.value = timing;
-        } else {
-            failUnknownCase(name);
-        }
-    });
+    decodeCase(json, value.value);
 }
 
 JSON toJSON(const UsageProviderError& value) {
@@ -354,79 +417,6 @@ void fromJSON(const JSON& json, UsageProviderError& value) {
         }
         failUnknownCase(name);
     });
-}
-
-JSON toJSON(const AgentUsageSnapshot& value) {
-    JSON json = {{"id", value.id.rawValue}};
-    encodeMember(json, "accountLabel", value.accountLabel);
-    encodeMember(json, "plan", value.plan);
-    json["windows"] = encoded(value.windows);
-    json["balances"] = encoded(value.balances);
-    encodeMember(json, "credit", value.credit);
-    json["notes"] = encoded(value.notes);
-    json["source"] = sourceNames[static_cast<std::size_t>(value.source)].second;
-    json["updatedAt"] = encoded(value.updatedAt);
-    encodeMember(json, "error", value.error);
-    return json;
-}
-
-void fromJSON(const JSON& json, AgentUsageSnapshot& value) {
-    decodeMember(json, "id", value.id);
-    decodeMember(json, "accountLabel", value.accountLabel);
-    decodeMember(json, "plan", value.plan);
-    decodeMember(json, "windows", value.windows);
-    decodeMember(json, "balances", value.balances);
-    decodeMember(json, "credit", value.credit);
-    decodeMember(json, "notes", value.notes);
-    decodeMember(json, "source", value.source);
-    decodeMember(json, "updatedAt", value.updatedAt);
-    decodeMember(json, "error", value.error, UsageProviderError::other({}));
-}
-
-JSON toJSON(const UsageHistorySample& value) {
-    JSON json = {{"id", value.id.text()},
-                 {"provider", value.provider.rawValue},
-                 {"windowID", value.windowID},
-                 {"capturedAt", encoded(value.capturedAt)},
-                 {"usedPercent", encoded(value.usedPercent)}};
-    encodeMember(json, "resetsAt", value.resetsAt);
-    return json;
-}
-
-void fromJSON(const JSON& json, UsageHistorySample& value) {
-    decodeMember(json, "id", value.id);
-    decodeMember(json, "provider", value.provider);
-    decodeMember(json, "windowID", value.windowID);
-    decodeMember(json, "capturedAt", value.capturedAt);
-    decodeMember(json, "usedPercent", value.usedPercent);
-    decodeMember(json, "resetsAt", value.resetsAt);
-}
-
-JSON parsedJSON(std::string_view text) {
-    std::vector<std::size_t> memberCounts;
-    const auto guard = [&](int depth, JSON::parse_event_t event, JSON&) {
-        if (depth > deepestNesting) {
-            fail("nested too deeply");
-        }
-        memberCounts.resize(std::max(memberCounts.size(), static_cast<std::size_t>(depth) + 1));
-        std::size_t& count = memberCounts[static_cast<std::size_t>(depth)];
-        if (event == JSON::parse_event_t::object_start) {
-            memberCounts.resize(static_cast<std::size_t>(depth) + 2);
-            memberCounts.back() = 0;
-        } else if (event == JSON::parse_event_t::key && ++count > mostMembers) {
-            fail("an object has too many members");
-        }
-        return true;
-    };
-    try {
-        return JSON::parse(text, guard);
-    } catch (const JSON::exception& error) {
-        fail(error.what());
-    }
-}
-
-std::string serialized(const JSON& json, int indent) {
-    return json.dump(indent, ' ', false, JSON::error_handler_t::replace);
 }
 
 std::string snapshotsDocument(const std::vector<AgentUsageSnapshot>& snapshots) {

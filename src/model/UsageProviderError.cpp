@@ -27,6 +27,14 @@ std::string detailText(const std::string& text) {
     return isHuge || ending.size() < line.size() ? "…" + ending : ending;
 }
 
+/// A missing program as the user's language spells it.
+std::string programName(const std::string& name, const Localization& words) {
+    if (name == "Codex CLI") {
+        return words.text("source.codex");
+    }
+    return name == "Antigravity CLI" ? words.text("source.antigravity") : name;
+}
+
 } // namespace
 
 UsageProviderError UsageProviderError::executableMissing(std::string name) {
@@ -56,6 +64,18 @@ UsageProviderError UsageProviderError::antigravityReadFailed(std::string detail)
 UsageProviderError UsageProviderError::other(std::string message) {
     return {Kind::other, {std::move(message)}};
 }
+UsageProviderError UsageProviderError::claudeServiceRefused(std::string words) {
+    return {Kind::claudeServiceRefused, {std::move(words)}};
+}
+UsageProviderError UsageProviderError::claudeQueryFailed(std::string detail) {
+    return {Kind::claudeQueryFailed, {std::move(detail)}};
+}
+UsageProviderError UsageProviderError::antigravityReadingCosts(std::string version) {
+    return {Kind::antigravityReadingCosts, {std::move(version)}};
+}
+UsageProviderError UsageProviderError::claudeOptionRefused(std::string option) {
+    return {Kind::claudeOptionRefused, {std::move(option)}};
+}
 
 std::optional<std::string> UsageProviderError::messageKey() const {
     const std::string_view key = errorCase(kind_).messageKey;
@@ -67,12 +87,27 @@ std::string UsageProviderError::message(const Localization& words) const {
     if (errorCase.messageKey.empty()) {
         return texts_.empty() ? std::string() : texts_.front();
     }
-    const auto detail = [this](std::size_t index) {
-        return index < texts_.size() ? detailText(texts_[index]) : std::string();
+    const auto detail = [&](std::size_t index) {
+        const std::string text = index < texts_.size() ? detailText(texts_[index]) : std::string();
+        return kind_ == Kind::executableMissing ? programName(text, words) : text;
     };
     return endedSentence(errorCase.hasCode
                              ? words.format(errorCase.messageKey, {code_, detail(0)})
                              : words.format(errorCase.messageKey, {detail(0), detail(1)}));
+}
+
+bool UsageProviderError::isOfService() const {
+    switch (kind_) {
+    case Kind::claudeServiceUnavailable:
+    case Kind::claudeServiceRefused:
+    case Kind::claudeQueryFailed:
+    case Kind::claudePageError:
+    case Kind::codexReadFailed:
+    case Kind::antigravityReadFailed:
+        return true;
+    default:
+        return false;
+    }
 }
 
 const char* UsageProviderError::what() const noexcept {

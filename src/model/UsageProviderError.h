@@ -35,6 +35,15 @@ public:
         antigravityNotLoggedIn,
         antigravityIneligible,
         antigravityNoQuotas,
+        claudeServiceUnavailable, ///< the CLI answered, but had no new figures from its service
+        claudeServiceRefused,     ///< the same, with the service's words
+        claudeAPIKey,             ///< logged in with an API key, which has no quotas
+        claudeNoSubscription,     ///< logged in to an account without a subscription
+        claudeQueryFailed,        ///< the CLI refused the usage query, in its own words
+        codexNotLoggedIn,
+        codexAPIKey,             ///< logged in with an API key, which has no quotas
+        antigravityReadingCosts, ///< this version would spend quota by being read
+        claudeOptionRefused,     ///< too old for an option that the session needs
     };
 
     /// A case without payload.
@@ -49,6 +58,11 @@ public:
     static UsageProviderError claudePageError(std::string phrase);
     static UsageProviderError antigravityReadFailed(std::string detail);
     static UsageProviderError other(std::string message);
+    static UsageProviderError claudeServiceRefused(std::string words);
+    static UsageProviderError claudeQueryFailed(std::string detail);
+    /// `version`: the CLI's own, as it tells it.
+    static UsageProviderError antigravityReadingCosts(std::string version);
+    static UsageProviderError claudeOptionRefused(std::string option);
 
     Kind kind() const { return kind_; }
     /// The text payloads in order; empty for a case without.
@@ -60,6 +74,9 @@ public:
     std::optional<std::string> messageKey() const;
     /// The message in the user's language, on one line; the text of `other` as it stands.
     std::string message(const Localization& words) const;
+
+    /// The agent's service refused or could not be reached: to ask again at once is of no use.
+    bool isOfService() const;
 
     /// The case's name, for debuggers and test output.
     const char* what() const noexcept override;

@@ -46,6 +46,20 @@ inline constexpr std::array errorCases{
     ErrorCase{ErrorKind::antigravityIneligible, "antigravityIneligible",
               "error.antigravity.ineligible"},
     ErrorCase{ErrorKind::antigravityNoQuotas, "antigravityNoQuotas", "error.antigravity.noQuotas"},
+    ErrorCase{ErrorKind::claudeServiceUnavailable, "claudeServiceUnavailable",
+              "error.claude.serviceUnavailable"},
+    ErrorCase{ErrorKind::claudeServiceRefused, "claudeServiceRefused",
+              "error.claude.serviceRefused", 1},
+    ErrorCase{ErrorKind::claudeAPIKey, "claudeAPIKey", "error.claude.apiKey"},
+    ErrorCase{ErrorKind::claudeNoSubscription, "claudeNoSubscription",
+              "error.claude.noSubscription"},
+    ErrorCase{ErrorKind::claudeQueryFailed, "claudeQueryFailed", "error.claude.queryFailed", 1},
+    ErrorCase{ErrorKind::codexNotLoggedIn, "codexNotLoggedIn", "error.codex.notLoggedIn"},
+    ErrorCase{ErrorKind::codexAPIKey, "codexAPIKey", "error.codex.apiKey"},
+    ErrorCase{ErrorKind::antigravityReadingCosts, "antigravityReadingCosts",
+              "error.antigravity.readingCosts", 1},
+    ErrorCase{ErrorKind::claudeOptionRefused, "claudeOptionRefused", "error.claude.optionRefused",
+              1},
 };
 
 constexpr const ErrorCase& errorCase(UsageProviderError::Kind kind) {

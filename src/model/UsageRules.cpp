@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string_view>
 
 namespace vellmark {
 
@@ -30,8 +31,21 @@ constexpr Seconds leastRecentSpan(600);
 /// A fall of the used share beyond this is a reset, below it the agent's rounding.
 constexpr double resetFall = 1;
 
+/// What is written as 0 %.
+constexpr double nothing = 0.05;
+
 /// Running out this little before the reset is a rounding of the arithmetic.
 constexpr Seconds leastShortfall(1);
+
+/// What a window counts the use of: a pool, a further limit, or a model, by the part of its
+/// identifier that names it; empty for everything that the agent does.
+std::string_view scopeOf(const UsageWindow& window) {
+    const std::string_view id = window.id;
+    if (id.starts_with("pool:") || id.starts_with("limit:")) {
+        return id.substr(0, id.find('|'));
+    }
+    return id.ends_with("-weekly") ? id : std::string_view();
+}
 
 double clampedPercent(double percent) {
     return std::clamp(percent, 0.0, full);
@@ -89,6 +103,27 @@ double remainingPercent(const UsageWindow& window) {
     return full - window.usedPercent;
 }
 
+bool isUsedUp(const UsageWindow& window) {
+    return remainingPercent(window) < nothing;
+}
+
+bool isDue(const UsageWindow& window, Instant now) {
+    return window.resetsAt && *window.resetsAt <= now;
+}
+
+bool covers(const UsageWindow& wider, const UsageWindow& other) {
+    const double length = wider.windowDurationMinutes.value_or(0);
+    const double otherLength = other.windowDurationMinutes.value_or(0);
+    if (!(length > 0 && otherLength > 0)) {
+        return false;
+    }
+    if (scopeOf(wider) == scopeOf(other)) {
+        return length > otherLength;
+    }
+    const bool isOfModel = other.id.ends_with("-weekly");
+    return scopeOf(wider).empty() && isOfModel && length >= otherLength;
+}
+
 std::optional<double> timeRemainingPercent(const UsageWindow& window, Instant now) {
     const double seconds = length(window).count();
     if (!window.resetsAt || !std::isfinite(seconds) || seconds <= 0) {
@@ -135,11 +170,34 @@ UsageHealth health(const AgentUsageSnapshot& snapshot, Instant now) {
     if (snapshot.windows.empty()) {
         return UsageHealth::unavailable;
     }
+    if (isUsedUp(snapshot)) {
+        return UsageHealth::critical;
+    }
     Severity worst = Severity::fine;
     for (const UsageWindow& window : snapshot.windows) {
         worst = std::max(worst, severity(window, now));
     }
     return healthOf(worst);
+}
+
+bool isUsedUp(const AgentUsageSnapshot& snapshot) {
+    const auto& allowance = snapshot.allowance;
+    return allowance && (allowance->ordinaryUsageAllowed == false || allowance->reachedType);
+}
+
+std::optional<Instant> usedUpUntil(const AgentUsageSnapshot& snapshot, Instant now) {
+    std::optional<Instant> until;
+    for (const UsageWindow& window : snapshot.windows) {
+        const bool isAside = window.id == "individual" || window.id.starts_with("limit:");
+        if (isAside || remainingPercent(window) > 0) {
+            continue;
+        }
+        if (!window.resetsAt || *window.resetsAt <= now) {
+            return std::nullopt;
+        }
+        until = std::max(until.value_or(*window.resetsAt), *window.resetsAt);
+    }
+    return until;
 }
 
 UsageHealth worse(UsageHealth first, UsageHealth second) {

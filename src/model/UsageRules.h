@@ -13,6 +13,16 @@ namespace vellmark {
 /// Remaining share in percent, 100 − used, not clamped.
 double remainingPercent(const UsageWindow& window);
 
+/// Nothing is left of it, as far as it is shown.
+bool isUsedUp(const UsageWindow& window);
+
+/// Its reset should have come.
+bool isDue(const UsageWindow& window, Instant now);
+
+/// Whether nothing is left for `other` to use once `wider` is used up: a longer window of the same
+/// quota, or one of all models beside that of a single model.
+bool covers(const UsageWindow& wider, const UsageWindow& other);
+
 /// The share of the window's time that is left, in percent; absent without a reset time or a
 /// positive duration. Negative once the reset is past, above 100 when it is too far away.
 std::optional<double> timeRemainingPercent(const UsageWindow& window, Instant now);
@@ -25,8 +35,17 @@ enum class Severity { fine = 0, attention = 1, critical = 2 };
 Severity severity(const UsageWindow& window, Instant now);
 
 UsageHealth health(const UsageWindow& window, Instant now);
-/// The worst of the agent's windows; `unavailable` when it has none.
+/// The worst of the agent's windows, critical too when the agent refuses to work; `unavailable`
+/// when it has no windows.
 UsageHealth health(const AgentUsageSnapshot& snapshot, Instant now);
+/// The agent says that it refuses to work until a quota is back. Only its own word tells that, and
+/// that the quota is back: figures may be full while credits are used, and a reset may be late.
+bool isUsedUp(const AgentUsageSnapshot& snapshot);
+/// When an agent that refuses will work again, as far as its windows tell: the last reset of those
+/// that are used up, where all of them have one to come. Limits of single models and of spending do
+/// not count.
+std::optional<Instant> usedUpUntil(const AgentUsageSnapshot& snapshot, Instant now);
+
 /// The worse of two: critical, attention, unavailable, healthy, in this order.
 UsageHealth worse(UsageHealth first, UsageHealth second);
 

@@ -2,7 +2,6 @@
 
 #include "platform/Descriptor.h"
 
-#include <spawn.h>
 #include <string_view>
 #include <sys/types.h>
 
@@ -23,9 +22,8 @@ Pipe makePipe();
 /// program's own handling of signals stays as it is. `descriptor` is a write end from `makePipe`.
 ssize_t writeWithoutSignal(int descriptor, std::string_view bytes);
 
-/// Makes the child keep the descriptors that `actions` put in place as standard streams and no
-/// other, whoever opened it and however. To be called when `actions` is otherwise complete; changes
-/// `flags`, which the caller sets on the attributes. Returns an error number, 0 for none.
-int inheritStandardStreamsOnly(posix_spawn_file_actions_t& actions, short& flags);
+/// Makes every descriptor but the standard streams, whoever opened it and however, close when this
+/// process becomes another program. May be called where a signal handler may.
+void leaveOpenStandardStreamsOnly();
 
 } // namespace vellmark

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace vellmark {
@@ -10,9 +11,9 @@ namespace vellmark {
 class CredentialStore {
 public:
     virtual ~CredentialStore() = default;
-    /// False also when there is no store to ask.
-    virtual bool hasGenericPassword(const std::string& service,
-                                    const std::string& account) const = 0;
+    /// Absent when the store cannot be asked: there is none, or it does not answer.
+    virtual std::optional<bool> hasGenericPassword(const std::string& service,
+                                                   const std::string& account) const = 0;
 };
 
 std::shared_ptr<const CredentialStore> makeSystemCredentialStore();

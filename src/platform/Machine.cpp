@@ -1,5 +1,6 @@
 #include "platform/Machine.h"
 
+#include "platform/PrivateDirectory.h"
 #include "platform/SystemDirectories.h"
 
 #include <cerrno>
@@ -20,7 +21,8 @@ class FileCredentialStore final : public CredentialStore {
 public:
     explicit FileCredentialStore(fs::path directory) : directory_(std::move(directory)) {}
 
-    bool hasGenericPassword(const std::string& service, const std::string& account) const override {
+    std::optional<bool> hasGenericPassword(const std::string& service,
+                                           const std::string& account) const override {
         std::error_code ignored;
         return fs::exists(directory_ / service / account, ignored);
     }
@@ -114,7 +116,9 @@ Machine Machine::sandbox(const fs::path& directory) {
     machine.credentials = std::make_shared<FileCredentialStore>(base / "credentials");
     for (const auto& folder : {machine.applicationSupport, machine.configuration, machine.root,
                                machine.temporary, base / "credentials"}) {
-        fs::create_directories(folder);
+        if (const auto error = makePrivateDirectory(folder)) {
+            throw fs::filesystem_error("cannot create directories", folder, error);
+        }
     }
     machine.environment = processEnvironment();
     std::erase_if(machine.environment,

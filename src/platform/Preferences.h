@@ -28,8 +28,9 @@ public:
     virtual void setStrings(std::string_view key, std::vector<std::string> value) = 0;
     virtual void remove(std::string_view key) = 0;
 
-    /// Why the last change is not on disk (full, read-only …); absent when it is. The value holds
-    /// for this run all the same, and the next change tries again to write everything.
+    /// Why the last change is not on disk (full, read-only …), or why the settings could not be
+    /// read; absent otherwise. The values hold for this run all the same, and the next change tries
+    /// again to write everything.
     virtual std::optional<std::error_code> writeError() const = 0;
 };
 

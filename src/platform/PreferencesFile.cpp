@@ -1,6 +1,9 @@
 #include "platform/PreferencesFile.h"
 
+#include "platform/FileLock.h"
+#include "platform/WaitingFile.h"
 #include "platform/WholeFile.h"
+#include "text/BoundedJSON.h"
 
 #include <nlohmann/json.hpp>
 
@@ -13,13 +16,32 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using Document = nlohmann::ordered_json;
+using Document = JSON;
+
+/// Absent when `text` is no JSON object, or one that is not of a preferences file's making.
+std::optional<Document> objectIn(std::string_view text) {
+    try {
+        Document document = parsedJSON(text);
+        return document.is_object() ? std::optional(std::move(document)) : std::nullopt;
+    } catch (const JSONDecodingError&) {
+        return std::nullopt;
+    }
+}
+
+/// A click waits no longer than that.
+constexpr FileLock::Seconds lockPatience{0.2};
+constexpr std::size_t mostBytes = std::size_t{16} << 20;
 
 /// Another process (the terminal front end, the desktop application) may change the file at any
-/// time, so a change is made to what the file holds at that moment, not to what was read at start.
+/// time, so a change is made to what the file holds at that moment, not to what was read at start,
+/// under a lock. Where somebody keeps that to himself, the change waits on disk beside the file.
 class PreferencesFile final : public Preferences {
 public:
-    explicit PreferencesFile(fs::path file) : file_(std::move(file)) { reload(); }
+    explicit PreferencesFile(fs::path file)
+        : file_(std::move(file)), lock_(fs::path(file_).replace_extension(".lock"), lockPatience),
+          waiting_(file_) {
+        error_ = reload();
+    }
 
     std::optional<bool> boolean(std::string_view key) const override {
         const Document* value = find(key);
@@ -71,38 +93,90 @@ private:
 
     void change(std::string_view key, std::optional<Document> value) {
         unsaved_.insert_or_assign(std::string(key), std::move(value));
-        if (error_ = reload(); !error_) {
-            error_ = replaceWholeFile(
-                file_, document_.dump(2, ' ', false, Document::error_handler_t::replace) + "\n");
+        std::error_code refusal;
+        const auto held = lock_.acquire(refusal);
+        error_ = reload();
+        if (!held) {
+            const bool isBusy = refusal == std::errc::resource_unavailable_try_again;
+            error_ = isBusy ? waiting_.add(unsavedLines()) : refusal;
+        } else if (!error_) {
+            error_ = write();
         }
         if (!error_) {
             unsaved_.clear();
         }
     }
 
-    /// Takes over what the file holds, with the unsaved changes on top. A file that is there and
-    /// cannot be read is an error: writing would destroy it unseen.
+    /// With the changes that wait on disk, which then wait no more.
+    std::error_code write() {
+        std::error_code error;
+        bool isWritten = false;
+        waiting_.takeOver([&](std::string_view lines) {
+            applyLines(lines);
+            applyUnsaved();
+            error = replaceWholeFile(file_, serialized(document_) + "\n");
+            isWritten = true;
+            return !error;
+        });
+        return isWritten ? error : replaceWholeFile(file_, serialized(document_) + "\n");
+    }
+
+    /// Takes over what the file holds, with the changes on top that wait to be written. A file that
+    /// is there and cannot be read is an error: writing would destroy it unseen.
     std::error_code reload() {
         std::error_code error;
-        const auto contents = readWholeFile(file_, error);
+        const auto contents = readRegularFile(file_, mostBytes, error);
         if (contents) {
-            Document read = Document::parse(*contents, nullptr, false);
-            if (read.is_object()) {
-                document_ = std::move(read);
+            if (auto read = objectIn(*contents)) {
+                document_ = std::move(*read);
             } else {
                 error = keepAside();
             }
         } else if (error == std::errc::no_such_file_or_directory) {
             error.clear();
         }
-        for (const auto& [key, value] : unsaved_) {
-            if (value) {
-                document_[key] = *value;
-            } else {
-                document_.erase(key);
-            }
-        }
+        applyLines(waiting_.lines());
+        applyUnsaved();
         return error;
+    }
+
+    void apply(const std::string& key, const std::optional<Document>& value) {
+        if (value) {
+            document_[key] = *value;
+        } else {
+            document_.erase(key);
+        }
+    }
+
+    void applyUnsaved() {
+        for (const auto& [key, value] : unsaved_) {
+            apply(key, value);
+        }
+    }
+
+    /// A change that waits is a line: an array of the key and the value, without one a removal.
+    std::string unsavedLines() const {
+        std::string lines;
+        for (const auto& [key, value] : unsaved_) {
+            Document change = Document::array({key});
+            if (value) {
+                change.push_back(*value);
+            }
+            lines += serialized(change, -1) + "\n";
+        }
+        return lines;
+    }
+
+    void applyLines(std::string_view lines) {
+        while (!lines.empty()) {
+            const auto end = std::min(lines.find('\n'), lines.size());
+            const Document change = Document::parse(lines.substr(0, end), nullptr, false);
+            if (change.is_array() && !change.empty() && change.front().is_string()) {
+                apply(change.front().get<std::string>(),
+                      change.size() > 1 ? std::optional(change[1]) : std::nullopt);
+            }
+            lines.remove_prefix(std::min(end + 1, lines.size()));
+        }
     }
 
     std::error_code keepAside() const {
@@ -114,6 +188,8 @@ private:
     }
 
     fs::path file_;
+    LockFile lock_;
+    WaitingFile waiting_;
     Document document_ = Document::object();
     /// Changes that are not on disk yet; an absent value is a removal.
     std::map<std::string, std::optional<Document>> unsaved_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <sys/types.h>
@@ -12,8 +13,20 @@ namespace vellmark {
 /// The direct children of `parent`, without zombies.
 std::vector<pid_t> directChildren(pid_t parent);
 
+/// The members of a process group, without zombies; absent when the table cannot be read (no
+/// descriptors left).
+std::optional<std::vector<pid_t>> processGroupMembers(pid_t group);
+
+/// A moment on the clock by which the system notes when a process began, in its own units.
+using ProcessTime = std::int64_t;
+/// May be asked where a signal handler may.
+ProcessTime processTimeNow();
+
 /// True when `pid` exists and is no zombie.
 bool isProcessAlive(pid_t pid);
+
+/// True when `pid` exists and stands still, as SIGSTOP makes it.
+bool isProcessStopped(pid_t pid);
 
 /// One process, remembered for good: a later process with the same number is never taken for it.
 /// Holds a descriptor on Linux, number and start time on macOS. Movable.
@@ -24,6 +37,9 @@ public:
     /// The same, and absent as well when `pid` is no child of `parent`.
     static std::optional<ProcessHandle> openChild(pid_t pid, pid_t parent);
 
+    /// Of the process that had the number at that moment: a later one began later.
+    static std::optional<ProcessHandle> openBegunBy(pid_t pid, ProcessTime time);
+
     ProcessHandle(ProcessHandle&&) noexcept;
     ProcessHandle& operator=(ProcessHandle&&) noexcept;
     ~ProcessHandle();
@@ -33,6 +49,8 @@ public:
     bool isAlive() const;
     /// Sends `number`; false when the process is gone or may not be signalled.
     bool signal(int number) const;
+    /// False for a zombie.
+    bool isInGroup(pid_t group) const;
     /// Handles of its direct children, without zombies; never those of a later process with its
     /// number.
     std::vector<ProcessHandle> directChildren() const;
@@ -46,5 +64,10 @@ private:
 /// Handles of the direct children of `parent`, without zombies. For who knows that the number is
 /// taken: a child of this program that has not been collected.
 std::vector<ProcessHandle> directChildHandles(pid_t parent);
+
+/// Handles of the members of a group, without zombies; absent when the table cannot be read. For
+/// who knows, or finds out afterwards, that the number was taken by the group meant: by a leader
+/// that has not been collected or by a living member.
+std::optional<std::vector<ProcessHandle>> groupMemberHandles(pid_t group);
 
 } // namespace vellmark

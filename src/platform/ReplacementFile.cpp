@@ -1,12 +1,14 @@
 #include "platform/ReplacementFile.h"
 
 #include "platform/PrivateDirectory.h"
+#include "platform/RegularFile.h"
 #include "platform/SystemError.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace vellmark {
@@ -17,15 +19,25 @@ namespace {
 
 constexpr std::size_t bufferSize = 1u << 16;
 
-fs::path behindLinks(const fs::path& file) {
+/// Also a link that leads nowhere yet. One that leads in circles stays a link.
+fs::path behindLinks(fs::path file) {
+    constexpr int mostLinks = 40;
     std::error_code error;
-    fs::path target = fs::weakly_canonical(file, error);
-    return error ? file : target;
+    for (int count = 0; count < mostLinks && fs::is_symlink(fs::symlink_status(file, error));
+         ++count) {
+        const fs::path target = fs::read_symlink(file, error);
+        if (error) {
+            break;
+        }
+        file = file.parent_path() / target;
+    }
+    return file;
 }
 
 /// Makes the rename itself survive a power loss. Not every file system can; the data is safe.
 void syncDirectory(const fs::path& directory) {
-    const Descriptor opened(::open(directory.c_str(), O_RDONLY | O_CLOEXEC));
+    const fs::path named = directory.empty() ? fs::path(".") : directory;
+    const Descriptor opened(::open(named.c_str(), O_RDONLY | O_CLOEXEC));
     if (opened.isOpen()) {
         ::fsync(opened.get());
     }
@@ -33,9 +45,23 @@ void syncDirectory(const fs::path& directory) {
 
 } // namespace
 
-ReplacementFile::ReplacementFile(const fs::path& target, Name name) : target_(behindLinks(target)) {
+ReplacementFile::ReplacementFile(const fs::path& target, Name name, Links links, Mode mode)
+    : target_(links == Links::followed ? behindLinks(target) : target) {
     error_ = makePrivateDirectory(target_.parent_path());
-    if (error_) {
+    if (!error_) {
+        open(name, mode);
+    }
+}
+
+void ReplacementFile::open(Name name, Mode mode) {
+    struct stat present {};
+    const bool exists = ::lstat(target_.c_str(), &present) == 0;
+    if (exists && !S_ISREG(present.st_mode)) {
+        error_ = notRegularFile();
+        return;
+    }
+    if (exists && (present.st_mode & S_IWUSR) == 0) {
+        error_ = std::make_error_code(std::errc::permission_denied);
         return;
     }
     if (name == Name::unique) {
@@ -43,11 +69,21 @@ ReplacementFile::ReplacementFile(const fs::path& target, Name name) : target_(be
         descriptor_.reset(::mkostemp(temporary_.data(), O_CLOEXEC));
     } else {
         temporary_ = target_.string() + ".new";
-        descriptor_.reset(::open(temporary_.c_str(),
-                                 O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600));
+        struct stat left {};
+        if (::lstat(temporary_.c_str(), &left) == 0) {
+            if (!S_ISREG(left.st_mode)) {
+                error_ = notRegularFile();
+                return;
+            }
+            ::unlink(temporary_.c_str());
+        }
+        descriptor_.reset(
+            ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     }
     if (!descriptor_.isOpen()) {
         error_ = lastSystemError();
+    } else if (exists && mode == Mode::kept) {
+        ::fchmod(descriptor_.get(), present.st_mode & 0777);
     }
 }
 

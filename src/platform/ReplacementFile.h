@@ -12,8 +12,9 @@ namespace vellmark {
 /// A file written bit by bit that takes the place of another one at once, or not at all: at any
 /// moment, also after a power loss, either the old or the new contents are there.
 ///
-/// It is written beside its target with mode 0600, synced and renamed. A symbolic link stays and
-/// its target is replaced. Missing directories are made (0700).
+/// It is written beside its target, synced and renamed, with the target's mode, 0600 where there is
+/// none. Missing directories are made (0700). What is no regular file is not replaced, nor is a
+/// file that its owner has made read-only.
 class ReplacementFile {
 public:
     /// What the file is called until it is committed.
@@ -22,7 +23,16 @@ public:
         fixed,  ///< what an interrupted process left is overwritten, so the caller holds a lock
     };
 
-    ReplacementFile(const std::filesystem::path& target, Name name);
+    /// What becomes of a symbolic link in the target's place.
+    enum class Links {
+        followed, ///< it stays, and what it leads to is replaced or made
+        refused,
+    };
+    /// The mode where there is a target already.
+    enum class Mode { kept, ownerAlone };
+
+    ReplacementFile(const std::filesystem::path& target, Name name, Links links,
+                    Mode mode = Mode::kept);
     /// Removes what was not committed.
     ~ReplacementFile();
     ReplacementFile(const ReplacementFile&) = delete;
@@ -33,6 +43,7 @@ public:
     std::error_code commit();
 
 private:
+    void open(Name name, Mode mode);
     void writeOut();
 
     std::filesystem::path target_;

@@ -6,4 +6,8 @@ namespace vellmark {
 /// leaves resident. Takes about a millisecond.
 void releaseUnusedMemory();
 
+/// For the start of a program that runs for days: freed heap memory beyond a few hundred kilobytes
+/// goes back at once, on whichever thread it was used.
+void keepLittleUnusedMemory();
+
 } // namespace vellmark

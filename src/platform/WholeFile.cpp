@@ -1,6 +1,7 @@
 #include "platform/WholeFile.h"
 
 #include "platform/Descriptor.h"
+#include "platform/RegularFile.h"
 #include "platform/ReplacementFile.h"
 #include "platform/SystemError.h"
 
@@ -40,8 +41,24 @@ std::optional<std::string> readToEnd(int descriptor, std::error_code& error, std
     return contents;
 }
 
-std::error_code replaceWholeFile(const std::filesystem::path& file, std::string_view contents) {
-    ReplacementFile replacement(file, ReplacementFile::Name::unique);
+std::optional<std::string> readRegularFile(const std::filesystem::path& file, std::size_t limit,
+                                           std::error_code& error) {
+    const Descriptor opened = openRegularFile(file, O_RDONLY, error);
+    if (!opened.isOpen()) {
+        return std::nullopt;
+    }
+    auto contents = readToEnd(opened.get(), error, limit + 1);
+    if (contents && contents->size() > limit) {
+        error = std::make_error_code(std::errc::file_too_large);
+        return std::nullopt;
+    }
+    return contents;
+}
+
+std::error_code replaceWholeFile(const std::filesystem::path& file, std::string_view contents,
+                                 ReplacementFile::Mode mode) {
+    ReplacementFile replacement(file, ReplacementFile::Name::unique,
+                                ReplacementFile::Links::followed, mode);
     replacement.write(contents);
     return replacement.commit();
 }

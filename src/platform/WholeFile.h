@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/ReplacementFile.h"
+
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -17,7 +19,13 @@ std::optional<std::string> readWholeFile(const std::filesystem::path& file, std:
 std::optional<std::string> readToEnd(int descriptor, std::error_code& error,
                                      std::size_t limit = std::string::npos);
 
-/// Replaces `file` by `contents`, by way of a ReplacementFile of unique name.
-std::error_code replaceWholeFile(const std::filesystem::path& file, std::string_view contents);
+/// The contents of one of the program's own files: never blocks, and a file longer than `limit` is
+/// an error (std::errc::file_too_large), as is whatever is no regular file; see openRegularFile.
+std::optional<std::string> readRegularFile(const std::filesystem::path& file, std::size_t limit,
+                                           std::error_code& error);
+
+/// Replaces `file`, or what it links to, by `contents`, by way of a ReplacementFile of unique name.
+std::error_code replaceWholeFile(const std::filesystem::path& file, std::string_view contents,
+                                 ReplacementFile::Mode mode = ReplacementFile::Mode::kept);
 
 } // namespace vellmark

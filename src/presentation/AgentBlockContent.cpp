@@ -1,6 +1,8 @@
 #include "presentation/AgentBlockContent.h"
 
+#include "model/UsageRules.h"
 #include "model/UsageTexts.h"
+#include "presentation/AgentStanding.h"
 #include "text/Formatting.h"
 #include "text/TerminalText.h"
 
@@ -16,6 +18,7 @@ WayOut wayOut(const UsageProviderError& error) {
     case Kind::executableMissing:
         return WayOut::install;
     case Kind::claudeNotLoggedIn:
+    case Kind::codexNotLoggedIn:
     case Kind::antigravityNotLoggedIn:
         return WayOut::logIn;
     case Kind::antigravityIneligible:
@@ -41,13 +44,23 @@ std::string_view buttonKey(WayOut wayOut) {
     return {};
 }
 
-FailureContent failureContent(const UsageProviderError& error, const Localization& words) {
+/// `restsUntil`: when the agent is asked again by itself, where that is later than usual.
+FailureContent failureContent(const UsageProviderError& error, std::optional<Instant> restsUntil,
+                              Instant now, const Localization& words) {
     const WayOut way = wayOut(error);
-    return {
+    FailureContent failure{
         .reason = error.message(words), .wayOut = way, .buttonTitle = words.text(buttonKey(way))};
+    if (restsUntil && *restsUntil > now) {
+        if (!failure.reason.ends_with('.'))
+            failure.reason += ".";
+        failure.reason +=
+            " " + words.format("popover.failure.next", {instantText(*restsUntil, now, words)});
+    }
+    return failure;
 }
 
-AgentBlockContent::State blockState(const AgentUsageSnapshot& snapshot) {
+AgentBlockContent::State blockState(const AgentUsageSnapshot& snapshot,
+                                    const AgentStanding& standing) {
     const bool hasFigures = !snapshot.windows.empty() || !snapshot.balances.empty();
     if (snapshot.error)
         return hasFigures ? AgentBlockContent::State::stale : AgentBlockContent::State::failed;
@@ -59,7 +72,7 @@ AgentBlockContent::State blockState(const AgentUsageSnapshot& snapshot) {
     case SnapshotSource::live:
         break;
     }
-    return AgentBlockContent::State::live;
+    return standing.isOld ? AgentBlockContent::State::stale : AgentBlockContent::State::live;
 }
 
 BalanceRowContent balanceRow(const BalanceInfo& balance, const Localization& words) {
@@ -78,10 +91,52 @@ BalanceRowContent creditRow(const CreditInfo& credit, const Localization& words)
     return row;
 }
 
-/// When the shown figures were read.
-Instant readingTime(const AgentUsageSnapshot& snapshot, const UsageState& state) {
-    const auto success = state.lastSuccess.find(snapshot.id);
-    return success != state.lastSuccess.end() ? success->second : snapshot.updatedAt;
+/// What has been reached, where the windows do not tell when it will be over.
+std::string_view reachedKey(const UsageAllowance& allowance) {
+    struct Reached {
+        std::string_view type;
+        std::string_view key;
+    };
+    static constexpr Reached kinds[] = {
+        {"workspace_owner_credits_depleted", "allowance.reached.credits"},
+        {"workspace_member_credits_depleted", "allowance.reached.credits"},
+        {"workspace_owner_usage_limit_reached", "allowance.reached.workspaceLimit"},
+        {"workspace_member_usage_limit_reached", "allowance.reached.workspaceLimit"},
+        {"spend_control_reached", "allowance.reached.spendingLimit"},
+    };
+    for (const Reached& kind : kinds) {
+        if (allowance.reachedType == kind.type)
+            return kind.key;
+    }
+    return "allowance.usedUp.forNow";
+}
+
+/// "Used up", "Codex refuses until 4:15 PM".
+BalanceRowContent usedUpRow(const AgentUsageSnapshot& snapshot, Instant now,
+                            const Localization& words) {
+    const std::string name = agentShortName(snapshot.id, words);
+    const std::optional<Instant> until = usedUpUntil(snapshot, now);
+    return {.label = words.text("allowance.usedUp"),
+            .value = {},
+            .detail = until ? words.format("allowance.usedUp.until",
+                                           {name, instantText(*until, now, words)})
+                            : words.format(reachedKey(*snapshot.allowance), {name}),
+            .warns = true};
+}
+
+/// "Banked resets", "2", "· next expires on Nov 26, 5:20 PM".
+BalanceRowContent bankedResetsRow(const UsageAllowance& allowance, Instant now,
+                                  const Localization& words) {
+    BalanceRowContent row{.label = words.text("allowance.bankedResets"),
+                          .value = integerText(*allowance.bankedResets, words),
+                          .detail = {}};
+    if (const auto& expiry = allowance.bankedResetExpiresAt; expiry && *expiry > now) {
+        const bool isToday = isSameDay(*expiry, now, words);
+        row.detail = words.format(isToday ? "allowance.bankedResets.expiresAt"
+                                          : "allowance.bankedResets.expiresOn",
+                                  {instantText(*expiry, now, words)});
+    }
+    return row;
 }
 
 std::string sourceText(const AgentUsageSnapshot& snapshot, Instant readAt, Instant now,
@@ -92,10 +147,12 @@ std::string sourceText(const AgentUsageSnapshot& snapshot, Instant readAt, Insta
     const Seconds age = now - readAt;
     if (age < Seconds(60))
         return words.format("popover.source.justNow", {source});
-    return words.format("popover.source", {roughDurationText(age, words), source});
+    return words.format(snapshot.mayBeNewer ? "popover.source.atMost" : "popover.source",
+                        {roughDurationText(age, words), source});
 }
 
-void setStatus(AgentBlockContent& block, Instant readAt, Instant now, const Localization& words,
+void setStatus(AgentBlockContent& block, const AgentUsageSnapshot& snapshot,
+               const AgentStanding& standing, Instant now, const Localization& words,
                std::string_view loadingKey) {
     switch (block.state) {
     case AgentBlockContent::State::loading:
@@ -103,28 +160,37 @@ void setStatus(AgentBlockContent& block, Instant readAt, Instant now, const Loca
         block.dot = StatusColorRole::refreshing;
         return;
     case AgentBlockContent::State::stale:
-        block.statusText = words.format(
-            "popover.stale", {roughDurationText(std::max(now - readAt, Seconds(0)), words)});
+        block.statusText = ageText(snapshot, standing.readAt, now, words);
         block.showsClock = true;
         return;
     case AgentBlockContent::State::live:
     case AgentBlockContent::State::failed:
-        block.statusText = healthText(block.health, words);
+        block.statusText =
+            standing.isDue() ? words.text("health.due") : healthText(block.health, words);
         block.dot = statusColorRole(block.health);
         return;
     }
 }
 
 void addRows(AgentBlockContent& block, const AgentUsageSnapshot& snapshot, const UsageState& state,
-             Instant now, const Localization& words) {
-    const bool isStale = block.state == AgentBlockContent::State::stale;
-    for (const UsageWindow& window : snapshot.windows)
-        block.rows.push_back(usageRowContent(
-            window, isStale, state.recentPointsOf(snapshot.id, window.id), now, words));
-    for (const BalanceInfo& balance : snapshot.balances)
-        block.balances.push_back(balanceRow(balance, words));
+             const AgentStanding& standing, Instant now, const Localization& words) {
+    for (std::size_t index = 0; index < snapshot.windows.size(); ++index) {
+        const UsageWindow& window = snapshot.windows[index];
+        block.rows.push_back(usageRowContent(window, standing.windows[index],
+                                             state.recentPointsOf(snapshot.id, window.id), now,
+                                             words));
+    }
+    if (isUsedUp(snapshot))
+        block.balances.push_back(usedUpRow(snapshot, now, words));
+    for (const BalanceInfo& balance : snapshot.balances) {
+        // The credit line tells the same in the agent's own words.
+        if (balance.id != extraUsageBalanceID || !snapshot.credit)
+            block.balances.push_back(balanceRow(balance, words));
+    }
     if (snapshot.credit)
         block.balances.push_back(creditRow(*snapshot.credit, words));
+    if (snapshot.allowance && snapshot.allowance->bankedResets.value_or(0) > 0)
+        block.balances.push_back(bankedResetsRow(*snapshot.allowance, now, words));
 }
 
 /// "Session: 46% left. Resets in 2 h 12 min · 5:00 PM. Week: …"
@@ -149,16 +215,27 @@ std::string figuresText(const AgentBlockContent& block, const Localization& word
 int expectedRows(const AgentProviderID& id) {
     const ProviderDescriptor* descriptor = providerDescriptor(id);
     const std::size_t kinds = descriptor ? descriptor->windowKinds.size() : 0;
-    return static_cast<int>(std::clamp<std::size_t>(kinds, 2, 4));
+    // An agent that knows more kinds names a window for each pool of models, not for each kind.
+    return static_cast<int>(std::clamp<std::size_t>(kinds, 2, 3));
 }
 
-/// How long each part of the reading took is for the log alone.
+/// What is doubtful about the reading, and what the agent told beside it. How it was read and how
+/// long that took is for the log alone.
 std::vector<std::string> notesOf(const AgentUsageSnapshot& snapshot, const Localization& words) {
     std::vector<std::string> notes;
+    bool saysWhatIsMissing = false;
     for (const SnapshotNote& note : snapshot.notes) {
-        if (const auto* missing = std::get_if<SnapshotNote::ClaudeEndMarkerMissing>(&note.value))
+        if (const auto* missing = std::get_if<SnapshotNote::ClaudeEndMarkerMissing>(&note.value)) {
+            saysWhatIsMissing = true;
             notes.push_back(words.format("log.claude.endMarkerMissing", {missing->variant}));
+        } else if (const auto* untold = std::get_if<SnapshotNote::AgeNotTold>(&note.value)) {
+            notes.push_back(words.format("log.agent.ageNotTold", {singleLine(untold->version)}));
+        } else if (const auto* said = std::get_if<SnapshotNote::AgentSays>(&note.value)) {
+            notes.push_back(words.format("log.agent.says", {singleLine(said->text)}));
+        }
     }
+    if (snapshot.isIncomplete && !saysWhatIsMissing)
+        notes.push_back(words.text("popover.incomplete"));
     return notes;
 }
 
@@ -182,24 +259,25 @@ std::optional<UsageHealth> badgeOf(UsageHealth health) {
 AgentBlockContent agentBlockContent(const AgentUsageSnapshot& snapshot, const UsageState& state,
                                     Instant now, const Localization& words,
                                     std::string_view loadingKey) {
+    const AgentStanding standing = standingOf(snapshot, state, now);
     AgentBlockContent block{.id = snapshot.id,
                             .name = agentShortName(snapshot.id, words),
-                            .plan = snapshot.plan.value_or(""),
+                            .plan = planText(snapshot),
                             .account = snapshot.accountLabel.value_or(""),
-                            .state = blockState(snapshot),
-                            .health = health(snapshot, now)};
-    const Instant readAt = readingTime(snapshot, state);
-    setStatus(block, readAt, now, words, loadingKey);
+                            .state = blockState(snapshot, standing),
+                            .health = standing.health};
+    setStatus(block, snapshot, standing, now, words, loadingKey);
     if (block.state == AgentBlockContent::State::loading)
         block.boneRows = expectedRows(snapshot.id);
     else
-        addRows(block, snapshot, state, now, words);
+        addRows(block, snapshot, state, standing, now, words);
     block.notes = notesOf(snapshot, words);
     if (snapshot.error)
-        block.failure = failureContent(*snapshot.error, words);
+        block.failure =
+            failureContent(*snapshot.error, state.restsUntilOf(snapshot.id), now, words);
     if (block.state == AgentBlockContent::State::live ||
         block.state == AgentBlockContent::State::stale)
-        block.sourceText = sourceText(snapshot, readAt, now, words);
+        block.sourceText = sourceText(snapshot, standing.readAt, now, words);
 
     block.accessibilityText =
         words.format("popover.agent.accessibility", {block.name, block.statusText});

@@ -24,13 +24,16 @@ struct FailureContent {
     bool operator==(const FailureContent&) const = default;
 };
 
-/// "Credits", "$16.80 left", "of $20.00"; or a credit line in the agent's own words.
+/// What an agent tells beside its windows: "Credits", "$16.80 left", "of $20.00"; a credit line in
+/// its own words; that it refuses to work, and until when; the resets in hand.
 struct BalanceRowContent {
     std::string label;
     /// In the type of values; may be empty.
     std::string value;
     /// In small type beside the value; may be empty.
     std::string detail;
+    /// The user cannot go on: the label is in the colour of what is critical.
+    bool warns = false;
 
     bool operator==(const BalanceRowContent&) const = default;
 };
@@ -41,7 +44,7 @@ struct AgentBlockContent {
     enum class State {
         loading, ///< no reading yet: bones in place of the rows
         live,
-        stale,  ///< the last reading, with its age; `failure` tells why
+        stale,  ///< an old reading, with its age; `failure` tells why where that is known
         failed, ///< no figures; `failure` tells why
     };
     AgentProviderID id;
@@ -51,8 +54,8 @@ struct AgentBlockContent {
     std::string account;
     State state = State::loading;
     UsageHealth health = UsageHealth::unavailable;
-    /// At the end of the head: the health's word, "Reading values …", or "34 min old" (which has
-    /// the icon "clock" in place of the dot).
+    /// At the end of the head: the health's word, "Reset due", "Reading values …", or "34 min old"
+    /// (which has the icon "clock" in place of the dot).
     std::string statusText;
     StatusColorRole dot = StatusColorRole::none;
     bool showsClock = false;

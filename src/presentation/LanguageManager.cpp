@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::string_view preferenceKey = "AppLanguage";
 constexpr std::string_view systemSetting = "system";
-constexpr const char* fallback = "de";
+constexpr const char* fallback = "en";
 
 bool isSpoken(std::string_view code) {
     return code == "de" || code == "en";

@@ -10,9 +10,9 @@
 
 namespace vellmark {
 
-/// The words of `language` ("de", "en"; empty for the user's own; German where neither is spoken),
-/// with the user's formats where they are of that language: another's would mix the two in one
-/// sentence.
+/// The words of `language` ("de", "en"; empty for the user's own; English where the catalog lacks
+/// that), with the user's formats where they are of that language: another's would mix the two in
+/// one sentence.
 Localization localizationFor(const UserLocale& user, const std::string& language);
 
 /// The language of the application: the system's, or one the user has chosen, kept under

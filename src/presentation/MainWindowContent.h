@@ -16,8 +16,11 @@ struct SidebarItem {
     AgentPage page;
     /// A symbol's name; empty for an agent, which shows its logo.
     std::string icon;
-    /// The least that is left of the agent's windows ("16% left"); may be empty.
+    /// The least that is left of the agent's windows ("16% left"), "Used up" or "Reset due"; of old
+    /// figures the age ("34 min old"), for which alone there is room. May be empty.
     std::string value;
+    /// What `value` has no room for: old figures.
+    std::string help;
     /// On the logo.
     std::optional<UsageHealth> badge;
     std::string accessibilityText;

@@ -2,6 +2,7 @@
 
 #include "model/UsageTexts.h"
 #include "presentation/AgentBlockContent.h"
+#include "presentation/AgentStanding.h"
 #include "presentation/UsageVerdict.h"
 #include "text/Formatting.h"
 
@@ -17,18 +18,43 @@ StatusColorRole statusItemColor(const UsageState& state, Instant now) {
     return statusColorRole(worstHealth(state, now));
 }
 
+namespace {
+
+/// With the age of the window that the glyph means, where its figures are old.
+std::string withAge(const std::string& text, const MenuBarGlyph& glyph, const UsageState& state,
+                    Instant now, const Localization& words) {
+    for (const AgentUsageSnapshot& snapshot : state.snapshots) {
+        if (snapshot.id != glyph.providerID)
+            continue;
+        const AgentStanding standing = standingOf(snapshot, state, now);
+        for (std::size_t index = 0; index < snapshot.windows.size(); ++index) {
+            if (snapshot.windows[index].id != glyph.windowID)
+                continue;
+            const std::string age = ageText(snapshot, standing.windows[index], now, words);
+            return age.empty() ? text : words.format("statusItem.tooltip.aged", {text, age});
+        }
+    }
+    return text;
+}
+
+} // namespace
+
 std::string statusItemToolTip(const MenuBarGlyph& glyph, const UsageState& state, Instant now,
                               const Localization& words) {
     const std::string app = words.text("app.name");
     if (!glyph.usedPercent || !glyph.providerID || !glyph.windowID)
         return words.format("statusItem.tooltip", {app, overallStatusText(state, now, words)});
     const std::string agent = agentName(*glyph.providerID, words);
-    const std::string window = windowLabel(*glyph.windowID, words, true);
+    const UsageWindow* const shown = state.window(*glyph.providerID, *glyph.windowID);
+    const std::string window = shown != nullptr ? windowLabel(*shown, words, true)
+                                                : windowLabel(*glyph.windowID, words, true);
     const std::string used = percentText(*glyph.usedPercent, words);
-    if (!glyph.elapsedPercent)
-        return words.format("statusItem.tooltip.window.noTime", {app, agent, window, used});
-    return words.format("statusItem.tooltip.window",
-                        {app, agent, window, used, percentText(*glyph.elapsedPercent, words)});
+    const std::string text =
+        glyph.elapsedPercent
+            ? words.format("statusItem.tooltip.window",
+                           {app, agent, window, used, percentText(*glyph.elapsedPercent, words)})
+            : words.format("statusItem.tooltip.window.noTime", {app, agent, window, used});
+    return withAge(text, glyph, state, now, words);
 }
 
 StatusItemContent statusItemContent(const UsageState& state, Instant now,

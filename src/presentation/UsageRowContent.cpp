@@ -10,12 +10,17 @@ namespace {
 
 constexpr double full = 100;
 
-UsageBarContent barContent(const UsageWindow& window, bool isStale, Instant now, double left,
+bool isMuted(const WindowStanding& standing) {
+    return standing.isOld || standing.health == UsageHealth::unavailable;
+}
+
+UsageBarContent barContent(const UsageWindow& window, const WindowStanding& standing,
                            const std::optional<double>& elapsed, const Localization& words) {
+    const double left = std::max(remainingPercent(window), 0.0);
     UsageBarContent bar{.filledShare = std::min(left, full) / full,
                         .usedShare = std::clamp(window.usedPercent, 0.0, full) / full,
-                        .health = health(window, now),
-                        .isStale = isStale};
+                        .health = standing.health,
+                        .isStale = isMuted(standing)};
     const std::string leftText = percentText(left, words);
     const std::string usedText = percentText(window.usedPercent, words);
     if (elapsed) {
@@ -28,43 +33,64 @@ UsageBarContent barContent(const UsageWindow& window, bool isStale, Instant now,
     return bar;
 }
 
-/// A quota that runs out before its reset gets a line; `healthy` windows miss it by a little.
-std::optional<ForecastLineContent> forecastLine(const Forecast& outlook, const UsageWindow& window,
-                                                Instant now, const Localization& words) {
-    if (!outlook.emptyAt)
-        return std::nullopt;
-    return ForecastLineContent{.text = forecastText(outlook, window, now, words),
-                               .briefText = forecastText(outlook, window, now, words, true),
-                               .tone = health(window, now)};
+std::string resetLine(const UsageWindow& window, const WindowStanding& standing, Instant now,
+                      const Localization& words) {
+    using Kind = WindowStanding::Kind;
+    // What is used up stays so, however old the figures are, and what is due is not confirmed.
+    if (standing.kind == Kind::usedUp)
+        return usedUpText(window, now, words);
+    if (standing.kind == Kind::due)
+        return resetText(window, now, words);
+    std::string line = standing.kind == Kind::held ? waitingText(*standing.holder, words)
+                       : window.resetsAt           ? resetText(window, now, words)
+                                                   : words.text("popover.reset.unknown");
+    if (!window.readAt || *window.readAt >= now)
+        return line;
+    // Beside the age there is no room for a span.
+    if (standing.kind == Kind::counts && window.resetsAt)
+        line = words.format("usage.reset.at", {instantText(*window.resetsAt, now, words)});
+    return line + " · " +
+           words.format("popover.stale", {roughDurationText(now - *window.readAt, words)});
+}
+
+/// Planning and forecast: of a window that counts.
+void addOutlook(UsageRowContent& row, const UsageWindow& window, const WindowStanding& standing,
+                std::span<const UsagePoint> recent, Instant now, const Localization& words) {
+    if (const std::optional<Planning> plan = planning(window, standing.judgedAt))
+        row.planning = planningText(*plan, words);
+    const std::optional<Forecast> outlook = forecast(window, standing.judgedAt, recent);
+    if (!outlook)
+        return;
+    row.outlook = forecastText(*outlook, window, now, words);
+    // A quota that runs out before its reset gets a line; `healthy` windows miss it by a little.
+    if (outlook->emptyAt)
+        row.forecast =
+            ForecastLineContent{.text = row.outlook,
+                                .briefText = forecastText(*outlook, window, now, words, true),
+                                .tone = standing.health};
 }
 
 } // namespace
 
-UsageRowContent usageRowContent(const UsageWindow& window, bool isStale,
+UsageRowContent usageRowContent(const UsageWindow& window, const WindowStanding& standing,
                                 std::span<const UsagePoint> recent, Instant now,
                                 const Localization& words) {
-    const double left = std::max(remainingPercent(window), 0.0);
-    const std::optional<double> elapsed = elapsedPercent(window, now);
-
+    using Kind = WindowStanding::Kind;
+    const std::optional<double> elapsed = elapsedPercent(window, standing.judgedAt);
     UsageRowContent row{.windowID = window.id,
-                        .label = windowLabel(window.id, words, true),
-                        .fullLabel = windowLabel(window.id, words),
-                        .figure = percentText(left, words),
+                        .label = windowLabel(window, words, true),
+                        .fullLabel = windowLabel(window, words),
+                        .figure = percentText(std::max(remainingPercent(window), 0.0), words),
                         .figureWord = words.text("usage.remaining.word"),
-                        .bar = barContent(window, isStale, now, left, elapsed, words),
-                        .reset = resetText(window, now, words),
-                        .isStale = isStale};
+                        .bar = barContent(window, standing, elapsed, words),
+                        .reset = resetLine(window, standing, now, words),
+                        .isUsedUp = standing.kind == Kind::usedUp,
+                        .isMuted = isMuted(standing)};
     row.value = words.format("usage.remaining", {row.figure});
-    if (row.reset.empty())
-        row.reset = words.text("popover.reset.unknown");
     if (elapsed)
         row.elapsed = words.format("usage.elapsed", {percentText(*elapsed, words)});
-    if (const std::optional<Planning> plan = planning(window, now))
-        row.planning = planningText(*plan, words);
-    if (const std::optional<Forecast> outlook = forecast(window, now, recent)) {
-        row.forecast = forecastLine(*outlook, window, now, words);
-        row.outlook = forecastText(*outlook, window, now, words);
-    }
+    if (standing.kind == Kind::counts)
+        addOutlook(row, window, standing, recent, now, words);
     row.accessibilityText = words.format("usage.accessibility",
                                          {row.fullLabel, percentText(window.usedPercent, words)});
     row.accessibilityDetail = row.reset;

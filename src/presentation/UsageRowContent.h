@@ -1,7 +1,7 @@
 #pragma once
 
-#include "model/UsageRules.h"
 #include "model/UsageWindow.h"
+#include "presentation/AgentStanding.h"
 #include "text/Localization.h"
 
 #include <optional>
@@ -18,9 +18,9 @@ struct UsageBarContent {
     double usedShare = 0;
     /// Where the fill would end at an even pace; absent without a reset time.
     std::optional<double> paceMark;
-    /// The colour of the fill.
+    /// The colour of the fill; `unavailable` is grey.
     UsageHealth health = UsageHealth::healthy;
-    /// Drawn faintly, because the figures are old.
+    /// Drawn faintly: see `UsageRowContent::isMuted`.
     bool isStale = false;
     /// Left, used and elapsed in words.
     std::string toolTip;
@@ -52,16 +52,21 @@ struct UsageRowContent {
     std::string figure;
     std::string figureWord;
     UsageBarContent bar;
-    /// Never empty: "Resets in …", "Reset due at …, not confirmed", "No reset time".
+    /// Never empty: "Resets in …", "Reset due at …, not confirmed", "Reset time unknown", "Used up
+    /// · back …", "Waits for the week". With the age of a window that is older than the rest of the
+    /// reading.
     std::string reset;
-    /// "10 points below plan"; empty without grounds.
+    /// Nothing is left: `reset` is a warning, and there is no forecast.
+    bool isUsedUp = false;
+    /// "10 points short"; empty without grounds.
     std::string planning;
     std::optional<ForecastLineContent> forecast;
     /// "Lasts until the reset" or the forecast's text; empty without grounds.
     std::string outlook;
     /// "71% of the time elapsed"; empty without a reset time.
     std::string elapsed;
-    bool isStale = false;
+    /// The figures are old, no longer true, or of no use for now: they are not shown brightly.
+    bool isMuted = false;
     /// Name of the row or bar for assistive software; the detail is its description.
     std::string accessibilityText;
     std::string accessibilityDetail;
@@ -69,7 +74,7 @@ struct UsageRowContent {
     bool operator==(const UsageRowContent&) const = default;
 };
 
-UsageRowContent usageRowContent(const UsageWindow& window, bool isStale,
+UsageRowContent usageRowContent(const UsageWindow& window, const WindowStanding& standing,
                                 std::span<const UsagePoint> recent, Instant now,
                                 const Localization& words);
 

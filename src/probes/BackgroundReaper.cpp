@@ -2,8 +2,8 @@
 
 #include "platform/ChildPipes.h"
 #include "probes/BackgroundThread.h"
-#include "probes/ChildLimit.h"
 
+#include <algorithm>
 #include <exception>
 #include <list>
 #include <mutex>
@@ -15,6 +15,8 @@ namespace vellmark {
 namespace {
 
 constexpr Seconds killGrace{3};
+/// How often, in milliseconds, is looked whether those who outlive their parent have gone.
+constexpr int survivorStep = 100;
 
 class Reaper {
 public:
@@ -24,12 +26,12 @@ public:
         return *only;
     }
 
-    void adopt(LaunchedChild& child) {
+    void adopt(LaunchedChild& child, std::unique_ptr<ChildLimit>& limit) {
         {
             // One step for `work`, which must not collect a child that is still in the registry.
             const std::lock_guard hold(lock_);
             startOnce();
-            wards_.emplace_back(child);
+            wards_.push_back({std::move(child), std::move(limit)});
             wards_.back().child.handOver();
         }
         writeWithoutSignal(wake_->writeEnd.get(), "+");
@@ -45,11 +47,9 @@ public:
 
 private:
     struct Ward {
-        explicit Ward(LaunchedChild& adopted)
-            : limit(adopted.pid(), Seconds::zero(), killGrace), child(std::move(adopted)) {}
-
-        ChildLimit limit;
         LaunchedChild child;
+        std::unique_ptr<ChildLimit> limit; ///< destroyed first: the child is not collected then
+        bool hasEnded = false;
     };
 
     void startOnce() {
@@ -67,7 +67,8 @@ private:
     [[noreturn]] void work() {
         for (;;) {
             auto events = awaitedEvents();
-            if (::poll(events.data(), static_cast<nfds_t>(events.size()), -1) <= 0)
+            const int timeout = areSurvivorsAwaited() ? survivorStep : -1;
+            if (::poll(events.data(), static_cast<nfds_t>(events.size()), timeout) < 0)
                 continue;
             if (events.front().revents != 0) {
                 char ignored[64];
@@ -82,17 +83,24 @@ private:
         const std::lock_guard hold(lock_);
         std::vector<pollfd> events{{wake_->readEnd.get(), POLLIN, 0}};
         for (const Ward& ward : wards_)
-            events.push_back({ward.child.endDescriptor(), POLLIN, 0});
+            if (!ward.hasEnded)
+                events.push_back({ward.child.endDescriptor(), POLLIN, 0});
         return events;
+    }
+
+    bool areSurvivorsAwaited() {
+        const std::lock_guard hold(lock_);
+        return std::ranges::any_of(wards_, &Ward::hasEnded);
     }
 
     void collectEnded() {
         const std::lock_guard hold(lock_);
         std::erase_if(wards_, [](Ward& ward) {
             pollfd end{ward.child.endDescriptor(), POLLIN, 0};
-            if (::poll(&end, 1, 0) <= 0)
+            ward.hasEnded = ward.hasEnded || ::poll(&end, 1, 0) > 0;
+            if (!ward.hasEnded || ward.limit->hasSurvivors())
                 return false;
-            ward.limit.cancel();
+            ward.limit.reset();
             ward.child.collect();
             return true;
         });
@@ -107,9 +115,19 @@ private:
 
 void BackgroundReaper::adopt(LaunchedChild child) noexcept {
     try {
-        Reaper::shared().adopt(child);
+        auto limit = std::make_unique<ChildLimit>(child.pid(), Seconds::zero(), killGrace);
+        adopt(std::move(child), std::move(limit));
     } catch (const std::exception&) {
         // `child` is still here and ends with this scope.
+    }
+}
+
+void BackgroundReaper::adopt(LaunchedChild child, std::unique_ptr<ChildLimit> limit) noexcept {
+    try {
+        Reaper::shared().adopt(child, limit);
+    } catch (const std::exception&) {
+        // The same; its limit goes before it.
+        limit.reset();
     }
 }
 

@@ -1,17 +1,17 @@
 #include "probes/BoundedProcess.h"
 
+#include "platform/ChildPipes.h"
 #include "platform/ProcessTable.h"
 #include "probes/BackgroundReaper.h"
 #include "probes/ChildLimit.h"
+#include "probes/ChildOutputs.h"
 #include "probes/LaunchedChild.h"
-#include "probes/OutputCapture.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <iterator>
+#include <memory>
 #include <optional>
-#include <poll.h>
 #include <signal.h>
 #include <thread>
 #include <unistd.h>
@@ -27,103 +27,19 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds readingAfterEnd{100};
 constexpr std::chrono::milliseconds terminationStep{50};
 
-/// Where a child's output goes and what of it is captured.
-class Outputs {
-public:
-    explicit Outputs(const ChildConfiguration& configuration) {
-        output_ = prepare(configuration.standardOutput, streams_.output);
-        if (configuration.mergesStandardError)
-            streams_.error = streams_.output;
-        else
-            error_ = prepare(configuration.standardError, streams_.error);
-    }
-
-    const ChildStreams& streams() const { return streams_; }
-
-    void closeChildEnds() {
-        forEach([](OutputCapture& capture) { capture.closeChildEnd(); });
-    }
-
-    /// Reads until `end` is readable, but not beyond `deadline`. True when it is readable.
-    bool drainUntil(int end, std::optional<Clock::time_point> deadline = std::nullopt) {
-        do {
-            auto events = awaited(end);
-            if (::poll(events.data(), events.size(), deadline ? pollTimeout(*deadline) : -1) < 0)
-                continue;
-            drainReady(events);
-            if (events[2].revents != 0)
-                return true;
-        } while (!deadline || Clock::now() < *deadline);
-        return false;
-    }
-
-    /// Reads to the end of the streams, but not beyond `deadline`.
-    void drainUntil(Clock::time_point deadline) {
-        while (!haveEnded() && Clock::now() < deadline) {
-            auto events = awaited(-1);
-            ::poll(events.data(), events.size(), pollTimeout(deadline));
-            drainReady(events);
-        }
-    }
-
-    std::string takeOutput() { return output_ ? output_->takeText() : std::string(); }
-    std::string takeError() { return error_ ? error_->takeText() : std::string(); }
-
-private:
-    using Events = std::array<pollfd, 3>;
-
-    static int pollTimeout(Clock::time_point deadline) {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
-        return std::max(static_cast<int>(left.count()), 0);
-    }
-
-    static std::optional<OutputCapture> prepare(const ChildOutput& wanted, int& stream) {
-        if (wanted.kind == ChildOutput::Kind::descriptor)
-            stream = wanted.descriptor;
-        if (wanted.kind != ChildOutput::Kind::capture)
-            return std::nullopt;
-        std::optional<OutputCapture> capture(std::in_place, wanted.limit,
-                                             OutputCapture::Part::beginning);
-        stream = capture->childEnd();
-        return capture;
-    }
-
-    template<typename Action>
-    void forEach(Action action) {
-        for (auto* const capture : {&output_, &error_})
-            if (*capture)
-                action(**capture);
-    }
-
-    bool haveEnded() {
-        bool ended = true;
-        forEach([&ended](const OutputCapture& capture) { ended = ended && capture.hasEnded(); });
-        return ended;
-    }
-
-    Events awaited(int end) const {
-        const auto descriptor = [](const std::optional<OutputCapture>& capture) {
-            return capture ? capture->descriptor() : -1;
-        };
-        return {pollfd{descriptor(output_), POLLIN, 0}, pollfd{descriptor(error_), POLLIN, 0},
-                pollfd{end, POLLIN, 0}};
-    }
-
-    void drainReady(const Events& events) {
-        if (events[0].revents != 0)
-            output_->drain();
-        if (events[1].revents != 0)
-            error_->drain();
-    }
-
-    ChildStreams streams_;
-    std::optional<OutputCapture> output_;
-    std::optional<OutputCapture> error_;
-};
+/// The read end of a pipe that holds `text` and has no writer any more; closed for an empty text.
+Descriptor filledPipe(const std::string& text) {
+    if (text.empty())
+        return {};
+    Pipe pipe = makePipe();
+    if (writeWithoutSignal(pipe.writeEnd.get(), text) != static_cast<ssize_t>(text.size()))
+        throw std::system_error(std::make_error_code(std::errc::io_error), "pipe");
+    return std::move(pipe.readEnd);
+}
 
 /// The direct children of `child`, as soon as it has some; none when it ends before. Looks at
 /// growing distances, since an interpreter starts its program at once or much later.
-std::vector<ProcessHandle> awaitDirectChildren(const LaunchedChild& child, Outputs& outputs) {
+std::vector<ProcessHandle> awaitDirectChildren(const LaunchedChild& child, ChildOutputs& outputs) {
     std::chrono::milliseconds distance{100};
     for (;; distance *= 2) {
         if (outputs.drainUntil(child.endDescriptor(), Clock::now() + distance))
@@ -133,51 +49,56 @@ std::vector<ProcessHandle> awaitDirectChildren(const LaunchedChild& child, Outpu
     }
 }
 
-/// A child that is stopped at termination, and its direct children.
-struct Family {
-    /// Absent when the child has been collected; its number means nothing any more then.
-    std::optional<ProcessHandle> child;
-    std::vector<ProcessHandle> directChildren;
-
-    explicit Family(pid_t pid) : child(ProcessHandle::openChild(pid, getpid())) {
-        if (!child)
-            return;
-        directChildren = signalled(child->directChildren(), SIGTERM);
-        child->signal(SIGTERM);
-    }
-
-    bool isChildAlive() const { return child && child->isAlive(); }
-
-    void kill() {
-        if (child)
-            std::ranges::move(child->directChildren(), std::back_inserter(directChildren));
-        for (const ProcessHandle& process : directChildren)
-            process.signal(SIGKILL);
-        if (child)
-            child->signal(SIGKILL);
-    }
-};
-
 bool isAnyAlive(const std::vector<ProcessHandle>& processes) {
     return std::ranges::any_of(processes, &ProcessHandle::isAlive);
 }
 
+/// A child that is stopped at termination. Others may collect it meanwhile, so that its number
+/// means nothing any more.
+class StoppedChild {
+public:
+    explicit StoppedChild(pid_t pid)
+        : pid_(pid), handle_(std::make_shared<std::optional<ProcessHandle>>(
+                         ProcessHandle::openChild(pid, getpid()))),
+          family_(pid, [handle = handle_](pid_t target, int number) {
+              // Another child of ours may have the number by now.
+              if (*handle && !(*handle)->signal(0))
+                  return false;
+              // Also without a descriptor for a handle, and also its group.
+              return RunningChildren::signal(target, number) ||
+                     (target > 0 && *handle && (*handle)->signal(number));
+          }) {
+        family_.tell();
+        for (const ProcessHandle& process : family_.told())
+            RunningChildren::attach(pid, process);
+    }
+
+    bool isAlive() const {
+        return *handle_ ? (*handle_)->isAlive() : RunningChildren::isRunning(pid_);
+    }
+    bool isFamilyAlive() const { return isAlive() || isAnyAlive(family_.told()); }
+    void kill() { family_.kill(); }
+
+private:
+    pid_t pid_;
+    std::shared_ptr<std::optional<ProcessHandle>> handle_;
+    ProcessFamily family_;
+};
+
 int stopAll(std::span<const pid_t> pids, const std::vector<ProcessHandle>& told, Seconds grace) {
-    std::vector<Family> families;
+    std::vector<StoppedChild> children;
     for (const pid_t pid : pids)
-        families.emplace_back(pid);
+        children.emplace_back(pid);
     const auto isAnythingAlive = [&] {
-        return isAnyAlive(told) || std::ranges::any_of(families, [](const Family& family) {
-                   return family.isChildAlive() || isAnyAlive(family.directChildren);
-               });
+        return isAnyAlive(told) || std::ranges::any_of(children, &StoppedChild::isFamilyAlive);
     };
     const auto start = Clock::now();
     while (Seconds(Clock::now() - start) < grace && isAnythingAlive())
         std::this_thread::sleep_for(terminationStep);
     int killed = 0;
-    for (Family& family : families) {
-        killed += family.isChildAlive() ? 1 : 0;
-        family.kill();
+    for (StoppedChild& child : children) {
+        killed += child.isAlive() ? 1 : 0;
+        child.kill();
     }
     for (const ProcessHandle& process : told)
         process.signal(SIGKILL);
@@ -186,32 +107,54 @@ int stopAll(std::span<const pid_t> pids, const std::vector<ProcessHandle>& told,
     return killed;
 }
 
+/// Collects an ended child, or leaves that to the reaper while someone lives who was told to stop
+/// with it or is told now.
+void letGo(LaunchedChild child, std::unique_ptr<ChildLimit> limit,
+           std::vector<ProcessHandle> leftBehind) {
+    if (!leftBehind.empty())
+        limit->stopLeftBehind(std::move(leftBehind));
+    if (limit->hasSurvivors()) {
+        BackgroundReaper::adopt(std::move(child), std::move(limit));
+    } else {
+        limit->cancel();
+        child.collect();
+    }
+}
+
 } // namespace
 
 BoundedProcessResult BoundedProcess::run(const ChildConfiguration& configuration, Seconds timeout,
                                          Seconds killGrace) {
     BoundedProcessResult result;
-    Outputs outputs(configuration);
+    ChildOutputs outputs(configuration);
+    Descriptor input = filledPipe(configuration.standardInput);
+    ChildStreams streams = outputs.streams();
+    streams.input = input.get();
     const auto launchStart = Clock::now();
-    LaunchedChild child(configuration, outputs.streams());
+    LaunchedChild child(configuration, streams);
     result.launch = Clock::now() - launchStart;
+    input.reset();
     outputs.closeChildEnds();
 
-    ChildLimit limit(child.pid(), timeout, killGrace);
+    auto limit = std::make_unique<ChildLimit>(child.pid(), timeout, killGrace);
+    outputs.onCapped = [&limit] { limit->stop(); };
     std::vector<ProcessHandle> directChildren;
     if (configuration.stopsSurvivingChildren)
         directChildren = awaitDirectChildren(child, outputs);
+    for (const ProcessHandle& process : directChildren)
+        RunningChildren::attach(child.pid(), process);
     outputs.drainUntil(child.endDescriptor());
-    result.timedOut = limit.cancel();
-    const ChildExit exit = child.collect();
-    if (!directChildren.empty())
-        ChildLimit::stopSurvivors(std::move(directChildren), killGrace);
+    const ChildExit exit = child.awaitEnd();
     const auto end = Clock::now();
+    result.timedOut = limit->hasTimedOut();
+    outputs.onCapped = nullptr;
+    letGo(std::move(child), std::move(limit), std::move(directChildren));
     outputs.drainUntil(end + readingAfterEnd);
 
     result.elapsed = end - launchStart;
     result.terminationStatus = exit.status;
     result.uncaughtSignal = exit.bySignal;
+    result.outputCapped = outputs.isCapped();
     result.output = outputs.takeOutput();
     result.errorOutput = outputs.takeError();
     return result;

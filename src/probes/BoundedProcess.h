@@ -19,6 +19,9 @@ struct BoundedProcessResult {
     bool uncaughtSignal = false;
     /// The soft stop found the child still running when the limit expired.
     bool timedOut = false;
+    /// The child wrote more than was to be recorded, or than the disk takes, and was stopped for it
+    /// if it still ran.
+    bool outputCapped = false;
     /// From just before the launch until the child had ended.
     Seconds elapsed{};
     /// From just before the launch until the child was registered.
@@ -30,12 +33,11 @@ struct BoundedProcessResult {
 
 /// Runs one child to its end under a wall-clock limit.
 ///
-/// Promises: the direct children of the child and then the child get SIGTERM when `timeout` has
-/// passed (at once when it is not positive) and SIGKILL `killGrace` later. A direct child that was
-/// told to stop is killed after the grace even when its parent has gone by then; `run` does not
-/// wait for that. A signal never reaches a reused process number; nothing is stopped after the
-/// child has ended in time (but direct children that outlive it, where the configuration says so);
-/// the child is in the registry while it lives and collected afterwards.
+/// Promises: the child's family is told to stop, its direct children first, when `timeout` has
+/// passed (at once when it is not positive), and killed `killGrace` later, also who outlives the
+/// child; `run` does not wait for that. A signal never reaches a reused process number; nothing is
+/// stopped after the child has ended in time (but direct children that outlive it, where the
+/// configuration says so); the child is in the registry while it lives.
 /// Captured output is drained while the child runs, and reading ends at the latest 100 ms after it
 /// has ended, because a grandchild may hold the pipe open for ever. Blocks the caller; not for the
 /// main thread.
@@ -46,8 +48,8 @@ namespace BoundedProcess {
 BoundedProcessResult run(const ChildConfiguration& configuration, Seconds timeout,
                          Seconds killGrace);
 
-/// Stops `pids`, children of this program: SIGTERM to the direct children of each and to itself,
-/// SIGKILL to what is left after `grace`, looking every 0.05 s. Removes them from the registry.
+/// Stops `pids`, children of this program: SIGTERM to the family of each, SIGKILL to what is left
+/// after `grace`, looking every 0.05 s. Removes them from the registry.
 /// Returns how many of `pids` had to be killed; a zombie counts as gone.
 int terminateAll(std::span<const pid_t> pids, Seconds grace);
 

@@ -13,8 +13,9 @@ namespace vellmark {
 struct ChildOutput {
     enum class Kind {
         nullDevice,
-        descriptor, ///< written to `descriptor`, which stays the caller's
+        descriptor, ///< written to `descriptor`, which stays the caller's, without a limit
         capture,    ///< kept, up to `limit` bytes, for the result; the rest is read and dropped
+        recording,  ///< copied to `descriptor`, up to `limit` bytes; more stops the child
     };
     Kind kind = Kind::nullDevice;
     int descriptor = -1;
@@ -22,13 +23,15 @@ struct ChildOutput {
 
     static ChildOutput discarded() { return {}; }
     static ChildOutput toDescriptor(int fd) { return {Kind::descriptor, fd, 0}; }
+    static ChildOutput recorded(int fd, std::size_t limit) { return {Kind::recording, fd, limit}; }
     static ChildOutput captured(std::size_t limit) { return {Kind::capture, -1, limit}; }
 };
 
-/// What to run and how it is connected. Standard input is the null device. Nothing is inherited
-/// but what is named here: every other descriptor is closed in the child, signals are handled by
-/// default and none is blocked. The child leads a process group of its own, so that Ctrl-C in a
-/// terminal reaches the program alone, which then stops its children in order.
+/// What to run and how it is connected. Nothing is inherited but what is named here: every other
+/// descriptor is closed in the child, signals are handled by default and none is blocked. The child
+/// leads a session and a process group of its own: Ctrl-C in a terminal reaches the program alone,
+/// which then stops its children in order, and a child that asks for the terminal finds none, where
+/// it would be stopped for reaching for the program's.
 struct ChildConfiguration {
     std::filesystem::path executable;
     /// Without the program's own name.
@@ -36,6 +39,10 @@ struct ChildConfiguration {
     Environment environment;
     /// Empty: the program's own.
     std::filesystem::path workingDirectory;
+    /// What the child finds on its standard input, followed by its end: at most `longestInput`
+    /// bytes, what any pipe takes at once. Empty: the null device.
+    std::string standardInput;
+    static constexpr std::size_t longestInput = 4096;
     ChildOutput standardOutput;
     ChildOutput standardError;
     /// Standard error goes where standard output goes.
@@ -43,6 +50,9 @@ struct ChildConfiguration {
     /// Direct children that outlive the child are told to stop as at its limit, and killed after
     /// the grace: for an interpreter whose program may ignore that its terminal has gone.
     bool stopsSurvivingChildren = false;
+    /// The child stays in the program's session, with a process group of its own: for what the user
+    /// is meant to see and to answer.
+    bool sharesTerminal = false;
 };
 
 } // namespace vellmark

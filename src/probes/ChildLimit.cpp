@@ -1,6 +1,7 @@
 #include "probes/ChildLimit.h"
 
 #include "probes/BackgroundThread.h"
+#include "probes/RunningChildren.h"
 
 #include <algorithm>
 #include <condition_variable>
@@ -13,8 +14,8 @@
 
 namespace vellmark {
 
-/// Fires the limits. Signals are sent with the lock held: a limit that was cancelled, which takes
-/// the same lock, can therefore not be half-way through a signal. What is done under it is short.
+/// Fires the limits. Everything about a limit happens with the lock held: one that was cancelled
+/// can therefore not be half-way through a signal. What is done under it is short.
 class StopThread {
 public:
     using Clock = ChildLimit::Clock;
@@ -39,34 +40,26 @@ public:
     void remove(ChildLimit& limit) {
         const std::lock_guard hold(lock_);
         std::erase(limits_, &limit);
-        const bool mayHaveSurvivors = limit.stage_ == ChildLimit::Stage::told;
-        if (mayHaveSurvivors)
-            keepLiving(std::move(limit.told_), limit.hardStop_);
-        limit.told_.clear();
     }
 
-    void addSurvivors(std::vector<ProcessHandle> processes, Clock::time_point due) {
+    /// Runs `change`, which may bring the limit's next time forward.
+    template<typename Change>
+    auto with(ChildLimit& limit, Change&& change) {
         const std::lock_guard hold(lock_);
-        keepLiving(std::move(processes), due);
+        const auto result = change();
+        wakeFor(limit.due());
+        return result;
     }
 
     std::vector<ProcessHandle> takeTold() {
         const std::lock_guard hold(lock_);
         std::vector<ProcessHandle> told;
-        for (Survivor& survivor : std::exchange(survivors_, {}))
-            told.push_back(std::move(survivor.process));
         for (ChildLimit* const limit : limits_)
-            std::ranges::move(std::exchange(limit->told_, {}), std::back_inserter(told));
+            std::ranges::move(limit->family_.takeTold(), std::back_inserter(told));
         return told;
     }
 
 private:
-    /// Outlived its parent after both were told to stop.
-    struct Survivor {
-        ProcessHandle process;
-        Clock::time_point due;
-    };
-
     [[noreturn]] void work() {
         std::unique_lock hold(lock_);
         for (;;) {
@@ -85,24 +78,11 @@ private:
             earlier_.notify_one();
     }
 
-    void keepLiving(std::vector<ProcessHandle> processes, Clock::time_point due) {
-        for (ProcessHandle& process : processes)
-            if (process.isAlive())
-                survivors_.push_back({std::move(process), due});
-        if (!survivors_.empty())
-            wakeFor(due);
-    }
-
     std::optional<Clock::time_point> nextDue() const {
         std::optional<Clock::time_point> next;
-        const auto consider = [&next](Clock::time_point due) {
-            next = next ? std::min(*next, due) : due;
-        };
         for (const ChildLimit* const limit : limits_)
             if (limit->stage_ != ChildLimit::Stage::done)
-                consider(limit->due());
-        for (const Survivor& survivor : survivors_)
-            consider(survivor.due);
+                next = next ? std::min(*next, limit->due()) : limit->due();
         return next;
     }
 
@@ -110,12 +90,6 @@ private:
         for (ChildLimit* const limit : limits_)
             while (limit->stage_ != ChildLimit::Stage::done && limit->due() <= now)
                 limit->fire();
-        std::erase_if(survivors_, [now](const Survivor& survivor) {
-            if (survivor.due > now)
-                return false;
-            survivor.process.signal(SIGKILL);
-            return true;
-        });
     }
 
     std::mutex lock_;
@@ -123,7 +97,6 @@ private:
     bool isStarted_ = false;
     std::optional<Clock::time_point> awaited_;
     std::vector<ChildLimit*> limits_;
-    std::vector<Survivor> survivors_;
 };
 
 namespace {
@@ -145,9 +118,11 @@ bool isRunning(pid_t child) {
 } // namespace
 
 ChildLimit::ChildLimit(pid_t child, Seconds untilSoftStop, Seconds killGrace)
-    : child_(child),
+    : child_(child), grace_(boundedSpan(killGrace)),
       softStop_(Clock::now() + boundedSpan(std::max(untilSoftStop, Seconds::zero()))),
-      hardStop_(softStop_ + boundedSpan(killGrace)) {
+      hardStop_(softStop_ + grace_),
+      // The child is not collected, so the numbers are its own and its group's.
+      family_(child, [](pid_t target, int number) { return ::kill(target, number) == 0; }) {
     StopThread::shared().add(*this);
 }
 
@@ -155,16 +130,40 @@ ChildLimit::~ChildLimit() {
     cancel();
 }
 
-bool ChildLimit::cancel() {
-    StopThread::shared().remove(*this);
-    stage_ = Stage::done;
-    return timedOut_;
+void ChildLimit::stop() {
+    StopThread::shared().with(*this, [this] {
+        if (stage_ == Stage::running && isRunning(child_)) {
+            tell();
+            hardStop_ = Clock::now() + grace_;
+        }
+        return true;
+    });
 }
 
-void ChildLimit::stopSurvivors(std::vector<ProcessHandle> processes, Seconds grace) {
-    auto told = signalled(std::move(processes), SIGTERM);
-    if (!told.empty())
-        StopThread::shared().addSurvivors(std::move(told), Clock::now() + boundedSpan(grace));
+void ChildLimit::stopLeftBehind(std::vector<ProcessHandle> processes) {
+    StopThread::shared().with(*this, [&] {
+        family_.tellLeftBehind(std::move(processes));
+        if (stage_ != Stage::told)
+            hardStop_ = Clock::now() + grace_;
+        stage_ = Stage::told;
+        return true;
+    });
+}
+
+bool ChildLimit::hasSurvivors() {
+    return StopThread::shared().with(*this, [this] {
+        if (stage_ != Stage::told || !family_.outlivesLeader())
+            stage_ = Stage::done;
+        return stage_ == Stage::told;
+    });
+}
+
+bool ChildLimit::hasTimedOut() {
+    return StopThread::shared().with(*this, [this] { return timedOut_; });
+}
+
+void ChildLimit::cancel() {
+    StopThread::shared().remove(*this);
 }
 
 std::vector<ProcessHandle> ChildLimit::takeTold() {
@@ -172,26 +171,22 @@ std::vector<ProcessHandle> ChildLimit::takeTold() {
 }
 
 void ChildLimit::fire() {
-    const bool runs = isRunning(child_);
-    if (stage_ == Stage::running && runs) {
-        stage_ = Stage::told;
+    if (stage_ == Stage::told) {
+        stage_ = Stage::done;
+        family_.kill();
+    } else if (isRunning(child_)) {
         timedOut_ = true;
-        told_ = signalled(directChildHandles(child_), SIGTERM);
-        ::kill(child_, SIGTERM);
-        return;
+        tell();
+    } else {
+        stage_ = Stage::done;
     }
-    stage_ = Stage::done;
-    if (runs)
-        signalled(directChildHandles(child_), SIGKILL);
-    for (const ProcessHandle& process : told_)
-        process.signal(SIGKILL);
-    if (runs)
-        ::kill(child_, SIGKILL);
 }
 
-std::vector<ProcessHandle> signalled(std::vector<ProcessHandle> processes, int number) {
-    std::erase_if(processes, [number](const ProcessHandle& each) { return !each.signal(number); });
-    return processes;
+void ChildLimit::tell() {
+    stage_ = Stage::told;
+    family_.tell();
+    for (const ProcessHandle& process : family_.told())
+        RunningChildren::attach(child_, process);
 }
 
 } // namespace vellmark

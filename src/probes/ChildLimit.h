@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/ProcessTable.h"
+#include "probes/ProcessFamily.h"
 #include "text/Instant.h"
 
 #include <chrono>
@@ -9,13 +9,13 @@
 
 namespace vellmark {
 
-/// The wall-clock limit of one child: SIGTERM to its direct children and to it at the soft stop,
-/// SIGKILL `killGrace` later. One thread fires the limits of all children; a soft stop that is due
-/// already fires within the constructor.
+/// The wall-clock limit of one child: its family is told to stop at the soft stop and killed
+/// `killGrace` later. One thread fires the limits of all children; a soft stop that is due already
+/// fires within the constructor.
 ///
-/// A direct child that was told to stop is remembered: it is killed after the grace also when its
-/// parent has ended and the limit was cancelled by then. The child must stay uncollected until
-/// `cancel` or the destructor has returned; from then on no signal is sent to it.
+/// The child must stay uncollected until `cancel` or the destructor has returned; from then on
+/// nobody is signalled any more. Who wants the family to be killed after the child has ended keeps
+/// both until `hasSurvivors` is false.
 class ChildLimit {
 public:
     using Clock = std::chrono::steady_clock;
@@ -25,12 +25,19 @@ public:
     ChildLimit(const ChildLimit&) = delete;
     ChildLimit& operator=(const ChildLimit&) = delete;
 
-    /// True when the soft stop had found the child running.
-    bool cancel();
+    /// The soft stop now, if it has not been. Does not count as having found the child running when
+    /// the limit expired.
+    void stop();
+    /// Once the child has ended: those of `processes` that still live are told to stop and killed
+    /// after the grace.
+    void stopLeftBehind(std::vector<ProcessHandle> processes);
 
-    /// Tells those of `processes` that still live to stop and kills them after `grace`; does not
-    /// wait for that.
-    static void stopSurvivors(std::vector<ProcessHandle> processes, Seconds grace);
+    /// Once the child has ended: whether someone who was told to stop lives and will be killed. A
+    /// limit that has not told anybody does not any more.
+    bool hasSurvivors();
+    /// True when the soft stop has found the child running.
+    bool hasTimedOut();
+    void cancel();
 
     /// Takes over every process that was told to stop and has not been killed yet; who has them
     /// ends them (the program is ending).
@@ -42,16 +49,15 @@ private:
 
     Clock::time_point due() const { return stage_ == Stage::running ? softStop_ : hardStop_; }
     void fire();
+    void tell();
 
     pid_t child_;
+    Clock::duration grace_;
     Clock::time_point softStop_;
     Clock::time_point hardStop_;
     Stage stage_ = Stage::running;
     bool timedOut_ = false;
-    std::vector<ProcessHandle> told_;
+    ProcessFamily family_;
 };
-
-/// Sends `number` to each of `processes` and returns those that it reached.
-std::vector<ProcessHandle> signalled(std::vector<ProcessHandle> processes, int number);
 
 } // namespace vellmark

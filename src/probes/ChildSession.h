@@ -12,7 +12,7 @@ namespace vellmark {
 /// A conversation with a child over pipes: one launch, writes to its input, reads of its output.
 ///
 /// The child is registered from the launch until the session is destroyed. Destroying it closes
-/// the input, asks a child that still runs and its direct children to stop (SIGTERM) and leaves it
+/// the input, asks a child that still runs and its family to stop (SIGTERM) and leaves it
 /// to the background reaper, which collects it and kills what lives 3 s later; nobody waits for
 /// that. Writing to a child that has gone is no error and raises no signal. One thread at a time.
 class ChildSession {

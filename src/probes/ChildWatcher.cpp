@@ -2,117 +2,126 @@
 
 #include "platform/ChildPipes.h"
 #include "platform/ProgramPath.h"
+#include "probes/BackgroundThread.h"
 #include "probes/RunningChildren.h"
 
-#include <array>
+#include <algorithm>
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <fcntl.h>
-#include <optional>
-#include <spawn.h>
-#include <string>
+#include <string_view>
 #include <sys/wait.h>
 #include <system_error>
+#include <thread>
 #include <unistd.h>
-#include <utility>
 
 namespace vellmark {
 namespace {
 
-class SpawnSettings {
-public:
-    SpawnSettings() {
-        posix_spawn_file_actions_init(&actions_);
-        posix_spawnattr_init(&attributes_);
-    }
-    ~SpawnSettings() {
-        posix_spawnattr_destroy(&attributes_);
-        posix_spawn_file_actions_destroy(&actions_);
-    }
-    SpawnSettings(const SpawnSettings&) = delete;
-    SpawnSettings& operator=(const SpawnSettings&) = delete;
+using Clock = std::chrono::steady_clock;
+using Event = ChildWatcherMessage::Event;
 
-    /// Reads from `input`, writes nowhere, keeps no other descriptor.
-    bool connect(int input) {
-        short flags = 0;
-        return posix_spawn_file_actions_adddup2(&actions_, input, STDIN_FILENO) == 0 &&
-               addNullDevice(STDOUT_FILENO) && addNullDevice(STDERR_FILENO) &&
-               inheritStandardStreamsOnly(actions_, flags) == 0 &&
-               posix_spawnattr_setflags(&attributes_, flags) == 0;
+constexpr std::chrono::seconds shortestPause{1};
+constexpr std::chrono::seconds longestPause{600};
+/// A watcher that has run for so long ended by a mishap that need not happen again.
+constexpr std::chrono::seconds longLife{60};
+
+/// The pipe to the watcher, open for as long as the program runs, whatever ends it: that is the
+/// message. The number stays the same for good, so that who is about to write always reaches the
+/// watcher that runs now.
+std::atomic<int> lifeline{-1};
+static_assert(std::atomic<int>::is_always_lock_free,
+              "read between a child's birth and its program");
+
+std::string_view bytesOf(const ChildWatcherMessage& message) {
+    return {reinterpret_cast<const char*>(&message), sizeof message};
+}
+
+Event eventOf(RunningChildren::Report::Event event) {
+    using Reported = RunningChildren::Report::Event;
+    return event == Reported::started    ? Event::started
+           : event == Reported::attached ? Event::attached
+                                         : Event::ended;
+}
+
+/// Never waits: a watcher that has stopped must not stop the program. One that has died is being
+/// started again and told everything then.
+void tell(const RunningChildren::Report& report) {
+    const ChildWatcherMessage message{eventOf(report.event), report.pid, report.at};
+    writeWithoutSignal(lifeline, bytesOf(message));
+}
+
+/// Makes `end` the lifeline, in place of the one to an earlier watcher.
+void connect(Descriptor end) {
+    ::fcntl(end.get(), F_SETFL, O_NONBLOCK);
+    if (lifeline >= 0) {
+        ::dup2(end.get(), lifeline);
+        ::fcntl(lifeline, F_SETFD, FD_CLOEXEC);
+    } else {
+        // Never closed: threads may still report while the program ends.
+        lifeline = ::fcntl(end.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     }
-    /// Absent when it cannot be launched.
-    std::optional<pid_t> launch(const std::string& program) const {
-        std::string name = program;
-        const std::array<char*, 2> arguments{name.data(), nullptr};
-        std::array<char*, 1> environment{nullptr};
-        pid_t pid = 0;
-        if (posix_spawn(&pid, program.c_str(), &actions_, &attributes_, arguments.data(),
-                        environment.data()) != 0)
-            return std::nullopt;
+}
+
+/// Returns the watcher's number, or -1 when it cannot be launched.
+pid_t launchedWatcher() {
+    try {
+        Pipe pipe = makePipe();
+        ChildLaunch launch;
+        launch.program = programPath().parent_path() / "vellmark-watcher";
+        launch.streams = {pipe.readEnd.get(), -1, -1};
+        const pid_t pid = launchChild(launch);
+        connect(std::move(pipe.writeEnd));
+        RunningChildren::setObserver(tell); // which tells it of what runs already
         return pid;
+    } catch (const std::system_error&) {
+        return -1;
     }
+}
 
-private:
-    bool addNullDevice(int stream) {
-        return posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", O_WRONLY, 0) == 0;
+void awaitEnd(pid_t watcher) {
+    while (::waitpid(watcher, nullptr, 0) < 0 && errno == EINTR) {
     }
+}
 
-    posix_spawn_file_actions_t actions_;
-    posix_spawnattr_t attributes_;
-};
-
-/// The watcher that was launched, told of children under the lock of their registry.
-class LaunchedWatcher {
-public:
-    LaunchedWatcher(pid_t pid, Descriptor lifeline) : pid_(pid), lifeline_(std::move(lifeline)) {}
-
-    /// Never waits: a watcher that has stopped must not stop the program.
-    void tell(RunningChildren::Event event, pid_t child) {
-        const ChildWatcherMessage message{event == RunningChildren::Event::started
-                                              ? ChildWatcherMessage::Event::started
-                                              : ChildWatcherMessage::Event::ended,
-                                          static_cast<std::int32_t>(child)};
-        const ssize_t written = writeWithoutSignal(
-            lifeline_.get(),
-            std::string_view(reinterpret_cast<const char*>(&message), sizeof(message)));
-        if (written < 0 && errno == EPIPE)
-            collect();
+/// Starts a new watcher whenever one has ended: at once, but with growing pauses when they do not
+/// last or cannot be started.
+[[noreturn]] void keepRunning(pid_t watcher) {
+    std::chrono::seconds pause{0};
+    for (auto startedAt = Clock::now();; startedAt = Clock::now()) {
+        awaitEnd(watcher);
+        if (Clock::now() - startedAt >= longLife)
+            pause = std::chrono::seconds::zero();
+        do {
+            std::this_thread::sleep_for(pause);
+            pause = std::clamp(pause * 2, shortestPause, longestPause);
+            watcher = launchedWatcher();
+        } while (watcher < 0);
     }
-
-private:
-    /// It has died: no zombie is to stay. It closes its end of the pipe a moment before it can be
-    /// collected; then the next report does it.
-    void collect() {
-        if (pid_ && ::waitpid(*pid_, nullptr, WNOHANG) != 0)
-            pid_.reset();
-    }
-
-    /// Until it is collected, when the number becomes free.
-    std::optional<pid_t> pid_;
-    /// Open for as long as the program runs, whatever ends it: that is the message.
-    Descriptor lifeline_;
-};
+}
 
 } // namespace
 
 bool startChildWatcher() {
-    const auto program = programPath().parent_path() / "vellmark-watcher";
-    try {
-        Pipe pipe = makePipe();
-        SpawnSettings settings;
-        if (!settings.connect(pipe.readEnd.get()))
-            return false;
-        const auto pid = settings.launch(program.string());
-        if (!pid)
-            return false;
-        ::fcntl(pipe.writeEnd.get(), F_SETFL, O_NONBLOCK);
-        // Never destroyed: threads may still report while the program ends.
-        auto* const watcher = new LaunchedWatcher(*pid, std::move(pipe.writeEnd));
-        RunningChildren::setObserver(
-            [watcher](RunningChildren::Event event, pid_t child) { watcher->tell(event, child); });
-        return true;
-    } catch (const std::system_error&) {
+    const pid_t watcher = launchedWatcher();
+    if (watcher < 0)
         return false;
+    try {
+        startBackgroundThread([watcher] { keepRunning(watcher); });
+    } catch (const std::system_error&) {
+        // Then this one must do.
     }
+    return true;
+}
+
+void announceToChildWatcher(ChildLaunch::Stage stage) {
+    const bool begins = stage == ChildLaunch::Stage::begins;
+    const ChildWatcherMessage message{begins ? Event::started : Event::ended, ::getpid(),
+                                      processTimeNow()};
+    if (lifeline < 0)
+        return;
+    [[maybe_unused]] const auto written = ::write(lifeline, &message, sizeof message);
 }
 
 } // namespace vellmark

@@ -38,17 +38,19 @@ public:
     /// Readable when the child has ended.
     int endDescriptor() const { return end_->descriptor(); }
 
+    /// Waits for the end; the child stays uncollected.
+    ChildExit awaitEnd() const;
     /// Waits for the end, leaves the registry and gives the number back to the system. Nobody may
-    /// be about to signal the child any more.
+    /// be about to signal the child or its group any more.
     ChildExit collect();
-    /// Leaves the registry although the child still runs; whoever holds this object looks after it.
+    /// Leaves the registry although the child is not collected; whoever holds this object looks
+    /// after it.
     void handOver();
 
 private:
     void kill();
 
     pid_t pid_ = -1;
-    bool isHandedOver_ = false;
     std::optional<ProcessEnd> end_;
 };
 

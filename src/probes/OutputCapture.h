@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 namespace vellmark {
 
@@ -18,6 +19,10 @@ public:
     /// Throws std::system_error.
     OutputCapture(std::size_t limit, Part part);
 
+    /// Copies the first `limit` bytes to `file`, which stays the caller's, in place of keeping
+    /// them.
+    static OutputCapture recording(int file, std::size_t limit);
+
     /// For the launch; then `closeChildEnd`, or the end of the stream is never seen.
     int childEnd() const { return pipe_.writeEnd.get(); }
     void closeChildEnd() { pipe_.writeEnd.reset(); }
@@ -25,6 +30,8 @@ public:
     /// -1 once the stream has ended, which `poll` passes over.
     int descriptor() const { return pipe_.readEnd.get(); }
     bool hasEnded() const { return !pipe_.readEnd.isOpen(); }
+    /// There was more to record than `limit`, or than could be written.
+    bool hasOutgrownFile() const { return hasOutgrownFile_; }
 
     /// Reads what is there, at most 64 KiB, beyond the limit too. False when there was nothing.
     bool drain();
@@ -33,11 +40,16 @@ public:
     std::string takeText() { return std::move(text_); }
 
 private:
-    void keep(const char* bytes, std::size_t count);
+    void keep(std::string_view bytes);
+    void record(std::string_view bytes);
+    void keepEnd(std::string_view bytes);
 
     Pipe pipe_;
     std::size_t limit_;
     Part part_;
+    int file_ = -1;
+    std::size_t recorded_ = 0;
+    bool hasOutgrownFile_ = false;
     std::string text_;
 };
 

@@ -1,8 +1,10 @@
 #include "probes/ProviderRegistry.h"
 
 #include "probes/ExecutableLocator.h"
+#include "probes/antigravity/AntigravityLoginCheck.h"
 #include "probes/antigravity/AntigravityUsageProvider.h"
 #include "probes/claude/ClaudeLoginCheck.h"
+#include "probes/claude/ClaudeModelWindow.h"
 #include "probes/claude/ClaudeUsageProvider.h"
 #include "probes/codex/CodexLoginCheck.h"
 #include "probes/codex/CodexUsageProvider.h"
@@ -85,6 +87,8 @@ ProviderDescriptor codexDescriptor() {
                 .loginHintKey = {},
             },
         .showsSourceAsSubtitle = true,
+        .readingWays = {},
+        .remembersWindow = {},
         .timeoutRetryDelaySeconds = 20.0,
     };
 }
@@ -110,11 +114,13 @@ ProviderDescriptor claudeDescriptor() {
                 .missingHintKey = {},
                 .isLoggedIn =
                     [](const Machine& machine, const std::filesystem::path& executable) {
-                        return claudeIsLoggedIn(machine, executable);
+                        return claudeLogin(machine, executable).isLoggedIn;
                     },
                 .loginHintKey = {},
             },
         .showsSourceAsSubtitle = true,
+        .readingWays = {claudeQueryWay, claudeSessionWay},
+        .remembersWindow = claudeRemembersWindow,
         .timeoutRetryDelaySeconds = {},
     };
 }
@@ -139,20 +145,26 @@ ProviderDescriptor antigravityDescriptor() {
             ProviderSetup{
                 .info = antigravityCLI(),
                 .missingHintKey = {},
-                .isLoggedIn =
-                    [](const Machine& machine, const auto&) {
-                        return std::optional(antigravityIsLoggedIn(machine));
-                    },
+                .isLoggedIn = [](const Machine& machine,
+                                 const auto&) { return antigravityIsLoggedIn(machine); },
                 .loginHintKey = "setup.antigravity.exitHint",
             },
         .showsSourceAsSubtitle = false,
+        .readingWays = {},
+        .remembersWindow = {},
         .timeoutRetryDelaySeconds = {},
     };
 }
 
 template<typename Provider>
-std::unique_ptr<AgentUsageProvider> make(const Machine& machine) {
+std::unique_ptr<AgentUsageProvider> make(const Machine& machine, const ReadingOptions&) {
     return std::make_unique<Provider>(machine);
+}
+
+std::unique_ptr<AgentUsageProvider> makeClaude(const Machine& machine,
+                                               const ReadingOptions& options) {
+    return std::make_unique<ClaudeUsageProvider>(machine, ClaudeUsageProvider::defaultHardLimit,
+                                                 options);
 }
 
 } // namespace
@@ -160,7 +172,7 @@ std::unique_ptr<AgentUsageProvider> make(const Machine& machine) {
 const std::vector<ProviderRegistration>& providerRegistry() {
     static const std::vector<ProviderRegistration> registry = {
         {codexDescriptor(), make<CodexUsageProvider>},
-        {claudeDescriptor(), make<ClaudeUsageProvider>},
+        {claudeDescriptor(), makeClaude},
         {antigravityDescriptor(), make<AntigravityUsageProvider>},
     };
     return registry;

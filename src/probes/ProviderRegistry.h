@@ -64,6 +64,11 @@ struct ProviderDescriptor {
     std::optional<std::string> cliHintKey;
     std::optional<ProviderSetup> setup;
     bool showsSourceAsSubtitle = false;
+    /// The ways to read it where there are several, best first; one can be chosen by name.
+    std::vector<std::string> readingWays;
+    /// For how long a window still counts that a reading leaves out, by its identifier: some
+    /// answers lack rows at times. Without it, at once no more.
+    std::function<Seconds(std::string_view windowID)> remembersWindow;
     /// A fetch that failed with a time-out is tried again once after this many seconds.
     std::optional<double> timeoutRetryDelaySeconds;
 
@@ -73,7 +78,7 @@ struct ProviderDescriptor {
 
 struct ProviderRegistration {
     ProviderDescriptor descriptor;
-    std::function<std::unique_ptr<AgentUsageProvider>(const Machine&)> make;
+    std::function<std::unique_ptr<AgentUsageProvider>(const Machine&, const ReadingOptions&)> make;
 };
 
 /// The agents that can be monitored, in their fixed order: Codex, Claude, Antigravity.

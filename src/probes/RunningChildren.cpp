@@ -2,8 +2,11 @@
 
 #include "probes/ChildGroup.h"
 
+#include <cstdlib>
 #include <map>
 #include <mutex>
+#include <signal.h>
+#include <sys/wait.h>
 #include <utility>
 
 namespace vellmark {
@@ -16,15 +19,47 @@ public:
         return *registry;
     }
 
+    using Report = RunningChildren::Report;
+
+    /// A child that has not been collected.
+    struct Child {
+        const ChildGroup* group = nullptr; ///< that it was launched in; null for none
+        ProcessTime at = 0;
+        bool isHandedOver = false;
+        std::vector<Report> attached;
+    };
+
     std::mutex lock;
-    /// With the group that each was launched in; null for none.
-    std::map<pid_t, const ChildGroup*> children;
+    std::map<pid_t, Child> children;
     bool closed = false;
     RunningChildren::Observer observer;
 
-    void report(RunningChildren::Event event, pid_t pid) const {
+    void report(const Report& report) const {
         if (observer)
-            observer(event, pid);
+            observer(report);
+    }
+
+    void reportAll() const {
+        for (const auto& [pid, child] : children) {
+            report({Report::Event::started, pid, child.at});
+            for (const Report& attached : child.attached)
+                report(attached);
+        }
+    }
+
+    void forget(pid_t pid) {
+        children.erase(pid);
+        report({Report::Event::ended, pid, 0});
+    }
+
+    /// Those that count as running: a child that was handed over is another's business.
+    template<typename Condition>
+    std::vector<pid_t> running(Condition&& condition) const {
+        std::vector<pid_t> pids;
+        for (const auto& [pid, child] : children)
+            if (!child.isHandedOver && condition(child))
+                pids.push_back(pid);
+        return pids;
     }
 
     /// Whether this thread must not launch anything.
@@ -33,12 +68,7 @@ public:
     std::vector<pid_t> close(ChildGroup& group) {
         const std::lock_guard hold(lock);
         group.isClosed_ = true;
-        std::vector<pid_t> members;
-        for (const auto& [pid, owner] : children) {
-            if (owner == &group)
-                members.push_back(pid);
-        }
-        return members;
+        return running([&group](const Child& child) { return child.group == &group; });
     }
 };
 
@@ -73,25 +103,24 @@ bool insert(pid_t pid) {
     const std::lock_guard hold(all.lock);
     if (all.refuses(currentGroup))
         return false;
-    all.children.emplace(pid, currentGroup);
-    all.report(Event::started, pid);
+    const ProcessTime now = processTimeNow();
+    all.children[pid] = {currentGroup, now, false, {}};
+    all.report({Report::Event::started, pid, now});
     return true;
 }
 
 void remove(pid_t pid) {
     RunningChildrenRegistry& all = registry();
     const std::lock_guard hold(all.lock);
-    if (all.children.erase(pid) != 0)
-        all.report(Event::ended, pid);
+    const auto found = all.children.find(pid);
+    if (found != all.children.end() && !found->second.isHandedOver)
+        all.forget(pid);
 }
 
 std::vector<pid_t> snapshot() {
     RunningChildrenRegistry& all = registry();
     const std::lock_guard hold(all.lock);
-    std::vector<pid_t> pids;
-    for (const auto& [pid, group] : all.children)
-        pids.push_back(pid);
-    return pids;
+    return all.running([](const auto&) { return true; });
 }
 
 void close() {
@@ -112,22 +141,51 @@ void reopen() {
     all.closed = false;
 }
 
+bool signal(pid_t target, int number) {
+    RunningChildrenRegistry& all = registry();
+    const std::lock_guard hold(all.lock);
+    return all.children.contains(std::abs(target)) && ::kill(target, number) == 0;
+}
+
+bool isRunning(pid_t pid) {
+    RunningChildrenRegistry& all = registry();
+    const std::lock_guard hold(all.lock);
+    siginfo_t info{};
+    return all.children.contains(pid) &&
+           ::waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+           info.si_pid == 0;
+}
+
 void setObserver(Observer observer) {
     RunningChildrenRegistry& all = registry();
     const std::lock_guard hold(all.lock);
     all.observer = std::move(observer);
+    all.reportAll();
+}
+
+void attach(pid_t child, const ProcessHandle& process) {
+    RunningChildrenRegistry& all = registry();
+    const std::lock_guard hold(all.lock);
+    const Report report{Report::Event::attached, process.pid(), processTimeNow()};
+    // Asked only now: if it lives, the number was its own at that moment.
+    if (!process.isAlive())
+        return;
+    if (const auto found = all.children.find(child); found != all.children.end())
+        found->second.attached.push_back(report);
+    all.report(report);
 }
 
 void handOver(pid_t pid) {
     RunningChildrenRegistry& all = registry();
     const std::lock_guard hold(all.lock);
-    all.children.erase(pid);
+    if (const auto found = all.children.find(pid); found != all.children.end())
+        found->second.isHandedOver = true;
 }
 
 void reportEnd(pid_t pid) {
     RunningChildrenRegistry& all = registry();
     const std::lock_guard hold(all.lock);
-    all.report(Event::ended, pid);
+    all.forget(pid);
 }
 
 } // namespace vellmark::RunningChildren

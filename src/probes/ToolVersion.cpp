@@ -1,5 +1,6 @@
 #include "probes/ToolVersion.h"
 
+#include "probes/AgentWorkspace.h"
 #include "probes/BoundedProcess.h"
 #include "probes/ChildEnvironment.h"
 #include "probes/ExecutableLocator.h"
@@ -20,6 +21,7 @@ std::string outputOf(const Machine& machine, const std::filesystem::path& execut
     configuration.executable = executable;
     configuration.arguments = {"--version"};
     configuration.environment = childEnvironment(machine);
+    configuration.workingDirectory = agentWorkspaceOrRoot(machine, "Version");
     configuration.standardOutput = ChildOutput::captured(outputLimit);
     try {
         return BoundedProcess::run(configuration, limit, killGrace).output;

@@ -1,8 +1,8 @@
 #include "report/SupportReport.h"
 
-#include "report/Redaction.h"
 #include "text/Dates.h"
 #include "text/Formatting.h"
+#include "text/Redaction.h"
 
 namespace vellmark {
 namespace {

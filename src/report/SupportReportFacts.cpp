@@ -8,8 +8,10 @@
 #include "store/AgentSettings.h"
 #include "store/LastSnapshots.h"
 #include "text/Dates.h"
+#include "text/TerminalText.h"
 
 #include <algorithm>
+#include <system_error>
 
 namespace vellmark {
 namespace {
@@ -41,7 +43,9 @@ std::vector<SupportReportInput::Agent> gatherAgents(const Machine& machine,
         if (agent.toolPath) {
             entry.toolPath = agent.toolPath->string();
         }
-        entry.toolVersion = agent.toolVersion;
+        if (agent.toolVersion) {
+            entry.toolVersion = singleLine(*agent.toolVersion);
+        }
         entry.loggedIn = agent.loggedIn;
         entry.lastSuccess = lastSuccess(agent.id, readings);
         agents.push_back(std::move(entry));
@@ -53,8 +57,13 @@ std::string recentActivity(const Machine& machine, const Localization& words, In
     const auto zone = words.timeZone();
     const auto since = now - Seconds(86400.0 * ActivityLog::daysKept);
     std::string text;
-    for (const auto& entry : ActivityLog(machine.activityLogFile()).entries(since, zone)) {
+    const auto file = machine.activityLogFile();
+    std::error_code error;
+    for (const auto& entry : ActivityLog(file).entries(since, zone, error)) {
         text += (text.empty() ? "" : "\n") + ActivityLog::line(entry, zone);
+    }
+    if (error) {
+        text += words.format("cli.error.unreadable", {file.string(), error.message()});
     }
     return text;
 }

@@ -1,11 +1,13 @@
 #include "setup/TerminalScript.h"
 
+#include "platform/WholeFile.h"
+#include "probes/BoundedProcess.h"
 #include "probes/LaunchedChild.h"
-#include "probes/PrivateTemporaryFile.h"
+#include "probes/PrivateTemporaryDirectory.h"
 
+#include <array>
 #include <cerrno>
 #include <csignal>
-#include <string_view>
 #include <sys/wait.h>
 #include <system_error>
 #include <termios.h>
@@ -13,6 +15,9 @@
 
 namespace vellmark {
 namespace {
+
+/// How long what an interrupted script has started may take to end.
+constexpr Seconds groupGrace{1};
 
 /// Remembers who owns the terminal and how it is set, and puts both back at the end.
 class TerminalLoan {
@@ -47,16 +52,6 @@ private:
     sigset_t mask_{};
 };
 
-void writeAll(int descriptor, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const auto written = write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno != EINTR) {
-            throw std::system_error(errno, std::generic_category(), "setup script");
-        }
-        bytes.remove_prefix(written > 0 ? static_cast<std::size_t>(written) : 0);
-    }
-}
-
 /// Waits for the end without collecting the child, so that its number stays its own. A script that
 /// was stopped (by Ctrl-Z, or because it read before it had the terminal) goes on: there is no
 /// shell here that could resume it.
@@ -86,22 +81,35 @@ std::optional<std::filesystem::path> TerminalScript::shell() {
 
 int TerminalScript::run(const std::string& script) const {
     const auto zsh = shell();
-    auto file = PrivateTemporaryFile::create(machine_.temporary, "vellmark-setup-");
-    if (!zsh || !file) {
-        throw std::system_error(zsh ? errno : ENOENT, std::generic_category(),
-                                zsh ? machine_.temporary.string() : "/bin/zsh");
+    if (!zsh) {
+        throw std::system_error(ENOENT, std::generic_category(), "/bin/zsh");
     }
-    writeAll(file->descriptor(), script);
+    // The shell reads its script as it goes, by name.
+    const auto directory = PrivateTemporaryDirectory::create(machine_.temporary, "vellmark-setup-");
+    if (!directory) {
+        throw std::system_error(errno, std::generic_category(), machine_.temporary.string());
+    }
+    const std::filesystem::path file = directory->path() / "setup.zsh";
+    if (const std::error_code error = replaceWholeFile(file, script)) {
+        throw std::system_error(error, file.string());
+    }
     ChildConfiguration configuration;
     configuration.executable = *zsh;
-    configuration.arguments = {file->path()};
+    configuration.arguments = {file};
     configuration.environment = machine_.environment;
+    configuration.sharesTerminal = true;
     const TerminalLoan loan(terminal_);
     LaunchedChild child(configuration, {terminal_, terminal_, terminal_});
     loan.handTo(child.pid());
     kill(-child.pid(), SIGCONT); // it may have asked for input before it had the terminal
     waitForEnd(child.pid(), loan);
-    const ChildExit exit = child.collect();
+    const ChildExit exit = child.awaitEnd();
+    if (exit.bySignal) {
+        // What was interrupted takes with it what it has started.
+        const std::array leader{child.pid()};
+        BoundedProcess::terminateAll(leader, groupGrace);
+    }
+    child.collect();
     return exit.bySignal ? 128 + exit.status : exit.status;
 }
 

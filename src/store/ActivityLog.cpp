@@ -1,19 +1,21 @@
 #include "store/ActivityLog.h"
 
 #include "platform/Descriptor.h"
+#include "platform/RegularFile.h"
 #include "platform/ReplacementFile.h"
 #include "platform/SystemError.h"
 #include "platform/WholeFile.h"
-#include "store/FileLock.h"
+#include "store/RecordedDays.h"
 #include "text/TerminalText.h"
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
-#include <fstream>
-#include <sys/stat.h>
+#include <optional>
 #include <unistd.h>
+#include <unordered_set>
 #include <utility>
 
 namespace vellmark {
@@ -24,6 +26,8 @@ constexpr Seconds lockPatience{1};
 constexpr Seconds day{86'400};
 /// What may wait for room on the disk; beyond that the oldest lines go.
 constexpr std::size_t mostWaiting = 1u << 20;
+/// Years of entries; a longer file is no log of ours.
+constexpr std::size_t mostBytes = std::size_t{256} << 20;
 constexpr std::string_view programName = "vellmark";
 
 constexpr std::array<std::pair<ActivityEntry::Level, std::string_view>, 3> levelNames = {{
@@ -106,6 +110,116 @@ void forEachLine(std::string_view text, Visit&& visit) {
     }
 }
 
+/// What becomes of the lines of the log and of those that were removed before. The texts given must
+/// outlive it.
+class LogTrimming {
+public:
+    LogTrimming(const TimeZone& zone, std::string_view log, std::string_view removed)
+        : reader_(zone), log_(log), before_(removed) {}
+
+    Instant reference(Instant now) {
+        RecordedDays days;
+        for (const std::string_view text : {before_, log_}) {
+            forEachLine(text, [&](std::string_view line) {
+                if (const auto time = reader_.instant(line)) {
+                    days.add(*time);
+                }
+            });
+        }
+        return days.reference(now);
+    }
+
+    /// `forgets` when what was removed before may go for good.
+    void decide(Instant since, bool forgets) {
+        bool isYoung = false; // a line without a date shares the fate of the one before
+        const auto isKept = [&](std::string_view line) {
+            if (const auto time = reader_.instant(line)) {
+                isYoung = *time >= since;
+            }
+            return isYoung;
+        };
+        std::vector<std::string_view> restored;
+        forEachLine(before_, [&](std::string_view line) {
+            if (isKept(line)) {
+                restored.push_back(line);
+            } else if (!forgets) {
+                append(removed_, line);
+            }
+            changes_ = changes_ || isYoung || forgets;
+        });
+        isYoung = false;
+        std::string stays;
+        forEachLine(log_, [&](std::string_view line) {
+            const bool keeps = isKept(line);
+            append(keeps ? stays : removed_, line);
+            changes_ = changes_ || !keeps;
+        });
+        removedMeanwhile_ = removed_;
+        std::unordered_set<std::string_view> known; // a trimming that was interrupted
+        if (!restored.empty()) {
+            forEachLine(stays, [&](std::string_view line) { known.insert(line); });
+        }
+        for (const std::string_view line : restored) {
+            append(removedMeanwhile_, line);
+            if (!known.contains(line)) {
+                append(kept_, line);
+            }
+        }
+        kept_ += stays;
+    }
+
+    bool changesAnything() const { return changes_; }
+    const std::string& kept() const { return kept_; }
+    const std::string& removed() const { return removed_; }
+    /// Until the log is written: with the lines that come back.
+    const std::string& removedMeanwhile() const { return removedMeanwhile_; }
+
+private:
+    static void append(std::string& text, std::string_view line) { text.append(line).append("\n"); }
+
+    LineReader reader_;
+    std::string_view log_;
+    std::string_view before_;
+    std::string kept_;
+    std::string removed_;
+    std::string removedMeanwhile_;
+    bool changes_ = false;
+};
+
+/// Without contents there is no file.
+std::error_code replace(const std::filesystem::path& file, const std::string& contents) {
+    if (contents.empty()) {
+        return ::unlink(file.c_str()) == 0 || errno == ENOENT ? std::error_code()
+                                                              : lastSystemError();
+    }
+    ReplacementFile replacement(file, ReplacementFile::Name::fixed,
+                                ReplacementFile::Links::refused);
+    replacement.write(contents);
+    return replacement.commit();
+}
+
+/// What the lock file says: the day, by the clock, on which the log was trimmed last, and the one,
+/// by the log's dates, on which lines were removed last.
+struct TrimmingNote {
+    std::int64_t trimmedOn = 0;
+    std::optional<std::int64_t> removedOn;
+
+    static TrimmingNote of(const FileLock& held) {
+        TrimmingNote note;
+        long long trimmed = 0;
+        long long removed = 0;
+        const int found = std::sscanf(held.note().c_str(), "%lld %lld", &trimmed, &removed);
+        note.trimmedOn = found > 0 ? trimmed : 0;
+        note.removedOn = found > 1 ? std::optional<std::int64_t>(removed) : std::nullopt;
+        return note;
+    }
+
+    void write(const FileLock& held) const {
+        held.setNote(std::to_string(trimmedOn) +
+                     (removedOn ? " " + std::to_string(*removedOn) : std::string()));
+    }
+};
+
 /// Whether a power loss has torn the last line of a file of `size` bytes.
 bool endsInsideLine(const Descriptor& file, off_t size) {
     char last = '\n';
@@ -115,7 +229,9 @@ bool endsInsideLine(const Descriptor& file, off_t size) {
 } // namespace
 
 ActivityLog::ActivityLog(std::filesystem::path file)
-    : file_(std::move(file)), lockFile_(std::filesystem::path(file_).replace_extension(".lock")) {}
+    : file_(std::move(file)),
+      lock_(std::filesystem::path(file_).replace_extension(".lock"), lockPatience), onDisk_(file_) {
+}
 
 std::string ActivityLog::line(const ActivityEntry& entry, const TimeZone& zone) {
     const CalendarDate date = zone.calendarDate(entry.time);
@@ -142,76 +258,128 @@ std::error_code ActivityLog::append(ActivityEntry entry, const TimeZone& zone) {
 
 std::error_code ActivityLog::writeWaiting() {
     std::error_code error;
-    const auto held = FileLock::acquire(lockFile_, lockPatience, error);
+    const auto held = lock_.acquire(error);
     if (!held) {
+        if (error != std::errc::resource_unavailable_try_again) {
+            return error;
+        }
         // Whoever has the lock for so long is no disk error; the lines wait.
-        return error == std::errc::resource_unavailable_try_again ? std::error_code() : error;
+        if (!onDisk_.add(waiting_)) {
+            waiting_.clear();
+        }
+        return {};
     }
-    const Descriptor descriptor(
-        ::open(file_.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, 0600));
-    if (!descriptor.isOpen()) {
-        return lastSystemError();
-    }
-    const off_t before = ::lseek(descriptor.get(), 0, SEEK_END);
-    ::fchmod(descriptor.get(), 0600);
-    const std::string lines = (endsInsideLine(descriptor, before) ? "\n" : "") + waiting_;
-    const ssize_t count = ::write(descriptor.get(), lines.data(), lines.size());
-    if (count < 0) {
-        error = lastSystemError();
-    } else if (count != static_cast<ssize_t>(lines.size())) {
-        error = std::make_error_code(std::errc::no_space_on_device);
-        (void)!::ftruncate(descriptor.get(), before); // no half lines
-    } else {
+    onDisk_.takeOver([&](std::string_view lines) { return !(error = write(lines)); });
+    if (!error && !(error = write(waiting_))) {
         waiting_.clear();
     }
     return error;
 }
 
+std::error_code ActivityLog::write(std::string_view lines) const {
+    std::error_code error;
+    const Descriptor file = openRegularFile(file_, O_RDWR | O_APPEND | O_CREAT, error);
+    if (!file.isOpen()) {
+        return error;
+    }
+    const off_t before = ::lseek(file.get(), 0, SEEK_END);
+    const std::string bytes = (endsInsideLine(file, before) ? "\n" : "") + std::string(lines);
+    const ssize_t count = ::write(file.get(), bytes.data(), bytes.size());
+    if (count < 0) {
+        return lastSystemError();
+    }
+    if (count != static_cast<ssize_t>(bytes.size())) {
+        (void)!::ftruncate(file.get(), before); // no half lines
+        return std::make_error_code(std::errc::no_space_on_device);
+    }
+    return {};
+}
+
+std::filesystem::path ActivityLog::removedFile() const {
+    return std::filesystem::path(file_).replace_extension(".removed.log");
+}
+
 std::error_code ActivityLog::trim(Instant now, const TimeZone& zone) {
     std::error_code error;
-    const auto held = FileLock::acquire(lockFile_, lockPatience, error);
+    const auto held = lock_.acquire(error);
     if (!held) {
         return error == std::errc::resource_unavailable_try_again ? std::error_code() : error;
     }
-    const auto text = readWholeFile(file_, error);
-    if (!text) {
+    if (!openRegularFile(file_, O_RDWR, error).isOpen()) {
         return error == std::errc::no_such_file_or_directory ? std::error_code() : error;
     }
-    const Instant since = now - daysKept * day;
-    LineReader reader(zone);
-    ReplacementFile replacement(file_, ReplacementFile::Name::fixed);
-    bool keeps = false; // a line without a date shares the fate of the one before
-    bool changed = false;
-    forEachLine(*text, [&](std::string_view line) {
-        if (const auto time = reader.instant(line)) {
-            keeps = *time >= since;
-        }
-        changed |= !keeps;
-        if (keeps) {
-            replacement.write(std::string(line) + "\n");
-        }
-    });
-    return changed ? replacement.commit() : std::error_code();
+    const auto text = readRegularFile(file_, mostBytes, error);
+    if (!text) {
+        return error;
+    }
+    const std::string removed =
+        readRegularFile(removedFile(), mostBytes, error).value_or(std::string());
+    if (error && error != std::errc::no_such_file_or_directory) {
+        return error;
+    }
+    LogTrimming trimming(zone, *text, removed);
+    const Instant reference = trimming.reference(now);
+    const std::int64_t today = dayNumber(reference);
+    TrimmingNote note = TrimmingNote::of(*held);
+    trimming.decide(reference - daysKept * day, note.removedOn && today > *note.removedOn);
+    note.trimmedOn = dayNumber(now);
+    if (trimming.changesAnything() || !note.removedOn) {
+        note.removedOn = today;
+    }
+    note.write(*held);
+    if (!trimming.changesAnything()) {
+        return {};
+    }
+    // At any moment a line is in one of the two files at least.
+    if ((error = replace(removedFile(), trimming.removedMeanwhile())) ||
+        (error = replace(file_, trimming.kept()))) {
+        return error;
+    }
+    return replace(removedFile(), trimming.removed());
 }
 
 std::error_code ActivityLog::trimWhenDue(Instant now, const TimeZone& zone) {
-    std::string firstLine;
-    std::getline(std::ifstream(file_), firstLine);
-    const auto oldest = LineReader(zone).instant(firstLine);
-    const bool isDue = oldest && *oldest < now - (daysKept + 1) * day;
-    return isDue ? trim(now, zone) : std::error_code();
+    std::error_code error;
+    const Descriptor file = openRegularFile(file_, O_RDONLY, error);
+    if (!file.isOpen()) {
+        return error == std::errc::no_such_file_or_directory ? std::error_code() : error;
+    }
+    const auto firstLine = readToEnd(file.get(), error, 64);
+    const auto oldest = LineReader(zone).instant(firstLine.value_or(std::string()));
+    const bool isOld = oldest && *oldest < now - (daysKept + 1) * day;
+    return isOld || mayBringLinesBack(now) ? trim(now, zone) : std::error_code();
 }
 
-std::vector<ActivityEntry> ActivityLog::entries(Instant since, const TimeZone& zone) const {
-    std::error_code ignored; // a log that cannot be read shows what this run knows
-    const std::string text = readWholeFile(file_, ignored).value_or("") + waiting_;
+/// Once a day while there are removed lines.
+bool ActivityLog::mayBringLinesBack(Instant now) {
+    std::error_code ignored;
+    if (!std::filesystem::exists(std::filesystem::symlink_status(removedFile(), ignored))) {
+        return false;
+    }
+    const auto held = lock_.acquire(ignored);
+    return held && TrimmingNote::of(*held).trimmedOn != dayNumber(now);
+}
+
+std::vector<ActivityEntry> ActivityLog::entries(Instant since, const TimeZone& zone,
+                                                std::error_code& error) const {
+    const std::string text = readRegularFile(file_, mostBytes, error).value_or(std::string());
+    if (error == std::errc::no_such_file_or_directory) {
+        error.clear();
+    }
+    const std::string elsewhere = onDisk_.lines();
     std::vector<ActivityEntry> entries;
     LineReader reader(zone);
-    forEachLine(text, [&](std::string_view line) {
-        if (auto entry = reader.entry(line); entry && entry->time >= since) {
-            entries.push_back(*std::move(entry));
-        }
-    });
+    for (const std::string_view part :
+         {std::string_view(text), std::string_view(elsewhere), std::string_view(waiting_)}) {
+        forEachLine(part, [&](std::string_view line) {
+            if (auto entry = reader.entry(line); entry && entry->time >= since) {
+                entries.push_back(*std::move(entry));
+            }
+        });
+    }
+    if (!elsewhere.empty()) { // other lines were written since
+        std::ranges::stable_sort(entries, {}, &ActivityEntry::time);
+    }
     return entries;
 }
 

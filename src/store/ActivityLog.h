@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/FileLock.h"
+#include "platform/WaitingFile.h"
 #include "store/ActivityEntry.h"
 #include "text/Dates.h"
 
@@ -17,8 +19,13 @@ namespace vellmark {
 ///     2026-11-20 14:31:20 notice codex: Trying again in 20 s after a time-out
 ///
 /// that is local date and time, level, agent ("vellmark" for the program itself) and text. Lines
-/// are appended, by several processes if need be, and dropped after 30 days. Entries that cannot be
-/// written now are kept and written with the next. Not for use by several threads.
+/// are appended, by several processes if need be. Those that cannot be written now wait on disk
+/// beside the file where another process keeps it locked, else in memory, and are written with the
+/// next. Not for use by several threads.
+///
+/// Lines go after 30 days, counted from what RecordedDays says of the log's own dates, by way of
+/// "activity.removed.log": there they are until a later day agrees, and from there they come back
+/// when it says that they were not old.
 class ActivityLog {
 public:
     static constexpr int daysKept = 30;
@@ -30,18 +37,28 @@ public:
     std::error_code trim(Instant now, const TimeZone& zone);
     /// The same, once the oldest line is a day older than that; cheap to ask at every start.
     std::error_code trimWhenDue(Instant now, const TimeZone& zone);
-    /// The entries since `since`, oldest first; those that are not on disk are among them. Lines
-    /// that are no entries are left out.
-    std::vector<ActivityEntry> entries(Instant since, const TimeZone& zone) const;
+    /// The entries since `since`, oldest first; those that are not in the file are among them.
+    /// Lines that are no entries are left out. Where the file cannot be read, `error` says why.
+    std::vector<ActivityEntry> entries(Instant since, const TimeZone& zone,
+                                       std::error_code& error) const;
+    /// The same; a log that cannot be read shows what this run knows.
+    std::vector<ActivityEntry> entries(Instant since, const TimeZone& zone) const {
+        std::error_code ignored;
+        return entries(since, zone, ignored);
+    }
 
     /// The entry as a line, without its end. Control characters and line breaks are gone.
     static std::string line(const ActivityEntry& entry, const TimeZone& zone);
 
 private:
     std::error_code writeWaiting();
+    std::error_code write(std::string_view lines) const;
+    std::filesystem::path removedFile() const;
+    bool mayBringLinesBack(Instant now);
 
     std::filesystem::path file_;
-    std::filesystem::path lockFile_;
+    LockFile lock_;
+    WaitingFile onDisk_;
     /// Lines that are not on disk yet, each with its end.
     std::string waiting_;
 };

@@ -3,6 +3,7 @@
 #include "model/UsageTexts.h"
 #include "probes/ProviderRegistry.h"
 #include "text/Formatting.h"
+#include "text/TerminalText.h"
 
 #include <algorithm>
 #include <cmath>
@@ -56,9 +57,16 @@ std::string figuresText(const AgentUsageSnapshot& snapshot, const Localization& 
         if (!figures.empty()) {
             figures += ", ";
         }
-        figures += windowLabel(window.id, words, true) + " " + remainingText(window, words);
+        figures += windowLabel(window, words, true) + " " + remainingText(window, words);
     }
     return figures.empty() ? words.text("log.agent.noWindows") : figures;
+}
+
+/// The name of a way of reading; one that has none is called as it is.
+std::string wayText(const std::string& way, const Localization& words) {
+    const std::string key = "log.agent.way." + way;
+    const std::string text = words.text(key);
+    return text == key ? singleLine(way) : text;
 }
 
 ActivityEntry aboutAgent(Level level, const AgentProviderID& id, std::string text) {
@@ -126,6 +134,22 @@ std::vector<ActivityEntry> notes(const AgentUsageSnapshot& snapshot, const Local
                            words.format("log.claude.timing",
                                         {timing->waitMs, timing->startMs, timing->statusMs,
                                          timing->usageMs, timing->quietMs, timing->endMs})));
+        } else if (const auto* way = std::get_if<SnapshotNote::ReadingWay>(&note.value)) {
+            const Seconds took(static_cast<double>(way->tookMs) / 1000);
+            entries.push_back(
+                aboutAgent(Level::info, snapshot.id,
+                           words.format("log.agent.way",
+                                        {wayText(way->way, words), secondsText(took, words)})));
+        } else if (const auto* untold = std::get_if<SnapshotNote::AgeNotTold>(&note.value)) {
+            entries.push_back(
+                aboutAgent(Level::notice, snapshot.id,
+                           words.format("log.agent.ageNotTold", {singleLine(untold->version)})));
+        } else if (std::holds_alternative<SnapshotNote::ReadingCosts>(note.value)) {
+            entries.push_back(
+                aboutAgent(Level::notice, snapshot.id, words.text("log.agent.readingCosts")));
+        } else if (const auto* said = std::get_if<SnapshotNote::AgentSays>(&note.value)) {
+            entries.push_back(aboutAgent(Level::info, snapshot.id,
+                                         words.format("log.agent.says", {singleLine(said->text)})));
         }
     }
     return entries;
@@ -147,11 +171,26 @@ std::vector<ActivityEntry> turnedCritical(const AgentUsageSnapshot* before,
         if (!earlier || severity(*earlier, before->updatedAt) != Severity::critical) {
             entries.push_back(
                 aboutAgent(Level::notice, after.id,
-                           words.format("log.window.critical", {windowLabel(window.id, words),
+                           words.format("log.window.critical", {windowLabel(window, words),
                                                                 remainingText(window, words)})));
         }
     }
     return entries;
+}
+
+std::vector<ActivityEntry> allowanceChanged(const AgentUsageSnapshot* before,
+                                            const AgentUsageSnapshot& after,
+                                            const Localization& words) {
+    const bool isUsed = isUsedUp(after);
+    if (isUsed == (before && isUsedUp(*before))) {
+        return {};
+    }
+    // That it is back counts only when the agent says so itself.
+    if (!isUsed && !(after.allowance && after.allowance->ordinaryUsageAllowed == true)) {
+        return {};
+    }
+    return {aboutAgent(Level::notice, after.id,
+                       words.text(isUsed ? "log.agent.usedUp" : "log.agent.backAgain"))};
 }
 
 ActivityEntry agentSwitched(const AgentProviderID& id, bool enabled, const Localization& words) {
@@ -177,12 +216,24 @@ ActivityEntry storageTrouble(const StorageTrouble::News& news, const Localizatio
     case StorageTrouble::Kind::failed:
         return aboutProgram(Level::error,
                             words.format("log.storage.failed", {news.error.message()}));
+    case StorageTrouble::Kind::inTheWay:
+        return aboutProgram(Level::error,
+                            words.format("log.storage.inTheWay", {news.file.string()}));
     case StorageTrouble::Kind::recovered:
         return aboutProgram(Level::info, words.text("log.storage.recovered"));
     case StorageTrouble::Kind::repaired:
-        return aboutProgram(Level::notice, words.text("log.storage.repaired"));
+        return aboutProgram(Level::notice,
+                            words.format("log.storage.repaired", {news.file.filename().string()}));
     case StorageTrouble::Kind::foreign:
-        return aboutProgram(Level::error, words.text("log.storage.foreign"));
+        return aboutProgram(Level::error,
+                            words.format("log.storage.foreign", {news.file.string()}));
+    case StorageTrouble::Kind::undecoded:
+        return aboutProgram(
+            Level::notice,
+            news.part.empty()
+                ? words.format("log.storage.undecodedFile", {news.file.string()})
+                : words.format("log.storage.undecoded",
+                               {shortName(AgentProviderID(news.part), words), news.file.string()}));
     }
     return {};
 }

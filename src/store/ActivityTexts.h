@@ -34,6 +34,11 @@ std::vector<ActivityEntry> turnedCritical(const AgentUsageSnapshot* before,
                                           const AgentUsageSnapshot& after, Instant now,
                                           const Localization& words);
 
+/// An entry when the agent has begun to refuse, and when it says that it works again.
+std::vector<ActivityEntry> allowanceChanged(const AgentUsageSnapshot* before,
+                                            const AgentUsageSnapshot& after,
+                                            const Localization& words);
+
 ActivityEntry agentSwitched(const AgentProviderID& id, bool enabled, const Localization& words);
 ActivityEntry orderChanged(const std::vector<AgentProviderID>& order, const Localization& words);
 ActivityEntry storageTrouble(const StorageTrouble::News& news, const Localization& words);

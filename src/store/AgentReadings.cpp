@@ -1,5 +1,6 @@
 #include "store/AgentReadings.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace vellmark {
@@ -23,6 +24,17 @@ void AgentReadings::succeed(AgentUsageSnapshot reading) {
     shown_[reading.id] = std::move(reading);
 }
 
+void AgentReadings::fallBack(AgentUsageSnapshot reading, Instant attemptedAt) {
+    const AgentProviderID id = reading.id;
+    UsageProviderError error = std::move(*reading.error);
+    reading.error.reset();
+    const AgentUsageSnapshot* const good = lastGood(id);
+    if (!good || good->updatedAt < reading.updatedAt) {
+        lastGood_[id] = std::move(reading);
+    }
+    fail(id, std::move(error), attemptedAt);
+}
+
 void AgentReadings::fail(const AgentProviderID& id, UsageProviderError error, Instant attemptedAt) {
     AgentUsageSnapshot snapshot;
     if (const AgentUsageSnapshot* good = lastGood(id)) {
@@ -34,6 +46,27 @@ void AgentReadings::fail(const AgentProviderID& id, UsageProviderError error, In
     snapshot.updatedAt = attemptedAt;
     snapshot.error = std::move(error);
     shown_[id] = std::move(snapshot);
+}
+
+void AgentReadings::keepAbsentWindows(
+    AgentUsageSnapshot& reading, const std::function<Seconds(std::string_view)>& remembers) const {
+    const AgentUsageSnapshot* const good = lastGood(reading.id);
+    if (!good) {
+        return;
+    }
+    for (const UsageWindow& window : good->windows) {
+        const bool isThere = std::ranges::find(reading.windows, window.id, &UsageWindow::id) !=
+                             reading.windows.end();
+        const bool isOver = window.resetsAt && *window.resetsAt <= reading.updatedAt;
+        const Instant readAt = window.readAt.value_or(good->updatedAt);
+        const Seconds age = reading.updatedAt - readAt;
+        if (isThere || isOver ||
+            !(reading.isIncomplete || (remembers && age < remembers(window.id)))) {
+            continue;
+        }
+        reading.windows.push_back(window);
+        reading.windows.back().readAt = readAt;
+    }
 }
 
 void AgentReadings::abandon(const AgentProviderID& id) {

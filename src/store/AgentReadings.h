@@ -2,8 +2,10 @@
 
 #include "model/AgentUsageSnapshot.h"
 
+#include <functional>
 #include <map>
 #include <set>
+#include <string_view>
 #include <vector>
 
 namespace vellmark {
@@ -18,8 +20,16 @@ public:
     /// An agent of which nothing is known shows as loading until the attempt ends.
     void attempt(const AgentProviderID& id, Instant now);
     void succeed(AgentUsageSnapshot reading);
+    /// The agent gave only figures that it had kept: they take the place of older ones, as stale
+    /// and with their error.
+    void fallBack(AgentUsageSnapshot reading, Instant attemptedAt);
     /// The last good figures stay, as stale and with the error.
     void fail(const AgentProviderID& id, UsageProviderError error, Instant attemptedAt);
+    /// Adds to a reading the windows that the last good one had and this one left out, with their
+    /// age: all that are not over where the reading is incomplete, else those that are younger than
+    /// `remembers` says of them (empty: none).
+    void keepAbsentWindows(AgentUsageSnapshot& reading,
+                           const std::function<Seconds(std::string_view)>& remembers) const;
     /// The attempt was dropped: nothing is loading any more.
     void abandon(const AgentProviderID& id);
     void abandonAll();

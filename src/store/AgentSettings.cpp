@@ -1,5 +1,7 @@
 #include "store/AgentSettings.h"
 
+#include "text/Capitalization.h"
+
 #include <algorithm>
 #include <string>
 #include <string_view>
@@ -11,6 +13,9 @@ namespace {
 
 constexpr std::string_view disabledKey = "DisabledProviders";
 constexpr std::string_view orderKey = "ProviderOrder";
+
+constexpr double leastIntervalMinutes = 1;
+constexpr double mostIntervalMinutes = 24 * 60;
 
 std::vector<std::string> list(const Preferences& preferences, std::string_view key) {
     return preferences.strings(key).value_or(std::vector<std::string>{});
@@ -57,6 +62,21 @@ AgentSettings::completed(const std::vector<AgentProviderID>& wanted) const {
     std::ranges::for_each(wanted, append);
     std::ranges::for_each(registered_, append);
     return order;
+}
+
+ReadingOptions AgentSettings::readingOptions(const ProviderDescriptor& agent) const {
+    const std::string name = capitalized(agent.id.rawValue);
+    ReadingOptions options;
+    const auto way = preferences_.string(name + "ReadingWay");
+    // A way that only another version has is no way.
+    if (way && std::ranges::find(agent.readingWays, *way) != agent.readingWays.end()) {
+        options.way = *way;
+    }
+    const auto minutes = preferences_.number(name + "ReadingInterval");
+    if (minutes && *minutes >= leastIntervalMinutes && *minutes <= mostIntervalMinutes) {
+        options.interval = Seconds(*minutes * 60);
+    }
+    return options;
 }
 
 std::set<AgentProviderID> AgentSettings::enabled() const {

@@ -24,6 +24,11 @@ public:
     /// `wanted` without unknown agents and repetitions, followed by the agents that it leaves out.
     std::vector<AgentProviderID> completed(const std::vector<AgentProviderID>& wanted) const;
 
+    /// How an agent is to be read: the preferences "ClaudeReadingWay" (a way's name) and
+    /// "ClaudeReadingInterval" (minutes between readings that cost something); another agent's
+    /// begin with its own identifier.
+    ReadingOptions readingOptions(const ProviderDescriptor& agent) const;
+
     std::set<AgentProviderID> enabled() const;
     void setEnabled(const AgentProviderID& id, bool enabled);
 

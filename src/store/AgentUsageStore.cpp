@@ -1,9 +1,11 @@
 #include "store/AgentUsageStore.h"
 
+#include "platform/UnusedMemory.h"
 #include "store/ActivityLog.h"
 #include "store/ActivityTexts.h"
 #include "store/AgentReadings.h"
 #include "store/AgentSettings.h"
+#include "store/ReadingSchedule.h"
 #include "store/RefreshRun.h"
 #include "store/StateObservers.h"
 #include "store/StoreFiles.h"
@@ -34,14 +36,22 @@ struct AgentUsageStore::State {
     void note(ActivityEntry entry);
     void note(std::vector<ActivityEntry> entries);
     void noteTrouble(StoreFiles::File file, const StorageTrouble::News& news);
+    /// The settings are written by whoever changes them; this looks whether that went well.
+    void noteSettings();
 
     bool mayStart(RefreshTrigger trigger) const;
-    std::vector<AgentProviderID> askedFor(const std::vector<AgentProviderID>& named) const;
+    bool isWithinPause(Instant ended) const;
+    bool wasReadJustNow(const AgentProviderID& id) const;
+    std::vector<AgentProviderID> askedFor(RefreshTrigger trigger,
+                                          const std::vector<AgentProviderID>& named) const;
+    bool mayRead(const AgentProviderID& id, RefreshTrigger trigger) const;
     void begin(RefreshTrigger trigger, const std::vector<AgentProviderID>& ids);
     void join(RefreshTrigger trigger, const std::vector<AgentProviderID>& ids);
-    void startReading(const std::vector<AgentProviderID>& ids);
+    void startReading(RefreshTrigger trigger, const std::vector<AgentProviderID>& ids);
     void land(const AgentProviderID& id, const FetchOutcome& outcome, Seconds elapsed);
     void takeReading(AgentUsageSnapshot snapshot, Seconds elapsed);
+    void takeKeptFigures(AgentUsageSnapshot snapshot);
+    void recordNewFigures(const AgentUsageSnapshot& snapshot);
     void noteReading(const AgentUsageSnapshot& snapshot, Seconds elapsed);
     void takeFailure(const AgentProviderID& id, UsageProviderError error);
     void finishIfDone();
@@ -49,17 +59,22 @@ struct AgentUsageStore::State {
     void takeLastSnapshots();
     /// Makes `state.snapshots` of what is known, for the enabled agents in their order.
     void publishSnapshots();
+    void publishSchedule();
     void publishRecentPoints();
 
     Configuration config;
     MainExecutor& executor;
+    Preferences& preferences;
     AgentSettings settings;
+    StorageTrouble settingsTrouble;
     StateObservers observers;
     UsageState state;
     std::map<AgentProviderID, RefreshRun::Agent> agents;
     AgentReadings readings;
+    ReadingSchedule schedule;
     std::map<AgentProviderID, int> failedAttempts;
-    std::set<AgentProviderID> readWell; ///< by the running refresh
+    std::map<AgentProviderID, Instant> lastEnds; ///< of readings, good or bad
+    std::set<AgentProviderID> readWell;          ///< by the running refresh
     std::set<StoreFiles::File> failingFiles;
     Instant heldSince{};
     bool isTerminating = false;
@@ -69,9 +84,10 @@ struct AgentUsageStore::State {
 };
 
 AgentUsageStore::State::State(Configuration configuration, MainExecutor& mainExecutor,
-                              Preferences& preferences)
-    : config(std::move(configuration)), executor(mainExecutor),
+                              Preferences& userPreferences)
+    : config(std::move(configuration)), executor(mainExecutor), preferences(userPreferences),
       settings(preferences, config.registrations),
+      settingsTrouble(config.machine.configuration / "Vellmark/preferences.json"),
       files(config.machine, mainExecutor, config.now(), words().timeZone(),
             {.historyChanged =
                  [this] {
@@ -85,7 +101,13 @@ AgentUsageStore::State::State(Configuration configuration, MainExecutor& mainExe
       fetcher(mainExecutor) {
     for (const ProviderRegistration& registration : config.registrations) {
         const ProviderDescriptor& descriptor = registration.descriptor;
-        RefreshRun::Agent agent{descriptor.id, registration.make(config.machine), std::nullopt};
+        ReadingOptions options = settings.readingOptions(descriptor);
+        if (config.way && std::ranges::find(descriptor.readingWays, *config.way) !=
+                              descriptor.readingWays.end()) {
+            options.way = *config.way;
+        }
+        RefreshRun::Agent agent{descriptor.id, words().text(descriptor.nameKey),
+                                registration.make(config.machine, options), std::nullopt};
         if (descriptor.timeoutRetryDelaySeconds) {
             agent.timeoutRetryDelay = Seconds(*descriptor.timeoutRetryDelaySeconds);
         }
@@ -120,18 +142,32 @@ void AgentUsageStore::State::note(std::vector<ActivityEntry> entries) {
 
 void AgentUsageStore::State::noteTrouble(StoreFiles::File file, const StorageTrouble::News& news) {
     // A full disk fails every file; one entry says so, and one that it is over.
-    if (news.kind == StorageTrouble::Kind::failed) {
-        const bool isFirst = failingFiles.empty();
-        failingFiles.insert(file);
-        if (!isFirst) {
-            return;
-        }
-    } else if (news.kind == StorageTrouble::Kind::recovered) {
+    using Kind = StorageTrouble::Kind;
+    if (news.kind == Kind::recovered) {
         if (failingFiles.erase(file) == 0 || !failingFiles.empty()) {
             return;
         }
+    } else if (news.kind == Kind::failed || news.kind == Kind::inTheWay ||
+               news.kind == Kind::foreign) {
+        const bool isFirst = failingFiles.empty();
+        failingFiles.insert(file);
+        if (!isFirst && news.kind == Kind::failed) {
+            return;
+        }
     }
-    observers.around([&] { note(ActivityTexts::storageTrouble(news, words())); });
+    ActivityEntry entry = ActivityTexts::storageTrouble(news, words());
+    if (news.kind != Kind::recovered) {
+        config.storageTrouble(entry.text);
+    }
+    observers.around([&] { note(std::move(entry)); });
+}
+
+void AgentUsageStore::State::noteSettings() {
+    const auto error = preferences.writeError();
+    error ? settingsTrouble.failed(*error) : settingsTrouble.worked();
+    while (const auto news = settingsTrouble.takeNews()) {
+        noteTrouble(StoreFiles::File::settings, *news);
+    }
 }
 
 // --- refreshing
@@ -146,19 +182,37 @@ bool AgentUsageStore::State::mayStart(RefreshTrigger trigger) const {
         now() >= heldSince) {
         return false;
     }
-    if (trigger == RefreshTrigger::window && state.lastRefreshCompletedAt) {
-        const Seconds age = now() - *state.lastRefreshCompletedAt;
-        return age < Seconds(0) || age >= windowRefreshPause; // the clock may have been set back
+    return trigger != RefreshTrigger::window || !state.lastRefreshCompletedAt ||
+           !isWithinPause(*state.lastRefreshCompletedAt);
+}
+
+/// Whether it is too early for opening a window to read anew what was read at `ended`.
+bool AgentUsageStore::State::isWithinPause(Instant ended) const {
+    const Seconds age = now() - ended;
+    return age >= Seconds(0) && age < windowRefreshPause; // the clock may have been set back
+}
+
+bool AgentUsageStore::State::wasReadJustNow(const AgentProviderID& id) const {
+    const auto ended = lastEnds.find(id);
+    return ended != lastEnds.end() && isWithinPause(ended->second);
+}
+
+/// Whether the agent may be read now for this reason.
+bool AgentUsageStore::State::mayRead(const AgentProviderID& id, RefreshTrigger trigger) const {
+    const bool isRoutine = trigger == RefreshTrigger::timer || trigger == RefreshTrigger::window;
+    if (isRoutine && !schedule.isDue(id, now())) {
+        return false;
     }
-    return true;
+    return trigger == RefreshTrigger::manual || agents.at(id).provider->pace().automatic;
 }
 
 std::vector<AgentProviderID>
-AgentUsageStore::State::askedFor(const std::vector<AgentProviderID>& named) const {
+AgentUsageStore::State::askedFor(RefreshTrigger trigger,
+                                 const std::vector<AgentProviderID>& named) const {
     std::vector<AgentProviderID> asked;
     for (const AgentProviderID& id : state.providerOrder) {
         const bool wanted = named.empty() || std::ranges::find(named, id) != named.end();
-        if (wanted && state.enabledProviderIDs.contains(id)) {
+        if (wanted && state.enabledProviderIDs.contains(id) && mayRead(id, trigger)) {
             asked.push_back(id);
         }
     }
@@ -177,30 +231,33 @@ void AgentUsageStore::State::begin(RefreshTrigger trigger,
     observers.around([&] {
         note(ActivityTexts::refreshStarted(trigger, words()));
         run = std::make_unique<RefreshRun>(trigger, now(), fetcher, executor, std::move(callbacks));
-        startReading(ids);
+        startReading(trigger, ids);
     });
+    noteSettings();
 }
 
 void AgentUsageStore::State::join(RefreshTrigger trigger, const std::vector<AgentProviderID>& ids) {
-    if (trigger != RefreshTrigger::manual && trigger != RefreshTrigger::settings) {
-        return;
-    }
     std::vector<AgentProviderID> missing;
     for (const AgentProviderID& id : ids) {
-        // Also one that this refresh has already read: who asks now wants to know how it is now.
-        if (!run->isReading(id)) {
+        // Also one that this refresh has already read: who asks now wants to know how it is now,
+        // whatever holds up another agent.
+        if (!run->isReading(id) && !(trigger == RefreshTrigger::window && wasReadJustNow(id))) {
             missing.push_back(id);
         }
     }
     if (!missing.empty()) {
-        observers.around([&] { startReading(missing); });
+        observers.around([&] { startReading(trigger, missing); });
     }
 }
 
-void AgentUsageStore::State::startReading(const std::vector<AgentProviderID>& ids) {
+void AgentUsageStore::State::startReading(RefreshTrigger trigger,
+                                          const std::vector<AgentProviderID>& ids) {
+    const auto occasion = trigger == RefreshTrigger::manual ? UsageFetcher::Occasion::byHand
+                                                            : UsageFetcher::Occasion::automatic;
     for (const AgentProviderID& id : ids) {
         readWell.erase(id); // by an earlier reading of this refresh
-        run->start(agents.at(id));
+        run->start(agents.at(id), occasion);
+        schedule.attempted(id, now());
         readings.attempt(id, now());
     }
     state.isRefreshing = true;
@@ -210,6 +267,7 @@ void AgentUsageStore::State::startReading(const std::vector<AgentProviderID>& id
 
 void AgentUsageStore::State::land(const AgentProviderID& id, const FetchOutcome& outcome,
                                   Seconds elapsed) {
+    lastEnds[id] = now();
     if (const auto* snapshot = std::get_if<AgentUsageSnapshot>(&outcome)) {
         AgentUsageSnapshot reading = *snapshot;
         reading.id = id;
@@ -225,11 +283,19 @@ void AgentUsageStore::State::land(const AgentProviderID& id, const FetchOutcome&
 }
 
 void AgentUsageStore::State::takeReading(AgentUsageSnapshot snapshot, Seconds elapsed) {
+    if (snapshot.source == SnapshotSource::stale && snapshot.error) {
+        takeKeptFigures(std::move(snapshot));
+        return;
+    }
     snapshot.source = SnapshotSource::live;
     snapshot.error.reset();
     const AgentProviderID id = snapshot.id;
+    const auto registered = std::ranges::find(config.registrations, id,
+                                              [](const auto& one) { return one.descriptor.id; });
+    readings.keepAbsentWindows(snapshot, registered->descriptor.remembersWindow);
     readWell.insert(id);
-    files.record(snapshot);
+    schedule.succeeded(id, agents.at(id).provider->pace());
+    recordNewFigures(snapshot);
     observers.around([&] {
         noteReading(snapshot, elapsed);
         state.lastSuccess[id] = snapshot.updatedAt;
@@ -242,17 +308,48 @@ void AgentUsageStore::State::takeReading(AgentUsageSnapshot snapshot, Seconds el
     });
 }
 
+/// The history holds what was read, once, at the time at which it was read.
+void AgentUsageStore::State::recordNewFigures(const AgentUsageSnapshot& snapshot) {
+    const AgentUsageSnapshot* const last = readings.lastGood(snapshot.id);
+    if (last && last->updatedAt == snapshot.updatedAt) {
+        return; // the agent repeats itself
+    }
+    AgentUsageSnapshot fresh = snapshot;
+    std::erase_if(fresh.windows,
+                  [](const UsageWindow& window) { return window.readAt.has_value(); });
+    files.record(std::move(fresh));
+}
+
+/// The attempt failed, but the agent's CLI had figures of its own, which may be newer than ours.
+void AgentUsageStore::State::takeKeptFigures(AgentUsageSnapshot snapshot) {
+    const AgentProviderID id = snapshot.id;
+    ++failedAttempts[id];
+    schedule.failed(id, agents.at(id).provider->pace(), snapshot.error->isOfService());
+    observers.around([&] {
+        note(ActivityTexts::agentFailed(id, *snapshot.error, words()));
+        note(ActivityTexts::notes(snapshot, words()));
+        state.refreshProgress = run->progress();
+        readings.fallBack(std::move(snapshot), now());
+        state.lastSuccess[id] = readings.lastGood(id)->updatedAt;
+        files.save(readings.lastGood(), now());
+        publishSnapshots();
+        publishRecentPoints();
+    });
+}
+
 void AgentUsageStore::State::noteReading(const AgentUsageSnapshot& snapshot, Seconds elapsed) {
     if (const auto failed = failedAttempts.extract(snapshot.id)) {
         note(ActivityTexts::agentRecovered(snapshot.id, failed.mapped(), words()));
     }
     note(ActivityTexts::agentRead(snapshot, elapsed, words()));
     note(ActivityTexts::turnedCritical(readings.lastGood(snapshot.id), snapshot, now(), words()));
+    note(ActivityTexts::allowanceChanged(readings.lastGood(snapshot.id), snapshot, words()));
     note(ActivityTexts::notes(snapshot, words()));
 }
 
 void AgentUsageStore::State::takeFailure(const AgentProviderID& id, UsageProviderError error) {
     ++failedAttempts[id];
+    schedule.failed(id, agents.at(id).provider->pace(), error.isOfService());
     observers.around([&] {
         note(ActivityTexts::agentFailed(id, error, words()));
         state.refreshProgress = run->progress();
@@ -273,10 +370,26 @@ void AgentUsageStore::State::finishIfDone() {
         state.refreshProgress = 1;
         state.lastRefreshCompletedAt = now();
     });
+    // What the agents have said is gone by the next turn; what it took is not needed for long.
+    executor.post(releaseUnusedMemory);
 }
 
 void AgentUsageStore::State::publishSnapshots() {
     state.snapshots = readings.shown(state.providerOrder, state.enabledProviderIDs);
+    publishSchedule();
+}
+
+void AgentUsageStore::State::publishSchedule() {
+    state.restsUntil.clear();
+    state.readByHandOnly.clear();
+    for (const AgentUsageSnapshot& snapshot : state.snapshots) {
+        if (const auto end = schedule.restsUntil(snapshot.id, now())) {
+            state.restsUntil[snapshot.id] = *end;
+        }
+        if (!agents.at(snapshot.id).provider->pace().automatic) {
+            state.readByHandOnly.insert(snapshot.id);
+        }
+    }
 }
 
 void AgentUsageStore::State::publishRecentPoints() {
@@ -284,7 +397,7 @@ void AgentUsageStore::State::publishRecentPoints() {
     for (const AgentUsageSnapshot& snapshot : state.snapshots) {
         for (const UsageWindow& window : snapshot.windows) {
             WindowKey key(snapshot.id, window.id);
-            auto points = files.history().recent(key, now() - recentSpan);
+            auto points = files.history().recent(key, now() - recentSpan, now());
             if (!points.empty()) {
                 state.recentPoints.emplace(std::move(key), std::move(points));
             }
@@ -312,7 +425,7 @@ void AgentUsageStore::refresh(RefreshTrigger trigger, const std::vector<AgentPro
     if (!d_->mayStart(trigger)) {
         return;
     }
-    const auto asked = d_->askedFor(agents);
+    const auto asked = d_->askedFor(trigger, agents);
     if (d_->run) {
         d_->join(trigger, asked);
     } else if (!asked.empty()) {
@@ -349,6 +462,7 @@ void AgentUsageStore::setEnabled(const AgentProviderID& id, bool enabled) {
         return;
     }
     d_->settings.setEnabled(id, enabled);
+    d_->noteSettings();
     d_->observers.around([&] {
         d_->note(ActivityTexts::agentSwitched(id, enabled, d_->words()));
         if (enabled) {
@@ -377,6 +491,7 @@ void AgentUsageStore::setProviderOrder(std::vector<AgentProviderID> order) {
         return;
     }
     d_->settings.setOrder(order);
+    d_->noteSettings();
     d_->observers.around([&] {
         d_->note(ActivityTexts::orderChanged(order, d_->words()));
         d_->state.providerOrder = std::move(order);

@@ -32,6 +32,11 @@ public:
         std::function<Instant()> now = [] { return ReferenceClock::now(); };
         /// When set, these agents count as enabled and no others, whatever the preferences say.
         std::optional<std::set<AgentProviderID>> agents;
+        /// When set, agents that can be read in this way are, whatever the preferences say.
+        std::optional<std::string> way;
+        /// Told on the main thread, in the user's words, of whatever the log says about files that
+        /// cannot be read or written; for a front that does not show the log.
+        std::function<void(const std::string&)> storageTrouble = [](const std::string&) {};
     };
 
     /// Told on the main thread before a change of the state lands and again after it. `willChange`
@@ -54,9 +59,11 @@ public:
     [[nodiscard]] std::shared_ptr<Subscription> observe(Observer observer);
 
     /// Refreshes the enabled agents, or those of them that are named. A request during a running
-    /// refresh is merged into it: `manual` and `settings` start agents that it does not read.
-    /// `timer` and `window` do nothing while automatic refreshes are held, `window` also within
-    /// 60 s of the last refresh's end.
+    /// refresh is merged into it and starts every agent that is not being read, whatever holds up
+    /// another one. `timer` and `window` do nothing while automatic refreshes are held; `window`
+    /// also not within 60 s of the last refresh's end, or of an agent's reading by a running one.
+    /// Both leave alone an agent whose service has refused lately (see ReadingSchedule). All but
+    /// `manual` leave alone one that would spend quota.
     void refresh(RefreshTrigger trigger, const std::vector<AgentProviderID>& agents = {});
     /// Ends a running refresh and its children and logs that the program is ending; no result
     /// lands afterwards, and no refresh starts any more.

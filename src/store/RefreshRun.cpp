@@ -27,10 +27,11 @@ RefreshRun::~RefreshRun() {
     }
 }
 
-void RefreshRun::start(const Agent& agent) {
+void RefreshRun::start(const Agent& agent, UsageFetcher::Occasion occasion) {
     ended_.erase(agent.id);
     Reading& reading = readings_[agent.id];
     reading.agent = agent;
+    reading.occasion = occasion;
     reading.startedAt = std::chrono::steady_clock::now();
     fetch(reading);
 }
@@ -49,10 +50,11 @@ double RefreshRun::progress() const {
 }
 
 void RefreshRun::fetch(Reading& reading) {
-    reading.ticket = fetcher_.start(
-        reading.agent.provider, [this, id = reading.agent.id](const FetchOutcome& outcome) {
-            land(id, outcome); // a run that has gone has dropped its tickets
-        });
+    reading.ticket =
+        fetcher_.start(reading.agent.provider, reading.agent.name, reading.occasion,
+                       [this, id = reading.agent.id](const FetchOutcome& outcome) {
+                           land(id, outcome); // a run that has gone has dropped its tickets
+                       });
 }
 
 void RefreshRun::land(const AgentProviderID& id, const FetchOutcome& outcome) {

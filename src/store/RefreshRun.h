@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <string>
 
 namespace vellmark {
 
@@ -21,6 +22,8 @@ class RefreshRun {
 public:
     struct Agent {
         AgentProviderID id;
+        /// What a fetch that does not come to its end is called.
+        std::string name;
         std::shared_ptr<AgentUsageProvider> provider;
         std::optional<Seconds> timeoutRetryDelay;
     };
@@ -39,7 +42,7 @@ public:
     RefreshTrigger trigger() const { return trigger_; }
     Instant startedAt() const { return startedAt_; }
 
-    void start(const Agent& agent);
+    void start(const Agent& agent, UsageFetcher::Occasion occasion);
     void drop(const AgentProviderID& id);
 
     bool isReading(const AgentProviderID& id) const { return readings_.contains(id); }
@@ -50,6 +53,7 @@ public:
 private:
     struct Reading {
         Agent agent;
+        UsageFetcher::Occasion occasion{};
         UsageFetcher::Ticket ticket = 0;
         std::optional<MainExecutor::Timer> retryTimer;
         bool isRetry = false;

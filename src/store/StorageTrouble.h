@@ -1,6 +1,11 @@
 #pragma once
 
+#include "platform/RegularFile.h"
+
+#include <deque>
+#include <filesystem>
 #include <optional>
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -12,36 +17,61 @@ class StorageTrouble {
 public:
     enum class Kind {
         failed,    ///< `error` says why
+        inTheWay,  ///< something else stands in the place of `file`
         recovered, ///< what was held back is on disk
-        repaired,  ///< the file was damaged and is repaired
-        foreign,   ///< the file is of another form and is not written
+        repaired,  ///< the file was damaged and is repaired; `file` is what it was
+        foreign,   ///< `file` is of another form and is not written
+        undecoded, ///< `part` of `file` cannot be understood; all of it when there is none
     };
     struct News {
         Kind kind = Kind::failed;
         std::error_code error;
+        std::filesystem::path file;
+        std::string part;
     };
 
-    void failed(std::error_code error) { begin({Kind::failed, error}); }
-    void foreign() { begin({Kind::foreign, {}}); }
-    void repaired() { news_ = News{Kind::repaired, {}}; }
+    explicit StorageTrouble(std::filesystem::path file) : file_(std::move(file)) {}
+
+    void failed(std::error_code error) {
+        if (error == notRegularFile()) {
+            begin({Kind::inTheWay, error, fileInTheWay(file_), {}});
+        } else {
+            begin({Kind::failed, error, file_, {}});
+        }
+    }
+    void foreign() { begin({Kind::foreign, {}, file_, {}}); }
+    void repaired(std::filesystem::path aside) {
+        news_.push_back({Kind::repaired, {}, std::move(aside), {}});
+    }
+    void undecoded(std::string part = {}) {
+        news_.push_back({Kind::undecoded, {}, file_, std::move(part)});
+    }
     void worked() {
         if (std::exchange(lasts_, false)) {
-            news_ = News{Kind::recovered, {}};
+            news_.push_back({Kind::recovered, {}, file_, {}});
         }
     }
 
-    /// What happened since the last call.
-    std::optional<News> takeNews() { return std::exchange(news_, std::nullopt); }
+    /// The next of what happened; absent when all of it was taken.
+    std::optional<News> takeNews() {
+        if (news_.empty()) {
+            return std::nullopt;
+        }
+        News first = std::move(news_.front());
+        news_.pop_front();
+        return first;
+    }
 
 private:
     void begin(News news) {
         if (!std::exchange(lasts_, true)) {
-            news_ = news;
+            news_.push_back(std::move(news));
         }
     }
 
+    std::filesystem::path file_;
     bool lasts_ = false;
-    std::optional<News> news_;
+    std::deque<News> news_;
 };
 
 } // namespace vellmark

@@ -15,12 +15,13 @@ struct StoreFiles::State {
     State(const Machine& machine, MainExecutor& mainExecutor, Callbacks mainCallbacks)
         : executor(mainExecutor), callbacks(std::make_shared<Callbacks>(std::move(mainCallbacks))),
           recorder(machine.usageHistoryFile(), history), snapshots(machine.lastSnapshotsFile()),
-          log(machine.activityLogFile()) {}
+          snapshotsTrouble(machine.lastSnapshotsFile()), log(machine.activityLogFile()),
+          logTrouble(machine.activityLogFile()) {}
 
     // All below run on the persistence thread.
 
     void tellTrouble(File file, StorageTrouble& trouble) {
-        if (const auto news = trouble.takeNews()) {
+        while (const auto news = trouble.takeNews()) {
             executor.post([weak = std::weak_ptr(callbacks), file, news = *news] {
                 if (const auto alive = weak.lock()) {
                     alive->trouble(file, news);
@@ -72,8 +73,14 @@ const UsageHistory& StoreFiles::history() const {
     return *d_->history;
 }
 
-std::vector<AgentUsageSnapshot> StoreFiles::lastSnapshots() const {
-    return d_->snapshots.read();
+std::vector<AgentUsageSnapshot> StoreFiles::lastSnapshots() {
+    auto contents = d_->snapshots.contents();
+    auto readings = std::move(contents.readings);
+    d_->queue.post([d = d_.get(), contents = std::move(contents)] {
+        contents.tell(d->snapshotsTrouble);
+        d->tellTrouble(File::lastSnapshots, d->snapshotsTrouble);
+    });
+    return readings;
 }
 
 void StoreFiles::record(AgentUsageSnapshot reading) {

@@ -22,7 +22,7 @@ class UsageHistory;
 /// it writes what is left to write.
 class StoreFiles {
 public:
-    enum class File { history, lastSnapshots, log };
+    enum class File { history, lastSnapshots, log, settings };
 
     /// Called on the main thread, not after the destruction.
     struct Callbacks {
@@ -39,8 +39,9 @@ public:
     StoreFiles& operator=(const StoreFiles&) = delete;
 
     const UsageHistory& history() const;
-    /// Reads the file at once; to be asked before anything is saved.
-    std::vector<AgentUsageSnapshot> lastSnapshots() const;
+    /// Reads the file at once; to be asked before anything is saved. What cannot be understood of
+    /// it is told.
+    std::vector<AgentUsageSnapshot> lastSnapshots();
 
     void record(AgentUsageSnapshot reading);
     void save(std::map<AgentProviderID, AgentUsageSnapshot> readings, Instant now);

@@ -20,22 +20,33 @@ using FetchOutcome = std::variant<AgentUsageSnapshot, UsageProviderError, Unexpe
 
 /// Runs fetches, each on a thread of its own, and brings their outcomes to the main thread.
 ///
-/// Main thread only. A dropped fetch never reports; its children are ended. Destroying the fetcher
-/// drops all and waits for the threads up to `exitPatience`; one that is stuck beyond that is left
-/// behind, with nothing of the fetcher's in its reach.
+/// Main thread only. A fetch that is not over after `fetchLimit`, whatever it waits for, is
+/// abandoned: it counts as timed out, and its thread may end when it will. A dropped fetch never
+/// reports. The children of both are ended. Destroying the fetcher drops all and waits for the
+/// threads, but those abandoned, up to `exitPatience`; one that is stuck beyond that is left
+/// behind, with nothing of the fetcher's in its reach, and noted for the program's end.
 class UsageFetcher {
 public:
     using Ticket = std::uint64_t;
     using Completion = std::function<void(FetchOutcome)>;
+    /// Beyond the limits of every probe's children, which are the ones to be met.
+    static constexpr Seconds fetchLimit{90};
     static constexpr Seconds exitPatience{3};
+    /// So many stuck fetches of one provider are left alone; a further one times out at once.
+    static constexpr int mostStuck = 3;
 
     explicit UsageFetcher(MainExecutor& executor);
     ~UsageFetcher();
     UsageFetcher(const UsageFetcher&) = delete;
     UsageFetcher& operator=(const UsageFetcher&) = delete;
 
-    /// `completion` runs on the main thread, later, unless the ticket is dropped before.
-    Ticket start(std::shared_ptr<AgentUsageProvider> provider, Completion completion);
+    /// Whether the user has asked for the reading.
+    enum class Occasion { byHand, automatic };
+
+    /// `completion` runs on the main thread, later, unless the ticket is dropped before. `name` is
+    /// what has timed out when the fetch is abandoned.
+    Ticket start(std::shared_ptr<AgentUsageProvider> provider, std::string name, Occasion occasion,
+                 Completion completion);
     void drop(Ticket ticket);
 
 private:

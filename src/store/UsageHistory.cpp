@@ -88,38 +88,37 @@ void HistorySeries::add(std::string_view provider, std::string_view windowID,
                         const HistoryPoint& point) {
     auto found = series_.find(std::pair(provider, windowID));
     if (found == series_.end()) {
-        found = series_.emplace(Key(provider, windowID), std::vector<HistoryPoint>{}).first;
+        found = series_.emplace(Key(provider, windowID), Series{}).first;
     }
-    auto& points = found->second;
-    if (points.empty() || points.back().capturedAt <= point.capturedAt) {
-        points.push_back(point);
-    } else {
-        points.insert(
-            std::ranges::upper_bound(points, point.capturedAt, {}, &HistoryPoint::capturedAt),
-            point);
-    }
+    auto& [points, ordered] = found->second;
+    const bool isInOrder = ordered == points.size() &&
+                           (points.empty() || points.back().capturedAt <= point.capturedAt);
+    points.push_back(point);
+    ordered += isInOrder;
     ++sampleCount_;
 }
 
-std::span<const HistoryPoint> HistorySeries::of(const WindowKey& key) const {
+std::span<const HistoryPoint> HistorySeries::of(const WindowKey& key) {
     const auto found =
         series_.find(std::pair(std::string_view(key.first.rawValue), std::string_view(key.second)));
-    return found == series_.end() ? std::span<const HistoryPoint>{} : found->second;
-}
-
-std::vector<WindowKey> HistorySeries::keys() const {
-    std::vector<WindowKey> keys;
-    for (const auto& [key, points] : series_) {
-        keys.emplace_back(AgentProviderID(key.first), key.second);
+    if (found == series_.end()) {
+        return {};
     }
-    return keys;
+    auto& [points, ordered] = found->second;
+    if (ordered != points.size()) {
+        const auto late = points.begin() + static_cast<std::ptrdiff_t>(ordered);
+        std::ranges::stable_sort(late, points.end(), {}, &HistoryPoint::capturedAt);
+        std::ranges::inplace_merge(points, late, {}, &HistoryPoint::capturedAt);
+        ordered = points.size();
+    }
+    return points;
 }
 
 std::size_t HistorySeries::bytesHeld() const {
     std::size_t bytes = 0;
-    for (const auto& [key, points] : series_) {
-        bytes += points.capacity() * sizeof(HistoryPoint) + sizeof(key) + key.first.capacity() +
-                 key.second.capacity();
+    for (const auto& [key, series] : series_) {
+        bytes += series.points.capacity() * sizeof(HistoryPoint) + sizeof(key) +
+                 key.first.capacity() + key.second.capacity();
     }
     return bytes;
 }
@@ -136,10 +135,21 @@ std::size_t UsageHistory::bytesHeld() const {
     return series_.bytesHeld();
 }
 
-std::optional<HistoryPoint> UsageHistory::last(const WindowKey& key) const {
+std::optional<HistoryPoint> UsageHistory::last(const WindowKey& key, Instant until) const {
     const std::lock_guard hold(lock_);
     const auto points = series_.of(key);
-    return points.empty() ? std::nullopt : std::optional(points.back());
+    const auto end = std::ranges::upper_bound(points, until, {}, &HistoryPoint::capturedAt);
+    return end == points.begin() ? std::nullopt : std::optional(*std::prev(end));
+}
+
+bool UsageHistory::contains(const UsageHistorySample& sample) const {
+    const std::lock_guard hold(lock_);
+    const HistoryPoint wanted(sample.capturedAt, sample.usedPercent, sample.resetsAt);
+    const auto same = std::ranges::equal_range(series_.of({sample.provider, sample.windowID}),
+                                               sample.capturedAt, {}, &HistoryPoint::capturedAt);
+    return std::ranges::any_of(same, [&](const HistoryPoint& point) {
+        return point.usedPercent == wanted.usedPercent && point.resetsAt() == wanted.resetsAt();
+    });
 }
 
 HistoryCourse UsageHistory::course(const WindowKey& key, Instant from, Instant to,
@@ -170,12 +180,15 @@ HistoryCourse UsageHistory::course(const WindowKey& key, Instant from, Instant t
     return course;
 }
 
-std::vector<UsagePoint> UsageHistory::recent(const WindowKey& key, Instant since) const {
+std::vector<UsagePoint> UsageHistory::recent(const WindowKey& key, Instant since,
+                                             Instant until) const {
     const std::lock_guard hold(lock_);
     const auto points = series_.of(key);
+    const auto begin = std::ranges::lower_bound(points, since, {}, &HistoryPoint::capturedAt);
+    const auto end =
+        std::ranges::upper_bound(begin, points.end(), until, {}, &HistoryPoint::capturedAt);
     std::vector<UsagePoint> recent;
-    std::transform(std::ranges::lower_bound(points, since, {}, &HistoryPoint::capturedAt),
-                   points.end(), std::back_inserter(recent), usagePoint);
+    std::transform(begin, end, std::back_inserter(recent), usagePoint);
     return recent;
 }
 

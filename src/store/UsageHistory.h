@@ -34,14 +34,13 @@ struct HistoryCourse {
     std::vector<Instant> resets;
 };
 
-/// The samples of all windows in memory, 24 bytes each, in the order of time. A plain value.
+/// The samples of all windows in memory, 24 bytes each. A plain value.
 class HistorySeries {
 public:
-    /// Keeps the order within the key, also when an older sample comes late.
+    /// Older samples may come late.
     void add(std::string_view provider, std::string_view windowID, const HistoryPoint& point);
-    /// Oldest first; empty for an unknown key.
-    std::span<const HistoryPoint> of(const WindowKey& key) const;
-    std::vector<WindowKey> keys() const;
+    /// Oldest first; empty for an unknown key. Puts what came late into its place.
+    std::span<const HistoryPoint> of(const WindowKey& key);
     std::size_t sampleCount() const { return sampleCount_; }
     std::size_t bytesHeld() const;
 
@@ -55,7 +54,12 @@ private:
                               : std::string_view(left.second) < std::string_view(right.second);
         }
     };
-    std::map<Key, std::vector<HistoryPoint>, Less> series_;
+    /// The first `ordered` points are in the order of time, the others as they came.
+    struct Series {
+        std::vector<HistoryPoint> points;
+        std::size_t ordered = 0;
+    };
+    std::map<Key, Series, Less> series_;
     std::size_t sampleCount_ = 0;
 };
 
@@ -65,22 +69,25 @@ public:
     std::size_t sampleCount() const;
     std::size_t bytesHeld() const;
 
-    /// The newest sample of a window; for whoever decides about the next.
-    std::optional<HistoryPoint> last(const WindowKey& key) const;
+    /// The newest sample of a window that is not younger than `until`; for whoever decides about
+    /// the next. One from a time when the clock was ahead is not it.
+    std::optional<HistoryPoint> last(const WindowKey& key, Instant until) const;
+    /// Whether this very sample is there.
+    bool contains(const UsageHistorySample& sample) const;
 
     /// The samples from `from` to `to`, and the one before, which says where the line comes from;
     /// reduced to at most `maximum` points (at least 4) without losing the highest or lowest.
     HistoryCourse course(const WindowKey& key, Instant from, Instant to, std::size_t maximum) const;
 
-    /// The samples since `since`, for a forecast.
-    std::vector<UsagePoint> recent(const WindowKey& key, Instant since) const;
+    /// The samples from `since` to `until`, for a forecast.
+    std::vector<UsagePoint> recent(const WindowKey& key, Instant since, Instant until) const;
 
     void add(const UsageHistorySample& sample);
     void replace(HistorySeries series);
 
 private:
     mutable std::mutex lock_;
-    HistorySeries series_;
+    mutable HistorySeries series_; ///< under `lock_`; orders itself when it is asked
 };
 
 /// Whether a reading is worth a sample: the figures differ from the last sample's (the reset time

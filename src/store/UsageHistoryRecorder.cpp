@@ -1,5 +1,10 @@
 #include "store/UsageHistoryRecorder.h"
 
+#include "model/HistorySampleParser.h"
+#include "model/UsageJSON.h"
+
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <utility>
 
@@ -7,15 +12,28 @@ namespace vellmark {
 
 namespace {
 
-WindowKey keyOf(const UsageHistorySample& sample) {
-    return {sample.provider, sample.windowID};
+UsageHistorySample sampleOf(const StoredHistorySample& stored) {
+    UsageHistorySample sample;
+    sample.provider = AgentProviderID(std::string(stored.provider));
+    sample.windowID = stored.windowID;
+    sample.capturedAt = Instant(Seconds(stored.capturedAt));
+    sample.usedPercent = stored.usedPercent;
+    if (stored.resetsAt) {
+        sample.resetsAt = Instant(Seconds(*stored.resetsAt));
+    }
+    return sample;
+}
+
+void add(HistorySeries& series, const UsageHistorySample& sample) {
+    series.add(sample.provider.rawValue, sample.windowID,
+               HistoryPoint(sample.capturedAt, sample.usedPercent, sample.resetsAt));
 }
 
 } // namespace
 
 UsageHistoryRecorder::UsageHistoryRecorder(std::filesystem::path file,
                                            std::shared_ptr<UsageHistory> history)
-    : file_(std::move(file)), history_(std::move(history)) {}
+    : file_(file), waiting_(file), history_(std::move(history)), trouble_(std::move(file)) {}
 
 void UsageHistoryRecorder::load(Instant now) {
     compact(now);
@@ -23,11 +41,11 @@ void UsageHistoryRecorder::load(Instant now) {
 
 bool UsageHistoryRecorder::record(const AgentUsageSnapshot& snapshot) {
     std::error_code error;
-    const auto held = file_.lock(lockPatience, error);
+    const auto held = file_.lock(error);
     const std::size_t before = history_->sampleCount();
     const bool mayWrite = catchUp(held ? &*held : nullptr);
     for (const UsageWindow& window : snapshot.windows) {
-        const auto last = history_->last({snapshot.id, window.id});
+        const auto last = history_->last({snapshot.id, window.id}, snapshot.updatedAt);
         if (!isWorthRecording(window, snapshot.updatedAt, last)) {
             continue;
         }
@@ -35,9 +53,7 @@ bool UsageHistoryRecorder::record(const AgentUsageSnapshot& snapshot) {
         sample.id = UUID::make();
         sample.provider = snapshot.id;
         sample.windowID = window.id;
-        // The clock may have been set back; the order of a window's samples holds all the same.
-        sample.capturedAt =
-            last ? std::max(snapshot.updatedAt, last->capturedAt) : snapshot.updatedAt;
+        sample.capturedAt = snapshot.updatedAt;
         sample.usedPercent = window.usedPercent;
         sample.resetsAt = window.resetsAt;
         history_->add(sample);
@@ -46,15 +62,19 @@ bool UsageHistoryRecorder::record(const AgentUsageSnapshot& snapshot) {
     if (!held && error != std::errc::resource_unavailable_try_again && !heldBack_.empty()) {
         trouble_.failed(error);
     }
-    write(held ? &*held : nullptr, mayWrite);
+    if (held && mayWrite) {
+        write(*held);
+    }
+    holdBack();
     return history_->sampleCount() != before;
 }
 
 bool UsageHistoryRecorder::compact(Instant now) {
     std::error_code error;
-    const auto held = file_.lock(lockPatience, error);
+    const auto held = file_.lock(error);
     const std::size_t before = history_->sampleCount();
     if (catchUp(held ? &*held : nullptr) && held) {
+        takeOverWaiting(*held);
         if (const auto failure = file_.compact(*held, now, listener())) {
             trouble_.failed(failure);
             reloaded_.reset(); // told in part; memory stays as it is, like the file
@@ -75,7 +95,7 @@ bool UsageHistoryRecorder::catchUp(const FileLock* held) {
     case UsageHistoryFile::State::writable:
         return true;
     case UsageHistoryFile::State::repaired:
-        trouble_.repaired();
+        trouble_.repaired(status.aside);
         return true;
     case UsageHistoryFile::State::damaged:
     case UsageHistoryFile::State::unreadable:
@@ -95,27 +115,26 @@ UsageHistoryFile::Listener UsageHistoryRecorder::listener() {
         .restart = [this] { reloaded_ = std::make_unique<HistorySeries>(); },
         .sample =
             [this](const StoredHistorySample& stored) {
+                if (!reloaded_) {
+                    learn(stored);
+                    return;
+                }
                 std::optional<Instant> resetsAt;
                 if (stored.resetsAt) {
                     resetsAt = Instant(Seconds(*stored.resetsAt));
                 }
-                const Instant capturedAt{Seconds(stored.capturedAt)};
-                if (reloaded_) {
-                    reloaded_->add(stored.provider, stored.windowID,
-                                   HistoryPoint(capturedAt, stored.usedPercent, resetsAt));
-                    return;
-                }
-                UsageHistorySample sample;
-                sample.provider = AgentProviderID(std::string(stored.provider));
-                sample.windowID = stored.windowID;
-                sample.capturedAt = capturedAt;
-                sample.usedPercent = stored.usedPercent;
-                sample.resetsAt = resetsAt;
-                Instant& last = lastOnDisk_[keyOf(sample)];
-                last = std::max(last, capturedAt);
-                history_->add(sample);
+                reloaded_->add(stored.provider, stored.windowID,
+                               HistoryPoint(Instant(Seconds(stored.capturedAt)), stored.usedPercent,
+                                            resetsAt));
             },
     };
+}
+
+/// What this process or another has put into one of the files; its own it knows already.
+void UsageHistoryRecorder::learn(const StoredHistorySample& stored) {
+    if (const UsageHistorySample sample = sampleOf(stored); !history_->contains(sample)) {
+        history_->add(sample);
+    }
 }
 
 /// Publishes a reloaded file together with what it does not hold yet.
@@ -123,40 +142,69 @@ void UsageHistoryRecorder::takeOver() {
     if (!reloaded_) {
         return;
     }
-    lastOnDisk_.clear();
-    for (const WindowKey& key : reloaded_->keys()) {
-        lastOnDisk_[key] = reloaded_->of(key).back().capturedAt;
-    }
     for (const UsageHistorySample& sample : heldBack_) {
-        reloaded_->add(sample.provider.rawValue, sample.windowID,
-                       HistoryPoint(sample.capturedAt, sample.usedPercent, sample.resetsAt));
+        add(*reloaded_, sample);
     }
     history_->replace(std::move(*reloaded_));
     reloaded_.reset();
+    HistorySampleParser parser;
+    StoredHistorySample stored;
+    const std::string waiting = waiting_.lines();
+    for (std::string_view rest = waiting; !rest.empty();) {
+        const auto end = std::min(rest.find('\n'), rest.size());
+        if (parser.parse(rest.substr(0, end), stored) == HistorySampleParser::Result::sample) {
+            learn(stored);
+        }
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
 }
 
-void UsageHistoryRecorder::write(const FileLock* held, bool mayWrite) {
-    if (heldBack_.empty() || !held || !mayWrite) {
+/// Puts into the file what it does not hold yet.
+void UsageHistoryRecorder::write(const FileLock& held) {
+    if (!takeOverWaiting(held) || heldBack_.empty()) {
         return;
     }
-    // What waited for long may be older than what another process wrote meanwhile.
-    std::erase_if(heldBack_, [this](const UsageHistorySample& sample) {
-        const auto last = lastOnDisk_.find(keyOf(sample));
-        return last != lastOnDisk_.end() && sample.capturedAt < last->second;
-    });
-    if (heldBack_.empty()) {
-        return;
-    }
-    if (const auto error = file_.append(*held, heldBack_)) {
+    if (const auto error = file_.append(held, heldBack_)) {
         trouble_.failed(error);
         return;
     }
     file_.sync();
-    for (const UsageHistorySample& sample : heldBack_) {
-        lastOnDisk_[keyOf(sample)] = sample.capturedAt;
-    }
     heldBack_.clear();
     trouble_.worked();
+}
+
+/// False when the file cannot be written.
+bool UsageHistoryRecorder::takeOverWaiting(const FileLock& held) {
+    std::error_code error;
+    waiting_.takeOver([&](std::string_view lines) {
+        error = file_.appendLines(held, lines,
+                                  [this](const StoredHistorySample& stored) { learn(stored); });
+        if (error) {
+            trouble_.failed(error);
+            return false;
+        }
+        file_.sync();
+        trouble_.worked();
+        return true;
+    });
+    return !error;
+}
+
+/// What is in no file yet goes to the one that waits; where that is not possible either it stays in
+/// memory.
+void UsageHistoryRecorder::holdBack() {
+    if (heldBack_.empty()) {
+        return;
+    }
+    std::string lines;
+    for (const UsageHistorySample& sample : heldBack_) {
+        lines += serialized(toJSON(sample), -1) + "\n";
+    }
+    if (!waiting_.add(lines)) {
+        heldBack_.clear();
+    } else if (heldBack_.size() > mostHeldBack) {
+        heldBack_.erase(heldBack_.begin(), heldBack_.end() - mostHeldBack);
+    }
 }
 
 } // namespace vellmark

@@ -1,24 +1,26 @@
 #pragma once
 
 #include "model/AgentUsageSnapshot.h"
+#include "platform/WaitingFile.h"
 #include "store/StorageTrouble.h"
 #include "store/UsageHistory.h"
 #include "store/UsageHistoryFile.h"
 
-#include <map>
+#include <filesystem>
 #include <memory>
 #include <vector>
 
 namespace vellmark {
 
-/// Writes readings to the history: decides which are worth a sample, keeps memory and file alike,
-/// and holds back what cannot be written now (no room, another process has the lock) until it can.
+/// Writes readings to the history: decides which are worth a sample and keeps memory and file
+/// alike. What cannot be written now (no room, another process has the lock, the file is of another
+/// form) waits on disk beside the file, or else in memory, until it can.
 ///
 /// On the persistence thread only; the history in memory is shared with everybody.
 class UsageHistoryRecorder {
 public:
-    /// How long another process may keep the file to itself before this one only reads it.
-    static constexpr Seconds lockPatience{1};
+    /// What waits in memory at most; beyond that the oldest is given up. Weeks of readings.
+    static constexpr std::size_t mostHeldBack = 10'000;
 
     UsageHistoryRecorder(std::filesystem::path file, std::shared_ptr<UsageHistory> history);
 
@@ -31,18 +33,22 @@ public:
     bool compact(Instant now);
 
     StorageTrouble& trouble() { return trouble_; }
+    /// How many samples wait in memory.
     std::size_t heldBackCount() const { return heldBack_.size(); }
 
 private:
     bool catchUp(const FileLock* held);
     UsageHistoryFile::Listener listener();
+    void learn(const StoredHistorySample& stored);
     void takeOver();
-    void write(const FileLock* held, bool mayWrite);
+    void write(const FileLock& held);
+    bool takeOverWaiting(const FileLock& held);
+    void holdBack();
 
     UsageHistoryFile file_;
+    WaitingFile waiting_;
     std::shared_ptr<UsageHistory> history_;
-    std::map<WindowKey, Instant> lastOnDisk_;
-    /// In memory, but not in the file.
+    /// In memory, but neither in the file nor in the one that waits beside it.
     std::vector<UsageHistorySample> heldBack_;
     /// What the file is telling anew, until it is complete.
     std::unique_ptr<HistorySeries> reloaded_;

@@ -36,6 +36,17 @@ struct UsageState {
     std::optional<Instant> automaticHoldUntil;
     /// When the figures of an agent were last read well; for the age of stale figures.
     std::map<AgentProviderID, Instant> lastSuccess;
+    /// Agents that automatic refreshes leave alone until then: their service refuses for now, or a
+    /// reading of them costs.
+    std::map<AgentProviderID, Instant> restsUntil;
+    std::optional<Instant> restsUntilOf(const AgentProviderID& agent) const {
+        const auto found = restsUntil.find(agent);
+        return found != restsUntil.end() ? std::optional(found->second) : std::nullopt;
+    }
+    /// Agents that are read when the user asks and never by themselves: each reading costs.
+    std::set<AgentProviderID> readByHandOnly;
+    /// Null when the agent shows no such window. Valid until the state changes.
+    const UsageWindow* window(const AgentProviderID& agent, const std::string& windowID) const;
     /// The last two hours of history of each window shown, oldest first: grounds of its forecast.
     std::map<WindowKey, std::vector<UsagePoint>> recentPoints;
     /// Those of one window; empty without any. Valid until the state changes.
@@ -51,5 +62,17 @@ struct UsageState {
 
     bool operator==(const UsageState&) const = default;
 };
+
+inline const UsageWindow* UsageState::window(const AgentProviderID& agent,
+                                             const std::string& windowID) const {
+    for (const AgentUsageSnapshot& snapshot : snapshots) {
+        for (const UsageWindow& window : snapshot.windows) {
+            if (snapshot.id == agent && window.id == windowID) {
+                return &window;
+            }
+        }
+    }
+    return nullptr;
+}
 
 } // namespace vellmark

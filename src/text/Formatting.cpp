@@ -133,6 +133,14 @@ std::string unitText(const char* key, std::int64_t count, const Localization& wo
     return words.format(key, {count});
 }
 
+std::string daysText(std::int64_t count, const Localization& words, SpanForm form) {
+    if (count == 1) {
+        return words.text("duration.day");
+    }
+    return unitText(form == SpanForm::alone ? "duration.days.alone" : "duration.days", count,
+                    words);
+}
+
 /// Days from `now`'s date to that of `instant`, by the calendar.
 std::int64_t calendarDaysBetween(Instant now, Instant instant, const TimeZone& timeZone) {
     const auto dayNumber = [&](Instant moment) {
@@ -205,22 +213,22 @@ std::string durationText(Seconds span, const Localization& words) {
     const std::int64_t days = wholeUnits(span, day);
     const std::int64_t hours = wholeUnits(span, hour);
     const std::int64_t minutes = wholeUnits(span, minute);
-    const auto both = [&](const char* first, std::int64_t firstCount, const char* second,
-                          std::int64_t secondCount) {
-        const std::string text = unitText(first, firstCount, words);
-        return secondCount == 0 ? text : text + ' ' + unitText(second, secondCount, words);
+    const auto both = [&](std::string first, const char* second, std::int64_t secondCount) {
+        return secondCount == 0 ? first : first + ' ' + unitText(second, secondCount, words);
     };
     if (days > 0) {
-        return both("duration.days", days, "duration.hours", hours - days * 24);
+        return both(daysText(days, words, SpanForm::afterPreposition), "duration.hours",
+                    hours - days * 24);
     }
     if (hours > 0) {
-        return both("duration.hours", hours, "duration.minutes", minutes - hours * 60);
+        return both(unitText("duration.hours", hours, words), "duration.minutes",
+                    minutes - hours * 60);
     }
     return minutes > 0 ? unitText("duration.minutes", minutes, words)
                        : words.text("duration.underMinute");
 }
 
-std::string roughDurationText(Seconds span, const Localization& words) {
+std::string roughDurationText(Seconds span, const Localization& words, SpanForm form) {
     constexpr std::int64_t mostMinutes = 90;
     constexpr std::int64_t mostHours = 48;
     const std::int64_t minutes = wholeUnits(span, minute);
@@ -230,7 +238,7 @@ std::string roughDurationText(Seconds span, const Localization& words) {
     }
     const std::int64_t hours = wholeUnits(span, hour);
     return hours <= mostHours ? unitText("duration.hours", hours, words)
-                              : unitText("duration.days", wholeUnits(span, day), words);
+                              : daysText(wholeUnits(span, day), words, form);
 }
 
 std::string forecastDurationText(Seconds span, const Localization& words) {

@@ -27,15 +27,20 @@ std::string decimalText(double value, const Localization& words);
 /// currency's stands behind the amount as it is.
 std::string moneyText(double amount, const std::string& currencyCode, const Localization& words);
 
+/// What stands before a span: a preposition ("in 3 Tagen"), or nothing that governs it ("3 Tage vor
+/// dem Reset").
+enum class SpanForm { afterPreposition, alone };
+
 /// A span in at most two units, rounded down to the smaller one: "1 h 27 min", "3 d 18 h",
-/// "1 Std. 27 Min."; less than a minute is "under 1 min" by its own text.
+/// "1 Std. 27 Min."; less than a minute is "under 1 min" by its own text. After a preposition.
 std::string durationText(Seconds span, const Localization& words);
 
 /// A span in one unit: minutes up to 90, then hours up to 48, then days. Used where two units would
 /// claim a precision that is not there.
-std::string roughDurationText(Seconds span, const Localization& words);
+std::string roughDurationText(Seconds span, const Localization& words,
+                              SpanForm form = SpanForm::afterPreposition);
 
-/// A forecast's span: two units below three hours, one above.
+/// A forecast's span: two units below three hours, one above. After a preposition.
 std::string forecastDurationText(Seconds span, const Localization& words);
 
 /// The time of day ("4:15 PM", "16:15").

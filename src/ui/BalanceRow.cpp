@@ -21,6 +21,7 @@ BalanceRow::BalanceRow(QWidget* parent)
 
 void BalanceRow::setContent(const BalanceRowContent& content) {
     label_->setWords(qString(content.label));
+    label_->setColor(content.warns ? kit::ColorRole::criticalText : kit::ColorRole::ink);
     value_->setChangingWords(qString(content.value));
     detail_->setWords(qString(content.detail));
     arrange();

@@ -49,6 +49,14 @@ void ForecastLine::setContent(const std::optional<ForecastLineContent>& content)
     setVisible(content.has_value());
 }
 
+void ForecastLine::setContent(const UsageRowContent& row) {
+    if (row.isUsedUp) {
+        setContent(ForecastLineContent{row.reset, row.reset, UsageHealth::critical});
+    } else {
+        setContent(row.forecast);
+    }
+}
+
 double ForecastLine::wordsLeft() const {
     return hasMark(content_.tone) ? markSide + markGap : 0;
 }

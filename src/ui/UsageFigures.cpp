@@ -19,13 +19,14 @@ UsageFigures::UsageFigures(const Form& form, QWidget* parent)
 void UsageFigures::setContent(const UsageRowContent& content) {
     label->setWords(qString(content.label));
     label->setToolTip(content.fullLabel != content.label ? qString(content.fullLabel) : QString());
-    figure->setColor(content.isStale ? kit::ColorRole::ink2 : kit::ColorRole::ink);
+    figure->setColor(content.isMuted ? kit::ColorRole::ink2 : kit::ColorRole::ink);
     figure->setChangingWords(qString(content.figure));
     word->setWords(qString(content.figureWord));
     bar->setContent(content);
     reset->setWords(qString(content.reset));
+    reset->setVisible(!content.isUsedUp);
     planning->setWords(qString(content.planning));
-    forecast->setContent(content.forecast);
+    forecast->setContent(content);
 }
 
 } // namespace vellmark

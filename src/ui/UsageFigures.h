@@ -34,6 +34,7 @@ struct UsageFigures {
     UsageBar* bar;
     kit::Label* reset;
     kit::Label* planning;
+    /// Of a used-up window it stands in the place of `reset`, which is hidden.
     ForecastLine* forecast;
 };
 

@@ -5,25 +5,27 @@
 
 #include <map>
 #include <sys/types.h>
+#include <vector>
 
 namespace vellmark {
 
-/// The children of the watched program that are running now, each remembered for good: a process
-/// that got the number of one that has ended is never touched.
+/// The children of the watched program that are running now, and what is to end with them, each
+/// remembered for good: a process that got the number of one that has ended is never touched.
 class WatchedChildren {
 public:
-    /// `program` is the parent of every child.
-    explicit WatchedChildren(pid_t program) : program_(program) {}
+    /// `at` is a moment at which the process had the number.
+    void started(pid_t pid, ProcessTime at);
+    void ended(pid_t pid);
+    /// A process that is to end with the program although it may outlive the child it belongs to.
+    void attached(pid_t pid, ProcessTime at);
 
-    void started(pid_t pid);
-    void ended(pid_t pid) { children_.erase(pid); }
-
-    /// Asks all and their own children to stop, and kills those that still live `grace` later.
+    /// Asks all to stop, with the families of the children, and kills those that still live `grace`
+    /// later.
     void endAll(Seconds grace);
 
 private:
-    pid_t program_;
     std::map<pid_t, ProcessHandle> children_;
+    std::vector<ProcessHandle> attached_;
 };
 
 } // namespace vellmark

@@ -33,18 +33,19 @@ bool readMessage(ChildWatcherMessage& message) {
 } // namespace
 
 int main() {
-    const pid_t program = ::getppid();
-    // What ends the program's session or terminal must not end this process before it has worked.
-    ::setsid();
+    // What ends the program's group must not end this process before it has worked.
     for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGPIPE})
         ::signal(signal, SIG_IGN);
     (void)::chdir("/");
 
-    WatchedChildren children(program);
+    WatchedChildren children;
     ChildWatcherMessage message;
     while (readMessage(message)) {
-        if (message.event == ChildWatcherMessage::Event::started)
-            children.started(message.pid);
+        using Event = ChildWatcherMessage::Event;
+        if (message.event == Event::started)
+            children.started(message.pid, message.at);
+        else if (message.event == Event::attached)
+            children.attached(message.pid, message.at);
         else
             children.ended(message.pid);
     }

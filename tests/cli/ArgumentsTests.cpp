@@ -15,8 +15,20 @@ TEST(Arguments, WrongOnesSayWhatAndWhereToReadMoreOnTheErrorStreamAlone) {
         const char* hint;
     };
     const Case cases[] = {
-        {{"usgae"}, "\"usgae\"", "vellmark usage --help"},
-        {{"usage", "--jsno"}, "\"--jsno\"", "vellmark usage --help"},
+        {{"usgae"}, "no command \"usgae\". Did you mean \"usage\"?", "vellmark --help"},
+        {{"help", "statsu"}, "Did you mean \"status\"?", "vellmark --help"},
+        {{"frobnicate"}, "There is no command \"frobnicate\".\n", "vellmark --help"},
+        {{"log", "--flolow"}, "Did you mean \"--follow\"?", "vellmark log --help"},
+        {{"report", "--include"}, "Did you mean \"--include-emails\"?", "report --help"},
+        {{"--colour=never"}, "\"--colour\". Did you mean \"--color\"?", "usage --help"},
+        {{"--color", "blue", "help"}, "\"blue\"", "vellmark --help"},
+        {{"--demo", "--sandbox", "/tmp", "usage"}, "\"--sandbox\" has no effect", "--help"},
+        {{"--demo", "redact"}, "\"--demo\" has no effect together with \"redact\"", "--help"},
+        {{"status", "--cached", "--snapshots", "-"}, "\"--cached\" has no effect", "status"},
+        {{"inspect", "codex", "--log", "x"}, "\"--log\" has no effect", "inspect --help"},
+        {{"log", "--follow", "--json"}, "\"--follow\" has no effect", "log --help"},
+        {{"log", "--level", "loud"}, "\"loud\"", "log --help"},
+        {{"usage", "--jsno"}, "\"--jsno\". Did you mean \"--json\"?", "vellmark usage --help"},
         {{"--agent"}, "\"--agent\"", "vellmark usage --help"},
         {{"usage", "--agent", "gemini"}, "choose from: codex, claude, antigravity", "usage --help"},
         {{"agents", "--agent", "codex"}, "\"--agent\"", "vellmark agents --help"},
@@ -37,7 +49,7 @@ TEST(Arguments, WrongOnesSayWhatAndWhereToReadMoreOnTheErrorStreamAlone) {
     }
 }
 
-TEST(Arguments, LanguageIsAskedForElseTheUsersElseGerman) {
+TEST(Arguments, LanguageIsAskedForElseTheUsersElseEnglish) {
     struct Case {
         std::vector<std::string> arguments;
         const char* locale;
@@ -45,7 +57,9 @@ TEST(Arguments, LanguageIsAskedForElseTheUsersElseGerman) {
     };
     const Case cases[] = {
         {{"--help"}, "en_GB.UTF-8", "Commands:"},
-        {{"--help"}, "fr_FR.UTF-8", "Befehle:"},
+        {{"--help"}, "de_CH.UTF-8", "Befehle:"},
+        {{"--help"}, "fr_FR.UTF-8", "Commands:"},
+        {{"--help"}, "C", "Commands:"},
         {{"--language", "en", "--help"}, "de_DE.UTF-8", "Commands:"},
         {{"usage", "--help", "--language=de"}, "en_US.UTF-8", "Aufruf:"},
     };
@@ -59,8 +73,11 @@ TEST(Arguments, LanguageIsAskedForElseTheUsersElseGerman) {
 }
 
 TEST(Arguments, VersionAndHelpAreWrittenOrTheFailureIsTold) {
-    EXPECT_THAT(ProgramRun::of({.arguments = {"--version"}}).output,
-                testing::MatchesRegex("vellmark [0-9.]+\n"));
+    for (const char* option : {"--version", "-V"})
+        EXPECT_THAT(ProgramRun::of({.arguments = {option}}).output,
+                    testing::MatchesRegex("vellmark [0-9.]+\n"));
+    EXPECT_EQ(ProgramRun::of({.arguments = {"help", "log"}}).output,
+              ProgramRun::of({.arguments = {"log", "--help"}}).output);
     const ProgramResult full = ProgramRun::of({.arguments = {"--help"}, .outputPath = "/dev/full"});
     EXPECT_EQ(full.status, 1);
     EXPECT_THAT(full.errors, HasSubstr("Cannot write the output"));

@@ -1,5 +1,6 @@
 #include "cli/ProgramRun.h"
 #include "model/UsageJSON.h"
+#include "support/ProjectDirectories.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -44,6 +45,17 @@ TEST(Inspect, PrintsTheSnapshotOfASavedRun) {
     const AgentUsageSnapshot claude = snapshotIn(inspect({"claude", "-"}, claudeCapture));
     ASSERT_EQ(claude.windows.size(), 2u);
     EXPECT_EQ(claude.windows.back().usedPercent, 12);
+
+    // A screen that the CLI went over with the cursor, and that says how old its figures are.
+    const std::string recording = sourceFile("tests/probes/claude/data/screen-429-unprobed.raw");
+    const ProgramResult old = inspect({"claude", recording, "--exit-status", "20"}, "");
+    EXPECT_EQ(old.status, 1) << "the figures are not the service's of now";
+    EXPECT_NE(old.errors.find("Showing last-known usage as of 1m ago"), std::string::npos);
+    const AgentUsageSnapshot stale = snapshotIn(old);
+    ASSERT_EQ(stale.windows.size(), 3u);
+    EXPECT_EQ(stale.windows.front().usedPercent, 77);
+    EXPECT_EQ(stale.source, SnapshotSource::stale);
+    EXPECT_EQ(stale.updatedAt, instantFromUnixSeconds(1763000000.5 - 60));
 }
 
 TEST(Inspect, TellsFailuresAsTheProbeWould) {
@@ -57,6 +69,9 @@ TEST(Inspect, TellsFailuresAsTheProbeWould) {
     const Case cases[] = {
         {{"codex"}, "", Kind::codexReadFailed},
         {{"codex"}, huge, Kind::codexReadFailed},
+        {{"codex"},
+         R"({"id":3,"error":{"message":"codex account authentication required"}})",
+         Kind::codexNotLoggedIn},
         {{"claude"}, huge, Kind::claudeNoQuotas},
         {{"claude"}, std::string(claudeCapture) + "\xff", Kind::claudeNoQuotas},
         {{"claude", "--exit-status", "128"}, claudeCapture, Kind::claudeNotLoggedIn},
@@ -93,6 +108,14 @@ TEST(Inspect, NamesTheInputThatCannotBeRead) {
         EXPECT_EQ(result.output, "") << name;
         EXPECT_THAT(result.errors, HasSubstr(name));
     }
+}
+
+TEST(Inspect, GivesTheSystemsReasonsInTheUsersLanguage) {
+    const auto errors = [](const char* file) {
+        return ProgramRun::of({.arguments = {"--language=de", "inspect", "codex", file}}).errors;
+    };
+    EXPECT_THAT(errors("/nowhere"), HasSubstr("nicht vorhanden"));
+    EXPECT_THAT(errors("/"), HasSubstr("Das ist ein Verzeichnis"));
 }
 
 } // namespace

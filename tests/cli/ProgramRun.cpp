@@ -50,7 +50,7 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
 
 ProgramRun::ProgramRun(const Setting& setting) {
     if (setting.columns > 0)
-        openTerminal(setting.columns);
+        openTerminal(setting.columns, setting.rows);
     const std::string input =
         setting.input ? directory_.write("input", *setting.input).string() : "/dev/null";
     outputPath_ =
@@ -78,9 +78,11 @@ ProgramRun::ProgramRun(const Setting& setting) {
 
     const std::string program = builtProgram("vellmark");
     std::vector<std::string> arguments{program};
+    if (!setting.shellCommands.empty())
+        arguments = {"/bin/sh", "-mc", "\"$@\"; " + setting.shellCommands, "sh", program};
     arguments.insert(arguments.end(), setting.arguments.begin(), setting.arguments.end());
     std::vector<std::string> environment = environmentOf(setting);
-    const int error = posix_spawn(&pid_, program.c_str(), &actions, &attributes,
+    const int error = posix_spawn(&pid_, arguments.front().c_str(), &actions, &attributes,
                                   pointersTo(arguments).data(), pointersTo(environment).data());
     posix_spawn_file_actions_destroy(&actions);
     posix_spawnattr_destroy(&attributes);
@@ -93,23 +95,41 @@ ProgramRun::~ProgramRun() {
         kill(pid_, SIGKILL);
         waitpid(pid_, nullptr, 0);
     }
-    if (terminal_ >= 0)
-        close(terminal_);
+    for (const int descriptor : {terminal_, otherEnd_}) {
+        if (descriptor >= 0)
+            close(descriptor);
+    }
 }
 
 ProgramResult ProgramRun::of(const Setting& setting) {
     return ProgramRun(setting).wait();
 }
 
-void ProgramRun::openTerminal(int columns) {
+void ProgramRun::openTerminal(int columns, int rows) {
     terminal_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
     if (terminal_ < 0 || grantpt(terminal_) != 0 || unlockpt(terminal_) != 0)
         throw std::system_error(errno, std::generic_category(), "pseudo-terminal");
     terminalName_ = ptsname(terminal_);
     winsize size{};
     size.ws_col = static_cast<unsigned short>(columns);
-    size.ws_row = 24;
+    size.ws_row = static_cast<unsigned short>(rows);
     ioctl(terminal_, TIOCSWINSZ, &size);
+    otherEnd_ = open(terminalName_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    termios settings = terminalSettings();
+    settings.c_cc[VERASE] = '\b';
+    settings.c_cc[VMIN] = 7;
+    settings.c_cc[VTIME] = 3;
+    settings.c_iflag &= ~static_cast<tcflag_t>(IXON);
+    settings.c_lflag &= ~static_cast<tcflag_t>(ECHOK);
+    tcsetattr(otherEnd_, TCSANOW, &settings);
+    firstSettings_ = terminalSettings();
+}
+
+termios ProgramRun::terminalSettings() const {
+    termios settings{};
+    if (tcgetattr(otherEnd_, &settings) != 0)
+        throw std::system_error(errno, std::generic_category(), "tcgetattr");
+    return settings;
 }
 
 void ProgramRun::type(std::string_view keys) const {

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <sys/types.h>
+#include <termios.h>
 #include <vector>
 
 namespace vellmark::tests {
@@ -36,6 +37,10 @@ public:
         std::string outputPath;
         /// Columns of the terminal; 0: no terminal.
         int columns = 0;
+        int rows = 24;
+        /// Run by a shell with job control, which continues with these commands when the program
+        /// has been stopped or has ended.
+        std::string shellCommands;
     };
 
     explicit ProgramRun(const Setting& setting);
@@ -46,7 +51,14 @@ public:
     /// Runs it to its end.
     static ProgramResult of(const Setting& setting);
 
+    /// The shell's where there is one.
     pid_t pid() const { return pid_; }
+    /// How the terminal treats its keyboard now; it begins with settings that no program would
+    /// guess.
+    termios terminalSettings() const;
+    termios firstSettings() const { return firstSettings_; }
+    /// What has been shown is not looked at any more.
+    void forget() { shown_.clear(); }
     /// Types on the terminal.
     void type(std::string_view keys) const;
     /// Waits until `text` has appeared on the terminal; false when the program ends without it.
@@ -54,13 +66,16 @@ public:
     ProgramResult wait(std::chrono::duration<double> limit = std::chrono::seconds(60));
 
 private:
-    void openTerminal(int columns);
+    void openTerminal(int columns, int rows);
     /// False when nothing came within a moment.
     bool readTerminal();
 
     TemporaryDirectory directory_;
     std::string outputPath_;
     int terminal_ = -1;
+    /// Keeps the terminal's settings when the program has gone.
+    int otherEnd_ = -1;
+    termios firstSettings_{};
     std::string terminalName_;
     std::string shown_;
     pid_t pid_ = -1;

@@ -1,4 +1,10 @@
 #include "cli/CommandTest.h"
+#include "platform/Descriptor.h"
+
+#include <algorithm>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace vellmark::tests {
 namespace {
@@ -48,6 +54,53 @@ TEST_F(ReportCommand, SavesForTheUserAloneOrNotAtAll) {
     EXPECT_EQ(refused.status, 1);
     EXPECT_EQ(refused.output, "");
     EXPECT_THAT(refused.errors, HasSubstr("/proc/no/report.txt"));
+}
+
+TEST_F(ReportCommand, WritesToWhatItIsGivenAndReplacesNothingSpecial) {
+    namespace fs = std::filesystem;
+    const TemporaryDirectory target;
+    const auto toStandardOutput = run({"report", "--output", "-"});
+    EXPECT_THAT(toStandardOutput.output, testing::StartsWith("Vellmark support report"));
+    EXPECT_FALSE(fs::exists("-"));
+    for (const char* name : {"/dev/stdout", "/proc/self/fd/1"}) {
+        EXPECT_EQ(run({"report", "--output", name}).output.substr(0, 23), "Vellmark support report")
+            << name;
+    }
+
+    const auto pipe = target / "pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const Descriptor reader(::open(pipe.c_str(), O_RDONLY | O_NONBLOCK));
+    EXPECT_EQ(run({"report", "--output", pipe.string()}).status, 0);
+    std::string received(1 << 16, '\0'); // a pipe holds as much
+    received.resize(static_cast<std::size_t>(
+        std::max<ssize_t>(::read(reader.get(), received.data(), received.size()), 0)));
+    EXPECT_THAT(received, HasSubstr("Vellmark support report"));
+    EXPECT_TRUE(fs::is_fifo(pipe));
+
+    const auto mistyped = run({"report", "--output", (target / "no/such/report.txt").string()});
+    EXPECT_EQ(mistyped.status, 1);
+    EXPECT_FALSE(fs::exists(target / "no"));
+
+    fs::create_symlink(target / "report.txt", target / "link");
+    target.write("report.txt", "old, and open to all");
+    fs::permissions(target / "report.txt", fs::perms(0644));
+    EXPECT_EQ(run({"report", "--output", (target / "link").string()}).status, 0);
+    EXPECT_TRUE(fs::is_symlink(target / "link"));
+    EXPECT_EQ(fs::status(target / "report.txt").permissions(), fs::perms(0600));
+}
+
+TEST_F(ReportCommand, AVersionCannotSteerTheTerminal) {
+    // A line break, a colour, and the control characters of one byte that some terminals obey.
+    sandbox.installScript("agy",
+                          "printf '1.0\\033]0;title\\007\\302\\233'31m\\342\\200\\256'x\\n'");
+    for (const std::vector<std::string>& command :
+         std::vector<std::vector<std::string>>{{"report"}, {"agents"}, {"agents", "--json"}}) {
+        const auto result = run(command);
+        EXPECT_THAT(result.output,
+                    AllOf(HasSubstr("1.0"), Not(HasSubstr("\x1b")), Not(HasSubstr("\x07")),
+                          Not(HasSubstr("\xC2\x9B")), Not(HasSubstr("\xE2\x80\xAE"))))
+            << command.front();
+    }
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "cli/CommandTest.h"
 
+#include <nlohmann/json.hpp>
+
 namespace vellmark::tests {
 namespace {
 
@@ -21,6 +23,12 @@ TEST_F(SetupCommand, WithoutATerminalIsATableAndItsStatus) {
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.output, AllOf(HasSubstr("Not installed"), HasSubstr("Not logged in")));
     EXPECT_EQ(run({"setup", "codex"}).status, 0);
+    const auto list = nlohmann::json::parse(run({"setup", "--json"}).output);
+    ASSERT_EQ(list.size(), 3u);
+    EXPECT_EQ(list[0].at("status"), "ready");
+    EXPECT_EQ(list[1].at("status"), "notLoggedIn");
+    EXPECT_EQ(list[2].at("status"), "missing");
+    EXPECT_FALSE(list[2].contains("toolPath"));
 
     sandbox.play("claude", "login-crash"); // cannot be verified, which is no reason to complain
     EXPECT_EQ(run({"setup", "claude"}).status, 0);

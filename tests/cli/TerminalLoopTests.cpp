@@ -53,6 +53,13 @@ TEST(TerminalLoop, EndsWithTheConventionalStatusOfASignalAndRestoresItsEffect) {
     EXPECT_EQ(after.sa_handler, before.sa_handler);
 }
 
+TEST(TerminalLoop, ASignalGoesBeforeWhatIsPosted) {
+    TerminalLoop loop;
+    raise(SIGINT);
+    loop.post([&loop] { loop.stop(0); });
+    EXPECT_EQ(loop.run(), 128 + SIGINT);
+}
+
 TEST(TerminalLoop, ACallbackMayEndAnotherWatch) {
     TerminalLoop loop;
     int ends[2] = {-1, -1};

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <unistd.h>
 
 namespace vellmark::tests {
 namespace {
@@ -59,12 +60,57 @@ TEST_F(UsageCommand, ReadsTheNamedAgentsAloneAndTellsFailures) {
     EXPECT_THAT(result.errors, AllOf(HasSubstr("Codex"), HasSubstr("Antigravity")));
 }
 
-TEST_F(UsageCommand, AFailureShowsNoFiguresOfAnEarlierRun) {
+TEST_F(UsageCommand, AFailureShowsTheLastFiguresAsOldAndItsReason) {
     ASSERT_EQ(usage({"--agent=antigravity"}).status, 0);
     sandbox.play("agy", "empty-groups");
     const ProgramResult result = usage({"--agent=antigravity", "--json"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_TRUE(snapshotsFromDocument(result.output).front().windows.empty());
+    const auto snapshot = snapshotsFromDocument(result.output).front();
+    EXPECT_FALSE(snapshot.windows.empty());
+    EXPECT_EQ(snapshot.source, SnapshotSource::stale);
+    EXPECT_EQ(snapshot.error, UsageProviderError(UsageProviderError::Kind::antigravityNoQuotas));
+    EXPECT_THAT(usage({"--agent=antigravity", "--language=en"}).output,
+                AllOf(HasSubstr("% left"), HasSubstr(" old")));
+}
+
+TEST_F(UsageCommand, ATerminalShowsTheLastFiguresWhileNewOnesAreRead) {
+    ASSERT_EQ(usage({"--agent=codex"}).status, 0);
+    sandbox.play("codex", "hang");
+    ProgramRun run(setting({"usage", "--agent=codex"}, 80));
+    ASSERT_TRUE(run.shows("Reading Codex"));
+    // The agent hangs, in a group of its own that Ctrl-C does not reach.
+    ASSERT_TRUE(becomesTrue([&] {
+        const auto children = directChildren(run.pid());
+        return children.size() == 2 && std::ranges::all_of(children, [&](pid_t child) {
+                   return getpgid(child) != run.pid();
+               });
+    }));
+    run.type("\x03");
+    const ProgramResult result = run.wait();
+    EXPECT_EQ(result.status, 128 + SIGINT);
+    // They stay, and the line that told what is going on does not.
+    const std::string last = result.output.substr(result.output.rfind("\033[J"));
+    EXPECT_THAT(last, AllOf(HasSubstr("78% left"), Not(HasSubstr("Reading"))));
+}
+
+TEST_F(UsageCommand, AFailureIsToldOnce) {
+    sandbox.uninstall("codex");
+    const ProgramResult table = usage({"--agent=codex"});
+    EXPECT_EQ(table.status, 1);
+    EXPECT_THAT(table.output, HasSubstr("Codex CLI not found."));
+    EXPECT_EQ(table.errors, "");
+    EXPECT_THAT(usage({"--agent=codex", "--json"}).errors, HasSubstr("Codex CLI not found."));
+}
+
+TEST_F(UsageCommand, AWayOfReadingMustBeOneOfTheAgentsThatAreRead) {
+    EXPECT_EQ(usage({"--by", "telepathy"}).status, 2);
+    EXPECT_EQ(usage({"--by", "query", "--agent", "codex"}).status, 2);
+    const auto bySession = usage({"--by", "session", "--agent", "claude", "--json"});
+    ASSERT_EQ(bySession.status, 0);
+    EXPECT_EQ(std::get<SnapshotNote::ReadingWay>(
+                  snapshotsFromDocument(bySession.output).front().notes.at(0).value)
+                  .way,
+              "session");
 }
 
 TEST_F(UsageCommand, ReadsADisabledAgentOnlyWhenItIsNamed) {
@@ -87,6 +133,11 @@ TEST_F(UsageCommand, ColoursAndProgressAreForTerminalsAlone) {
     auto noColor = setting(agents, 80);
     noColor.environment["NO_COLOR"] = "1";
     EXPECT_THAT(ProgramRun::of(noColor).output, Not(testing::ContainsRegex("\x1b\\[[0-9;]*m")));
+    noColor.arguments.push_back("--color=always");
+    EXPECT_THAT(ProgramRun::of(noColor).output, HasSubstr("\x1b[32m"));
+    auto never = setting(agents, 80);
+    never.arguments.push_back("--color=never");
+    EXPECT_THAT(ProgramRun::of(never).output, Not(testing::ContainsRegex("\x1b\\[[0-9;]*m")));
 }
 
 TEST_F(UsageCommand, TextOfAnAgentCannotSteerTheTerminal) {
@@ -113,7 +164,8 @@ TEST_F(UsageCommand, EndsEverythingOnASignalWhateverTheAgentsDo) {
     for (const char* scenario : {"hang", "deaf"}) {
         for (const char* agent : {"claude", "codex", "agy"})
             sandbox.play(agent, scenario);
-        ProgramRun run(setting({"usage"}, 80));
+        // A session: its interpreter has a child of its own.
+        ProgramRun run(setting({"usage", "--by", "session"}, 80));
         ASSERT_TRUE(run.shows("Reading Codex")) << scenario;
         ASSERT_TRUE(becomesTrue([&] { return hasGrandchild(run.pid()); })) << scenario;
         const auto pressed = std::chrono::steady_clock::now();

@@ -1,14 +1,14 @@
+#include "cli/CompactView.h"
 #include "cli/DisplayWidth.h"
+#include "cli/TestTerminal.h"
 #include "cli/UsageView.h"
-#include "platform/Descriptor.h"
 #include "presentation/PopoverContent.h"
 #include "presentation/UsageStateMaker.h"
 #include "text/TerminalText.h"
 
 #include <gmock/gmock.h>
 
-#include <cstdlib>
-#include <fcntl.h>
+#include <string>
 
 namespace vellmark::tests {
 namespace {
@@ -32,12 +32,9 @@ std::vector<AgentBlockContent> agents() {
 }
 
 TEST(UsageView, NoLineIsWiderThanTheTerminalAndNoFigureIsCut) {
-    const Descriptor controller(::posix_openpt(O_RDWR | O_NOCTTY));
-    ASSERT_EQ(::unlockpt(controller.get()), 0);
-    const Descriptor terminal(::open(::ptsname(controller.get()), O_RDWR | O_NOCTTY));
     for (int columns = 24; columns <= 130; ++columns) {
-        const std::string width = std::to_string(columns);
-        const TerminalOutput output(terminal.get(), {{"TERM", "xterm"}, {"COLUMNS", width}});
+        const TestTerminal terminal(columns);
+        const TerminalOutput output(terminal.descriptor(), {{"LANG", "en_US.UTF-8"}});
         const std::string text = stripANSI(UsageView(output, words).text(agents()));
         for (const std::string_view line : nonEmptyLines(text))
             EXPECT_LE(displayWidth(line), columns) << line;
@@ -49,20 +46,54 @@ TEST(UsageView, NoLineIsWiderThanTheTerminalAndNoFigureIsCut) {
 TEST(UsageView, ABarShowsWhatIsLeftAndTheEvenPace) {
     AgentBlockContent shown = agents().front();
     shown.rows.resize(1);
-    const auto barFor = [&](double share, std::optional<double> pace) {
+    const TestTerminal terminal(27);
+    const auto barFor = [&](const char* locale, double share, std::optional<double> pace) {
         shown.rows[0].bar = {.filledShare = share, .paceMark = pace};
-        const TerminalOutput output(-1, {});
+        const TerminalOutput output(terminal.descriptor(), {{"LANG", locale}, {"NO_COLOR", "1"}});
         const std::string text = UsageView(output, words).text({shown});
-        const std::size_t start = text.find("Session") + std::string("Session  ").size();
+        const std::size_t start = text.find("    ", text.find("Session")) + 4;
         return text.substr(start, text.find("  ", start) - start);
     };
-    EXPECT_EQ(barFor(0.5, std::nullopt), "━━━━━━━━━━━━────────────");
-    EXPECT_EQ(barFor(0.5, 0.25), "━━━━━━╋━━━━━────────────");
-    EXPECT_EQ(barFor(0.5, 1.0), "━━━━━━━━━━━━───────────┼");
-    EXPECT_EQ(barFor(0.001, std::nullopt), "━───────────────────────");
-    EXPECT_EQ(barFor(0.999, std::nullopt), "━━━━━━━━━━━━━━━━━━━━━━━─");
-    EXPECT_EQ(barFor(0, 0.0), "┼───────────────────────");
-    EXPECT_EQ(barFor(1, std::nullopt), "━━━━━━━━━━━━━━━━━━━━━━━━");
+    const char* utf8 = "en_US.UTF-8";
+    EXPECT_EQ(barFor(utf8, 0.5, std::nullopt), "██████▌░░░░░░");
+    EXPECT_EQ(barFor(utf8, 0.5, 0.25), "███┃██▌░░░░░░");
+    EXPECT_EQ(barFor(utf8, 0.5, 1.0), "██████▌░░░░░┃");
+    EXPECT_EQ(barFor(utf8, 0.001, std::nullopt), "▏░░░░░░░░░░░░");
+    EXPECT_EQ(barFor(utf8, 0.999, std::nullopt), "████████████▉");
+    EXPECT_EQ(barFor(utf8, 0, 0.0), "┃░░░░░░░░░░░░");
+    EXPECT_EQ(barFor(utf8, 1, std::nullopt), "█████████████");
+    EXPECT_EQ(barFor("C", 0.5, 0.25), "###|###------");
+}
+
+TEST(UsageView, ColoursMarksAndNoSentence) {
+    const TerminalOutput output = [] {
+        TerminalOutput always(-1, {{"LANG", "en_US.UTF-8"}});
+        always.chooseColors(ColorChoice::always);
+        return always;
+    }();
+    const std::string text = UsageView(output, words).text(agents());
+    EXPECT_THAT(text, HasSubstr("\033[31m!\033[0m Runs out in"));
+    EXPECT_THAT(text, HasSubstr("\033[31m●\033[0m "));
+    EXPECT_THAT(text, testing::Not(testing::ContainsRegex("\033\\[3[0-9]m[^\033]*[a-z]")));
+}
+
+TEST(CompactView, HasTwoRowsAtMostWhateverTheWidth) {
+    const auto blocks = agents();
+    const StatusLine verdict{"Codex critical, Claude Code unreadable · read at 1:46 PM",
+                             "Codex critical (+1) · read at 1:46 PM"};
+    for (int columns = 24; columns <= 130; ++columns) {
+        const TestTerminal terminal(columns, 2);
+        const TerminalOutput output(terminal.descriptor(), {{"LANG", "en_US.UTF-8"}});
+        const auto rows = compactRows(blocks, verdict, output, words);
+        EXPECT_LE(rows.size(), 2u) << columns;
+        std::string text;
+        for (const std::string& row : rows) {
+            EXPECT_LE(displayWidth(stripANSI(row)), columns) << row;
+            text += row + "\n";
+        }
+        EXPECT_THAT(text, HasSubstr(" 5%")) << columns;
+        EXPECT_THAT(text, HasSubstr("Claude")) << columns;
+    }
 }
 
 } // namespace

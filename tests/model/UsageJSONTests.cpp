@@ -27,9 +27,18 @@ AgentUsageSnapshot fullSnapshot() {
     snapshot.balances = {{"credits", 16.8, "USD", 20.0}, {"gift", -0.5, "EUR", {}}};
     snapshot.credit = CreditInfo::line("$3.20 / $50.00 spent");
     snapshot.notes = {{SnapshotNote::ClaudeEndMarkerMissing{"v"}},
-                      {SnapshotNote::ClaudeTiming{1, 2, 3, 4, 5, 6}}};
+                      {SnapshotNote::ClaudeTiming{1, 2, 3, 4, 5, 6}},
+                      {SnapshotNote::ReadingWay{"query", 412}},
+                      {SnapshotNote::AgeNotTold{"2.1.235"}},
+                      {SnapshotNote::ReadingCosts{}},
+                      {SnapshotNote::AgentSays{"Usage credits are off"}}};
     snapshot.source = SnapshotSource::stale;
     snapshot.updatedAt = at(785999999.125);
+    snapshot.isIncomplete = true;
+    snapshot.mayBeNewer = true;
+    snapshot.windows[1].label = "Opus";
+    snapshot.windows[1].readAt = at(785999000);
+    snapshot.allowance = UsageAllowance{false, "weekly", 2, at(786000500)};
     snapshot.error = UsageProviderError::launchFailed("claude", "no such file");
     return snapshot;
 }
@@ -61,13 +70,19 @@ TEST(UsageJSON, hasTheDocumentedForm) {
     EXPECT_EQ(serialized(toJSON(fullSnapshot()), -1),
               R"({"id":"claude","accountLabel":"someone@example.org","plan":"Claude Max",)"
               R"("windows":[{"id":"session","usedPercent":11.0,"windowDurationMinutes":300.0,)"
-              R"("resetsAt":786000000.25},{"id":"weekly","usedPercent":42.5}],)"
+              R"("resetsAt":786000000.25},{"id":"weekly","usedPercent":42.5,"label":"Opus",)"
+              R"("readAt":785999000.0}],)"
               R"("balances":[{"id":"credits","amount":16.8,"currencyCode":"USD","limit":20.0},)"
               R"({"id":"gift","amount":-0.5,"currencyCode":"EUR"}],)"
               R"("credit":{"line":{"_0":"$3.20 / $50.00 spent"}},)"
+              R"("allowance":{"ordinaryUsageAllowed":false,"reachedType":"weekly",)"
+              R"("bankedResets":2,"bankedResetExpiresAt":786000500.0},)"
               R"("notes":[{"claudeEndMarkerMissing":{"variant":"v"}},{"claudeTiming":{"waitMs":1,)"
-              R"("startMs":2,"statusMs":3,"usageMs":4,"quietMs":5,"endMs":6}}],)"
+              R"("startMs":2,"statusMs":3,"usageMs":4,"quietMs":5,"endMs":6}},)"
+              R"({"readingWay":{"way":"query","tookMs":412}},{"ageNotTold":{"version":"2.1.235"}},)"
+              R"({"readingCosts":{}},{"agentSays":{"text":"Usage credits are off"}}],)"
               R"("source":"stale","updatedAt":785999999.125,)"
+              R"("isIncomplete":true,"mayBeNewer":true,)"
               R"("error":{"launchFailed":{"_0":"claude","_1":"no such file"}}})");
 }
 
@@ -94,7 +109,8 @@ TEST(UsageJSON, everyErrorComesBackAsItWent) {
           Error::claudeReadFailed(-7, "a"), Error::timeout("a"), Error::codexReadFailed(""),
           Error::claudeNoQuotasDiagnosed("a"), Error::claudePageError("a"),
           Error::antigravityReadFailed("ä\n\"\\"), Error::other("a"),
-          Error(Error::Kind::claudeNotLoggedIn), Error(Error::Kind::antigravityNoQuotas)}) {
+          Error(Error::Kind::claudeNotLoggedIn), Error(Error::Kind::antigravityNoQuotas),
+          Error::claudeOptionRefused("--a")}) {
         Error read = Error::other("");
         fromJSON(parsedJSON(serialized(toJSON(error))), read);
         EXPECT_EQ(read, error) << error.what();

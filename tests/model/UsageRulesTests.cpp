@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 #include <vector>
 
 namespace vellmark {
@@ -28,6 +29,24 @@ double hoursUntilEmpty(const UsageWindow& window, std::vector<UsagePoint> recent
 }
 
 } // namespace
+
+TEST(UsageRules, aWiderWindowCoversTheNarrowerOnesOfItsQuota) {
+    const auto of = [](const char* id, std::optional<double> minutes) {
+        return UsageWindow{id, 50, minutes, {}};
+    };
+    const auto session = of("session", 300);
+    const auto week = of("weekly", 10080);
+    const auto model = of("fable-weekly", 10080);
+    const auto poolHours = of("pool:A|5h", 300);
+    const auto poolWeek = of("pool:A|weekly", 10080);
+    const auto limit = of("limit:spark|primary", 300);
+    EXPECT_TRUE(covers(week, session) && covers(week, model) && covers(poolWeek, poolHours));
+    EXPECT_FALSE(covers(session, week) || covers(model, week) || covers(model, session));
+    EXPECT_FALSE(covers(week, week) || covers(session, model));
+    EXPECT_FALSE(covers(poolWeek, session) || covers(week, poolHours) || covers(week, limit));
+    EXPECT_FALSE(covers(of("pool:B|weekly", 10080), poolHours));
+    EXPECT_FALSE(covers(week, of("session", {})) || covers(of("weekly", {}), session));
+}
 
 TEST(UsageRules, severityHasSharpEdges) {
     using enum Severity;
@@ -87,6 +106,47 @@ TEST(UsageRules, anAgentIsAsWellAsItsWorstWindow) {
     EXPECT_EQ(worse(attention, unavailable), attention);
     EXPECT_EQ(worse(attention, critical), critical);
     EXPECT_EQ(worse(healthy, healthy), healthy);
+}
+
+TEST(UsageRules, anAgentThatRefusesIsCritical) {
+    AgentUsageSnapshot snapshot;
+    snapshot.windows = {window(90, 50)};
+    const std::pair<UsageAllowance, bool> cases[] = {
+        {{}, false},
+        {{.ordinaryUsageAllowed = true, .bankedResets = 2}, false},
+        {{.ordinaryUsageAllowed = false}, true},
+        {{.reachedType = "rate_limit_reached"}, true},
+    };
+    for (const auto& [allowance, refuses] : cases) {
+        snapshot.allowance = allowance;
+        EXPECT_EQ(isUsedUp(snapshot), refuses);
+        EXPECT_EQ(health(snapshot, now), refuses ? UsageHealth::critical : UsageHealth::healthy);
+    }
+    snapshot.windows.clear();
+    EXPECT_EQ(health(snapshot, now), UsageHealth::unavailable);
+}
+
+TEST(UsageRules, anAgentIsBackOnceAllThatIsUsedUpHasReset) {
+    const auto named = [](std::string id, double remaining, std::optional<double> timeRemaining) {
+        UsageWindow result = window(remaining, timeRemaining);
+        result.id = std::move(id);
+        return result;
+    };
+    const auto until = [](std::vector<UsageWindow> windows) {
+        AgentUsageSnapshot snapshot;
+        snapshot.windows = std::move(windows);
+        return usedUpUntil(snapshot, now);
+    };
+    const auto soon = named("session", 0, 10);
+    const auto later = named("weekly", -3, 60);
+    EXPECT_EQ(until({soon, later}), later.resetsAt);
+    EXPECT_EQ(until({later, soon}), later.resetsAt);
+    EXPECT_EQ(until({soon, named("weekly", 1, 60)}), soon.resetsAt);
+    EXPECT_EQ(until({soon, named("individual", 0, 90), named("limit:a|primary", 0, 90)}),
+              soon.resetsAt);
+    EXPECT_EQ(until({soon, named("weekly", 0, {})}), std::nullopt);
+    EXPECT_EQ(until({soon, named("weekly", 0, -1)}), std::nullopt);
+    EXPECT_EQ(until({named("session", 1, 10)}), std::nullopt);
 }
 
 TEST(UsageRules, planningAllowsFivePoints) {

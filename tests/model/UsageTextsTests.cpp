@@ -43,6 +43,42 @@ TEST(UsageTexts, windowsHaveTheirNames) {
     }
 }
 
+TEST(UsageTexts, windowsAreCalledWhatTheAgentSaysTheyAre) {
+    const auto label = [](std::string id, std::optional<double> minutes,
+                          std::optional<std::string> name, bool brief = false) {
+        return windowLabel(UsageWindow{id, 0, minutes, {}, name}, english, brief);
+    };
+    EXPECT_EQ(label("session", 300, {}), "Session");
+    EXPECT_EQ(label("session", 10080, {}), "Week"); // a plan whose only window is a week
+    EXPECT_EQ(label("weekly", 43200, {}), "Month");
+    EXPECT_EQ(label("session", 4 * 1440, {}), "Window of 4 d");
+    EXPECT_EQ(label("opus-weekly", 10080, "Opus"), "Week · Opus");
+    EXPECT_EQ(label("opus-weekly", 10080, {}), "Week · Opus");
+    EXPECT_EQ(label("limit:spark|primary", 300, "GPT-5.3-Codex-Spark"),
+              "GPT-5.3-Codex-Spark · Session");
+    EXPECT_EQ(label("limit:spark|secondary", {}, {}), "spark · Week");
+    EXPECT_EQ(label("limit:spark|secondary", {}, {}, true), "Week · spark");
+    EXPECT_EQ(label("limit:spark|primary", 300, "\x1b[31mred\n"), "red  · Session");
+}
+
+TEST(UsageTexts, plansAreCalledWhatPeopleCallThem) {
+    const auto plan = [](AgentProviderID id, std::optional<std::string> given) {
+        AgentUsageSnapshot snapshot;
+        snapshot.id = std::move(id);
+        snapshot.plan = std::move(given);
+        return planText(snapshot);
+    };
+    const auto codex = AgentProviderID::codex();
+    EXPECT_EQ(plan(codex, "Plus"), "Plus");
+    EXPECT_EQ(plan(codex, "Prolite"), "Pro Lite");
+    EXPECT_EQ(plan(codex, "Self_Serve_Business_Usage_Based"), "Business");
+    EXPECT_EQ(plan(codex, "Team"), "Business");
+    EXPECT_EQ(plan(codex, "Starship_9"), "Starship_9");
+    EXPECT_EQ(plan(codex, ""), "");
+    EXPECT_EQ(plan(codex, {}), "");
+    EXPECT_EQ(plan(AgentProviderID::claude(), "Team"), "Team");
+}
+
 TEST(UsageTexts, resetsSayWhenAndWhetherItCame) {
     const std::pair<double, const char*> cases[] = {
         {2544, "Resets in 1 d 18 h · Mon 9:10 AM"},
@@ -67,7 +103,7 @@ TEST(UsageTexts, forecastsClaimNoFalsePrecision) {
     for (const Case& test : {
              Case{23 * 60 + 45, "Runs out in 23 h, 19 h before reset", "Runs out in 23 h"},
              Case{125, "Runs out in 2 h 5 min, 41 h before reset", "Runs out in 2 h 5 min"},
-             Case{0, "Used up until the reset", "Used up until the reset"},
+             Case{0, "At this pace, empty since 2:46 PM", "At this pace, empty since 2:46 PM"},
              Case{{}, "Lasts until the reset", "Lasts until the reset"},
          }) {
         Forecast outlook;
@@ -79,15 +115,44 @@ TEST(UsageTexts, forecastsClaimNoFalsePrecision) {
     }
 }
 
+TEST(UsageTexts, usedUpWindowsSayWhenTheyAreBack) {
+    const UsageWindow week{"weekly", 100, 10080.0, minutesFromNow(2544)};
+    EXPECT_EQ(usedUpText(week, now, english), "Used up · back Mon 9:10 AM");
+    EXPECT_EQ(usedUpText({"weekly", 100, {}, {}}, now, german), "Aufgebraucht");
+    EXPECT_EQ(waitingText(week, german), "Wartet auf die Woche");
+    EXPECT_EQ(waitingText({"session", 100, 43200.0, {}}, german), "Wartet auf den Monat");
+    EXPECT_EQ(waitingText({"individual", 100, 20 * 1440.0, {}}, english), "Waits for Own limit");
+}
+
+TEST(UsageTexts, daysAreDeclined) {
+    const UsageWindow week{"weekly", 50, 10080.0, minutesFromNow(3 * 1440 + 18 * 60)};
+    EXPECT_EQ(resetText(week, now, german), "Reset in 3 Tagen 18 Std. · Mi., 08:46");
+    EXPECT_EQ(forecastText({minutesFromNow(600)}, week, now, german),
+              "Leer in 10 Std., 3 Tage vor dem Reset");
+    const UsageWindow soon{"weekly", 50, 10080.0, minutesFromNow(1440)};
+    EXPECT_EQ(resetText(soon, now, german), "Reset in 1 Tag · So., 14:46");
+}
+
+TEST(UsageTexts, creditLinesOfAKnownFormSpeakTheUsersLanguage) {
+    const auto text = [](const char* line, const Localization& words) {
+        return creditText(CreditInfo::line(line), words);
+    };
+    EXPECT_EQ(text("$3.20 / $20.00 spent", english), "$3.20 / $20.00 spent");
+    EXPECT_EQ(text("$3.20 / $20.00 spent", german), "$3.20 von $20.00 ausgegeben");
+    EXPECT_EQ(text("$3.20 spent\x1b[31m", german), "$3.20 spent");
+    EXPECT_EQ(text("none spent / all spent", german), "none spent / all spent");
+}
+
 TEST(UsageTexts, planningTellsWhichSideItIsOn) {
-    EXPECT_EQ(planningText({Planning::Kind::deficit, -9.6}, english), "10 points below plan");
-    EXPECT_EQ(planningText({Planning::Kind::reserve, 17.4}, english), "17 points above plan");
-    EXPECT_EQ(planningText({Planning::Kind::onPlan, 4}, english), "On plan");
+    EXPECT_EQ(planningText({Planning::Kind::deficit, -9.6}, english), "10 points short");
+    EXPECT_EQ(planningText({Planning::Kind::reserve, 17.4}, english), "17 points in reserve");
+    EXPECT_EQ(planningText({Planning::Kind::onPlan, 4}, english), "On pace");
 }
 
 TEST(UsageProviderError, saysWhatHappened) {
     using Error = UsageProviderError;
     const std::pair<Error, const char*> cases[] = {
+        {Error::executableMissing("Codex CLI"), "Codex CLI not found."},
         {Error::launchFailed("Codex", "Permission denied"),
          "Codex could not be started: Permission denied"},
         {Error::claudeReadFailed(3, "no prompt"),
@@ -100,6 +165,7 @@ TEST(UsageProviderError, saysWhatHappened) {
     for (const auto& [error, text] : cases) {
         EXPECT_EQ(error.message(english), text);
     }
+    EXPECT_EQ(Error::executableMissing("Codex CLI").message(german), "Codex-CLI nicht gefunden.");
     std::string talkative;
     for (int line = 0; line < 5000; ++line)
         talkative += "täglich\n";
@@ -110,7 +176,7 @@ TEST(UsageProviderError, saysWhatHappened) {
 }
 
 TEST(UsageProviderError, everyCaseHasAText) {
-    for (int kind = 0; kind <= static_cast<int>(UsageProviderError::Kind::antigravityNoQuotas);
+    for (int kind = 0; kind <= static_cast<int>(UsageProviderError::Kind::claudeOptionRefused);
          ++kind) {
         const UsageProviderError error(static_cast<UsageProviderError::Kind>(kind));
         if (const auto key = error.messageKey()) {

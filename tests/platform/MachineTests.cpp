@@ -66,9 +66,9 @@ TEST(Machine, SandboxIsCompleteAndLeadsNowhereElse) {
     EXPECT_EQ(machine.resolved("~/.local/bin/agy"), machine.home / ".local/bin/agy");
     EXPECT_EQ(machine.resolved("/usr/local/bin/agy"), machine.root / "usr/local/bin/agy");
 
-    EXPECT_FALSE(machine.credentials->hasGenericPassword("gemini", "antigravity"));
+    EXPECT_EQ(machine.credentials->hasGenericPassword("gemini", "antigravity"), false);
     directory.write("box/credentials/gemini/antigravity", "");
-    EXPECT_TRUE(machine.credentials->hasGenericPassword("gemini", "antigravity"));
+    EXPECT_EQ(machine.credentials->hasGenericPassword("gemini", "antigravity"), true);
 }
 
 TEST(Machine, EverySandboxIsAnInstanceOfItsOwn) {

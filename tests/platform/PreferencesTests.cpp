@@ -1,8 +1,11 @@
+#include "platform/FileLock.h"
 #include "platform/PreferencesFile.h"
 #include "support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
+
+#include <sys/stat.h>
 
 namespace vellmark {
 namespace {
@@ -53,7 +56,10 @@ TEST_F(PreferencesTest, ValuesOfOtherTypesCountAsAbsentAndAreKept) {
 }
 
 TEST_F(PreferencesTest, DamagedFileIsKeptAsideAndTheDefaultsHold) {
-    for (const char* damage : {"{\"AppLanguage\":\"de\"", "[1]", "", "\xff\xfe"}) {
+    // Written again, the last one would need a stack of its depth.
+    const std::string deep = "{\"a\":" + std::string(100000, '[') + std::string(100000, ']') + "}";
+    for (const std::string& damage :
+         std::vector<std::string>{"{\"AppLanguage\":\"de\"", "[1]", "", "\xff\xfe", deep}) {
         directory_.write("Vellmark/preferences.json", damage);
         const auto preferences = open();
         EXPECT_FALSE(preferences->string("AppLanguage"));
@@ -99,6 +105,48 @@ TEST_F(PreferencesTest, ALinkToTheFileStaysALink) {
     EXPECT_NE(contentOf(directory_ / "dotfiles/preferences.json").find("\"en\""),
               std::string::npos);
     EXPECT_EQ(std::distance(fs::directory_iterator(directory_ / "dotfiles"), {}), 1);
+}
+
+// Both programs may change a setting in the same moment, and one may be stopped then.
+TEST_F(PreferencesTest, WhoCannotHaveTheLockLeavesTheChangeOnDisk) {
+    open()->setString("AppLanguage", "de");
+    std::error_code error;
+    {
+        const auto held = FileLock::acquire(directory_ / "Vellmark/preferences.lock",
+                                            FileLock::Seconds(1), error);
+        ASSERT_TRUE(held);
+        const auto run = open();
+        run->setString("AppLanguage", "en");
+        run->setBoolean("Flag", true);
+        run->remove("AppLanguage");
+        EXPECT_FALSE(run->writeError());
+        EXPECT_NE(contentOf(file_).find("\"de\""), std::string::npos) << "not written";
+        EXPECT_EQ(open()->boolean("Flag"), true) << "but known to whoever starts now";
+    }
+    // That run is over.
+    const auto next = open();
+    EXPECT_FALSE(next->string("AppLanguage"));
+    next->setNumber("Scale", 2);
+    EXPECT_EQ(nlohmann::json::parse(contentOf(file_)),
+              nlohmann::json::parse(R"({"Flag":true,"Scale":2.0})"));
+    EXPECT_FALSE(fs::exists(directory_ / "Vellmark/preferences.waiting"));
+}
+
+TEST_F(PreferencesTest, WhatIsNoFileIsNeitherWaitedForNorReplaced) {
+    fs::create_directories(file_.parent_path());
+    ASSERT_EQ(::mkfifo(file_.c_str(), 0600), 0);
+    const auto preferences = open();
+    EXPECT_TRUE(preferences->writeError());
+    preferences->setBoolean("Flag", true);
+    EXPECT_TRUE(preferences->writeError());
+    EXPECT_EQ(preferences->boolean("Flag"), true);
+    EXPECT_TRUE(fs::is_fifo(file_));
+    fs::remove(file_);
+    fs::create_symlink(directory_ / "dotfiles/preferences.json", file_);
+    preferences->setBoolean("Flag", false);
+    EXPECT_FALSE(preferences->writeError());
+    EXPECT_TRUE(fs::is_symlink(file_)) << "a link that leads nowhere yet is followed";
+    EXPECT_EQ(open()->boolean("Flag"), false);
 }
 
 } // namespace

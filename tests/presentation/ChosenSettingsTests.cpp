@@ -36,9 +36,11 @@ TEST_F(ChosenSettingsTest, LanguageFollowsTheSystemUntilOneIsChosen) {
     EXPECT_EQ(LanguageManager(*preferences_, swiss, "de").words(), Localization("de", "de_CH"));
 }
 
-TEST_F(ChosenSettingsTest, UnknownLanguagesReadGerman) {
-    EXPECT_EQ(LanguageManager(*preferences_, {"fr", "fr_FR"}).words(), Localization("de"));
-    EXPECT_EQ(LanguageManager(*preferences_, {}).words(), Localization("de"));
+TEST_F(ChosenSettingsTest, UnknownLanguagesReadEnglish) {
+    EXPECT_EQ(LanguageManager(*preferences_, {"fr", "fr_FR"}).words(), Localization("en"));
+    // The C locale names no language.
+    const UserLocale plain = UserLocale::of({{"LC_ALL", "C.UTF-8"}, {"LANG", "de_DE.UTF-8"}});
+    EXPECT_EQ(LanguageManager(*preferences_, plain).words(), Localization("en"));
     preferences_->setString("AppLanguage", "nonsense");
     EXPECT_EQ(LanguageManager(*preferences_, {"de", "de_DE"}).setting(), "system");
 }

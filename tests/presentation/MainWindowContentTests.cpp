@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 namespace vellmark::tests {
 namespace {
 
@@ -32,6 +34,9 @@ TEST(Sidebar, TellsTheLeastThatIsLeft) {
     EXPECT_EQ(items[2].badge, UsageHealth::critical);
     EXPECT_EQ(items[2].page, AgentPage::provider(claude));
     EXPECT_EQ(items[3].badge, std::nullopt);
+    UsageState swapped = twoAgents();
+    std::ranges::reverse(swapped.snapshots[0].windows);
+    EXPECT_EQ(sidebarItems(swapped, noon, english)[2].value, "3% left");
     const auto failure = UsageProviderError::other("Odd.");
     EXPECT_EQ(sidebarItems(stateOf({failed(codex, failure)}), noon, english)[2].value, "");
 }
@@ -56,6 +61,11 @@ TEST(Overview, SaysWhenItWasReadAndWhatIsWorst) {
     state.lastRefreshCompletedAt.reset();
     content = overviewContent(state, noon, english);
     EXPECT_EQ(content.updated, "Not read yet");
+    UsageState first = stateOf({AgentUsageSnapshot{.id = codex}});
+    first.lastRefreshCompletedAt.reset();
+    EXPECT_EQ(overviewContent(first, noon, english).verdict.text, "No figures yet.");
+    first.isRefreshing = true;
+    EXPECT_EQ(overviewContent(first, noon, english).verdict.text, "Reading values …");
     EXPECT_EQ(content.refresh.title, "Refreshing …");
 
     EXPECT_TRUE(overviewContent(UsageState(), noon, english).noAgents);

@@ -76,22 +76,67 @@ TEST(PopoverContent, SaysWhatIsWorstAndWhenItWasRead) {
     EXPECT_EQ(contentOf(stateOf({failed(codex, missing), failed(claude, missing),
                                  live(antigravity, {fine})}))
                   .statusLine.text,
-              "2 of 3 agents unreadable · read at 1:46 PM");
+              "2 of 3 agents unreadable · as of 1:46 PM");
 
     UsageState old = threeAgents();
     old.lastRefreshCompletedAt = noon - Seconds(2 * 86400);
     EXPECT_THAT(contentOf(old).statusLine.text, testing::HasSubstr("· read Tue"));
 }
 
+TEST(PopoverContent, CountsSeveralAgentsOfWhichTheSameIsToBeSaid) {
+    const UsageWindow low = window("session", 60, fiveHours, 150);
+    const UsageWindow spent = window("session", 97, fiveHours, 150);
+    UsageState state =
+        stateOf({live(codex, {low}), live(claude, {low}), live(antigravity, {spent})});
+    EXPECT_EQ(contentOf(state).statusLine.text,
+              "Antigravity critical, 2 of 3 agents running low · read at 1:46 PM");
+    EXPECT_EQ(contentOf(state, "overview", german).statusLine.text,
+              "Antigravity kritisch, 2 von 3 Agenten werden knapp · gelesen um 13:46");
+    state.snapshots[0] = live(codex, {spent});
+    EXPECT_EQ(contentOf(state).statusLine.text,
+              "2 of 3 agents critical, Claude running low · read at 1:46 PM");
+}
+
+TEST(PopoverContent, NothingIsReadAtAMomentAtWhichNothingWasRead) {
+    const UsageWindow fine = window("session", 22, fiveHours, 87);
+    const auto timeout = UsageProviderError::timeout("Codex");
+    UsageState state = stateOf({failed(codex, timeout, {fine}), live(claude, {fine})});
+    state.lastSuccess[codex] = noon - Seconds(34 * 60);
+    EXPECT_EQ(contentOf(state).statusLine.text, "Codex unreadable · as of 1:46 PM");
+
+    state.snapshots[1] = failed(claude, timeout, {fine});
+    state.lastSuccess[claude] = noon - Seconds(12 * 60);
+    EXPECT_EQ(contentOf(state).statusLine.text, "2 of 2 agents unreadable · 34 min old");
+    EXPECT_EQ(contentOf(state, "overview", german).statusLine.text,
+              "2 von 2 Agenten nicht lesbar · Stand vor 34 Min.");
+
+    state = stateOf({failed(codex, timeout)});
+    EXPECT_EQ(contentOf(state).statusLine.text, "Codex unreadable · last tried 1:46 PM");
+
+    // At the start of the program, before anything was read.
+    state = stateOf({live(codex, {fine})});
+    state.snapshots[0].source = SnapshotSource::stale;
+    state.lastSuccess[codex] = noon - Seconds(34 * 60);
+    state.lastRefreshCompletedAt.reset();
+    EXPECT_EQ(contentOf(state).statusLine.text, "Everything lasts until its reset · 34 min old");
+
+    const UsageWindow due = window("session", 22, fiveHours, -3);
+    state = stateOf({live(codex, {due}), live(claude, {fine})});
+    EXPECT_EQ(contentOf(state).statusLine.text, "Codex: reset due · read at 1:46 PM");
+    EXPECT_EQ(contentOf(state).agents[0].statusText, "Reset due");
+}
+
 TEST(PopoverContent, NamesOnlyTheWorstInBriefAndKeepsTheTime) {
     const PopoverContent two = contentOf(threeAgents(), "overview", german);
-    EXPECT_EQ(two.statusLine.briefText, "Antigravity kritisch (+1) · gelesen um 13:46");
+    EXPECT_EQ(two.statusLine.briefText,
+              "Antigravity kritisch, 1 weiterer Agent betroffen · gelesen um 13:46");
 
     UsageState state = threeAgents();
     // Stale, and still running low: one agent, counted once.
     state.snapshots[1].error = UsageProviderError::timeout("Claude");
     state.snapshots[0].error = UsageProviderError::executableMissing("codex");
-    EXPECT_EQ(contentOf(state).statusLine.briefText, "Antigravity critical (+2) · read at 1:46 PM");
+    EXPECT_EQ(contentOf(state).statusLine.briefText,
+              "Antigravity critical, 2 more agents affected · as of 1:46 PM");
 
     const UsageState fine = stateOf({live(codex, {window("session", 22, fiveHours, 87)})});
     EXPECT_EQ(contentOf(fine).statusLine.briefText, contentOf(fine).statusLine.text);
@@ -130,7 +175,7 @@ TEST(UsageRow, TellsWhatIsLeftWhenItResetsAndWhetherItLasts) {
     EXPECT_EQ(row.figure, "7%");
     EXPECT_EQ(row.figureWord, "left");
     EXPECT_EQ(row.reset, "Resets in 1 h 27 min · 3:15 PM");
-    EXPECT_EQ(row.planning, "22 points below plan");
+    EXPECT_EQ(row.planning, "22 points short");
     ASSERT_TRUE(row.forecast);
     EXPECT_EQ(row.forecast->text, "Runs out in 16 min, 70 min before reset");
     EXPECT_EQ(row.forecast->briefText, "Runs out in 16 min");
@@ -144,11 +189,11 @@ TEST(UsageRow, TellsWhatIsLeftWhenItResetsAndWhetherItLasts) {
 
 TEST(UsageRow, BehavesAtTheEnds) {
     const auto rowOf = [](const UsageWindow& each) {
-        return usageRowContent(each, false, {}, noon, english);
+        return contentOf(stateOf({live(codex, {each})})).agents[0].rows[0];
     };
     const UsageRowContent timeless = rowOf(windowWithoutReset("session", 0));
     EXPECT_EQ(timeless.value, "100% left");
-    EXPECT_EQ(timeless.reset, "No reset time");
+    EXPECT_EQ(timeless.reset, "Reset time unknown");
     EXPECT_EQ(timeless.bar.filledShare, 1);
     EXPECT_FALSE(timeless.bar.paceMark);
     EXPECT_FALSE(timeless.forecast);
@@ -163,7 +208,8 @@ TEST(UsageRow, BehavesAtTheEnds) {
 
     const UsageRowContent due = rowOf(window("session", 50, fiveHours, -33));
     EXPECT_EQ(due.reset, "Reset due at 1:15 PM, not confirmed");
-    EXPECT_EQ(due.bar.paceMark, 0);
+    EXPECT_EQ(due.bar.health, UsageHealth::unavailable);
+    EXPECT_TRUE(due.isMuted);
 }
 
 TEST(AgentBlock, KeepsStaleFiguresWithTheirAgeAndTheReason) {
@@ -175,12 +221,42 @@ TEST(AgentBlock, KeepsStaleFiguresWithTheirAgeAndTheReason) {
     EXPECT_EQ(block.statusText, "34 min old");
     EXPECT_TRUE(block.showsClock);
     ASSERT_EQ(block.rows.size(), 1U);
-    EXPECT_TRUE(block.rows.front().isStale);
+    EXPECT_TRUE(block.rows.front().isMuted);
     EXPECT_TRUE(block.rows.front().bar.isStale);
     ASSERT_TRUE(block.failure);
     EXPECT_EQ(block.failure->reason, "Codex did not answer in time.");
     EXPECT_EQ(block.sourceText, "Read 34 min ago through the Codex CLI");
     EXPECT_EQ(contentOf(state, "overview", german).agents.front().statusText, "Stand vor 34 Min.");
+}
+
+TEST(AgentBlock, TellsWhatIsOlderThanItLooksAndWhenTheAgentIsAskedAgain) {
+    AgentUsageSnapshot kept =
+        failed(claude, UsageProviderError(UsageProviderError::Kind::claudeServiceUnavailable),
+               {window("session", 22, fiveHours, 87)});
+    kept.mayBeNewer = true;
+    UsageState state = stateOf({kept});
+    state.lastSuccess[claude] = noon - Seconds(3600);
+    state.restsUntil[claude] = noon + Seconds(600);
+    const AgentBlockContent block = contentOf(state).agents.front();
+    EXPECT_EQ(block.statusText, "At most 60 min old");
+    EXPECT_EQ(block.sourceText, "Read at most 60 min ago through the Claude Code CLI");
+    EXPECT_TRUE(block.failure->reason.ends_with(" Next try: 1:58 PM.")) << block.failure->reason;
+    state.restsUntil[claude] = noon - Seconds(1);
+    EXPECT_TRUE(contentOf(state).agents.front().failure->reason.ends_with("there."));
+
+    UsageWindow old = window("fable-weekly", 50, 10080, 6000);
+    old.readAt = noon - Seconds(1800);
+    AgentUsageSnapshot partly = live(claude, {window("session", 22, fiveHours, 87), old});
+    partly.isIncomplete = true;
+    partly.notes = {{SnapshotNote::ReadingWay{"session", 8400}},
+                    {SnapshotNote::AgentSays{"You've hit your session limit"}}};
+    const AgentBlockContent half = contentOf(stateOf({partly})).agents.front();
+    EXPECT_FALSE(half.rows[0].isMuted);
+    EXPECT_TRUE(half.rows[1].isMuted && half.rows[1].bar.isStale);
+    EXPECT_TRUE(half.rows[1].reset.ends_with(" · 30 min old")) << half.rows[1].reset;
+    EXPECT_EQ(half.notes,
+              (std::vector<std::string>{"The agent says: You've hit your session limit",
+                                        "The reading ended early; what it lacks is older."}));
 }
 
 TEST(AgentBlock, OffersTheWayOutOfAFailure) {
@@ -193,6 +269,7 @@ TEST(AgentBlock, OffersTheWayOutOfAFailure) {
     const std::vector<Way> ways{
         {UsageProviderError::executableMissing("claude"), WayOut::install, "Install …"},
         {UsageProviderError(Kind::claudeNotLoggedIn), WayOut::logIn, "Log in …"},
+        {UsageProviderError(Kind::codexNotLoggedIn), WayOut::logIn, "Log in …"},
         {UsageProviderError(Kind::antigravityNotLoggedIn), WayOut::logIn, "Log in …"},
         {UsageProviderError(Kind::antigravityIneligible), WayOut::openSettings, "Open settings"},
         {UsageProviderError::other("Odd."), WayOut::readAgain, "Read again"},
@@ -218,6 +295,78 @@ TEST(AgentBlock, ListsBalancesAndCreditsAfterTheWindows) {
     EXPECT_EQ(block.balances[0], (BalanceRowContent{"Credits", "$16.80 left", "of $20.00"}));
     EXPECT_EQ(block.balances[1], (BalanceRowContent{"Credits", "€3.00 left", ""}));
     EXPECT_EQ(block.balances[2], (BalanceRowContent{"Extra credit", "", "$3.20 / $20.00 spent"}));
+
+    // What is left of the extra credit is told by the credit line already.
+    snapshot.balances = {{extraUsageBalanceID, 16.8, "USD", 20.0}};
+    EXPECT_EQ(contentOf(stateOf({snapshot})).agents.front().balances.size(), 1U);
+    snapshot.credit.reset();
+    EXPECT_EQ(contentOf(stateOf({snapshot})).agents.front().balances.front().value, "$16.80 left");
+}
+
+TEST(AgentBlock, SaysUntilWhenAnAgentRefusesAndWhy) {
+    struct Case {
+        /// Null: the agent says only that it refuses.
+        const char* reached;
+        double used;
+        std::string english;
+        std::string german;
+    };
+    const std::vector<Case> cases = {
+        {nullptr, 100, "Codex refuses until 3:15 PM", "Codex lehnt bis 15:15 ab"},
+        {"rate_limit_reached", 100, "Codex refuses until 3:15 PM", "Codex lehnt bis 15:15 ab"},
+        {nullptr, 50, "Codex refuses for now", "Codex lehnt vorerst ab"},
+        {"workspace_member_credits_depleted", 50, "Workspace credits are used up",
+         "Guthaben des Arbeitsbereichs ist leer"},
+        {"workspace_owner_usage_limit_reached", 50, "Workspace limit is reached",
+         "Limit des Arbeitsbereichs ist erreicht"},
+        {"spend_control_reached", 50, "Your spending limit is reached",
+         "Dein Ausgabenlimit ist erreicht"},
+    };
+    for (const Case& test : cases) {
+        AgentUsageSnapshot snapshot = live(codex, {window("session", test.used, fiveHours, 87)});
+        snapshot.allowance.emplace();
+        if (test.reached)
+            snapshot.allowance->reachedType = test.reached;
+        else
+            snapshot.allowance->ordinaryUsageAllowed = false;
+        const UsageState state = stateOf({snapshot});
+        const AgentBlockContent block = contentOf(state).agents.front();
+        ASSERT_EQ(block.balances.size(), 1U) << test.english;
+        EXPECT_EQ(block.balances[0], (BalanceRowContent{"Used up", "", test.english, true}));
+        EXPECT_EQ(block.health, UsageHealth::critical);
+        EXPECT_THAT(block.accessibilityDetail, testing::EndsWith("Used up: " + test.english));
+        EXPECT_EQ(contentOf(state, "overview", german).agents.front().balances[0].detail,
+                  test.german);
+    }
+    AgentUsageSnapshot back = live(codex, {window("session", 100, fiveHours, 87)});
+    back.allowance = UsageAllowance{.ordinaryUsageAllowed = true};
+    EXPECT_TRUE(contentOf(stateOf({back})).agents.front().balances.empty());
+}
+
+TEST(AgentBlock, CountsTheResetsInHand) {
+    const auto row = [](std::int64_t count, std::optional<Instant> expiry,
+                        const Localization& words = english) {
+        AgentUsageSnapshot snapshot = live(codex, {window("session", 5, fiveHours, 87)});
+        snapshot.allowance = UsageAllowance{.bankedResets = count, .bankedResetExpiresAt = expiry};
+        const auto rows = contentOf(stateOf({snapshot}), "overview", words).agents.front().balances;
+        return rows.empty() ? std::nullopt : std::optional(rows.back());
+    };
+    using Row = BalanceRowContent;
+    EXPECT_EQ(row(2, noon + Seconds(9 * 86400)),
+              (Row{"Banked resets", "2", "· next expires on Nov 29, 1:48 PM"}));
+    EXPECT_EQ(row(2, noon + Seconds(3600)),
+              (Row{"Banked resets", "2", "· next expires at 2:48 PM"}));
+    EXPECT_EQ(row(1, noon + Seconds(9 * 86400), german),
+              (Row{"Resets auf Vorrat", "1", "· nächster verfällt am 29. Nov., 13:48"}));
+    EXPECT_EQ(row(3, noon - Seconds(1)), (Row{"Banked resets", "3", ""}));
+    EXPECT_EQ(row(3, std::nullopt), (Row{"Banked resets", "3", ""}));
+    EXPECT_EQ(row(0, std::nullopt), std::nullopt);
+}
+
+TEST(AgentBlock, CallsThePlanByItsName) {
+    AgentUsageSnapshot snapshot = live(codex, {});
+    snapshot.plan = "Prolite";
+    EXPECT_EQ(contentOf(stateOf({snapshot})).agents.front().plan, "Pro Lite");
 }
 
 } // namespace

@@ -1,4 +1,7 @@
+#include "probes/BackgroundReaper.h"
 #include "probes/BoundedProcess.h"
+#include "probes/ChildOutputs.h"
+#include "probes/PrivateTemporaryFile.h"
 #include "probes/ShellChild.h"
 
 #include <gmock/gmock.h>
@@ -7,6 +10,8 @@
 #include <atomic>
 #include <fcntl.h>
 #include <signal.h>
+#include <stdlib.h>
+#include <sys/ioctl.h>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -150,6 +155,44 @@ TEST(BoundedProcess, drainsWhatItDoesNotKeep) {
     EXPECT_EQ(result.errorOutput, "prob");
 }
 
+TEST(BoundedProcess, aChildThatOutgrowsItsRecordingIsStopped) {
+    const TemporaryDirectory directory;
+    const auto file = PrivateTemporaryFile::create(directory.path());
+    ASSERT_TRUE(file);
+    ChildConfiguration child = shellChild("echo begin; exec cat /dev/zero");
+    child.standardOutput = ChildOutput::recorded(file->descriptor(), 1'000'000);
+    const auto result = BoundedProcess::run(child, longLimit, longGrace);
+    EXPECT_TRUE(result.outputCapped);
+    EXPECT_FALSE(result.timedOut) << "it was not its time that was over";
+    EXPECT_EQ(result.terminationStatus, SIGTERM);
+    EXPECT_EQ(file->contents().size(), 1'000'000u);
+    EXPECT_TRUE(file->contents().starts_with("begin\n"));
+    EXPECT_TRUE(std::filesystem::is_empty(directory.path())) << "a file that can be found";
+
+    child = shellChild("echo out; echo problem >&2");
+    const auto none = PrivateTemporaryFile::create(directory.path());
+    child.standardOutput = ChildOutput::recorded(none->descriptor(), 0);
+    EXPECT_TRUE(BoundedProcess::run(child, longLimit, longGrace).outputCapped)
+        << "also when it is seen after the child's end";
+    const auto small = PrivateTemporaryFile::create(directory.path());
+    child.standardOutput = ChildOutput::recorded(small->descriptor(), 12);
+    child.mergesStandardError = true;
+    EXPECT_FALSE(BoundedProcess::run(child, longLimit, longGrace).outputCapped);
+    EXPECT_EQ(small->contents(), "out\nproblem\n");
+}
+
+// The reader may be late: on a busy machine it gets its turn when the time for reading is over.
+TEST(BoundedProcess, whatTheChildHasWrittenIsReadHoweverLate) {
+    ChildConfiguration child = shellChild("echo text");
+    child.standardOutput = ChildOutput::captured(100);
+    ChildOutputs outputs(child);
+    LaunchedChild launched(child, outputs.streams());
+    outputs.closeChildEnds();
+    launched.collect();
+    outputs.drainUntil(ChildOutputs::Clock::now() - std::chrono::hours(1));
+    EXPECT_EQ(outputs.takeOutput(), "text\n");
+}
+
 TEST(BoundedProcess, aPipeThatAGrandchildHoldsDoesNotHoldTheRun) {
     const TemporaryDirectory directory;
     const auto start = std::chrono::steady_clock::now();
@@ -185,6 +228,30 @@ TEST(BoundedProcess, aDeafChildIsKilledAfterTheGrace) {
     EXPECT_TRUE(result.timedOut);
     EXPECT_EQ(result.terminationStatus, SIGKILL);
     EXPECT_GE(result.elapsed, Seconds(0.8));
+}
+
+TEST(BoundedProcess, aStoppedChildCanObeyTheSoftStop) {
+    const auto result = runShell("trap 'exit 4' TERM; kill -STOP $$; exit 5", Seconds(0.5));
+    EXPECT_TRUE(result.timedOut);
+    EXPECT_EQ(result.terminationStatus, 4);
+}
+
+TEST(BoundedProcess, aChildThatReachesForTheTerminalIsNotStopped) {
+    const TemporaryDirectory directory;
+    const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_TRUE(::grantpt(terminal) == 0 && ::unlockpt(terminal) == 0);
+    const pid_t program = ::fork();
+    if (program == 0) {
+        // The program has a terminal, whose foreground the child is not in.
+        ::setsid();
+        ::ioctl(::open(::ptsname(terminal), O_RDWR), TIOCSCTTY, 0);
+        const auto result = runShell("stty -echo </dev/tty; exit 3", Seconds(5), Seconds(1));
+        ::_exit(result.timedOut ? 1 : result.terminationStatus == 3 ? 0 : 2);
+    }
+    int status = -1;
+    ::waitpid(program, &status, 0);
+    ::close(terminal);
+    EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, 0);
 }
 
 TEST(BoundedProcess, aLimitOfNothingStopsAtOnce) {
@@ -224,6 +291,36 @@ TEST(BoundedProcess, aDeafGrandchildIsKilledThoughItsParentObeyed) {
     EXPECT_EQ(result.terminationStatus, SIGTERM);
     const pid_t deaf = awaitedPid(directory / "pid");
     EXPECT_TRUE(isProcessAlive(deaf)) << "the run ends with its own child";
+    EXPECT_TRUE(becomesTrue([deaf] { return !isProcessAlive(deaf); }));
+}
+
+TEST(BoundedProcess, theGroupOfAStoppedChildGoesWithItAndWhatHasLeftItStays) {
+    const TemporaryDirectory directory;
+    const auto result = runShell(parentOfGroupAndDaemon(directory), Seconds(3), Seconds(1));
+    EXPECT_EQ(result.terminationStatus, SIGTERM);
+    const pid_t deaf = awaitedPid(directory / "pid");
+    const pid_t daemon = awaitedPid(directory / "daemon");
+    EXPECT_TRUE(RunningChildren::snapshot().empty());
+    EXPECT_TRUE(becomesTrue([deaf] { return !isProcessAlive(deaf); }));
+    EXPECT_TRUE(becomesTrue([] { return BackgroundReaper::snapshot().empty(); }));
+    EXPECT_FALSE(hasZombieChild());
+    EXPECT_TRUE(isProcessAlive(daemon));
+    ::kill(daemon, SIGKILL);
+}
+
+// Told to stop, its members start others, which nobody has seen.
+TEST(BoundedProcess, whoIsBornAfterTheSoftStopGoesToo) {
+    const TemporaryDirectory directory;
+    const auto late = directory.write("late", deafShell(directory / "pid"));
+    const auto member = directory.write(
+        "member", "trap 'sleep 0.2; sh " + late.string() + " & exit' TERM; : > " +
+                      (directory / "ready").string() + "; while :; do sleep 0.02; done");
+    const auto result =
+        runShell("(sh " + member.string() + " >/dev/null 2>&1 &); " + "while ! [ -e " +
+                     (directory / "ready").string() + " ]; do sleep 0.02; done; sleep 30 & wait",
+                 Seconds(3), Seconds(2));
+    EXPECT_EQ(result.terminationStatus, SIGTERM);
+    const pid_t deaf = awaitedPid(directory / "pid");
     EXPECT_TRUE(becomesTrue([deaf] { return !isProcessAlive(deaf); }));
 }
 

@@ -120,7 +120,8 @@ TEST(ChildSession, aLaunchThatFailsThrowsAndLeavesNothing) {
     ChildConfiguration child;
     child.executable = "/nowhere/at/all";
     EXPECT_THROW(ChildSession(child, ErrorStream::pipe), std::system_error);
-    EXPECT_EQ(openDescriptorCount(), descriptors);
+    // An earlier session's may still be on their way out.
+    EXPECT_LE(openDescriptorCount(), descriptors);
     EXPECT_THAT(RunningChildren::snapshot(), IsEmpty());
 }
 

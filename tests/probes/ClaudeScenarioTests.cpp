@@ -14,38 +14,51 @@ using Kind = UsageProviderError::Kind;
 
 const std::vector<std::string> allWindows = {"session", "weekly", "fable-weekly"};
 
+/// The screens, whatever else the CLI can do.
+const ReadingOptions session{.way = claudeSessionWay, .interval = {}};
+
 /// Pauses that the simulated CLI needs; steps wait as long as shipped, so that a busy machine makes
 /// no difference.
 ClaudeUsageProvider::Limits quickLimits() {
     ClaudeUsageProvider::Limits limits;
     limits.loginCheckGrace = Seconds(0.2);
-    limits.leastForSession = Seconds(0.05);
-    limits.killGrace = Seconds(0.3);
-    limits.session.statusPauseMs = 30;
-    limits.session.statusEscapePauseMs = 30;
-    limits.session.missingStatusPauseMs = 30;
-    limits.session.loggedOutPauseMs = 30;
-    limits.session.loggedOutExitPauseMs = 30;
-    limits.session.markedCapMs = 60000;
-    limits.session.unmarkedCapMs = 60000;
-    limits.session.unmarkedQuietSeconds = 1;
-    limits.session.leavePauseMs = 30;
-    limits.session.exitPauseMs = 100;
+    limits.session.least = Seconds(0.05);
+    limits.session.killGrace = Seconds(0.3);
+    limits.session.timings.statusPauseMs = 30;
+    limits.session.timings.statusEscapePauseMs = 30;
+    limits.session.timings.missingStatusPauseMs = 30;
+    limits.session.timings.loggedOutPauseMs = 30;
+    limits.session.timings.loggedOutExitPauseMs = 30;
+    limits.session.timings.markedCapMs = 60000;
+    limits.session.timings.unmarkedCapMs = 60000;
+    limits.session.timings.unmarkedQuietSeconds = 1;
+    limits.session.timings.leavePauseMs = 30;
+    limits.session.timings.exitPauseMs = 100;
     return limits;
 }
 
 /// For sessions in which a step is to run out of time.
 ClaudeUsageProvider::Limits impatientLimits(int stepTimeoutSeconds) {
     ClaudeUsageProvider::Limits limits = quickLimits();
-    limits.session.stepTimeoutSeconds = stepTimeoutSeconds;
+    limits.session.timings.stepTimeoutSeconds = stepTimeoutSeconds;
     return limits;
+}
+
+/// The notes about the screen; those about the way of reading come with every session.
+std::vector<SnapshotNote> ofTheScreen(const AgentUsageSnapshot& reading) {
+    std::vector<SnapshotNote> notes = reading.notes;
+    std::erase_if(notes, [](const SnapshotNote& note) {
+        return std::holds_alternative<SnapshotNote::ReadingWay>(note.value) ||
+               std::holds_alternative<SnapshotNote::ReadingCosts>(note.value);
+    });
+    return notes;
 }
 
 class ClaudeScenario : public ScenarioTest {
 protected:
     FetchOutcome fetch(const ClaudeUsageProvider::Limits& limits = quickLimits(),
                        Seconds hardLimit = Seconds(60)) {
-        ClaudeUsageProvider provider(sandbox.machine(), hardLimit, limits);
+        ClaudeUsageProvider provider(sandbox.machine(), hardLimit, session, limits);
         return outcomeOf(provider);
     }
 
@@ -110,14 +123,14 @@ TEST_F(ClaudeScenario, readsFiguresAccountAndTimes) {
     EXPECT_EQ(reading.accountLabel, "name@example.org");
     EXPECT_EQ(reading.plan, "Max 20x");
     EXPECT_EQ(reading.credit, CreditInfo::line("$3.20 / $20.00 spent"));
-    ASSERT_EQ(reading.notes.size(), 1u);
-    const auto& timing = std::get<SnapshotNote::ClaudeTiming>(reading.notes[0].value);
+    ASSERT_EQ(ofTheScreen(reading).size(), 1u);
+    const auto timing = std::get<SnapshotNote::ClaudeTiming>(ofTheScreen(reading)[0].value);
     EXPECT_GE(timing.quietMs, 1000);
     EXPECT_GE(timing.endMs, 100);
 }
 
 TEST_F(ClaudeScenario, reportsWhatKeepsItFromStarting) {
-    ClaudeUsageProvider unscripted(sandbox.machine(), Seconds(60), quickLimits(),
+    ClaudeUsageProvider unscripted(sandbox.machine(), Seconds(60), session, quickLimits(),
                                    "/nowhere/expect");
     expectFailure(outcomeOf(unscripted),
                   UsageProviderError::launchFailed("Claude Code", "No such file or directory"));
@@ -129,15 +142,29 @@ TEST_F(ClaudeScenario, reportsWhatKeepsItFromStarting) {
 
     AgentSandbox other;
     other.machine().temporary /= "gone";
-    ClaudeUsageProvider provider(other.machine(), Seconds(60), quickLimits());
+    ClaudeUsageProvider provider(other.machine(), Seconds(60), session, quickLimits());
     expectFailure(outcomeOf(provider), Kind::claudeTempFileFailed);
 }
 
 TEST_F(ClaudeScenario, startsNoSessionWithoutTimeForIt) {
     sandbox.installScript("claude", "test \"$1\" = auth || touch \"$HOME/started\"\n");
-    ClaudeUsageProvider provider(sandbox.machine(), Seconds(5));
+    ClaudeUsageProvider provider(sandbox.machine(), Seconds(5), session);
     expectFailure(outcomeOf(provider), UsageProviderError::timeout("Claude"));
     EXPECT_FALSE(std::filesystem::exists(sandbox.machine().home / "started"));
+}
+
+// The screens say "6:15am" of the zone that the CLI runs in.
+TEST_F(ClaudeScenario, runsTheSessionInTheZoneThatItsTimesAreReadIn) {
+    sandbox.machine().environment["TZ"] = "America/Los_Angeles";
+    sandbox.installScript("claude", "test \"$1\" = auth || echo \"$TZ\" > \"$HOME/zone\"\n");
+    expectFailure(fetch(), UsageProviderError::claudeReadFailed(125, ""));
+    EXPECT_EQ(contentOf(sandbox.machine().home / "zone"), "Europe/Zurich\n");
+}
+
+TEST_F(ClaudeScenario, namesTheOptionThatAnOldCLIDoesNotKnow) {
+    sandbox.installScript("claude", "test \"$1\" = auth && exit 1\n"
+                                    "echo \"error: unknown option '--restricted'\" >&2; exit 1\n");
+    expectFailure(fetch(), UsageProviderError::claudeOptionRefused("--restricted"));
 }
 
 TEST_F(ClaudeScenario, quotesACLIThatEndsEarly) {
@@ -189,9 +216,9 @@ TEST_F(ClaudeScenario, notesAPageWithoutAKnownEnd) {
     sandbox.play("claude", "no-end-marker");
     const AgentUsageSnapshot reading = snapshot();
     EXPECT_EQ(reading.windows.size(), 3u);
-    ASSERT_EQ(reading.notes.size(), 2u);
+    ASSERT_EQ(ofTheScreen(reading).size(), 2u);
     EXPECT_EQ(
-        reading.notes[0],
+        ofTheScreen(reading)[0],
         (SnapshotNote{SnapshotNote::ClaudeEndMarkerMissing{"Last refreshed  s ago, cache  warm"}}));
     EXPECT_NE(contentOf(diagnostics("claude-usage-ending.txt")).find("Last refreshed 12 s ago"),
               std::string::npos);
@@ -201,8 +228,8 @@ TEST_F(ClaudeScenario, takesTheSpendLineForThePagesEnd) {
     sandbox.play("claude", "late-credits");
     const AgentUsageSnapshot reading = snapshot();
     EXPECT_EQ(reading.credit, CreditInfo::line("$3.20 / $20.00 spent"));
-    ASSERT_EQ(reading.notes.size(), 1u);
-    EXPECT_TRUE(std::holds_alternative<SnapshotNote::ClaudeTiming>(reading.notes[0].value));
+    ASSERT_EQ(ofTheScreen(reading).size(), 1u);
+    EXPECT_TRUE(std::holds_alternative<SnapshotNote::ClaudeTiming>(ofTheScreen(reading)[0].value));
     EXPECT_FALSE(std::filesystem::exists(diagnostics("claude-usage-ending.txt")));
 }
 
@@ -211,12 +238,12 @@ TEST_F(ClaudeScenario, hasNoTimesOfASessionWithoutStatusScreen) {
     const AgentUsageSnapshot reading = snapshot(impatientLimits(4));
     EXPECT_EQ(reading.windows.size(), 3u);
     EXPECT_EQ(reading.accountLabel, std::nullopt);
-    EXPECT_EQ(reading.notes, std::vector<SnapshotNote>());
+    EXPECT_EQ(ofTheScreen(reading), std::vector<SnapshotNote>());
 }
 
 TEST_F(ClaudeScenario, waitsForTheModelsWindowOnceItWasSeen) {
     sandbox.play("claude", "fable-late\nfable-delay=3500");
-    ClaudeUsageProvider provider(sandbox.machine(), Seconds(60), quickLimits());
+    ClaudeUsageProvider provider(sandbox.machine(), Seconds(60), session, quickLimits());
     EXPECT_EQ(provider.fetch().windows.size(), 2u);
     sandbox.play("claude", "normal");
     EXPECT_EQ(provider.fetch().windows.size(), 3u);
@@ -224,13 +251,12 @@ TEST_F(ClaudeScenario, waitsForTheModelsWindowOnceItWasSeen) {
     EXPECT_EQ(provider.fetch().windows.size(), 3u);
 }
 
-TEST_F(ClaudeScenario, recordsInAPrivateFileAndWaitsForTheModelOfTheLastDay) {
+TEST_F(ClaudeScenario, recordsWithoutAFileToBeFoundAndWaitsForTheModelOfTheLastDay) {
     // Without a prompt the session ends at once; the CLI has seen where it runs by then.
     sandbox.installScript("claude", "if [ \"$1\" = auth ]; then exit; fi\n"
                                     "pwd >\"$HOME/seen\"\n"
                                     "echo $VELLMARK_EXPECT_FABLE >>\"$HOME/seen\"\n"
-                                    "cd \"$TMPDIR\" && ls -l vellmark-claude-*.log |"
-                                    " cut -c1-10 >>\"$HOME/seen\"\n");
+                                    "ls -A \"$TMPDIR\" >>\"$HOME/seen\"\n");
     const std::filesystem::path history = sandbox.machine().usageHistoryFile();
     const std::filesystem::path workspace =
         sandbox.machine().supportDirectory() / "ClaudeWorkspace";
@@ -243,24 +269,16 @@ TEST_F(ClaudeScenario, recordsInAPrivateFileAndWaitsForTheModelOfTheLastDay) {
                                std::to_string(seen) + "}]");
         fetch();
         EXPECT_EQ(contentOf(sandbox.machine().home / "seen"),
-                  workspace.string() + "\n" + expected + "\n-rw-------\n");
+                  workspace.string() + "\n" + expected + "\n");
     }
-    // What a killed program left behind goes; what another one is writing now stays.
-    const std::filesystem::path temporary = sandbox.machine().temporary;
-    for (const char* name : {"vellmark-claude-OLD.log", "vellmark-claude-NEW.log"})
-        writeFile(temporary / name, "a screen");
-    const auto longAgo = std::filesystem::file_time_type::clock::now() - std::chrono::minutes(11);
-    std::filesystem::last_write_time(temporary / "vellmark-claude-OLD.log", longAgo);
-    fetch();
-    EXPECT_FALSE(std::filesystem::exists(temporary / "vellmark-claude-OLD.log"));
-    EXPECT_TRUE(std::filesystem::remove(temporary / "vellmark-claude-NEW.log"));
 }
 
 TEST_F(ClaudeScenario, knowsWhetherTheUserIsLoggedInOrDoesNot) {
     const auto check = [this](const char* scenario, Seconds limit) {
         sandbox.play("claude", scenario);
-        return claudeIsLoggedIn(sandbox.machine(), sandbox.machine().home / ".local/bin/claude",
-                                limit, Seconds(0.2));
+        return claudeLogin(sandbox.machine(), sandbox.machine().home / ".local/bin/claude", limit,
+                           Seconds(0.2))
+            .isLoggedIn;
     };
     EXPECT_EQ(check("normal", Seconds(30)), true);
     EXPECT_EQ(check("logged-out", Seconds(30)), false);
@@ -268,7 +286,7 @@ TEST_F(ClaudeScenario, knowsWhetherTheUserIsLoggedInOrDoesNot) {
         EXPECT_EQ(check(scenario, Seconds(30)), std::nullopt) << scenario;
     for (const char* scenario : {"login-hang", "login-deaf"})
         EXPECT_EQ(check(scenario, Seconds(0.3)), std::nullopt) << scenario;
-    EXPECT_EQ(claudeIsLoggedIn(sandbox.machine(), "/nowhere/claude"), std::nullopt);
+    EXPECT_EQ(claudeLogin(sandbox.machine(), "/nowhere/claude"), ClaudeLogin{});
 }
 
 } // namespace

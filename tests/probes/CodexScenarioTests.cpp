@@ -3,6 +3,9 @@
 #include "AgentScenario.h"
 #include "probes/codex/CodexUsageProvider.h"
 
+#include <chrono>
+#include <fstream>
+
 namespace vellmark::tests {
 namespace {
 
@@ -10,9 +13,23 @@ using Kind = UsageProviderError::Kind;
 
 class CodexScenario : public ScenarioTest {
 protected:
-    FetchOutcome fetch(Seconds limit = Seconds(60)) {
-        CodexUsageProvider provider(sandbox.machine(), limit);
+    // What comes is waited for until it is there, however slow the machine; what does not come is
+    // given up at once.
+    static constexpr Seconds endless{60};
+    static constexpr Seconds brief{0.05};
+
+    FetchOutcome fetch(Seconds limit = endless,
+                       CodexPatience patience = {.account = endless, .refusal = brief}) {
+        CodexUsageProvider provider(sandbox.machine(), limit, patience);
         return outcomeOf(provider);
+    }
+
+    /// As `fetch`, which must not take as long as what it may not wait for.
+    FetchOutcome fetchSoon(CodexPatience patience) {
+        const auto start = std::chrono::steady_clock::now();
+        FetchOutcome outcome = fetch(endless, patience);
+        EXPECT_LT(Seconds(std::chrono::steady_clock::now() - start), endless / 2);
+        return outcome;
     }
 };
 
@@ -29,12 +46,19 @@ INSTANTIATE_TEST_SUITE_P(
     , CodexOutcomes,
     testing::Values(
         reads("normal", bothWindows), reads("slow\ndelay=300", bothWindows),
-        reads("split", bothWindows), reads("huge", bothWindows), reads("weekly-only", {"weekly"}),
-        fails("logged-out", UsageProviderError::timeout("Codex"), Seconds(0.8)),
-        fails("error-reply", UsageProviderError::timeout("Codex"), Seconds(0.8)),
+        reads("split", bothWindows), reads("huge", bothWindows), reads("weekly-only", {"session"}),
+        reads("further-limit", {"session", "weekly", "limit:gpt-5.3-codex-spark|primary",
+                                "limit:gpt-5.3-codex-spark|secondary"}),
+        reads("individual-limit", {"session", "weekly", "individual"}),
+        fails("logged-out", Kind::codexNotLoggedIn), fails("error-exit", Kind::codexNotLoggedIn),
+        fails("api-key", Kind::codexAPIKey),
+        fails("error-reply",
+              UsageProviderError::codexReadFailed(
+                  "failed to fetch codex rate limits: GET "
+                  "https://codex.example.org/usage failed: 429 Too Many Requests; "
+                  "content-type=application/json; body={\"detail\": \"slow down\"}")),
         fails("hang", UsageProviderError::timeout("Codex"), Seconds(0.5)),
         fails("deaf", UsageProviderError::timeout("Codex"), Seconds(0.5)),
-        fails("error-exit", UsageProviderError::codexReadFailed("not signed in\n")),
         fails("exits",
               UsageProviderError::codexReadFailed("Error: cannot load the configuration file\n")),
         fails("closes-output", UsageProviderError::codexReadFailed("output closed\n")),
@@ -56,6 +80,67 @@ TEST_F(CodexScenario, readsAccountPlanAndCreditsWhereThereAre) {
     const auto bare = std::get<AgentUsageSnapshot>(fetch());
     EXPECT_EQ(bare.accountLabel, std::nullopt);
     EXPECT_EQ(bare.credit, std::nullopt);
+}
+
+TEST_F(CodexScenario, tellsThatCodexRefusesAndWhichResetsAreInHand) {
+    sandbox.play("codex", "used-up");
+    const auto refused = std::get<AgentUsageSnapshot>(fetch()).allowance;
+    EXPECT_EQ(refused,
+              (UsageAllowance{.ordinaryUsageAllowed = false, .reachedType = "rate_limit_reached"}));
+    sandbox.play("codex", "banked-resets");
+    const auto banked = std::get<AgentUsageSnapshot>(fetch()).allowance.value_or(UsageAllowance{});
+    EXPECT_EQ(banked.ordinaryUsageAllowed, true);
+    EXPECT_EQ(banked.bankedResets, 2);
+    ASSERT_TRUE(banked.bankedResetExpiresAt);
+    const double days = (*banked.bankedResetExpiresAt - ReferenceClock::now()).count() / 86400;
+    EXPECT_NEAR(days, 9, 0.1);
+}
+
+TEST_F(CodexScenario, waitsForAnAccountThatComesAfterTheLimits) {
+    sandbox.play("codex", "account-last");
+    const auto late = std::get<AgentUsageSnapshot>(fetchSoon({.account = endless}));
+    EXPECT_EQ(late.accountLabel, "name@example.org");
+
+    sandbox.play("codex", "account-error");
+    EXPECT_EQ(std::get<AgentUsageSnapshot>(fetchSoon({.account = endless})).accountLabel,
+              std::nullopt);
+
+    sandbox.play("codex", "account-never");
+    const auto never = std::get<AgentUsageSnapshot>(fetchSoon({.account = brief}));
+    EXPECT_EQ(never.accountLabel, std::nullopt);
+    EXPECT_EQ(never.windows.size(), 2U);
+}
+
+TEST_F(CodexScenario, waitsForLimitsThatComeAfterARefusal) {
+    sandbox.play("codex", "error-then-answer");
+    const auto late = fetchSoon({.refusal = endless});
+    EXPECT_EQ(std::get<AgentUsageSnapshot>(late).windows.size(), 2U);
+
+    sandbox.play("codex", "error-reply");
+    EXPECT_EQ(std::get<UsageProviderError>(fetchSoon({.refusal = brief})).kind(),
+              Kind::codexReadFailed);
+    // The end of the output is waited for no longer than that either.
+    sandbox.play("codex", "error-exit");
+    EXPECT_EQ(std::get<UsageProviderError>(fetchSoon({.refusal = endless})).kind(),
+              Kind::codexNotLoggedIn);
+}
+
+TEST_F(CodexScenario, runsInADirectoryOfItsOwn) {
+    sandbox.installScript("codex", R"sh(
+pwd > "$HOME/place"
+ls -ld . | cut -c1-10 >> "$HOME/place"
+echo '{"id":2,"result":{}}'
+echo '{"id":3,"result":{"rateLimits":{"primary":{"usedPercent":1}}}}')sh");
+    const auto workspace = sandbox.machine().supportDirectory() / "CodexWorkspace";
+    EXPECT_EQ(std::get<AgentUsageSnapshot>(fetch()).windows.size(), 1U);
+    EXPECT_EQ(contentOf(sandbox.machine().home / "place"),
+              std::filesystem::canonical(workspace).string() + "\ndrwx------\n");
+
+    std::filesystem::remove_all(workspace);
+    std::ofstream(workspace) << "in the way";
+    const auto error = std::get<UsageProviderError>(fetch());
+    EXPECT_EQ(error.kind(), Kind::launchFailed);
+    EXPECT_NE(error.texts().at(1).find("CodexWorkspace: "), std::string::npos);
 }
 
 TEST_F(CodexScenario, reportsACLIThatIsMissingOrNoProgram) {

@@ -17,7 +17,7 @@ TEST(ProviderRegistry, OffersACompleteAgentInEveryPlace) {
     std::vector<std::string> ids;
     for (const auto& [descriptor, make] : providerRegistry()) {
         ids.push_back(descriptor.id.rawValue);
-        EXPECT_EQ(make(machine)->id(), descriptor.id);
+        EXPECT_EQ(make(machine, {})->id(), descriptor.id);
         EXPECT_EQ(providerDescriptor(descriptor.id), &descriptor);
         ASSERT_TRUE(descriptor.setup);
         EXPECT_TRUE(descriptor.setup->isLoggedIn);

@@ -5,6 +5,7 @@
 #include "support/TemporaryDirectory.h"
 
 #include <filesystem>
+#include <stdexcept>
 #include <string>
 #include <sys/types.h>
 #include <utility>
@@ -33,10 +34,21 @@ inline std::string parentOfDeafChild(const TemporaryDirectory& directory) {
     return "sh " + program.string() + " >/dev/null 2>&1 & wait";
 }
 
-/// The process number that a script has written, once it has.
+/// Shell that obeys, over two of which nothing leads to it but its group and its past: a shell that
+/// is deaf to SIGTERM and writes "pid" in `directory`, and one in a session of its own that writes
+/// "daemon". Neither is its direct child.
+inline std::string parentOfGroupAndDaemon(const TemporaryDirectory& directory) {
+    const auto deaf = directory.write("deaf", deafShell(directory / "pid"));
+    const auto daemon = directory.write("away", deafShell(directory / "daemon"));
+    return "( (sh " + deaf.string() + " &) ; (setsid sh " + daemon.string() +
+           " &) ) >/dev/null 2>&1; sleep 30 & wait";
+}
+
+/// The process number that a script has written, once it has. Throws when it does not: a number
+/// that stands for nothing must not get into kill(2).
 inline pid_t awaitedPid(const std::filesystem::path& file) {
     if (!becomesTrue([&] { return !contentOf(file).empty(); }))
-        return -1;
+        throw std::runtime_error("no process number in " + file.string());
     return static_cast<pid_t>(std::stoi(contentOf(file)));
 }
 

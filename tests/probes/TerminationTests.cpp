@@ -1,3 +1,4 @@
+#include "platform/Descriptor.h"
 #include "probes/BackgroundReaper.h"
 #include "probes/BoundedProcess.h"
 #include "probes/ChildSession.h"
@@ -7,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <fcntl.h>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -83,6 +85,42 @@ TEST_F(Termination, killsADeafGrandchildWhoseParentObeyed) {
     EXPECT_EQ(BoundedProcess::terminateAll(RunningChildren::snapshot(), Seconds(0.3)), 0)
         << "the child itself obeyed";
     EXPECT_TRUE(becomesTrue([deaf] { return !isProcessAlive(deaf); }));
+}
+
+TEST_F(Termination, endsTheWholeGroupAndLeavesAloneWhatHasLeftIt) {
+    RunInBackground run(parentOfGroupAndDaemon(directory));
+    const pid_t deaf = awaitedPid(directory / "pid");
+    const pid_t daemon = awaitedPid(directory / "daemon");
+    EXPECT_EQ(BoundedProcess::terminateAll(RunningChildren::snapshot(), Seconds(0.3)), 0);
+    EXPECT_TRUE(becomesTrue([deaf] { return !isProcessAlive(deaf); }));
+    EXPECT_TRUE(isProcessAlive(daemon));
+    ::kill(daemon, SIGKILL);
+}
+
+TEST_F(Termination, withoutDescriptorsSignalsByNumber) {
+#ifdef VELLMARK_ADDRESS_SANITIZER
+    GTEST_SKIP()
+        << "the sanitizer looks at memory by writing it to a pipe, which takes descriptors";
+#endif
+    RunInBackground obedient("sleep 30 & wait");
+    const auto member = directory.write("member", deafShell(directory / "member-pid"));
+    RunInBackground deaf("sh " + member.string() + " >/dev/null 2>&1 & " +
+                         deafShell(directory / "pid"));
+    EXPECT_TRUE(becomesTrue([] { return RunningChildren::snapshot().size() == 2; }));
+    awaitedPid(directory / "pid");
+    const pid_t deafMember = awaitedPid(directory / "member-pid");
+    const auto children = RunningChildren::snapshot();
+    std::vector<Descriptor> all;
+    do
+        all.emplace_back(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+    while (all.back().isOpen());
+    const int killed = BoundedProcess::terminateAll(children, Seconds(0.5));
+    all.clear();
+    EXPECT_EQ(killed, 1);
+    EXPECT_EQ(obedient.result().terminationStatus, SIGTERM);
+    EXPECT_EQ(deaf.result().terminationStatus, SIGKILL);
+    EXPECT_TRUE(becomesTrue([] { return livingChildCount() == 0; }));
+    EXPECT_TRUE(becomesTrue([=] { return !isProcessAlive(deafMember); }));
 }
 
 TEST_F(Termination, aZombieCountsAsGone) {
@@ -162,11 +200,13 @@ TEST_F(Termination, amidLaunchesLeavesNobody) {
 }
 
 TEST_F(Termination, theObserverHearsOfEveryChildUntilItHasReallyEnded) {
+    using Event = RunningChildren::Report::Event;
     std::mutex lock;
-    std::map<pid_t, std::vector<RunningChildren::Event>> heard;
-    RunningChildren::setObserver([&](RunningChildren::Event event, pid_t pid) {
+    std::map<pid_t, std::vector<Event>> heard;
+    RunningChildren::setObserver([&](const RunningChildren::Report& report) {
         const std::lock_guard hold(lock);
-        heard[pid].push_back(event);
+        if (report.event != Event::attached)
+            heard[report.pid].push_back(report.event);
     });
     BoundedProcess::run(shellChild("exit 0"), Seconds(60), Seconds(1));
     auto session = std::make_unique<ChildSession>(
@@ -182,14 +222,13 @@ TEST_F(Termination, theObserverHearsOfEveryChildUntilItHasReallyEnded) {
     };
     EXPECT_THAT(RunningChildren::snapshot(), IsEmpty());
     EXPECT_THAT(BackgroundReaper::snapshot(), Contains(left));
-    EXPECT_THAT(eventsOf(left), ElementsAre(RunningChildren::Event::started));
+    EXPECT_THAT(eventsOf(left), ElementsAre(Event::started));
     ::kill(left, SIGKILL);
     EXPECT_TRUE(becomesTrue([&] { return eventsOf(left).size() == 2; }));
     RunningChildren::setObserver({});
     EXPECT_EQ(heard.size(), 2u);
     for (const auto& [pid, events] : heard)
-        EXPECT_THAT(events,
-                    ElementsAre(RunningChildren::Event::started, RunningChildren::Event::ended));
+        EXPECT_THAT(events, ElementsAre(Event::started, Event::ended));
 }
 
 } // namespace

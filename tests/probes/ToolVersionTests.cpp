@@ -38,6 +38,15 @@ TEST_F(ToolVersion, isAbsentWhenThereIsNone) {
               std::nullopt);
 }
 
+TEST_F(ToolVersion, isAskedInAPlaceOfItsOwnWhateverLiesWhereTheProgramWasStarted) {
+    EXPECT_EQ(versionPrintedBy("pwd"), (machine.supportDirectory() / "VersionWorkspace").string());
+    // Where that cannot be made, in one that nobody else writes to.
+    std::filesystem::remove_all(machine.supportDirectory());
+    directory.write("file", "");
+    machine.applicationSupport = directory / "file";
+    EXPECT_EQ(versionPrintedBy("pwd"), "/");
+}
+
 TEST_F(ToolVersion, seesTheFilteredEnvironment) {
     machine.environment["CODEX_SECRET"] = "leaked";
     EXPECT_EQ(versionPrintedBy("echo \"v1$CODEX_SECRET\""), "v1");

@@ -1,5 +1,5 @@
+#include "platform/FileLock.h"
 #include "store/ActivityLog.h"
-#include "store/FileLock.h"
 #include "support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -28,6 +28,7 @@ class Log : public testing::Test {
 protected:
     TemporaryDirectory directory;
     const std::filesystem::path path = directory / "Vellmark/activity.log";
+    const std::filesystem::path removed = directory / "Vellmark/activity.removed.log";
     ActivityLog log{path};
 };
 
@@ -67,13 +68,14 @@ TEST_F(Log, noEntryCanHoldALineBreakOrControlCharacter) {
 }
 
 TEST_F(Log, trimDropsWhatIsOlderThan30Days) {
-    for (const double age : {40.0, 30.5, 29.5, 1.0, 0.0}) {
+    for (double age = 40.5; age > 0; --age) {
         ASSERT_FALSE(log.append(entry("age " + std::to_string(age), noon - age * day), zone));
     }
     ASSERT_FALSE(log.trim(noon, zone));
     const auto kept = log.entries(noon - 400 * day, zone);
-    ASSERT_EQ(kept.size(), 3u);
+    ASSERT_EQ(kept.size(), 30u);
     EXPECT_EQ(kept.front().time, noon - 29.5 * day);
+    EXPECT_EQ(std::ranges::count(contentOf(removed), '\n'), 11) << "until tomorrow";
 
     struct stat before {};
     struct stat after {};
@@ -81,17 +83,19 @@ TEST_F(Log, trimDropsWhatIsOlderThan30Days) {
     ASSERT_FALSE(log.trim(noon, zone));
     ::stat(path.c_str(), &after);
     EXPECT_EQ(before.st_ino, after.st_ino) << "nothing to drop, nothing written";
+    ASSERT_FALSE(log.trim(noon + day, zone));
+    EXPECT_EQ(std::ranges::count(contentOf(removed), '\n'), 1);
 }
 
 TEST_F(Log, isTrimmedOnceTheOldestLineIsADayTooOld) {
     EXPECT_FALSE(log.trimWhenDue(noon, zone)) << "there is no file yet";
-    for (const double age : {30.5, 1.0}) {
+    for (double age = 30.5; age > 0; --age) {
         ASSERT_FALSE(log.append(entry("age " + std::to_string(age), noon - age * day), zone));
     }
     ASSERT_FALSE(log.trimWhenDue(noon, zone));
-    EXPECT_EQ(log.entries(noon - 400 * day, zone).size(), 2u);
+    EXPECT_EQ(log.entries(noon - 400 * day, zone).size(), 31u);
     ASSERT_FALSE(log.trimWhenDue(noon + day, zone));
-    EXPECT_EQ(log.entries(noon - 400 * day, zone).size(), 1u);
+    EXPECT_EQ(log.entries(noon - 400 * day, zone).size(), 29u);
 }
 
 TEST_F(Log, linesOfOtherPeopleDoNoHarm) {
@@ -125,18 +129,23 @@ TEST_F(Log, severalWritersLoseNothing) {
     EXPECT_EQ(log.entries(noon, zone).size(), 3u * each);
 }
 
-TEST_F(Log, waitsWhileSomebodyElseHasTheFile) {
+TEST_F(Log, waitsOnDiskWhileSomebodyElseHasTheFile) {
     std::error_code error;
     {
         const auto held =
             FileLock::acquire(directory / "Vellmark/activity.lock", Seconds(1), error);
         ASSERT_TRUE(held);
-        EXPECT_FALSE(log.append(entry("first"), zone));
-        EXPECT_EQ(log.entries(noon, zone).size(), 1u) << "shown, though not on disk";
+        ActivityLog run(path);
+        EXPECT_FALSE(run.append(entry("first"), zone));
+        EXPECT_FALSE(run.append(entry("second"), zone));
+        EXPECT_EQ(run.entries(noon, zone).size(), 2u) << "shown, though not in the file";
         EXPECT_FALSE(std::filesystem::exists(path));
     }
-    EXPECT_FALSE(log.append(entry("second"), zone));
-    EXPECT_EQ(std::ranges::count(contentOf(path), '\n'), 2);
+    // That run is over.
+    EXPECT_FALSE(log.append(entry("third"), zone));
+    const auto entries = log.entries(noon, zone);
+    EXPECT_EQ(entries, (std::vector{entry("first"), entry("second"), entry("third")}));
+    EXPECT_EQ(std::ranges::count(contentOf(path), '\n'), 3);
 }
 
 } // namespace

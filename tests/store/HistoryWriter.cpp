@@ -18,7 +18,7 @@ int main(int argumentCount, char** arguments) {
     const int start = std::atoi(arguments[2]);
     auto history = std::make_shared<UsageHistory>();
     UsageHistoryRecorder recorder(directory / "usage-history.json", history);
-    const LastSnapshots snapshots(directory / "last-snapshots.json");
+    LastSnapshots snapshots(directory / "last-snapshots.json");
     ActivityLog log(directory / "activity.log");
     AgentUsageSnapshot reading;
     reading.id = AgentProviderID::claude();

@@ -1,6 +1,7 @@
 #include "probes/BoundedProcess.h"
 #include "store/LastSnapshots.h"
 #include "store/StoreFixture.h"
+#include "store/UsageFetcher.h"
 #include "support/ProcessCensus.h"
 
 #include <random>
@@ -98,9 +99,9 @@ TEST_F(Refresh, aRequestDuringARefreshIsMergedIntoIt) {
         agent->holdFetches();
     }
     store->refresh(RefreshTrigger::launch, {codex->id()});
+    EXPECT_EQ(shownIDs(state()), std::vector<std::string>{"codex"});
+    store->refresh(RefreshTrigger::settings, {claude->id()});
     store->refresh(RefreshTrigger::timer);
-    EXPECT_EQ(shownIDs(state()), std::vector<std::string>{"codex"}) << "timer starts nothing more";
-    store->refresh(RefreshTrigger::manual);
     EXPECT_EQ(state().snapshots.size(), 3u);
     store->refresh(RefreshTrigger::manual);
     for (const auto& agent : {codex, claude, antigravity}) {
@@ -115,7 +116,7 @@ TEST_F(Refresh, aRequestDuringARefreshIsMergedIntoIt) {
 TEST_F(Refresh, whatIsReadCanBeReadAgainAndIsKeptWhileAnotherAgentHangs) {
     makeStore();
     claude->holdFetches();
-    codex->fails(UsageProviderError::codexReadFailed("no such option"));
+    codex->fails(UsageProviderError(UsageProviderError::Kind::codexNoQuotas));
     store->refresh(RefreshTrigger::timer);
     const auto othersEnded = [&] {
         return source(codex) == SnapshotSource::stale &&
@@ -128,14 +129,58 @@ TEST_F(Refresh, whatIsReadCanBeReadAgainAndIsKeptWhileAnotherAgentHangs) {
     EXPECT_EQ(kept.front().id, antigravity->id());
 
     codex->answersUsed(42, executor.now());
+    store->refresh(RefreshTrigger::window);
+    EXPECT_EQ(codex->fetchCount(), 1) << "it was read a moment ago";
     store->refresh(RefreshTrigger::timer);
-    EXPECT_EQ(codex->fetchCount(), 1);
-    store->refresh(RefreshTrigger::manual);
     EXPECT_TRUE(executor.turnUntil([&] { return source(codex) == SnapshotSource::live; }));
+    EXPECT_EQ(codex->fetchCount(), 2);
+    executor.advance(Seconds(60));
+    store->refresh(RefreshTrigger::window);
+    EXPECT_TRUE(executor.turnUntil([&] { return codex->fetchCount() == 3; }));
     EXPECT_TRUE(state().isRefreshing);
     claude->letGo();
     ASSERT_TRUE(finishRefresh());
     EXPECT_EQ(claude->fetchCount(), 1);
+}
+
+TEST_F(Refresh, aFetchWithoutEndIsATimeOutAndMayBeTriedAgain) {
+    makeStore();
+    claude->holdFetches();
+    // The others have been read, and the fetch that hangs has begun to.
+    const auto onlyClaudeIsLeft = [&](int attempt) {
+        return executor.turnUntil(
+            [&] { return claude->fetchCount() == attempt && state().refreshProgress > 0.6; });
+    };
+    store->refresh(RefreshTrigger::timer);
+    ASSERT_TRUE(onlyClaudeIsLeft(1));
+    executor.advance(UsageFetcher::fetchLimit - Seconds(1));
+    EXPECT_TRUE(state().isRefreshing);
+    executor.advance(Seconds(1));
+    EXPECT_FALSE(state().isRefreshing);
+    ASSERT_TRUE(snapshot(claude) && snapshot(claude)->error);
+    EXPECT_EQ(snapshot(claude)->error->kind(), UsageProviderError::Kind::timeout);
+
+    // Stuck threads do not pile up without end, and the others' figures go on being fresh.
+    for (int attempt = 2; attempt <= UsageFetcher::mostStuck; ++attempt) {
+        store->refresh(RefreshTrigger::timer);
+        ASSERT_TRUE(onlyClaudeIsLeft(attempt));
+        executor.advance(UsageFetcher::fetchLimit);
+        ASSERT_TRUE(finishRefresh());
+        EXPECT_EQ(codex->fetchCount(), attempt);
+    }
+    refresh(RefreshTrigger::timer);
+    EXPECT_EQ(claude->fetchCount(), UsageFetcher::mostStuck);
+    ASSERT_TRUE(snapshot(claude)->error);
+
+    // What they may still bring is late and nobody's; then all is as before.
+    claude->letGo();
+    ASSERT_TRUE(executor.turnUntil([&] {
+        if (!state().isRefreshing) {
+            store->refresh(RefreshTrigger::manual, {claude->id()});
+        }
+        return source(claude) == SnapshotSource::live;
+    }));
+    EXPECT_FALSE(snapshot(claude)->error);
 }
 
 TEST_F(Refresh, automaticTriggersRespectHoldAndPause) {
@@ -167,7 +212,7 @@ TEST_F(Refresh, aTimeoutIsRetriedOnceWhereTheAgentAsksForIt) {
     codex->fails(UsageProviderError::timeout("Codex"));
     claude->fails(UsageProviderError::timeout("Claude"));
     store->refresh(RefreshTrigger::launch);
-    ASSERT_TRUE(executor.turnUntil([&] { return executor.timerCount() == 1; }));
+    ASSERT_TRUE(executor.turnUntil([this] { return isRetryAwaited(); }));
     ASSERT_TRUE(executor.turnUntil([&] { return source(claude) == SnapshotSource::stale; }));
     EXPECT_TRUE(state().isRefreshing);
     EXPECT_EQ(source(codex), SnapshotSource::loading);
@@ -227,14 +272,16 @@ TEST_F(Refresh, nothingLandsAfterAnAbort) {
     codex->fails(UsageProviderError::timeout("Codex"));
     claude->holdFetches();
     store->refresh(RefreshTrigger::launch);
-    ASSERT_TRUE(executor.turnUntil([&] { return executor.timerCount() == 1; }));
-    ASSERT_TRUE(executor.turnUntil(
-        [&] { return source(antigravity) == SnapshotSource::live && claude->fetchCount() == 1; }));
+    ASSERT_TRUE(executor.turnUntil([&] {
+        return source(antigravity) == SnapshotSource::live && claude->fetchCount() == 1 &&
+               isRetryAwaited();
+    }));
+    EXPECT_EQ(executor.timerCount(), 2u) << "the retry, and the limit of Claude's fetch";
     store->flush();
     executor.turn(); // also what the history has to tell
     store->abortRefresh();
     EXPECT_FALSE(state().isRefreshing);
-    EXPECT_EQ(executor.timerCount(), 0u) << "a waiting retry is given up";
+    EXPECT_EQ(executor.timerCount(), 0u) << "a waiting retry is given up, and the limit";
     EXPECT_EQ(shownIDs(state()), std::vector<std::string>{"antigravity"});
 
     int changes = 0;

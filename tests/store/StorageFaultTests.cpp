@@ -3,10 +3,15 @@
 #include "store/StoreFixture.h"
 #include "store/UsageHistory.h"
 #include "store/UsageHistoryFile.h"
+#include "store/UsageHistoryRecorder.h"
 #include "support/HistoryDocument.h"
 #include "support/ProjectDirectories.h"
 
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <random>
 #include <string>
@@ -31,10 +36,10 @@ std::size_t killWriter(const fs::path& directory, int start, Seconds moment) {
     return confirmed.size();
 }
 
-/// scripts/fault-tests asks for a thousand.
-int killCount() {
-    const char* wanted = std::getenv("VELLMARK_KILLS");
-    return wanted ? std::atoi(wanted) : 25;
+/// How often a fault is brought about; scripts/fault-tests asks for a thousand of each.
+int faultCount(int usually) {
+    const char* wanted = std::getenv("VELLMARK_FAULTS");
+    return wanted ? std::atoi(wanted) : usually;
 }
 
 TEST(StorageFaults, aKillCostsTheSampleInFlightAtMost) {
@@ -43,7 +48,7 @@ TEST(StorageFaults, aKillCostsTheSampleInFlightAtMost) {
     std::mt19937 random(std::random_device{}());
     std::uniform_real_distribution<double> moments(0, 0.02);
     std::size_t known = 0;
-    const int kills = killCount();
+    const int kills = faultCount(25);
     for (int round = 0; round < kills; ++round) {
         // Within the 35 days that are kept whole, and far enough apart to be recorded.
         const int start = 786'000'000 + round * 2'000;
@@ -51,7 +56,7 @@ TEST(StorageFaults, aKillCostsTheSampleInFlightAtMost) {
         ASSERT_GT(confirmed, 0u) << "the writer did not work";
         UsageHistoryFile file(path);
         std::error_code error;
-        const auto held = file.lock(Seconds(5), error);
+        const auto held = file.lock(error);
         ASSERT_TRUE(held) << "a kill gives the lock back: " << error.message();
         std::size_t found = 0;
         const auto status = file.catchUp(
@@ -63,7 +68,94 @@ TEST(StorageFaults, aKillCostsTheSampleInFlightAtMost) {
         known = found;
     }
     ASSERT_EQ(samplesOf(contentOf(path)).size(), known);
-    std::printf("%d kills, %zu samples, none of them lost\n", kills, known);
+    std::printf("%d kills: %zu samples, none of them lost\n", kills, known);
+}
+
+/// One sample an hour until `end`, as the file has it.
+std::string hourlyHistory(Instant end, int hours) {
+    std::string text = "[";
+    for (int age = hours; age > 0; --age) {
+        UsageHistorySample sample;
+        sample.id = UUID::make();
+        sample.provider = AgentProviderID::claude();
+        sample.windowID = "session";
+        sample.capturedAt = end - age * Seconds(3600.1);
+        sample.usedPercent = age % 100;
+        text += (text.size() == 1 ? "\n" : ",\n") + serialized(toJSON(sample), -1);
+    }
+    return text + "\n]\n";
+}
+
+AgentUsageSnapshot readingAt(Instant instant, double used) {
+    AgentUsageSnapshot reading;
+    reading.id = AgentProviderID::claude();
+    reading.windows = {{"session", used, 300, std::nullopt}};
+    reading.updatedAt = instant;
+    return reading;
+}
+
+TEST(StorageFaults, aFlippedBitCostsOneSampleAtMost) {
+    const Instant now(Seconds(800'000'000));
+    const std::string intact = hourlyHistory(now, 200);
+    std::mt19937 random(std::random_device{}());
+    std::uniform_int_distribution<std::size_t> anywhere(0, intact.size() - 1);
+    int repairs = 0;
+    const int flips = faultCount(50);
+    for (int round = 0; round < flips; ++round) {
+        const TemporaryDirectory directory;
+        std::string flipped = intact;
+        const std::size_t at = anywhere(random);
+        flipped[at] = static_cast<char>(flipped[at] ^ (1 << (random() % 8)));
+        const fs::path path = directory.write("usage-history.json", flipped);
+        UsageHistoryRecorder recorder(path, std::make_shared<UsageHistory>());
+        recorder.load(now);
+        recorder.record(readingAt(now, 0.5));
+        const auto samples = samplesOf(contentOf(path));
+        ASSERT_GE(samples.size(), 200u) << at << ": " << flipped.substr(at, 60);
+        ASSERT_EQ(samples.back().usedPercent, 0.5) << "recording goes on";
+        const auto news = recorder.trouble().takeNews();
+        if (news) {
+            ++repairs;
+            ASSERT_EQ(news->kind, StorageTrouble::Kind::repaired) << at;
+            ASSERT_EQ(contentOf(news->file), flipped) << "kept byte for byte";
+        }
+    }
+    std::printf("%d flipped bits: %d repaired and kept aside, the others left a sample one; "
+                "recording went on after each\n",
+                flips, repairs);
+}
+
+TEST(StorageFaults, aWrongClockCostsNothing) {
+    const Instant now(Seconds(800'000'000));
+    const std::string intact = hourlyHistory(now, 24 * 30);
+    std::mt19937 random(std::random_device{}());
+    std::uniform_real_distribution<double> daysAhead(-3'000, 7'000);
+    const int jumps = faultCount(20);
+    for (int round = 0; round < jumps; ++round) {
+        const TemporaryDirectory directory;
+        const fs::path path = directory.write("usage-history.json", intact);
+        const Seconds ahead = daysAhead(random) * Seconds(86'400);
+        for (int run = 0; run < 3; ++run) { // on three days
+            const Instant wrong = now + ahead + run * Seconds(86'401);
+            UsageHistoryRecorder recorder(path, std::make_shared<UsageHistory>());
+            recorder.load(wrong);
+            recorder.record(readingAt(wrong, 50.5 + run));
+        }
+        UsageHistoryRecorder recorder(path, std::make_shared<UsageHistory>());
+        recorder.load(now);
+        recorder.record(readingAt(now, 60.5));
+        const auto samples = samplesOf(contentOf(path));
+        const auto old = contentOf(directory / "usage-history.removed.json");
+        // What a clock that was behind has dated is older than 400 days: it goes in its time.
+        ASSERT_GE(samples.size(), 24u * 30 + 1) << ahead / Seconds(86'400) << " days ahead";
+        ASSERT_EQ(samples.size() + (old.empty() ? 0 : samplesOf(old).size()), 24u * 30 + 4)
+            << ahead / Seconds(86'400) << " days ahead";
+        const auto last = std::ranges::find(samples, 60.5, &UsageHistorySample::usedPercent);
+        ASSERT_EQ(last->capturedAt, now) << "the right date again";
+    }
+    std::printf("%d clocks wrong by up to twenty years: no sample lost, none dated by them "
+                "afterwards\n",
+                jumps);
 }
 
 /// A store on a file system of its own that is small and can be made read-only. Needs root.
@@ -127,10 +219,12 @@ TEST_F(SmallDisk, thatIsFull) {
     showThatNothingIsLost("dd if=/dev/zero of=" + disk() + "/filler bs=1k; test -s " + disk() +
                               "/filler",
                           "rm " + disk() + "/filler");
+    std::printf("a full disk: told once, and everything written when there was room again\n");
 }
 
 TEST_F(SmallDisk, thatIsReadOnly) {
     showThatNothingIsLost("mount -o remount,ro " + disk(), "mount -o remount,rw " + disk());
+    std::printf("a read-only disk: told once, and everything written when it could be again\n");
 }
 
 } // namespace

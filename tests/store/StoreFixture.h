@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace vellmark::tests {
@@ -29,6 +30,9 @@ protected:
         configuration.words = [] { return Localization("en", "en_US", "UTC"); };
         configuration.now = [this] { return executor.now(); };
         configuration.agents = std::move(only);
+        configuration.storageTrouble = [this](const std::string& text) {
+            troubles.push_back(text);
+        };
         store = std::make_unique<AgentUsageStore>(std::move(configuration), executor, *preferences);
     }
 
@@ -72,6 +76,12 @@ protected:
         settle();
         executor.advance(Seconds(300));
     }
+    /// Whether the log says that an agent is to be read once more after a time-out.
+    bool isRetryAwaited() {
+        const auto entries = store->activity(1);
+        return std::ranges::any_of(
+            entries, [](const auto& entry) { return entry.text.starts_with("Trying again"); });
+    }
     /// How often the log says that files cannot be written.
     std::size_t complaints() {
         const auto entries = store->activity(1);
@@ -87,6 +97,8 @@ protected:
     std::shared_ptr<StubAgent> codex = std::make_shared<StubAgent>("codex");
     std::shared_ptr<StubAgent> claude = std::make_shared<StubAgent>("claude");
     std::shared_ptr<StubAgent> antigravity = std::make_shared<StubAgent>("antigravity");
+    /// What was told of the files.
+    std::vector<std::string> troubles;
     std::unique_ptr<AgentUsageStore> store;
 };
 

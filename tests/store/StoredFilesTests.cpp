@@ -1,8 +1,14 @@
+#include "model/UsageJSON.h"
 #include "store/StoreFixture.h"
 #include "store/UsageHistory.h"
 #include "store/UsageHistoryRecorder.h"
 
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
 #include <string>
+#include <sys/stat.h>
+#include <vector>
 
 namespace vellmark::tests {
 namespace {
@@ -83,7 +89,7 @@ TEST_F(StoredFiles, theActivityLogTellsWhatHappened) {
     });
     store->setAutomaticHoldUntil(executor.now() + Seconds(10));
     store->refresh(RefreshTrigger::wake, {codex->id(), claude->id()});
-    ASSERT_TRUE(executor.turnUntil([&] { return executor.timerCount() == 1; }));
+    ASSERT_TRUE(executor.turnUntil([this] { return isRetryAwaited(); }));
     executor.advance(Seconds(20));
     ASSERT_TRUE(finishRefresh());
     codex->answersUsed(5, executor.now());
@@ -132,15 +138,121 @@ TEST_F(StoredFiles, nobodyElseMayReadThem) {
     }
 }
 
-TEST_F(StoredFiles, aLinkToAnotherDiskStaysOne) {
-    const std::filesystem::path elsewhere = directory.write("elsewhere.json", "[]");
-    std::filesystem::create_directories(machine.supportDirectory());
-    std::filesystem::create_symlink(elsewhere, machine.lastSnapshotsFile());
+TEST_F(StoredFiles, whatStandsInTheirPlaceIsNeitherWrittenNorWaitedFor) {
+    namespace fs = std::filesystem;
+    const fs::path elsewhere = directory.write("elsewhere", "precious");
+    const auto plant = [&](const fs::path& file, const std::string& kind) {
+        fs::create_directories(file.parent_path());
+        fs::remove_all(file);
+        if (kind == "pipe") {
+            ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+        } else if (kind == "endless") {
+            fs::create_symlink("/dev/zero", file);
+        } else if (kind == "link") {
+            fs::create_symlink(elsewhere, file);
+        } else {
+            fs::create_directory(file);
+        }
+    };
+    const std::vector<std::string> names = {"usage-history.json",  "usage-history.json.new",
+                                            "usage-history.lock",  "usage-history.waiting",
+                                            "last-snapshots.json", "last-snapshots.json.new",
+                                            "last-snapshots.lock", "activity.log",
+                                            "activity.lock",       "usage-history.removed.json"};
+    for (const std::string& name : names) {
+        for (const char* kind : {"pipe", "endless", "link", "directory"}) {
+            SCOPED_TRACE(name + " " + kind);
+            const fs::path file = machine.supportDirectory() / name;
+            plant(file, kind);
+            const auto before = fs::symlink_status(file);
+            makeStore();
+            readCodex(10);
+            EXPECT_EQ(source(codex), SnapshotSource::live);
+            store->activity(1);
+            store->trimLog();
+            settle();
+            store.reset();
+            const bool isLog = name.starts_with("activity");
+            const bool isWritten = name != "usage-history.waiting"; // only when it is needed
+            if (isWritten) {
+                EXPECT_TRUE(std::ranges::any_of(troubles, [&](const std::string& text) {
+                    return text.find(file.string()) != std::string::npos;
+                })) << "it is named";
+                EXPECT_TRUE(isLog || contentOf(machine.activityLogFile()).find(file.string()) !=
+                                         std::string::npos)
+                    << "and logged where that can be";
+            }
+            EXPECT_EQ(fs::symlink_status(file).type(), before.type());
+            EXPECT_EQ(contentOf(elsewhere), "precious");
+            fs::remove_all(machine.supportDirectory());
+            troubles.clear();
+        }
+    }
+}
+
+TEST_F(StoredFiles, areMadeInDirectoriesOfTheUserAlone) {
+    machine.applicationSupport = directory / "new/.local/share";
+    const mode_t before = ::umask(0);
     makeStore();
-    refresh(RefreshTrigger::launch);
+    readCodex(10);
+    ::umask(before);
+    for (const char* made :
+         {"new", "new/.local", "new/.local/share", "new/.local/share/Vellmark"}) {
+        EXPECT_EQ(std::filesystem::status(directory / made).permissions(),
+                  std::filesystem::perms(0700))
+            << made;
+    }
+}
+
+TEST_F(StoredFiles, aReadingThatCannotBeUnderstoodCostsItsAgentAlone) {
+    makeStore();
+    claude->answersUsed(42, executor.now());
+    codex->answersUsed(17, executor.now());
+    refresh(RefreshTrigger::launch, {claude->id(), codex->id()});
+    store.reset();
+    JSON document = parsedJSON(contentOf(machine.lastSnapshotsFile()));
+    JSON& odd = document[document[0]["id"] == "codex" ? 0 : 1];
+    odd["updatedAt"] = "2026-11-20T12:00:00Z";
+    writeFile(machine.lastSnapshotsFile(), serialized(document));
+
+    makeStore();
+    settle();
+    EXPECT_EQ(snapshot(claude)->windows.at(0).usedPercent, 42);
+    EXPECT_EQ(snapshot(codex), nullptr);
+    ASSERT_EQ(troubles.size(), 1u);
+    EXPECT_NE(troubles.front().find("Codex"), std::string::npos) << troubles.front();
+    claude->answersUsed(43, executor.now());
+    refresh(RefreshTrigger::manual, {claude->id()});
+    settle();
+    EXPECT_EQ(parsedJSON(contentOf(machine.lastSnapshotsFile())).back(), odd) << "it is kept";
+    codex->answersUsed(18, executor.now());
+    refresh(RefreshTrigger::manual, {codex->id()});
+    makeStore();
+    EXPECT_EQ(snapshot(codex)->windows.at(0).usedPercent, 18);
+    EXPECT_EQ(snapshot(claude)->windows.at(0).usedPercent, 43);
+}
+
+TEST_F(StoredFiles, theLogTellsWhatBecameOfADamagedHistory) {
+    writeFile(machine.usageHistoryFile(), "[\n{torn");
+    makeStore();
+    settle();
     store->flush();
-    EXPECT_TRUE(std::filesystem::is_symlink(machine.lastSnapshotsFile()));
-    EXPECT_GT(std::filesystem::file_size(elsewhere), 2u);
+    const auto entries = store->activity(1);
+    ASSERT_FALSE(entries.empty());
+    EXPECT_NE(entries.back().text.find("usage-history.damaged.json"), std::string::npos);
+    EXPECT_EQ(contentOf(machine.supportDirectory() / "usage-history.damaged.json"), "[\n{torn");
+}
+
+TEST_F(StoredFiles, settingsThatCannotBeWrittenAreTold) {
+    makeStore();
+    std::filesystem::create_directory(directory / "preferences.json");
+    store->setEnabled(claude->id(), false);
+    ASSERT_EQ(troubles.size(), 1u);
+    EXPECT_FALSE(state().enabledProviderIDs.contains(claude->id())) << "for this run";
+    std::filesystem::remove(directory / "preferences.json");
+    store->setEnabled(codex->id(), false);
+    EXPECT_EQ(preferences->strings("DisabledProviders")->size(), 2u);
+    EXPECT_FALSE(preferences->writeError());
 }
 
 TEST_F(StoredFiles, aDirectoryThatCannotBeWrittenCostsOneEntryAndNoFigures) {

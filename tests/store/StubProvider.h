@@ -27,6 +27,16 @@ public:
     void answersUsed(double usedPercent, Instant at) {
         answers([this, usedPercent, at] { return reading(usedPercent, at); });
     }
+    /// As a CLI that got nothing new from its service and gives what it had kept.
+    void answersKept(double usedPercent, Instant at) {
+        answers([this, usedPercent, at] {
+            AgentUsageSnapshot snapshot = reading(usedPercent, at);
+            snapshot.source = SnapshotSource::stale;
+            snapshot.mayBeNewer = true;
+            snapshot.error = UsageProviderError(UsageProviderError::Kind::claudeServiceUnavailable);
+            return snapshot;
+        });
+    }
     void fails(UsageProviderError error) {
         answers([error = std::move(error)]() -> AgentUsageSnapshot { throw error; });
     }
@@ -46,6 +56,18 @@ public:
         const std::lock_guard hold(lock_);
         return fetches_;
     }
+
+    void paces(ReadingPace pace) {
+        const std::lock_guard hold(lock_);
+        pace_ = pace;
+    }
+    ReadingPace pace() const {
+        const std::lock_guard hold(lock_);
+        return pace_;
+    }
+
+    /// Windows that a reading leaves out count for this long.
+    Seconds remembered{0};
 
     AgentUsageSnapshot reading(double usedPercent, Instant at) const {
         AgentUsageSnapshot snapshot;
@@ -74,6 +96,7 @@ private:
     Answer answer_ = [this] { return reading(10, Instant(Seconds(786'000'000))); };
     bool held_ = false;
     int fetches_ = 0;
+    ReadingPace pace_;
 };
 
 class StubProvider : public AgentUsageProvider {
@@ -81,6 +104,7 @@ public:
     explicit StubProvider(std::shared_ptr<StubAgent> agent) : agent_(std::move(agent)) {}
     AgentProviderID id() const override { return agent_->id(); }
     AgentUsageSnapshot fetch() override { return agent_->fetch(); }
+    ReadingPace pace() const override { return agent_->pace(); }
 
 private:
     std::shared_ptr<StubAgent> agent_;
@@ -91,7 +115,9 @@ inline ProviderRegistration registration(std::shared_ptr<StubAgent> agent,
     ProviderDescriptor descriptor;
     descriptor.id = agent->id();
     descriptor.timeoutRetryDelaySeconds = retryDelay;
-    return {std::move(descriptor), [agent](const Machine&) -> std::unique_ptr<AgentUsageProvider> {
+    descriptor.remembersWindow = [agent](std::string_view) { return agent->remembered; };
+    return {std::move(descriptor),
+            [agent](const Machine&, const ReadingOptions&) -> std::unique_ptr<AgentUsageProvider> {
                 return std::make_unique<StubProvider>(agent);
             }};
 }

@@ -9,8 +9,9 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cmath>
+#include <chrono>
 #include <fstream>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -44,6 +45,7 @@ class HistoryFile : public testing::Test {
 protected:
     TemporaryDirectory directory;
     const fs::path path = directory / "Vellmark/usage-history.json";
+    const fs::path waiting = directory / "Vellmark/usage-history.waiting";
     const fs::path damaged = directory / "Vellmark/usage-history.damaged.json";
 
     std::string text() const { return contentOf(path); }
@@ -54,7 +56,7 @@ protected:
     /// The lock, with the file caught up with.
     FileLock ready(UsageHistoryFile& file) {
         std::error_code error;
-        auto held = file.lock(Seconds(1), error);
+        auto held = file.lock(error);
         EXPECT_TRUE(held) << error.message();
         file.catchUp(&held.value(), silent);
         return std::move(held.value());
@@ -73,7 +75,7 @@ protected:
     Told open(UsageHistoryFile& file) {
         Told told;
         std::error_code error;
-        const auto held = file.lock(Seconds(1), error);
+        const auto held = file.lock(error);
         told.status = file.catchUp(
             held ? &*held : nullptr,
             {.restart = [&] { told.captured.clear(); },
@@ -82,6 +84,17 @@ protected:
         return told;
     }
 
+    /// What one run of the program does that reads `used` percent, and what it knows then.
+    std::shared_ptr<UsageHistory> recordOnce(double used) {
+        auto history = std::make_shared<UsageHistory>();
+        lastRecorder = std::make_unique<UsageHistoryRecorder>(path, history);
+        lastRecorder->load(at(used));
+        lastRecorder->record(reading(firstInstant + used, used));
+        return history;
+    }
+    static Instant at(double seconds) { return Instant(Seconds(firstInstant + seconds)); }
+
+    std::unique_ptr<UsageHistoryRecorder> lastRecorder;
     const UsageHistoryFile::Listener silent{.restart = [] {},
                                             .sample = [](const StoredHistorySample&) {}};
 };
@@ -177,44 +190,72 @@ TEST_F(HistoryFile, damageCostsItsLinesAlone) {
     const std::string intact = text();
     const auto middle = intact.find("\n{", intact.size() / 2);
     const auto name = intact.find("\"session\"", middle);
-    std::string spoilt;
     for (const auto& [where, damage] :
          {std::pair(name + 1, std::string("\xFF")), std::pair(middle + 5, std::string(20, '\0')),
           std::pair(intact.find('"'), std::string("x")),
           std::pair(std::size_t{0}, std::string(20, '\0'))}) {
         fs::remove(damaged);
-        spoilt = std::string(intact).replace(where, damage.size(), damage);
+        const std::string spoilt = std::string(intact).replace(where, damage.size(), damage);
         write(spoilt);
         UsageHistoryFile file(path);
         EXPECT_EQ(open(file).captured.size(), 99u) << where;
         EXPECT_EQ(decoded().size(), 99u) << where;
     }
-
-    // What is kept aside first stays.
-    write(text().substr(0, 500));
-    UsageHistoryFile again(path);
-    open(again);
-    EXPECT_EQ(contentOf(damaged), spoilt);
 }
 
-TEST_F(HistoryFile, behindALinkItIsKeptAsideAllTheSame) {
-    const std::string torn = "[\n" + serialized(toJSON(sample(firstInstant, 1)), -1) + ",\n{\"id";
+TEST_F(HistoryFile, aLinkInItsPlaceIsReadButNeverWritten) {
+    const std::string good = serialized(toJSON(sample(firstInstant, 1)), -1);
     fs::create_directories(path.parent_path());
-    fs::create_symlink(directory.write("elsewhere.json", torn), path);
+    for (const std::string& content : {"[\n" + good + "\n]\n", "[\n" + good + ",\n{\"id"}) {
+        const fs::path elsewhere = directory.write("elsewhere.json", content);
+        fs::remove(path);
+        fs::create_symlink(elsewhere, path);
+        const auto history = recordOnce(10);
+        EXPECT_EQ(history->sampleCount(), 2u) << "and what was read now";
+        EXPECT_EQ(contentOf(elsewhere), content);
+        EXPECT_TRUE(fs::is_symlink(path));
+    }
+    fs::remove(path);
+    fs::create_symlink(directory / "nowhere.json", path);
+    recordOnce(20);
+    EXPECT_TRUE(fs::is_symlink(path)) << "also one that leads nowhere";
+    EXPECT_FALSE(fs::exists(directory / "nowhere.json"));
+    const auto news = lastRecorder->trouble().takeNews();
+    ASSERT_TRUE(news);
+    EXPECT_EQ(news->kind, StorageTrouble::Kind::inTheWay);
+    EXPECT_EQ(news->file, path);
+
+    // The user makes room: nothing of what was read meanwhile is lost.
+    fs::remove(path);
+    recordOnce(30);
+    EXPECT_EQ(decoded().size(), 3u);
+}
+
+TEST_F(HistoryFile, theUsersModeStays) {
     UsageHistoryFile file(path);
-    EXPECT_EQ(open(file).status.state, UsageHistoryFile::State::repaired);
-    EXPECT_EQ(contentOf(damaged), torn);
-    EXPECT_TRUE(fs::is_symlink(path));
-    EXPECT_EQ(decoded().size(), 1u);
+    append(file, {sample(firstInstant, 1)});
+    fs::permissions(path, fs::perms(0640));
+    recordOnce(10);
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms(0640));
+    write(text() + "trailing damage");
+    recordOnce(20);
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms(0640)) << "through a replacement";
+    fs::permissions(path, fs::perms(0440));
+    const std::string before = text();
+    recordOnce(30);
+    EXPECT_EQ(text(), before) << "read-only is read-only";
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms(0440));
 }
 
 TEST_F(HistoryFile, anotherFormIsNeverOverwritten) {
-    const std::string good = serialized(toJSON(sample(firstInstant, 1)), -1);
+    const std::string object =
+        R"({"at":"2025-06-01T14:00:00Z","agent":"claude","window":"session","used":3})";
     const std::vector<std::string> forms = {
         R"({"version":2,"samples":[]})",
         "[1,2,3]",
         "[nor this",
-        "[" + good + ",\n" + good.substr(0, good.size() - 1) + R"(,"cost":3}])",
+        "[\n" + object + ",\n" + object + "\n]\n",
+        "[" + object + "]",
         R"([{"id":"2C0B8C3E-8E4B-4E7F-9D48-0F2B6C6D3A11","provider":"claude","windowID":"session",)"
         R"("capturedAt":"2025-06-01T14:00:00Z","usedPercent":3}])",
     };
@@ -232,6 +273,184 @@ TEST_F(HistoryFile, anotherFormIsNeverOverwritten) {
         const auto news = recorder.trouble().takeNews();
         ASSERT_TRUE(news) << form;
         EXPECT_EQ(news->kind, StorageTrouble::Kind::foreign);
+        EXPECT_EQ(news->file, path);
+
+        // Moved aside, as the user is told to: a new one holds what was read since.
+        fs::rename(path, directory / "aside.json");
+        UsageHistoryRecorder(path, history).record(reading(firstInstant + 600, 12));
+        EXPECT_EQ(decoded().size(), 3u);
+        fs::remove_all(path.parent_path());
+    }
+}
+
+TEST_F(HistoryFile, whatCannotBeKeptOnDiskIsKeptInMemoryWithinBounds) {
+    write(R"({"version":2})");
+    fs::create_directories(waiting); // so that nothing can wait there
+    auto history = std::make_shared<UsageHistory>();
+    UsageHistoryRecorder recorder(path, history);
+    recorder.load(Instant(Seconds(firstInstant)));
+    AgentUsageSnapshot many = reading(firstInstant, 10);
+    many.windows.clear();
+    for (int index = 0; index < 3'000; ++index) {
+        many.windows.push_back({"window" + std::to_string(index), 0, 300, std::nullopt});
+    }
+    for (int round = 1; round <= 5; ++round) {
+        many.updatedAt += Seconds(60);
+        for (UsageWindow& window : many.windows) {
+            window.usedPercent = round;
+        }
+        recorder.record(many);
+    }
+    EXPECT_EQ(history->sampleCount(), 15'000u);
+    EXPECT_EQ(recorder.heldBackCount(), UsageHistoryRecorder::mostHeldBack);
+}
+
+// --- lines of a newer form
+
+TEST_F(HistoryFile, linesOfANewerFormStayAsTheyAre) {
+    const std::string good = serialized(toJSON(sample(firstInstant - 60, 1)), -1);
+    // With a field more it is a sample all the same; without ours it is not, but there are more.
+    const std::string richer = good.substr(0, good.size() - 1) + R"(, "cost" : 3})";
+    const std::string other = R"({"at":786000000,"agent":"claude","used": 3})";
+    const std::string another = R"({"at":786000001,"agent":"codex","used": 4})";
+    const auto expectAllThere = [&](const char* when) {
+        const std::string now = text();
+        for (const std::string& line : {good, richer, other, another}) {
+            EXPECT_NE(now.find("\n" + line), std::string::npos) << when << ": " << line << now;
+        }
+        EXPECT_NO_THROW(parsedJSON(now)) << when;
+    };
+    write("[\n" + good + ",\n" + richer + ",\n" + other + ",\n" + another + "\n]\n");
+    EXPECT_EQ(recordOnce(50)->sampleCount(), 3u);
+    expectAllThere("after an append");
+    EXPECT_FALSE(fs::exists(damaged));
+
+    write(text() + "spoilt");
+    recordOnce(60);
+    EXPECT_TRUE(fs::exists(damaged));
+    expectAllThere("after a repair");
+
+    UsageHistoryFile file(path);
+    std::vector<UsageHistorySample> days;
+    for (int day = 0; day < 50; ++day) {
+        days.push_back(sample(firstInstant + day * 86'400.0, 1));
+        days.push_back(sample(firstInstant + day * 86'400.0 + 1, 2));
+    }
+    append(file, days);
+    const std::size_t before = text().size();
+    const FileLock held = ready(file);
+    ASSERT_FALSE(file.compact(held, Instant(Seconds(firstInstant + 50 * 86'400.0)), silent));
+    EXPECT_LT(text().size(), before);
+    // The first sample goes, being old and no hour's highest.
+    EXPECT_NE(text().find("\n" + richer), std::string::npos);
+    EXPECT_NE(text().find("\n" + other), std::string::npos);
+    EXPECT_NE(text().find("\n" + another), std::string::npos);
+}
+
+// --- damage
+
+TEST_F(HistoryFile, aFlippedBitCostsOneSampleAtMostAndRecordingGoesOn) {
+    UsageHistoryFile whole(path);
+    std::vector<UsageHistorySample> samples;
+    for (int index = 0; index < 6; ++index) {
+        samples.push_back(sample(firstInstant + index, index));
+    }
+    append(whole, samples);
+    const std::string intact = text();
+    const std::size_t third = intact.find("\n{", intact.find("\n{", 5) + 1);
+    std::vector<std::size_t> bytes = {
+        0, 1, 2, intact.size() - 3, intact.size() - 2, intact.size() - 1};
+    for (std::size_t at = third; at < intact.find("\n{", third + 1); ++at) {
+        bytes.push_back(at);
+    }
+    int repairs = 0;
+    for (const std::size_t at : bytes) {
+        for (int bit = 0; bit < 8; ++bit) {
+            std::string flipped = intact;
+            flipped[at] = static_cast<char>(flipped[at] ^ (1 << bit));
+            fs::remove(damaged);
+            fs::remove(path);
+            write(flipped);
+            UsageHistoryFile file(path);
+            const Told told = open(file);
+            ASSERT_TRUE(told.status.state == UsageHistoryFile::State::writable ||
+                        told.status.state == UsageHistoryFile::State::repaired)
+                << "byte " << at << " bit " << bit << ": " << flipped.substr(at, 40);
+            ASSERT_GE(told.captured.size(), 5u) << "byte " << at << " bit " << bit;
+            if (told.status.state == UsageHistoryFile::State::repaired) {
+                ++repairs;
+                ASSERT_EQ(told.status.aside, damaged);
+                ASSERT_EQ(contentOf(damaged), flipped) << "kept byte for byte";
+            }
+            const FileLock held = ready(file);
+            ASSERT_FALSE(file.append(held, std::vector{sample(firstInstant + 10, 50)}));
+            ASSERT_GE(decoded().size(), 6u) << "byte " << at << " bit " << bit;
+        }
+    }
+    EXPECT_GT(repairs, 200);
+}
+
+TEST_F(HistoryFile, aFileWithASingleSampleIsOursAlsoWhenThatIsSpoilt) {
+    UsageHistoryFile whole(path);
+    append(whole, {sample(firstInstant, 1)});
+    const std::string intact = text();
+    for (const char* name : {"provider", "\"id\"", "\":\"", "{", "usedPercent"}) {
+        fs::remove(path);
+        fs::remove(damaged);
+        std::string flipped = intact;
+        flipped[intact.find(name) + 1] ^= 4;
+        write(flipped);
+        UsageHistoryFile file(path);
+        EXPECT_EQ(open(file).status.state, UsageHistoryFile::State::repaired) << flipped;
+        EXPECT_EQ(contentOf(damaged), flipped);
+    }
+}
+
+TEST_F(HistoryFile, spoiltIdentifiersAreDamageHoweverManyThereAre) {
+    for (const int intactOnes : {0, 3}) {
+        fs::remove(path);
+        UsageHistoryFile whole(path);
+        std::vector<UsageHistorySample> samples;
+        for (int index = 0; index < 2 + intactOnes; ++index) {
+            samples.push_back(sample(firstInstant + index, index));
+        }
+        append(whole, samples);
+        std::string spoilt = text();
+        for (int index = 0; index < 2; ++index) {
+            spoilt.replace(spoilt.find(samples[static_cast<std::size_t>(index)].id.text()), 1, "z");
+        }
+        fs::remove(damaged);
+        fs::remove(path);
+        write(spoilt);
+        UsageHistoryFile file(path);
+        EXPECT_EQ(open(file).status.state, UsageHistoryFile::State::repaired) << intactOnes;
+        EXPECT_EQ(decoded().size(), static_cast<std::size_t>(intactOnes));
+    }
+}
+
+TEST_F(HistoryFile, everyRepairKeepsItsDamagedFileUpToFive) {
+    const auto asideOf = [&](int number) {
+        return number == 1 ? damaged
+                           : directory / ("Vellmark/usage-history.damaged-" +
+                                          std::to_string(number) + ".json");
+    };
+    const auto spoilt = [](int number) {
+        return "[\n" + serialized(toJSON(sample(firstInstant + number, 1)), -1) + ",\n{torn " +
+               std::to_string(number);
+    };
+    std::vector<std::string> written;
+    for (int number = 1; number <= 7; ++number) {
+        fs::remove(path);
+        written.push_back(spoilt(number));
+        write(written.back());
+        UsageHistoryFile file(path);
+        const Told told = open(file);
+        ASSERT_EQ(told.status.state, UsageHistoryFile::State::repaired);
+        EXPECT_EQ(told.status.aside, asideOf(std::min(number, 5)));
+        EXPECT_EQ(contentOf(told.status.aside), written.back());
+    }
+    for (int number = 1; number < 5; ++number) {
+        EXPECT_EQ(contentOf(asideOf(number)), written[static_cast<std::size_t>(number) - 1]);
     }
 }
 
@@ -286,70 +505,74 @@ TEST_F(HistoryFile, followsWhatAnotherProcessDoesToIt) {
     EXPECT_TRUE(they.record(reading(firstInstant + 120, 11)));
     EXPECT_TRUE(we.record(reading(firstInstant + 180, 12)));
     EXPECT_TRUE(they.record(reading(firstInstant + 90, 13))) << "a clock that runs behind";
-    EXPECT_TRUE(we.record(reading(firstInstant + 200, 13)));
+    EXPECT_TRUE(we.record(reading(firstInstant + 200, 12))) << "theirs is known now";
     EXPECT_EQ(ours->sampleCount(), 4u);
     const auto samples = decoded();
     ASSERT_EQ(samples.size(), 4u);
-    EXPECT_EQ(samples.back().capturedAt, samples[2].capturedAt) << "time never goes back";
+    EXPECT_EQ(samples.back().capturedAt, Instant(Seconds(firstInstant + 90)));
 
-    // A replacement, as compaction makes it, and then one by hand.
-    they.compact(Instant(Seconds(firstInstant + 36 * 86'400)));
-    EXPECT_EQ(decoded().size(), 1u);
-    we.record(reading(firstInstant + 36 * 86'400, 20));
-    EXPECT_EQ(ours->sampleCount(), 2u);
+    // A replacement, as a repair makes it, and then one by hand.
+    write(text() + "spoilt");
+    they.record(reading(firstInstant + 300, 20));
+    we.record(reading(firstInstant + 400, 21));
+    EXPECT_EQ(ours->sampleCount(), 6u);
+    EXPECT_EQ(decoded().size(), 6u);
     fs::remove(path);
-    we.record(reading(firstInstant + 36 * 86'400 + 60, 21));
+    we.record(reading(firstInstant + 500, 22));
     EXPECT_EQ(decoded().size(), 1u);
 }
 
 TEST_F(HistoryFile, whoCannotHaveTheLockReadsAndWritesLater) {
     auto history = std::make_shared<UsageHistory>();
-    UsageHistoryRecorder recorder(path, history);
-    recorder.load(Instant(Seconds(firstInstant)));
-    recorder.record(reading(firstInstant, 10));
     {
+        UsageHistoryRecorder recorder(path, history);
+        recorder.load(Instant(Seconds(firstInstant)));
+        recorder.record(reading(firstInstant, 10));
         UsageHistoryFile other(path);
         const FileLock held = ready(other);
         ASSERT_FALSE(other.append(held, std::vector{sample(firstInstant + 10, 30)}));
         recorder.record(reading(firstInstant + 20, 40));
-        EXPECT_EQ(history->last({AgentProviderID::claude(), "session"})->usedPercent, 40);
+        EXPECT_EQ(history->last({AgentProviderID::claude(), "session"}, at(20))->usedPercent, 40);
         EXPECT_EQ(decoded().size(), 2u);
-        EXPECT_EQ(recorder.heldBackCount(), 1u);
         EXPECT_FALSE(recorder.trouble().takeNews()) << "waiting is no trouble";
+        EXPECT_EQ(recorder.heldBackCount(), 0u) << "it waits on disk";
+        EXPECT_TRUE(fs::exists(waiting));
+
+        // Who starts now knows it too.
+        auto theirs = std::make_shared<UsageHistory>();
+        UsageHistoryRecorder(path, theirs).load(Instant(Seconds(firstInstant)));
+        EXPECT_EQ(theirs->sampleCount(), 3u);
     }
-    recorder.record(reading(firstInstant + 30, 50));
+    // That run is over without having had the lock again.
+    UsageHistoryRecorder next(path, history = std::make_shared<UsageHistory>());
+    next.load(Instant(Seconds(firstInstant)));
+    EXPECT_EQ(decoded().size(), 3u);
+    EXPECT_FALSE(fs::exists(waiting));
+    EXPECT_EQ(history->sampleCount(), 3u);
+    next.record(reading(firstInstant + 30, 50));
     EXPECT_EQ(decoded().size(), 4u);
-    EXPECT_EQ(recorder.heldBackCount(), 0u);
     EXPECT_EQ(history->sampleCount(), 4u);
 }
 
-TEST_F(HistoryFile, compactionKeepsAHighestPerHourAndForgetsAfter400Days) {
-    constexpr double day = 86'400;
-    const double now = 800'000'000;
-    const double hour = std::floor((now - 100 * day) / 3600) * 3600;
-    UsageHistoryFile file(path);
-    append(file,
-           {sample(now - 401 * day, 50), sample(hour, 10), sample(hour + 1, 10, "weekly"),
-            sample(hour + 600, 90), sample(hour + 1200, 20), sample(hour + 1800, 90),
-            sample(hour + 3600, 5), sample(now - 34 * day, 6), sample(now - 34 * day + 1, 7)});
-    const FileLock held = ready(file);
-    std::vector<double> kept;
-    const UsageHistoryFile::Listener listener{
-        .restart = [&] { kept.clear(); },
-        .sample = [&](const StoredHistorySample& s) { kept.push_back(s.capturedAt); }};
-    ASSERT_FALSE(file.compact(held, Instant(Seconds(now)), listener));
-    EXPECT_EQ(kept, (std::vector<double>{hour + 1, hour + 600, hour + 3600, now - 34 * day,
-                                         now - 34 * day + 1}));
-    EXPECT_EQ(decoded().size(), 5u);
+TEST_F(HistoryFile, whatWaitedIsTakenOverOnceAlsoAfterAnInterruption) {
+    const std::string known = serialized(toJSON(sample(firstInstant, 1)), -1);
+    const std::string added = serialized(toJSON(sample(firstInstant + 1, 2)), -1);
+    write("[\n" + known + "\n]\n");
+    writeFile(waiting, known + "\n" + added + "\n" + R"({"torn)");
+    EXPECT_EQ(recordOnce(20)->sampleCount(), 3u);
+    EXPECT_EQ(decoded().size(), 3u);
+    EXPECT_FALSE(fs::exists(waiting));
+}
 
-    // Once a day at most, whoever asks.
-    ASSERT_FALSE(file.append(held, std::vector{sample(now - 401 * day, 1, "old")}));
+TEST_F(HistoryFile, aStoppedProcessWithTheLockCostsOneWait) {
     UsageHistoryFile other(path);
-    other.catchUp(&held, silent);
-    ASSERT_FALSE(other.compact(held, Instant(Seconds(now + day - 1)), listener));
-    EXPECT_EQ(decoded().size(), 6u);
-    ASSERT_FALSE(other.compact(held, Instant(Seconds(now + day)), listener));
-    EXPECT_EQ(decoded().size(), 5u);
+    const FileLock held = ready(other);
+    UsageHistoryRecorder recorder(path, std::make_shared<UsageHistory>());
+    const auto start = std::chrono::steady_clock::now();
+    for (int index = 0; index < 20; ++index) {
+        recorder.record(reading(firstInstant + index, index));
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
 }
 
 } // namespace

@@ -68,6 +68,20 @@ TEST_F(Course, tellsWhereTheWindowWasReset) {
     EXPECT_EQ(history.course(key, at(150), at(400), 100).resets, std::vector{at(300)});
 }
 
+TEST(HistorySeries, takesAnyNumberOfSamplesInAnyOrder) {
+    constexpr int count = 200'000;
+    for (const int step : {-1, 7, 3}) { // backwards; several interleaved courses
+        HistorySeries series;
+        for (int index = 0; index < count; ++index) {
+            const int place =
+                step < 0 ? count - index : index % step * (count / step) + index / step;
+            series.add("claude", "session", HistoryPoint(at(place), place % 100, std::nullopt));
+        }
+        EXPECT_EQ(series.of(key).size(), static_cast<std::size_t>(count));
+        EXPECT_TRUE(std::ranges::is_sorted(series.of(key), {}, &HistoryPoint::capturedAt)) << step;
+    }
+}
+
 TEST(Recording, asksForAChangeOrHalfAnHour) {
     const UsageWindow window{"session", 40, 300, at(10'000)};
     struct Case {

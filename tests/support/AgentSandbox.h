@@ -28,6 +28,9 @@ public:
 
     /// May be changed before it is handed to a provider.
     Machine& machine() { return machine_; }
+    const Machine& machine() const { return machine_; }
+    /// What a program is told to use it.
+    const std::filesystem::path& path() const { return directory_.path(); }
 
     /// `program` becomes the agent's CLI.
     void install(const std::string& agent, const std::filesystem::path& program) {

@@ -63,7 +63,7 @@ TEST(Formatting, spans) {
         EXPECT_EQ(roughDurationText(span, english()), test.rough);
         EXPECT_EQ(forecastDurationText(span, english()), test.forecast);
     }
-    EXPECT_EQ(durationText(Seconds(3 * 86400 + 18 * 3600), german()), "3 Tg. 18 Std.");
+    EXPECT_EQ(durationText(Seconds(3 * 86400 + 18 * 3600), german()), "3 Tagen 18 Std.");
 }
 
 TEST(Formatting, instantsNameTheirDayWhenItIsNotToday) {

@@ -109,6 +109,17 @@ TEST_F(PopoverWindow, ClosesByEscapeAndByAPressOnItsShadow) {
     EXPECT_FALSE(popover.isVisible());
 }
 
+TEST_F(PopoverWindow, TellsHoweverItOpensAndCloses) {
+    std::vector<bool> told;
+    popover.onOpenChange = [&](bool isOpen) { told.push_back(isOpen); };
+    click();
+    pressKey(popover, Qt::Key_Escape);
+    popover.open(anchor);
+    popover.close();
+    EXPECT_EQ(told, (std::vector{true, false, true, false}));
+    popover.onOpenChange = nullptr;
+}
+
 TEST_F(PopoverWindow, IsAmongTheApplicationsWindowsForAssistiveSoftware) {
     click();
     QAccessibleInterface* told = QAccessible::queryAccessibleInterface(&popover);

@@ -94,10 +94,25 @@ TEST_F(PopoverView, IsAsHighAsItsContentWithinItsLimits) {
     EXPECT_EQ(tallest, AgentUsagePopoverView::tallest);
     EXPECT_LT(heightOf(content(samples::healthy())), heightOf(content(samples::normal())));
     PopoverContent single = content(samples::balances());
+    single.agents.resize(1);
     single.agents[0].rows.clear();
     single.agents[0].balances.clear();
     EXPECT_EQ(heightOf(single), tallest - AgentUsagePopoverView::mostContentHeight +
                                     AgentUsagePopoverView::leastContentHeight);
+}
+
+TEST_F(PopoverView, StandsCloserTogetherRatherThanToScrollForARow) {
+    const auto heights = [this](const UsageState& state) {
+        show(content(state));
+        const QWidget* page = view.findChild<QScrollArea*>(QStringLiteral("content"))->widget();
+        return std::pair(page->height(), page->findChild<AgentBlock*>()->height());
+    };
+    const auto [usual, usualBlock] = heights(samples::normal());
+    const auto [credited, creditedBlock] = heights(samples::credited());
+    EXPECT_LE(credited, AgentUsagePopoverView::mostContentHeight);
+    EXPECT_LT(creditedBlock, usualBlock);
+    EXPECT_EQ(heights(samples::normal()).first, usual);
+    EXPECT_EQ(heights(samples::manyAgents()).second, usualBlock) << "it scrolls anyway";
 }
 
 TEST_F(PopoverView, NeverCutsTheTimeOfTheStatusLine) {

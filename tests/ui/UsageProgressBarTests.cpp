@@ -1,7 +1,11 @@
 #include "ui/kit/UsageProgressBar.h"
 
+#include <QImage>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
 #include <utility>
 
 namespace vellmark::kit {
@@ -31,6 +35,52 @@ TEST(UsageProgressBar, StandsTheMarkAtItsShareWithAPointOfGroundOnEachSide) {
 TEST(UsageProgressBar, KeepsTheMarkWithinTheBar) {
     EXPECT_EQ(barShape(200, 6, 50, 0.0).mark->left(), 0);
     EXPECT_EQ(barShape(200, 6, 50, 100.0).mark->right(), 200);
+}
+
+class UsageProgressBarPixels : public ::testing::Test {
+protected:
+    static constexpr int barHeight = 8;
+    static constexpr int wide = 200;
+    /// The colour at `x` of a bar on white, in the middle of its height.
+    QColor pixel(const BarLook& look, int x) {
+        UsageProgressBar bar(barHeight);
+        bar.resize(wide, bar.sizeHint().height());
+        bar.setLook(look);
+        QImage image(bar.size(), QImage::Format_RGB32);
+        image.fill(Qt::white);
+        bar.render(&image, {}, {}, QWidget::DrawChildren);
+        return image.pixelColor(x, bar.height() / 2);
+    }
+    static QColor blended(const QColor& over, const QColor& under, double share) {
+        const auto channel = [&](int above, int below) {
+            return static_cast<int>(std::lround(above * share + below * (1 - share)));
+        };
+        return {channel(over.red(), under.red()), channel(over.green(), under.green()),
+                channel(over.blue(), under.blue())};
+    }
+    static int distance(const QColor& one, const QColor& other) {
+        return std::max({std::abs(one.red() - other.red()), std::abs(one.green() - other.green()),
+                         std::abs(one.blue() - other.blue())});
+    }
+};
+
+TEST_F(UsageProgressBarPixels, OldFiguresAreFaintAndTheMarkIsInkInBothAppearances) {
+    for (const auto appearance : {Theme::Appearance::light, Theme::Appearance::dark}) {
+        Theme::setCurrent(appearance);
+        for (const ColorRole role : {ColorRole::healthy, ColorRole::critical, ColorRole::none}) {
+            BarLook look{.share = 70, .mark = 40.0, .color = role};
+            const QColor track = pixel(look, 180);
+            EXPECT_LE(distance(pixel(look, 20), color(role)), 1);
+            look.isStale = true;
+            EXPECT_LE(distance(pixel(look, 20), blended(color(role), track, 0.45)), 2);
+        }
+        for (const bool isStale : {false, true}) {
+            const BarLook look{.share = 70, .mark = 40.0, .isStale = isStale};
+            EXPECT_LE(distance(pixel(look, 80), color(ColorRole::ink)), 1) << isStale;
+            EXPECT_EQ(pixel(look, 78), QColor(Qt::white)) << "ground beside the mark";
+        }
+    }
+    Theme::setCurrent(Theme::Appearance::light);
 }
 
 } // namespace

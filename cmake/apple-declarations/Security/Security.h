@@ -6,7 +6,7 @@
 extern "C" {
 #endif
 
-enum { errSecSuccess = 0 };
+enum { errSecSuccess = 0, errSecItemNotFound = -25300 };
 
 extern const CFStringRef kSecClass;
 extern const CFStringRef kSecClassGenericPassword;

@@ -1,3 +1,4 @@
 #pragma once
 
+#define SSTOP 4
 #define SZOMB 5

@@ -3,8 +3,10 @@
 #include "app/linux/EdgeStripPlacement.h"
 #include "ui/GlyphPainter.h"
 #include "ui/kit/Theme.h"
+#include "ui/kit/WindowSurface.h"
 
 #include <QApplication>
+#include <QBitmap>
 #include <QContextMenuEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -98,6 +100,9 @@ void EdgeStrip::setContent(const StatusItemContent& content) {
         setAccessibleName(text);
         setWindowTitle(text);
     }
+    // A compositor may come and go.
+    if (isVisible() && kit::windowSurface().isComposited != isComposited_)
+        fitShape();
     if (looksDifferent)
         update();
 }
@@ -108,6 +113,8 @@ void EdgeStrip::paintEvent(QPaintEvent*) {
     const bool isAtRight = edge_ == Edge::right;
     const QRectF bounds =
         QRectF(rect()).adjusted(isAtRight ? 0.5 : 0, 0.5, isAtRight ? 0 : -0.5, -0.5);
+    if (!isComposited_)
+        painter.fillRect(rect(), kit::color(kit::ColorRole::lineStrong));
     painter.setPen(QPen(kit::color(kit::ColorRole::lineStrong), 1));
     painter.setBrush(kit::color(kit::ColorRole::popover));
     painter.drawPath(outline(bounds, isAtRight));
@@ -178,6 +185,23 @@ void EdgeStrip::restorePlace() {
     place.height = preferences_.number(heightKey).value_or(place.height);
     edge_ = place.isAtRight ? Edge::right : Edge::left;
     move(edgeStripGeometry(place, size(), screens).topLeft());
+    fitShape();
+}
+
+void EdgeStrip::fitShape() {
+    isComposited_ = kit::windowSurface().isComposited;
+    if (isComposited_) {
+        clearMask();
+    } else {
+        QBitmap shape(size());
+        shape.clear();
+        QPainter painter(&shape);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(Qt::color1);
+        painter.drawPath(outline(QRectF(rect()), edge_ == Edge::right));
+        painter.end();
+        setMask(shape);
+    }
     update();
 }
 

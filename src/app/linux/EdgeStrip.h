@@ -37,12 +37,15 @@ private:
     enum class Edge { left, right };
 
     void restorePlace();
+    /// Without a compositor the corners are cut out: nothing would show through them.
+    void fitShape();
     void dock();
 
     Preferences& preferences_;
     Events events_;
     StatusItemContent content_;
     Edge edge_ = Edge::right;
+    bool isComposited_ = true;
     /// Of the press, relative to the strip; absent without one.
     std::optional<QPoint> pressedAt_;
     bool isDragged_ = false;

@@ -100,6 +100,12 @@ public:
             strip_->update();
     }
 
+    void setPopoverOpen(bool isOpen) override {
+        isPopoverOpen_ = isOpen;
+        if (shown_)
+            writeToolTip();
+    }
+
     QRect anchor() const override {
         if (strip_ && strip_->isVisible())
             return strip_->geometry();
@@ -151,11 +157,13 @@ private:
         }
     }
 
+    /// Panels show it beside the item, where the popover opens.
     void writeToolTip() {
+        const std::string text = isPopoverOpen_ ? std::string() : shown_->toolTip;
         if (notifier_)
-            notifier_->setToolTip(shown_->toolTip);
+            notifier_->setToolTip(text);
         if (tray_)
-            tray_->setToolTip(QString::fromStdString(shown_->toolTip));
+            tray_->setToolTip(QString::fromStdString(text));
     }
 
     void hostChanged(bool isHosted) {
@@ -223,6 +231,7 @@ private:
     Preferences& preferences_;
     Events events_;
     std::optional<StatusItemContent> shown_;
+    bool isPopoverOpen_ = false;
     ColorScheme scheme_ = ColorScheme::light;
     /// Absent until the bus has answered.
     std::optional<bool> isHosted_;

@@ -137,6 +137,9 @@ public:
     // The button tells its appearance itself.
     void setPanelScheme(ColorScheme /*scheme*/) override {}
 
+    // A click takes the tooltip away, and it stays away while the button is pressed.
+    void setPopoverOpen(bool /*isOpen*/) override {}
+
     QRect anchor() const override {
         NSStatusBarButton* const button = [item_.get() button];
         NSWindow* const window = [button window];

@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <pthread.h>
 #include <system_error>
+#include <unistd.h>
 
 namespace vellmark {
 namespace {
@@ -56,8 +57,13 @@ ssize_t writeWithoutSignal(int descriptor, std::string_view bytes) {
     return written;
 }
 
-int inheritStandardStreamsOnly(posix_spawn_file_actions_t& actions, short& /*flags*/) {
-    return ::posix_spawn_file_actions_addclosefrom_np(&actions, firstFreeDescriptor);
+void leaveOpenStandardStreamsOnly() {
+    if (::close_range(firstFreeDescriptor, ~0U, CLOSE_RANGE_CLOEXEC) == 0)
+        return;
+    // A kernel before 5.11.
+    const long limit = ::sysconf(_SC_OPEN_MAX);
+    for (int descriptor = firstFreeDescriptor; descriptor < limit; ++descriptor)
+        ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
 }
 
 } // namespace vellmark

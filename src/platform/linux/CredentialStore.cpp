@@ -38,11 +38,12 @@ bool anyItemMatches(sdbus::IProxy& secrets, const Attributes& attributes,
 
 class SecretService final : public CredentialStore {
 public:
-    bool hasGenericPassword(const std::string& service, const std::string& account) const override {
+    std::optional<bool> hasGenericPassword(const std::string& service,
+                                           const std::string& account) const override {
         const auto deadline = Clock::now() + answerLimit;
         const auto bus = openBus(MessageBus::session);
         if (!bus)
-            return false;
+            return std::nullopt;
         try {
             const auto secrets =
                 sdbus::createProxy(*bus, "org.freedesktop.secrets", "/org/freedesktop/secrets");
@@ -52,7 +53,7 @@ public:
                    anyItemMatches(*secrets, {{"service", service}, {"username", account}},
                                   deadline);
         } catch (const sdbus::Error&) {
-            return false;
+            return std::nullopt;
         }
     }
 };

@@ -3,12 +3,19 @@
 #include "platform/Descriptor.h"
 #include "platform/linux/ProcessDescriptor.h"
 
+#include <algorithm>
+#include <array>
+#include <cerrno>
 #include <charconv>
 #include <csignal>
+#include <ctime>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <poll.h>
 #include <string>
+#include <string_view>
+#include <unistd.h>
 
 namespace vellmark {
 namespace {
@@ -18,23 +25,45 @@ namespace fs = std::filesystem;
 struct Status {
     char state = 'X';
     pid_t parent = 0;
+    pid_t group = 0;
+    ProcessTime begin = 0;
 };
 
+/// Absent, with errno set, when there is no such process or it cannot be read.
 std::optional<Status> statusOf(pid_t pid) {
-    std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
-    std::string text;
-    // The process may end between the opening and the reading, which an iterator over the stream's
-    // buffer would throw for.
-    std::getline(file, text, '\0');
-    // "pid (name) state parent …": the name may hold blanks and brackets itself.
-    const auto nameEnd = text.rfind(") ");
-    if (nameEnd == std::string::npos || nameEnd + 4 >= text.size())
+    const std::string path = "/proc/" + std::to_string(pid) + "/stat";
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    std::array<char, 1024> bytes;
+    const ssize_t count = file.isOpen() ? ::read(file.get(), bytes.data(), bytes.size()) : -1;
+    if (count <= 0)
         return std::nullopt;
+    // "pid (name) state parent group …": the name may hold blanks and brackets itself.
+    const std::string_view text(bytes.data(), static_cast<std::size_t>(count));
+    const auto nameEnd = text.rfind(") ");
+    if (nameEnd == std::string_view::npos)
+        return std::nullopt;
+    std::string_view rest = text.substr(nameEnd + 2);
     Status status;
-    status.state = text[nameEnd + 2];
-    const char* const number = text.data() + nameEnd + 4;
-    std::from_chars(number, text.data() + text.size(), status.parent);
+    for (int number = 0; !rest.empty(); ++number) {
+        const std::string_view field = rest.substr(0, rest.find(' '));
+        const auto read = [field](auto& value) {
+            std::from_chars(field.data(), field.data() + field.size(), value);
+        };
+        if (number == 0)
+            status.state = field.empty() ? 'X' : field.front();
+        else if (number == 1)
+            read(status.parent);
+        else if (number == 2)
+            read(status.group);
+        else if (number == 19)
+            read(status.begin);
+        rest.remove_prefix(std::min(field.size() + 1, rest.size()));
+    }
     return status;
+}
+
+bool lacksDescriptors() {
+    return errno == EMFILE || errno == ENFILE;
 }
 
 bool isLiving(const Status& status) {
@@ -91,9 +120,38 @@ std::vector<pid_t> directChildren(pid_t parent) {
     return children;
 }
 
+std::optional<std::vector<pid_t>> processGroupMembers(pid_t group) {
+    std::vector<pid_t> members;
+    std::error_code error;
+    for (fs::directory_iterator entry("/proc", error), end; !error && entry != end;
+         entry.increment(error)) {
+        const auto pid = numberOf(entry->path().filename().string());
+        if (!pid)
+            continue;
+        const auto status = statusOf(*pid);
+        if (!status && lacksDescriptors())
+            return std::nullopt;
+        if (status && status->group == group && isLiving(*status))
+            members.push_back(*pid);
+    }
+    return error ? std::nullopt : std::optional(members);
+}
+
+ProcessTime processTimeNow() {
+    const ProcessTime ticksPerSecond = ::sysconf(_SC_CLK_TCK); // from memory
+    timespec now{};
+    ::clock_gettime(CLOCK_BOOTTIME, &now);
+    return now.tv_sec * ticksPerSecond + now.tv_nsec * ticksPerSecond / 1'000'000'000;
+}
+
 bool isProcessAlive(pid_t pid) {
     const auto status = statusOf(pid);
     return status && isLiving(*status);
+}
+
+bool isProcessStopped(pid_t pid) {
+    const auto status = statusOf(pid);
+    return status && (status->state == 'T' || status->state == 't');
 }
 
 struct ProcessHandle::Identity {
@@ -122,6 +180,14 @@ std::optional<ProcessHandle> ProcessHandle::openChild(pid_t pid, pid_t parent) {
     return status && status->parent == parent ? std::move(handle) : std::nullopt;
 }
 
+std::optional<ProcessHandle> ProcessHandle::openBegunBy(pid_t pid, ProcessTime time) {
+    auto handle = open(pid);
+    if (!handle)
+        return std::nullopt;
+    const auto status = statusOf(pid);
+    return status && status->begin <= time ? std::move(handle) : std::nullopt;
+}
+
 pid_t ProcessHandle::pid() const {
     return identity_->pid;
 }
@@ -129,6 +195,12 @@ pid_t ProcessHandle::pid() const {
 bool ProcessHandle::isAlive() const {
     pollfd ended{identity_->descriptor.get(), POLLIN, 0};
     return ::poll(&ended, 1, 0) == 0;
+}
+
+bool ProcessHandle::isInGroup(pid_t group) const {
+    const auto status = statusOf(pid());
+    // Looked at only now: if this process still lives, it was the one with the number.
+    return status && status->group == group && isAlive();
 }
 
 bool ProcessHandle::signal(int number) const {

@@ -5,6 +5,8 @@
 #include "platform/SingleInstance.h"
 
 #include "platform/Descriptor.h"
+#include "platform/PrivateDirectory.h"
+#include "platform/RegularFile.h"
 #include "platform/linux/BusConnection.h"
 
 #include <sdbus-c++/sdbus-c++.h>
@@ -153,10 +155,10 @@ class Unguarded final : public SingleInstance {};
 std::unique_ptr<SingleInstance> claimLockedFile(DescriptorWatcher& loop,
                                                 const SingleInstanceRequest& request) {
     std::error_code ignored;
-    std::filesystem::create_directories(request.directory, ignored);
+    makePrivateDirectory(request.directory);
     const auto socketPath = request.directory / "instance.socket";
-    Descriptor lock(
-        ::open((request.directory / "instance.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    Descriptor lock =
+        openRegularFile(request.directory / "instance.lock", O_RDWR | O_CREAT, ignored);
     if (!lock.isOpen())
         return std::make_unique<Unguarded>();
     if (::flock(lock.get(), LOCK_EX | LOCK_NB) == 0)

@@ -67,6 +67,10 @@ public:
             return;
         toolTip_ = text;
         emit("NewToolTip");
+        if (const bool isTitled = !text.empty(); isTitled != isTitled_) {
+            isTitled_ = isTitled;
+            emit("NewTitle");
+        }
     }
 
     void setMenu(std::vector<NotifierMenuItem> items) {
@@ -110,7 +114,9 @@ private:
     void registerProperties() {
         registerProperty("Category", std::string("ApplicationStatus"));
         registerProperty("Id", id_);
-        registerProperty("Title", title_);
+        item_->registerProperty("Title").onInterface(itemInterface).withGetter([this] {
+            return isTitled_ ? title_ : std::string();
+        });
         registerProperty("Status", std::string("Active"));
         registerProperty("WindowId", std::int32_t{0});
         registerProperty("IconThemePath", std::string());
@@ -203,6 +209,7 @@ private:
     Handlers handlers_;
     std::vector<NotifierPixmap> pixmaps_;
     std::string toolTip_;
+    bool isTitled_ = true;
     std::optional<bool> isShown_;
     NotifierMenu menu_;
     std::unique_ptr<sdbus::IObject> item_;

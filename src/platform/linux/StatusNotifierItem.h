@@ -50,7 +50,7 @@ public:
 
     /// The same picture in several sizes.
     void setIcon(std::vector<NotifierPixmap> pixmaps);
-    /// Plain text.
+    /// Plain text. Empty: none, and no title meanwhile, which some panels show in its place.
     void setToolTip(const std::string& text);
     void setMenu(std::vector<NotifierMenuItem> items);
 

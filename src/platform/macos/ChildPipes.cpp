@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <system_error>
+#include <unistd.h>
 
 namespace vellmark {
 namespace {
@@ -40,9 +41,10 @@ ssize_t writeWithoutSignal(int descriptor, std::string_view bytes) {
     return ::write(descriptor, bytes.data(), bytes.size());
 }
 
-int inheritStandardStreamsOnly(posix_spawn_file_actions_t& /*actions*/, short& flags) {
-    flags = static_cast<short>(flags | POSIX_SPAWN_CLOEXEC_DEFAULT);
-    return 0;
+void leaveOpenStandardStreamsOnly() {
+    const int limit = ::getdtablesize();
+    for (int descriptor = firstFreeDescriptor; descriptor < limit; ++descriptor)
+        ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
 }
 
 } // namespace vellmark

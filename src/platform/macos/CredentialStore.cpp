@@ -12,11 +12,12 @@ namespace {
 class Keychain final : public CredentialStore {
 public:
     // Attributes only: the item's secret is not asked for, so the system shows no question either.
-    bool hasGenericPassword(const std::string& service, const std::string& account) const override {
+    std::optional<bool> hasGenericPassword(const std::string& service,
+                                           const std::string& account) const override {
         const auto serviceText = makeCFString(service);
         const auto accountText = makeCFString(account);
         if (!serviceText || !accountText) {
-            return false;
+            return std::nullopt;
         }
         std::array<const void*, 5> keys = {kSecClass, kSecAttrService, kSecAttrAccount,
                                            kSecMatchLimit, kSecReturnAttributes};
@@ -28,7 +29,10 @@ public:
         CFTypeRef found = nullptr;
         const OSStatus status = SecItemCopyMatching(query.get(), &found);
         const CFOwner<CFTypeRef> attributes(found);
-        return status == errSecSuccess;
+        if (status == errSecSuccess) {
+            return true;
+        }
+        return status == errSecItemNotFound ? std::optional(false) : std::nullopt;
     }
 };
 

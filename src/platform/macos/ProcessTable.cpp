@@ -5,6 +5,7 @@
 #include <libproc.h>
 #include <sys/proc.h>
 #include <sys/proc_info.h>
+#include <sys/time.h>
 
 namespace vellmark {
 namespace {
@@ -19,30 +20,55 @@ std::optional<proc_bsdinfo> recordOf(pid_t pid) {
     return record;
 }
 
-} // namespace
-
-std::vector<pid_t> directChildren(pid_t parent) {
-    std::vector<pid_t> children(64);
+/// What a listing call of the system tells about `number`, without zombies; absent when it fails.
+std::optional<std::vector<pid_t>> listed(int (*list)(pid_t, void*, int), pid_t number) {
+    std::vector<pid_t> processes(64);
     for (;;) {
-        const int bytes = static_cast<int>(children.size() * sizeof(pid_t));
-        const int count = ::proc_listchildpids(parent, children.data(), bytes);
-        if (count <= 0)
-            return {};
-        if (static_cast<std::size_t>(count) < children.size()) {
-            children.resize(static_cast<std::size_t>(count));
+        const int bytes = static_cast<int>(processes.size() * sizeof(pid_t));
+        const int count = list(number, processes.data(), bytes);
+        if (count < 0)
+            return std::nullopt;
+        if (static_cast<std::size_t>(count) < processes.size()) {
+            processes.resize(static_cast<std::size_t>(count));
             break;
         }
         // A full list may have been cut off.
-        children.resize(children.size() * 2);
+        processes.resize(processes.size() * 2);
     }
-    std::erase_if(children, [](pid_t child) { return !isProcessAlive(child); });
-    return children;
+    std::erase_if(processes, [](pid_t process) { return !isProcessAlive(process); });
+    return processes;
+}
+
+ProcessTime microseconds(std::uint64_t seconds, std::uint64_t rest) {
+    return static_cast<ProcessTime>(seconds * 1'000'000 + rest);
+}
+
+} // namespace
+
+std::vector<pid_t> directChildren(pid_t parent) {
+    return listed(::proc_listchildpids, parent).value_or(std::vector<pid_t>());
+}
+
+std::optional<std::vector<pid_t>> processGroupMembers(pid_t group) {
+    return listed(::proc_listpgrppids, group);
+}
+
+ProcessTime processTimeNow() {
+    timeval now{};
+    ::gettimeofday(&now, nullptr);
+    return microseconds(static_cast<std::uint64_t>(now.tv_sec),
+                        static_cast<std::uint64_t>(now.tv_usec));
 }
 
 bool isProcessAlive(pid_t pid) {
     proc_bsdshortinfo record{};
     const int size = ::proc_pidinfo(pid, PROC_PIDT_SHORTBSDINFO, 0, &record, sizeof record);
     return size == static_cast<int>(sizeof record) && record.pbsi_status != SZOMB;
+}
+
+bool isProcessStopped(pid_t pid) {
+    const auto record = recordOf(pid);
+    return record && record->pbi_status == SSTOP;
 }
 
 struct ProcessHandle::Identity {
@@ -77,6 +103,14 @@ std::optional<ProcessHandle> ProcessHandle::openChild(pid_t pid, pid_t parent) {
         Identity{pid, record->pbi_start_tvsec, record->pbi_start_tvusec}));
 }
 
+std::optional<ProcessHandle> ProcessHandle::openBegunBy(pid_t pid, ProcessTime time) {
+    const auto record = recordOf(pid);
+    if (!record || microseconds(record->pbi_start_tvsec, record->pbi_start_tvusec) > time)
+        return std::nullopt;
+    return ProcessHandle(std::make_unique<Identity>(
+        Identity{pid, record->pbi_start_tvsec, record->pbi_start_tvusec}));
+}
+
 pid_t ProcessHandle::pid() const {
     return identity_->pid;
 }
@@ -84,6 +118,12 @@ pid_t ProcessHandle::pid() const {
 bool ProcessHandle::isAlive() const {
     const auto record = recordOf(identity_->pid);
     return record && identity_->matches(*record) && record->pbi_status != SZOMB;
+}
+
+bool ProcessHandle::isInGroup(pid_t group) const {
+    const auto record = recordOf(identity_->pid);
+    return record && identity_->matches(*record) && record->pbi_status != SZOMB &&
+           record->pbi_pgid == static_cast<std::uint32_t>(group);
 }
 
 bool ProcessHandle::signal(int number) const {

@@ -6,6 +6,8 @@
 #include "platform/SingleInstance.h"
 
 #include "platform/Descriptor.h"
+#include "platform/PrivateDirectory.h"
+#include "platform/RegularFile.h"
 #include "platform/macos/Retained.h"
 
 #import <AppKit/AppKit.h>
@@ -44,8 +46,8 @@ NSString* showNotification(const SingleInstanceRequest& request) {
 /// False when another process holds the lock; a lock that cannot be made is nobody's.
 bool lockFile(Descriptor& lock, const std::filesystem::path& directory) {
     std::error_code ignored;
-    std::filesystem::create_directories(directory, ignored);
-    lock.reset(::open((directory / "instance.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    makePrivateDirectory(directory);
+    lock = openRegularFile(directory / "instance.lock", O_RDWR | O_CREAT, ignored);
     return !lock.isOpen() || ::flock(lock.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 

@@ -1,11 +1,13 @@
 #include "probes/antigravity/AntigravityReading.h"
 
-#include "probes/antigravity/AntigravityOutput.h"
 #include "text/Pattern.h"
 #include "text/TerminalText.h"
 
 #include <algorithm>
 #include <initializer_list>
+#include <iterator>
+#include <optional>
+#include <string_view>
 
 namespace vellmark {
 
@@ -21,9 +23,13 @@ bool containsAny(const std::string& text, std::initializer_list<const char*> phr
 }
 
 /// Why there are no quotas. The words go before the time limit: a login prompt hangs until it is
-/// stopped.
-UsageProviderError failure(const AntigravityRun& run, const std::string& text) {
-    const std::string lower = lowercased(text);
+/// stopped. But a model's words are about nothing: it may write of any limit and any login.
+UsageProviderError failure(const AntigravityRun& run) {
+    const AntigravityOutput& output = run.output;
+    if (output.tookTurn) {
+        return UsageProviderError::antigravityReadingCosts(run.version);
+    }
+    const std::string lower = lowercased(output.text + "\n" + output.reason.value_or(""));
     if (containsAny(lower, {"authentication required", "not logged into antigravity",
                             "authentication failed"})) {
         return UsageProviderError(Kind::antigravityNotLoggedIn);
@@ -34,10 +40,14 @@ UsageProviderError failure(const AntigravityRun& run, const std::string& text) {
     if (run.timedOut) {
         return UsageProviderError::timeout("Antigravity");
     }
+    if (run.outputCapped) {
+        return UsageProviderError::antigravityReadFailed("too much output");
+    }
     if (run.exitStatus == 0) {
         return UsageProviderError(Kind::antigravityNoQuotas);
     }
-    return UsageProviderError::antigravityReadFailed(firstCharacters(text, shownCharacters));
+    return UsageProviderError::antigravityReadFailed(
+        firstCharacters(output.reason.value_or(output.text), shownCharacters));
 }
 
 std::optional<std::string> account(std::string_view log) {
@@ -56,17 +66,18 @@ UsageWindow window(const AntigravityQuotaRow& row) {
 
 } // namespace
 
-AgentUsageSnapshot antigravitySnapshot(const AntigravityRun& run, Instant now,
-                                       const TimeZone& localZone) {
-    const auto output = AntigravityOutput::read(run.output, localZone);
-    if (output.rows.empty()) {
-        throw failure(run, output.text);
+AgentUsageSnapshot antigravitySnapshot(const AntigravityRun& run, Instant now) {
+    if (run.output.rows.empty()) {
+        throw failure(run);
     }
     AgentUsageSnapshot snapshot;
     snapshot.id = AgentProviderID::antigravity();
     snapshot.accountLabel = account(run.log);
-    std::transform(output.rows.begin(), output.rows.end(), std::back_inserter(snapshot.windows),
-                   window);
+    std::transform(run.output.rows.begin(), run.output.rows.end(),
+                   std::back_inserter(snapshot.windows), window);
+    if (run.output.tookTurn) {
+        snapshot.notes.push_back({SnapshotNote::ReadingCosts{}});
+    }
     snapshot.source = SnapshotSource::live;
     snapshot.updatedAt = now;
     return snapshot;

@@ -1,12 +1,20 @@
 #include "probes/antigravity/AntigravityUsageProvider.h"
 
-#include "model/UUID.h"
-#include "platform/WholeFile.h"
+#include "platform/PrivateDirectory.h"
+#include "platform/UntrustedFile.h"
+#include "probes/AgentWorkspace.h"
 #include "probes/BoundedProcess.h"
 #include "probes/ChildEnvironment.h"
 #include "probes/ExecutableLocator.h"
+#include "probes/PrivateTemporaryDirectory.h"
 #include "probes/PrivateTemporaryFile.h"
+#include "probes/ToolVersion.h"
+#include "probes/VersionNumber.h"
+#include "probes/antigravity/AntigravityLoginCheck.h"
 #include "probes/antigravity/AntigravityReading.h"
+
+#include <system_error>
+#include <utility>
 
 namespace vellmark {
 
@@ -14,32 +22,19 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// The first version that answers without a model.
+constexpr VersionNumber firstFreeOfCharge{{1, 1, 11}};
+
+/// The answer has some kilobytes; a child that prints more than this is stopped.
+constexpr std::size_t outputLimit = 32u << 20;
 /// What the log is read for stands near its beginning.
 constexpr std::size_t logReadLimit = 16u << 20;
 
-/// The log that the CLI writes, under a fresh name; deleted with this object.
-class CLILog {
-public:
-    explicit CLILog(const fs::path& directory)
-        : path_(directory / ("vellmark-agy-log-" + UUID::make().text() + ".log")) {}
-    ~CLILog() {
-        std::error_code ignored;
-        fs::remove(path_, ignored);
-    }
-    CLILog(const CLILog&) = delete;
-    CLILog& operator=(const CLILog&) = delete;
-
-    const fs::path& path() const { return path_; }
-
-    /// Empty when the CLI has not written one.
-    std::string contents() const {
-        std::error_code ignored;
-        return readWholeFile(path_, ignored, logReadLimit).value_or(std::string());
-    }
-
-private:
-    fs::path path_;
-};
+/// `fallback` where the workspace cannot be made.
+fs::path workspace(const Machine& machine, const fs::path& fallback) {
+    const fs::path directory = agentWorkspace(machine, "Antigravity");
+    return makePrivateDirectory(directory) ? fallback : directory;
+}
 
 ChildConfiguration usageCommand(const Machine& machine, const fs::path& executable,
                                 const fs::path& log, int output) {
@@ -48,43 +43,98 @@ ChildConfiguration usageCommand(const Machine& machine, const fs::path& executab
     configuration.arguments = {"-p",   "/usage",     "--output-format",
                                "json", "--log-file", log.string()};
     configuration.environment = childEnvironment(machine);
-    configuration.standardOutput = ChildOutput::toDescriptor(output);
+    configuration.workingDirectory = workspace(machine, log.parent_path());
+    configuration.standardOutput = ChildOutput::recorded(output, outputLimit);
     configuration.mergesStandardError = true;
     return configuration;
 }
 
 } // namespace
 
-bool antigravityIsLoggedIn(const Machine& machine) {
-    return machine.credentials->hasGenericPassword("gemini", "antigravity");
+AgentUsageSnapshot AntigravityUsageProvider::fetch() {
+    return read(locate());
 }
 
-AgentUsageSnapshot AntigravityUsageProvider::fetch() {
-    const auto executable = locateAntigravity(machine_);
-    if (!executable) {
+AgentUsageSnapshot AntigravityUsageProvider::fetchAutomatically() {
+    const ExecutableIdentity executable = locate();
+    const std::string told = version(executable);
+    if (experience(executable).readingCosts) {
+        throw UsageProviderError::antigravityReadingCosts(told);
+    }
+    return read(executable);
+}
+
+ReadingPace AntigravityUsageProvider::pace() const {
+    const auto path = locateAntigravity(machine_);
+    return {.automatic = !path || !experience(ExecutableIdentity::of(*path)).readingCosts};
+}
+
+ExecutableIdentity AntigravityUsageProvider::locate() const {
+    const auto path = locateAntigravity(machine_);
+    if (!path) {
         throw UsageProviderError::executableMissing("Antigravity CLI");
     }
-    if (!antigravityIsLoggedIn(machine_)) {
+    if (antigravityIsLoggedIn(machine_) == false) {
         throw UsageProviderError(UsageProviderError::Kind::antigravityNotLoggedIn);
     }
-    const auto capture = PrivateTemporaryFile::create(machine_.temporary, "vellmark-agy-");
-    if (!capture) {
+    return ExecutableIdentity::of(*path);
+}
+
+AgentUsageSnapshot AntigravityUsageProvider::read(const ExecutableIdentity& executable) {
+    const auto capture = PrivateTemporaryFile::create(machine_.temporary);
+    const auto directory = PrivateTemporaryDirectory::create(machine_.temporary, "vellmark-agy-");
+    if (!capture || !directory) {
         throw UsageProviderError::antigravityReadFailed("temporary file");
     }
-    const CLILog log(machine_.temporary);
+    const fs::path log = directory->path() / "agy.log";
     AntigravityRun run;
     try {
-        const auto ended = BoundedProcess::run(
-            usageCommand(machine_, *executable, log.path(), capture->descriptor()), limit_,
-            killGrace_);
+        const auto ended =
+            BoundedProcess::run(usageCommand(machine_, executable.path, log, capture->descriptor()),
+                                limit_, killGrace_);
         run.exitStatus = ended.terminationStatus;
         run.timedOut = ended.timedOut;
+        run.outputCapped = ended.outputCapped;
     } catch (const std::system_error& error) {
         throw UsageProviderError::launchFailed("Antigravity", error.code().message());
     }
-    run.output = capture->contents();
-    run.log = log.contents();
+    run.output = AntigravityOutput::read(capture->contents(), TimeZone::system());
+    if (run.output.tookTurn) {
+        learn(executable, [](Experience& known) { known.readingCosts = true; });
+        run.version = version(executable);
+    }
+    std::error_code noLog;
+    run.log = readUntrustedFile(log, noLog, logReadLimit).value_or(std::string());
     return antigravitySnapshot(run, ReferenceClock::now());
+}
+
+std::string AntigravityUsageProvider::version(const ExecutableIdentity& executable) {
+    if (const auto known = experience(executable).version) {
+        return *known;
+    }
+    const auto told = VersionNumber::parse(toolVersion(machine_, executable.path).value_or(""));
+    const std::string text = told ? told->text() : "?";
+    learn(executable, [&](Experience& known) {
+        known.version = text;
+        known.readingCosts = known.readingCosts || (told && *told < firstFreeOfCharge);
+    });
+    return text;
+}
+
+AntigravityUsageProvider::Experience
+AntigravityUsageProvider::experience(const ExecutableIdentity& executable) const {
+    const std::lock_guard hold(lock_);
+    return experience_.executable == executable ? experience_ : Experience{};
+}
+
+template<typename Change>
+void AntigravityUsageProvider::learn(const ExecutableIdentity& executable, Change change) {
+    const std::lock_guard hold(lock_);
+    if (experience_.executable != executable) {
+        experience_ = Experience();
+        experience_.executable = executable;
+    }
+    change(experience_);
 }
 
 } // namespace vellmark

@@ -6,8 +6,10 @@
 
 namespace vellmark {
 
-/// What Claude's terminal showed in one session, in the order in which it was drawn: the raw
-/// capture without control sequences, and its non-empty lines, trimmed.
+/// What Claude's terminal shows after one session: the raw capture laid out as a terminal would,
+/// and its non-empty lines, trimmed. The CLI draws its pages anew from the first line that changed,
+/// by going back over the lines, so that in the order in which they came old figures stand beside
+/// new ones. The lines that the script printed between the CLI's come last.
 ///
 /// A capture that is no UTF-8 counts as empty. Costs a few times the capture's size and time linear
 /// in it.
@@ -21,11 +23,16 @@ public:
     /// Views into `text`.
     const std::vector<std::string_view>& lines() const { return lines_; }
 
+    /// All that was drawn, in the order in which it came, without control sequences: also what has
+    /// been erased since.
+    const std::string& drawn() const { return drawn_; }
+
     /// The last line that the CLI drew, leaving out hints at keys ("Esc to …") and what the script
     /// printed; empty when there is none.
     std::string_view lastLine() const;
 
 private:
+    std::string drawn_;
     std::string text_;
     std::vector<std::string_view> lines_;
 };

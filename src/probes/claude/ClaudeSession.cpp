@@ -2,10 +2,12 @@
 
 #include "probes/claude/ClaudeSessionScript.h"
 #include "probes/claude/ClaudeUsageParser.h"
+#include "probes/claude/ClaudeVersions.h"
 #include "text/TerminalText.h"
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace vellmark {
 
@@ -20,6 +22,27 @@ bool meansIncomplete(std::int32_t status) {
 
 bool meansComplete(std::int32_t status) {
     return status == Status::complete || status == Status::completeBySilence;
+}
+
+/// What came of a page by what it says of its figures' age.
+void markStale(AgentUsageSnapshot& snapshot, const ClaudeUsageParser::Staleness& staleness,
+               Instant now) {
+    snapshot.source = SnapshotSource::stale;
+    snapshot.updatedAt = now - staleness.age.value_or(claudeMemorySpan);
+    snapshot.mayBeNewer = !staleness.age;
+    snapshot.error = staleness.isRefreshing
+                         ? UsageProviderError(UsageProviderError::Kind::claudeServiceUnavailable)
+                         : UsageProviderError::claudeServiceRefused(staleness.phrase);
+}
+
+/// What the page tells beside the windows.
+void noteWords(AgentUsageSnapshot& snapshot, const ClaudeScreen& screen) {
+    if (auto limit = ClaudeUsageParser::hitLimit(screen)) {
+        snapshot.notes.push_back({SnapshotNote::AgentSays{std::move(*limit)}});
+    }
+    if (ClaudeUsageParser::creditsAreOff(screen)) {
+        snapshot.notes.push_back({SnapshotNote::AgentSays{"Usage credits are off"}});
+    }
 }
 
 std::int64_t milliseconds(Seconds span) {
@@ -42,16 +65,28 @@ AgentUsageSnapshot interpretClaudeSession(const ClaudeScreen& screen, const Clau
     }
     const bool incomplete = end.cutOff || meansIncomplete(end.status);
     if (!incomplete && !meansComplete(end.status)) {
+        if (auto option = ClaudeUsageParser::refusedOption(screen)) {
+            throw UsageProviderError::claudeOptionRefused(std::move(*option));
+        }
         throw UsageProviderError::claudeReadFailed(end.status, lastCharacters(screen.text(), 500));
     }
+    const auto staleness = ClaudeUsageParser::staleness(screen);
     try {
         AgentUsageSnapshot snapshot = ClaudeUsageParser::parseUsage(screen, now);
+        if (staleness) {
+            markStale(snapshot, *staleness, now);
+        }
+        noteWords(snapshot, screen);
+        snapshot.isIncomplete = incomplete || claudeEndMarkerIsMissing(screen, end);
         if (claudeEndMarkerIsMissing(screen, end)) {
             snapshot.notes.push_back({SnapshotNote::ClaudeEndMarkerMissing{
                 ClaudeUsageParser::pageEndingVariant(screen)}});
         }
         return snapshot;
     } catch (const UsageProviderError&) {
+        if (staleness && !staleness->isRefreshing) {
+            throw UsageProviderError::claudeServiceRefused(staleness->phrase);
+        }
         if (incomplete) {
             throw UsageProviderError::timeout("Claude");
         }
@@ -60,7 +95,8 @@ AgentUsageSnapshot interpretClaudeSession(const ClaudeScreen& screen, const Clau
 }
 
 bool claudeEndMarkerIsMissing(const ClaudeScreen& screen, const ClaudeSessionEnd& end) {
-    return end.status == Status::completeBySilence && !ClaudeUsageParser::endsWithSpendLine(screen);
+    return end.status == Status::completeBySilence && !ClaudeUsageParser::showsEndMarker(screen) &&
+           !ClaudeUsageParser::endsWithSpendLine(screen);
 }
 
 std::optional<SnapshotNote> claudeTimingNote(const ClaudeScreen& screen,

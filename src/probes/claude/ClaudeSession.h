@@ -20,12 +20,15 @@ struct ClaudeSessionEnd {
 /// What a session showed, as a snapshot with `updatedAt` set to `now`, or the reason why there is
 /// none, thrown as UsageProviderError. Pure.
 ///
-/// A capture that was cut off but holds a window is a good reading; one without is a time-out. A
-/// complete capture without a window is `claudeNoQuotas`: the caller may have more to say.
+/// Figures that the page itself does not call the service's of now are `stale`; `updatedAt` is then
+/// as long ago as the page tells, or as the CLI keeps figures at most. A capture that was cut off
+/// but holds a window is a good reading; one without is a time-out, or `claudePageError` where the
+/// page says that the service refused. A complete capture without a window is `claudeNoQuotas`: the
+/// caller may have more to say.
 AgentUsageSnapshot interpretClaudeSession(const ClaudeScreen& screen, const ClaudeSessionEnd& end,
                                           Instant now);
 
-/// True when the page counted as complete by silence alone and its ending is not a known one.
+/// True when the page counted as complete by silence alone and shows no known ending either.
 bool claudeEndMarkerIsMissing(const ClaudeScreen& screen, const ClaudeSessionEnd& end);
 
 /// Measured around the session; all from the same clock.

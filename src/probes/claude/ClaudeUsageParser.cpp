@@ -1,5 +1,6 @@
 #include "probes/claude/ClaudeUsageParser.h"
 
+#include "probes/claude/ClaudeModelWindow.h"
 #include "text/Dates.h"
 #include "text/DecimalNumber.h"
 #include "text/Pattern.h"
@@ -10,6 +11,8 @@
 #include <charconv>
 #include <iterator>
 #include <span>
+#include <utility>
+#include <vector>
 
 namespace vellmark::ClaudeUsageParser {
 
@@ -21,25 +24,52 @@ struct Section {
     double minutes;
 };
 
+constexpr std::string_view sessionHeading = "Current session";
+constexpr std::string_view weekHeadingStart = "Current week (";
+constexpr std::string_view creditsHeading = "Usage credits";
+
 constexpr std::array<Section, 3> sections = {{
-    {"Current session", "session", 300},
+    {sessionHeading, "session", 300},
     {"Current week (all models)", "weekly", 10080},
-    {"Current week (Fable)", claudeModelWindowID, 10080},
+    {"Current week (Fable)", claudeModelWindowID, claudeModelWindowMinutes},
 }};
 
-constexpr std::string_view creditsHeading = "Usage credits";
+/// More than any account has.
+constexpr std::size_t mostOtherModels = 16;
+
 constexpr std::string_view resetsPrefix = "Resets ";
 
 using Lines = std::span<const std::string_view>;
 
-/// The up to five lines below the last line that is exactly `heading`.
+bool isHeading(std::string_view line) {
+    return line.starts_with("Current ") || line == creditsHeading || line == "Extra usage";
+}
+
+/// The up to five lines from `first` on, to the next heading.
+Lines blockAt(const ClaudeScreen& screen, std::size_t first) {
+    const Lines lines = screen.lines();
+    const Lines block = lines.subspan(first, std::min<std::size_t>(5, lines.size() - first));
+    const auto end = std::find_if(block.begin(), block.end(), isHeading);
+    return block.first(static_cast<std::size_t>(end - block.begin()));
+}
+
+/// The block below the last line that is exactly `heading`.
 Lines blockBelow(const ClaudeScreen& screen, std::string_view heading) {
     const Lines lines = screen.lines();
     const auto found = std::find(lines.rbegin(), lines.rend(), heading);
-    const auto first = static_cast<std::size_t>(std::distance(found, lines.rend()));
     return found == lines.rend()
                ? Lines()
-               : lines.subspan(first, std::min<std::size_t>(5, lines.size() - first));
+               : blockAt(screen, static_cast<std::size_t>(std::distance(found, lines.rend())));
+}
+
+/// All lines, or those of the page drawn last where there are several.
+Lines lastPage(const ClaudeScreen& screen) {
+    const Lines lines = screen.lines();
+    const auto last = std::find(lines.rbegin(), lines.rend(), sessionHeading);
+    const bool isOnlyOne =
+        last == lines.rend() || std::find(last + 1, lines.rend(), sessionHeading) == lines.rend();
+    return isOnlyOne ? lines
+                     : lines.subspan(static_cast<std::size_t>(std::distance(last, lines.rend())));
 }
 
 std::optional<double> usedPercent(Lines block) {
@@ -62,14 +92,40 @@ std::optional<Instant> resetTime(Lines block, Instant now) {
     return line == block.end() ? std::nullopt : resetDate(*line, now);
 }
 
-std::optional<UsageWindow> window(const ClaudeScreen& screen, const Section& section, Instant now) {
-    const Lines block = blockBelow(screen, section.heading);
+std::optional<UsageWindow> window(Lines block, std::string_view id, double minutes, Instant now) {
     const std::optional<double> used = usedPercent(block);
     if (!used) {
         return std::nullopt;
     }
-    return UsageWindow{std::string(section.windowID), *used, section.minutes,
-                       resetTime(block, now)};
+    return UsageWindow{std::string(id), *used, minutes, resetTime(block, now)};
+}
+
+/// The window of the model in a heading such as "Current week (Opus)"; absent for other lines.
+std::optional<std::string> otherModelWindowID(std::string_view line) {
+    constexpr std::size_t longestHeading = 80;
+    if (!line.starts_with(weekHeadingStart) || !line.ends_with(')') ||
+        line.size() > longestHeading || line == sections[1].heading) {
+        return std::nullopt;
+    }
+    line.remove_prefix(weekHeadingStart.size());
+    line.remove_suffix(1);
+    auto id = claudeModelWindowIDFor(line);
+    return id == claudeModelWindowID ? std::nullopt : id;
+}
+
+/// Where the last block of each model but Fable begins, in the page's order.
+std::vector<std::pair<std::string, std::size_t>> otherModelBlocks(const ClaudeScreen& screen) {
+    std::vector<std::pair<std::string, std::size_t>> blocks;
+    for (std::size_t line = screen.lines().size(); line > 0 && blocks.size() < mostOtherModels;
+         --line) {
+        auto id = otherModelWindowID(screen.lines()[line - 1]);
+        const auto hasID = [&id](const auto& block) { return block.first == id; };
+        if (id && std::none_of(blocks.begin(), blocks.end(), hasID)) {
+            blocks.emplace_back(std::move(*id), line);
+        }
+    }
+    std::reverse(blocks.begin(), blocks.end());
+    return blocks;
 }
 
 std::optional<std::string> accountLabel(const std::string& text) {
@@ -129,6 +185,25 @@ std::optional<CalendarDate> parsedFields(const std::string& text,
     return std::nullopt;
 }
 
+/// The span of "as of 1m ago" or "as of 1h 5m ago".
+std::optional<Seconds> ageToldBy(std::string_view line) {
+    static const Pattern phrase(R"(as of ((?:\d{1,6}\s?[dhms]\s?)+)ago)");
+    static const Pattern part(R"((\d{1,6})\s?([dhms]))");
+    const auto told = phrase.search(line);
+    if (!told) {
+        return std::nullopt;
+    }
+    const std::string_view spans = told->group(1);
+    Seconds age{};
+    for (auto match = part.search(spans); match;
+         match = part.search(spans, match->position + match->whole().size())) {
+        const char unit = match->group(2).front();
+        const double seconds = unit == 'd' ? 86400 : unit == 'h' ? 3600 : unit == 'm' ? 60 : 1;
+        age += Seconds(parseDecimal(match->group(1)).value_or(0) * seconds);
+    }
+    return age;
+}
+
 Instant instantOf(const CalendarDate& day, const CalendarDate& time) {
     return zurich().instant({day.year, day.month, day.day, time.hour, time.minute, 0});
 }
@@ -138,16 +213,23 @@ Instant instantOf(const CalendarDate& day, const CalendarDate& time) {
 AgentUsageSnapshot parseUsage(const ClaudeScreen& screen, Instant now) {
     AgentUsageSnapshot snapshot;
     snapshot.id = AgentProviderID::claude();
-    for (const Section& section : sections) {
-        if (auto found = window(screen, section, now)) {
+    const auto append = [&](Lines block, std::string_view id, double minutes) {
+        if (auto found = window(block, id, minutes, now)) {
             snapshot.windows.push_back(std::move(*found));
         }
+    };
+    for (const Section& section : sections) {
+        append(blockBelow(screen, section.heading), section.windowID, section.minutes);
+    }
+    for (const auto& [id, line] : otherModelBlocks(screen)) {
+        append(blockAt(screen, line), id, claudeModelWindowMinutes);
     }
     if (snapshot.windows.empty()) {
         throw UsageProviderError(UsageProviderError::Kind::claudeNoQuotas);
     }
-    snapshot.accountLabel = accountLabel(screen.text());
-    snapshot.plan = plan(screen.text());
+    // The status screen has given way to the usage screen by now.
+    snapshot.accountLabel = accountLabel(screen.drawn());
+    snapshot.plan = plan(screen.drawn());
     snapshot.credit = credit(screen);
     snapshot.source = SnapshotSource::live;
     snapshot.updatedAt = now;
@@ -180,6 +262,58 @@ std::optional<std::string> pageError(const ClaudeScreen& screen) {
     return first < phrases.size() ? std::optional<std::string>(phrases[first]) : std::nullopt;
 }
 
+std::optional<Staleness> staleness(const ClaudeScreen& screen) {
+    // The notice that tells the age comes first, the mere waiting last.
+    static const Pattern notices[] = {
+        Pattern("Showing last-known usage"),
+        Pattern("(?i)couldn['\u2019]t refresh|rate limited until|"
+                "per-model breakdown unavailable|partial usage data"),
+        Pattern("Refreshing usage"),
+    };
+    constexpr std::string_view errorMark = "failed: ";
+    for (const Pattern& notice : notices) {
+        for (std::string_view line : lastPage(screen)) {
+            if (notice.matches(line)) {
+                line.remove_prefix(line.starts_with(errorMark) ? errorMark.size() : 0);
+                return Staleness{firstCharacters(line, 200), ageToldBy(line),
+                                 &notice == std::prev(std::end(notices))};
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> hitLimit(const ClaudeScreen& screen) {
+    static const Pattern pattern("You['\u2019]ve hit your (?:.{1,60}? )?limit");
+    for (const std::string_view line : lastPage(screen)) {
+        if (const auto match = pattern.search(line)) {
+            return std::string(match->whole());
+        }
+    }
+    return std::nullopt;
+}
+
+bool creditsAreOff(const ClaudeScreen& screen) {
+    const Lines page = lastPage(screen);
+    return std::any_of(page.begin(), page.end(), [](std::string_view line) {
+        return line.starts_with("Usage credits are off");
+    });
+}
+
+std::optional<std::string> refusedOption(const ClaudeScreen& screen) {
+    static const Pattern pattern("unknown option '(--?[A-Za-z0-9][A-Za-z0-9-]{0,40})'");
+    const auto match = pattern.search(screen.text());
+    return match ? std::optional<std::string>(match->group(1)) : std::nullopt;
+}
+
+bool showsEndMarker(const ClaudeScreen& screen) {
+    const Lines page = lastPage(screen);
+    return std::any_of(page.begin(), page.end(), [](std::string_view line) {
+        return line == creditsHeading || line.starts_with("What's contributing to your usage?") ||
+               line.starts_with("What's contributing to your limits usage");
+    });
+}
+
 bool endsWithSpendLine(const ClaudeScreen& screen) {
     static const Pattern pattern(R"(^\$[0-9.,']+ ?/ ?\$[0-9.,']+ spent)");
     return pattern.matches(screen.lastLine());
@@ -201,7 +335,8 @@ std::optional<Instant> resetDate(std::string_view line, Instant now) {
     }
     text = trimmed(text);
     const CalendarDate today = zurich().calendarDate(now);
-    if (auto date = parsedFields(text, {"MMM d 'at' ha", "MMM d 'at' h:mma"})) {
+    if (auto date = parsedFields(
+            text, {"MMM d 'at' ha", "MMM d 'at' h:mma", "MMM d, ha", "MMM d, h:mma"})) {
         date->year = today.year;
         // A reset in early January, read in late December.
         if (instantOf(*date, *date) < now - Seconds(86400)) {

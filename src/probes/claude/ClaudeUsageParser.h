@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/AgentUsageSnapshot.h"
+#include "probes/claude/ClaudeModelWindow.h"
 #include "probes/claude/ClaudeScreen.h"
 #include "text/Instant.h"
 
@@ -11,21 +12,45 @@
 
 namespace vellmark {
 
-/// The window that shows one model's share of the week; not every account has it.
-inline constexpr std::string_view claudeModelWindowID = "fable-weekly";
-
 /// Reads quota figures off Claude's screens. Pure functions; time linear in the screen.
 ///
-/// The CLI redraws its page as it fills, so the last drawing of each part counts. Reset times are
-/// read as Zurich time, whatever zone the screen names.
+/// A capture may hold a page several times, one below the other; the last drawing of each part
+/// counts. Reset times are read as Zurich time, whatever zone the screen names: the session is run
+/// with that one.
 namespace ClaudeUsageParser {
 
-/// Windows, account, plan and credits; `updatedAt` is `now`. Throws
+/// Windows, account, plan and credits, as if live; `updatedAt` is `now`. The windows of models
+/// other than Fable come last, in the page's order. Throws
 /// UsageProviderError::Kind::claudeNoQuotas when there is no window.
 AgentUsageSnapshot parseUsage(const ClaudeScreen& screen, Instant now);
 
+/// Why the figures that a page shows are not the service's of now.
+struct Staleness {
+    /// What the page says, a line of it.
+    std::string phrase;
+    /// How old the figures are at least, where the page tells.
+    std::optional<Seconds> age;
+    /// The service is still being asked; else it did not answer or refused.
+    bool isRefreshing = false;
+    bool operator==(const Staleness&) const = default;
+};
+std::optional<Staleness> staleness(const ClaudeScreen& screen);
+
+/// The page's own words where a limit is used up: "You've hit your session limit".
+std::optional<std::string> hitLimit(const ClaudeScreen& screen);
+
+/// True when the page says that usage credits are off.
+bool creditsAreOff(const ClaudeScreen& screen);
+
+/// The command-line option ("--restricted") that the CLI did not know and ended for: it is older
+/// than the options of the session.
+std::optional<std::string> refusedOption(const ClaudeScreen& screen);
+
 /// The phrase by which the page says that it could not be loaded.
 std::optional<std::string> pageError(const ClaudeScreen& screen);
+
+/// True when the page shows one of the parts that come after the windows.
+bool showsEndMarker(const ClaudeScreen& screen);
 
 /// True when the page ends with the credits' spend line, which then stands for its end marker.
 bool endsWithSpendLine(const ClaudeScreen& screen);
@@ -34,7 +59,7 @@ bool endsWithSpendLine(const ClaudeScreen& screen);
 /// layouts apart in the activity log.
 std::string pageEndingVariant(const ClaudeScreen& screen);
 
-/// The instant of a line such as "Resets Nov 24 at 9:30am (Europe/Zurich)" or "Resets 3pm".
+/// The instant of a line such as "Resets Nov 24, 9:30am (Europe/Zurich)" or "Resets 3pm".
 std::optional<Instant> resetDate(std::string_view line, Instant now);
 
 /// Milliseconds from the script's start, as its last line reports them.

@@ -1,15 +1,11 @@
 #include "probes/claude/ClaudeUsageProvider.h"
 
-#include "probes/BoundedProcess.h"
-#include "probes/ChildEnvironment.h"
+#include "probes/AgentWorkspace.h"
 #include "probes/ExecutableLocator.h"
-#include "probes/claude/ClaudeDiagnostics.h"
-#include "probes/claude/ClaudeLoginCheck.h"
-#include "probes/claude/ClaudeSession.h"
-#include "probes/claude/ClaudeUsageParser.h"
+#include "probes/claude/ClaudeModelWindow.h"
 
 #include <algorithm>
-#include <system_error>
+#include <cmath>
 #include <utility>
 
 namespace vellmark {
@@ -17,112 +13,127 @@ namespace vellmark {
 namespace {
 
 using Kind = UsageProviderError::Kind;
+using ReplyKind = ClaudeQueryReply::Kind;
+using Clock = std::chrono::steady_clock;
 
-constexpr const char* displayName = "Claude Code";
-
-bool hasModelWindow(const AgentUsageSnapshot& snapshot) {
-    return std::any_of(snapshot.windows.begin(), snapshot.windows.end(),
-                       [](const UsageWindow& window) { return window.id == claudeModelWindowID; });
+SnapshotNote wayNote(const char* way, Seconds took) {
+    return {SnapshotNote::ReadingWay{way, std::llround(took.count() * 1000)}};
 }
 
 } // namespace
 
-ClaudeUsageProvider::ClaudeUsageProvider(Machine machine, Seconds hardLimit)
-    : ClaudeUsageProvider(std::move(machine), hardLimit, Limits{}) {}
+ClaudeUsageProvider::ClaudeUsageProvider(Machine machine, Seconds hardLimit, ReadingOptions options)
+    : ClaudeUsageProvider(std::move(machine), hardLimit, std::move(options), Limits{}) {}
 
-ClaudeUsageProvider::ClaudeUsageProvider(Machine machine, Seconds hardLimit, Limits limits,
-                                         std::filesystem::path interpreter)
-    : machine_(std::move(machine)), workspace_(machine_.supportDirectory() / "ClaudeWorkspace"),
-      hardLimit_(hardLimit), limits_(limits), interpreter_(std::move(interpreter)),
-      modelWindows_(machine_.usageHistoryFile()) {}
-
-std::filesystem::path ClaudeUsageProvider::diagnostics() const {
-    return workspace_.parent_path() / "Diagnostics";
-}
+ClaudeUsageProvider::ClaudeUsageProvider(Machine machine, Seconds hardLimit, ReadingOptions options,
+                                         Limits limits, std::filesystem::path interpreter)
+    : machine_(std::move(machine)), workspace_(agentWorkspace(machine_, "Claude")),
+      hardLimit_(hardLimit), options_(std::move(options)), limits_(limits),
+      query_(machine_, workspace_, limits_.query),
+      session_(machine_, workspace_, limits_.session, std::move(interpreter)) {}
 
 AgentUsageSnapshot ClaudeUsageProvider::fetch() {
-    const Clock::time_point start = Clock::now();
+    const Budget budget{Clock::now(), hardLimit_};
     const auto claude = locateClaude(machine_);
     if (!claude) {
-        throw UsageProviderError::executableMissing(displayName);
+        throw UsageProviderError::executableMissing("Claude Code");
     }
-    // Not knowing is no reason to give up: the session will tell.
-    if (claudeIsLoggedIn(machine_, *claude, limits_.loginCheck, limits_.loginCheckGrace) == false) {
+    if (auto answer = repeated(ExecutableIdentity::of(*claude))) {
+        return std::move(*answer);
+    }
+    madeAgentWorkspace(machine_, "Claude");
+    const ClaudeLogin login =
+        claudeLogin(machine_, *claude, limits_.loginCheck, limits_.loginCheckGrace);
+    // Not knowing is no reason to give up: the reading will tell.
+    if (login.isLoggedIn == false) {
         throw UsageProviderError(Kind::claudeNotLoggedIn);
     }
-    return readSession(*claude, start);
+    if (login.usesAPIKey) {
+        throw UsageProviderError(Kind::claudeAPIKey);
+    }
+    return read(*claude, login, budget);
 }
 
-AgentUsageSnapshot ClaudeUsageProvider::readSession(const std::filesystem::path& claude,
-                                                    Clock::time_point start) {
-    std::filesystem::create_directories(workspace_);
-    const auto log = PrivateTemporaryFile::create(machine_.temporary, "vellmark-claude-");
-    if (!log) {
-        throw UsageProviderError(Kind::claudeTempFileFailed);
+std::optional<AgentUsageSnapshot>
+ClaudeUsageProvider::repeated(const ExecutableIdentity& claude) const {
+    const std::lock_guard lock(mutex_);
+    const bool isRecent = lastAnswer_ && lastAnswerFrom_ == claude &&
+                          Clock::now() - lastAnswerAt_ < limits_.repetition;
+    return isRecent ? lastAnswer_ : std::nullopt;
+}
+
+AgentUsageSnapshot ClaudeUsageProvider::read(const std::filesystem::path& claude,
+                                             const ClaudeLogin& login, const Budget& budget) {
+    if (options_.way != claudeSessionWay) {
+        const ClaudeExecutable::Facts facts = executable_.facts(machine_, claude);
+        if (facts.mayHaveQuery() || options_.way == claudeQueryWay) {
+            if (auto snapshot = readByQuery(claude, login, facts, budget)) {
+                return std::move(*snapshot);
+            }
+        }
     }
-    const BoundedProcessResult result = runScript(claude, *log, start);
-    ClaudeSessionTimes times;
-    times.readAt = Clock::now() - start;
-    times.run = result.elapsed;
-    times.launch = result.launch;
-    const ClaudeScreen screen(log->contents());
-    const ClaudeSessionEnd end{result.terminationStatus, result.timedOut || result.uncaughtSignal};
-    AgentUsageSnapshot snapshot = interpret(screen, end);
-    if (auto note = claudeTimingNote(screen, times)) {
-        snapshot.notes.push_back(std::move(*note));
+    return readBySession(claude, login, budget);
+}
+
+/// Absent when the CLI is to be read by its screens.
+std::optional<AgentUsageSnapshot>
+ClaudeUsageProvider::readByQuery(const std::filesystem::path& claude, const ClaudeLogin& login,
+                                 const ClaudeExecutable::Facts& facts, const Budget& budget) {
+    readsBySession_ = false;
+    const ClaudeQueryReader::Result result = query_.ask(claude, budget.left());
+    const ClaudeQueryReply& reply = result.reply;
+    if (reply.kind == ReplyKind::failed) {
+        throw UsageProviderError::claudeQueryFailed(reply.reason);
+    }
+    if (reply.kind == ReplyKind::answered) {
+        AgentUsageSnapshot snapshot =
+            claudeQuerySnapshot(reply.answer, login, facts.version, ReferenceClock::now());
+        snapshot.notes.insert(snapshot.notes.begin(), wayNote(claudeQueryWay, budget.spent()));
+        if (std::ranges::find(snapshot.windows, claudeModelWindowID, &UsageWindow::id) !=
+            snapshot.windows.end()) {
+            session_.markModelWindowSeen(snapshot.updatedAt);
+        }
+        if (snapshot.source == SnapshotSource::live) {
+            const std::lock_guard lock(mutex_);
+            lastAnswer_ = snapshot;
+            lastAnswerFrom_ = ExecutableIdentity::of(claude);
+            lastAnswerAt_ = Clock::now();
+        }
+        return snapshot;
+    }
+    if (result.timedOut) {
+        throw UsageProviderError::timeout("Claude");
+    }
+    if (reply.kind == ReplyKind::unsupported) {
+        executable_.markQueryRefused(claude);
+    }
+    if (options_.way == claudeQueryWay) {
+        throw UsageProviderError::claudeQueryFailed(reply.reason.empty() ? result.words
+                                                                         : reply.reason);
+    }
+    return std::nullopt;
+}
+
+AgentUsageSnapshot ClaudeUsageProvider::readBySession(const std::filesystem::path& claude,
+                                                      const ClaudeLogin& login,
+                                                      const Budget& budget) {
+    if (login.lacksSubscription && login.isLoggedIn == true) {
+        // The CLI would ask again and again whether to trust the folder until the time is over.
+        throw UsageProviderError(Kind::claudeNoSubscription);
+    }
+    readsBySession_ = true;
+    AgentUsageSnapshot snapshot = session_.read(claude, budget);
+    snapshot.notes.insert(snapshot.notes.begin(), wayNote(claudeSessionWay, budget.spent()));
+    if (!hasToldCosts_.exchange(true)) {
+        snapshot.notes.push_back({SnapshotNote::ReadingCosts{}});
     }
     return snapshot;
 }
 
-BoundedProcessResult ClaudeUsageProvider::runScript(const std::filesystem::path& claude,
-                                                    const PrivateTemporaryFile& log,
-                                                    Clock::time_point start) {
-    const bool expectsModel = modelWindows_.shouldExpectModelWindow(ReferenceClock::now());
-    ChildConfiguration child;
-    child.executable = interpreter_;
-    child.arguments = {"-c", claudeSessionScript(limits_.session)};
-    child.environment =
-        childEnvironment(machine_, {{"VELLMARK_CLAUDE_PATH", claude.string()},
-                                    {"VELLMARK_EXPECT_FABLE", expectsModel ? "1" : "0"}});
-    child.workingDirectory = workspace_;
-    child.standardOutput = ChildOutput::toDescriptor(log.descriptor());
-    child.mergesStandardError = true;
-    child.stopsSurvivingChildren = true;
-    const Seconds remaining = hardLimit_ - (Clock::now() - start);
-    if (remaining <= limits_.leastForSession) {
-        throw UsageProviderError::timeout("Claude");
-    }
-    try {
-        return BoundedProcess::run(child, remaining, limits_.killGrace);
-    } catch (const std::system_error& error) {
-        throw UsageProviderError::launchFailed(displayName, error.code().message());
-    }
-}
-
-AgentUsageSnapshot ClaudeUsageProvider::interpret(const ClaudeScreen& screen,
-                                                  const ClaudeSessionEnd& end) {
-    const Instant now = ReferenceClock::now();
-    try {
-        AgentUsageSnapshot snapshot = interpretClaudeSession(screen, end, now);
-        if (hasModelWindow(snapshot)) {
-            modelWindows_.markSeen(now);
-        }
-        if (claudeEndMarkerIsMissing(screen, end)) {
-            writeClaudeDiagnostics(screen.text(), machine_.home, diagnostics(),
-                                   "claude-usage-ending.txt");
-        }
-        return snapshot;
-    } catch (const UsageProviderError& error) {
-        if (error.kind() != Kind::claudeNoQuotas) {
-            throw;
-        }
-        const auto file = writeClaudeDiagnostics(screen.text(), machine_.home, diagnostics(),
-                                                 "claude-usage-last.txt");
-        if (!file) {
-            throw;
-        }
-        throw UsageProviderError::claudeNoQuotasDiagnosed(file->string());
-    }
+ReadingPace ClaudeUsageProvider::pace() const {
+    return readsBySession_
+               ? ReadingPace{.interval = options_.interval.value_or(defaultCostlyInterval)}
+               : ReadingPace{};
 }
 
 } // namespace vellmark

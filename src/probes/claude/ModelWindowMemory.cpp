@@ -2,8 +2,8 @@
 
 #include "model/UsageHistoryReader.h"
 #include "model/UsageHistorySample.h"
-#include "platform/Descriptor.h"
-#include "probes/claude/ClaudeUsageParser.h"
+#include "platform/RegularFile.h"
+#include "probes/claude/ClaudeModelWindow.h"
 
 #include <algorithm>
 #include <fcntl.h>
@@ -14,17 +14,20 @@ namespace vellmark {
 namespace {
 
 /// Nothing from a file that is damaged or of another form: the store repairs the one and leaves the
-/// other alone.
-std::optional<Instant> latestSighting(const std::filesystem::path& historyFile) {
-    const Descriptor file(::open(historyFile.c_str(), O_RDONLY | O_CLOEXEC));
+/// other alone. Nor from the time after `now`: the clock was ahead when that was recorded.
+std::optional<Instant> latestSighting(const std::filesystem::path& historyFile, Instant now) {
+    std::error_code error;
+    const Descriptor file = openRegularFile(historyFile, O_RDONLY, error);
     if (!file.isOpen()) {
         return std::nullopt;
     }
     const std::string claude = AgentProviderID::claude().rawValue;
     std::optional<Instant> latest;
     const auto scan = UsageHistoryReader::read(file.get(), [&](const StoredHistorySample& sample) {
-        if (sample.provider == claude && sample.windowID == claudeModelWindowID) {
-            latest = std::max(latest, std::optional(Instant(Seconds(sample.capturedAt))));
+        const Instant capturedAt(Seconds(sample.capturedAt));
+        if (sample.provider == claude && sample.windowID == claudeModelWindowID &&
+            capturedAt <= now) {
+            latest = std::max(latest, std::optional(capturedAt));
         }
     });
     const bool isWhole = scan.form == HistoryFileScan::Form::whole && !scan.error;
@@ -41,7 +44,7 @@ ModelWindowMemory::ModelWindowMemory(std::optional<std::filesystem::path> histor
 bool ModelWindowMemory::shouldExpectModelWindow(Instant now) {
     const std::lock_guard lock(mutex_);
     if (!loadedHistory_) {
-        const std::optional<Instant> sighting = latestSighting(historyFile_);
+        const std::optional<Instant> sighting = latestSighting(historyFile_, now);
         if (sighting && (!lastSeen_ || *sighting > *lastSeen_)) {
             lastSeen_ = sighting;
         }

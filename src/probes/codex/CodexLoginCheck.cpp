@@ -11,10 +11,11 @@ std::optional<bool> codexIsLoggedIn(const Machine& machine, const std::filesyste
     try {
         CodexSession session(machine, executable, ChildSession::ErrorStream::nullDevice);
         session.converse(CodexMessages::loginCheck, limit, [&](const CodexReply& reply) {
-            if (reply.id == CodexMessages::accountID && !answer) {
+            const bool tells = reply.id == CodexMessages::accountID && !reply.refusal;
+            if (tells && !answer) {
                 answer = reply.hasAccount;
             }
-            return answer.has_value();
+            return tells ? CodexSession::Patience(0) : std::nullopt;
         });
     } catch (const std::system_error&) {
         return std::nullopt;

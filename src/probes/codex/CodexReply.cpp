@@ -4,9 +4,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
-#include <vector>
 
 namespace vellmark {
 
@@ -18,8 +18,11 @@ constexpr std::size_t maximumDepth = 512;
 class ReplyReader final : public nlohmann::json_sax<nlohmann::json> {
 public:
     std::optional<CodexReply> reply() && {
-        if (!id_ || !hasResult_) {
+        if (!id_ || !(hasResult_ || reply_.refusal)) {
             return std::nullopt;
+        }
+        if (hasResult_) {
+            reply_.refusal.reset();
         }
         reply_.id = *id_;
         return std::move(reply_);
@@ -28,8 +31,8 @@ public:
     bool null() override { return true; }
 
     bool boolean(bool value) override {
-        if (isAt(Place::credits, "hasCredits")) {
-            reply_.rateLimits->hasCredits = value;
+        if (std::optional<bool>* field = flagField()) {
+            *field = value;
         }
         return true;
     }
@@ -54,22 +57,25 @@ public:
     }
 
     bool string(string_t& value) override {
+        if (std::optional<double>* field = numberField()) {
+            *field = parseDecimal(value);
+        }
         if (isInsideResult() && !levels_.back().isArray && levels_.back().key == "email") {
             levels_.back().ownEmail = value;
         }
-        if (isAt(Place::rateLimits, "planType")) {
-            reply_.rateLimits->planType = value;
-        }
-        if (std::optional<double>* field = windowField()) {
-            *field = parseDecimal(value);
+        if (std::optional<std::string>* field = textField()) {
+            *field = std::move(value);
         }
         return true;
     }
 
     bool binary(binary_t&) override { return true; }
 
-    bool start_object(std::size_t) override { return open(placeOfObject(), false); }
-    bool start_array(std::size_t) override { return open(Place::elsewhere, true); }
+    bool start_object(std::size_t) override { return openObject(); }
+    bool start_array(std::size_t) override {
+        return open(
+            isAt(Place::resetCredits, "credits") ? Place::resetCreditList : Place::elsewhere, true);
+    }
     bool end_object() override { return close(); }
     bool end_array() override { return close(); }
 
@@ -83,7 +89,21 @@ public:
     }
 
 private:
-    enum class Place { message, result, rateLimits, primary, secondary, credits, elsewhere };
+    enum class Place {
+        message,
+        error,
+        result,
+        account,
+        limits,
+        limitsByID,
+        window,
+        individualLimit,
+        credits,
+        resetCredits,
+        resetCreditList,
+        resetCredit,
+        elsewhere,
+    };
 
     struct Level {
         Place place = Place::elsewhere;
@@ -91,8 +111,16 @@ private:
         bool insideResult = false;
         /// The member that is being read.
         std::string key;
+        /// Of `limits` and what is in them. Limits do not nest, so what is pointed to stays.
+        CodexRateLimits* limits = nullptr;
+        CodexWindow* window = nullptr;
         std::optional<std::string> ownEmail;
         std::optional<std::string> nestedEmail;
+    };
+
+    struct ResetCredit {
+        std::optional<std::string> status;
+        std::optional<double> expiresAt;
     };
 
     bool isAt(Place place, std::string_view key) const {
@@ -101,30 +129,88 @@ private:
 
     bool isInsideResult() const { return !levels_.empty() && levels_.back().insideResult; }
 
-    /// Which object begins here; makes its record.
-    Place placeOfObject() {
+    /// Finds out which object begins here, and makes its record.
+    bool openObject() {
         if (levels_.empty()) {
-            return Place::message;
+            return open(Place::message, false);
         }
-        if (isAt(Place::message, "result")) {
+        const std::string& key = levels_.back().key;
+        switch (levels_.back().place) {
+        case Place::message:
+            return openMemberOfMessage(key);
+        case Place::result:
+            return openMemberOfResult(key);
+        case Place::limits:
+            return openMemberOfLimits(key, levels_.back().limits);
+        case Place::limitsByID:
+            if (reply_.limits.size() == CodexReply::mostLimits) {
+                break;
+            }
+            return openLimits(&reply_.limits.emplace_back(CodexRateLimits{.limitID = key}));
+        case Place::resetCreditList:
+            resetCredit_ = {};
+            return open(Place::resetCredit, false);
+        default:
+            break;
+        }
+        return open(Place::elsewhere, false);
+    }
+
+    bool openMemberOfMessage(const std::string& key) {
+        if (key == "result") {
             hasResult_ = true;
-            return Place::result;
+            return open(Place::result, false);
         }
-        if (isAt(Place::result, "account")) {
+        if (key == "error") {
+            reply_.refusal.emplace();
+            return open(Place::error, false);
+        }
+        return open(Place::elsewhere, false);
+    }
+
+    bool openMemberOfResult(const std::string& key) {
+        if (key == "account") {
             reply_.hasAccount = true;
-        } else if (isAt(Place::result, "rateLimits")) {
-            reply_.rateLimits.emplace();
-            return Place::rateLimits;
-        } else if (isAt(Place::rateLimits, "primary")) {
-            reply_.rateLimits->primary.emplace();
-            return Place::primary;
-        } else if (isAt(Place::rateLimits, "secondary")) {
-            reply_.rateLimits->secondary.emplace();
-            return Place::secondary;
-        } else if (isAt(Place::rateLimits, "credits")) {
-            return Place::credits;
+            return open(Place::account, false);
         }
-        return Place::elsewhere;
+        if (key == "rateLimits") {
+            return openLimits(&reply_.rateLimits.emplace());
+        }
+        return open(key == "rateLimitsByLimitId"     ? Place::limitsByID
+                    : key == "rateLimitResetCredits" ? Place::resetCredits
+                                                     : Place::elsewhere,
+                    false);
+    }
+
+    bool openLimits(CodexRateLimits* limits) {
+        if (!open(Place::limits, false)) {
+            return false;
+        }
+        levels_.back().limits = limits;
+        return true;
+    }
+
+    bool openMemberOfLimits(const std::string& key, CodexRateLimits* limits) {
+        Place place = Place::elsewhere;
+        CodexWindow* window = nullptr;
+        if (key == "primary") {
+            place = Place::window;
+            window = &limits->primary.emplace();
+        } else if (key == "secondary") {
+            place = Place::window;
+            window = &limits->secondary.emplace();
+        } else if (key == "individualLimit") {
+            place = Place::individualLimit;
+            limits->individualLimit.emplace();
+        } else if (key == "credits") {
+            place = Place::credits;
+        }
+        if (!open(place, false)) {
+            return false;
+        }
+        levels_.back().limits = limits;
+        levels_.back().window = window;
+        return true;
     }
 
     bool open(Place place, bool isArray) {
@@ -149,7 +235,17 @@ private:
         if (!target) {
             target = std::move(email);
         }
+        if (level.place == Place::resetCredit) {
+            countResetCredit();
+        }
         return true;
+    }
+
+    void countResetCredit() {
+        if (resetCredit_.expiresAt && resetCredit_.status.value_or("available") == "available") {
+            auto& next = reply_.resetCredits.nextExpiry;
+            next = std::min(next.value_or(*resetCredit_.expiresAt), *resetCredit_.expiresAt);
+        }
     }
 
     void takeID(std::int64_t value) {
@@ -159,34 +255,77 @@ private:
     }
 
     bool takeNumber(double value) {
-        if (std::optional<double>* field = windowField()) {
+        if (std::optional<double>* field = numberField()) {
             *field = value;
         }
         return true;
     }
 
-    /// The field that a number at this place belongs to, or null.
-    std::optional<double>* windowField() {
+    // The field that a value of its kind belongs to at this place, or null.
+
+    std::optional<double>* numberField() {
         if (levels_.empty()) {
             return nullptr;
         }
         const Level& level = levels_.back();
-        CodexWindow* window = level.place == Place::primary     ? &*reply_.rateLimits->primary
-                              : level.place == Place::secondary ? &*reply_.rateLimits->secondary
-                                                                : nullptr;
-        if (window == nullptr) {
+        switch (level.place) {
+        case Place::window:
+            return level.key == "usedPercent"          ? &level.window->usedPercent
+                   : level.key == "windowDurationMins" ? &level.window->windowDurationMins
+                   : level.key == "resetsAt"           ? &level.window->resetsAt
+                                                       : nullptr;
+        case Place::individualLimit:
+            return level.key == "remainingPercent"
+                       ? &level.limits->individualLimit->remainingPercent
+                   : level.key == "resetsAt" ? &level.limits->individualLimit->resetsAt
+                                             : nullptr;
+        case Place::resetCredits:
+            return level.key == "availableCount" ? &reply_.resetCredits.availableCount : nullptr;
+        case Place::resetCredit:
+            return level.key == "expiresAt" ? &resetCredit_.expiresAt : nullptr;
+        default:
             return nullptr;
         }
-        return level.key == "usedPercent"          ? &window->usedPercent
-               : level.key == "windowDurationMins" ? &window->windowDurationMins
-               : level.key == "resetsAt"           ? &window->resetsAt
-                                                   : nullptr;
+    }
+
+    std::optional<std::string>* textField() {
+        if (levels_.empty()) {
+            return nullptr;
+        }
+        const Level& level = levels_.back();
+        switch (level.place) {
+        case Place::error:
+            return level.key == "message" ? &reply_.refusal : nullptr;
+        case Place::account:
+            return level.key == "type" ? &reply_.accountType : nullptr;
+        case Place::limits:
+            return level.key == "limitId"                ? &level.limits->limitID
+                   : level.key == "limitName"            ? &level.limits->limitName
+                   : level.key == "planType"             ? &level.limits->planType
+                   : level.key == "rateLimitReachedType" ? &level.limits->reachedType
+                                                         : nullptr;
+        case Place::resetCredit:
+            return level.key == "status" ? &resetCredit_.status : nullptr;
+        default:
+            return nullptr;
+        }
+    }
+
+    std::optional<bool>* flagField() {
+        if (isAt(Place::result, "ordinaryUsageAllowed")) {
+            return &reply_.ordinaryUsageAllowed;
+        }
+        if (isAt(Place::limits, "spendControlReached")) {
+            return &levels_.back().limits->spendControlReached;
+        }
+        return isAt(Place::credits, "hasCredits") ? &levels_.back().limits->hasCredits : nullptr;
     }
 
     std::vector<Level> levels_;
     std::optional<std::int64_t> id_;
     bool hasResult_ = false;
     CodexReply reply_;
+    ResetCredit resetCredit_;
     std::optional<std::string> ignoredEmail_;
 };
 

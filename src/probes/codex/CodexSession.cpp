@@ -1,5 +1,6 @@
 #include "probes/codex/CodexSession.h"
 
+#include "probes/AgentWorkspace.h"
 #include "probes/ChildEnvironment.h"
 #include "text/TerminalText.h"
 
@@ -11,12 +12,18 @@ namespace {
 
 constexpr Seconds longestWait{0.5};
 
+std::chrono::steady_clock::time_point after(Seconds span) {
+    using Clock = std::chrono::steady_clock;
+    return Clock::now() + std::chrono::duration_cast<Clock::duration>(span);
+}
+
 ChildConfiguration serverConfiguration(const Machine& machine,
                                        const std::filesystem::path& executable) {
     ChildConfiguration configuration;
     configuration.executable = executable;
     configuration.arguments = {"app-server", "--listen", "stdio://"};
     configuration.environment = childEnvironment(machine);
+    configuration.workingDirectory = madeAgentWorkspace(machine, "Codex");
     return configuration;
 }
 
@@ -26,23 +33,21 @@ CodexSession::CodexSession(const Machine& machine, const std::filesystem::path& 
                            ChildSession::ErrorStream errors)
     : child_(serverConfiguration(machine, executable), errors) {}
 
-Seconds CodexSession::timeLeft() const {
-    return std::max(Seconds(deadline_ - Clock::now()), Seconds::zero());
-}
-
-bool CodexSession::converse(std::string_view messages, Seconds limit,
-                            const std::function<bool(CodexReply)>& take) {
-    deadline_ = Clock::now() + std::chrono::duration_cast<Clock::duration>(limit);
+void CodexSession::converse(std::string_view messages, Seconds limit,
+                            const std::function<Patience(CodexReply)>& take) {
+    deadline_ = after(limit);
+    Clock::time_point end = deadline_;
+    const auto timeLeft = [&end] { return std::max(Seconds(end - Clock::now()), Seconds(0)); };
     // A child that closes its input early may still have answered: its output decides.
     child_.write(messages, timeLeft());
-    bool satisfied = false;
     std::string bytes;
-    while (!satisfied && !isOverdue()) {
+    while (Clock::now() < end) {
         bytes.clear();
         const auto event = child_.read(bytes, std::min(longestWait, timeLeft()));
         const bool bounded = lines_.append(bytes, [&](std::string_view line) {
-            if (auto reply = parseCodexReply(line)) {
-                satisfied = take(std::move(*reply)) || satisfied;
+            auto reply = parseCodexReply(line);
+            if (const Patience patience = reply ? take(std::move(*reply)) : std::nullopt) {
+                end = std::min(deadline_, after(*patience));
             }
         });
         if (!bounded || event == ChildSession::ReadEvent::endOfFile ||
@@ -50,7 +55,6 @@ bool CodexSession::converse(std::string_view messages, Seconds limit,
             break;
         }
     }
-    return satisfied;
 }
 
 std::string CodexSession::errorText() {

@@ -9,24 +9,30 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace vellmark {
 
-/// One conversation with `codex app-server` over pipes. The child is asked to stop when the session
-/// goes; nobody waits for that. One thread.
+/// One conversation with `codex app-server` over pipes. The child runs in a directory of the
+/// program's own, and is asked to stop when the session goes; nobody waits for that. One thread.
 class CodexSession {
 public:
-    /// Throws std::system_error when the CLI cannot be launched.
+    /// Throws std::filesystem::filesystem_error when the directory cannot be made, and
+    /// std::system_error when the CLI cannot be launched.
     CodexSession(const Machine& machine, const std::filesystem::path& executable,
                  ChildSession::ErrorStream errors);
 
-    /// Writes all `messages` at once, then hands every reply to `take` until it returns true (the
-    /// replies that came in the same read are still handed over), the output ends, a line grows
-    /// out of bounds, or `limit` has passed. True when `take` was satisfied.
-    bool converse(std::string_view messages, Seconds limit,
-                  const std::function<bool(CodexReply)>& take);
+    /// What a reply has settled: how much longer the conversation may go on, from now; absent where
+    /// it changes nothing.
+    using Patience = std::optional<Seconds>;
+
+    /// Writes all `messages` at once, then hands every reply to `take` until the patience that it
+    /// returned last has passed (the replies that came in the same read are still handed over), the
+    /// output ends, a line grows out of bounds, or `limit` has passed.
+    void converse(std::string_view messages, Seconds limit,
+                  const std::function<Patience(CodexReply)>& take);
 
     /// The limit of the conversation has passed.
     bool isOverdue() const { return Clock::now() >= deadline_; }
@@ -36,8 +42,6 @@ public:
 
 private:
     using Clock = std::chrono::steady_clock;
-
-    Seconds timeLeft() const;
 
     ChildSession child_;
     LineBuffer lines_;

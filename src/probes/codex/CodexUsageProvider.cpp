@@ -2,7 +2,6 @@
 
 #include "probes/ExecutableLocator.h"
 #include "probes/codex/CodexMessages.h"
-#include "probes/codex/CodexReading.h"
 #include "probes/codex/CodexSession.h"
 
 #include <memory>
@@ -19,6 +18,9 @@ std::unique_ptr<CodexSession> launch(const Machine& machine) {
     try {
         return std::make_unique<CodexSession>(machine, *executable,
                                               ChildSession::ErrorStream::pipe);
+    } catch (const std::filesystem::filesystem_error& error) {
+        throw UsageProviderError::launchFailed("Codex", machine.abbreviated(error.path1()) + ": " +
+                                                            error.code().message());
     } catch (const std::system_error& error) {
         throw UsageProviderError::launchFailed("Codex", error.code().message());
     }
@@ -28,13 +30,11 @@ std::unique_ptr<CodexSession> launch(const Machine& machine) {
 
 AgentUsageSnapshot CodexUsageProvider::fetch() {
     const auto session = launch(machine_);
-    CodexReading reading;
-    const bool answered = session->converse(CodexMessages::usage, limit_, [&](CodexReply reply) {
-        reading.take(std::move(reply));
-        return reading.isComplete();
-    });
-    if (answered) {
-        return reading.snapshot(ReferenceClock::now());
+    CodexReading reading(patience_);
+    session->converse(CodexMessages::usage, limit_,
+                      [&](CodexReply reply) { return reading.take(std::move(reply)); });
+    if (reading.isAnswered()) {
+        return reading.snapshot(ReferenceClock::now(), machine_.home.string());
     }
     if (session->isOverdue()) {
         throw UsageProviderError::timeout("Codex");

@@ -13,9 +13,19 @@
 namespace vellmark {
 
 namespace {
-constexpr int topPadding = 12;
 constexpr int sidePadding = 16;
-constexpr int bottomPadding = 14;
+/// Between lines that belong together, and around the block.
+struct Spacing {
+    int top;
+    int bottom;
+    int row;
+};
+constexpr Spacing usualSpacing{.top = 12, .bottom = 14, .row = 8};
+constexpr Spacing denseSpacing{.top = 9, .bottom = 11, .row = 6};
+
+constexpr const Spacing& spacing(bool isDense) {
+    return isDense ? denseSpacing : usualSpacing;
+}
 constexpr AgentHead::Form headForm{
     .height = 20,
     .nameStyle = kit::style::strong,
@@ -25,7 +35,6 @@ constexpr AgentHead::Form headForm{
 };
 constexpr int headGap = 10;
 constexpr int rowHeight = 32;
-constexpr int rowGap = 8;
 constexpr int balanceHeight = 16;
 constexpr int firstBalanceGap = 10;
 constexpr int noticeGap = 12;
@@ -60,12 +69,18 @@ void AgentBlock::setContent(const AgentBlockContent& content, const RowColumns& 
     update();
 }
 
+void AgentBlock::setDense(bool isDense) {
+    isDense_ = isDense;
+    arrange();
+    update();
+}
+
 QWidget* AgentBlock::wayOutButton() const {
     return failure_->wayOutButton();
 }
 
 int AgentBlock::headTop() const {
-    return (isFirst_ ? 0 : 1) + topPadding;
+    return (isFirst_ ? 0 : 1) + spacing(isDense_).top;
 }
 
 int AgentBlock::bodyTop() const {
@@ -73,6 +88,7 @@ int AgentBlock::bodyTop() const {
 }
 
 int AgentBlock::wantedHeight() const {
+    const int rowGap = spacing(isDense_).row;
     int height = bodyTop();
     int above = headGap;
     for (const CompactUsageRow* row : rows_) {
@@ -90,7 +106,7 @@ int AgentBlock::wantedHeight() const {
     if (failure_->isVisibleTo(this)) {
         height += noticeGap + failure_->heightForWidth(width() - 2 * sidePadding);
     }
-    return height + bottomPadding;
+    return height + spacing(isDense_).bottom;
 }
 
 void AgentBlock::resizeEvent(QResizeEvent* /*event*/) {
@@ -100,6 +116,7 @@ void AgentBlock::resizeEvent(QResizeEvent* /*event*/) {
 void AgentBlock::arrange() {
     const int wide = std::max(width() - 2 * sidePadding, 0);
     head_->setGeometry(sidePadding, headTop(), wide, headForm.height);
+    const int rowGap = spacing(isDense_).row;
     int top = bodyTop();
     int above = headGap;
     for (CompactUsageRow* row : rows_) {
@@ -130,6 +147,7 @@ void AgentBlock::paintEvent(QPaintEvent* /*event*/) {
     if (!isFirst_) {
         painter.fillRect(QRect(0, 0, width(), 1), kit::color(kit::ColorRole::line));
     }
+    const int rowGap = spacing(isDense_).row;
     for (int row = 0; row < boneRows_; ++row) {
         const int top = bodyTop() + headGap + row * (rowHeight + rowGap);
         drawRowBones(painter, *this, QPoint(sidePadding, top), width() - 2 * sidePadding, columns_);

@@ -25,6 +25,8 @@ public:
     const AgentProviderID& agent() const { return agent_; }
     /// The first block has no line above it.
     void setContent(const AgentBlockContent& content, const RowColumns& columns, bool isFirst);
+    /// Closer together, to gain a little height.
+    void setDense(bool isDense);
     int wantedHeight() const;
     /// The button of a failure, when there is one.
     QWidget* wayOutButton() const;
@@ -42,6 +44,7 @@ private:
     AgentProviderID agent_;
     RowColumns columns_;
     bool isFirst_ = true;
+    bool isDense_ = false;
     int boneRows_ = 0;
     kit::Interaction interaction_;
     AgentHead* head_;

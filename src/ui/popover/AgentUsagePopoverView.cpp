@@ -34,7 +34,7 @@ const int AgentUsagePopoverView::tallest =
 AgentUsagePopoverView::AgentUsagePopoverView(AgentUIActions actions, QWidget* parent)
     : QWidget(parent), actions_(std::move(actions)), header_(new PopoverHeader(this)),
       tabStrip_(new PopoverTabStrip(this)), scroller_(new kit::ScrollArea(this)),
-      pages_(new QWidget), overview_(new OverviewList(actions_, pages_)),
+      pages_(new QWidget), overview_(new OverviewList(actions_, mostContentHeight, pages_)),
       agentTab_(new AgentTabView(actions_, pages_)), noAgents_(new NoAgentsHint(pages_)),
       footer_(new PopoverFooter(this)) {
     setFixedWidth(viewWidth);

@@ -56,11 +56,13 @@ void CompactUsageRow::setContent(const UsageRowContent& content) {
     label_->setWords(qString(content.label));
     label_->setToolTip(content.fullLabel != content.label ? qString(content.fullLabel) : QString());
     bar_->setContent(content);
-    value_->setTextStyle(content.isStale ? kit::style::row : kit::style::value);
-    value_->setColor(content.isStale ? kit::ColorRole::ink2 : kit::ColorRole::ink);
+    value_->setTextStyle(content.isMuted ? kit::style::row : kit::style::value);
+    value_->setColor(content.isMuted ? kit::ColorRole::ink2 : kit::ColorRole::ink);
     value_->setChangingWords(qString(content.value));
+    isUsedUp_ = content.isUsedUp;
     reset_->setWords(qString(content.reset));
-    forecast_->setContent(content.forecast);
+    reset_->setVisible(!isUsedUp_);
+    forecast_->setContent(content);
     arrange();
 }
 
@@ -73,7 +75,8 @@ void CompactUsageRow::setColumns(const RowColumns& columns) {
 
 int CompactUsageRow::wantedHeight() const {
     const int withoutForecast = firstLine + lineGap + smallLine;
-    return forecast_->isVisibleTo(this) ? withoutForecast + lineGap + smallLine : withoutForecast;
+    const bool hasThirdLine = forecast_->isVisibleTo(this) && !isUsedUp_;
+    return hasThirdLine ? withoutForecast + lineGap + smallLine : withoutForecast;
 }
 
 void CompactUsageRow::resizeEvent(QResizeEvent* /*event*/) {
@@ -87,8 +90,8 @@ void CompactUsageRow::arrange() {
     value_->setGeometry(width() - columns_.value, 0, columns_.value, firstLine);
     const int below = firstLine + lineGap;
     reset_->setGeometry(bar.left(), below, width() - bar.left(), smallLine);
-    forecast_->setGeometry(bar.left(), below + smallLine + lineGap, width() - bar.left(),
-                           smallLine);
+    forecast_->setGeometry(bar.left(), isUsedUp_ ? below : below + smallLine + lineGap,
+                           width() - bar.left(), smallLine);
 }
 
 void drawRowBones(QPainter& painter, const QWidget& on, QPoint topLeft, int width,

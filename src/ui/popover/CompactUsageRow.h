@@ -38,6 +38,7 @@ private:
     void arrange();
 
     RowColumns columns_;
+    bool isUsedUp_ = false;
     kit::Label* label_;
     UsageBar* bar_;
     kit::Label* value_;

@@ -5,8 +5,8 @@
 
 namespace vellmark {
 
-OverviewList::OverviewList(const AgentUIActions& actions, QWidget* parent)
-    : QWidget(parent), actions_(actions) {}
+OverviewList::OverviewList(const AgentUIActions& actions, int room, QWidget* parent)
+    : QWidget(parent), actions_(actions), room_(room) {}
 
 void OverviewList::setContent(const std::vector<AgentBlockContent>& agents) {
     RowColumns columns;
@@ -20,6 +20,12 @@ void OverviewList::setContent(const std::vector<AgentBlockContent>& agents) {
         blocks_[index]->setContent(agents[index], columns, index == 0);
     }
     arrange();
+}
+
+void OverviewList::setDense(bool isDense) {
+    for (AgentBlock* block : blocks_) {
+        block->setDense(isDense);
+    }
 }
 
 int OverviewList::wantedHeight() const {
@@ -46,9 +52,19 @@ void OverviewList::resizeEvent(QResizeEvent* /*event*/) {
 }
 
 void OverviewList::arrange() {
-    int top = 0;
     for (AgentBlock* block : blocks_) {
         block->resize(width(), block->height());
+    }
+    // What a row too many would make scroll stands closer together instead.
+    setDense(false);
+    if (wantedHeight() > room_) {
+        setDense(true);
+        if (wantedHeight() > room_) {
+            setDense(false);
+        }
+    }
+    int top = 0;
+    for (AgentBlock* block : blocks_) {
         const int height = block->wantedHeight();
         block->setGeometry(0, top, width(), height);
         top += height;

@@ -15,7 +15,8 @@ class AgentBlock;
 /// change places.
 class OverviewList : public QWidget {
 public:
-    OverviewList(const AgentUIActions& actions, QWidget* parent);
+    /// `room`: the height beyond which it would have to scroll.
+    OverviewList(const AgentUIActions& actions, int room, QWidget* parent);
 
     void setContent(const std::vector<AgentBlockContent>& agents);
     int wantedHeight() const;
@@ -27,8 +28,10 @@ protected:
 
 private:
     void arrange();
+    void setDense(bool isDense);
 
     const AgentUIActions& actions_;
+    int room_;
     std::vector<AgentBlock*> blocks_;
 };
 

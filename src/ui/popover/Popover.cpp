@@ -147,9 +147,19 @@ void Popover::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
 }
 
+void Popover::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (onOpenChange) {
+        onOpenChange(true);
+    }
+}
+
 void Popover::hideEvent(QHideEvent* event) {
     sinceClosed_.start();
     QWidget::hideEvent(event);
+    if (onOpenChange) {
+        onOpenChange(false);
+    }
 }
 
 void Popover::paintEvent(QPaintEvent* /*event*/) {

@@ -24,8 +24,12 @@ public:
     AgentUsagePopoverView& view() { return *view_; }
     void setContent(PopoverContent content);
 
-    /// Draws its content once, unseen: what the first drawing loads (fonts, shapes of letters, code)
-    /// takes several times as long as the drawing, and the first opening shall not wait for it.
+    /// Called when it has opened (true) and when it has closed, in whatever way.
+    std::function<void(bool isOpen)> onOpenChange;
+
+    /// Draws its content once, unseen: what the first drawing loads (fonts, shapes of letters,
+    /// code) takes several times as long as the drawing, and the first opening shall not wait for
+    /// it.
     void rehearse();
     /// Opens under `anchor`, the status item in screen coordinates (or a point of no size).
     void open(const QRect& anchor);
@@ -38,6 +42,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 

@@ -47,9 +47,14 @@ void UsageFigureRow::setContent(const UsageRowContent& content) {
     arrange();
 }
 
+int UsageFigureRow::lastTop() const {
+    const bool standsBelow =
+        figures_.forecast->isVisibleTo(this) && figures_.reset->isVisibleTo(this);
+    return standsBelow ? forecastTop : smallTop;
+}
+
 int UsageFigureRow::wantedHeight() const {
-    const int last = figures_.forecast->isVisibleTo(this) ? forecastTop : smallTop;
-    return last + smallLine + bottomPadding;
+    return lastTop() + smallLine + bottomPadding;
 }
 
 void UsageFigureRow::resizeEvent(QResizeEvent* /*event*/) {
@@ -69,7 +74,7 @@ void UsageFigureRow::arrange() {
     const int planning = std::min(figures_.planning->wantedWidth(), width() / 2);
     figures_.planning->setGeometry(width() - planning, smallTop, planning, smallLine);
     figures_.reset->setGeometry(0, smallTop, width() - planning - textGap, smallLine);
-    figures_.forecast->setGeometry(0, forecastTop, width(), smallLine);
+    figures_.forecast->setGeometry(0, lastTop(), width(), smallLine);
 }
 
 void drawFigureBones(QPainter& painter, const QWidget& on, QPoint topLeft, int width) {

@@ -19,6 +19,8 @@ protected:
 
 private:
     void arrange();
+    /// Of the last line of words.
+    int lastTop() const;
 
     UsageFigures figures_;
 };

@@ -57,6 +57,7 @@ void Sidebar::setItems(const std::vector<SidebarItem>& items) {
             line.section->setWords(qString(items[index].title));
         } else {
             line.entry->setLook(entryLook(items[index]));
+            line.entry->setToolTip(qString(items[index].help));
             // What the name says already is not said twice.
             const bool saysMore = items[index].accessibilityText != items[index].title;
             line.entry->setAccessibleDescription(saysMore ? qString(items[index].accessibilityText)

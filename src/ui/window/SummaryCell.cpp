@@ -34,6 +34,7 @@ SummaryCell::SummaryCell(QWidget* parent) : QWidget(parent), figures_(figuresFor
 void SummaryCell::setContent(const UsageRowContent& content) {
     figures_.setContent(content);
     figures_.planning->setVisible(!content.forecast);
+    isUsedUp_ = content.isUsedUp;
     arrange();
 }
 
@@ -53,7 +54,7 @@ void SummaryCell::arrange() {
                               barHeight + 2 * kit::barMarkReach);
     figures_.reset->setGeometry(0, resetTop, width(), smallLine);
     figures_.planning->setGeometry(0, lastTop, width(), smallLine);
-    figures_.forecast->setGeometry(0, lastTop, width(), smallLine);
+    figures_.forecast->setGeometry(0, isUsedUp_ ? resetTop : lastTop, width(), smallLine);
 }
 
 void drawCellBones(QPainter& painter, const QWidget& on, QPoint topLeft, int width) {

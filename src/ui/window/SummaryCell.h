@@ -22,6 +22,7 @@ private:
     void arrange();
 
     UsageFigures figures_;
+    bool isUsedUp_ = false;
 };
 
 /// The bones of a cell while its values are read.

@@ -104,6 +104,12 @@ TEST_F(StatusNotifierItemTest, ShowsIconAndToolTip) {
     EXPECT_EQ(toolTip.get<2>(), "Claude & GPT <93%>");
     EXPECT_EQ(toolTip.get<3>(), "");
     EXPECT_FALSE(property<bool>("ItemIsMenu"));
+    // Panels show the title where there is no tooltip; neither is to lie over the popover.
+    EXPECT_EQ(property<std::string>("Title"), "Vellmark");
+    item_->setToolTip("");
+    EXPECT_EQ(property<std::string>("Title"), "");
+    item_->setToolTip("again");
+    EXPECT_EQ(property<std::string>("Title"), "Vellmark");
 }
 
 TEST_F(StatusNotifierItemTest, TellsTheClicksPlace) {

@@ -35,9 +35,26 @@ std::string document(const std::string& groups) {
            R"(}},"response":"Usage","status":"SUCCESS"})";
 }
 
-std::optional<UsageProviderError> failure(const AntigravityRun& run) {
+/// A run that has printed `output`.
+struct SavedRun {
+    std::string output;
+    std::string log;
+    std::int32_t exitStatus = 0;
+    bool timedOut = false;
+
+    AgentUsageSnapshot snapshot() const {
+        return antigravitySnapshot({.output = AntigravityOutput::read(output, localZone()),
+                                    .log = log,
+                                    .exitStatus = exitStatus,
+                                    .timedOut = timedOut,
+                                    .version = "1.1.9"},
+                                   now);
+    }
+};
+
+std::optional<UsageProviderError> failure(const SavedRun& run) {
     try {
-        antigravitySnapshot(run, now);
+        run.snapshot();
     } catch (const UsageProviderError& error) {
         return error;
     }
@@ -106,9 +123,17 @@ TEST(AntigravityLine, IsReadByWordsOrByColumns) {
         EXPECT_EQ(row->remainingPercent, expected.remainingPercent) << line;
         EXPECT_EQ(row->resetsAt, expected.resetsAt) << line;
     }
-    for (const char* line : {"Gemini Models", "Weekly limit remaining 40%", "Gemini 40% remaining",
-                             "Gemini Weekly limit remaining", "Gemini Weekly used 40%",
-                             "Gemini remaining 40%", "", "%", "remaining 5%"}) {
+    for (const char* line :
+         {"Gemini Models  Weekly limit  Not used yet", "Gemini Models weekly: not used yet.",
+          "Gemini Models  Weekly limit remaining  not used yet (resets later)"}) {
+        EXPECT_EQ(readAntigravityLine(line, localZone()),
+                  (AntigravityQuotaRow{"Gemini Models", "weekly", 10080, 100, {}}))
+            << line;
+    }
+    for (const char* line :
+         {"Gemini Models", "not used yet", "Gemini Models not used yet",
+          "Weekly limit remaining 40%", "Gemini 40% remaining", "Gemini Weekly limit remaining",
+          "Gemini Weekly used 40%", "Gemini remaining 40%", "", "%", "remaining 5%"}) {
         EXPECT_EQ(readAntigravityLine(line, localZone()), std::nullopt) << line;
     }
 }
@@ -140,6 +165,53 @@ TEST(AntigravityOutput, SkipsWhatLacksItsFields) {
                 ElementsAre(AntigravityQuotaRow{"C", "other", std::nullopt, 50, std::nullopt}));
 }
 
+TEST(AntigravityOutput, LeavesOutWhatIsDisabledAndShowsWhatIsUnused) {
+    EXPECT_THAT(rows(document(R"([
+            {"name":"A","buckets":[{"remaining_fraction":0.1,"disabled":true},
+                                   {"remaining_fraction":0.2,"enabled":false},
+                                   {"remaining_fraction":0.3,"disabled":false,"enabled":true},
+                                   {"window":"daily","remaining_fraction":null,"reset_time":"Not used yet"},
+                                   {"window":"monthly","remaining_fraction":0.4,"note":"not used yet"},
+                                   {"window":"weekly","note":"used"}]},
+            {"name":"B","disabled":true,"buckets":[{"remaining_fraction":1}]}
+        ])")),
+                ElementsAre(AntigravityQuotaRow{"A", "other", std::nullopt, 30, std::nullopt},
+                            AntigravityQuotaRow{"A", "daily", 1440, 100, std::nullopt},
+                            AntigravityQuotaRow{"A", "monthly", std::nullopt, 40, std::nullopt}));
+}
+
+TEST(AntigravityOutput, SeesWhetherAModelHasAnswered) {
+    const std::pair<const char*, bool> cases[] = {
+        {R"({"num_turns":1})", true},
+        {R"({"numTurns":2.0})", true},
+        {R"({"total_tokens":7})", true},
+        {R"({"usage":{"input_tokens":0,"output_tokens":1}})", true},
+        {R"({"usage":{"totalTokens":12}})", true},
+        {R"({"stats":{"models":{"any":{"tokens":{"prompt":12}}}}})", true},
+        {R"({"modelUsage":[{"inputTokens":3}]})", true},
+        {"Warning: the cache is old.\n{\n \"num_turns\": 1\n}\nDone.\n", true},
+        {R"({"num_turns":0,"usage":{"input_tokens":0,"output_tokens":0}})", false},
+        {R"({"num_turns":"1","usage":5,"stats":[{"requests":3}],"tokens":null})", false},
+        {R"({"usage":{"max_tokens":8192},"duration_ms":12,"command":{"data":{"num_turns":1}}})",
+         false},
+        {R"([{"num_turns":1}])", false},
+        {"num_turns: 1", false},
+    };
+    for (const auto& [output, expected] : cases) {
+        EXPECT_EQ(AntigravityOutput::read(output, localZone()).tookTurn, expected) << output;
+    }
+}
+
+TEST(AntigravityOutput, TakesNoRowsFromAModelsProse) {
+    const std::string line = "Gemini Models  Weekly limit remaining  40%";
+    const std::string prose = R"("num_turns":1,"response":")" + line + "\"}";
+    EXPECT_TRUE(rows("{" + prose).empty());
+    EXPECT_THAT(rows(R"({"command":{"data":{"groups":[{"name":"A","buckets":[{"window":"5h",)"
+                     R"("remaining_fraction":0.5}]}]}},)" +
+                     prose),
+                ElementsAre(AntigravityQuotaRow{"A", "5h", 300, 50, std::nullopt}));
+}
+
 TEST(AntigravityOutput, FallsBackToLinesOnlyWithoutGroups) {
     const std::string line = "Gemini Models  Weekly limit remaining  40%";
     const AntigravityQuotaRow row{"Gemini Models", "weekly", 10080, 40, std::nullopt};
@@ -152,6 +224,9 @@ TEST(AntigravityOutput, FallsBackToLinesOnlyWithoutGroups) {
     EXPECT_THAT(rows("warning \xff\n" + line + "\n"), ElementsAre(row));
     EXPECT_THAT(rows(R"({"truncated)" + ("\n" + line)), ElementsAre(row));
     EXPECT_THAT(rows("[" + std::string(1'000'000, '[') + "\n" + line), ElementsAre(row));
+    // Warnings around a document leave it one.
+    EXPECT_THAT(rows("W1120 cache is old\n{\n\"response\":\"" + line + "\"\n}\nbye {\n"),
+                ElementsAre(row));
     // Empty groups are an answer.
     EXPECT_TRUE(rows(R"({"command":{"data":{"groups":[]}},"response":")" + line + "\"}").empty());
 }
@@ -169,7 +244,7 @@ TEST(AntigravityOutput, EndsAFloodOfRows) {
 }
 
 TEST(AntigravityReading, MakesWindowsOfRowsWhateverTheExit) {
-    AntigravityRun run;
+    SavedRun run;
     run.output = document(R"([{"name":"Gemini Models","buckets":[
         {"window":"Weekly limit remaining","remaining_fraction":0.625,
          "reset_time":"2025-06-01T14:00:00Z"}]}])");
@@ -184,15 +259,27 @@ TEST(AntigravityReading, MakesWindowsOfRowsWhateverTheExit) {
     expected.windows = {{"pool:Gemini Models|weekly", 37.5, 10080, june1(14)}};
     expected.source = SnapshotSource::live;
     expected.updatedAt = now;
-    EXPECT_EQ(antigravitySnapshot(run, now), expected);
+    EXPECT_EQ(run.snapshot(), expected);
 
     run.log = "authenticated successfully as someone";
-    EXPECT_EQ(antigravitySnapshot(run, now).accountLabel, std::nullopt);
+    EXPECT_EQ(run.snapshot().accountLabel, std::nullopt);
+}
+
+TEST(AntigravityReading, TellsWhatItHasCost) {
+    for (const char* turns : {"0", "1"}) {
+        SavedRun run;
+        run.output = R"({"num_turns":)" + std::string(turns) +
+                     R"(,"command":{"data":{"groups":[)"
+                     R"({"name":"A","buckets":[{"remaining_fraction":1}]}]}}})";
+        const std::vector<SnapshotNote> costs(*turns == '1' ? 1 : 0,
+                                              SnapshotNote{SnapshotNote::ReadingCosts{}});
+        EXPECT_EQ(run.snapshot().notes, costs) << turns;
+    }
 }
 
 TEST(AntigravityReading, NamesTheReasonForNoRows) {
     const std::string longText = std::string(299, 'x') + "äö";
-    const std::pair<AntigravityRun, UsageProviderError> cases[] = {
+    const std::pair<SavedRun, UsageProviderError> cases[] = {
         {{"Authentication required.", {}, 1, true},
          UsageProviderError(Kind::antigravityNotLoggedIn)},
         {{"NOT LOGGED INTO Antigravity; not eligible", {}, 0, false},
@@ -207,6 +294,22 @@ TEST(AntigravityReading, NamesTheReasonForNoRows) {
         {{document("[]"), {}, 2, false}, UsageProviderError::antigravityReadFailed("Usage")},
         {{longText, {}, 3, false},
          UsageProviderError::antigravityReadFailed(std::string(299, 'x') + "ä")},
+        {{R"({"num_turns":1,"response":"Authentication failed, your quota is 40%"})", {}, 1, true},
+         UsageProviderError::antigravityReadingCosts("1.1.9")},
+        {{"Starting\nAGY_ERROR:{\"code\":3,\"message\":\"No lane is free\"} \r\nBye\n",
+          {},
+          3,
+          false},
+         UsageProviderError::antigravityReadFailed("No lane is free")},
+        {{R"(AGY_ERROR:{"error":{"reason":"Busy"}})", {}, 3, false},
+         UsageProviderError::antigravityReadFailed("Busy")},
+        {{R"(AGY_ERROR:{"error":"Busy"})", {}, 3, false},
+         UsageProviderError::antigravityReadFailed("Busy")},
+        {{"AGY_ERROR: {5}", {}, 3, false}, UsageProviderError::antigravityReadFailed("{5}")},
+        {{R"(AGY_ERROR:{"message":"N\u006ft logged into Antigravity"})", {}, 3, false},
+         UsageProviderError(Kind::antigravityNotLoggedIn)},
+        {{R"(AGY_ERROR:{"message":"In\u0065ligible tier"})", {}, 3, false},
+         UsageProviderError(Kind::antigravityIneligible)},
     };
     for (const auto& [run, expected] : cases) {
         EXPECT_EQ(failure(run), expected) << run.output;

@@ -1,3 +1,4 @@
+#include "probes/claude/ClaudeModelWindow.h"
 #include "probes/claude/ClaudeUsageParser.h"
 #include "support/ProjectDirectories.h"
 #include "support/TemporaryDirectory.h"
@@ -37,10 +38,95 @@ TEST(ClaudeUsageParser, readsTheWindowsOffTheScreen) {
         {"\033[1mCurrent session\033[0m\r\n\033[32m4\033[1m2\033[0m% \033]0;x\007used\r\n",
          {"session", 42, 300, {}}},
         {"Current session\n11%\u00a0used\n", {"session", 11, 300, {}}},
+        // A page that the CLI goes over; the script's line between is not on it.
+        {"Current session\r\n12% used\r\nResets 3pm\r\nEsc to close\x1b[3A\n"
+         "VELLMARK_TIMING 1 2 3 4\n\x1b[B\x1b[2K\x1b[G88% used",
+         {"session", 88, 300, zurich(2025, 11, 20, 15)}},
+        {"Current week (Sonnet only)\n7% used\nResets Nov 27, 1pm (Europe/Zurich)",
+         {"sonnet-weekly", 7, 10080, zurich(2025, 11, 27, 13)}},
     };
     for (const auto& [capture, expected] : cases) {
         const AgentUsageSnapshot snapshot = parseUsage(ClaudeScreen(capture), morning);
         EXPECT_EQ(snapshot.windows, std::vector{expected}) << capture;
+    }
+}
+
+TEST(ClaudeUsageParser, endsABlockAtTheNextHeading) {
+    const ClaudeScreen screen("Current session\n0% used\nCurrent week (all models)\n3% used\n"
+                              "Resets 3pm\nCurrent week (Fable)\nUsage credits\n9% used\n"
+                              "Current week (Opus)\nExtra usage\n8% used\n");
+    const std::vector<UsageWindow> expected = {{"session", 0, 300, {}},
+                                               {"weekly", 3, 10080, zurich(2025, 11, 20, 15)}};
+    EXPECT_EQ(parseUsage(screen, morning).windows, expected);
+}
+
+TEST(ClaudeUsageParser, readsTheWindowsOfFurtherModelsInThePagesOrder) {
+    const ClaudeScreen screen("Current week (Opus)\n1% used\nCurrent week (Sonnet 5)\n2% used\n"
+                              "Current week (Opus)\n3% used\nCurrent week (Fable)\n4% used\n"
+                              "Current week (…)\n5% used\nCurrent week (Haiku) so far\n6% used\n"
+                              "Current session\n7% used\nCurrent week (FABLE)\n8% used\n");
+    const std::vector<UsageWindow> expected = {{"session", 7, 300, {}},
+                                               {"fable-weekly", 4, 10080, {}},
+                                               {"sonnet-5-weekly", 2, 10080, {}},
+                                               {"opus-weekly", 3, 10080, {}}};
+    EXPECT_EQ(parseUsage(screen, morning).windows, expected);
+
+    std::string many;
+    for (int model = 0; model < 1000; ++model) {
+        many += "Current week (Model " + std::to_string(model) + ")\n1% used\n";
+    }
+    EXPECT_LE(parseUsage(ClaudeScreen(many), morning).windows.size(), 20u);
+}
+
+TEST(ClaudeUsageParser, namesTheWindowsOfModels) {
+    const std::pair<const char*, std::optional<std::string>> cases[] = {
+        {"Opus", "opus-weekly"},
+        {" Sonnet only ", "sonnet-weekly"},
+        {"Opus 5.5 (1M)", "opus-55-1m-weekly"},
+        {"Fable", "fable-weekly"},
+        {"mini-2", "mini-2-weekly"},
+        {"- -", std::nullopt},
+        {"漢字", std::nullopt},
+        {"", std::nullopt},
+    };
+    for (const auto& [model, expected] : cases) {
+        EXPECT_EQ(claudeModelWindowIDFor(model), expected) << model;
+    }
+}
+
+TEST(ClaudeUsageParser, tellsHowOldFiguresAre) {
+    const std::pair<const char*, std::optional<Seconds>> cases[] = {
+        {"Showing last-known usage as of 45s ago", Seconds(45)},
+        {"Showing last-known usage as of 12m ago (couldn't refresh)", Seconds(720)},
+        {"Showing last-known usage as of 1h 5m ago", Seconds(3900)},
+        {"Showing last-known usage (couldn't refresh)", std::nullopt},
+        {"Showing last-known usage as of just now", std::nullopt},
+        {"Partial usage data (rate limited until 4am)\nShowing last-known usage as of 2m ago",
+         Seconds(120)},
+    };
+    for (const auto& [notice, expected] : cases) {
+        const auto found =
+            staleness(ClaudeScreen("Current session\n5% used\n" + std::string(notice)));
+        ASSERT_TRUE(found) << notice;
+        EXPECT_EQ(found->age, expected) << notice;
+        EXPECT_FALSE(found->isRefreshing) << notice;
+    }
+    const std::string page = "Current session\n5% used\n";
+    // An older drawing above the last one.
+    EXPECT_FALSE(staleness(ClaudeScreen(page + "Refreshing usage…\n" + page)));
+    EXPECT_TRUE(staleness(ClaudeScreen("Refreshing usage…\n" + page)));
+    EXPECT_FALSE(staleness(ClaudeScreen(page + "Usage refreshed\n")));
+}
+
+TEST(ClaudeUsageParser, quotesALimitThatIsHit) {
+    const std::pair<const char*, std::optional<std::string>> cases[] = {
+        {"! You've hit your session limit · resets 4am", "You've hit your session limit"},
+        {"You’ve hit your limit.", "You’ve hit your limit"},
+        {"You've hit your monthly spend limit", "You've hit your monthly spend limit"},
+        {"You've used 90% of your session limit", std::nullopt},
+    };
+    for (const auto& [line, expected] : cases) {
+        EXPECT_EQ(hitLimit(ClaudeScreen(line)), expected) << line;
     }
 }
 
@@ -73,6 +159,10 @@ TEST(ClaudeUsageParser, readsResetTimesAsZurichTime) {
         {"Resets Nov 19 at 9:59am", morning, zurich(2026, 11, 19, 9, 59)},
         {"Resets 10am", morning, zurich(2025, 11, 21, 10)},
         {"Resets 10:01am (America/New_York)", morning, zurich(2025, 11, 20, 10, 1)},
+        {"Resets Nov 27, 1pm (Europe/Zurich)", morning, zurich(2025, 11, 27, 13)},
+        {"Resets Nov 26, 6:51pm", morning, zurich(2025, 11, 26, 18, 51)},
+        {"Resets Jan 2, 1am", zurich(2025, 12, 30, 12), zurich(2026, 1, 2, 1)},
+        {"Resets Dec 1", morning, std::nullopt},
         {"Resets 12am", morning, zurich(2025, 11, 21, 0)},
         {"Resets 12:30pm", morning, zurich(2025, 11, 20, 12, 30)},
         {"3pm", morning, zurich(2025, 11, 20, 15)},

@@ -11,6 +11,10 @@ using ::testing::ElementsAre;
 
 const Instant now{Seconds(800'000'000.5)};
 
+AgentUsageSnapshot snapshotOf(const std::string& output) {
+    return codexSnapshot(output, now, "/home/ada");
+}
+
 /// An answer to the request for the rate limits.
 std::string limits(const std::string& rateLimits) {
     return R"({"id":3,"result":{"rateLimits":)" + rateLimits + "}}\n";
@@ -23,7 +27,7 @@ std::string account(const std::string& result) {
 const std::string someLimits = limits(R"({"primary":{"usedPercent":12}})");
 
 AgentUsageSnapshot readLimits(const std::string& rateLimits) {
-    return codexSnapshot(limits(rateLimits), now);
+    return snapshotOf(limits(rateLimits));
 }
 
 std::optional<double> usedPercent(const std::string& value) {
@@ -35,7 +39,7 @@ std::optional<double> usedPercent(const std::string& value) {
 
 std::optional<UsageProviderError> failure(const std::string& output) {
     try {
-        codexSnapshot(output, now);
+        snapshotOf(output);
     } catch (const UsageProviderError& error) {
         return error;
     }
@@ -61,8 +65,8 @@ TEST(CodexReading, ReadsEverythingThatTheServerTells) {
     expected.credit = CreditInfo::available();
     expected.source = SnapshotSource::live;
     expected.updatedAt = now;
-    EXPECT_EQ(codexSnapshot(output, now), expected);
-    EXPECT_EQ(codexSnapshot(output.substr(0, output.size() - 1), now), expected);
+    EXPECT_EQ(snapshotOf(output), expected);
+    EXPECT_EQ(snapshotOf(output.substr(0, output.size() - 1)), expected);
 }
 
 TEST(CodexReading, TakesNumbersAndDecimalTexts) {
@@ -124,26 +128,166 @@ TEST(CodexReading, FindsTheEmailAtAnyDepth) {
         {R"({"account":null,"requiresOpenaiAuth":true})", std::nullopt},
     };
     for (const auto& [result, expected] : cases) {
-        EXPECT_EQ(codexSnapshot(account(result) + someLimits, now).accountLabel, expected)
-            << result;
+        EXPECT_EQ(snapshotOf(account(result) + someLimits).accountLabel, expected) << result;
     }
 }
 
 TEST(CodexReading, SkipsWhatIsNoReply) {
-    for (const char* line :
-         {"", "garbage", "{", "[]", "null", "3", "\xff\xfe", "{\"id\":3}",
-          R"({"id":3,"error":{"code":-32600,"message":"not logged in"}})",
-          R"({"id":3,"result":[]})", R"({"id":3,"result":null})",
-          R"({"id":"3","result":{"rateLimits":{}}})", R"({"id":true,"result":{"rateLimits":{}}})",
-          R"({"id":3.5,"result":{"rateLimits":{}}})", R"({"id":1,"result":{"rateLimits":{}}})",
-          R"({"result":{"id":3,"rateLimits":{}}})",
-          R"({"method":"x","params":{"id":3,"result":{"rateLimits":{}}}})",
-          R"({"id":3,"result":{}} trailing)", R"([{"id":3,"result":{}}])"}) {
+    for (const char* line : {"",
+                             "garbage",
+                             "{",
+                             "[]",
+                             "null",
+                             "3",
+                             "\xff\xfe",
+                             "{\"id\":3}",
+                             R"({"id":3,"error":"refused"})",
+                             R"({"id":2,"error":{"message":"refused"}})",
+                             R"({"error":{"id":3,"message":"refused"}})",
+                             R"({"id":3,"result":[]})",
+                             R"({"id":3,"result":null})",
+                             R"({"id":"3","result":{"rateLimits":{}}})",
+                             R"({"id":true,"result":{"rateLimits":{}}})",
+                             R"({"id":3.5,"result":{"rateLimits":{}}})",
+                             R"({"id":1,"result":{"rateLimits":{}}})",
+                             R"({"result":{"id":3,"rateLimits":{}}})",
+                             R"({"method":"x","params":{"id":3,"result":{"rateLimits":{}}}})",
+                             R"({"id":3,"result":{}} trailing)",
+                             R"([{"id":3,"result":{}}])"}) {
         EXPECT_EQ(failure(line), UsageProviderError::codexReadFailed("")) << line;
         EXPECT_EQ(failure(std::string(line) + "\n" + someLimits), std::nullopt) << line;
     }
     EXPECT_EQ(failure(R"({"result":{"rateLimits":{"primary":{"usedPercent":1}}},"id":3.0})"),
               std::nullopt);
+}
+
+TEST(CodexReading, TellsWhyTheLimitsWereRefused) {
+    const auto refusal = [](const std::string& words) {
+        return R"({"error":{"code":-32603,"message":")" + words + "\"},\"id\":3}\n";
+    };
+    const auto readFailed = [](const char* words) {
+        return UsageProviderError::codexReadFailed(words);
+    };
+    const std::string loggedOut = "codex account authentication required to read rate limits";
+    const std::string noPlan = "chatgpt authentication required to read rate limits";
+    const std::string withKey = account(R"({"account":{"type":"apiKey"}})");
+    const std::string withPlan = account(R"({"account":{"type":"chatgpt"}})");
+    const std::pair<std::string, UsageProviderError> cases[] = {
+        {refusal(loggedOut), UsageProviderError(Kind::codexNotLoggedIn)},
+        {account(R"({"account":null})") + refusal(loggedOut),
+         UsageProviderError(Kind::codexNotLoggedIn)},
+        {refusal(noPlan), UsageProviderError(Kind::codexAPIKey)},
+        {refusal(noPlan) + withKey, UsageProviderError(Kind::codexAPIKey)},
+        {refusal("some other words") + withKey, UsageProviderError(Kind::codexAPIKey)},
+        {withPlan + refusal(noPlan), readFailed(noPlan.c_str())},
+        {refusal("no file\n/home/ada/.codex, ada@example.com"),
+         UsageProviderError::codexReadFailed("")}, // a line feed in a text is no JSON
+        {refusal(R"(no file\n/home/ada/.codex, ada@example.com)"),
+         readFailed("no file ~/.codex, …@…")},
+        {R"({"id":3,"error":{}})", readFailed("")},
+        {R"({"id":3,"error":{"message":5}})", readFailed("")},
+        {R"({"id":3,"result":{},"error":{"message":"x"}})",
+         UsageProviderError(Kind::codexNoQuotas)},
+        {R"({"id":3,"error":{"message":"x"},"result":null})", readFailed("x")},
+    };
+    for (const auto& [output, reason] : cases) {
+        EXPECT_EQ(failure(output), reason) << output;
+        EXPECT_EQ(failure(output + "\n" + someLimits), std::nullopt) << output;
+    }
+    EXPECT_EQ(failure(someLimits + refusal("late")), std::nullopt);
+}
+
+TEST(CodexReading, KnowsHowLongTheRestIsWorthWaitingFor) {
+    constexpr std::optional<Seconds> asBefore;
+    const auto waits = [](std::initializer_list<const char*> lines) {
+        CodexReading reading;
+        std::vector<std::optional<Seconds>> patience;
+        for (const char* line : lines) {
+            patience.push_back(reading.take(*parseCodexReply(line)));
+        }
+        return patience;
+    };
+    const char* greeting = R"({"id":1,"result":{}})";
+    const char* account = R"({"id":2,"result":{"account":null}})";
+    const char* noAccount = R"({"id":2,"error":{}})";
+    const char* figures = R"({"id":3,"result":{}})";
+    const char* refusal = R"({"id":3,"error":{}})";
+    EXPECT_THAT(waits({greeting, account, figures}), ElementsAre(asBefore, asBefore, Seconds(0)));
+    EXPECT_THAT(waits({figures, greeting, figures, account}),
+                ElementsAre(Seconds(0.5), asBefore, asBefore, Seconds(0)));
+    EXPECT_THAT(waits({noAccount, figures}), ElementsAre(asBefore, Seconds(0)));
+    EXPECT_THAT(waits({figures, noAccount}), ElementsAre(Seconds(0.5), Seconds(0)));
+    EXPECT_THAT(waits({refusal, account, refusal, figures}),
+                ElementsAre(Seconds(2), asBefore, asBefore, Seconds(0)));
+    EXPECT_THAT(waits({refusal, figures, refusal}),
+                ElementsAre(Seconds(2), Seconds(0.5), asBefore));
+}
+
+std::string limitsByID(const std::string& main, const std::string& members) {
+    return R"({"id":3,"result":{"rateLimitsByLimitId":{)" + members + R"(},"rateLimits":)" + main +
+           "}}";
+}
+
+std::vector<std::string> idsOf(const AgentUsageSnapshot& snapshot) {
+    std::vector<std::string> ids;
+    for (const UsageWindow& window : snapshot.windows) {
+        ids.push_back(window.id);
+    }
+    return ids;
+}
+
+TEST(CodexReading, EveryFurtherLimitHasWindowsOfItsOwn) {
+    const std::string window = R"({"usedPercent":1})";
+    const auto limit = [&](const std::string& more) {
+        return R"({"primary":)" + window + more + "}";
+    };
+    // In whatever order they come, and by their names where they do not say who they are.
+    EXPECT_THAT(
+        idsOf(snapshotOf(limitsByID(
+            limit(R"(,"limitId":"main")"),
+            R"("z":)" + limit(R"(,"limitId":"c")") + R"(,"b":)" + limit("") + R"(,"main":)" +
+                limit("") + R"(,"a":)" + limit(R"(,"limitId":"c","secondary":)" + window) +
+                R"(,"d":null,"e":{"primary":null,"secondary":)" + window + "}"))),
+        ElementsAre("session", "limit:b|primary", "limit:c|primary", "limit:e|secondary"));
+    // Older versions do not call the main limit by a name.
+    EXPECT_THAT(idsOf(snapshotOf(limitsByID(limit(""), R"("codex":)" + limit("")))),
+                ElementsAre("session"));
+    EXPECT_THAT(idsOf(snapshotOf(limitsByID("{}", R"("x":)" + limit(R"(,"limitName":"")")))),
+                ElementsAre("limit:x|primary"));
+    EXPECT_EQ(
+        snapshotOf(limitsByID("{}", R"("x":)" + limit(R"(,"limitName":"")"))).windows[0].label,
+        std::nullopt);
+
+    std::string many;
+    for (int index = 0; index < 10'000; ++index) {
+        many += (index > 0 ? ",\"" : "\"") + std::to_string(index) + R"(":{"primary":)" + window +
+                R"(,"secondary":)" + window + "}";
+    }
+    EXPECT_EQ(snapshotOf(limitsByID(limit(""), many)).windows.size(),
+              1 + 2 * CodexReply::mostLimits);
+}
+
+TEST(CodexReading, TellsWhetherTheUserMayWork) {
+    const auto allowance = [](const std::string& result, const std::string& limit) {
+        return snapshotOf(R"({"id":3,"result":{)" + result +
+                          R"("rateLimits":{"primary":{"usedPercent":1})" + limit + "}}}")
+            .allowance;
+    };
+    EXPECT_EQ(allowance("", ""), std::nullopt);
+    EXPECT_EQ(allowance(R"("ordinaryUsageAllowed":null,"rateLimitResetCredits":null,)",
+                        R"(,"rateLimitReachedType":null,"spendControlReached":false)"),
+              std::nullopt);
+    EXPECT_EQ(allowance(R"("ordinaryUsageAllowed":true,)", R"(,"spendControlReached":true)"),
+              UsageAllowance{.ordinaryUsageAllowed = true});
+    EXPECT_EQ(allowance("", R"(,"spendControlReached":true)"),
+              UsageAllowance{.reachedType = "spend_control_reached"});
+    EXPECT_EQ(allowance(R"("ordinaryUsageAllowed":false,)",
+                        R"(,"spendControlReached":true,"rateLimitReachedType":"x")"),
+              (UsageAllowance{.ordinaryUsageAllowed = false, .reachedType = "x"}));
+    EXPECT_EQ(allowance(R"("rateLimitResetCredits":{"availableCount":"2","credits":null},)", ""),
+              UsageAllowance{.bankedResets = 2});
+    EXPECT_EQ(allowance(R"("rateLimitResetCredits":{"availableCount":-1},)", ""), std::nullopt);
+    EXPECT_EQ(allowance(R"("rateLimitResetCredits":{"availableCount":1e300},)", ""), std::nullopt);
 }
 
 TEST(CodexReading, TellsMissingQuotasFromMissingWindows) {

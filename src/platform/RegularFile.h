@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/Descriptor.h"
+
+#include <filesystem>
+#include <system_error>
+
+namespace vellmark {
+
+/// Opens one of the program's own files, with `flags` as for open(2) and mode 0600 for a new one.
+///
+/// Something else may stand in its place. A pipe would block whoever opens it, a device may never
+/// end, a link leads a writer elsewhere: whatever is no regular file is refused with
+/// `notRegularFile()`, a link only when it is opened for writing. A file whose owner has taken away
+/// the right to write is not written either, by root too. Never blocks.
+Descriptor openRegularFile(const std::filesystem::path& file, int flags, std::error_code& error);
+
+/// Something is in the way of a file: a pipe, a device, a directory, a link.
+std::error_code notRegularFile();
+
+/// What stands in the way of `file` or of one of those beside it that belong to it (its lock, for
+/// instance: the name up to the first dot is the same); `file` itself where nothing does.
+std::filesystem::path fileInTheWay(const std::filesystem::path& file);
+
+} // namespace vellmark

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "text/Instant.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace vellmark {
+
+/// The window that shows Fable's share of the week; not every account has it.
+inline constexpr std::string_view claudeModelWindowID = "fable-weekly";
+
+/// The length of every model's window.
+inline constexpr double claudeModelWindowMinutes = 10080;
+
+/// The identifier of the weekly window of one model, by the name that the CLI shows: "Opus" and
+/// "Opus only" are "opus-weekly". Letters and digits of ASCII and dashes survive; absent when
+/// there is no letter and no digit.
+std::optional<std::string> claudeModelWindowIDFor(std::string_view modelName);
+
+/// A model's window may be missing from one answer and there again in the next: for how long it
+/// still counts. Zero for the other windows.
+Seconds claudeRemembersWindow(std::string_view windowID);
+
+} // namespace vellmark

@@ -1,0 +1,106 @@
+#include "probes/claude/ClaudeSessionReader.h"
+
+#include "probes/ChildEnvironment.h"
+#include "probes/claude/ClaudeDiagnostics.h"
+#include "probes/claude/ClaudeModelWindow.h"
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+namespace vellmark {
+
+namespace {
+
+using Kind = UsageProviderError::Kind;
+
+bool hasModelWindow(const AgentUsageSnapshot& snapshot) {
+    return std::any_of(snapshot.windows.begin(), snapshot.windows.end(),
+                       [](const UsageWindow& window) { return window.id == claudeModelWindowID; });
+}
+
+} // namespace
+
+ClaudeSessionReader::ClaudeSessionReader(const Machine& machine, std::filesystem::path workspace,
+                                         Limits limits, std::filesystem::path interpreter)
+    : machine_(machine), workspace_(std::move(workspace)), limits_(limits),
+      interpreter_(std::move(interpreter)), modelWindows_(machine_.usageHistoryFile()) {}
+
+std::filesystem::path ClaudeSessionReader::diagnostics() const {
+    return workspace_.parent_path() / "Diagnostics";
+}
+
+AgentUsageSnapshot ClaudeSessionReader::read(const std::filesystem::path& claude,
+                                             const Budget& budget) {
+    const auto log = PrivateTemporaryFile::create(machine_.temporary);
+    if (!log) {
+        throw UsageProviderError(Kind::claudeTempFileFailed);
+    }
+    const BoundedProcessResult result = runScript(claude, *log, budget);
+    ClaudeSessionTimes times;
+    times.readAt = budget.spent();
+    times.run = result.elapsed;
+    times.launch = result.launch;
+    const ClaudeScreen screen(log->contents());
+    const ClaudeSessionEnd end{result.terminationStatus, result.timedOut || result.uncaughtSignal};
+    AgentUsageSnapshot snapshot = interpret(screen, end);
+    if (auto note = claudeTimingNote(screen, times)) {
+        snapshot.notes.push_back(std::move(*note));
+    }
+    return snapshot;
+}
+
+BoundedProcessResult ClaudeSessionReader::runScript(const std::filesystem::path& claude,
+                                                    const PrivateTemporaryFile& log,
+                                                    const Budget& budget) {
+    const bool expectsModel = modelWindows_.shouldExpectModelWindow(ReferenceClock::now());
+    ChildConfiguration child;
+    child.executable = interpreter_;
+    child.arguments = {"-c", claudeSessionScript(limits_.timings)};
+    // The screens name times of day in the zone of the session and are read as Zurich's.
+    child.environment =
+        childEnvironment(machine_, {{"VELLMARK_CLAUDE_PATH", claude.string()},
+                                    {"VELLMARK_EXPECT_FABLE", expectsModel ? "1" : "0"},
+                                    {"TZ", "Europe/Zurich"}});
+    child.workingDirectory = workspace_;
+    child.standardOutput = ChildOutput::recorded(log.descriptor(), PrivateTemporaryFile::readLimit);
+    child.mergesStandardError = true;
+    child.stopsSurvivingChildren = true;
+    const Seconds remaining = budget.left();
+    if (remaining <= limits_.least) {
+        throw UsageProviderError::timeout("Claude");
+    }
+    try {
+        return BoundedProcess::run(child, remaining, limits_.killGrace);
+    } catch (const std::system_error& error) {
+        throw UsageProviderError::launchFailed("Claude Code", error.code().message());
+    }
+}
+
+AgentUsageSnapshot ClaudeSessionReader::interpret(const ClaudeScreen& screen,
+                                                  const ClaudeSessionEnd& end) {
+    const Instant now = ReferenceClock::now();
+    try {
+        AgentUsageSnapshot snapshot = interpretClaudeSession(screen, end, now);
+        if (hasModelWindow(snapshot)) {
+            modelWindows_.markSeen(now);
+        }
+        if (claudeEndMarkerIsMissing(screen, end)) {
+            writeClaudeDiagnostics(screen.drawn(), machine_.home, diagnostics(),
+                                   "claude-usage-ending.txt");
+        }
+        return snapshot;
+    } catch (const UsageProviderError& error) {
+        if (error.kind() != Kind::claudeNoQuotas) {
+            throw;
+        }
+        const auto file = writeClaudeDiagnostics(screen.drawn(), machine_.home, diagnostics(),
+                                                 "claude-usage-last.txt");
+        if (!file) {
+            throw;
+        }
+        throw UsageProviderError::claudeNoQuotasDiagnosed(file->string());
+    }
+}
+
+} // namespace vellmark

@@ -1,0 +1,40 @@
+#include "text/SystemErrorText.h"
+
+#include "text/TerminalText.h"
+
+#include <array>
+#include <string_view>
+#include <utility>
+
+namespace vellmark {
+namespace {
+
+constexpr std::array<std::pair<std::errc, std::string_view>, 15> keys{{
+    {std::errc::bad_file_descriptor, "system.badDescriptor"},
+    {std::errc::device_or_resource_busy, "system.busy"},
+    {std::errc::permission_denied, "system.denied"},
+    {std::errc::operation_not_permitted, "system.denied"},
+    {std::errc::is_a_directory, "system.isDirectory"},
+    {std::errc::too_many_symbolic_link_levels, "system.loop"},
+    {std::errc::no_such_file_or_directory, "system.missing"},
+    {std::errc::filename_too_long, "system.nameTooLong"},
+    {std::errc::not_a_directory, "system.noDirectory"},
+    {std::errc::no_space_on_device, "system.noSpace"},
+    {std::errc::read_only_file_system, "system.readOnly"},
+    {std::errc::file_too_large, "system.tooLarge"},
+    {std::errc::too_many_files_open, "system.tooManyFiles"},
+    {std::errc::too_many_files_open_in_system, "system.tooManyFiles"},
+    {std::errc::io_error, "system.transfer"},
+}};
+
+} // namespace
+
+std::string systemErrorText(std::error_code error, const Localization& words) {
+    for (const auto& [condition, key] : keys) {
+        if (error == condition)
+            return words.text(key);
+    }
+    return words.format("system.other", {singleLine(error.message())});
+}
+
+} // namespace vellmark

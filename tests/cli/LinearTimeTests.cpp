@@ -1,0 +1,408 @@
+// Bytes from outside are read in linear time, whatever they are: a table of all readers and of the
+// inputs that are worst for them, ten times as long.
+
+#include "model/UsageHistoryReader.h"
+#include "model/UsageJSON.h"
+#include "platform/Descriptor.h"
+#include "platform/PreferencesFile.h"
+#include "probes/antigravity/AntigravityReading.h"
+#include "probes/claude/ClaudeDiagnostics.h"
+#include "probes/claude/ClaudeLoginCheck.h"
+#include "probes/claude/ClaudeQuery.h"
+#include "probes/claude/ClaudeScreen.h"
+#include "probes/claude/ClaudeSession.h"
+#include "probes/codex/CodexReading.h"
+#include "store/ActivityLog.h"
+#include "support/TemporaryDirectory.h"
+#include "text/Redaction.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <ctime>
+#include <fcntl.h>
+#include <functional>
+#include <limits>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vellmark::tests {
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool isSanitized = true;
+#elif defined(__has_feature)
+constexpr bool isSanitized = __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
+#else
+constexpr bool isSanitized = false;
+#endif
+#ifdef __OPTIMIZE__
+constexpr bool isOptimized = true;
+#else
+constexpr bool isOptimized = false;
+#endif
+
+/// The longer inputs have ten times as much. A sanitizer makes times meaningless: there the readers
+/// only have to survive.
+constexpr std::size_t shortSize = isOptimized && !isSanitized ? 1u << 20 : 100u << 10;
+/// Ten is linear, a hundred is the square. Up to here nothing is wrong; a long text may be beyond
+/// it because its parts no longer fit the processor's caches, which others use too.
+constexpr double expectedGrowth = 12;
+constexpr double allowedGrowth = 20;
+/// What takes less is as good as nothing, and its growth is chance.
+constexpr double leastSeconds = 0.003;
+/// Rounds until the growth is as expected: what disturbs a measurement makes it longer, and seldom
+/// each time.
+constexpr int rounds = 5;
+constexpr double hopelessGrowth = 60;
+
+/// A text of about that many bytes.
+struct Input {
+    std::string name;
+    std::function<std::string(std::size_t size)> make;
+};
+
+/// `piece` over and over between two other texts.
+Input repeated(std::string name, std::string piece, std::string before = {},
+               std::string after = {}) {
+    return {std::move(name), [=](std::size_t size) {
+                std::string text = before;
+                text.reserve(size + piece.size() + after.size());
+                while (text.size() < size) {
+                    text += piece;
+                }
+                return text + after;
+            }};
+}
+
+/// The same with a running number after each piece's first part.
+Input numbered(std::string name, std::string first, std::string second, std::string before = {},
+               std::string after = {}) {
+    return {std::move(name), [=](std::size_t size) {
+                std::string text = before;
+                for (int number = 0; text.size() < size; ++number) {
+                    text += first + std::to_string(number) + second;
+                }
+                return text + after;
+            }};
+}
+
+/// What is bad for parsers of any kind.
+std::vector<Input> anyInputs() {
+    return {
+        repeated("arrays in arrays", "["),
+        repeated("objects in objects", R"({"a":)"),
+        repeated("a long array", "0,", "[", "0]"),
+        repeated("an array of objects", R"({"a":1,"b":[]},)", "[", "0]"),
+        numbered("many members", R"("m)", R"(":0,)", "{", R"("m":0})"),
+        repeated("one member many times", R"("m":{"n":0},)", "{", R"("m":0})"),
+        numbered("objects of many members", R"({"a":0,"b":1,"c":2,"d":[3],"m)", R"(":0},)", "[",
+                 "0]"),
+        repeated("a long text", "x", R"({"response":")", "\"}"),
+        repeated("a text without end", "x", R"({"response":")"),
+        repeated("escapes", R"(\u00e4\n\"\\\ud83d\ude00)", R"({"response":")", "\"}"),
+        repeated("texts without end", "\"\n"),
+        repeated("backslashes", "\\"),
+        repeated("empty lines", "\n"),
+        repeated("short lines", "a\r\n"),
+        repeated("lines of JSON", "{\"id\":3,\"result\":{}}\n"),
+        repeated("opening lines", "\n{"),
+        repeated("blanks", " "),
+        repeated("letters", "a"),
+        repeated("letters beyond ASCII", "ä"),
+        repeated("digits", "1"),
+        repeated("percentages", "5 % "),
+        repeated("bytes that are no text", "\xff\xc3"),
+        repeated("zeros", std::string(1, '\0')),
+        repeated("control sequences", "\x1b[1;31m5\x1b[0m"),
+        repeated("begun control sequences", "\x1b["),
+        repeated("begun commands", "\x1b]0;"),
+        repeated("addresses", "someone@example.org "),
+    };
+}
+
+using Action = std::function<void()>;
+
+/// Takes in bytes from outside.
+struct Reader {
+    std::string name;
+    /// What is bad for this one.
+    std::vector<Input> inputs;
+    /// Reads `text`, by way of a file where it is one that is read.
+    std::function<Action(const std::string& text, const TemporaryDirectory& directory)> prepare;
+};
+
+void PrintTo(const Reader& reader, std::ostream* out) {
+    *out << reader.name;
+}
+
+/// Runs something that may find nothing to read.
+template<typename Error, typename Read>
+Action unlessThrown(Read read) {
+    return [read] {
+        try {
+            read();
+        } catch (const Error&) {
+        }
+    };
+}
+
+Reader codexReader() {
+    const std::string limits = R"({"id":3,"result":{"rateLimits":{)";
+    return {"codex",
+            {numbered("limits", R"("l)", R"(":{"usedPercent":5},)", limits, "\"primary\":{}}}}\n"),
+             repeated("windows", R"("primary":{"usedPercent":"5","resetsAt":9},)", limits,
+                      "\"a\":0}}}\n"),
+             repeated("accounts", R"({"account":{"email":"a@b.ch"}},)",
+                      R"({"id":2,"result":{"x":[)", "0]}}\n"),
+             repeated("answers", R"({"id":3,"result":{"rateLimits":{"primary":{"usedPercent":5}}}})"
+                                 "\n"),
+             repeated("notifications", R"({"method":"a/b","params":{"text":"x"}})"
+                                       "\n")},
+            [](const std::string& text, const TemporaryDirectory&) {
+                return unlessThrown<UsageProviderError>(
+                    [&text] { codexSnapshot(text, Instant(), "/home/anna"); });
+            }};
+}
+
+Reader antigravityReader() {
+    const std::string data = R"({"num_turns":0,"command":{"data":{"groups":[)";
+    return {
+        "antigravity",
+        {repeated("buckets", R"({"window":"5h","remaining_fraction":0.5},)",
+                  data + R"({"name":"A","buckets":[)", "0]}]}}}"),
+         repeated("disabled buckets", R"({"disabled":true,"remaining_fraction":0.5},)",
+                  data + R"({"name":"A","buckets":[)", "0]}]}}}"),
+         repeated("unused buckets", R"({"note":"NOT USED YE"},)",
+                  data + R"({"name":"A","buckets":[)", "0]}]}}}"),
+         repeated("groups", R"({"name":"A","buckets":[]},)", data, "0]}}}"),
+         repeated("statistics", R"({"tokens":{"total":0}},)", R"({"stats":[)", "0]}"),
+         repeated("rows", "Gemini Models  Weekly limit remaining  40%  2026-11-22 14:00 CEST\n"),
+         repeated("lines that are almost rows", "Gemini Models  Weekly limit  40%\n"),
+         repeated("one line of windows", "weekly ", "Gemini ", "5%"),
+         repeated("one line of rows", "Gemini Models\tWeekly remaining\t5x%"),
+         repeated("one line of zones", "2026-11-22 14:00 CESTX ", "A weekly remaining 4% "),
+         repeated("errors", "AGY_ERROR:{\"code\":3}\n"),
+         repeated("an error without end", "{", "AGY_ERROR:")},
+        [](const std::string& text, const TemporaryDirectory&) {
+            return unlessThrown<UsageProviderError>([&text] {
+                antigravitySnapshot({.output = AntigravityOutput::read(text, TimeZone::utc()),
+                                     .log = text,
+                                     .exitStatus = 3},
+                                    Instant());
+            });
+        }};
+}
+
+Reader claudeQueryReader() {
+    const std::string limits =
+        R"({"type":"control_response","response":{"request_id":"r1","subtype":"success",)"
+        R"("response":{"subscription_type":"max","rate_limits":{)";
+    return {
+        "claude query",
+        {repeated("models", R"({"display_name":"Fable","utilization":5},)",
+                  limits + R"("model_scoped":[)", "0]}}}}\n"),
+         repeated("rows", R"({"kind":"session","percent":5,"resets_at":"2026-11-22T14:00:00Z"},)",
+                  limits + R"("limits":[)", "0]}}}}\n"),
+         repeated("answers", limits + "\"five_hour\":{\"utilization\":5}}}}}\n"),
+         repeated("other lines", "{\"type\":\"system\"}\n"),
+         repeated("login", R"("email":"a@b.ch",)", "{", R"("loggedIn":true})")},
+        [](const std::string& text, const TemporaryDirectory&) {
+            return unlessThrown<UsageProviderError>([&text] {
+                const ClaudeLogin login = parseClaudeLogin(text);
+                isClaudeQueryOutput(text);
+                const auto reply = parseClaudeQueryReply(text, std::nullopt);
+                claudeQuerySnapshot(reply.answer, login, std::nullopt, Instant());
+            });
+        }};
+}
+
+Reader claudeScreenReader() {
+    const std::string page =
+        "\x1b[2J\x1b[HSettings:  Status  Config  Usage\r\nCurrent session\r\n"
+        "\x1b[38;5;75m████\x1b[39m 54% used\r\nResets 9:30am (Europe/Zurich)\r\n"
+        "Current week (all models)\r\n12% used\r\nResets Nov 24 at 9:30am\r\n"
+        "Esc to cancel\r\n";
+    return {"claude screen",
+            {repeated("redrawn pages", page), repeated("headings", "Current session\r\n"),
+             repeated("percentages", "54% used\r\n"),
+             repeated("resets", "Resets Nov 24 at 9am\r\n"),
+             repeated("one line of headings", "Current week (", "Current session\r\n"),
+             repeated("one line of resets", "Resets Nov 24, ", "Current session\r\n5% used\r\n"),
+             repeated("cursor movements", "\x1b[5;7H\x1b[2Kx\x1b[A\x1b[99C"),
+             repeated("errors", "Failed to load usage data\r\n"),
+             repeated("accounts", "Email: a@b.ch\r\nOrganization: x\r\n")},
+            [](const std::string& text, const TemporaryDirectory&) {
+                return unlessThrown<UsageProviderError>([&text] {
+                    const ClaudeScreen screen(text);
+                    redactedClaudeScreen(screen.text(), "/home/anna");
+                    interpretClaudeSession(screen, {20, false}, Instant());
+                });
+            }};
+}
+
+Reader snapshotsReader() {
+    const std::string begin = R"([{"id":"claude","source":"live","updatedAt":9,)";
+    const std::string window = R"({"id":"w","usedPercent":5,"resetsAt":9},)";
+    return {
+        "snapshots",
+        {repeated("windows", window, begin + R"("balances":[],"notes":[],"windows":[)",
+                  R"({"id":"w","usedPercent":5}]}])"),
+         repeated("notes", R"({"agentSays":{"text":"x"}},)",
+                  begin + R"("balances":[],"windows":[],"notes":[)", R"({"readingCosts":{}}]}])"),
+         repeated("snapshots",
+                  R"({"id":"claude","source":"live","updatedAt":9,"windows":[],"balances":[],)"
+                  R"("notes":[]},)",
+                  "[", R"({"id":"claude"}])")},
+        [](const std::string& text, const TemporaryDirectory&) {
+            return unlessThrown<JSONDecodingError>([&text] { snapshotsFromDocument(text); });
+        }};
+}
+
+Reader historyReader() {
+    const std::string sample = R"({"id":"2F1C7A52-52F0-4E3B-8E0E-2F3C7C0C7F11","provider":"codex",)"
+                               R"("windowID":"w","capturedAt":784111777.25,"usedPercent":5)";
+    return {"history",
+            {repeated("samples", sample + "},\n", "[", sample + "}]"),
+             repeated("samples with escapes",
+                      R"({"windowID":"\u0077\n","provider":"codex",)"
+                      R"("id":"2F1C7A52-52F0-4E3B-8E0E-2F3C7C0C7F11",)"
+                      R"("capturedAt":784111777.25,"usedPercent":5},)",
+                      "[", sample + "}]"),
+             repeated("samples behind damage", sample + "},\n", "[{]\n"),
+             repeated("samples cut off", sample + "\n", "[" + sample + "},\n{]\n"),
+             repeated("open objects behind damage", "{\"a\":{\n", "[" + sample + "},\n{]\n"),
+             {"lines of many members behind damage",
+              [sample](std::size_t size) {
+                  const std::string line =
+                      numbered("", "\"m", "\":0,", "{", "\"m\":0}\n").make(60000);
+                  return repeated("", line, "[" + sample + "},\n{]\n").make(size);
+              }}},
+            [](const std::string& text, const TemporaryDirectory& directory) -> Action {
+                const auto file = directory.write("usage-history.json", text);
+                return [file] {
+                    const Descriptor opened(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+                    UsageHistoryReader::read(opened.get(), [](const StoredHistorySample&) {});
+                };
+            }};
+}
+
+Reader preferencesReader() {
+    return {"preferences",
+            {repeated("a list", R"("codex",)", R"({"enabledAgents":[)", R"("codex"]})"),
+             numbered("lists", R"("l)", R"(":["a"],)", "{", R"("l":0})")},
+            [](const std::string& text, const TemporaryDirectory& directory) -> Action {
+                // What is no document is moved away by the first who reads it.
+                const auto file = directory / "preferences.json";
+                return [&text, file] {
+                    writeFile(file, text);
+                    makePreferencesFile(file)->setBoolean("showsGlyph", true);
+                };
+            }};
+}
+
+Reader activityLogReader() {
+    return {"activity log",
+            {repeated("entries", "2026-11-20 14:31:20 notice codex: Trying again in 20 s\n"),
+             repeated("lines that are almost entries", "2026-11-20 14:31:20 notice codex\n"),
+             repeated("an entry without end", "x", "2026-11-20 14:31:20 notice codex: ")},
+            [](const std::string& text, const TemporaryDirectory& directory) -> Action {
+                const auto file = directory.write("activity.log", text);
+                return [file] { ActivityLog(file).entries(Instant(), TimeZone::utc()); };
+            }};
+}
+
+Reader redactionReader() {
+    return {"redaction",
+            {repeated("key words", "token "), repeated("begun values", "token: a "),
+             repeated("a long value", "x", "token: "), repeated("users' folders", "/Users/"),
+             repeated("home directories", "/home/anna/"), repeated("begun addresses", "a@"),
+             repeated("domains", "b.", "a@"), repeated("names of addresses", "a.b+c_"),
+             repeated("begun keys", "sk-"), repeated("bearers", "Bearer Authorization: ")},
+            [](const std::string& text, const TemporaryDirectory&) -> Action {
+                return [&text] { redacted(text, "/home/anna", false); };
+            }};
+}
+
+/// Lets the process keep the memory that it has had: to get it from the system again for each long
+/// text, and never for a short one, is most of what makes the long one take more than ten times.
+void keepMemory() {
+#ifdef __GLIBC__
+    ::mallopt(M_MMAP_THRESHOLD, 1 << 30);
+    ::mallopt(M_TRIM_THRESHOLD, -1);
+    ::mallopt(M_TOP_PAD, 64 << 20);
+#endif
+}
+
+double secondsOf(const Action& action) {
+    // Of this thread alone: what else runs on the machine does not count.
+    const auto now = [] {
+        timespec time = {};
+        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+    };
+    const double start = now();
+    action();
+    return now() - start;
+}
+
+/// How many times longer the reader takes for ten times as much, by the quickest of its runs. Ends
+/// as soon as that is as expected.
+double growth(const Reader& reader, const Input& input) {
+    const TemporaryDirectory forShort;
+    const TemporaryDirectory forLong;
+    const std::string shortText = input.make(shortSize);
+    const Action readShort = reader.prepare(shortText, forShort);
+    if (isSanitized) {
+        readShort();
+        return 0;
+    }
+    const std::string longText = input.make(10 * shortSize);
+    const Action readLong = reader.prepare(longText, forLong);
+    double least = std::numeric_limits<double>::infinity();
+    double shortTime = least;
+    double longTime = least;
+    for (int round = 0; round < rounds; ++round) {
+        for (int run = 0; run < 3; ++run) {
+            shortTime = std::min(shortTime, secondsOf(readShort));
+        }
+        longTime = std::min(longTime, secondsOf(readLong));
+        least = std::min(least, longTime / std::max(shortTime, leastSeconds));
+        if (least <= expectedGrowth || least > hopelessGrowth) {
+            break;
+        }
+    }
+    return least;
+}
+
+class LinearTime : public testing::TestWithParam<Reader> {};
+
+TEST_P(LinearTime, IsAllThatAReaderTakesWhateverItIsGiven) {
+    keepMemory();
+    std::vector<Input> inputs = GetParam().inputs;
+    for (Input& input : anyInputs()) {
+        inputs.push_back(std::move(input));
+    }
+    for (const Input& input : inputs) {
+        EXPECT_LE(growth(GetParam(), input), allowedGrowth) << input.name;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, LinearTime,
+                         testing::Values(codexReader(), antigravityReader(), claudeQueryReader(),
+                                         claudeScreenReader(), snapshotsReader(), historyReader(),
+                                         preferencesReader(), activityLogReader(),
+                                         redactionReader()),
+                         [](const testing::TestParamInfo<Reader>& test) {
+                             std::string name = test.param.name;
+                             std::ranges::replace(name, ' ', '_');
+                             return name;
+                         });
+
+} // namespace
+} // namespace vellmark::tests

@@ -1,0 +1,171 @@
+#include "probes/AgentScenario.h"
+#include "probes/claude/ClaudeUsageProvider.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace vellmark::tests {
+namespace {
+
+using Kind = UsageProviderError::Kind;
+
+/// Claude read as shipped: by its query where it has one.
+class ClaudeQueryScenario : public ScenarioTest {
+protected:
+    static ClaudeUsageProvider::Limits limits() {
+        ClaudeUsageProvider::Limits limits;
+        limits.loginCheckGrace = Seconds(0.2);
+        limits.query.killGrace = Seconds(0.3);
+        limits.session.least = Seconds(0.05);
+        limits.session.killGrace = Seconds(0.3);
+        limits.session.timings.statusPauseMs = 30;
+        limits.session.timings.statusEscapePauseMs = 30;
+        limits.session.timings.leavePauseMs = 30;
+        limits.session.timings.exitPauseMs = 100;
+        return limits;
+    }
+
+    std::filesystem::path home() { return sandbox.machine().home; }
+
+    /// How many sessions were opened, each of which would have sent a message to a model.
+    std::ptrdiff_t messagesToAModel() {
+        const std::string lines = contentOf(home() / ".vellmark-simulator/messages");
+        return std::ranges::count(lines, '\n');
+    }
+
+    static std::string wayOf(const AgentUsageSnapshot& snapshot) {
+        for (const SnapshotNote& note : snapshot.notes)
+            if (const auto* way = std::get_if<SnapshotNote::ReadingWay>(&note.value))
+                return way->way;
+        return {};
+    }
+
+    static std::vector<std::string> idsOf(const AgentUsageSnapshot& snapshot) {
+        std::vector<std::string> ids;
+        for (const UsageWindow& window : snapshot.windows)
+            ids.push_back(window.id);
+        return ids;
+    }
+};
+
+TEST_F(ClaudeQueryScenario, takesEachAnswerForWhatItIsAndSpendsNothing) {
+    struct Case {
+        const char* scenario;
+        SnapshotSource source;
+        std::vector<std::string> windows;
+    };
+    const std::vector<std::string> usual{"session", "weekly", "fable-weekly"};
+    for (const Case& test : {
+             Case{"normal", SnapshotSource::live, usual},
+             Case{"split", SnapshotSource::live, usual},
+             Case{"query-huge", SnapshotSource::live, usual},
+             Case{"query-older", SnapshotSource::live, usual},
+             Case{"query-three-models",
+                  SnapshotSource::live,
+                  {"session", "weekly", "fable-weekly", "opus-weekly", "sonnet-weekly"}},
+             Case{"query-stale", SnapshotSource::stale, usual},
+             Case{"query-rows-absent", SnapshotSource::stale, {"session", "weekly"}},
+         }) {
+        SCOPED_TRACE(test.scenario);
+        sandbox.play("claude", test.scenario);
+        ClaudeUsageProvider claude(sandbox.machine(), Seconds(60), {}, limits());
+        const AgentUsageSnapshot snapshot = claude.fetch();
+        EXPECT_EQ(snapshot.source, test.source);
+        EXPECT_EQ(idsOf(snapshot), test.windows);
+        EXPECT_EQ(snapshot.accountLabel, "name@example.org");
+        EXPECT_EQ(wayOf(snapshot), claudeQueryWay);
+        EXPECT_EQ(claude.pace(), ReadingPace{});
+    }
+    EXPECT_EQ(messagesToAModel(), 0);
+}
+
+TEST_F(ClaudeQueryScenario, anAnswerWithoutFiguresIsAReasonAndOpensNoSession) {
+    const std::pair<const char*, Kind> cases[] = {
+        {"query-unavailable", Kind::claudeServiceUnavailable},
+        {"query-refused", Kind::claudeServiceRefused},
+        {"query-api-key", Kind::claudeAPIKey},
+        {"query-no-subscription", Kind::claudeNoSubscription},
+        {"query-nulls", Kind::claudeNoQuotas},
+        {"logged-out", Kind::claudeNotLoggedIn},
+    };
+    for (const auto& [scenario, reason] : cases) {
+        sandbox.play("claude", scenario);
+        ClaudeUsageProvider claude(sandbox.machine(), Seconds(60), {}, limits());
+        const FetchOutcome outcome = outcomeOf(claude);
+        ASSERT_TRUE(std::holds_alternative<UsageProviderError>(outcome)) << scenario;
+        EXPECT_EQ(std::get<UsageProviderError>(outcome).kind(), reason) << scenario;
+    }
+    EXPECT_EQ(messagesToAModel(), 0);
+}
+
+TEST_F(ClaudeQueryScenario, aCLIWithoutTheQueryIsReadByItsScreensAndRarely) {
+    for (const char* scenario : {"query-unsupported", "query-silent", "query-wrong-id"}) {
+        SCOPED_TRACE(scenario);
+        sandbox.play("claude", scenario);
+        const auto before = messagesToAModel();
+        ClaudeUsageProvider claude(sandbox.machine(), Seconds(60), {}, limits());
+        const AgentUsageSnapshot first = claude.fetch();
+        EXPECT_EQ(wayOf(first), claudeSessionWay);
+        EXPECT_EQ(idsOf(first), (std::vector<std::string>{"session", "weekly", "fable-weekly"}));
+        EXPECT_EQ(claude.pace().interval, Seconds(1800));
+        const auto tellsCosts = [](const AgentUsageSnapshot& snapshot) {
+            return std::ranges::count(snapshot.notes, SnapshotNote{SnapshotNote::ReadingCosts{}});
+        };
+        EXPECT_EQ(tellsCosts(first), 1);
+        EXPECT_EQ(tellsCosts(claude.fetch()), 0) << "said once";
+        EXPECT_EQ(messagesToAModel(), before + 2);
+    }
+}
+
+TEST_F(ClaudeQueryScenario, oneWayCanBeForced) {
+    sandbox.play("claude", "normal");
+    ClaudeUsageProvider session(sandbox.machine(), Seconds(60),
+                                {.way = claudeSessionWay, .interval = Seconds(600)}, limits());
+    EXPECT_EQ(wayOf(session.fetch()), claudeSessionWay);
+    EXPECT_EQ(session.pace().interval, Seconds(600));
+    EXPECT_EQ(messagesToAModel(), 1);
+
+    for (const char* scenario : {"query-unsupported", "query-missing", "query-silent"}) {
+        sandbox.play("claude", scenario);
+        ClaudeUsageProvider query(sandbox.machine(), Seconds(60),
+                                  {.way = claudeQueryWay, .interval = {}}, limits());
+        const FetchOutcome outcome = outcomeOf(query);
+        ASSERT_TRUE(std::holds_alternative<UsageProviderError>(outcome)) << scenario;
+        EXPECT_EQ(std::get<UsageProviderError>(outcome).kind(), Kind::claudeQueryFailed)
+            << scenario;
+    }
+    EXPECT_EQ(messagesToAModel(), 1);
+}
+
+TEST_F(ClaudeQueryScenario, asksOnceForWhatTheCLIWouldRepeat) {
+    sandbox.play("claude", "normal");
+    ClaudeUsageProvider claude(sandbox.machine(), Seconds(60), {}, limits());
+    const AgentUsageSnapshot first = claude.fetch();
+    sandbox.play("claude", "query-unavailable");
+    EXPECT_EQ(claude.fetch(), first);
+
+    auto impatient = limits();
+    impatient.repetition = Seconds(0);
+    sandbox.play("claude", "normal");
+    ClaudeUsageProvider asking(sandbox.machine(), Seconds(60), {}, impatient);
+    asking.fetch();
+    sandbox.play("claude", "query-unavailable");
+    EXPECT_TRUE(std::holds_alternative<UsageProviderError>(outcomeOf(asking)));
+}
+
+TEST_F(ClaudeQueryScenario, aQueryThatHangsEndsInTimeAndOpensNoSession) {
+    sandbox.play("claude", "query-hang");
+    auto impatient = limits();
+    impatient.query.answer = Seconds(0.3);
+    ClaudeUsageProvider claude(sandbox.machine(), Seconds(60), {}, impatient);
+    const FetchOutcome outcome = outcomeOf(claude);
+    ASSERT_TRUE(std::holds_alternative<UsageProviderError>(outcome));
+    EXPECT_EQ(std::get<UsageProviderError>(outcome), UsageProviderError::timeout("Claude"));
+    EXPECT_EQ(messagesToAModel(), 0);
+}
+
+} // namespace
+} // namespace vellmark::tests

@@ -1,0 +1,280 @@
+// What Claude Code 2.1.330 really showed in the scripted session, recorded against a service with
+// made-up figures. The expected figures are the service's, percentages and minutes rounded down as
+// the CLI does.
+
+#include "probes/claude/ClaudeSession.h"
+#include "probes/claude/ClaudeUsageParser.h"
+#include "support/ProjectDirectories.h"
+#include "support/TemporaryDirectory.h"
+#include "text/Dates.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <optional>
+#include <ostream>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace vellmark::tests {
+namespace {
+
+using Kind = UsageProviderError::Kind;
+
+Instant minute(const std::string& text) {
+    return parseISO8601("2026-" + text + ":00Z", false).value();
+}
+
+Instant second(const std::string& text) {
+    return parseISO8601("2026-11-22T" + text + "Z", false).value();
+}
+
+UsageWindow session(double used, const std::string& reset) {
+    return {"session", used, 300, minute("11-22T" + reset)};
+}
+UsageWindow week(const std::string& id, double used, const std::string& reset) {
+    return {id, used, 10080, minute(reset)};
+}
+
+struct Recording {
+    std::string name;
+    std::string recorded;
+    int exitStatus = 20;
+    std::vector<UsageWindow> windows = {};
+    /// Absent: the figures are live.
+    std::optional<Seconds> age = {};
+    std::optional<std::string> credit = {};
+    bool lacksEndMarker = false;
+    /// In place of a reading.
+    std::optional<UsageProviderError> reason = {};
+};
+
+std::ostream& operator<<(std::ostream& stream, const Recording& recording) {
+    return stream << recording.name;
+}
+
+const std::string spentSome = "$15.40 / $50.00 spent · Resets Dec 1 (Europe/Zurich)";
+const std::string spentAll = "$50.00 / $50.00 spent · Resets Dec 1 (Europe/Zurich)";
+constexpr Seconds minuteOld{60};
+/// Where the page tells no age.
+constexpr Seconds hourOld{3600};
+
+/// The figures that most recordings are about, with the resets of the recording.
+std::vector<UsageWindow> usual(const std::string& sessionReset, const std::string& weekReset,
+                               bool hasModel = true) {
+    std::vector<UsageWindow> windows = {session(34, sessionReset), week("weekly", 18, weekReset)};
+    if (hasModel) {
+        windows.push_back(week("fable-weekly", 58, weekReset));
+    }
+    return windows;
+}
+
+/// Those that come after them.
+std::vector<UsageWindow> changed() {
+    return {session(77, "04:42"), week("weekly", 22, "11-26T15:38"),
+            week("fable-weekly", 100, "11-26T15:38")};
+}
+
+const Recording recordings[] = {
+    {.name = "first",
+     .recorded = "03:18:54",
+     .windows = usual("05:48", "11-26T18:25"),
+     .credit = spentSome},
+    {.name = "first-unprobed",
+     .recorded = "03:19:35",
+     .exitStatus = 0,
+     .windows = usual("05:49", "11-26T18:26"),
+     .credit = spentSome},
+    {.name = "within-a-minute", .recorded = "03:19:02", .windows = changed(), .credit = spentAll},
+    // The figures of "first-unprobed", 8 s before: for a minute the CLI itself takes them for new
+    // and does not ask again, without a word on the screen.
+    {.name = "within-a-minute-unprobed",
+     .recorded = "03:19:43",
+     .windows = usual("05:49", "11-26T18:26"),
+     .credit = spentSome},
+    {.name = "changed", .recorded = "03:19:10", .windows = changed(), .credit = spentAll},
+    {.name = "changed-unprobed", .recorded = "03:19:52", .windows = changed(), .credit = spentAll},
+    {.name = "full",
+     .recorded = "03:22:02",
+     .windows = {session(100, "03:30"), week("weekly", 100, "11-23T03:20"),
+                 week("fable-weekly", 100, "11-23T03:20")},
+     .credit = spentSome},
+    {.name = "zero",
+     .recorded = "03:21:53",
+     .windows = {{"session", 0, 300, {}}, {"weekly", 0, 10080, {}}}},
+    // The page leaves Opus out.
+    {.name = "three-models",
+     .recorded = "03:22:11",
+     .windows = {session(34, "05:52"), week("weekly", 18, "11-26T18:28"),
+                 week("fable-weekly", 58, "11-26T18:27"), week("sonnet-weekly", 7, "11-26T21:13")},
+     .credit = spentSome},
+    {.name = "credits-off",
+     .recorded = "03:22:21",
+     .windows = usual("05:52", "11-26T18:28", false)},
+    {.name = "pro", .recorded = "03:22:51", .windows = usual("05:52", "11-26T18:29", false)},
+    {.name = "rows-absent",
+     .recorded = "03:22:39",
+     .windows = usual("05:50", "11-26T18:27", false),
+     .lacksEndMarker = true},
+    {.name = "slow",
+     .recorded = "03:21:44",
+     .windows = usual("05:51", "11-26T18:28", false),
+     .age = hourOld,
+     .lacksEndMarker = true},
+    {.name = "429",
+     .recorded = "03:19:27",
+     .windows = usual("05:49", "11-26T18:25", false),
+     .age = hourOld,
+     .lacksEndMarker = true},
+    {.name = "429-first",
+     .recorded = "03:20:44",
+     .windows = usual("05:50", "11-26T18:27", false),
+     .age = hourOld,
+     .lacksEndMarker = true},
+    {.name = "500-first",
+     .recorded = "03:20:53",
+     .windows = usual("05:50", "11-26T18:27", false),
+     .age = hourOld,
+     .lacksEndMarker = true},
+    {.name = "429-unprobed",
+     .recorded = "03:19:59",
+     .exitStatus = 0,
+     .windows = changed(),
+     .age = minuteOld,
+     .credit = spentAll},
+    {.name = "429-old-unprobed",
+     .recorded = "03:20:34",
+     .exitStatus = 126,
+     .reason =
+         UsageProviderError::claudeServiceRefused("The usage page is rate limited until 4:26am.")},
+    {.name = "no-snapshot-offline",
+     .recorded = "03:21:29",
+     .exitStatus = 126,
+     .reason = UsageProviderError::claudePageError("Couldn't load usage")},
+    {.name = "nulls", .recorded = "03:22:30", .reason = UsageProviderError(Kind::claudeNoQuotas)},
+    {.name = "no-subscription",
+     .recorded = "03:23:38",
+     .exitStatus = 124,
+     .reason = UsageProviderError::timeout("Claude")},
+    {.name = "api-key",
+     .recorded = "03:24:26",
+     .exitStatus = 124,
+     .reason = UsageProviderError::timeout("Claude")},
+    {.name = "logged-out",
+     .recorded = "03:25:05",
+     .exitStatus = 128,
+     .reason = UsageProviderError(Kind::claudeNotLoggedIn)},
+};
+
+std::string capture(const std::string& name) {
+    return contentOf(sourceFile("tests/probes/claude/data/screen-" + name + ".raw"));
+}
+
+class ClaudeRecording : public testing::TestWithParam<Recording> {};
+
+TEST_P(ClaudeRecording, isTheServicesFiguresOrSaysWhyNot) {
+    const Recording& recording = GetParam();
+    const Instant now = second(recording.recorded);
+    const ClaudeScreen screen(capture(recording.name));
+    std::optional<UsageProviderError> reason;
+    try {
+        const AgentUsageSnapshot snapshot =
+            interpretClaudeSession(screen, {recording.exitStatus, false}, now);
+        EXPECT_EQ(snapshot.windows, recording.windows);
+        EXPECT_EQ(snapshot.source, recording.age ? SnapshotSource::stale : SnapshotSource::live);
+        EXPECT_EQ(snapshot.updatedAt, now - recording.age.value_or(Seconds(0)));
+        EXPECT_EQ(snapshot.accountLabel, "user@example.com");
+        EXPECT_EQ(snapshot.plan, recording.name == "pro" ? "Claude Pro" : "Claude Max");
+        EXPECT_EQ(snapshot.credit, recording.credit
+                                       ? std::optional(CreditInfo::line(*recording.credit))
+                                       : std::nullopt);
+        const auto lacksMarker = [](const SnapshotNote& note) {
+            return std::holds_alternative<SnapshotNote::ClaudeEndMarkerMissing>(note.value);
+        };
+        EXPECT_EQ(std::ranges::any_of(snapshot.notes, lacksMarker), recording.lacksEndMarker);
+        EXPECT_EQ(snapshot.isIncomplete, recording.lacksEndMarker);
+        EXPECT_EQ(snapshot.error.has_value(), recording.age.has_value()) << "why it is not live";
+        const SnapshotNote creditsOff{SnapshotNote::AgentSays{"Usage credits are off"}};
+        const std::set<std::string> withoutCredits = {"zero", "credits-off", "pro"};
+        EXPECT_EQ(std::ranges::count(snapshot.notes, creditsOff),
+                  withoutCredits.contains(recording.name) ? 1 : 0);
+        EXPECT_TRUE(ClaudeUsageParser::stamps(screen));
+    } catch (const UsageProviderError& error) {
+        reason = error;
+    }
+    EXPECT_EQ(reason, recording.reason);
+}
+
+std::string testName(const testing::TestParamInfo<Recording>& recording) {
+    std::string name = recording.param.name;
+    std::replace(name.begin(), name.end(), '-', '_');
+    return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(, ClaudeRecording, testing::ValuesIn(recordings), testName);
+
+// Recorded with another zone than the probe's sessions have: only the figures can be right.
+TEST(ClaudeRecordings, areReadWithoutTheirZone) {
+    const ClaudeScreen screen(capture("los-angeles"));
+    const auto snapshot = interpretClaudeSession(screen, {20, false}, second("03:19:19"));
+    ASSERT_EQ(snapshot.windows.size(), 3u);
+    EXPECT_EQ(snapshot.windows[0].usedPercent, 34);
+    EXPECT_EQ(snapshot.windows[1].usedPercent, 18);
+    EXPECT_EQ(snapshot.windows[1].resetsAt, minute("11-26T09:25"));
+    EXPECT_EQ(snapshot.windows[2].usedPercent, 58);
+}
+
+TEST(ClaudeRecordings, tellWhyFiguresAreNotNew) {
+    const struct {
+        const char* name;
+        std::optional<ClaudeUsageParser::Staleness> expected;
+    } cases[] = {
+        {"changed", std::nullopt},
+        {"slow", {{"Refreshing usage…", std::nullopt, true}}},
+        {"500-first", {{"Couldn't refresh usage data", std::nullopt, false}}},
+        {"429",
+         {{"Per-model breakdown unavailable (rate limited until 4:25am)", std::nullopt, false}}},
+        {"429-unprobed",
+         {{"Showing last-known usage as of 1m ago (rate limited until 4:25am)", minuteOld, false}}},
+    };
+    for (const auto& [name, expected] : cases) {
+        EXPECT_EQ(ClaudeUsageParser::staleness(ClaudeScreen(capture(name))), expected) << name;
+    }
+}
+
+TEST(ClaudeRecordings, tellWhetherCreditsAreOff) {
+    for (const Recording& recording : recordings) {
+        const bool areOff =
+            recording.name == "credits-off" || recording.name == "pro" || recording.name == "zero";
+        EXPECT_EQ(ClaudeUsageParser::creditsAreOff(ClaudeScreen(capture(recording.name))), areOff)
+            << recording.name;
+    }
+}
+
+// Cut off anywhere, a page has true figures or none: a percentage is drawn below its heading.
+TEST(ClaudeRecordings, neverMixDrawings) {
+    const std::string whole = capture("changed-unprobed");
+    const Instant now = second("03:19:52");
+    const std::vector<UsageWindow> before = usual("05:49", "11-26T18:26");
+    const std::vector<UsageWindow> after = changed();
+    for (std::size_t length = 0; length <= whole.size(); ++length) {
+        std::vector<UsageWindow> windows;
+        try {
+            windows = interpretClaudeSession(ClaudeScreen(whole.substr(0, length)), {15, true}, now)
+                          .windows;
+        } catch (const UsageProviderError&) {
+        }
+        for (std::size_t index = 0; index < windows.size(); ++index) {
+            const UsageWindow& window = windows[index];
+            const auto isLike = [&](const UsageWindow& other) {
+                return other.id == window.id && other.usedPercent == window.usedPercent &&
+                       (!window.resetsAt || other.resetsAt == window.resetsAt);
+            };
+            EXPECT_TRUE(isLike(before[index]) || isLike(after[index])) << length;
+        }
+    }
+}
+
+} // namespace
+} // namespace vellmark::tests
