@@ -207,6 +207,38 @@ TEST_F(Refresh, AutomaticTriggersRespectHoldAndPause) {
     ASSERT_TRUE(finishRefresh());
 }
 
+TEST_F(Refresh, OneAgentReadAloneMakesTheOthersNoNewer) {
+    makeStore();
+    refresh(RefreshTrigger::launch);
+    const auto completed = state().lastRefreshCompletedAt;
+    executor.advance(Seconds(300));
+
+    claude->holdFetches();
+    store->refresh(RefreshTrigger::manual, {claude->id()});
+    EXPECT_EQ(state().reading, std::set{claude->id()});
+    claude->letGo();
+    ASSERT_TRUE(finishRefresh());
+    EXPECT_TRUE(state().reading.empty());
+    EXPECT_EQ(codex->fetchCount(), 1);
+    EXPECT_EQ(claude->fetchCount(), 2);
+    EXPECT_TRUE(state().readingTook.contains(claude->id()));
+    EXPECT_EQ(state().lastRefreshCompletedAt, completed);
+
+    store->refresh(RefreshTrigger::window);
+    ASSERT_TRUE(finishRefresh());
+    EXPECT_EQ(claude->fetchCount(), 2) << "it was read a moment ago";
+    EXPECT_EQ(codex->fetchCount(), 2) << "the others were not";
+    EXPECT_EQ(state().lastRefreshCompletedAt, executor.now());
+
+    executor.advance(Seconds(300));
+    claude->holdFetches();
+    store->refresh(RefreshTrigger::manual, {claude->id()});
+    store->refresh(RefreshTrigger::timer);
+    claude->letGo();
+    ASSERT_TRUE(finishRefresh());
+    EXPECT_EQ(state().lastRefreshCompletedAt, executor.now()) << "it has become one of all";
+}
+
 TEST_F(Refresh, ATimeoutIsRetriedOnceWhereTheAgentAsksForIt) {
     makeStore();
     codex->fails(UsageProviderError::timeout("Codex"));
