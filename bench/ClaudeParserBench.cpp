@@ -2,7 +2,7 @@
 // 1 MB. Time must grow with the capture and no faster, whatever it consists of.
 
 #include "probes/claude/ClaudeDiagnostics.h"
-#include "probes/claude/ClaudeSession.h"
+#include "probes/claude/ClaudeSessionInterpretation.h"
 #include "text/TerminalLayout.h"
 
 #include <benchmark/benchmark.h>

@@ -93,8 +93,9 @@ struct MainThread {
 class Program {
 public:
     explicit Program(char** arguments) {
-        if (::posix_spawn(&pid_, arguments[0], nullptr, nullptr, arguments, environ) != 0)
+        if (::posix_spawn(&pid_, arguments[0], nullptr, nullptr, arguments, environ) != 0) {
             throw std::runtime_error("the program does not start");
+        }
     }
     ~Program() {
         ::kill(pid_, SIGTERM);
@@ -106,8 +107,9 @@ public:
     long status(const std::filesystem::path& file, const std::string& name) const {
         std::ifstream stream(file / "status");
         for (std::string line; std::getline(stream, line);) {
-            if (line.starts_with(name + ":"))
+            if (line.starts_with(name + ":")) {
                 return std::atol(line.c_str() + name.size() + 1);
+            }
         }
         return 0;
     }
@@ -120,8 +122,9 @@ public:
     /// How often each thread has been woken so far.
     std::map<std::string, long> wakeUps() const {
         std::map<std::string, long> counts;
-        for (const auto& thread : std::filesystem::directory_iterator(directory() / "task"))
+        for (const auto& thread : std::filesystem::directory_iterator(directory() / "task")) {
             counts[thread.path().filename()] = status(thread.path(), "voluntary_ctxt_switches");
+        }
         return counts;
     }
     /// The main thread so far.
@@ -162,8 +165,9 @@ public:
         const std::unique_ptr<xcb_get_image_reply_t, decltype(&std::free)> reply(
             xcb_get_image_reply(connection_, cookie, nullptr), &std::free);
         std::uint32_t value = 0;
-        if (reply && xcb_get_image_data_length(reply.get()) >= 4)
+        if (reply && xcb_get_image_data_length(reply.get()) >= 4) {
             std::memcpy(&value, xcb_get_image_data(reply.get()), 4);
+        }
         return value & 0xFFFFFF;
     }
 
@@ -195,8 +199,9 @@ private:
 
 std::string waitForItem(NotifierPanel& panel) {
     const std::string service = panel.waitForItem(patience);
-    if (service.empty())
+    if (service.empty()) {
         throw std::runtime_error("no item has come");
+    }
     return service;
 }
 
@@ -209,8 +214,9 @@ void measureLaunch(NotifierPanel& panel, char** arguments) {
         const auto start = Clock::now();
         const Program program(arguments);
         Item item(waitForItem(panel));
-        if (item.iconSizes() == 0)
+        if (item.iconSizes() == 0) {
             throw std::runtime_error("the item has no icon");
+        }
         times.push_back(milliseconds(Clock::now() - start));
         const MainThread thread = program.mainThread();
         running.push_back(thread.running);
@@ -227,8 +233,9 @@ double measureToggle(Item& item, const Screen& screen) {
     const auto start = Clock::now();
     item.activate();
     while (screen.pixel(640, 60) == before) {
-        if (Clock::now() - start > patience)
+        if (Clock::now() - start > patience) {
             throw std::runtime_error("the popover does not react");
+        }
     }
     return milliseconds(Clock::now() - start);
 }
@@ -259,8 +266,9 @@ void measurePopover(const Program& program, Item& item) {
     const Opening first = measureOpening(program, item, screen);
     const double kept = program.residentMegabytes();
     std::vector<double> times;
-    for (int opening = 0; opening < openings; ++opening)
+    for (int opening = 0; opening < openings; ++opening) {
         times.push_back(measureOpening(program, item, screen).time);
+    }
     printLimited("popover on screen", median(times), "ms", 50,
                  "median of " + std::to_string(openings));
     printOpening("  the first time", first);

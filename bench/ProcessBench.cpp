@@ -1,7 +1,7 @@
 // What the bounds around a child cost: the launch against the system's bare one, and how late the
 // end of a child and the end of its time are noticed.
 
-#include "probes/BoundedProcess.h"
+#include "process/BoundedProcess.h"
 
 #include <benchmark/benchmark.h>
 
@@ -43,8 +43,9 @@ BENCHMARK(bareLaunch)->Name("Process/bareSpawn")->UseRealTime()->MinTime(2);
 
 void boundedRun(benchmark::State& state) {
     const ChildConfiguration child = childFor("/bin/true");
-    for (auto _ : state)
+    for (auto _ : state) {
         benchmark::DoNotOptimize(BoundedProcess::run(child, longLimit, Seconds(1)));
+    }
 }
 BENCHMARK(boundedRun)->Name("Process/boundedRun")->UseRealTime()->MinTime(2);
 
@@ -52,8 +53,9 @@ void capturingRun(benchmark::State& state) {
     ChildConfiguration child = childFor("/bin/true");
     child.standardOutput = ChildOutput::captured(1 << 20);
     child.standardError = ChildOutput::captured(1 << 20);
-    for (auto _ : state)
+    for (auto _ : state) {
         benchmark::DoNotOptimize(BoundedProcess::run(child, longLimit, Seconds(1)));
+    }
 }
 BENCHMARK(capturingRun)->Name("Process/capturingRun")->UseRealTime()->MinTime(2);
 
@@ -64,8 +66,9 @@ void endSeen(benchmark::State& state) {
     for (auto _ : state) {
         std::atomic<Clock::time_point> killed{};
         std::thread killer([&killed] {
-            while (RunningChildren::snapshot().empty())
+            while (RunningChildren::snapshot().empty()) {
                 std::this_thread::yield();
+            }
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
             killed = Clock::now();
             ::kill(RunningChildren::snapshot().front(), SIGKILL);

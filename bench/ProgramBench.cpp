@@ -26,18 +26,22 @@ const fs::path programs = VELLMARK_BINARY_DIRECTORY;
 void runVellmark(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), (programs / "vellmark").string());
     std::vector<char*> pointers;
-    for (std::string& argument : arguments)
+    for (std::string& argument : arguments) {
         pointers.push_back(argument.data());
+    }
     pointers.push_back(nullptr);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    for (const int stream : {STDOUT_FILENO, STDERR_FILENO})
+    for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
         posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_WRONLY, 0);
+    }
     pid_t child = 0;
     int status = 0;
     char* environment[] = {nullptr};
-    if (posix_spawn(&child, pointers.front(), &actions, nullptr, pointers.data(), environment) == 0)
+    if (posix_spawn(&child, pointers.front(), &actions, nullptr, pointers.data(), environment) ==
+        0) {
         ::waitpid(child, &status, 0);
+    }
     posix_spawn_file_actions_destroy(&actions);
 }
 
@@ -79,8 +83,9 @@ private:
 
 /// Under 5 ms.
 void version(benchmark::State& state) {
-    for (auto _ : state)
+    for (auto _ : state) {
         runVellmark({"--version"});
+    }
 }
 BENCHMARK(version)->Name("Program/version")->UseRealTime()->Unit(benchmark::kMillisecond);
 
@@ -88,8 +93,9 @@ BENCHMARK(version)->Name("Program/version")->UseRealTime()->Unit(benchmark::kMil
 void cachedStatus(benchmark::State& state) {
     const Sandbox sandbox;
     sandbox.run({"usage"});
-    for (auto _ : state)
+    for (auto _ : state) {
         sandbox.run({"status", "--cached"});
+    }
 }
 BENCHMARK(cachedStatus)->Name("Program/statusCached")->UseRealTime()->Unit(benchmark::kMillisecond);
 

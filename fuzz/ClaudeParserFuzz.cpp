@@ -1,7 +1,7 @@
 // Any capture, with any exit status, is a snapshot or a UsageProviderError.
 
 #include "probes/claude/ClaudeDiagnostics.h"
-#include "probes/claude/ClaudeSession.h"
+#include "probes/claude/ClaudeSessionInterpretation.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     using namespace vellmark;

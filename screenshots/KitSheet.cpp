@@ -13,7 +13,7 @@
 #include "ui/kit/Tabs.h"
 #include "ui/kit/Theme.h"
 #include "ui/kit/Toggle.h"
-#include "ui/kit/UsageProgressBar.h"
+#include "ui/kit/Bar.h"
 
 #include <QCoreApplication>
 #include <QHoverEvent>
@@ -207,7 +207,7 @@ void addBars(QWidget* parent, int& top) {
         {8, {1, 60, ColorRole::critical, false}},   {8, {0, 40, ColorRole::critical, false}},
         {8, {64, {}, ColorRole::healthy, false}},   {8, {64, 50, ColorRole::healthy, true}}};
     for (const Sample& sample : samples) {
-        auto* bar = new kit::UsageProgressBar(sample.height, parent);
+        auto* bar = new kit::Bar(sample.height, parent);
         bar->setLook(sample.look);
         bar->setGeometry(margin, top, 300, bar->sizeHint().height());
         top += 24;

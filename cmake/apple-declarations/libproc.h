@@ -1,9 +1,8 @@
 #pragma once
 
+#include <stdint.h>
 #include <sys/proc_info.h>
 #include <sys/types.h>
-
-#include <stdint.h>
 
 #ifdef __cplusplus
 extern "C" {

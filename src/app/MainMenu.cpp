@@ -26,13 +26,15 @@ void MainMenu::rebuild(const std::vector<MenuContent>& menus) {
     for (const MenuContent& content : menus) {
         auto menu = std::make_unique<QMenu>(QString::fromStdString(content.title));
         connect(menu.get(), &QMenu::aboutToShow, this, &MainMenu::validate);
-        for (const MenuItemContent& item : content.items)
+        for (const MenuItemContent& item : content.items) {
             add(*menu, item);
+        }
         menus_.push_back(std::move(menu));
     }
     for (QWidget* window : windows_) {
-        for (const Entry& entry : entries_)
+        for (const Entry& entry : entries_) {
             window->addAction(entry.action);
+        }
     }
     validate();
 }
@@ -43,8 +45,9 @@ void MainMenu::add(QMenu& menu, const MenuItemContent& item) {
         return;
     }
     QAction* action = menu.addAction(QString::fromStdString(item.title));
-    if (item.key != 0)
+    if (item.key != 0) {
         action->setShortcut(QKeySequence(Qt::CTRL | Qt::Key(QChar(item.key).toUpper().unicode())));
+    }
     connect(action, &QAction::triggered, this,
             [this, name = item.action] { events_.choose(name); });
     entries_.push_back({action, item.action});
@@ -55,18 +58,21 @@ void MainMenu::attach(QWidget& window) {
     connect(&window, &QObject::destroyed, this, [this, gone = &window] {
         windows_.erase(std::remove(windows_.begin(), windows_.end(), gone), windows_.end());
     });
-    if (systemBar_)
+    if (systemBar_) {
         return;
-    for (const Entry& entry : entries_)
+    }
+    for (const Entry& entry : entries_) {
         window.addAction(entry.action);
+    }
     auto* open = new QShortcut(Qt::Key_F10, &window);
     connect(open, &QShortcut::activated, this, [this, at = &window] { popUp(*at); });
 }
 
 void MainMenu::popUp(QWidget& window) {
     QMenu root;
-    for (const auto& menu : menus_)
+    for (const auto& menu : menus_) {
         root.addMenu(menu.get());
+    }
     root.exec(window.mapToGlobal(QPoint(8, 8)));
 }
 
@@ -76,18 +82,22 @@ bool MainMenu::performInResponderChain(std::string_view action) {
     QWidget* window = popover ? popover : QApplication::activeWindow();
     QWidget* focus = QApplication::focusWidget();
     if (action == menuAction::closeWindow) {
-        if (window)
+        if (window) {
             window->close();
+        }
     } else if (action == menuAction::minimize) {
-        if (window && !popover)
+        if (window && !popover) {
             window->showMinimized();
+        }
     } else if (action == menuAction::hide) {
-        for (QWidget* each : windows_)
+        for (QWidget* each : windows_) {
             each->hide();
+        }
     } else if (action == menuAction::copy || action == menuAction::selectAll) {
         const QByteArray method = QByteArray(action.data(), qsizetype(action.size())) + "()";
-        if (focus && focus->metaObject()->indexOfMethod(method) >= 0)
+        if (focus && focus->metaObject()->indexOfMethod(method) >= 0) {
             QMetaObject::invokeMethod(focus, std::string(action).c_str());
+        }
     } else {
         return false;
     }
@@ -95,8 +105,9 @@ bool MainMenu::performInResponderChain(std::string_view action) {
 }
 
 void MainMenu::validate() {
-    for (const Entry& entry : entries_)
+    for (const Entry& entry : entries_) {
         entry.action->setEnabled(events_.isEnabled(entry.name));
+    }
 }
 
 } // namespace vellmark

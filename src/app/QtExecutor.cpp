@@ -18,8 +18,9 @@ void QtExecutor::post(Task task) {
         isFirst = posted_.empty();
         posted_.push_back(std::move(task));
     }
-    if (isFirst)
+    if (isFirst) {
         QMetaObject::invokeMethod(this, &QtExecutor::runPosted, Qt::QueuedConnection);
+    }
 }
 
 void QtExecutor::runPosted() {
@@ -28,8 +29,9 @@ void QtExecutor::runPosted() {
         const std::lock_guard hold(lock_);
         tasks.swap(posted_);
     }
-    for (const Task& task : tasks)
+    for (const Task& task : tasks) {
         task();
+    }
 }
 
 MainExecutor::Timer QtExecutor::postAfter(Seconds delay, Seconds tolerance, Task task) {
@@ -41,8 +43,9 @@ MainExecutor::Timer QtExecutor::postAfter(Seconds delay, Seconds tolerance, Task
 }
 
 void QtExecutor::cancel(Timer timer) {
-    if (alarms_.erase(timer) > 0)
+    if (alarms_.erase(timer) > 0) {
         arm();
+    }
 }
 
 void QtExecutor::arm() {
@@ -62,13 +65,15 @@ void QtExecutor::runDue() {
     // A task may cancel others that are due with it.
     std::vector<Timer> due;
     for (const auto& [timer, alarm] : alarms_) {
-        if (alarm.due <= now)
+        if (alarm.due <= now) {
             due.push_back(timer);
+        }
     }
     for (const Timer timer : due) {
         const auto found = alarms_.find(timer);
-        if (found == alarms_.end())
+        if (found == alarms_.end()) {
             continue;
+        }
         const Task task = std::move(found->second.task);
         alarms_.erase(found);
         task();

@@ -17,12 +17,14 @@ constexpr int largestSide = 4096;
 
 /// False when `text` is neither a number nor "none".
 bool readShare(const std::string& text, std::optional<double>& share) {
-    if (text == "none")
+    if (text == "none") {
         return true;
+    }
     bool isNumber = false;
     const double value = QString::fromStdString(text).toDouble(&isNumber);
-    if (!isNumber || !std::isfinite(value))
+    if (!isNumber || !std::isfinite(value)) {
         return false;
+    }
     share = std::clamp(value, 0.0, 100.0);
     return true;
 }

@@ -6,7 +6,7 @@
 #include "platform/UnusedMemory.h"
 #include "presentation/MainWindowContent.h"
 #include "presentation/PopoverContent.h"
-#include "probes/BoundedProcess.h"
+#include "process/BoundedProcess.h"
 #include "setup/AgentSetupStatus.h"
 #include "ui/AboutWindow.h"
 #include "ui/Conversions.h"
@@ -101,20 +101,24 @@ LaunchOutcome VellmarkAppDelegate::applicationDidFinishLaunching() {
 }
 
 void VellmarkAppDelegate::applicationWillTerminate() {
-    if (isRunningTests_ || std::exchange(hasTerminated_, true))
+    if (isRunningTests_ || std::exchange(hasTerminated_, true)) {
         return;
+    }
     loops_.reset();
     mainWindow_.saveFrame();
-    if (store_)
+    if (store_) {
         store_->abortRefresh();
+    }
     terminateAllChildren(terminationGrace);
-    if (setupCheck_.joinable())
+    if (setupCheck_.joinable()) {
         setupCheck_.join();
+    }
 }
 
 bool VellmarkAppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/) {
-    if (!isRunningTests_)
+    if (!isRunningTests_) {
         showMainWindow();
+    }
     return false;
 }
 
@@ -157,8 +161,9 @@ void VellmarkAppDelegate::applyAppearance() {
     kit::Theme::setCurrent(appearance_.isDark(scheme, paletteIsDark)
                                ? kit::Theme::Appearance::dark
                                : kit::Theme::Appearance::light);
-    if (statusItem_)
+    if (statusItem_) {
         statusItem_->setPanelScheme(panelScheme_);
+    }
 }
 
 void VellmarkAppDelegate::observeAppearance() {
@@ -191,8 +196,9 @@ void VellmarkAppDelegate::configurePopover() {
         preferences_->setString(popoverTabKey, tab.storedForm());
     };
     popover_->onOpenChange = [this](bool isOpen) {
-        if (statusItem_)
+        if (statusItem_) {
             statusItem_->setPopoverOpen(isOpen);
+        }
     };
     mainMenu_.attach(*popover_);
     new WindowMemory(*popover_, [this] { return std::move(popover_); });
@@ -205,8 +211,9 @@ void VellmarkAppDelegate::observeStore() {
 
 /// The change has not landed yet; several in one turn of the loop are looked at once.
 void VellmarkAppDelegate::storeChanged() {
-    if (std::exchange(isReevaluationPosted_, true))
+    if (std::exchange(isReevaluationPosted_, true)) {
         return;
+    }
     executor_.post([this] {
         isReevaluationPosted_ = false;
         asksForSetup_ = asksForSetup_ && !isEveryAgentRead(store_->state());
@@ -222,8 +229,9 @@ void VellmarkAppDelegate::observeLanguage() {
         buildMainMenu();
         mainWindow_.retitle();
         aboutWindow_.retitle();
-        if (auto* about = dynamic_cast<AboutWindow*>(aboutWindow_.window()))
+        if (auto* about = dynamic_cast<AboutWindow*>(aboutWindow_.window())) {
             about->setWords(words());
+        }
         updateVisibleViews();
     };
 }
@@ -247,14 +255,16 @@ void VellmarkAppDelegate::startLoops() {
 
 void VellmarkAppDelegate::observeWake() {
     wakeObserver_ = vellmark::observeWake(loop_, [this] {
-        if (loops_)
+        if (loops_) {
             loops_->systemDidWake();
+        }
     });
 }
 
 void VellmarkAppDelegate::runFirstRun() {
-    if (preferences_->boolean(setupCompletedKey).value_or(false))
+    if (preferences_->boolean(setupCompletedKey).value_or(false)) {
         return;
+    }
     setupCheck_ = std::thread([this] {
         const std::vector<AgentSetupStatus> statuses =
             agentSetupStatuses(machine_, providerRegistry());
@@ -264,8 +274,9 @@ void VellmarkAppDelegate::runFirstRun() {
 }
 
 void VellmarkAppDelegate::finishFirstRun(bool needsSetup) {
-    if (needsSetup && !hasTerminated_)
+    if (needsSetup && !hasTerminated_) {
         askForSetup();
+    }
 }
 
 void VellmarkAppDelegate::askForSetup() {
@@ -276,34 +287,39 @@ void VellmarkAppDelegate::askForSetup() {
 // Showing
 
 void VellmarkAppDelegate::reevaluateStatusItem() {
-    if (!statusItem_)
+    if (!statusItem_) {
         return;
+    }
     StatusItemContent content = statusItemContent(store_->state(), now(), words());
-    if (needsRedraw(drawnGlyph_, content.glyph))
+    if (needsRedraw(drawnGlyph_, content.glyph)) {
         drawnGlyph_ = content.glyph;
-    else
+    } else {
         content.glyph = *drawnGlyph_;
+    }
     statusItem_->show(content);
 }
 
 void VellmarkAppDelegate::minuteTick() {
     reevaluateStatusItem();
     updateVisibleViews();
-    if (!wakeObserver_ && clockJump_.look(now(), steadySeconds()))
+    if (!wakeObserver_ && clockJump_.look(now(), steadySeconds())) {
         loops_->systemDidWake();
+    }
 }
 
 void VellmarkAppDelegate::updateVisibleViews() {
-    if (popover_ && popover_->isVisible())
+    if (popover_ && popover_->isVisible()) {
         updatePopover();
+    }
     updateMainWindow();
 }
 
 void VellmarkAppDelegate::updateMainWindow() {
-    if (mainWindow_.isVisible())
+    if (mainWindow_.isVisible()) {
         mainWindowView_->setContent(
             sidebarItems(store_->state(), now(), words()),
             overviewContent(store_->state(), now(), words(), asksForSetup_));
+    }
 }
 
 void VellmarkAppDelegate::updatePopover() {
@@ -323,21 +339,25 @@ void VellmarkAppDelegate::togglePopover() {
 }
 
 void VellmarkAppDelegate::togglePopoverAt(const QRect& anchor) {
-    if (!statusItem_)
+    if (!statusItem_) {
         return;
-    if (!popover_)
+    }
+    if (!popover_) {
         configurePopover();
+    }
     const bool isOpen = popover_->toggle(anchor, [this] {
         store_->refresh(RefreshTrigger::window);
         updatePopover();
     });
-    if (isOpen)
+    if (isOpen) {
         activateApplication();
+    }
 }
 
 void VellmarkAppDelegate::closePopover() {
-    if (popover_)
+    if (popover_) {
         popover_->close();
+    }
 }
 
 void VellmarkAppDelegate::showMainWindow() {
@@ -346,8 +366,9 @@ void VellmarkAppDelegate::showMainWindow() {
     mainWindow_.show();
     store_->refresh(RefreshTrigger::window);
     updateMainWindow();
-    if (isNew)
+    if (isNew) {
         mainWindowView_->showSelection();
+    }
 }
 
 void VellmarkAppDelegate::showPage(AgentPage page) {
@@ -365,8 +386,9 @@ void VellmarkAppDelegate::showAbout() {
 std::unique_ptr<QWidget> VellmarkAppDelegate::makeMainWindow() {
     auto window = std::make_unique<AgentMainWindowView>(actions_, navigation_);
     window->setWindowIcon(applicationIcon());
-    if (const int buttonsHeight = reachUnderTitleBar(*window))
+    if (const int buttonsHeight = reachUnderTitleBar(*window)) {
         window->setTopInset(buttonsHeight);
+    }
     mainWindowView_ = window.get();
     mainMenu_.attach(*window);
     return window;
@@ -408,14 +430,15 @@ void VellmarkAppDelegate::menuItemChosen(std::string_view action) {
         {menuAction::showPrivacy, &Delegate::showPrivacyFromMenu},
         {menuAction::openWindow, &Delegate::showMainWindow},
     };
-    if (const auto method = methods.find(action); method != methods.end())
+    if (const auto method = methods.find(action); method != methods.end()) {
         (this->*method->second)();
-    else if (action == menuAction::refresh)
+    } else if (action == menuAction::refresh) {
         store_->refresh(RefreshTrigger::manual);
-    else if (action == menuAction::terminate)
+    } else if (action == menuAction::terminate) {
         QCoreApplication::quit();
-    else
+    } else {
         mainMenu_.performInResponderChain(action);
+    }
 }
 
 void VellmarkAppDelegate::showAboutFromMenu() {
@@ -430,16 +453,19 @@ void VellmarkAppDelegate::saveActivityFromMenu() {
     const QString directory = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     const QString path = QFileDialog::getSaveFileName(
         mainWindow_.window(), {}, directory + '/' + qString(activityExportFileName(now())));
-    if (path.isEmpty())
+    if (path.isEmpty()) {
         return;
+    }
     const std::string text = store_->activityExportText(exportedActivityDays);
     QSaveFile file(path);
     const auto size = static_cast<qint64>(text.size());
-    if (!file.open(QIODevice::WriteOnly) || file.write(text.data(), size) != size || !file.commit())
+    if (!file.open(QIODevice::WriteOnly) || file.write(text.data(), size) != size ||
+        !file.commit()) {
         QMessageBox::warning(
             mainWindow_.window(), qString(words().text("app.name")),
             qString(words().format("menu.saveActivity.failed",
                                    {path.toStdString(), file.errorString().toStdString()})));
+    }
 }
 
 void VellmarkAppDelegate::showSupportReportFromMenu() {

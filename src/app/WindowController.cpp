@@ -13,8 +13,9 @@ WindowController::WindowController(Description description, WindowPresenceContro
     : description_(std::move(description)), presence_(presence), preferences_(preferences) {}
 
 WindowController::~WindowController() {
-    if (window_)
+    if (window_) {
         window_->removeEventFilter(this);
+    }
 }
 
 void WindowController::show() {
@@ -27,8 +28,9 @@ void WindowController::show() {
         restoreFrame();
     }
     presence_.windowOpened(description_.identifier);
-    if (window_->isMinimized())
+    if (window_->isMinimized()) {
         window_->showNormal();
+    }
     window_->show();
     window_->raise();
     window_->activateWindow();
@@ -45,8 +47,9 @@ bool WindowController::isVisible() const {
 }
 
 void WindowController::retitle() {
-    if (window_)
+    if (window_) {
         window_->setWindowTitle(description_.title());
+    }
 }
 
 bool WindowController::eventFilter(QObject* watched, QEvent* event) {
@@ -57,25 +60,29 @@ bool WindowController::eventFilter(QObject* watched, QEvent* event) {
             presence_.windowClosed(description_.identifier);
         }
         const bool changes = event->type() == QEvent::Hide || event->type() == QEvent::Show;
-        if (changes && description_.onVisibilityChange)
+        if (changes && description_.onVisibilityChange) {
             description_.onVisibilityChange();
+        }
     }
     return QObject::eventFilter(watched, event);
 }
 
 void WindowController::saveFrame() {
-    if (!window_ || description_.autosaveName.empty())
+    if (!window_ || description_.autosaveName.empty()) {
         return;
+    }
     preferences_.setString("Frame " + description_.autosaveName,
                            window_->saveGeometry().toBase64().toStdString());
 }
 
 void WindowController::restoreFrame() {
-    if (description_.autosaveName.empty())
+    if (description_.autosaveName.empty()) {
         return;
+    }
     const auto saved = preferences_.string("Frame " + description_.autosaveName);
-    if (saved)
+    if (saved) {
         window_->restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(*saved)));
+    }
 }
 
 } // namespace vellmark

@@ -17,8 +17,9 @@ WindowMemory::WindowMemory(QWidget& window, std::function<std::unique_ptr<QWidge
 }
 
 bool WindowMemory::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::Show || event->type() == QEvent::Hide)
+    if (event->type() == QEvent::Show || event->type() == QEvent::Hide) {
         delay_.start();
+    }
     return QObject::eventFilter(watched, event);
 }
 

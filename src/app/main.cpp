@@ -9,8 +9,8 @@
 #include "platform/UnusedMemory.h"
 #include "platform/UserLocale.h"
 #include "presentation/LanguageManager.h"
-#include "probes/ChildWatcher.h"
 #include "probes/DemoSandbox.h"
+#include "process/ChildWatcher.h"
 #include "store/DemoHistory.h"
 #include "text/TerminalText.h"
 #include "ui/kit/ToolTip.h"
@@ -70,8 +70,9 @@ int run(QApplication& application, const LaunchOptions& options, const Machine& 
     const TerminationSignals termination(loop, [] { QCoreApplication::quit(); });
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &application,
                      [&delegate] { delegate.applicationWillTerminate(); });
-    if (delegate.applicationDidFinishLaunching() == LaunchOutcome::handedOver)
+    if (delegate.applicationDidFinishLaunching() == LaunchOutcome::handedOver) {
         return 0;
+    }
     return QApplication::exec();
 }
 
@@ -89,8 +90,9 @@ int runOnChosenMachine(QApplication& application, const LaunchOptions& options, 
 
 int runProgram(int argc, char** argv) {
     std::vector<std::string> arguments(argv + 1, argv + argc);
-    if (!arguments.empty() && arguments.front() == "--render-glyph")
+    if (!arguments.empty() && arguments.front() == "--render-glyph") {
         return renderGlyph({arguments.begin() + 1, arguments.end()});
+    }
     if (!arguments.empty() && arguments.front() == "--help") {
         std::fputs(usage, stdout);
         return 0;
@@ -110,8 +112,9 @@ int runProgram(int argc, char** argv) {
         return wrongUse;
     }
 
-    if (!startChildWatcher())
+    if (!startChildWatcher()) {
         report(words.text("watcher.missing"));
+    }
     // The toolkit must not meet a stopped bus.
     leaveOutUnansweringSessionBus();
     QApplication::setApplicationName(QStringLiteral("Vellmark"));

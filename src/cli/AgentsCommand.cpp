@@ -34,12 +34,14 @@ public:
         reportUnreadable(*preferences, context);
         const auto enabled = AgentSettings(*preferences, providerRegistry()).enabled();
         std::vector<AgentFacts> agents;
-        if (const int status = gather(context, agents); status != ExitStatus::done)
+        if (const int status = gather(context, agents); status != ExitStatus::done) {
             return status;
-        if (json_)
+        }
+        if (json_) {
             writeJSON(agents, enabled, context);
-        else
+        } else {
             writeTable(agents, enabled, context);
+        }
         return ExitStatus::done;
     }
 
@@ -56,12 +58,15 @@ private:
             JSON entry{{"id", agent.id.rawValue},
                        {"name", agentName(agent.id, context.words)},
                        {"enabled", enabled.contains(agent.id)}};
-            if (agent.toolPath)
+            if (agent.toolPath) {
                 entry["toolPath"] = agent.toolPath->string();
-            if (agent.toolVersion)
+            }
+            if (agent.toolVersion) {
                 entry["toolVersion"] = singleLine(*agent.toolVersion);
-            if (agent.loggedIn)
+            }
+            if (agent.loggedIn) {
                 entry["loggedIn"] = *agent.loggedIn;
+            }
             list.push_back(std::move(entry));
         }
         context.output.writeData(serialized(list) + "\n");

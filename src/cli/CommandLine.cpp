@@ -159,8 +159,9 @@ struct Parser {
                       .sections = {},
                       .detail = words.text("cli.help.footer")};
         HelpPage::Section commands{words.text("cli.help.group.subcommands"), {}};
-        for (const auto& [subcommand, options] : subcommands)
+        for (const auto& [subcommand, options] : subcommands) {
             commands.entries.push_back({subcommand->name(), words.text(subcommand->summaryKey())});
+        }
         commands.entries.push_back({helpSubcommand, words.text("cli.help.summary")});
         page.sections = {std::move(commands),
                          {words.text("cli.help.group.options"), global.options()}};
@@ -207,8 +208,9 @@ std::string unknownText(const std::string& key, const std::string& typed,
 
 std::vector<std::string> subcommandNames(const Parser& parser) {
     std::vector<std::string> names{helpSubcommand};
-    for (const auto& [subcommand, options] : parser.subcommands)
+    for (const auto& [subcommand, options] : parser.subcommands) {
         names.push_back(subcommand->name());
+    }
     return names;
 }
 
@@ -230,13 +232,15 @@ std::vector<std::string> optionNames(const Parser& parser) {
 /// `isDefault`: no subcommand was named.
 CommandLineFault unplacedFault(const std::string& unplaced, bool isDefault, const Parser& parser) {
     const Localization& words = parser.words;
-    if (unplaced.starts_with("-"))
+    if (unplaced.starts_with("-")) {
         return {unknownText("cli.error.unexpected", unplaced.substr(0, unplaced.find('=')),
                             optionNames(parser), words),
                 helpHint(parser.chosen(), words)};
-    if (isDefault)
+    }
+    if (isDefault) {
         return {unknownText("cli.error.unknownCommand", unplaced, subcommandNames(parser), words),
                 helpHint({}, words)};
+    }
     return {words.format("cli.error.unexpected", {unplaced}), helpHint(parser.chosen(), words)};
 }
 
@@ -244,22 +248,27 @@ CommandLineFault faultOf(const CLI::ParseError& error, const std::vector<std::st
                          bool isDefault, const Parser& parser) {
     const Localization& words = parser.words;
     const std::string message = error.what();
-    if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr)
+    if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
         return unplacedFault(firstUnplaced(arguments, parser.app), isDefault, parser);
+    }
     const std::string hint = helpHint(parser.chosen(), words);
-    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr)
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
         return {words.format("cli.error.valueMissing", {subject(message, ":")}), hint};
-    if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr)
+    }
+    if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
         return {words.format("cli.error.argumentMissing", {subject(message, " is required")}),
                 hint};
+    }
     return {words.format("cli.error.invalid", {singleLine(message)}), hint};
 }
 
 HelpPage helpAbout(const std::string& topic, const Parser& parser) {
-    if (const ParsedSubcommand* about = parser.find(topic))
+    if (const ParsedSubcommand* about = parser.find(topic)) {
         return parser.help(*about);
-    if (topic.empty() || topic == helpSubcommand)
+    }
+    if (topic.empty() || topic == helpSubcommand) {
         return parser.help();
+    }
     throw CommandLineFault{unknownText("cli.error.unknownCommand", singleLine(topic),
                                        subcommandNames(parser), parser.words),
                            helpHint({}, parser.words)};
@@ -267,12 +276,15 @@ HelpPage helpAbout(const std::string& topic, const Parser& parser) {
 
 ColorChoice colorChoice(const Parser& parser) {
     const std::string choice = parser.color.value_or("auto");
-    if (choice == "always")
+    if (choice == "always") {
         return ColorChoice::always;
-    if (choice == "never")
+    }
+    if (choice == "never") {
         return ColorChoice::never;
-    if (choice == "auto")
+    }
+    if (choice == "auto") {
         return ColorChoice::automatic;
+    }
     throw CommandLineFault{parser.words.format("cli.error.unknownColor", {singleLine(choice)}),
                            helpHint({}, parser.words)};
 }
@@ -283,12 +295,15 @@ void checkGlobalOptions(const Parser& parser, const Subcommand* subcommand) {
     const auto refuse = [&](const std::string& message) {
         throw CommandLineFault{message, helpHint({}, words)};
     };
-    if (parser.language && !isLanguage(*parser.language))
+    if (parser.language && !isLanguage(*parser.language)) {
         refuse(words.format("cli.error.language", {singleLine(*parser.language)}));
-    if (parser.demo && parser.sandbox)
+    }
+    if (parser.demo && parser.sandbox) {
         refuse(words.format("cli.error.noEffect", {"--sandbox", "--demo"}));
-    if (parser.demo && subcommand != nullptr && !subcommand->hasDemo())
+    }
+    if (parser.demo && subcommand != nullptr && !subcommand->hasDemo()) {
         refuse(words.format("cli.error.noEffect", {"--demo", subcommand->name()}));
+    }
 }
 
 } // namespace
@@ -297,10 +312,11 @@ std::optional<std::string> requestedLanguage(const std::vector<std::string>& arg
     const std::string prefix = "--language=";
     std::optional<std::string> language;
     for (std::size_t index = 0; index < arguments.size(); ++index) {
-        if (arguments[index].starts_with(prefix))
+        if (arguments[index].starts_with(prefix)) {
             language = arguments[index].substr(prefix.size());
-        else if (arguments[index] == "--language" && index + 1 < arguments.size())
+        } else if (arguments[index] == "--language" && index + 1 < arguments.size()) {
             language = arguments[++index];
+        }
     }
     return language && isLanguage(*language) ? language : std::nullopt;
 }
@@ -314,8 +330,9 @@ CommandLine parseCommandLine(std::vector<std::string> arguments,
                              const std::vector<std::unique_ptr<Subcommand>>& subcommands,
                              const Localization& words) {
     const bool isDefault = meansDefault(arguments, subcommands);
-    if (isDefault)
+    if (isDefault) {
         arguments.insert(arguments.begin(), defaultSubcommand);
+    }
     Parser parser(subcommands, words);
     try {
         std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
@@ -330,8 +347,9 @@ CommandLine parseCommandLine(std::vector<std::string> arguments,
     const ParsedSubcommand* chosen = parser.find(parser.chosen());
     checkGlobalOptions(parser, chosen != nullptr ? chosen->subcommand : nullptr);
     const ColorChoice colors = colorChoice(parser);
-    if (chosen == nullptr)
+    if (chosen == nullptr) {
         return {.help = helpAbout(parser.helpTopic.value_or(""), parser)};
+    }
     return {.subcommand = chosen->subcommand,
             .help = {},
             .sandbox = parser.sandbox,

@@ -22,8 +22,9 @@ struct Item {
 /// The window with the worst health, of several the one with the least left.
 const UsageRowContent* mostPressing(const AgentBlockContent& agent) {
     const auto less = [](const UsageRowContent& first, const UsageRowContent& second) {
-        if (first.bar.health != second.bar.health)
+        if (first.bar.health != second.bar.health) {
             return worse(first.bar.health, second.bar.health) == second.bar.health;
+        }
         return first.bar.filledShare > second.bar.filledShare;
     };
     const auto found = std::ranges::max_element(agent.rows, less);
@@ -36,12 +37,13 @@ Item itemOf(const AgentBlockContent& agent, Detail detail, const TerminalOutput&
             const Localization& words) {
     std::string text = detail == Detail::shortName ? agent.name : agentName(agent.id, words);
     const UsageRowContent* row = mostPressing(agent);
-    if (row == nullptr)
+    if (row == nullptr) {
         text += detail == Detail::window ? " " + output.shown(agent.statusText) : " ?";
-    else if (detail == Detail::window)
+    } else if (detail == Detail::window) {
         text += " · " + singleLine(row->fullLabel) + " " + row->value;
-    else
+    } else {
         text += " " + row->figure;
+    }
     return {output.styled(styleOf(agent.health), output.shapes().dot) + " " + text,
             2 + displayWidth(text)};
 }
@@ -72,15 +74,17 @@ std::vector<std::string> compactRows(const std::vector<AgentBlockContent>& agent
     std::vector<std::string> rows;
     for (const Detail detail : {Detail::window, Detail::figure, Detail::shortName}) {
         std::vector<Item> items;
-        for (const AgentBlockContent& agent : agents)
+        for (const AgentBlockContent& agent : agents) {
             items.push_back(itemOf(agent, detail, output, words));
+        }
         rows = rowsOf(items, width);
         if (rows.size() < mostRows && displayWidth(head) <= width) {
             rows.insert(rows.begin(), output.styled(TextStyle::strong, head));
             return rows;
         }
-        if (detail != Detail::window && rows.size() <= mostRows)
+        if (detail != Detail::window && rows.size() <= mostRows) {
             return rows;
+        }
     }
     // More agents than two rows can name: the most that they can.
     rows.resize(std::min(rows.size(), mostRows));

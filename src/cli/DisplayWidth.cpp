@@ -13,8 +13,9 @@ std::string_view prefixOfWidth(std::string_view text, std::size_t width) {
     std::size_t used = 0;
     for (std::size_t offset = 0; offset < text.size();) {
         used += characterWidth(nextCharacter(text, offset));
-        if (used > width)
+        if (used > width) {
             break;
+        }
         end = offset;
     }
     return text.substr(0, end);
@@ -32,16 +33,19 @@ std::string_view nextWord(std::string_view& rest) {
 
 std::size_t displayWidth(std::string_view text) {
     std::size_t width = 0;
-    for (std::size_t offset = 0; offset < text.size();)
+    for (std::size_t offset = 0; offset < text.size();) {
         width += characterWidth(nextCharacter(text, offset));
+    }
     return width;
 }
 
 std::string cutToWidth(std::string_view text, std::size_t width, std::string_view ellipsis) {
-    if (displayWidth(text) <= width)
+    if (displayWidth(text) <= width) {
         return std::string(text);
-    if (width == 0)
+    }
+    if (width == 0) {
         return {};
+    }
     return std::string(prefixOfWidth(text, width - 1)).append(ellipsis);
 }
 
@@ -56,8 +60,9 @@ std::vector<std::string> wrapped(std::string_view text, std::size_t width) {
     std::vector<std::string> lines(1);
     while (!text.empty()) {
         std::string_view word = nextWord(text);
-        if (word.empty())
+        if (word.empty()) {
             break;
+        }
         if (!lines.back().empty()) {
             if (displayWidth(lines.back()) + 1 + displayWidth(word) <= width) {
                 lines.back().append(" ").append(word);
@@ -73,8 +78,9 @@ std::vector<std::string> wrapped(std::string_view text, std::size_t width) {
         }
         lines.back() = word;
     }
-    if (lines.size() > 1 && lines.back().empty())
+    if (lines.size() > 1 && lines.back().empty()) {
         lines.pop_back();
+    }
     return lines;
 }
 

@@ -19,8 +19,9 @@ constexpr std::size_t textIndent = 6;
 
 std::string paragraph(const std::string& text, std::size_t column, std::size_t width) {
     std::string lines;
-    for (const std::string& line : wrapped(text, width - column))
+    for (const std::string& line : wrapped(text, width - column)) {
         lines += std::string(column, ' ') + line + "\n";
+    }
     return lines;
 }
 
@@ -31,8 +32,9 @@ std::string HelpPage::text(std::size_t width) const {
     std::size_t term = 0;
     for (const Section& section : sections) {
         for (const Entry& entry : section.entries) {
-            if (const std::size_t size = displayWidth(entry.term); size <= widestTerm)
+            if (const std::size_t size = displayWidth(entry.term); size <= widestTerm) {
                 term = std::max(term, size);
+            }
         }
     }
     const std::size_t beside = indent + term + gap;
@@ -41,16 +43,18 @@ std::string HelpPage::text(std::size_t width) const {
 
     std::string page = paragraph(summary, 0, width) + "\n" + paragraph(usage, 0, width);
     for (const Section& section : sections) {
-        if (section.entries.empty())
+        if (section.entries.empty()) {
             continue;
+        }
         page += "\n" + section.title + ":\n";
         for (const Entry& entry : section.entries) {
             const std::string text = paragraph(entry.text, column, width);
-            if (isBeside && displayWidth(entry.term) <= term)
+            if (isBeside && displayWidth(entry.term) <= term) {
                 page +=
                     std::string(indent, ' ') + padded(entry.term, term + gap) + text.substr(column);
-            else
+            } else {
                 page += paragraph(entry.term, indent, width) + text;
+            }
         }
     }
     return detail.empty() ? page : page + "\n" + paragraph(detail, 0, width);

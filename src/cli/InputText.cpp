@@ -35,10 +35,12 @@ std::optional<std::string> readInputText(const std::optional<std::string>& file,
     std::error_code error;
     const auto text = isStandardInput(file) ? readToEnd(STDIN_FILENO, error, largestInput + 1)
                                             : readWholeFile(*file, error, largestInput + 1);
-    if (text && text->size() > largestInput)
+    if (text && text->size() > largestInput) {
         error = std::make_error_code(std::errc::file_too_large);
-    if (!error)
+    }
+    if (!error) {
         return text;
+    }
     report(file, error, context);
     return std::nullopt;
 }
@@ -48,17 +50,20 @@ bool readInputPieces(const std::optional<std::string>& file, const CommandContex
     const Descriptor opened(isStandardInput(file) ? -1
                                                   : ::open(file->c_str(), O_RDONLY | O_CLOEXEC));
     std::error_code error;
-    if (!isStandardInput(file) && !opened.isOpen())
+    if (!isStandardInput(file) && !opened.isOpen()) {
         error = lastSystemError();
+    }
     const int descriptor = isStandardInput(file) ? STDIN_FILENO : opened.get();
     std::string piece(pieceSize, '\0');
     while (!error) {
         const ssize_t count = ::read(descriptor, piece.data(), piece.size());
-        if (count == 0)
+        if (count == 0) {
             return true;
+        }
         if (count > 0) {
-            if (!take({piece.data(), static_cast<std::size_t>(count)}))
+            if (!take({piece.data(), static_cast<std::size_t>(count)})) {
                 return true;
+            }
         } else if (errno != EINTR) {
             error = lastSystemError();
         }

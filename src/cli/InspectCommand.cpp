@@ -6,7 +6,7 @@
 #include "probes/antigravity/AntigravityReading.h"
 #include "probes/claude/ClaudeQuery.h"
 #include "probes/claude/ClaudeScreen.h"
-#include "probes/claude/ClaudeSession.h"
+#include "probes/claude/ClaudeSessionInterpretation.h"
 #include "probes/codex/CodexReading.h"
 #include "text/TerminalText.h"
 
@@ -31,22 +31,26 @@ struct SavedRun {
 
 /// A query's answer or a screen's capture, whichever it is.
 AgentUsageSnapshot interpretClaude(const SavedRun& run) {
-    if (!isClaudeQueryOutput(run.output))
+    if (!isClaudeQueryOutput(run.output)) {
         return interpretClaudeSession(ClaudeScreen(run.output), {run.exitStatus, run.timedOut},
                                       run.now);
+    }
     const ClaudeQueryReply reply = parseClaudeQueryReply(run.output, std::nullopt);
-    if (reply.kind != ClaudeQueryReply::Kind::answered)
+    if (reply.kind != ClaudeQueryReply::Kind::answered) {
         throw UsageProviderError::claudeQueryFailed(reply.reason);
+    }
     // Which version gave the answer is not in it: it is taken as today's.
     return claudeQuerySnapshot(reply.answer, {}, std::nullopt, run.now);
 }
 
 AgentUsageSnapshot interpret(const AgentProviderID& agent, const SavedRun& run,
                              const Machine& machine) {
-    if (agent == AgentProviderID::claude())
+    if (agent == AgentProviderID::claude()) {
         return interpretClaude(run);
-    if (agent == AgentProviderID::codex())
+    }
+    if (agent == AgentProviderID::codex()) {
         return codexSnapshot(run.output, run.now, machine.home.string());
+    }
     return antigravitySnapshot({.output = AntigravityOutput::read(run.output, TimeZone::system()),
                                 .log = run.log,
                                 .exitStatus = run.exitStatus,
@@ -77,8 +81,9 @@ public:
         const AgentProviderID agent = agentArgument(agent_);
         refuseWhatHasNoEffect(agent);
         std::optional<SavedRun> run = savedRun(context);
-        if (!run)
+        if (!run) {
             return ExitStatus::failed;
+        }
         AgentUsageSnapshot snapshot{.id = agent, .updatedAt = run->now};
         try {
             snapshot = interpret(agent, *run, context.machine);
@@ -87,8 +92,9 @@ public:
             snapshot.error = error;
         }
         context.output.writeData(serialized(toJSON(snapshot)) + "\n");
-        if (!snapshot.error)
+        if (!snapshot.error) {
             return ExitStatus::done;
+        }
         context.report(singleLine(snapshot.error->message(context.words)));
         return ExitStatus::failed;
     }
@@ -97,12 +103,15 @@ private:
     /// Not every reading depends on all that can be told about a run.
     void refuseWhatHasNoEffect(const AgentProviderID& agent) const {
         const bool isCodex = agent == AgentProviderID::codex();
-        if (isCodex && exitStatus_)
+        if (isCodex && exitStatus_) {
             throw WrongArguments("cli.error.noEffect", "--exit-status", agent.rawValue);
-        if (isCodex && timedOut_)
+        }
+        if (isCodex && timedOut_) {
             throw WrongArguments("cli.error.noEffect", "--timed-out", agent.rawValue);
-        if (log_ && agent != AgentProviderID::antigravity())
+        }
+        if (log_ && agent != AgentProviderID::antigravity()) {
             throw WrongArguments("cli.error.noEffect", "--log", agent.rawValue);
+        }
     }
 
     /// Absent when a file cannot be read.
@@ -110,13 +119,15 @@ private:
         using Status = std::numeric_limits<std::int32_t>;
         SavedRun run{.timedOut = timedOut_};
         run.now = now_ ? instantArgument("--now", *now_) : ReferenceClock::now();
-        if (exitStatus_)
+        if (exitStatus_) {
             run.exitStatus = static_cast<std::int32_t>(
                 integerArgument("--exit-status", *exitStatus_, Status::min(), Status::max()));
+        }
         auto output = readInputText(file_, context);
         auto log = log_ ? readInputText(log_, context) : std::string();
-        if (!output || !log)
+        if (!output || !log) {
             return std::nullopt;
+        }
         run.output = std::move(*output);
         run.log = std::move(*log);
         return run;

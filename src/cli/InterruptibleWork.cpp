@@ -2,7 +2,7 @@
 
 #include "cli/Subcommand.h"
 #include "cli/TerminalLoop.h"
-#include "probes/BoundedProcess.h"
+#include "process/BoundedProcess.h"
 
 #include <exception>
 #include <thread>
@@ -13,8 +13,9 @@ int runInterruptibly(const CommandContext& context, const std::string& progress,
                      const std::function<void()>& work) {
     TerminalLoop loop;
     ProgressLine line(context.errors);
-    if (!progress.empty())
+    if (!progress.empty()) {
         line.show(progress);
+    }
     std::exception_ptr fault;
     std::thread worker([&] {
         try {
@@ -25,11 +26,13 @@ int runInterruptibly(const CommandContext& context, const std::string& progress,
         loop.post([&loop] { loop.stop(ExitStatus::done); });
     });
     const int status = loop.run();
-    if (loop.endingSignal() != 0)
+    if (loop.endingSignal() != 0) {
         terminateAllChildren(Seconds(1));
+    }
     worker.join();
-    if (fault && loop.endingSignal() == 0)
+    if (fault && loop.endingSignal() == 0) {
         std::rethrow_exception(fault);
+    }
     return status;
 }
 

@@ -11,8 +11,9 @@ void LivePage::clear() {
 
 std::string LivePage::backToTop() const {
     // In a terminal that has another width by now the lines are nobody knows where; they stay.
-    if (shownRows_ == 0 || output_.width() != shownWidth_)
+    if (shownRows_ == 0 || output_.width() != shownWidth_) {
         return {};
+    }
     return "\r\033[" + std::to_string(shownRows_) + "A\033[J";
 }
 

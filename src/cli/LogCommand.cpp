@@ -48,8 +48,9 @@ const char* nameOf(Level level) {
 
 Level levelArgument(const std::string& text) {
     for (const auto& [level, name] : levelNames) {
-        if (text == name)
+        if (text == name) {
             return level;
+        }
     }
     throw WrongArguments("cli.error.unknownLevel", singleLine(text));
 }
@@ -74,8 +75,9 @@ public:
     /// Since the last time that this was asked.
     bool happened() {
         struct stat now {};
-        if (::stat(file_.c_str(), &now) != 0)
+        if (::stat(file_.c_str(), &now) != 0) {
             now = {};
+        }
         const auto changes = std::tuple(now.st_ino, now.st_size, now.st_mtime);
         return std::exchange(seen_, changes) != changes;
     }
@@ -102,23 +104,27 @@ public:
     bool startsChildren() const override { return false; }
 
     int run(const CommandContext& context) override {
-        if (follows_ && json_)
+        if (follows_ && json_) {
             throw WrongArguments("cli.error.noEffect", "--follow", "--json");
+        }
         const auto days =
             days_ ? integerArgument("--days", *days_, 1, 100'000) : ActivityLog::daysKept;
         since_ = ReferenceClock::now() - static_cast<double>(days) * day;
         least_ = level_ ? levelArgument(*level_) : Level::info;
-        if (agent_ && *agent_ != programSubject)
+        if (agent_ && *agent_ != programSubject) {
             agentArgument(*agent_);
+        }
         FileChanges changes(context.machine.activityLogFile());
         changes.happened();
         auto entries = read(context);
-        if (!entries)
+        if (!entries) {
             return ExitStatus::failed;
-        if (json_)
+        }
+        if (json_) {
             writeJSON(*entries, context);
-        else
+        } else {
             writeText(*entries, context);
+        }
         return follows_ ? follow(std::move(changes), *std::move(entries), context)
                         : ExitStatus::done;
     }
@@ -145,24 +151,28 @@ private:
     void writeText(const std::vector<ActivityEntry>& entries, const CommandContext& context) const {
         std::string text;
         for (const ActivityEntry& entry : entries) {
-            if (isWanted(entry))
+            if (isWanted(entry)) {
                 text += entryText(entry, context);
+            }
         }
-        if (text.empty() && !follows_)
+        if (text.empty() && !follows_) {
             context.note(context.words.text("cli.log.empty"));
+        }
         context.output.write(text);
     }
 
     void writeJSON(const std::vector<ActivityEntry>& entries, const CommandContext& context) const {
         JSON list = JSON::array();
         for (const ActivityEntry& entry : entries) {
-            if (!isWanted(entry))
+            if (!isWanted(entry)) {
                 continue;
+            }
             JSON one{{"time", entry.time.time_since_epoch().count()},
                      {"level", nameOf(entry.level)},
                      {"text", entry.text}};
-            if (entry.agent)
+            if (entry.agent) {
                 one["agent"] = entry.agent->rawValue;
+            }
             list.push_back(std::move(one));
         }
         context.output.writeData(serialized(list) + "\n");
@@ -182,11 +192,14 @@ private:
         const std::size_t width = output.width();
         const bool isCramped = output.isTerminal() && displayWidth(line) > width;
         std::string text;
-        for (const std::string& part :
-             isCramped ? wrapped(line, width - std::min(width, hangingIndent)) : std::vector{line})
+        for (const std::string& part : isCramped
+                                           ? wrapped(line, width - std::min(width, hangingIndent))
+                                           : std::vector{line}) {
             text += (text.empty() ? "" : std::string(hangingIndent, ' ')) + part + "\n";
-        if (text.starts_with(head))
+        }
+        if (text.starts_with(head)) {
             text.replace(0, head.size(), stamp + " " + output.styled(styleOf(entry.level), level));
+        }
         return text;
     }
 
@@ -204,10 +217,11 @@ private:
                 writeText({firstNew(*entries, known), entries->end()}, context);
                 known = *std::move(entries);
             }
-            if (context.output.error())
+            if (context.output.error()) {
                 loop.stop(ExitStatus::failed); // nobody reads it any more
-            else
+            } else {
                 loop.postAfter(lookInterval, lookTolerance, look);
+            }
         };
         look();
         return loop.run();
@@ -216,12 +230,14 @@ private:
     /// Behind the last entry that is known: old ones may have been dropped meanwhile.
     static std::vector<ActivityEntry>::iterator firstNew(std::vector<ActivityEntry>& entries,
                                                          const std::vector<ActivityEntry>& known) {
-        if (known.empty())
+        if (known.empty()) {
             return entries.begin();
+        }
         const bool isLonger = entries.size() >= known.size();
         const auto place = entries.begin() + static_cast<std::ptrdiff_t>(known.size());
-        if (isLonger && *(place - 1) == known.back())
+        if (isLonger && *(place - 1) == known.back()) {
             return place;
+        }
         return std::find(entries.rbegin(), entries.rend(), known.back()).base();
     }
 

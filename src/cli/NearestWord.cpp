@@ -24,8 +24,9 @@ std::size_t distance(std::string_view first, std::string_view second) {
             const std::size_t replaced =
                 steps[i - 1][j - 1] + (first[i - 1] == second[j - 1] ? 0 : 1);
             steps[i][j] = std::min({steps[i - 1][j] + 1, steps[i][j - 1] + 1, replaced});
-            if (i > 1 && j > 1 && first[i - 1] == second[j - 2] && first[i - 2] == second[j - 1])
+            if (i > 1 && j > 1 && first[i - 1] == second[j - 2] && first[i - 2] == second[j - 1]) {
                 steps[i][j] = std::min(steps[i][j], steps[i - 2][j - 2] + 1);
+            }
         }
     }
     return steps[first.size()][second.size()];
@@ -39,14 +40,16 @@ std::string_view withoutDashes(std::string_view word) {
 
 std::string nearestWord(std::string_view typed, const std::vector<std::string>& known) {
     const std::string_view letters = withoutDashes(typed);
-    if (letters.empty() || letters.size() > longest)
+    if (letters.empty() || letters.size() > longest) {
         return {};
+    }
     std::string nearest;
     std::size_t least = letters.size() < 4 ? 2 : 3; // nearer than this
     for (const std::string& word : known) {
         const std::string_view candidate = withoutDashes(word);
-        if (letters.size() >= leastPrefix && candidate.starts_with(letters))
+        if (letters.size() >= leastPrefix && candidate.starts_with(letters)) {
             return word;
+        }
         if (const std::size_t steps = distance(letters, candidate);
             steps < least && steps < candidate.size()) {
             least = steps;

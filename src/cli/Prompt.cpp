@@ -17,14 +17,16 @@ std::optional<std::string> Prompt::ask(const std::string& question) {
     const auto watch = loop.watch(STDIN_FILENO, [&] {
         std::array<char, 4096> buffer{};
         const auto count = read(STDIN_FILENO, buffer.data(), buffer.size());
-        if (count > 0)
+        if (count > 0) {
             line = std::string(trimmed({buffer.data(), static_cast<std::size_t>(count)}));
+        }
         loop.stop(ExitStatus::done);
     });
     const int status = loop.run();
     endingStatus_ = loop.endingSignal() != 0 ? status : 0;
-    if (!line)
+    if (!line) {
         context_.output.write("\n");
+    }
     return line;
 }
 

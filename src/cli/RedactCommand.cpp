@@ -35,10 +35,12 @@ public:
         };
         const bool isRead = readInputPieces(
             file_, context, [&](std::string_view piece) { return write(stream.add(piece)); });
-        if (isRedacted)
+        if (isRedacted) {
             write(stream.finish());
-        if (!isRedacted)
+        }
+        if (!isRedacted) {
             context.report(context.words.text("cli.error.redactionStopped"));
+        }
         return isRead && isRedacted ? ExitStatus::done : ExitStatus::failed;
     }
 

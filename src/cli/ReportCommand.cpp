@@ -39,8 +39,9 @@ public:
             runInterruptibly(context, context.words.text("cli.agents.progress"), [&] {
                 input = gatherSupportReport(context.machine, context.words, ReferenceClock::now());
             });
-        if (status != ExitStatus::done)
+        if (status != ExitStatus::done) {
             return status;
+        }
         reportUnreadable(LastSnapshots(context.machine.lastSnapshotsFile()).contents(), context);
         const auto text =
             supportReportText(input, context.machine.home.string(), includeEmails_, context.words);

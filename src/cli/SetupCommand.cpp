@@ -61,15 +61,18 @@ public:
 
     int run(const CommandContext& context) override {
         chooseAgents();
-        if (const int status = check(context); status != ExitStatus::done)
+        if (const int status = check(context); status != ExitStatus::done) {
             return status;
-        if (json_)
+        }
+        if (json_) {
             writeJSON(context);
-        else
+        } else {
             writeStatus(context);
-        if (json_ || !context.output.isTerminal() || isatty(STDIN_FILENO) == 0)
+        }
+        if (json_ || !context.output.isTerminal() || isatty(STDIN_FILENO) == 0) {
             return std::ranges::any_of(statuses_, needsSetup) ? ExitStatus::failed
                                                               : ExitStatus::done;
+        }
         return offerTasks(context);
     }
 
@@ -97,8 +100,9 @@ private:
             JSON entry{{"id", agent.id.rawValue},
                        {"name", context.words.text(agent.nameKey)},
                        {"status", nameOf(statuses_[i])}};
-            if (const auto path = agent.executableLocator(context.machine))
+            if (const auto path = agent.executableLocator(context.machine)) {
                 entry["toolPath"] = path->string();
+            }
             list.push_back(std::move(entry));
         }
         context.output.writeData(serialized(list) + "\n");
@@ -129,16 +133,18 @@ private:
             writeTasks(tasks, context);
             Prompt prompt(context);
             const auto answer = prompt.ask(context.words.text("cli.setup.question") + " ");
-            if (!answer || answer->empty())
+            if (!answer || answer->empty()) {
                 return prompt.endingStatus();
+            }
             const SetupTask* task = chosen(*answer, tasks);
             if (task == nullptr) {
                 context.report(
                     context.words.format("cli.setup.noSuchChoice", {singleLine(*answer)}));
                 continue;
             }
-            if (const int status = perform(*task, context); status != ExitStatus::done)
+            if (const int status = perform(*task, context); status != ExitStatus::done) {
                 return status;
+            }
         }
     }
 
@@ -146,17 +152,19 @@ private:
         std::vector<SetupTask> result;
         for (std::size_t i = 0; i < registrations_.size(); ++i) {
             const ProviderDescriptor& agent = registrations_[i].descriptor;
-            if (!agent.setup || statuses_[i] == AgentSetupStatus::ready)
+            if (!agent.setup || statuses_[i] == AgentSetupStatus::ready) {
                 continue;
+            }
             const auto name = context.words.text(agent.nameKey);
             const CLISetupInfo& info = agent.setup->info;
             if (statuses_[i] == AgentSetupStatus::missing) {
                 result.push_back({&agent, context.words.format("cli.setup.install", {name}),
                                   SetupScriptPlan::install(info, false)});
-                if (hasHomebrew(context.machine))
+                if (hasHomebrew(context.machine)) {
                     result.push_back({&agent,
                                       context.words.format("cli.setup.installAlternative", {name}),
                                       SetupScriptPlan::install(info, true)});
+                }
                 continue;
             }
             const auto path = agent.executableLocator(context.machine);
@@ -185,8 +193,9 @@ private:
 
     static const SetupTask* chosen(const std::string& answer, const std::vector<SetupTask>& tasks) {
         for (std::size_t i = 0; i < tasks.size(); ++i) {
-            if (answer == std::to_string(i + 1))
+            if (answer == std::to_string(i + 1)) {
                 return &tasks[i];
+            }
         }
         return nullptr;
     }
@@ -201,15 +210,18 @@ private:
         const bool isLogin = task.plan.kind == SetupScriptPlan::Kind::login;
         const auto& hintKey =
             isLogin ? task.agent->setup->loginHintKey : task.agent->setup->missingHintKey;
-        if (hintKey)
+        if (hintKey) {
             context.output.write(context.words.text(*hintKey) + "\n");
+        }
         const auto script = setupScript(task.plan, SetupScriptTexts::localized(context.words));
         int status = runInterruptibly(
             context, {}, [&] { TerminalScript(context.machine, STDIN_FILENO).run(script); });
-        if (status == ExitStatus::done)
+        if (status == ExitStatus::done) {
             status = check(context);
-        if (status != ExitStatus::done)
+        }
+        if (status != ExitStatus::done) {
             return status;
+        }
         context.output.write("\n");
         writeStatus(context);
         return mayBeReady(*task.agent) ? read(*task.agent, context) : ExitStatus::done;
@@ -228,10 +240,11 @@ private:
     static int read(const ProviderDescriptor& agent, const CommandContext& context) {
         UsageState state;
         const int status = refreshUsage(context, {.agents = std::set{agent.id}}, state);
-        if (status == ExitStatus::done)
+        if (status == ExitStatus::done) {
             context.output.write(
                 "\n" + UsageView(context.output, context.words)
                            .text(agentBlocks(state, ReferenceClock::now(), context.words)));
+        }
         return status;
     }
 

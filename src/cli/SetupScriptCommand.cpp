@@ -37,14 +37,18 @@ public:
 private:
     SetupScriptPlan plan() const {
         const auto& setup = providerDescriptor(agentArgument(agent_))->setup;
-        if (!setup)
+        if (!setup) {
             throw WrongArguments("cli.error.noSetup", agent_);
-        if (task_ == "login" && !alternative_)
+        }
+        if (task_ == "login" && !alternative_) {
             return SetupScriptPlan::login(setup->info, toolPath_);
-        if (task_ == "login")
+        }
+        if (task_ == "login") {
             throw WrongArguments("cli.error.optionOfInstall", "--alternative");
-        if (task_ != "install")
+        }
+        if (task_ != "install") {
             throw WrongArguments("cli.error.unknownTask", singleLine(task_));
+        }
         auto install = SetupScriptPlan::install(setup->info, alternative_);
         install.toolPath = toolPath_;
         return install;

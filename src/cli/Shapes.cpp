@@ -50,8 +50,9 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 14> plainMar
 std::string characterLocale(const Environment& environment) {
     for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
         if (const auto found = environment.find(name);
-            found != environment.end() && !found->second.empty())
+            found != environment.end() && !found->second.empty()) {
             return lowercased(found->second);
+        }
     }
     return {};
 }
@@ -67,8 +68,9 @@ const Shapes& shapesFor(const Environment& environment) {
 
 std::string inPlainShapes(std::string_view text) {
     std::string result(text);
-    for (const auto& [mark, plain] : plainMarks)
+    for (const auto& [mark, plain] : plainMarks) {
         result = replacedText(result, mark, plain);
+    }
     return result;
 }
 

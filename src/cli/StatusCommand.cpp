@@ -200,8 +200,9 @@ private:
     static std::vector<std::string> lineParts(const UsageState& state, Instant now,
                                               const Localization& words) {
         const auto glyph = MenuBarGlyph::compute(state.snapshots, state.enabledProviderIDs, now);
-        if (!glyph.providerID || !glyph.windowID)
+        if (!glyph.providerID || !glyph.windowID) {
             return {verdictText(state, now, words, AgentNames::full)};
+        }
         const auto snapshot =
             std::ranges::find(state.snapshots, *glyph.providerID, &AgentUsageSnapshot::id);
         const auto window = std::ranges::find(snapshot->windows, *glyph.windowID, &UsageWindow::id);
@@ -212,8 +213,9 @@ private:
         std::vector<std::string> parts{healthText(worstHealth(state, now), words),
                                        agentName(snapshot->id, words),
                                        singleLine(row.fullLabel) + " " + row.value, row.reset};
-        if (std::string age = ageText(*snapshot, standing, now, words); !age.empty())
+        if (std::string age = ageText(*snapshot, standing, now, words); !age.empty()) {
             parts.push_back(std::move(age));
+        }
         return parts;
     }
 

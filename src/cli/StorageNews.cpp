@@ -26,8 +26,9 @@ void report(StorageTrouble& trouble, const CommandContext& context) {
 
 void reportUnreadable(const Preferences& preferences, const CommandContext& context) {
     StorageTrouble trouble(context.machine.configuration / "Vellmark/preferences.json");
-    if (const auto error = preferences.writeError())
+    if (const auto error = preferences.writeError()) {
         trouble.failed(*error);
+    }
     report(trouble, context);
 }
 

@@ -25,8 +25,9 @@ std::vector<std::size_t> Table::columnWidths() const {
     for (std::size_t column = 0; column < columns_.size(); ++column) {
         widths.push_back(
             std::max(displayWidth(columns_[column].title), columns_[column].leastWidth));
-        for (const auto& row : rows_)
+        for (const auto& row : rows_) {
             widths.back() = std::max(widths.back(), displayWidth(row[column].text));
+        }
     }
     return widths;
 }
@@ -55,11 +56,13 @@ std::string Table::line(const std::vector<Cell>& cells, const std::vector<std::s
 std::string Table::paragraph(const std::vector<Cell>& cells, const TerminalOutput& output) const {
     const std::size_t width = output.width();
     std::string text;
-    for (const std::string& line : wrapped(cells.front().text, width))
+    for (const std::string& line : wrapped(cells.front().text, width)) {
         text += output.styled(cells.front().style, line) + "\n";
+    }
     std::size_t titles = 0;
-    for (const Column& column : columns_)
+    for (const Column& column : columns_) {
         titles = std::max(titles, displayWidth(column.title));
+    }
     const std::size_t start = indent + titles + gap;
     const std::size_t room = width > start ? width - start : 1;
     for (std::size_t column = 1; column < cells.size(); ++column) {
@@ -78,8 +81,9 @@ std::string Table::paragraph(const std::vector<Cell>& cells, const TerminalOutpu
 
 std::string Table::paragraphs(const TerminalOutput& output) const {
     std::string text;
-    for (const auto& row : rows_)
+    for (const auto& row : rows_) {
         text += (text.empty() ? "" : "\n") + paragraph(row, output);
+    }
     return text;
 }
 
@@ -87,14 +91,17 @@ std::string Table::rows(std::vector<std::size_t> widths, const TerminalOutput& o
     const auto elastic =
         std::ranges::find_if(columns_, [](const Column& column) { return column.leastWidth > 0; });
     const std::size_t taken = lineWidth(widths);
-    if (elastic != columns_.end() && taken < output.width())
+    if (elastic != columns_.end() && taken < output.width()) {
         widths[static_cast<std::size_t>(elastic - columns_.begin())] += output.width() - taken;
+    }
     std::vector<Cell> titles;
-    for (const Column& column : columns_)
+    for (const Column& column : columns_) {
         titles.push_back({column.title, TextStyle::dim});
+    }
     std::string text = line(titles, widths, output);
-    for (const auto& row : rows_)
+    for (const auto& row : rows_) {
         text += line(row, widths, output);
+    }
     return text;
 }
 
@@ -102,11 +109,13 @@ Table Table::withoutDispensable() const {
     Table table({});
     table.rows_.resize(rows_.size());
     for (std::size_t column = 0; column < columns_.size(); ++column) {
-        if (columns_[column].isDispensable)
+        if (columns_[column].isDispensable) {
             continue;
+        }
         table.columns_.push_back(columns_[column]);
-        for (std::size_t row = 0; row < rows_.size(); ++row)
+        for (std::size_t row = 0; row < rows_.size(); ++row) {
             table.rows_[row].push_back(rows_[row][column]);
+        }
     }
     return table;
 }
@@ -115,11 +124,13 @@ std::string Table::text(const TerminalOutput& output) const {
     const auto fits = [&output](const std::vector<std::size_t>& widths) {
         return !output.isTerminal() || lineWidth(widths) <= output.width();
     };
-    if (const auto widths = columnWidths(); fits(widths))
+    if (const auto widths = columnWidths(); fits(widths)) {
         return rows(widths, output);
+    }
     const Table least = withoutDispensable();
-    if (const auto widths = least.columnWidths(); fits(widths))
+    if (const auto widths = least.columnWidths(); fits(widths)) {
         return least.rows(widths, output);
+    }
     return paragraphs(output);
 }
 

@@ -33,8 +33,9 @@ constexpr std::array<std::pair<std::string_view, Kind>, 12> sequences{{
 
 std::optional<Kind> kindOf(std::string_view sequence) {
     for (const auto& [text, kind] : sequences) {
-        if (sequence.substr(2) == text)
+        if (sequence.substr(2) == text) {
             return kind;
+        }
     }
     return std::nullopt;
 }
@@ -59,10 +60,12 @@ std::vector<TerminalKey> TerminalKeys::take(std::string_view bytes) {
         } else {
             sequence_ += byte;
             const bool isComplete = sequence_.size() > 2 && isFinal(byte);
-            if (const auto kind = isComplete ? kindOf(sequence_) : std::nullopt)
+            if (const auto kind = isComplete ? kindOf(sequence_) : std::nullopt) {
                 keys.push_back({*kind, 0});
-            if (isComplete || sequence_.size() > longestSequence)
+            }
+            if (isComplete || sequence_.size() > longestSequence) {
                 sequence_.clear();
+            }
         }
     }
     return keys;

@@ -35,8 +35,9 @@ private:
 
 TerminalLoop::TerminalLoop() : signals_({SIGINT, SIGTERM, SIGHUP, SIGQUIT}, {SIGWINCH}) {
     std::array<int, 2> pipeEnds{};
-    if (pipe(pipeEnds.data()) != 0)
+    if (pipe(pipeEnds.data()) != 0) {
         throw std::system_error(errno, std::generic_category(), "pipe");
+    }
     wakeRead_ = pipeEnds[0];
     wakeWrite_ = pipeEnds[1];
     makeNonblockingPrivate(wakeRead_);
@@ -58,8 +59,9 @@ void TerminalLoop::onSuspension(std::function<void()> before, std::function<void
 void TerminalLoop::suspend() {
     struct sigaction forwarding {};
     sigaction(SIGTSTP, nullptr, &forwarding);
-    if (forwarding.sa_handler == SIG_IGN)
+    if (forwarding.sa_handler == SIG_IGN) {
         return; // the caller has nobody who could have it go on
+    }
     beforeSuspension_();
     struct sigaction stopping {};
     stopping.sa_handler = SIG_DFL;
@@ -81,15 +83,17 @@ int TerminalLoop::run() {
 }
 
 void TerminalLoop::stop(int status) {
-    if (stopped_)
+    if (stopped_) {
         return;
+    }
     stopped_ = true;
     status_ = status;
 }
 
 int TerminalLoop::pollTimeout() const {
-    if (timers_.empty())
+    if (timers_.empty()) {
         return -1;
+    }
     const Seconds left = timers_.begin()->first.first - Clock::now();
     // Rounded up, so that the timer is due on waking.
     return static_cast<int>(std::clamp(std::ceil(left.count() * 1000), 0.0, double{INT_MAX}));
@@ -97,8 +101,9 @@ int TerminalLoop::pollTimeout() const {
 
 void TerminalLoop::waitForEvents() {
     std::vector<pollfd> descriptors;
-    for (const int own : {wakeRead_, signals_.descriptor()})
+    for (const int own : {wakeRead_, signals_.descriptor()}) {
         descriptors.push_back({.fd = own, .events = POLLIN, .revents = 0});
+    }
     const std::size_t ownCount = descriptors.size();
     std::vector<int> keys;
     for (const auto& [key, watched] : watched_) {
@@ -110,18 +115,23 @@ void TerminalLoop::waitForEvents() {
         // Signals are looked at all the same: what Ctrl-C has done to a child may be posted
         // already.
         const std::lock_guard lock(mutex_);
-        if (!posted_.empty())
+        if (!posted_.empty()) {
             timeout = 0;
+        }
     }
-    if (poll(descriptors.data(), static_cast<nfds_t>(descriptors.size()), timeout) <= 0)
+    if (poll(descriptors.data(), static_cast<nfds_t>(descriptors.size()), timeout) <= 0) {
         return;
-    if (descriptors[0].revents != 0)
+    }
+    if (descriptors[0].revents != 0) {
         drainWakePipe();
-    if (descriptors[1].revents != 0)
+    }
+    if (descriptors[1].revents != 0) {
         handleSignals();
+    }
     for (std::size_t index = 0; index < keys.size(); ++index) {
-        if (descriptors[index + ownCount].revents == 0)
+        if (descriptors[index + ownCount].revents == 0) {
             continue;
+        }
         // A callback may have ended the watch of another.
         if (const auto found = watched_.find(keys[index]); found != watched_.end()) {
             const auto callback = found->second.onReadable;
@@ -158,8 +168,9 @@ void TerminalLoop::runPostedTasks() {
         const std::lock_guard lock(mutex_);
         tasks.swap(posted_);
     }
-    for (const Task& task : tasks)
+    for (const Task& task : tasks) {
         task();
+    }
 }
 
 void TerminalLoop::runDueTimers() {

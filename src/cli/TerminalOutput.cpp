@@ -47,16 +47,19 @@ TerminalOutput::TerminalOutput(int descriptor, const Environment& environment)
 }
 
 void TerminalOutput::chooseColors(ColorChoice choice) {
-    if (choice != ColorChoice::automatic)
+    if (choice != ColorChoice::automatic) {
         hasStyles_ = choice == ColorChoice::always;
+    }
 }
 
 std::size_t TerminalOutput::width() const {
-    if (!isTerminal_)
+    if (!isTerminal_) {
         return streamWidth;
+    }
     winsize size{};
-    if (ioctl(descriptor_, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
+    if (ioctl(descriptor_, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) {
         return size.ws_col;
+    }
     return columnsVariable_ > 0 ? columnsVariable_ : 80;
 }
 
@@ -76,8 +79,9 @@ std::string TerminalOutput::cut(std::string_view text, std::size_t width) const 
 
 std::string TerminalOutput::styled(TextStyle style, std::string_view text) const {
     const std::string_view code = renditionCode(style);
-    if (!hasStyles_ || code.empty() || text.empty())
+    if (!hasStyles_ || code.empty() || text.empty()) {
         return std::string(text);
+    }
     return "\033[" + std::string(code) + "m" + std::string(text) + "\033[0m";
 }
 
@@ -99,15 +103,17 @@ void TerminalOutput::writeData(std::string_view bytes) {
 void ProgressLine::show(const std::string& text) {
     // The last column stays free: some terminals go to the next line when it is filled.
     const std::string line = output_.cut(output_.shown(text), output_.width() - 1);
-    if (!output_.canRedraw() || line == shown_)
+    if (!output_.canRedraw() || line == shown_) {
         return;
+    }
     output_.write("\r\033[K" + output_.styled(TextStyle::dim, line));
     shown_ = line;
 }
 
 void ProgressLine::clear() {
-    if (shown_.empty())
+    if (shown_.empty()) {
         return;
+    }
     output_.write("\r\033[K");
     shown_.clear();
 }

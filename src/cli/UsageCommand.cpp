@@ -39,37 +39,44 @@ public:
         checkWay(agents);
         if (const int status = refreshUsage(
                 context, {.agents = agents, .way = way_, .showsFigures = !json_}, state);
-            status != ExitStatus::done)
+            status != ExitStatus::done) {
             return status;
-        if (json_)
+        }
+        if (json_) {
             writeJSON(state, context);
-        else
+        } else {
             writeText(state, context);
+        }
         return report(state, context);
     }
 
 private:
     std::optional<std::set<AgentProviderID>> namedAgents() const {
-        if (agents_.empty())
+        if (agents_.empty()) {
             return std::nullopt;
+        }
         std::set<AgentProviderID> named;
-        for (const std::string& text : agents_)
+        for (const std::string& text : agents_) {
             named.insert(agentArgument(text));
+        }
         return named;
     }
 
     /// A way must be one of an agent that is read; for the others it means nothing.
     void checkWay(const std::optional<std::set<AgentProviderID>>& agents) const {
-        if (!way_)
+        if (!way_) {
             return;
+        }
         std::string known;
         for (const ProviderRegistration& registration : providerRegistry()) {
             const ProviderDescriptor& agent = registration.descriptor;
-            if (agents && !agents->contains(agent.id))
+            if (agents && !agents->contains(agent.id)) {
                 continue;
+            }
             for (const std::string& way : agent.readingWays) {
-                if (way == *way_)
+                if (way == *way_) {
                     return;
+                }
                 known += (known.empty() ? "" : ", ") + way;
             }
         }
@@ -79,8 +86,9 @@ private:
 
     static void writeText(const UsageState& state, const CommandContext& context) {
         const auto blocks = agentBlocks(state, ReferenceClock::now(), context.words);
-        if (blocks.empty())
+        if (blocks.empty()) {
             context.note(context.words.text("agents.none.title"));
+        }
         context.output.write(UsageView(context.output, context.words).text(blocks));
     }
 
@@ -89,8 +97,9 @@ private:
         for (const ProviderRegistration& registration : providerRegistry()) {
             const auto found = std::ranges::find(state.snapshots, registration.descriptor.id,
                                                  &AgentUsageSnapshot::id);
-            if (found != state.snapshots.end())
+            if (found != state.snapshots.end()) {
                 ordered.push_back(*found);
+            }
         }
         context.output.writeData(snapshotsDocument(ordered) + "\n");
     }
@@ -99,12 +108,14 @@ private:
     int report(const UsageState& state, const CommandContext& context) const {
         int status = ExitStatus::done;
         for (const AgentUsageSnapshot& snapshot : state.snapshots) {
-            if (!snapshot.error)
+            if (!snapshot.error) {
                 continue;
+            }
             status = ExitStatus::failed;
-            if (json_)
+            if (json_) {
                 context.report(agentName(snapshot.id, context.words) + ": " +
                                singleLine(snapshot.error->message(context.words)));
+            }
         }
         return status;
     }

@@ -22,8 +22,9 @@ std::string namesBeingRead(const UsageState& state, Instant start, const Localiz
     for (const AgentUsageSnapshot& snapshot : state.snapshots) {
         const bool isRead =
             snapshot.source != SnapshotSource::loading && snapshot.updatedAt >= start;
-        if (!isRead)
+        if (!isRead) {
             names += (names.empty() ? "" : ", ") + agentName(snapshot.id, words);
+        }
     }
     return names;
 }
@@ -33,26 +34,30 @@ class RefreshProgress {
 public:
     RefreshProgress(const CommandContext& context, bool showsFigures)
         : context_(context), start_(ReferenceClock::now()), line_(context.errors) {
-        if (showsFigures && context.output.canRedraw())
+        if (showsFigures && context.output.canRedraw()) {
             page_.emplace(context.output);
+        }
     }
 
     void show(const UsageState& state) {
         const std::string names = namesBeingRead(state, start_, context_.words);
         // With the last reading there, the refresh may still have to end.
-        if (names.empty())
+        if (names.empty()) {
             return;
+        }
         const std::string text = context_.words.format("cli.usage.progress", {names});
-        if (page_)
+        if (page_) {
             page_->show(figures(state, true), text);
-        else
+        } else {
             line_.show(text);
+        }
     }
 
     /// Ended before its time: the figures stay.
     void keep(const UsageState& state) {
-        if (!page_)
+        if (!page_) {
             return;
+        }
         page_->show(figures(state, false), {});
         page_->keep();
     }
@@ -60,10 +65,11 @@ public:
 private:
     std::string figures(const UsageState& state, bool withLoading) const {
         auto blocks = agentBlocks(state, ReferenceClock::now(), context_.words);
-        if (!withLoading)
+        if (!withLoading) {
             std::erase_if(blocks, [](const AgentBlockContent& block) {
                 return block.state == AgentBlockContent::State::loading;
             });
+        }
         return UsageView(context_.output, context_.words).text(blocks);
     }
 
@@ -77,10 +83,11 @@ int refresh(AgentUsageStore& store, TerminalLoop& loop, const CommandContext& co
             bool showsFigures) {
     RefreshProgress progress(context, showsFigures);
     const auto follow = [&] {
-        if (store.state().isRefreshing)
+        if (store.state().isRefreshing) {
             progress.show(store.state());
-        else
+        } else {
             loop.stop(ExitStatus::done);
+        }
     };
     const auto subscription = store.observe({.willChange = {}, .didChange = follow});
     store.refresh(RefreshTrigger::manual);
@@ -116,8 +123,9 @@ int refreshUsage(const CommandContext& context, RefreshWish wish, UsageState& st
         loop, *preferences);
     const int status = refresh(store, loop, context, wish.showsFigures);
     awaitStorageNews(store, loop);
-    for (const std::string& text : troubles)
+    for (const std::string& text : troubles) {
         context.report(singleLine(text));
+    }
     state = store.state();
     return status;
 }
@@ -125,8 +133,9 @@ int refreshUsage(const CommandContext& context, RefreshWish wish, UsageState& st
 std::vector<AgentBlockContent> agentBlocks(const UsageState& state, Instant now,
                                            const Localization& words) {
     std::vector<AgentBlockContent> blocks;
-    for (const AgentUsageSnapshot& snapshot : state.snapshots)
+    for (const AgentUsageSnapshot& snapshot : state.snapshots) {
         blocks.push_back(agentBlockContent(snapshot, state, now, words));
+    }
     return blocks;
 }
 

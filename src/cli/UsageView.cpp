@@ -65,8 +65,9 @@ UsageView::UsageView(const TerminalOutput& output, const Localization& words)
 std::string UsageView::text(const std::vector<AgentBlockContent>& agents) const {
     const Layout layout = layoutFor(agents);
     std::string text;
-    for (const AgentBlockContent& agent : agents)
+    for (const AgentBlockContent& agent : agents) {
         text += (text.empty() ? "" : "\n") + block(agent, layout);
+    }
     return text;
 }
 
@@ -74,8 +75,9 @@ std::vector<std::vector<std::string>>
 UsageView::lines(const std::vector<AgentBlockContent>& agents) const {
     const Layout layout = layoutFor(agents);
     std::vector<std::vector<std::string>> lines;
-    for (const AgentBlockContent& agent : agents)
+    for (const AgentBlockContent& agent : agents) {
         lines.push_back(linesOf(block(agent, layout)));
+    }
     return lines;
 }
 
@@ -92,8 +94,9 @@ UsageView::Layout UsageView::layoutFor(const std::vector<AgentBlockContent>& age
             layout.value = std::max(layout.value, displayWidth(row.value));
             reset = std::max(reset, displayWidth(row.reset));
         }
-        for (const BalanceRowContent& entry : agent.balances)
+        for (const BalanceRowContent& entry : agent.balances) {
             layout.label = std::max(layout.label, displayWidth(singleLine(entry.label)));
+        }
     }
     const auto roomBeside = [&](std::size_t figures) {
         const std::size_t taken = layout.barColumn() + gap + figures;
@@ -114,22 +117,27 @@ UsageView::Layout UsageView::layoutFor(const std::vector<AgentBlockContent>& age
 
 std::string UsageView::block(const AgentBlockContent& agent, const Layout& layout) const {
     std::string text = head(agent, layout);
-    for (const UsageRowContent& window : agent.rows)
+    for (const UsageRowContent& window : agent.rows) {
         text += row(window, layout);
-    for (const BalanceRowContent& entry : agent.balances)
+    }
+    for (const BalanceRowContent& entry : agent.balances) {
         text += balance(entry, layout);
-    for (const std::string& note : agent.notes)
+    }
+    for (const std::string& note : agent.notes) {
         text += paragraph(note, indent, TextStyle::dim, layout);
-    if (agent.failure)
+    }
+    if (agent.failure) {
         text += failure(agent, layout);
+    }
     return text;
 }
 
 std::string UsageView::head(const AgentBlockContent& agent, const Layout& layout) const {
     const std::string name = agentName(agent.id, words_);
     std::string text;
-    for (const std::string& line : wrapped(name, layout.width))
+    for (const std::string& line : wrapped(name, layout.width)) {
         text += (text.empty() ? "" : "\n") + output_.styled(TextStyle::strong, line);
+    }
     std::size_t used = displayWidth(name);
     /// `part` has `width` columns.
     const auto append = [&](const std::string& part, std::size_t width) {
@@ -144,22 +152,25 @@ std::string UsageView::head(const AgentBlockContent& agent, const Layout& layout
     std::erase(details, "");
     if (details.size() == 2) {
         const std::string both = details[0] + " · " + details[1];
-        if (indent + displayWidth(both) <= layout.width)
+        if (indent + displayWidth(both) <= layout.width) {
             details = {both};
+        }
     }
     for (const std::string& detail : details) {
-        if (indent + displayWidth(detail) <= layout.width)
+        if (indent + displayWidth(detail) <= layout.width) {
             append(output_.styled(TextStyle::dim, detail), displayWidth(detail));
-        else
+        } else {
             text += "\n" + withoutEnd(paragraph(detail, indent, TextStyle::dim, layout));
+        }
     }
     return text + "\n";
 }
 
 std::string UsageView::label(const std::string& text, const Layout& layout, TextStyle style) const {
-    if (layout.form == Form::labelAbove)
+    if (layout.form == Form::labelAbove) {
         return paragraph(singleLine(text), indent, style, layout) +
                std::string(layout.barColumn(), ' ');
+    }
     return std::string(indent, ' ') +
            output_.styled(style, padded(singleLine(text), layout.label)) + std::string(gap, ' ');
 }
@@ -167,16 +178,19 @@ std::string UsageView::label(const std::string& text, const Layout& layout, Text
 std::string UsageView::row(const UsageRowContent& row, const Layout& layout) const {
     const std::string blanks(gap, ' ');
     std::string text = label(row.fullLabel, layout);
-    if (layout.bar > 0)
+    if (layout.bar > 0) {
         text += bar(row.bar, layout.bar) + blanks;
+    }
     text += output_.styled(TextStyle::strong, padded(row.value, layout.value, Alignment::right));
     const TextStyle resetStyle = row.isUsedUp ? TextStyle::critical : TextStyle::dim;
-    if (layout.form == Form::line)
+    if (layout.form == Form::line) {
         text += blanks + output_.styled(resetStyle, row.reset) + "\n";
-    else
+    } else {
         text += "\n" + paragraph(row.reset, layout.barColumn(), resetStyle, layout);
-    if (!row.forecast)
+    }
+    if (!row.forecast) {
         return text;
+    }
     const UsageHealth tone = row.forecast->tone;
     const std::size_t column = layout.barColumn();
     const bool fits = column + 2 + displayWidth(row.forecast->text) <= layout.width;
@@ -188,8 +202,9 @@ std::string UsageView::row(const UsageRowContent& row, const Layout& layout) con
 
 std::string UsageView::balance(const BalanceRowContent& balance, const Layout& layout) const {
     std::string text = singleLine(balance.value);
-    if (!balance.detail.empty())
+    if (!balance.detail.empty()) {
         text += (text.empty() ? "" : " ") + singleLine(balance.detail);
+    }
     // The first line begins where the label has ended.
     const std::string figures =
         paragraph(text, layout.barColumn(), TextStyle::plain, layout).substr(layout.barColumn());
@@ -200,9 +215,10 @@ std::string UsageView::balance(const BalanceRowContent& balance, const Layout& l
 std::string UsageView::failure(const AgentBlockContent& agent, const Layout& layout) const {
     std::string text =
         warning(singleLine(agent.failure->reason), indent, UsageHealth::critical, layout);
-    if (const std::string command = wayOutCommand(agent); !command.empty())
+    if (const std::string command = wayOutCommand(agent); !command.empty()) {
         text += paragraph(words_.format("cli.usage.wayOut", {command}), 2 * indent, TextStyle::dim,
                           layout);
+    }
     return text;
 }
 
@@ -213,10 +229,12 @@ std::string UsageView::bar(const UsageBarContent& bar, std::size_t width) const 
     auto filled = static_cast<std::size_t>(
         std::lround(std::clamp(bar.filledShare, 0.0, 1.0) * cells * static_cast<double>(parts)));
     // Something left shows as something, and only a full window as full.
-    if (bar.filledShare > 0)
+    if (bar.filledShare > 0) {
         filled = std::max<std::size_t>(filled, 1);
-    if (bar.filledShare < 1)
+    }
+    if (bar.filledShare < 1) {
         filled = std::min(filled, width * parts - 1);
+    }
     const std::size_t mark =
         bar.paceMark ? std::min(static_cast<std::size_t>(
                                     std::lround(std::clamp(*bar.paceMark, 0.0, 1.0) * cells)),
@@ -236,14 +254,15 @@ std::string UsageView::bar(const UsageBarContent& bar, std::size_t width) const 
     const TextStyle fill = bar.isStale ? TextStyle::dim : styleOf(bar.health);
     for (std::size_t cell = 0; cell < width; ++cell) {
         const std::size_t left = filled > cell * parts ? filled - cell * parts : 0;
-        if (cell == mark)
+        if (cell == mark) {
             add(TextStyle::strong, shapes.mark);
-        else if (left >= parts)
+        } else if (left >= parts) {
             add(fill, shapes.fill);
-        else if (left > 0)
+        } else if (left > 0) {
             add(fill, shapes.eighths[left - 1]);
-        else
+        } else {
             add(TextStyle::dim, shapes.track);
+        }
     }
     return text + output_.styled(runStyle, run);
 }
@@ -252,8 +271,9 @@ std::string UsageView::paragraph(const std::string& text, std::size_t column, Te
                                  const Layout& layout) const {
     std::string lines;
     const std::size_t room = layout.width > column ? layout.width - column : 1;
-    for (const std::string& line : wrapped(text, room))
+    for (const std::string& line : wrapped(text, room)) {
         lines += std::string(column, ' ') + output_.styled(style, line) + "\n";
+    }
     return lines;
 }
 

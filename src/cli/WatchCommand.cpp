@@ -45,8 +45,9 @@ std::string namesIn(const std::vector<std::string>& subjects, std::size_t begin,
     std::string names;
     std::string last;
     for (std::size_t line = begin; line < end; ++line) {
-        if (subjects[line].empty() || subjects[line] == last)
+        if (subjects[line].empty() || subjects[line] == last) {
             continue;
+        }
         last = subjects[line];
         names += (names.empty() ? "" : ", ") + last;
     }
@@ -148,11 +149,13 @@ private:
     }
 
     std::string block() const {
-        if (!isCompact_)
+        if (!isCompact_) {
             return UsageView(context_.output, context_.words).text(blocks(ReferenceClock::now()));
+        }
         std::string text;
-        for (const std::string& row : compact())
+        for (const std::string& row : compact()) {
             text += row + "\n";
+        }
         return text;
     }
 
@@ -163,11 +166,13 @@ private:
         const StatusLine line = verdict(now);
         const bool fits = displayWidth(line.text) <= output.width();
         Page page;
-        for (const std::string& part : wrapped(fits ? line.text : line.briefText, output.width()))
+        for (const std::string& part : wrapped(fits ? line.text : line.briefText, output.width())) {
             page.head.push_back(output.styled(TextStyle::strong, part));
+        }
         if (!troubles_.empty()) {
-            for (const std::string& part : wrapped(troubles_.back(), output.width()))
+            for (const std::string& part : wrapped(troubles_.back(), output.width())) {
                 page.head.push_back(output.styled(TextStyle::attention, part));
+            }
         }
         page.head.emplace_back();
         const auto lines = UsageView(output, context_.words).lines(agents);
@@ -189,8 +194,9 @@ private:
         }
         Page page = this->page();
         // Where there is hardly room, it is for the agents.
-        if (context_.output.height() < page.head.size() + leastLines)
+        if (context_.output.height() < page.head.size() + leastLines) {
             page.head.clear();
+        }
         const std::size_t taken = page.head.size() + 1;
         viewLines_ = std::max(context_.output.height(), taken + 1) - taken;
         const std::size_t most =
@@ -216,8 +222,9 @@ private:
         bool scrolls = false;
         const auto add = [&](const std::string& part) {
             const std::string longer = text.empty() ? part : text + "  " + part;
-            if (!part.empty() && (text.empty() || displayWidth(longer) <= width))
+            if (!part.empty() && (text.empty() || displayWidth(longer) <= width)) {
                 text = longer;
+            }
         };
         for (const std::string& part : {hidden("cli.watch.below", end, page.lines.size()),
                                         hidden("cli.watch.above", 0, firstLine_)}) {

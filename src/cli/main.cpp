@@ -6,8 +6,8 @@
 #include "platform/UnusedMemory.h"
 #include "platform/UserLocale.h"
 #include "presentation/LanguageManager.h"
-#include "probes/BoundedProcess.h"
-#include "probes/ChildWatcher.h"
+#include "process/BoundedProcess.h"
+#include "process/ChildWatcher.h"
 #include "store/DemoHistory.h"
 #include "text/SystemErrorText.h"
 #include "text/TerminalText.h"
@@ -27,8 +27,9 @@ constexpr std::size_t pageWidth = 80;
 /// files opened later do not take its number, and using it is an error that can be reported.
 void openClosedStandardStreams() {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (fcntl(descriptor, F_GETFD) < 0)
+        if (fcntl(descriptor, F_GETFD) < 0) {
             open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+        }
     }
 }
 
@@ -44,8 +45,9 @@ int runSubcommand(const CommandLine& commandLine, const Machine& machine, const 
         sandbox = Machine::sandbox(*commandLine.sandbox);
     }
     const Machine& chosen = demo ? demo->machine() : sandbox ? *sandbox : machine;
-    if (commandLine.subcommand->startsChildren() && !startChildWatcher())
+    if (commandLine.subcommand->startsChildren() && !startChildWatcher()) {
         errors.write("vellmark: " + words.text("watcher.missing") + "\n");
+    }
     const int status = commandLine.subcommand->run({chosen, words, output, errors});
     // Nothing that a subcommand started outlives the program, or the demo's directory.
     terminateAllChildren(Seconds(1));
@@ -54,10 +56,12 @@ int runSubcommand(const CommandLine& commandLine, const Machine& machine, const 
 
 int statusAfterWriting(int status, const TerminalOutput& output, TerminalOutput& errors,
                        const Localization& words) {
-    if (output.readerHasGone())
+    if (output.readerHasGone()) {
         return ExitStatus::readerHasGone;
-    if (!output.error())
+    }
+    if (!output.error()) {
         return status;
+    }
     errors.write("vellmark: " +
                  words.format("cli.error.unwritable", {systemErrorText(output.error(), words)}) +
                  "\n");
@@ -81,12 +85,13 @@ int run(const std::vector<std::string>& arguments) {
         commandLine = parseCommandLine(arguments, subcommands, words);
         output.chooseColors(commandLine.colors);
         errors.chooseColors(commandLine.colors);
-        if (commandLine.help)
+        if (commandLine.help) {
             output.write(commandLine.help->text(output.isTerminal() ? output.width() : pageWidth));
-        else if (commandLine.subcommand == nullptr)
+        } else if (commandLine.subcommand == nullptr) {
             output.write("vellmark " VELLMARK_VERSION "\n");
-        else
+        } else {
             status = runSubcommand(commandLine, machine, words, output, errors);
+        }
     } catch (const CommandLineFault& fault) {
         return refuse(fault.message, fault.hint);
     } catch (const WrongArguments& wrong) {

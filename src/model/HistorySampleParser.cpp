@@ -30,16 +30,21 @@ constexpr unsigned requiredFields =
     idField | providerField | windowField | capturedField | usedField;
 
 unsigned fieldNamed(std::string_view name) {
-    if (name == "id")
+    if (name == "id") {
         return idField;
-    if (name == "provider")
+    }
+    if (name == "provider") {
         return providerField;
-    if (name == "windowID")
+    }
+    if (name == "windowID") {
         return windowField;
-    if (name == "capturedAt")
+    }
+    if (name == "capturedAt") {
         return capturedField;
-    if (name == "usedPercent")
+    }
+    if (name == "usedPercent") {
         return usedField;
+    }
     return name == "resetsAt" ? resetsField : 0u;
 }
 

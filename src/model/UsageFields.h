@@ -27,9 +27,7 @@ constexpr RecordField<Record, Value> field(const char* name, Value Record::*memb
 }
 
 template<typename Record>
-concept PersistedRecord = requires {
-    RecordFields<Record>::all;
-};
+concept PersistedRecord = requires { RecordFields<Record>::all; };
 
 template<>
 struct RecordFields<UsageWindow> {

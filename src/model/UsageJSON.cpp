@@ -132,9 +132,7 @@ void decode(const JSON& json, SnapshotSource& value) {
 }
 
 template<typename Value>
-requires requires(const JSON& json, Value& value) {
-    fromJSON(json, value);
-}
+    requires requires(const JSON& json, Value& value) { fromJSON(json, value); }
 void decode(const JSON& json, Value& value) {
     fromJSON(json, value);
 }
@@ -261,9 +259,7 @@ const char* encoded(SnapshotSource source) {
     return sourceNames[static_cast<std::size_t>(source)].second;
 }
 template<typename Value>
-requires requires(const Value& value) {
-    toJSON(value);
-}
+    requires requires(const Value& value) { toJSON(value); }
 JSON encoded(const Value& value) {
     return toJSON(value);
 }

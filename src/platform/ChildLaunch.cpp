@@ -21,8 +21,9 @@ namespace {
 class StringVector {
 public:
     explicit StringVector(std::vector<std::string> texts) : texts_(std::move(texts)) {
-        for (std::string& text : texts_)
+        for (std::string& text : texts_) {
             pointers_.push_back(text.data());
+        }
         pointers_.push_back(nullptr);
     }
     StringVector(const StringVector&) = delete;
@@ -43,12 +44,14 @@ public:
         : launch_(launch), failure_(failure), arguments_(withProgram(launch)),
           environment_(launch.environment), sources_(launch.streams) {
         for (int& source : sources_) {
-            if (source < 0 || source > STDERR_FILENO)
+            if (source < 0 || source > STDERR_FILENO) {
                 continue;
+            }
             // One of this program's own streams: connecting another may replace it.
             moved_.emplace_back(::fcntl(source, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
-            if (!moved_.back().isOpen())
+            if (!moved_.back().isOpen()) {
                 throwFor(errno, launch.program);
+            }
             source = moved_.back().get();
         }
     }
@@ -80,14 +83,17 @@ private:
     }
 
     static void handleSignalsByDefault() {
-        for (int number = 1; number < NSIG; ++number)
-            if (number != SIGKILL && number != SIGSTOP)
+        for (int number = 1; number < NSIG; ++number) {
+            if (number != SIGKILL && number != SIGSTOP) {
                 ::signal(number, number == SIGPIPE ? SIG_IGN : SIG_DFL);
+            }
+        }
     }
 
     void announce(ChildLaunch::Stage stage) const {
-        if (launch_.announce != nullptr)
+        if (launch_.announce != nullptr) {
             launch_.announce(stage);
+        }
     }
 
     bool areStreamsConnected() const {
@@ -96,8 +102,9 @@ private:
             const int source =
                 given >= 0 ? given
                            : ::open("/dev/null", stream == STDIN_FILENO ? O_RDONLY : O_WRONLY);
-            if (source < 0 || (source != stream && ::dup2(source, stream) < 0))
+            if (source < 0 || (source != stream && ::dup2(source, stream) < 0)) {
                 return false;
+            }
         }
         return true;
     }
@@ -134,12 +141,14 @@ pid_t launchChild(const ChildLaunch& launch) {
         // No handler of this program is to run in the child.
         const AllSignalsBlocked blocked;
         child = ::fork();
-        if (child == 0)
+        if (child == 0) {
             newborn.becomeProgram();
+        }
         forkError = errno;
     }
-    if (child < 0)
+    if (child < 0) {
         throwFor(forkError, launch.program);
+    }
     failure.writeEnd.reset();
     if (const int error = reportedFailure(failure.readEnd.get()); error != 0) {
         while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {

@@ -12,8 +12,9 @@ public:
     explicit Descriptor(int number) : number_(number) {}
     Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
     Descriptor& operator=(Descriptor&& other) noexcept {
-        if (this != &other)
+        if (this != &other) {
             reset(std::exchange(other.number_, -1));
+        }
         return *this;
     }
     ~Descriptor() { reset(); }
@@ -21,8 +22,9 @@ public:
     int get() const { return number_; }
     bool isOpen() const { return number_ >= 0; }
     void reset(int number = -1) {
-        if (number_ >= 0)
+        if (number_ >= 0) {
             ::close(number_);
+        }
         number_ = number;
     }
 

@@ -7,23 +7,27 @@ namespace vellmark {
 
 std::vector<ProcessHandle> directChildHandles(pid_t parent) {
     std::vector<ProcessHandle> handles;
-    for (const pid_t child : directChildren(parent))
-        if (auto handle = ProcessHandle::openChild(child, parent))
+    for (const pid_t child : directChildren(parent)) {
+        if (auto handle = ProcessHandle::openChild(child, parent)) {
             handles.push_back(*std::move(handle));
+        }
+    }
     return handles;
 }
 
 std::optional<std::vector<ProcessHandle>> groupMemberHandles(pid_t group) {
     const auto members = processGroupMembers(group);
-    if (!members)
+    if (!members) {
         return std::nullopt;
+    }
     std::vector<ProcessHandle> handles;
     for (const pid_t member : *members) {
         auto handle = ProcessHandle::open(member);
-        if (handle && handle->isInGroup(group))
+        if (handle && handle->isInGroup(group)) {
             handles.push_back(*std::move(handle));
-        else if (!handle && (errno == EMFILE || errno == ENFILE))
+        } else if (!handle && (errno == EMFILE || errno == ENFILE)) {
             return std::nullopt;
+        }
     }
     return handles;
 }
@@ -31,8 +35,9 @@ std::optional<std::vector<ProcessHandle>> groupMemberHandles(pid_t group) {
 std::vector<ProcessHandle> ProcessHandle::directChildren() const {
     auto handles = directChildHandles(pid());
     // Looked at only now: if the number is still taken by this process, it was all the while.
-    if (!signal(0))
+    if (!signal(0)) {
         handles.clear();
+    }
     return handles;
 }
 

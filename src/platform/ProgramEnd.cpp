@@ -16,8 +16,9 @@ void noteThreadLeftBehind() {
 }
 
 void endProgram(int status) {
-    if (!isThreadLeftBehind)
+    if (!isThreadLeftBehind) {
         std::exit(status);
+    }
     std::fflush(stdout);
     std::_Exit(status);
 }

@@ -30,33 +30,39 @@ SignalChannel::SignalChannel(const std::vector<int>& ending, const std::vector<i
     Pipe pipe = makePipe();
     readEnd_ = std::move(pipe.readEnd);
     writeEnd_ = std::move(pipe.writeEnd);
-    for (const Descriptor* const end : {&readEnd_, &writeEnd_})
+    for (const Descriptor* const end : {&readEnd_, &writeEnd_}) {
         ::fcntl(end->get(), F_SETFL, O_NONBLOCK);
+    }
     channel.store(writeEnd_.get());
-    for (const int signal : ending)
+    for (const int signal : ending) {
         handleUnlessIgnored(signal);
-    for (const int signal : others)
+    }
+    for (const int signal : others) {
         handle(signal);
+    }
 }
 
 SignalChannel::~SignalChannel() {
-    for (const auto& [signal, action] : savedActions_)
+    for (const auto& [signal, action] : savedActions_) {
         ::sigaction(signal, &action, nullptr);
+    }
     channel.store(-1);
 }
 
 void SignalChannel::add(int signal) {
-    if (signal == SIGCONT)
+    if (signal == SIGCONT) {
         handle(signal); // that it is ignored has never kept a program stopped
-    else
+    } else {
         handleUnlessIgnored(signal);
+    }
 }
 
 void SignalChannel::handleUnlessIgnored(int signal) {
     struct sigaction found {};
     ::sigaction(signal, nullptr, &found);
-    if (found.sa_handler != SIG_IGN)
+    if (found.sa_handler != SIG_IGN) {
         handle(signal);
+    }
 }
 
 void SignalChannel::handle(int signal) {
@@ -73,9 +79,11 @@ std::vector<int> SignalChannel::take() {
     std::vector<int> signals;
     std::array<char, 64> bytes{};
     ssize_t count = 0;
-    while ((count = ::read(readEnd_.get(), bytes.data(), bytes.size())) > 0)
-        for (const char byte : std::string_view(bytes.data(), static_cast<std::size_t>(count)))
+    while ((count = ::read(readEnd_.get(), bytes.data(), bytes.size())) > 0) {
+        for (const char byte : std::string_view(bytes.data(), static_cast<std::size_t>(count))) {
             signals.push_back(byte);
+        }
+    }
     return signals;
 }
 

@@ -51,8 +51,9 @@ FailureContent failureContent(const UsageProviderError& error, std::optional<Ins
     FailureContent failure{
         .reason = error.message(words), .wayOut = way, .buttonTitle = words.text(buttonKey(way))};
     if (restsUntil && *restsUntil > now) {
-        if (!failure.reason.ends_with('.'))
+        if (!failure.reason.ends_with('.')) {
             failure.reason += ".";
+        }
         failure.reason +=
             " " + words.format("popover.failure.next", {instantText(*restsUntil, now, words)});
     }
@@ -62,8 +63,9 @@ FailureContent failureContent(const UsageProviderError& error, std::optional<Ins
 AgentBlockContent::State blockState(const AgentUsageSnapshot& snapshot,
                                     const AgentStanding& standing) {
     const bool hasFigures = !snapshot.windows.empty() || !snapshot.balances.empty();
-    if (snapshot.error)
+    if (snapshot.error) {
         return hasFigures ? AgentBlockContent::State::stale : AgentBlockContent::State::failed;
+    }
     switch (snapshot.source) {
     case SnapshotSource::loading:
         return AgentBlockContent::State::loading;
@@ -79,9 +81,10 @@ BalanceRowContent balanceRow(const BalanceInfo& balance, const Localization& wor
     BalanceRowContent row{.label = words.text("balance.credits")};
     const std::string amount = moneyText(balance.amount, balance.currencyCode, words);
     row.value = words.format("usage.remaining", {amount});
-    if (balance.limit)
+    if (balance.limit) {
         row.detail =
             words.format("balance.limit", {moneyText(*balance.limit, balance.currencyCode, words)});
+    }
     return row;
 }
 
@@ -105,8 +108,9 @@ std::string_view reachedKey(const UsageAllowance& allowance) {
         {"spend_control_reached", "allowance.reached.spendingLimit"},
     };
     for (const Reached& kind : kinds) {
-        if (allowance.reachedType == kind.type)
+        if (allowance.reachedType == kind.type) {
             return kind.key;
+        }
     }
     return "allowance.usedUp.forNow";
 }
@@ -145,8 +149,9 @@ std::string sourceText(const AgentUsageSnapshot& snapshot, Instant readAt, Insta
     const std::string source =
         descriptor ? words.text(descriptor->sourceKey) : snapshot.id.rawValue;
     const Seconds age = now - readAt;
-    if (age < Seconds(60))
+    if (age < Seconds(60)) {
         return words.format("popover.source.justNow", {source});
+    }
     return words.format(snapshot.mayBeNewer ? "popover.source.atMost" : "popover.source",
                         {roughDurationText(age, words), source});
 }
@@ -180,17 +185,21 @@ void addRows(AgentBlockContent& block, const AgentUsageSnapshot& snapshot, const
                                              state.recentPointsOf(snapshot.id, window.id), now,
                                              words));
     }
-    if (isUsedUp(snapshot))
+    if (isUsedUp(snapshot)) {
         block.balances.push_back(usedUpRow(snapshot, now, words));
+    }
     for (const BalanceInfo& balance : snapshot.balances) {
         // The credit line tells the same in the agent's own words.
-        if (balance.id != extraUsageBalanceID || !snapshot.credit)
+        if (balance.id != extraUsageBalanceID || !snapshot.credit) {
             block.balances.push_back(balanceRow(balance, words));
+        }
     }
-    if (snapshot.credit)
+    if (snapshot.credit) {
         block.balances.push_back(creditRow(*snapshot.credit, words));
-    if (snapshot.allowance && snapshot.allowance->bankedResets.value_or(0) > 0)
+    }
+    if (snapshot.allowance && snapshot.allowance->bankedResets.value_or(0) > 0) {
         block.balances.push_back(bankedResetsRow(*snapshot.allowance, now, words));
+    }
 }
 
 /// "Session: 46% left. Resets in 2 h 12 min · 5:00 PM. Week: …"
@@ -234,8 +243,9 @@ std::vector<std::string> notesOf(const AgentUsageSnapshot& snapshot, const Local
             notes.push_back(words.format("log.agent.says", {singleLine(said->text)}));
         }
     }
-    if (snapshot.isIncomplete && !saysWhatIsMissing)
+    if (snapshot.isIncomplete && !saysWhatIsMissing) {
         notes.push_back(words.text("popover.incomplete"));
+    }
     return notes;
 }
 
@@ -267,22 +277,26 @@ AgentBlockContent agentBlockContent(const AgentUsageSnapshot& snapshot, const Us
                             .state = blockState(snapshot, standing),
                             .health = standing.health};
     setStatus(block, snapshot, standing, now, words, loadingKey);
-    if (block.state == AgentBlockContent::State::loading)
+    if (block.state == AgentBlockContent::State::loading) {
         block.boneRows = expectedRows(snapshot.id);
-    else
+    } else {
         addRows(block, snapshot, state, standing, now, words);
+    }
     block.notes = notesOf(snapshot, words);
-    if (snapshot.error)
+    if (snapshot.error) {
         block.failure =
             failureContent(*snapshot.error, state.restsUntilOf(snapshot.id), now, words);
+    }
     if (block.state == AgentBlockContent::State::live ||
-        block.state == AgentBlockContent::State::stale)
+        block.state == AgentBlockContent::State::stale) {
         block.sourceText = sourceText(snapshot, standing.readAt, now, words);
+    }
 
     block.accessibilityText =
         words.format("popover.agent.accessibility", {block.name, block.statusText});
-    if (block.failure)
+    if (block.failure) {
         block.accessibilityText += ". " + block.failure->reason;
+    }
     block.accessibilityDetail = figuresText(block, words);
     return block;
 }

@@ -25,11 +25,13 @@ class AgentNavigationState {
 public:
     const AgentPage& selection() const { return selection_; }
     void select(AgentPage page) {
-        if (page == selection_)
+        if (page == selection_) {
             return;
+        }
         selection_ = std::move(page);
-        if (onChange)
+        if (onChange) {
             onChange();
+        }
     }
     std::function<void()> onChange;
 

@@ -15,8 +15,9 @@ const UsageWindow* holderOf(const UsageWindow& window, const AgentUsageSnapshot&
     const UsageWindow* holder = nullptr;
     for (const UsageWindow& other : snapshot.windows) {
         if (isUsedUp(other) && !isDue(other, now) && covers(other, window) &&
-            (!holder || other.resetsAt > holder->resetsAt))
+            (!holder || other.resetsAt > holder->resetsAt)) {
             holder = &other;
+        }
     }
     return holder;
 }
@@ -67,14 +68,16 @@ bool AgentStanding::isDue() const {
 AgentStanding standingOf(const AgentUsageSnapshot& snapshot, const UsageState& state, Instant now) {
     AgentStanding standing{.readAt = readingTimeOf(state, snapshot),
                            .isOld = isOldReading(state, snapshot, now)};
-    if (!snapshot.windows.empty())
+    if (!snapshot.windows.empty()) {
         standing.health = UsageHealth::healthy;
+    }
     for (const UsageWindow& window : snapshot.windows) {
         standing.windows.push_back(windowStanding(window, snapshot, state, standing.isOld, now));
         standing.health = worse(standing.health, standing.windows.back().health);
     }
-    if (isUsedUp(snapshot))
+    if (isUsedUp(snapshot)) {
         standing.health = UsageHealth::critical;
+    }
     return standing;
 }
 
@@ -86,8 +89,9 @@ std::optional<PressingWindow> mostPressingWindow(const UsageState& state, Instan
             const PressingWindow candidate{&snapshot, &snapshot.windows[index],
                                            agent.windows[index]};
             if (candidate.standing.health != UsageHealth::unavailable &&
-                (!most || urgency(candidate) > urgency(*most)))
+                (!most || urgency(candidate) > urgency(*most))) {
                 most = candidate;
+            }
         }
     }
     return most;
@@ -115,8 +119,9 @@ std::string ageText(const AgentUsageSnapshot& snapshot, const WindowStanding& st
 
 std::string briefAgeText(const AgentUsageSnapshot& snapshot, const AgentStanding& standing,
                          Instant now, const Localization& words) {
-    if (!hasAge(standing.isOld, standing.readAt, now))
+    if (!hasAge(standing.isOld, standing.readAt, now)) {
         return {};
+    }
     return words.format(snapshot.mayBeNewer ? "popover.stale.brief.atMost" : "popover.stale.brief",
                         {roughDurationText(now - standing.readAt, words)});
 }

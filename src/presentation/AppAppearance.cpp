@@ -18,21 +18,25 @@ constexpr std::array<std::pair<Setting, std::string_view>, 3> storedForms{
 AppAppearance::AppAppearance(Preferences& preferences) : preferences_(preferences) {
     const std::string stored = preferences.string(preferenceKey).value_or("system");
     for (const auto& [setting, form] : storedForms) {
-        if (stored == form)
+        if (stored == form) {
             setting_ = setting;
+        }
     }
 }
 
 void AppAppearance::choose(Setting setting) {
-    if (setting == setting_)
+    if (setting == setting_) {
         return;
+    }
     setting_ = setting;
     for (const auto& [candidate, form] : storedForms) {
-        if (candidate == setting)
+        if (candidate == setting) {
             preferences_.setString(preferenceKey, std::string(form));
+        }
     }
-    if (onChange)
+    if (onChange) {
         onChange();
+    }
 }
 
 ColorScheme AppAppearance::chosenScheme() const {

@@ -38,8 +38,9 @@ void AppLoops::systemDidWake() {
         actions_.refresh(RefreshTrigger::wake);
     });
     for (Loop* loop : {&glyphLoop_, &refreshLoop_, &logTrimLoop_}) {
-        if (loop->timer)
+        if (loop->timer) {
             arm(*loop);
+        }
     }
 }
 
@@ -59,8 +60,9 @@ void AppLoops::arm(Loop& loop) {
 }
 
 void AppLoops::cancel(std::optional<MainExecutor::Timer>& timer) {
-    if (timer)
+    if (timer) {
         executor_.cancel(*timer);
+    }
     timer.reset();
 }
 

@@ -48,11 +48,13 @@ std::vector<GlyphMark> glyphDrawing(const MenuBarGlyph& glyph, double side) {
     };
 
     std::vector<GlyphMark> marks{ring};
-    if (glyph.elapsedPercent && *glyph.elapsedPercent > 0)
+    if (glyph.elapsedPercent && *glyph.elapsedPercent > 0) {
         marks.push_back(share(ring, GlyphMark::Kind::strokedArc, *glyph.elapsedPercent));
+    }
     marks.push_back(disc);
-    if (glyph.usedPercent && *glyph.usedPercent >= leastPie)
+    if (glyph.usedPercent && *glyph.usedPercent >= leastPie) {
         marks.push_back(share(disc, GlyphMark::Kind::filledPie, *glyph.usedPercent));
+    }
     return marks;
 }
 

@@ -18,8 +18,9 @@ bool isSpoken(std::string_view code) {
 
 Localization localizationFor(const UserLocale& user, const std::string& language) {
     std::string code = language.empty() ? user.languageCode : language;
-    if (!isSpoken(code))
+    if (!isSpoken(code)) {
         code = fallback;
+    }
     const bool formatsFit = user.formatIdentifier.starts_with(code);
     return Localization(code, formatsFit ? user.formatIdentifier : std::string());
 }
@@ -33,23 +34,27 @@ LanguageManager::LanguageManager(Preferences& preferences, UserLocale system, st
     : preferences_(preferences), system_(std::move(system)), forced_(std::move(forced)),
       setting_(preferences.string(preferenceKey).value_or(std::string(systemSetting))),
       words_(fallback) {
-    if (std::ranges::find(settings(), setting_) == settings().end())
+    if (std::ranges::find(settings(), setting_) == settings().end()) {
         setting_ = systemSetting;
+    }
     words_ = makeWords();
 }
 
 void LanguageManager::choose(const std::string& setting) {
-    if (std::ranges::find(settings(), setting) == settings().end())
+    if (std::ranges::find(settings(), setting) == settings().end()) {
         return;
+    }
     forced_.clear();
     setting_ = setting;
     preferences_.setString(preferenceKey, setting);
     Localization words = makeWords();
-    if (words == words_)
+    if (words == words_) {
         return;
+    }
     words_ = std::move(words);
-    if (onChange)
+    if (onChange) {
         onChange();
+    }
 }
 
 Localization LanguageManager::makeWords() const {

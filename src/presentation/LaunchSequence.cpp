@@ -11,30 +11,34 @@ LaunchOptions LaunchOptions::parse(std::span<const std::string> arguments,
         const std::string_view argument = arguments[index];
         // "--name value" and "--name=value".
         const auto value = [&](std::string_view name, std::string& target) {
-            if (argument == name && index + 1 < arguments.size())
+            if (argument == name && index + 1 < arguments.size()) {
                 target = arguments[++index];
-            else if (argument.starts_with(name) && argument.substr(name.size()).starts_with('='))
+            } else if (argument.starts_with(name) &&
+                       argument.substr(name.size()).starts_with('=')) {
                 target = argument.substr(name.size() + 1);
-            else
+            } else {
                 return false;
+            }
             return true;
         };
-        if (argument == "--show-window")
+        if (argument == "--show-window") {
             options.showsWindow = true;
-        else if (argument == "--show-about")
+        } else if (argument == "--show-about") {
             options.showsAbout = true;
-        else if (argument == "--demo")
+        } else if (argument == "--demo") {
             options.isDemo = true;
-        else if (!value("--sandbox", options.sandbox) && !value("--language", options.language) &&
-                 argument.starts_with("--"))
+        } else if (!value("--sandbox", options.sandbox) && !value("--language", options.language) &&
+                   argument.starts_with("--")) {
             options.offendingArgument = argument;
+        }
     }
     return options;
 }
 
 LaunchOutcome runLaunchSequence(const LaunchOptions& options, LaunchSteps& steps) {
-    if (options.isRunningTests)
+    if (options.isRunningTests) {
         return LaunchOutcome::testHost;
+    }
     if (steps.handOverToRunningInstance()) {
         steps.terminate();
         return LaunchOutcome::handedOver;
@@ -51,10 +55,11 @@ LaunchOutcome runLaunchSequence(const LaunchOptions& options, LaunchSteps& steps
     steps.observeWake();
     steps.startLoops();
     steps.runFirstRun();
-    if (options.showsWindow)
+    if (options.showsWindow) {
         steps.showMainWindow();
-    else if (options.showsAbout)
+    } else if (options.showsAbout) {
         steps.showAbout();
+    }
     return LaunchOutcome::launched;
 }
 

@@ -48,8 +48,9 @@ std::vector<MenuItemContent> statusItemMenuContent(const Localization& words) {
 
 bool isMenuItemEnabled(std::string_view action, bool isMainWindowVisible,
                        const AgentPage& shownPage) {
-    if (action == menuAction::saveActivity)
+    if (action == menuAction::saveActivity) {
         return isMainWindowVisible && shownPage.kind == AgentPage::Kind::activity;
+    }
     return true;
 }
 

@@ -31,13 +31,16 @@ std::string leastText(const AgentUsageSnapshot& snapshot, const AgentStanding& s
     for (std::size_t index = 0; index < snapshot.windows.size(); ++index) {
         const UsageWindow& window = snapshot.windows[index];
         if (standing.windows[index].health != UsageHealth::unavailable &&
-            (!least || remainingPercent(window) < remainingPercent(*least)))
+            (!least || remainingPercent(window) < remainingPercent(*least))) {
             least = &window;
+        }
     }
-    if (!least)
+    if (!least) {
         return standing.isDue() ? words.text("health.due") : std::string();
-    if (isUsedUp(*least))
+    }
+    if (isUsedUp(*least)) {
         return words.text("usage.usedUp");
+    }
     return words.format("usage.remaining", {percentText(remainingPercent(*least), words)});
 }
 
@@ -72,10 +75,11 @@ std::string sentence(const std::string& text, const Localization& words) {
 std::string verdictSentence(const UsageWindow& window, const WindowStanding& standing,
                             std::span<const UsagePoint> recent, Instant now,
                             const Localization& words) {
-    if (standing.kind == WindowStanding::Kind::usedUp)
+    if (standing.kind == WindowStanding::Kind::usedUp) {
         return window.resetsAt ? words.format("overview.verdict.usedUpUntil",
                                               {instantText(*window.resetsAt, now, words)})
                                : words.text("overview.verdict.usedUp");
+    }
     const std::optional<Forecast> outlook = forecast(window, standing.judgedAt, recent);
     if (!outlook || !outlook->emptyAt || *outlook->emptyAt <= now || !window.resetsAt) {
         const UsageRowContent row = usageRowContent(window, standing, recent, now, words);
@@ -95,8 +99,9 @@ std::string verdictIcon(const UsageState& state, UsageHealth worst, Instant now)
         std::ranges::any_of(state.snapshots, [](const AgentUsageSnapshot& snapshot) {
             return snapshot.error.has_value();
         });
-    if (isUnreadable || worst == UsageHealth::attention || worst == UsageHealth::critical)
+    if (isUnreadable || worst == UsageHealth::attention || worst == UsageHealth::critical) {
         return "exclamationmark.triangle.fill";
+    }
     const bool isOld =
         std::ranges::any_of(state.snapshots, [&](const AgentUsageSnapshot& snapshot) {
             return standingOf(snapshot, state, now).isOld;
@@ -111,16 +116,18 @@ VerdictContent verdict(const UsageState& state, Instant now, const Localization&
                            .icon = verdictIcon(state, worst, now),
                            .text = sentence(verdictText(state, now, words), words)};
     const std::optional<PressingWindow> pressing = mostPressingWindow(state, now);
-    if ((worst != UsageHealth::attention && worst != UsageHealth::critical) || !pressing)
+    if ((worst != UsageHealth::attention && worst != UsageHealth::critical) || !pressing) {
         return content;
+    }
     const AgentUsageSnapshot& snapshot = *pressing->snapshot;
     const UsageWindow& window = *pressing->window;
     content.subject = words.format("overview.verdict.subject", {agentShortName(snapshot.id, words),
                                                                 windowLabel(window, words, true)});
     content.text = verdictSentence(window, pressing->standing,
                                    state.recentPointsOf(snapshot.id, window.id), now, words);
-    if (const std::string age = ageText(snapshot, pressing->standing, now, words); !age.empty())
+    if (const std::string age = ageText(snapshot, pressing->standing, now, words); !age.empty()) {
         content.text = words.format("overview.verdict.aged", {content.text, sentence(age, words)});
+    }
     return content;
 }
 
@@ -132,8 +139,9 @@ std::vector<SidebarItem> sidebarItems(const UsageState& state, Instant now,
     std::vector<SidebarItem> items;
     items.push_back(entry("nav.overview", Kind::overview, "square.grid.2x2", words));
     items.push_back(section("nav.section.agents", words));
-    for (const AgentUsageSnapshot& snapshot : state.snapshots)
+    for (const AgentUsageSnapshot& snapshot : state.snapshots) {
         items.push_back(agentEntry(snapshot, state, now, words));
+    }
     items.push_back(section("nav.section.analysis", words));
     items.push_back(entry("nav.history", Kind::history, "chart.xyaxis.line", words));
     items.push_back(entry("nav.activity", Kind::activity, "list.bullet.rectangle", words));
@@ -157,13 +165,16 @@ OverviewContent overviewContent(const UsageState& state, Instant now, const Loca
                        "arrow.clockwise", ""};
     content.refreshTitles = {words.text("header.refresh"), words.text("header.refreshing")};
     content.verdict = verdict(state, now, words);
-    if (asksForSetup)
+    if (asksForSetup) {
         content.setupHint = words.text("overview.firstRun");
-    for (const AgentUsageSnapshot& snapshot : state.snapshots)
+    }
+    for (const AgentUsageSnapshot& snapshot : state.snapshots) {
         content.cards.push_back(
             agentBlockContent(snapshot, state, now, words, "overview.loadingQuotas"));
-    if (state.snapshots.empty())
+    }
+    if (state.snapshots.empty()) {
         content.noAgents = noAgentsContent(words);
+    }
     return content;
 }
 

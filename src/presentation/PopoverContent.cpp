@@ -9,8 +9,9 @@ namespace {
 
 std::vector<PopoverTabContent> tabContents(const std::vector<AgentBlockContent>& agents,
                                            const Localization& words) {
-    if (agents.empty())
+    if (agents.empty()) {
         return {};
+    }
     const std::string overview = words.text("nav.overview");
     std::vector<PopoverTabContent> tabs{
         {.tab = PopoverTab::overview(), .title = overview, .accessibilityText = overview}};
@@ -59,8 +60,9 @@ PopoverContent popoverContent(const UsageState& state, std::string_view storedTa
     }
     content.tabs = tabContents(content.agents, words);
     content.selectedTab = PopoverTab::fromStoredForm(storedTab, shown);
-    if (shown.empty())
+    if (shown.empty()) {
         content.noAgents = noAgentsContent(words);
+    }
     return content;
 }
 

@@ -12,11 +12,13 @@ std::string PopoverTab::storedForm() const {
 
 PopoverTab PopoverTab::fromStoredForm(std::string_view text,
                                       std::span<const AgentProviderID> shown) {
-    if (!text.starts_with(providerPrefix))
+    if (!text.starts_with(providerPrefix)) {
         return overview();
+    }
     AgentProviderID id(std::string(text.substr(providerPrefix.size())));
-    if (std::find(shown.begin(), shown.end(), id) == shown.end())
+    if (std::find(shown.begin(), shown.end(), id) == shown.end()) {
         return overview();
+    }
     return agent(std::move(id));
 }
 

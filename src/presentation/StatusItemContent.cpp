@@ -9,12 +9,15 @@
 namespace vellmark {
 
 StatusColorRole statusItemColor(const UsageState& state, Instant now) {
-    if (state.snapshots.empty())
+    if (state.snapshots.empty()) {
         return StatusColorRole::none;
-    if (state.isRefreshing)
+    }
+    if (state.isRefreshing) {
         return StatusColorRole::refreshing;
-    if (!state.lastRefreshCompletedAt)
+    }
+    if (!state.lastRefreshCompletedAt) {
         return StatusColorRole::none;
+    }
     return statusColorRole(worstHealth(state, now));
 }
 
@@ -24,12 +27,14 @@ namespace {
 std::string withAge(const std::string& text, const MenuBarGlyph& glyph, const UsageState& state,
                     Instant now, const Localization& words) {
     for (const AgentUsageSnapshot& snapshot : state.snapshots) {
-        if (snapshot.id != glyph.providerID)
+        if (snapshot.id != glyph.providerID) {
             continue;
+        }
         const AgentStanding standing = standingOf(snapshot, state, now);
         for (std::size_t index = 0; index < snapshot.windows.size(); ++index) {
-            if (snapshot.windows[index].id != glyph.windowID)
+            if (snapshot.windows[index].id != glyph.windowID) {
                 continue;
+            }
             const std::string age = ageText(snapshot, standing.windows[index], now, words);
             return age.empty() ? text : words.format("statusItem.tooltip.aged", {text, age});
         }
@@ -42,8 +47,9 @@ std::string withAge(const std::string& text, const MenuBarGlyph& glyph, const Us
 std::string statusItemToolTip(const MenuBarGlyph& glyph, const UsageState& state, Instant now,
                               const Localization& words) {
     const std::string app = words.text("app.name");
-    if (!glyph.usedPercent || !glyph.providerID || !glyph.windowID)
+    if (!glyph.usedPercent || !glyph.providerID || !glyph.windowID) {
         return words.format("statusItem.tooltip", {app, overallStatusText(state, now, words)});
+    }
     const std::string agent = agentName(*glyph.providerID, words);
     const UsageWindow* const shown = state.window(*glyph.providerID, *glyph.windowID);
     const std::string window = shown != nullptr ? windowLabel(*shown, words, true)

@@ -37,18 +37,22 @@ std::string resetLine(const UsageWindow& window, const WindowStanding& standing,
                       const Localization& words) {
     using Kind = WindowStanding::Kind;
     // What is used up stays so, however old the figures are, and what is due is not confirmed.
-    if (standing.kind == Kind::usedUp)
+    if (standing.kind == Kind::usedUp) {
         return usedUpText(window, now, words);
-    if (standing.kind == Kind::due)
+    }
+    if (standing.kind == Kind::due) {
         return resetText(window, now, words);
+    }
     std::string line = standing.kind == Kind::held ? waitingText(*standing.holder, words)
                        : window.resetsAt           ? resetText(window, now, words)
                                                    : words.text("popover.reset.unknown");
-    if (!window.readAt || *window.readAt >= now)
+    if (!window.readAt || *window.readAt >= now) {
         return line;
+    }
     // Beside the age there is no room for a span.
-    if (standing.kind == Kind::counts && window.resetsAt)
+    if (standing.kind == Kind::counts && window.resetsAt) {
         line = words.format("usage.reset.at", {instantText(*window.resetsAt, now, words)});
+    }
     return line + " · " +
            words.format("popover.stale", {roughDurationText(now - *window.readAt, words)});
 }
@@ -56,18 +60,21 @@ std::string resetLine(const UsageWindow& window, const WindowStanding& standing,
 /// Planning and forecast: of a window that counts.
 void addOutlook(UsageRowContent& row, const UsageWindow& window, const WindowStanding& standing,
                 std::span<const UsagePoint> recent, Instant now, const Localization& words) {
-    if (const std::optional<Planning> plan = planning(window, standing.judgedAt))
+    if (const std::optional<Planning> plan = planning(window, standing.judgedAt)) {
         row.planning = planningText(*plan, words);
+    }
     const std::optional<Forecast> outlook = forecast(window, standing.judgedAt, recent);
-    if (!outlook)
+    if (!outlook) {
         return;
+    }
     row.outlook = forecastText(*outlook, window, now, words);
     // A quota that runs out before its reset gets a line; `healthy` windows miss it by a little.
-    if (outlook->emptyAt)
+    if (outlook->emptyAt) {
         row.forecast =
             ForecastLineContent{.text = row.outlook,
                                 .briefText = forecastText(*outlook, window, now, words, true),
                                 .tone = standing.health};
+    }
 }
 
 } // namespace
@@ -87,15 +94,18 @@ UsageRowContent usageRowContent(const UsageWindow& window, const WindowStanding&
                         .isUsedUp = standing.kind == Kind::usedUp,
                         .isMuted = isMuted(standing)};
     row.value = words.format("usage.remaining", {row.figure});
-    if (elapsed)
+    if (elapsed) {
         row.elapsed = words.format("usage.elapsed", {percentText(*elapsed, words)});
-    if (standing.kind == Kind::counts)
+    }
+    if (standing.kind == Kind::counts) {
         addOutlook(row, window, standing, recent, now, words);
+    }
     row.accessibilityText = words.format("usage.accessibility",
                                          {row.fullLabel, percentText(window.usedPercent, words)});
     row.accessibilityDetail = row.reset;
-    if (row.forecast)
+    if (row.forecast) {
         row.accessibilityDetail += ". " + row.forecast->text;
+    }
     return row;
 }
 

@@ -28,8 +28,9 @@ struct KnownAgent {
 std::vector<KnownAgent> knownAgents(const UsageState& state, Instant now) {
     std::vector<KnownAgent> agents;
     for (const AgentUsageSnapshot& snapshot : state.snapshots) {
-        if (!isLoading(snapshot))
+        if (!isLoading(snapshot)) {
             agents.push_back({&snapshot, standingOf(snapshot, state, now)});
+        }
     }
     return agents;
 }
@@ -39,12 +40,15 @@ std::string commonAgeText(const std::vector<KnownAgent>& agents, Instant now,
                           const Localization& words) {
     const KnownAgent* oldest = nullptr;
     for (const KnownAgent& agent : agents) {
-        if (!hasFigures(*agent.snapshot))
+        if (!hasFigures(*agent.snapshot)) {
             continue;
-        if (!agent.standing.isOld)
+        }
+        if (!agent.standing.isOld) {
             return {};
-        if (!oldest || agent.standing.readAt < oldest->standing.readAt)
+        }
+        if (!oldest || agent.standing.readAt < oldest->standing.readAt) {
             oldest = &agent;
+        }
     }
     return oldest ? ageText(*oldest->snapshot, oldest->standing, now, words) : std::string();
 }
@@ -71,14 +75,16 @@ std::vector<Phrase> phrasesOf(const std::vector<KnownAgent>& agents) {
     for (const KnownAgent& agent : agents) {
         const UsageHealth grade = agent.standing.health;
         const bool presses = badgeOf(grade).has_value();
-        if (presses)
+        if (presses) {
             (grade == UsageHealth::critical ? critical : attention).agents.push_back(&agent);
+        }
         const bool isDue = agent.standing.isDue();
         if (isUnread(agent) ? areAllUnread || !presses
-                            : grade == UsageHealth::unavailable && !isDue)
+                            : grade == UsageHealth::unavailable && !isDue) {
             unreadable.agents.push_back(&agent);
-        else if (isDue)
+        } else if (isDue) {
             due.agents.push_back(&agent);
+        }
     }
     std::vector<Phrase> phrases{critical, attention, unreadable, due};
     std::erase_if(phrases, [](const Phrase& phrase) { return phrase.agents.empty(); });
@@ -119,13 +125,15 @@ std::string briefVerdictText(const std::vector<Phrase>& phrases, const PhraseWor
                              Instant now, const Localization& words) {
     std::set<AgentProviderID> concerned;
     for (const Phrase& phrase : phrases) {
-        for (const KnownAgent* agent : phrase.agents)
+        for (const KnownAgent* agent : phrase.agents) {
             concerned.insert(agent->snapshot->id);
+        }
     }
     std::string text = phraseText(phrases.front(), wording, now, words);
     const auto others = static_cast<std::int64_t>(concerned.size() - phrases.front().agents.size());
-    if (others == 0)
+    if (others == 0) {
         return text;
+    }
     return others == 1 ? words.format("popover.status.andOther", {std::move(text)})
                        : words.format("popover.status.andOthers", {std::move(text), others});
 }
@@ -137,8 +145,9 @@ bool everythingLasts(const UsageState& state, const std::vector<KnownAgent>& age
             const UsageWindow& window = snapshot.windows[index];
             const auto outlook = forecast(window, agent.standing.windows[index].judgedAt,
                                           state.recentPointsOf(snapshot.id, window.id));
-            if (outlook && outlook->emptyAt)
+            if (outlook && outlook->emptyAt) {
                 return false;
+            }
         }
         return true;
     });
@@ -148,19 +157,23 @@ bool everythingLasts(const UsageState& state, const std::vector<KnownAgent>& age
 StatusLine verdict(const UsageState& state, const std::vector<KnownAgent>& agents, bool tellsAges,
                    Instant now, const Localization& words, AgentNames names) {
     const auto same = [](const std::string& text) { return StatusLine{text, text}; };
-    if (state.snapshots.empty())
+    if (state.snapshots.empty()) {
         return same(words.text("popover.status.noAgents"));
-    if (agents.empty())
+    }
+    if (agents.empty()) {
         return same(
             words.text(state.isRefreshing ? "summary.refreshing" : "popover.status.notRead"));
+    }
     const std::vector<Phrase> phrases = phrasesOf(agents);
-    if (phrases.empty())
+    if (phrases.empty()) {
         return same(words.text(everythingLasts(state, agents) ? "popover.status.lasts"
                                                               : "popover.status.healthy"));
+    }
     const PhraseWording wording{state.snapshots.size(), tellsAges, names};
     std::string text;
-    for (const Phrase& phrase : phrases)
+    for (const Phrase& phrase : phrases) {
         text += (text.empty() ? "" : ", ") + phraseText(phrase, wording, now, words);
+    }
     return {text, briefVerdictText(phrases, wording, now, words)};
 }
 
@@ -169,18 +182,21 @@ StatusLine verdict(const UsageState& state, const std::vector<KnownAgent>& agent
 std::string withTime(const std::string& text, const UsageState& state,
                      const std::vector<KnownAgent>& agents, Instant now,
                      const Localization& words) {
-    if (const std::string age = commonAgeText(agents, now, words); !age.empty())
+    if (const std::string age = commonAgeText(agents, now, words); !age.empty()) {
         return words.format("popover.status.withAge", {text, age});
-    if (agents.empty() || !state.lastRefreshCompletedAt)
+    }
+    if (agents.empty() || !state.lastRefreshCompletedAt) {
         return text;
+    }
     const Instant readAt = *state.lastRefreshCompletedAt;
     const char* key = "popover.status.readOn";
-    if (std::ranges::all_of(agents, isUnread))
+    if (std::ranges::all_of(agents, isUnread)) {
         key = "popover.status.triedAt";
-    else if (std::ranges::any_of(agents, isUnread))
+    } else if (std::ranges::any_of(agents, isUnread)) {
         key = "popover.status.asOf";
-    else if (isSameDay(readAt, now, words))
+    } else if (isSameDay(readAt, now, words)) {
         key = "popover.status.readAt";
+    }
     return words.format(key, {text, instantText(readAt, now, words)});
 }
 
@@ -210,17 +226,20 @@ StatusLine statusLine(const UsageState& state, Instant now, const Localization& 
 }
 
 std::string overallStatusText(const UsageState& state, Instant now, const Localization& words) {
-    if (state.isRefreshing)
+    if (state.isRefreshing) {
         return words.text("summary.refreshing");
-    if (state.snapshots.empty())
+    }
+    if (state.snapshots.empty()) {
         return words.text("summary.noAgents");
+    }
     const UsageHealth worst = worstHealth(state, now);
     bool isDue = worst == UsageHealth::unavailable;
     std::string concerned;
     for (const AgentUsageSnapshot& snapshot : state.snapshots) {
         const AgentStanding standing = standingOf(snapshot, state, now);
-        if (standing.health != worst)
+        if (standing.health != worst) {
             continue;
+        }
         isDue = isDue && standing.isDue();
         concerned += (concerned.empty() ? "" : ", ") + agentShortName(snapshot.id, words);
     }
@@ -238,11 +257,13 @@ std::string overallStatusText(const UsageState& state, Instant now, const Locali
 }
 
 UsageHealth worstHealth(const UsageState& state, Instant now) {
-    if (state.snapshots.empty())
+    if (state.snapshots.empty()) {
         return UsageHealth::unavailable;
+    }
     UsageHealth worst = UsageHealth::healthy;
-    for (const AgentUsageSnapshot& snapshot : state.snapshots)
+    for (const AgentUsageSnapshot& snapshot : state.snapshots) {
         worst = worse(worst, standingOf(snapshot, state, now).health);
+    }
     return worst;
 }
 

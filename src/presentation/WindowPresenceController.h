@@ -20,13 +20,15 @@ public:
     void windowOpened(const std::string& identifier) {
         const bool isFirst = open_.empty();
         open_.insert(identifier);
-        if (isFirst)
+        if (isFirst) {
             setPolicy_(ActivationPolicy::regular);
+        }
     }
 
     void windowClosed(const std::string& identifier) {
-        if (open_.erase(identifier) > 0 && open_.empty())
+        if (open_.erase(identifier) > 0 && open_.empty()) {
             setPolicy_(ActivationPolicy::accessory);
+        }
     }
 
     bool hasOpenWindows() const { return !open_.empty(); }

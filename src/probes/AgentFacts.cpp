@@ -23,10 +23,12 @@ struct Inquiry {
 
 Inquiry inquire(const Machine& machine, const ProviderDescriptor& agent) {
     Inquiry inquiry{.known = {.id = agent.id}, .version = {}, .login = {}};
-    if (agent.executableLocator)
+    if (agent.executableLocator) {
         inquiry.known.toolPath = agent.executableLocator(machine);
-    if (!inquiry.known.toolPath)
+    }
+    if (!inquiry.known.toolPath) {
         return inquiry;
+    }
     const std::filesystem::path& tool = *inquiry.known.toolPath;
     inquiry.version =
         std::async(checkPolicy, [&machine, tool] { return toolVersion(machine, tool); });
@@ -39,8 +41,9 @@ Inquiry inquire(const Machine& machine, const ProviderDescriptor& agent) {
 
 std::optional<bool> agentIsLoggedIn(const Machine& machine, const ProviderDescriptor& agent,
                                     const std::filesystem::path& tool) {
-    if (!agent.setup || !agent.setup->isLoggedIn)
+    if (!agent.setup || !agent.setup->isLoggedIn) {
         return std::nullopt;
+    }
     try {
         return agent.setup->isLoggedIn(machine, tool);
     } catch (const std::exception&) {
@@ -51,15 +54,18 @@ std::optional<bool> agentIsLoggedIn(const Machine& machine, const ProviderDescri
 std::vector<AgentFacts> gatherAgentFacts(const Machine& machine,
                                          const std::vector<ProviderRegistration>& agents) {
     std::vector<Inquiry> inquiries;
-    for (const ProviderRegistration& registration : agents)
+    for (const ProviderRegistration& registration : agents) {
         inquiries.push_back(inquire(machine, registration.descriptor));
+    }
 
     std::vector<AgentFacts> facts;
     for (Inquiry& inquiry : inquiries) {
-        if (inquiry.version.valid())
+        if (inquiry.version.valid()) {
             inquiry.known.toolVersion = inquiry.version.get();
-        if (inquiry.login.valid())
+        }
+        if (inquiry.login.valid()) {
             inquiry.known.loggedIn = inquiry.login.get();
+        }
         facts.push_back(std::move(inquiry.known));
     }
     return facts;

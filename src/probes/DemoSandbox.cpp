@@ -38,12 +38,14 @@ void removeSandbox(const fs::path& directory) {
     const auto isLock = [](const fs::path& path) { return path.filename() == lockName; };
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(directory, error)) {
-        if (!isLock(entry.path()))
+        if (!isLock(entry.path())) {
             fs::remove_all(entry.path(), error);
+        }
     }
     for (const auto& entry : fs::directory_iterator(directory, error)) {
-        if (!isLock(entry.path()))
+        if (!isLock(entry.path())) {
             return;
+        }
     }
     fs::remove_all(directory, error);
 }
@@ -61,25 +63,29 @@ void removeAbandoned(const fs::path& temporary) {
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(temporary, error)) {
         const bool isSandbox = entry.path().filename().string().starts_with(directoryPrefix);
-        if (!isSandbox || !isOwnDirectory(entry.path()))
+        if (!isSandbox || !isOwnDirectory(entry.path())) {
             continue;
+        }
         const Descriptor lock(open((entry.path() / lockName).c_str(), lockFlags));
-        if (lock.isOpen() && flock(lock.get(), LOCK_EX | LOCK_NB) == 0)
+        if (lock.isOpen() && flock(lock.get(), LOCK_EX | LOCK_NB) == 0) {
             removeSandbox(entry.path());
+        }
     }
 }
 
 fs::path makeDirectory(const fs::path& temporary) {
     std::string path = (temporary / (std::string(directoryPrefix) + "XXXXXX")).string();
-    if (mkdtemp(path.data()) == nullptr)
+    if (mkdtemp(path.data()) == nullptr) {
         throw fs::filesystem_error("cannot create directory", path, lastSystemError());
+    }
     return path;
 }
 
 fs::path findSimulator() {
     const fs::path simulator = programPath().parent_path() / simulatorName;
-    if (!fs::exists(simulator))
+    if (!fs::exists(simulator)) {
         throw std::runtime_error(simulator.string() + " is missing");
+    }
     return simulator;
 }
 
@@ -93,8 +99,9 @@ DemoSandbox::DemoSandbox(const fs::path& temporary, Agents agents) {
         lock_ = makeLock(directory_);
         machine_ = Machine::sandbox(directory_);
         installAgents(simulator);
-        if (agents == Agents::asOnANewMachine)
+        if (agents == Agents::asOnANewMachine) {
             undoSetup(simulator);
+        }
     } catch (...) {
         std::error_code ignored;
         fs::remove_all(directory_, ignored);
@@ -111,8 +118,9 @@ DemoSandbox::~DemoSandbox() {
 void DemoSandbox::installAgents(const fs::path& simulator) const {
     const fs::path programs = machine_.home / ".local/bin";
     fs::create_directories(programs);
-    for (const char* name : {"claude", "codex", "agy"})
+    for (const char* name : {"claude", "codex", "agy"}) {
         fs::create_symlink(simulator, programs / name);
+    }
     // What Antigravity's login leaves behind: only the item's existence is asked for.
     const fs::path credential = directory_ / "credentials/gemini/antigravity";
     fs::create_directories(credential.parent_path());

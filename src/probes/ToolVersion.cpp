@@ -1,9 +1,9 @@
 #include "probes/ToolVersion.h"
 
 #include "probes/AgentWorkspace.h"
-#include "probes/BoundedProcess.h"
-#include "probes/ChildEnvironment.h"
 #include "probes/ExecutableLocator.h"
+#include "process/BoundedProcess.h"
+#include "process/ChildEnvironment.h"
 #include "text/TerminalText.h"
 
 #include <system_error>
@@ -34,12 +34,14 @@ std::string outputOf(const Machine& machine, const std::filesystem::path& execut
 
 std::optional<std::string> toolVersion(const Machine& machine,
                                        const std::filesystem::path& executable) {
-    if (!isExecutableFile(executable))
+    if (!isExecutableFile(executable)) {
         return std::nullopt;
+    }
     const std::string output = outputOf(machine, executable);
     const auto lines = nonEmptyLines(output);
-    if (lines.empty() || !isValidUTF8(lines.front()))
+    if (lines.empty() || !isValidUTF8(lines.front())) {
         return std::nullopt;
+    }
     return firstCharacters(trimmed(lines.front()), longestVersion);
 }
 

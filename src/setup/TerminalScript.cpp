@@ -1,9 +1,9 @@
 #include "setup/TerminalScript.h"
 
 #include "platform/WholeFile.h"
-#include "probes/BoundedProcess.h"
-#include "probes/LaunchedChild.h"
-#include "probes/PrivateTemporaryDirectory.h"
+#include "process/BoundedProcess.h"
+#include "process/LaunchedChild.h"
+#include "process/PrivateTemporaryDirectory.h"
 
 #include <array>
 #include <cerrno>

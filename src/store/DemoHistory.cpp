@@ -48,8 +48,9 @@ constexpr std::array windows{
 
 /// How much is used at an hour of a day, relative to the busiest; nothing while the machine sleeps.
 double activity(const CalendarDate& date) {
-    if (date.hour < 8 || date.hour >= 22)
+    if (date.hour < 8 || date.hour >= 22) {
         return 0;
+    }
     return date.hour >= 9 && date.hour < 18 ? 1 : 0.3;
 }
 
@@ -70,8 +71,9 @@ public:
         const Seconds period(window_.periodHours * hour);
         Instant reset = now + Seconds(window_.hoursToReset * hour);
         recordCurrentPeriod(reset - period, now, reset);
-        for (reset -= period; reset > now - Seconds(month); reset -= period)
+        for (reset -= period; reset > now - Seconds(month); reset -= period) {
             recordPastPeriod(reset - period, reset);
+        }
     }
 
 private:
@@ -83,8 +85,9 @@ private:
 
     /// Evenly up to today's figure, so that the forecasts are those of the figures themselves.
     void recordCurrentPeriod(Instant from, Instant now, Instant reset) {
-        for (Instant at = from + step(); at < now; at += step())
+        for (Instant at = from + step(); at < now; at += step()) {
             add(at, window_.usedPercent * ((at - from) / (now - from)), reset);
+        }
     }
 
     void recordPastPeriod(Instant from, Instant reset) {
@@ -92,16 +95,18 @@ private:
         std::vector<double> used{0};
         for (Instant at = from + step(); at < reset; at += step()) {
             const double share = activity(zone_.calendarDate(at));
-            if (share == 0)
+            if (share == 0) {
                 continue;
+            }
             times.push_back(at);
             const double burst = std::uniform_real_distribution(0.0, 1.0)(random_);
             used.push_back(used.back() + share * burst * burst);
         }
         const double goal = std::uniform_real_distribution(25.0, 90.0)(random_);
         const double scale = used.back() > 0 ? goal / used.back() : 0;
-        for (std::size_t index = 0; index < times.size(); ++index)
+        for (std::size_t index = 0; index < times.size(); ++index) {
             add(times[index], std::round(used[index + 1] * scale), reset);
+        }
     }
 
     const DemoWindow& window_;
@@ -125,8 +130,9 @@ std::string line(const DemoSample& sample) {
 
 void writeDemoHistory(const Machine& machine, Instant now) {
     std::vector<DemoSample> samples;
-    for (const DemoWindow& window : windows)
+    for (const DemoWindow& window : windows) {
         Recorder(window, samples).record(now);
+    }
     std::ranges::stable_sort(samples, {}, &DemoSample::capturedAt);
 
     // Sample by sample: as one document it would take megabytes, which the C library keeps. Nothing
@@ -141,9 +147,10 @@ void writeDemoHistory(const Machine& machine, Instant now) {
     }
     file << "\n]\n";
     file.close();
-    if (!file)
+    if (!file) {
         throw std::system_error(errno, std::generic_category(),
                                 "the demo's history cannot be written");
+    }
 }
 
 } // namespace vellmark

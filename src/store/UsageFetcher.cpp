@@ -1,8 +1,8 @@
 #include "store/UsageFetcher.h"
 
 #include "platform/ProgramEnd.h"
-#include "probes/BoundedProcess.h"
-#include "probes/ChildGroup.h"
+#include "process/BoundedProcess.h"
+#include "process/ChildGroup.h"
 
 #include <algorithm>
 #include <chrono>

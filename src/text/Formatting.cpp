@@ -1,6 +1,6 @@
 #include "text/Formatting.h"
 
-#include "text/Dates.h"
+#include "text/TimeZone.h"
 #include "text/TimeZoneRules.h"
 #include "text/UnicodeString.h"
 

@@ -1,8 +1,8 @@
 #include "text/Localization.h"
 
 #include "text/Catalog.h"
-#include "text/Dates.h"
 #include "text/Formatting.h"
+#include "text/TimeZone.h"
 
 #include <algorithm>
 #include <optional>

@@ -31,8 +31,9 @@ constexpr std::array<std::pair<std::errc, std::string_view>, 15> keys{{
 
 std::string systemErrorText(std::error_code error, const Localization& words) {
     for (const auto& [condition, key] : keys) {
-        if (error == condition)
+        if (error == condition) {
             return words.text(key);
+        }
     }
     return words.format("system.other", {singleLine(error.message())});
 }

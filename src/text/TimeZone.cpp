@@ -1,4 +1,5 @@
-#include "text/Dates.h"
+#include "text/TimeZone.h"
+
 #include "text/TimeZoneRules.h"
 #include "text/UnicodeString.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "text/Dates.h"
+#include "text/TimeZone.h"
 
 #include <unicode/basictz.h>
 

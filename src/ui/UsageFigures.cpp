@@ -2,7 +2,7 @@
 
 #include "ui/Conversions.h"
 #include "ui/ForecastLine.h"
-#include "ui/UsageBar.h"
+#include "ui/UsageProgressBar.h"
 #include "ui/kit/Label.h"
 
 namespace vellmark {
@@ -11,7 +11,7 @@ UsageFigures::UsageFigures(const Form& form, QWidget* parent)
     : label(new kit::Label(kit::style::row, form.labelColor, parent)),
       figure(new kit::Label(form.figureStyle, kit::ColorRole::ink, parent)),
       word(new kit::Label(form.wordStyle, kit::ColorRole::ink2, parent)),
-      bar(new UsageBar(form.barHeight, parent)),
+      bar(new UsageProgressBar(form.barHeight, parent)),
       reset(new kit::Label(kit::style::small, kit::ColorRole::ink2, parent)),
       planning(new kit::Label(kit::style::small, kit::ColorRole::ink2, parent)),
       forecast(new ForecastLine(parent)) {}

@@ -12,7 +12,7 @@ namespace kit {
 class Label;
 }
 class ForecastLine;
-class UsageBar;
+class UsageProgressBar;
 
 /// The parts of one quota window in large figures. They are children of the view that arranges
 /// them.
@@ -31,7 +31,7 @@ struct UsageFigures {
     /// "62%" and "left".
     kit::Label* figure;
     kit::Label* word;
-    UsageBar* bar;
+    UsageProgressBar* bar;
     kit::Label* reset;
     kit::Label* planning;
     /// Of a used-up window it stands in the place of `reset`, which is hidden.

@@ -17,8 +17,9 @@ protected:
     /// Runs Qt's loop until `count` tasks have run, or for 20 s.
     void runUntil(std::size_t count) {
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (ran_.size() < count && std::chrono::steady_clock::now() < deadline)
+        while (ran_.size() < count && std::chrono::steady_clock::now() < deadline) {
             QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        }
     }
     MainExecutor::Task note(int number) {
         return [this, number] {

@@ -1,5 +1,5 @@
 #include "app/VellmarkAppDelegate.h"
-#include "probes/RunningChildren.h"
+#include "process/RunningChildren.h"
 #include "support/AgentSandbox.h"
 #include "ui/kit/SidebarEntry.h"
 #include "ui/popover/AgentBlock.h"
@@ -48,8 +48,9 @@ protected:
     template<typename Window>
     static Window* visible() {
         for (QWidget* window : QApplication::topLevelWidgets()) {
-            if (auto* found = dynamic_cast<Window*>(window); found && found->isVisible())
+            if (auto* found = dynamic_cast<Window*>(window); found && found->isVisible()) {
                 return found;
+            }
         }
         return nullptr;
     }
@@ -65,15 +66,17 @@ protected:
     /// Does what a key with Control stands for in a window.
     static void pressShortcut(QWidget& window, Qt::Key key) {
         for (QAction* action : window.actions()) {
-            if (action->shortcut() == QKeySequence(Qt::CTRL | key))
+            if (action->shortcut() == QKeySequence(Qt::CTRL | key)) {
                 return action->trigger();
+            }
         }
     }
 
     static QString selectedEntry(const QWidget& window) {
         for (const auto* button : window.findChildren<QAbstractButton*>()) {
-            if (dynamic_cast<const kit::SidebarEntry*>(button) && button->isChecked())
+            if (dynamic_cast<const kit::SidebarEntry*>(button) && button->isChecked()) {
                 return button->text();
+            }
         }
         return {};
     }
@@ -81,8 +84,9 @@ protected:
     /// What the status item says.
     static QString toolTip() {
         for (const QWidget* window : QApplication::topLevelWidgets()) {
-            if (window->isVisible() && window->toolTip().startsWith("Vellmark:"))
+            if (window->isVisible() && window->toolTip().startsWith("Vellmark:")) {
                 return window->toolTip();
+            }
         }
         return {};
     }
@@ -135,8 +139,9 @@ TEST_F(VellmarkAppDelegateTest, LeadsFromAnAgentInThePopoverToItsCard) {
     for (const char* agent : {"Claude", "Antigravity", "Antigravity"}) {
         ASSERT_TRUE(opensPopover());
         for (auto* button : visible<Popover>()->findChildren<QAbstractButton*>()) {
-            if (dynamic_cast<AgentBlock*>(button) && button->text() == agent)
+            if (dynamic_cast<AgentBlock*>(button) && button->text() == agent) {
                 button->click();
+            }
         }
         EXPECT_FALSE(visible<Popover>());
         auto* window = visible<AgentMainWindowView>();

@@ -73,9 +73,10 @@ TEST(Arguments, LanguageIsAskedForElseTheUsersElseEnglish) {
 }
 
 TEST(Arguments, VersionAndHelpAreWrittenOrTheFailureIsTold) {
-    for (const char* option : {"--version", "-V"})
+    for (const char* option : {"--version", "-V"}) {
         EXPECT_THAT(ProgramRun::of({.arguments = {option}}).output,
                     testing::MatchesRegex("vellmark [0-9.]+\n"));
+    }
     EXPECT_EQ(ProgramRun::of({.arguments = {"help", "log"}}).output,
               ProgramRun::of({.arguments = {"log", "--help"}}).output);
     const ProgramResult full = ProgramRun::of({.arguments = {"--help"}, .outputPath = "/dev/full"});

@@ -24,8 +24,9 @@ TEST(DisplayWidth, CountsColumnsNotBytes) {
          "b",
          3}, // ill-formed: shown as a replacement character
     };
-    for (const auto& [text, width] : cases)
+    for (const auto& [text, width] : cases) {
         EXPECT_EQ(displayWidth(text), width) << text;
+    }
 }
 
 TEST(DisplayWidth, CutsWithoutSplittingACharacter) {

@@ -25,7 +25,7 @@ UsageHistorySample sample(const char* provider, const char* window, double daysA
     return made;
 }
 
-TEST_F(StoredFilesCommands, historyGivesTheSamplesOldestFirst) {
+TEST_F(StoredFilesCommands, HistoryGivesTheSamplesOldestFirst) {
     const auto first = sample("codex", "session", 3, 10);
     const auto second = sample("claude", "weekly,\"odd\"", 2, 33.25);
     const auto third = sample("codex", "session", 1, 60);
@@ -50,7 +50,7 @@ TEST_F(StoredFilesCommands, historyGivesTheSamplesOldestFirst) {
     EXPECT_THAT(table, HasSubstr("▄")) << "a course that ends at 40% left";
 }
 
-TEST_F(StoredFilesCommands, historyTellsWhatItCannotRead) {
+TEST_F(StoredFilesCommands, HistoryTellsWhatItCannotRead) {
     const auto empty = run({"history"});
     EXPECT_EQ(empty.status, 0) << "no file is an empty history";
     EXPECT_EQ(empty.output + empty.errors, "Nothing recorded.\n");
@@ -66,7 +66,7 @@ TEST_F(StoredFilesCommands, historyTellsWhatItCannotRead) {
     EXPECT_EQ(run({"history", "--days", "-1"}).status, 2);
 }
 
-TEST_F(StoredFilesCommands, theWayOutOfAForeignHistoryIsNamedAndWorks) {
+TEST_F(StoredFilesCommands, TheWayOutOfAForeignHistoryIsNamedAndWorks) {
     const auto first = sample("codex", "session", 3, 10);
     const auto second = sample("claude", "weekly", 2, 33.25);
     const std::string foreign = R"({"version":2,"samples":[)" + serialized(toJSON(first)) + "," +
@@ -95,7 +95,7 @@ TEST_F(StoredFilesCommands, theWayOutOfAForeignHistoryIsNamedAndWorks) {
     EXPECT_EQ(nothing.output, "[\n]\n");
 }
 
-TEST_F(StoredFilesCommands, filesThatCannotBeWrittenAreToldOnceOnStandardError) {
+TEST_F(StoredFilesCommands, FilesThatCannotBeWrittenAreToldOnceOnStandardError) {
     // The agent that can do without the folder.
     setPreferences(R"({"DisabledProviders":["claude","codex"]})");
     writeFile(support, "a file where the folder should be");
@@ -117,7 +117,7 @@ TEST_F(StoredFilesCommands, filesThatCannotBeWrittenAreToldOnceOnStandardError) 
         << "and when it is gone";
 }
 
-TEST_F(StoredFilesCommands, nothingIsWaitedForWhateverStandsInAFilesPlace) {
+TEST_F(StoredFilesCommands, NothingIsWaitedForWhateverStandsInAFilesPlace) {
     namespace fs = std::filesystem;
     const fs::path settings = sandbox.machine().configuration / "Vellmark/preferences.json";
     for (const fs::path& file :
@@ -147,7 +147,7 @@ TEST_F(StoredFilesCommands, nothingIsWaitedForWhateverStandsInAFilesPlace) {
     }
 }
 
-TEST_F(StoredFilesCommands, whatAStoppedProcessKeepsOutIsThereLater) {
+TEST_F(StoredFilesCommands, WhatAStoppedProcessKeepsOutIsThereLater) {
     std::error_code error;
     {
         std::vector<std::optional<FileLock>> held;

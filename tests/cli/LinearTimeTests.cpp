@@ -10,7 +10,7 @@
 #include "probes/claude/ClaudeLoginCheck.h"
 #include "probes/claude/ClaudeQuery.h"
 #include "probes/claude/ClaudeScreen.h"
-#include "probes/claude/ClaudeSession.h"
+#include "probes/claude/ClaudeSessionInterpretation.h"
 #include "probes/codex/CodexReading.h"
 #include "store/ActivityLog.h"
 #include "support/TemporaryDirectory.h"

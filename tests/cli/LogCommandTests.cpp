@@ -76,8 +76,9 @@ TEST_F(LogCommand, FollowsAlsoWhenOldEntriesAreDropped) {
     kill(log.pid(), SIGINT);
     const ProgramResult result = log.wait();
     EXPECT_EQ(result.status, 128 + SIGINT);
-    for (const char* once : {"the first", "the second", "the third"})
+    for (const char* once : {"the first", "the second", "the third"}) {
         EXPECT_EQ(result.output.find(once), result.output.rfind(once)) << once;
+    }
     EXPECT_THAT(result.output, AllOf(Not(HasSubstr("before")), Not(HasSubstr("not asked"))));
 }
 

@@ -37,15 +37,17 @@ protected:
             std::string pages;
             for (const int columns : widths) {
                 std::string page = draw(language, columns);
-                for (const std::string_view line : nonEmptyLines(page))
+                for (const std::string_view line : nonEmptyLines(page)) {
                     EXPECT_LE(displayWidth(line), columns) << name << ", " << language << line;
+                }
                 pages += "=== " + std::to_string(columns) + " columns\n" + page;
             }
             const std::string file = sourceFile("tests/cli/pages/" + name + "." + language);
-            if (std::getenv("VELLMARK_WRITE_PAGES") != nullptr)
+            if (std::getenv("VELLMARK_WRITE_PAGES") != nullptr) {
                 writeFile(file, pages);
-            else
+            } else {
                 EXPECT_EQ(pages, contentOf(file)) << file;
+            }
         }
     }
 
@@ -83,7 +85,7 @@ UsageState manySorts() {
     return state;
 }
 
-TEST_F(Pages, usage) {
+TEST_F(Pages, Usage) {
     compare("usage", [](const std::string& language, int columns) {
         const Localization words(language, language == "de" ? "de_DE" : "en_US", "UTC");
         const TestTerminal terminal(columns);
@@ -93,7 +95,7 @@ TEST_F(Pages, usage) {
     });
 }
 
-TEST_F(Pages, status) {
+TEST_F(Pages, Status) {
     const auto file = sandbox.machine().home / "snapshots.json";
     writeFile(file, snapshotsDocument(manySorts().snapshots));
     compare("status", [&](const std::string& language, int columns) {
@@ -101,7 +103,7 @@ TEST_F(Pages, status) {
     });
 }
 
-TEST_F(Pages, history) {
+TEST_F(Pages, History) {
     JSON samples = JSON::array();
     const auto record = [&](const char* provider, const char* id, double days, double period) {
         for (double ago = days; ago >= 0; ago -= 0.05) {
@@ -124,15 +126,16 @@ TEST_F(Pages, history) {
     AgentUsageSnapshot codex =
         live(AgentProviderID::codex(), {window("limit:review|session", 1, 300, 60),
                                         window("limit:review|primary", 1, 300, 60)});
-    for (UsageWindow& one : codex.windows)
+    for (UsageWindow& one : codex.windows) {
         one.label = "Code review";
+    }
     writeFile(support / "last-snapshots.json", snapshotsDocument({codex}));
     compare("history", [&](const std::string& language, int columns) {
         return page({"history", "--now", "2026-01-10T13:48:00Z"}, language, columns);
     });
 }
 
-TEST_F(Pages, log) {
+TEST_F(Pages, Log) {
     std::filesystem::create_directories(support);
     ActivityLog log(support / "activity.log");
     using Level = ActivityEntry::Level;
@@ -145,14 +148,15 @@ TEST_F(Pages, log) {
          "while or have a look at the status page”).",
          noon + Seconds(9)},
     };
-    for (const ActivityEntry& entry : entries)
+    for (const ActivityEntry& entry : entries) {
         ASSERT_FALSE(log.append(entry, TimeZone::utc()));
+    }
     compare("log", [&](const std::string& language, int columns) {
         return page({"log", "--days", "100000"}, language, columns);
     });
 }
 
-TEST_F(Pages, agents) {
+TEST_F(Pages, Agents) {
     sandbox.uninstall("agy");
     sandbox.play("claude", "logged-out");
     compare("agents", [&](const std::string& language, int columns) {
@@ -160,13 +164,13 @@ TEST_F(Pages, agents) {
     });
 }
 
-TEST_F(Pages, help) {
+TEST_F(Pages, Help) {
     compare("help", [&](const std::string& language, int columns) {
         return page({"help"}, language, columns) + page({"inspect", "--help"}, language, columns);
     });
 }
 
-TEST_F(Pages, aLocaleWithoutUTF8GetsPlainShapesOfTheSameWidth) {
+TEST_F(Pages, ALocaleWithoutUTF8GetsPlainShapesOfTheSameWidth) {
     const Localization words("en", "en_US", "UTC");
     for (const int columns : widths) {
         const TestTerminal terminal(columns);
@@ -178,8 +182,9 @@ TEST_F(Pages, aLocaleWithoutUTF8GetsPlainShapesOfTheSameWidth) {
         };
         const std::string plain = text("C");
         EXPECT_TRUE(std::ranges::all_of(plain, [](char c) { return c > 0; })) << plain;
-        for (const std::string_view line : nonEmptyLines(plain))
+        for (const std::string_view line : nonEmptyLines(plain)) {
             EXPECT_LE(displayWidth(line), columns) << line;
+        }
         EXPECT_THAT(plain, testing::AllOf(HasSubstr("####"), HasSubstr("|"), HasSubstr("----")));
         EXPECT_THAT(text("C.utf8"), HasSubstr("████"));
     }

@@ -26,22 +26,26 @@ std::vector<std::string> environmentOf(const ProgramRun::Setting& setting) {
         const std::string text = *entry;
         variables[text.substr(0, text.find('='))] = text.substr(text.find('=') + 1);
     }
-    for (const char* name : {"LC_ALL", "LC_TIME", "LC_NUMERIC", "LC_MESSAGES", "NO_COLOR"})
+    for (const char* name : {"LC_ALL", "LC_TIME", "LC_NUMERIC", "LC_MESSAGES", "NO_COLOR"}) {
         variables.erase(name);
+    }
     variables["LANG"] = "en_US.UTF-8";
     variables["TERM"] = "xterm-256color";
-    for (const auto& [name, value] : setting.environment)
+    for (const auto& [name, value] : setting.environment) {
         variables[name] = value;
+    }
     std::vector<std::string> entries;
-    for (const auto& [name, value] : variables)
+    for (const auto& [name, value] : variables) {
         entries.push_back(name + "=" + value);
+    }
     return entries;
 }
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
     std::vector<char*> pointers;
-    for (std::string& text : texts)
+    for (std::string& text : texts) {
         pointers.push_back(text.data());
+    }
     pointers.push_back(nullptr);
     return pointers;
 }
@@ -49,8 +53,9 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
 } // namespace
 
 ProgramRun::ProgramRun(const Setting& setting) {
-    if (setting.columns > 0)
+    if (setting.columns > 0) {
         openTerminal(setting.columns, setting.rows);
+    }
     const std::string input =
         setting.input ? directory_.write("input", *setting.input).string() : "/dev/null";
     outputPath_ =
@@ -62,32 +67,36 @@ ProgramRun::ProgramRun(const Setting& setting) {
     constexpr int create = O_WRONLY | O_CREAT;
     if (terminal_ >= 0) {
         // The first terminal that a session's leader opens becomes its own.
-        for (const int descriptor : {0, 1, 2})
+        for (const int descriptor : {0, 1, 2}) {
             posix_spawn_file_actions_addopen(&actions, descriptor, terminalName_.c_str(), O_RDWR,
                                              0);
+        }
     } else {
         posix_spawn_file_actions_addopen(&actions, 0, input.c_str(), O_RDONLY, 0);
         posix_spawn_file_actions_addopen(&actions, 1, outputPath_.c_str(), create, 0600);
         posix_spawn_file_actions_addopen(&actions, 2, errorPath.c_str(), create, 0600);
     }
-    for (const int descriptor : setting.closed)
+    for (const int descriptor : setting.closed) {
         posix_spawn_file_actions_addclose(&actions, descriptor);
+    }
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
 
     const std::string program = builtProgram("vellmark");
     std::vector<std::string> arguments{program};
-    if (!setting.shellCommands.empty())
+    if (!setting.shellCommands.empty()) {
         arguments = {"/bin/sh", "-mc", "\"$@\"; " + setting.shellCommands, "sh", program};
+    }
     arguments.insert(arguments.end(), setting.arguments.begin(), setting.arguments.end());
     std::vector<std::string> environment = environmentOf(setting);
     const int error = posix_spawn(&pid_, arguments.front().c_str(), &actions, &attributes,
                                   pointersTo(arguments).data(), pointersTo(environment).data());
     posix_spawn_file_actions_destroy(&actions);
     posix_spawnattr_destroy(&attributes);
-    if (error != 0)
+    if (error != 0) {
         throw std::system_error(error, std::generic_category(), program);
+    }
 }
 
 ProgramRun::~ProgramRun() {
@@ -96,8 +105,9 @@ ProgramRun::~ProgramRun() {
         waitpid(pid_, nullptr, 0);
     }
     for (const int descriptor : {terminal_, otherEnd_}) {
-        if (descriptor >= 0)
+        if (descriptor >= 0) {
             close(descriptor);
+        }
     }
 }
 
@@ -107,8 +117,9 @@ ProgramResult ProgramRun::of(const Setting& setting) {
 
 void ProgramRun::openTerminal(int columns, int rows) {
     terminal_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    if (terminal_ < 0 || grantpt(terminal_) != 0 || unlockpt(terminal_) != 0)
+    if (terminal_ < 0 || grantpt(terminal_) != 0 || unlockpt(terminal_) != 0) {
         throw std::system_error(errno, std::generic_category(), "pseudo-terminal");
+    }
     terminalName_ = ptsname(terminal_);
     winsize size{};
     size.ws_col = static_cast<unsigned short>(columns);
@@ -127,24 +138,28 @@ void ProgramRun::openTerminal(int columns, int rows) {
 
 termios ProgramRun::terminalSettings() const {
     termios settings{};
-    if (tcgetattr(otherEnd_, &settings) != 0)
+    if (tcgetattr(otherEnd_, &settings) != 0) {
         throw std::system_error(errno, std::generic_category(), "tcgetattr");
+    }
     return settings;
 }
 
 void ProgramRun::type(std::string_view keys) const {
-    if (write(terminal_, keys.data(), keys.size()) != static_cast<ssize_t>(keys.size()))
+    if (write(terminal_, keys.data(), keys.size()) != static_cast<ssize_t>(keys.size())) {
         throw std::runtime_error("the terminal takes no keys");
+    }
 }
 
 bool ProgramRun::readTerminal() {
     pollfd ready{.fd = terminal_, .events = POLLIN, .revents = 0};
-    if (poll(&ready, 1, 20) <= 0)
+    if (poll(&ready, 1, 20) <= 0) {
         return false;
+    }
     std::array<char, 4096> block{};
     const ssize_t count = read(terminal_, block.data(), block.size());
-    if (count > 0)
+    if (count > 0) {
         shown_.append(block.data(), static_cast<std::size_t>(count));
+    }
     return count > 0;
 }
 
@@ -165,16 +180,18 @@ ProgramResult ProgramRun::wait(std::chrono::duration<double> limit) {
         },
         limit);
     ProgramResult result;
-    if (!ended)
+    if (!ended) {
         return result;
+    }
     pid_ = -1;
     result.status = WIFEXITED(waitStatus) ? WEXITSTATUS(waitStatus) : 128 + WTERMSIG(waitStatus);
     while (terminal_ >= 0 && readTerminal()) {
     }
-    if (terminal_ >= 0)
+    if (terminal_ >= 0) {
         result.output = shown_;
-    else if (std::filesystem::is_regular_file(outputPath_))
+    } else if (std::filesystem::is_regular_file(outputPath_)) {
         result.output = contentOf(outputPath_);
+    }
     result.errors = contentOf(directory_ / "errors");
     return result;
 }

@@ -35,8 +35,9 @@ TEST_F(SetupCommand, WithoutATerminalIsATableAndItsStatus) {
 }
 
 TEST_F(SetupCommand, LogsInAndReadsTheAgentAfterwards) {
-    if (!std::filesystem::exists("/bin/zsh"))
+    if (!std::filesystem::exists("/bin/zsh")) {
         GTEST_SKIP() << "/bin/zsh is not installed";
+    }
     sandbox.play("codex", "logged-out");
     ProgramRun setup(setting({"setup", "codex"}, 100));
     ASSERT_TRUE(setup.shows("What would you like to do?"));
@@ -54,8 +55,9 @@ TEST_F(SetupCommand, LogsInAndReadsTheAgentAfterwards) {
 
 // Ctrl-C belongs to the script while it runs: the program goes on and asks again.
 TEST_F(SetupCommand, CtrlCEndsTheScriptAndNotTheProgram) {
-    if (!std::filesystem::exists("/bin/zsh"))
+    if (!std::filesystem::exists("/bin/zsh")) {
         GTEST_SKIP() << "/bin/zsh is not installed";
+    }
     sandbox.installScript("codex", R"(case "$*" in
         'login --help') exit 0;;
         login) echo LOGIN-RUNS; exec sleep 100;;

@@ -33,7 +33,7 @@ protected:
     }
 };
 
-TEST_F(StatusCommand, gradesSnapshotsFromAFile) {
+TEST_F(StatusCommand, GradesSnapshotsFromAFile) {
     const json told = document(
         {live(codex, {window("session", 10, 300, 150)}),
          live(claude, {window("session", 60, 300, 150), window("weekly", 30, 10'080, 1'700)}),
@@ -49,7 +49,7 @@ TEST_F(StatusCommand, gradesSnapshotsFromAFile) {
     EXPECT_EQ(told["tooltip"], "Vellmark: Claude Code, Session, 60% used, 50% of the time elapsed");
 }
 
-TEST_F(StatusCommand, leavesOutWhatIsNotThere) {
+TEST_F(StatusCommand, LeavesOutWhatIsNotThere) {
     const json none = document({});
     EXPECT_EQ(none["health"], "unavailable");
     EXPECT_EQ(none["glyph"], json::object());
@@ -60,7 +60,7 @@ TEST_F(StatusCommand, leavesOutWhatIsNotThere) {
     EXPECT_FALSE(timeless["glyph"].contains("elapsedPercent"));
 }
 
-TEST_F(StatusCommand, refusesWhatIsNoListOfSnapshots) {
+TEST_F(StatusCommand, RefusesWhatIsNoListOfSnapshots) {
     const std::string twice = snapshotsDocument({live(codex, {}), live(codex, {})});
     for (const std::string& text : {std::string(), std::string("{}"), std::string("[1]"),
                                     std::string(R"([{"id":"codex"}])"), twice}) {
@@ -73,7 +73,7 @@ TEST_F(StatusCommand, refusesWhatIsNoListOfSnapshots) {
     EXPECT_EQ(status({"--now", "tomorrow"}).status, 2);
 }
 
-TEST_F(StatusCommand, remembersTheLastReadings) {
+TEST_F(StatusCommand, RemembersTheLastReadings) {
     const auto before = status({"--cached"});
     EXPECT_EQ(before.status, 0);
     EXPECT_EQ(std::ranges::count(before.output, '\n'), 1);

@@ -15,8 +15,9 @@ TEST(TerminalLoop, RunsPostsOfOtherThreadsInTheirOrder) {
     TerminalLoop loop;
     std::string order;
     std::thread worker([&] {
-        for (char letter = 'a'; letter <= 'z'; ++letter)
+        for (char letter = 'a'; letter <= 'z'; ++letter) {
             loop.post([&order, letter] { order += letter; });
+        }
         loop.post([&] { loop.stop(7); });
     });
     EXPECT_EQ(loop.run(), 7);

@@ -58,10 +58,11 @@ TEST_F(WatchCommand, LeavesTheTerminalBitForBitAsItWasHoweverItEnds) {
         ASSERT_TRUE(watch.shows("\033[?1049h")) << ending.name;
         ASSERT_TRUE(watch.shows("q quit")) << ending.name;
         EXPECT_EQ(watch.terminalSettings().c_lflag & (ECHO | ICANON), 0u) << ending.name;
-        if (ending.signal != 0)
+        if (ending.signal != 0) {
             kill(watch.pid(), ending.signal);
-        else
+        } else {
             watch.type(ending.key);
+        }
         const ProgramResult result = watch.wait();
         EXPECT_EQ(result.status, ending.status) << ending.name;
         EXPECT_THAT(result.output, EndsWith(leftPage)) << ending.name;
@@ -82,10 +83,11 @@ TEST_F(WatchCommand, GivesTheTerminalBackWhileItIsStoppedAndTakesItAgain) {
             program = children.empty() ? 0 : children.front();
             return program != 0;
         }));
-        if (byKey)
+        if (byKey) {
             watch.type("\x1a");
-        else
+        } else {
             kill(program, SIGTSTP);
+        }
         ASSERT_TRUE(watch.shows("STOPPED"));
         EXPECT_EQ(bits(watch.terminalSettings()), bits(watch.firstSettings()));
         watch.forget();
@@ -139,8 +141,9 @@ TEST(TerminalKeys, FindsKeysHoweverTheirBytesArrive) {
     TerminalKeys bytewise;
     std::vector<TerminalKey> found;
     for (const char byte : typed) {
-        for (const TerminalKey& key : bytewise.take({&byte, 1}))
+        for (const TerminalKey& key : bytewise.take({&byte, 1})) {
             found.push_back(key);
+        }
     }
     EXPECT_EQ(found, expected);
 }

@@ -16,8 +16,9 @@ namespace vellmark::tests {
 class TestTerminal {
 public:
     explicit TestTerminal(int columns, int rows = 24) {
-        if (::unlockpt(controller_.get()) != 0)
+        if (::unlockpt(controller_.get()) != 0) {
             throw std::system_error(errno, std::generic_category(), "unlockpt");
+        }
         terminal_ = Descriptor(::open(::ptsname(controller_.get()), O_RDWR | O_NOCTTY));
         winsize size{};
         size.ws_col = static_cast<unsigned short>(columns);

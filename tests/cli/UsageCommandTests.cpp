@@ -162,8 +162,9 @@ TEST_F(UsageCommand, AReaderThatLeavesIsNoFault) {
 
 TEST_F(UsageCommand, EndsEverythingOnASignalWhateverTheAgentsDo) {
     for (const char* scenario : {"hang", "deaf"}) {
-        for (const char* agent : {"claude", "codex", "agy"})
+        for (const char* agent : {"claude", "codex", "agy"}) {
             sandbox.play(agent, scenario);
+        }
         // A session: its interpreter has a child of its own.
         ProgramRun run(setting({"usage", "--by", "session"}, 80));
         ASSERT_TRUE(run.shows("Reading Codex")) << scenario;

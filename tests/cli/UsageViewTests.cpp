@@ -36,10 +36,12 @@ TEST(UsageView, NoLineIsWiderThanTheTerminalAndNoFigureIsCut) {
         const TestTerminal terminal(columns);
         const TerminalOutput output(terminal.descriptor(), {{"LANG", "en_US.UTF-8"}});
         const std::string text = stripANSI(UsageView(output, words).text(agents()));
-        for (const std::string_view line : nonEmptyLines(text))
+        for (const std::string_view line : nonEmptyLines(text)) {
             EXPECT_LE(displayWidth(line), columns) << line;
-        for (const char* shown : {"62% left", "5% left", "doubtful", "Runs out in"})
+        }
+        for (const char* shown : {"62% left", "5% left", "doubtful", "Runs out in"}) {
             EXPECT_THAT(text, HasSubstr(shown)) << columns;
+        }
     }
 }
 

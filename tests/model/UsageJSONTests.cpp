@@ -66,7 +66,7 @@ std::string sampleFailure(const std::string& member, const std::string& value) {
 
 } // namespace
 
-TEST(UsageJSON, hasTheDocumentedForm) {
+TEST(UsageJSON, HasTheDocumentedForm) {
     EXPECT_EQ(serialized(toJSON(fullSnapshot()), -1),
               R"({"id":"claude","accountLabel":"someone@example.org","plan":"Claude Max",)"
               R"("windows":[{"id":"session","usedPercent":11.0,"windowDurationMinutes":300.0,)"
@@ -86,7 +86,7 @@ TEST(UsageJSON, hasTheDocumentedForm) {
               R"("error":{"launchFailed":{"_0":"claude","_1":"no such file"}}})");
 }
 
-TEST(UsageJSON, comesBackAsItWent) {
+TEST(UsageJSON, ComesBackAsItWent) {
     AgentUsageSnapshot bare;
     bare.id = AgentProviderID("agent of tomorrow");
     bare.credit = CreditInfo::available();
@@ -102,7 +102,7 @@ TEST(UsageJSON, comesBackAsItWent) {
     }
 }
 
-TEST(UsageJSON, everyErrorComesBackAsItWent) {
+TEST(UsageJSON, EveryErrorComesBackAsItWent) {
     using Error = UsageProviderError;
     for (const Error& error :
          {Error::executableMissing("a"), Error::launchFailed("a", "b"),
@@ -121,7 +121,7 @@ TEST(UsageJSON, everyErrorComesBackAsItWent) {
               R"({"codexNoWindows":{}})");
 }
 
-TEST(UsageJSON, doublesSurviveBitForBit) {
+TEST(UsageJSON, DoublesSurviveBitForBit) {
     double number = 0.1;
     for (int step = 0; step < 2000; ++step) {
         number = std::fmod(number * 1.37e3 + 1.0 / 3, 1e9);
@@ -132,7 +132,7 @@ TEST(UsageJSON, doublesSurviveBitForBit) {
     }
 }
 
-TEST(UsageJSON, whatJSONCannotWriteStaysReadable) {
+TEST(UsageJSON, WhatJSONCannotWriteStaysReadable) {
     const double infinity = std::numeric_limits<double>::infinity();
     const UsageWindow window{"bad \xFF name", std::nan(""), infinity, at(-infinity)};
     UsageWindow read;
@@ -142,7 +142,7 @@ TEST(UsageJSON, whatJSONCannotWriteStaysReadable) {
     EXPECT_EQ(read.windowDurationMinutes, std::numeric_limits<double>::max());
 }
 
-TEST(UsageJSON, enumerationsHaveExactlyOneKnownCase) {
+TEST(UsageJSON, EnumerationsHaveExactlyOneKnownCase) {
     const std::string wrongNumber = "Invalid number of keys found, expected one.";
     EXPECT_EQ(creditFailure(R"({"available":{},"line":{"_0":"x"}})"), wrongNumber);
     EXPECT_EQ(creditFailure("{}"), wrongNumber);
@@ -162,7 +162,7 @@ TEST(UsageJSON, enumerationsHaveExactlyOneKnownCase) {
               "");
 }
 
-TEST(UsageJSON, valuesHaveTheirTypeAndNoOther) {
+TEST(UsageJSON, ValuesHaveTheirTypeAndNoOther) {
     for (const char* notADate : {R"("2025-06-01T14:00:00Z")", "true", "{}", "[]", "null"}) {
         EXPECT_NE(sampleFailure("capturedAt", notADate), "") << notADate;
     }
@@ -176,7 +176,7 @@ TEST(UsageJSON, valuesHaveTheirTypeAndNoOther) {
     EXPECT_EQ(sampleFailure("unknown", "[1]"), "");
 }
 
-TEST(UsageJSON, failuresNameThePlace) {
+TEST(UsageJSON, FailuresNameThePlace) {
     auto json = JSON::parse(snapshotsDocument({fullSnapshot(), fullSnapshot()}));
     json[1]["windows"][0]["resetsAt"] = "today";
     try {
@@ -187,7 +187,7 @@ TEST(UsageJSON, failuresNameThePlace) {
     }
 }
 
-TEST(UsageJSON, hostileDocumentsAreRefused) {
+TEST(UsageJSON, HostileDocumentsAreRefused) {
     std::string manyMembers = "{";
     for (int index = 0; index < 200000; ++index) {
         manyMembers += "\"" + std::to_string(index) + "\":0,";
@@ -204,7 +204,7 @@ TEST(UsageJSON, hostileDocumentsAreRefused) {
     }
 }
 
-TEST(UUID, hasOneTextAndReadsEitherCase) {
+TEST(UUID, HasOneTextAndReadsEitherCase) {
     const UUID made = UUID::make();
     EXPECT_NE(made, UUID::make());
     EXPECT_EQ(made.text()[14], '4');

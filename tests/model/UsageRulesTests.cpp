@@ -30,7 +30,7 @@ double hoursUntilEmpty(const UsageWindow& window, std::vector<UsagePoint> recent
 
 } // namespace
 
-TEST(UsageRules, aWiderWindowCoversTheNarrowerOnesOfItsQuota) {
+TEST(UsageRules, AWiderWindowCoversTheNarrowerOnesOfItsQuota) {
     const auto of = [](const char* id, std::optional<double> minutes) {
         return UsageWindow{id, 50, minutes, {}};
     };
@@ -48,7 +48,7 @@ TEST(UsageRules, aWiderWindowCoversTheNarrowerOnesOfItsQuota) {
     EXPECT_FALSE(covers(week, of("session", {})) || covers(of("weekly", {}), session));
 }
 
-TEST(UsageRules, severityHasSharpEdges) {
+TEST(UsageRules, SeverityHasSharpEdges) {
     using enum Severity;
     struct Case {
         double remaining;
@@ -69,7 +69,7 @@ TEST(UsageRules, severityHasSharpEdges) {
     }
 }
 
-TEST(UsageRules, severityNeverFallsWithLessLeft) {
+TEST(UsageRules, SeverityNeverFallsWithLessLeft) {
     for (const std::optional<double> time :
          {std::optional<double>(), {-5.0}, {0.0}, {40.0}, {99.9}, {100.0}, {170.0}}) {
         Severity before = Severity::fine;
@@ -81,7 +81,7 @@ TEST(UsageRules, severityNeverFallsWithLessLeft) {
     }
 }
 
-TEST(UsageRules, aWindowWithoutUsableLengthHasNoTime) {
+TEST(UsageRules, AWindowWithoutUsableLengthHasNoTime) {
     UsageWindow broken = window(50, 50);
     for (const double minutes : {0.0, -5.0, std::nan(""), 1e-320}) {
         broken.windowDurationMinutes = minutes;
@@ -93,7 +93,7 @@ TEST(UsageRules, aWindowWithoutUsableLengthHasNoTime) {
     }
 }
 
-TEST(UsageRules, anAgentIsAsWellAsItsWorstWindow) {
+TEST(UsageRules, AnAgentIsAsWellAsItsWorstWindow) {
     AgentUsageSnapshot snapshot;
     EXPECT_EQ(health(snapshot, now), UsageHealth::unavailable);
     snapshot.windows = {window(90, 50), window(45, 50)};
@@ -108,7 +108,7 @@ TEST(UsageRules, anAgentIsAsWellAsItsWorstWindow) {
     EXPECT_EQ(worse(healthy, healthy), healthy);
 }
 
-TEST(UsageRules, anAgentThatRefusesIsCritical) {
+TEST(UsageRules, AnAgentThatRefusesIsCritical) {
     AgentUsageSnapshot snapshot;
     snapshot.windows = {window(90, 50)};
     const std::pair<UsageAllowance, bool> cases[] = {
@@ -126,7 +126,7 @@ TEST(UsageRules, anAgentThatRefusesIsCritical) {
     EXPECT_EQ(health(snapshot, now), UsageHealth::unavailable);
 }
 
-TEST(UsageRules, anAgentIsBackOnceAllThatIsUsedUpHasReset) {
+TEST(UsageRules, AnAgentIsBackOnceAllThatIsUsedUpHasReset) {
     const auto named = [](std::string id, double remaining, std::optional<double> timeRemaining) {
         UsageWindow result = window(remaining, timeRemaining);
         result.id = std::move(id);
@@ -149,7 +149,7 @@ TEST(UsageRules, anAgentIsBackOnceAllThatIsUsedUpHasReset) {
     EXPECT_EQ(until({named("session", 1, 10)}), std::nullopt);
 }
 
-TEST(UsageRules, planningAllowsFivePoints) {
+TEST(UsageRules, PlanningAllowsFivePoints) {
     using enum Planning::Kind;
     struct Case {
         double remaining;
@@ -173,7 +173,7 @@ TEST(UsageRules, planningAllowsFivePoints) {
     EXPECT_FALSE(planning(window(50, -1), now));
 }
 
-TEST(UsageRules, paceNeedsGrounds) {
+TEST(UsageRules, PaceNeedsGrounds) {
     EXPECT_NEAR(pace(window(60, 50), now).value(), 80, 1e-6);
     EXPECT_TRUE(pace(window(90, 95), now));
     EXPECT_FALSE(pace(window(90, 95.1), now));
@@ -182,7 +182,7 @@ TEST(UsageRules, paceNeedsGrounds) {
     EXPECT_NEAR(pace(window(60, -10), now).value(), 40, 1e-6);
 }
 
-TEST(UsageRules, forecastGoesByTheWholeWindow) {
+TEST(UsageRules, ForecastGoesByTheWholeWindow) {
     // 60 % in 500 minutes: the other 40 % last 333 minutes of the 500 that are left.
     EXPECT_NEAR(hoursUntilEmpty(window(40, 50)), 5.5556, 0.001);
     EXPECT_EQ(forecast(window(50, 50), now), Forecast{});
@@ -195,7 +195,7 @@ TEST(UsageRules, forecastGoesByTheWholeWindow) {
     EXPECT_FALSE(forecast(window(40, {}), now));
 }
 
-TEST(UsageRules, forecastFollowsASteeperRecentPace) {
+TEST(UsageRules, ForecastFollowsASteeperRecentPace) {
     const auto minutesAgo = [](double minutes, double used) {
         return UsagePoint{now - Seconds(minutes * 60), used};
     };
@@ -219,7 +219,7 @@ TEST(UsageRules, forecastFollowsASteeperRecentPace) {
     EXPECT_NEAR(hoursUntilEmpty(young, {minutesAgo(12, 0)}), 28 / 60.0, 0.001);
 }
 
-TEST(UsageRules, noNumberIsTooStrange) {
+TEST(UsageRules, NoNumberIsTooStrange) {
     const double infinity = std::numeric_limits<double>::infinity();
     const std::vector numbers{0.0, -infinity, infinity, std::nan(""), 1e308, -1e308, 1e-320};
     for (const double used : numbers) {

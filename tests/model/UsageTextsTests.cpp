@@ -21,7 +21,7 @@ Instant minutesFromNow(double minutes) {
 
 } // namespace
 
-TEST(UsageTexts, windowsHaveTheirNames) {
+TEST(UsageTexts, WindowsHaveTheirNames) {
     struct Case {
         const char* id;
         const char* label;
@@ -43,7 +43,7 @@ TEST(UsageTexts, windowsHaveTheirNames) {
     }
 }
 
-TEST(UsageTexts, windowsAreCalledWhatTheAgentSaysTheyAre) {
+TEST(UsageTexts, WindowsAreCalledWhatTheAgentSaysTheyAre) {
     const auto label = [](std::string id, std::optional<double> minutes,
                           std::optional<std::string> name, bool brief = false) {
         return windowLabel(UsageWindow{id, 0, minutes, {}, name}, english, brief);
@@ -61,7 +61,7 @@ TEST(UsageTexts, windowsAreCalledWhatTheAgentSaysTheyAre) {
     EXPECT_EQ(label("limit:spark|primary", 300, "\x1b[31mred\n"), "red  · Session");
 }
 
-TEST(UsageTexts, plansAreCalledWhatPeopleCallThem) {
+TEST(UsageTexts, PlansAreCalledWhatPeopleCallThem) {
     const auto plan = [](AgentProviderID id, std::optional<std::string> given) {
         AgentUsageSnapshot snapshot;
         snapshot.id = std::move(id);
@@ -79,7 +79,7 @@ TEST(UsageTexts, plansAreCalledWhatPeopleCallThem) {
     EXPECT_EQ(plan(AgentProviderID::claude(), "Team"), "Team");
 }
 
-TEST(UsageTexts, resetsSayWhenAndWhetherItCame) {
+TEST(UsageTexts, ResetsSayWhenAndWhetherItCame) {
     const std::pair<double, const char*> cases[] = {
         {2544, "Resets in 1 d 18 h · Mon 9:10 AM"},
         {0.5, "Resets in under 1 min · 2:46 PM"},
@@ -93,7 +93,7 @@ TEST(UsageTexts, resetsSayWhenAndWhetherItCame) {
     EXPECT_EQ(resetText({"w", 50, {}, {}}, now, english), "");
 }
 
-TEST(UsageTexts, forecastsClaimNoFalsePrecision) {
+TEST(UsageTexts, ForecastsClaimNoFalsePrecision) {
     const UsageWindow window{"w", 50, 10080.0, minutesFromNow(43 * 60 + 10)};
     struct Case {
         std::optional<double> minutes;
@@ -115,7 +115,7 @@ TEST(UsageTexts, forecastsClaimNoFalsePrecision) {
     }
 }
 
-TEST(UsageTexts, usedUpWindowsSayWhenTheyAreBack) {
+TEST(UsageTexts, UsedUpWindowsSayWhenTheyAreBack) {
     const UsageWindow week{"weekly", 100, 10080.0, minutesFromNow(2544)};
     EXPECT_EQ(usedUpText(week, now, english), "Used up · back Mon 9:10 AM");
     EXPECT_EQ(usedUpText({"weekly", 100, {}, {}}, now, german), "Aufgebraucht");
@@ -124,7 +124,7 @@ TEST(UsageTexts, usedUpWindowsSayWhenTheyAreBack) {
     EXPECT_EQ(waitingText({"individual", 100, 20 * 1440.0, {}}, english), "Waits for Own limit");
 }
 
-TEST(UsageTexts, daysAreDeclined) {
+TEST(UsageTexts, DaysAreDeclined) {
     const UsageWindow week{"weekly", 50, 10080.0, minutesFromNow(3 * 1440 + 18 * 60)};
     EXPECT_EQ(resetText(week, now, german), "Reset in 3 Tagen 18 Std. · Mi., 08:46");
     EXPECT_EQ(forecastText({minutesFromNow(600)}, week, now, german),
@@ -133,7 +133,7 @@ TEST(UsageTexts, daysAreDeclined) {
     EXPECT_EQ(resetText(soon, now, german), "Reset in 1 Tag · So., 14:46");
 }
 
-TEST(UsageTexts, creditLinesOfAKnownFormSpeakTheUsersLanguage) {
+TEST(UsageTexts, CreditLinesOfAKnownFormSpeakTheUsersLanguage) {
     const auto text = [](const char* line, const Localization& words) {
         return creditText(CreditInfo::line(line), words);
     };
@@ -143,13 +143,13 @@ TEST(UsageTexts, creditLinesOfAKnownFormSpeakTheUsersLanguage) {
     EXPECT_EQ(text("none spent / all spent", german), "none spent / all spent");
 }
 
-TEST(UsageTexts, planningTellsWhichSideItIsOn) {
+TEST(UsageTexts, PlanningTellsWhichSideItIsOn) {
     EXPECT_EQ(planningText({Planning::Kind::deficit, -9.6}, english), "10 points short");
     EXPECT_EQ(planningText({Planning::Kind::reserve, 17.4}, english), "17 points in reserve");
     EXPECT_EQ(planningText({Planning::Kind::onPlan, 4}, english), "On pace");
 }
 
-TEST(UsageProviderError, saysWhatHappened) {
+TEST(UsageProviderError, SaysWhatHappened) {
     using Error = UsageProviderError;
     const std::pair<Error, const char*> cases[] = {
         {Error::executableMissing("Codex CLI"), "Codex CLI not found."},
@@ -167,15 +167,16 @@ TEST(UsageProviderError, saysWhatHappened) {
     }
     EXPECT_EQ(Error::executableMissing("Codex CLI").message(german), "Codex-CLI nicht gefunden.");
     std::string talkative;
-    for (int line = 0; line < 5000; ++line)
+    for (int line = 0; line < 5000; ++line) {
         talkative += "täglich\n";
+    }
     const std::string told = Error::codexReadFailed(talkative + "the reason").message(english);
     EXPECT_LT(told.size(), 500u);
     EXPECT_TRUE(told.starts_with("Codex could not be read: …") && told.ends_with(" the reason"));
     EXPECT_EQ(Error::other("error.timeout").message(english), "error.timeout");
 }
 
-TEST(UsageProviderError, everyCaseHasAText) {
+TEST(UsageProviderError, EveryCaseHasAText) {
     for (int kind = 0; kind <= static_cast<int>(UsageProviderError::Kind::claudeOptionRefused);
          ++kind) {
         const UsageProviderError error(static_cast<UsageProviderError::Kind>(kind));

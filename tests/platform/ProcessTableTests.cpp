@@ -21,9 +21,11 @@ using ::testing::Not;
 class SleepingChild {
 public:
     SleepingChild() : pid_(::fork()) {
-        if (pid_ == 0)
-            for (;;)
+        if (pid_ == 0) {
+            for (;;) {
                 ::pause();
+            }
+        }
     }
     ~SleepingChild() {
         kill();
@@ -41,7 +43,7 @@ bool hasEnded(const ProcessEnd& end, int milliseconds) {
     return ::poll(&event, 1, milliseconds) == 1;
 }
 
-TEST(ProcessTable, listsLivingDirectChildrenOnly) {
+TEST(ProcessTable, ListsLivingDirectChildrenOnly) {
     const SleepingChild first;
     const SleepingChild second;
     EXPECT_THAT(directChildren(::getpid()), Contains(first.pid()));
@@ -54,7 +56,7 @@ TEST(ProcessTable, listsLivingDirectChildrenOnly) {
     EXPECT_TRUE(isProcessAlive(second.pid()));
 }
 
-TEST(ProcessTable, aHandleKnowsItsProcessThroughItsEnd) {
+TEST(ProcessTable, AHandleKnowsItsProcessThroughItsEnd) {
     std::optional<ProcessHandle> handle;
     {
         const SleepingChild child;
@@ -70,7 +72,7 @@ TEST(ProcessTable, aHandleKnowsItsProcessThroughItsEnd) {
     EXPECT_FALSE(ProcessHandle::open(handle->pid()));
 }
 
-TEST(ProcessTable, aHandleOfAChildIsNotGivenForAStranger) {
+TEST(ProcessTable, AHandleOfAChildIsNotGivenForAStranger) {
     const SleepingChild child;
     EXPECT_TRUE(ProcessHandle::openChild(child.pid(), ::getpid()));
     EXPECT_FALSE(ProcessHandle::openChild(child.pid(), child.pid()));
@@ -79,7 +81,7 @@ TEST(ProcessTable, aHandleOfAChildIsNotGivenForAStranger) {
     EXPECT_FALSE(ProcessHandle::open(0));
 }
 
-TEST(ProcessEnd, isReadableFromTheEndOfTheChildOn) {
+TEST(ProcessEnd, IsReadableFromTheEndOfTheChildOn) {
     const SleepingChild child;
     const ProcessEnd end(child.pid());
     EXPECT_FALSE(hasEnded(end, 0));

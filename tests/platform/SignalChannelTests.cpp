@@ -27,8 +27,9 @@ TEST(SignalChannel, TellsSignalsInTheirOrderAndRestoresTheirEffect) {
         EXPECT_THAT(channel.take(), ElementsAre(SIGWINCH, SIGHUP, SIGTERM));
         EXPECT_THAT(channel.take(), IsEmpty());
     }
-    for (const int signal : {SIGTERM, SIGHUP, SIGWINCH})
+    for (const int signal : {SIGTERM, SIGHUP, SIGWINCH}) {
         EXPECT_EQ(handlerOf(signal), SIG_DFL) << signal;
+    }
 }
 
 TEST(SignalChannel, LeavesIgnoredWhatTheCallerIgnores) {

@@ -141,8 +141,9 @@ TEST(AgentStanding, AUsedUpWindowHoldsTheNarrowerOnes) {
                        window("pool:Gemini Models|5h", 10, fiveHours, 100)})});
     const AgentStanding standing = standingOf(state.snapshots[0], state, noon);
     const std::vector<Kind> kinds{Kind::held, Kind::usedUp, Kind::held, Kind::counts};
-    for (std::size_t index = 0; index < kinds.size(); ++index)
+    for (std::size_t index = 0; index < kinds.size(); ++index) {
         EXPECT_EQ(standing.windows[index].kind, kinds[index]) << index;
+    }
     EXPECT_EQ(standing.windows[0].holder->id, "weekly");
     EXPECT_EQ(standing.windows[0].health, UsageHealth::unavailable);
     EXPECT_EQ(standing.health, UsageHealth::critical);

@@ -22,8 +22,9 @@ UsageState twoAgents() {
 
 TEST(Sidebar, ListsPagesAndShownAgentsInTheirOrder) {
     std::vector<std::string> titles;
-    for (const SidebarItem& item : sidebarItems(twoAgents(), noon, english))
+    for (const SidebarItem& item : sidebarItems(twoAgents(), noon, english)) {
         titles.push_back((item.isSection ? "# " : "") + item.title);
+    }
     EXPECT_THAT(titles, ElementsAre("Overview", "# Agents", "Claude", "Codex", "# Analysis",
                                     "History", "Activity", "Settings", "Help", "About"));
 }

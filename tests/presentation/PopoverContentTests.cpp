@@ -32,10 +32,12 @@ UsageState threeAgents() {
 TEST(PopoverTab, SurvivesInItsStoredForm) {
     const std::vector<AgentProviderID> shown{codex, AgentProviderID("a:b")};
     for (const PopoverTab& tab : {PopoverTab::overview(), PopoverTab::agent(codex),
-                                  PopoverTab::agent(AgentProviderID("a:b"))})
+                                  PopoverTab::agent(AgentProviderID("a:b"))}) {
         EXPECT_EQ(PopoverTab::fromStoredForm(tab.storedForm(), shown), tab);
-    for (const char* other : {"provider:claude", "provider:", "codex", "", "Provider:codex"})
+    }
+    for (const char* other : {"provider:claude", "provider:", "codex", "", "Provider:codex"}) {
         EXPECT_EQ(PopoverTab::fromStoredForm(other, shown), PopoverTab::overview()) << other;
+    }
 }
 
 TEST(PopoverContent, OpensOnTheStoredTabOfAShownAgent) {
@@ -144,8 +146,9 @@ TEST(PopoverContent, NamesOnlyTheWorstInBriefAndKeepsTheTime) {
 
 TEST(PopoverContent, CountsTheAgentsOfTheFirstReading) {
     UsageState state = stateOf({live(codex, {}), live(claude, {})});
-    for (AgentUsageSnapshot& snapshot : state.snapshots)
+    for (AgentUsageSnapshot& snapshot : state.snapshots) {
         snapshot.source = SnapshotSource::loading;
+    }
     state.isRefreshing = true;
     state.lastRefreshCompletedAt.reset();
     state.lastSuccess.clear();
@@ -325,10 +328,11 @@ TEST(AgentBlock, SaysUntilWhenAnAgentRefusesAndWhy) {
     for (const Case& test : cases) {
         AgentUsageSnapshot snapshot = live(codex, {window("session", test.used, fiveHours, 87)});
         snapshot.allowance.emplace();
-        if (test.reached)
+        if (test.reached) {
             snapshot.allowance->reachedType = test.reached;
-        else
+        } else {
             snapshot.allowance->ordinaryUsageAllowed = false;
+        }
         const UsageState state = stateOf({snapshot});
         const AgentBlockContent block = contentOf(state).agents.front();
         ASSERT_EQ(block.balances.size(), 1U) << test.english;

@@ -47,8 +47,9 @@ inline UsageState stateOf(std::vector<AgentUsageSnapshot> snapshots) {
     for (const AgentUsageSnapshot& snapshot : snapshots) {
         state.enabledProviderIDs.insert(snapshot.id);
         state.providerOrder.push_back(snapshot.id);
-        if (!snapshot.error)
+        if (!snapshot.error) {
             state.lastSuccess[snapshot.id] = snapshot.updatedAt;
+        }
     }
     state.snapshots = std::move(snapshots);
     state.lastRefreshCompletedAt = noon - Seconds(120);

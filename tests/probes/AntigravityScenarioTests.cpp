@@ -25,7 +25,7 @@ protected:
 class AntigravityOutcomes : public AntigravityScenario,
                             public testing::WithParamInterface<AgentScenario> {};
 
-TEST_P(AntigravityOutcomes, areTheReadingOrItsReason) {
+TEST_P(AntigravityOutcomes, AreTheReadingOrItsReason) {
     sandbox.play("agy", GetParam().scenario);
     expectOutcome(fetch(GetParam().limit), GetParam());
 }
@@ -56,7 +56,7 @@ INSTANTIATE_TEST_SUITE_P(
                            "Error: the language server did not start\n"))),
     scenarioTestName);
 
-TEST_F(AntigravityScenario, readsTimesAndTheAccountOfTheLog) {
+TEST_F(AntigravityScenario, ReadsTimesAndTheAccountOfTheLog) {
     const Instant before = ReferenceClock::now();
     const auto reading = std::get<AgentUsageSnapshot>(fetch());
     ASSERT_TRUE(reading.windows.at(0).resetsAt);
@@ -67,7 +67,7 @@ TEST_F(AntigravityScenario, readsTimesAndTheAccountOfTheLog) {
     EXPECT_EQ(std::get<AgentUsageSnapshot>(fetch()).accountLabel, std::nullopt);
 }
 
-TEST_F(AntigravityScenario, aFIFOInTheLogsPlaceHoldsNobodyUp) {
+TEST_F(AntigravityScenario, AFIFOInTheLogsPlaceHoldsNobodyUp) {
     const auto simulator = sandbox.machine().home / "simulator" / "agy";
     std::filesystem::create_directories(simulator.parent_path());
     std::filesystem::create_symlink(builtProgram("vellmark-simulator"), simulator);
@@ -83,7 +83,7 @@ TEST_F(AntigravityScenario, aFIFOInTheLogsPlaceHoldsNobodyUp) {
     EXPECT_EQ(reading->accountLabel, std::nullopt);
 }
 
-TEST_F(AntigravityScenario, quotesAnAnswerThatBreaksOff) {
+TEST_F(AntigravityScenario, QuotesAnAnswerThatBreaksOff) {
     sandbox.play("agy", "dies");
     const FetchOutcome outcome = fetch();
     const auto* error = std::get_if<UsageProviderError>(&outcome);
@@ -92,7 +92,7 @@ TEST_F(AntigravityScenario, quotesAnAnswerThatBreaksOff) {
     EXPECT_EQ(error->texts().at(0).size(), 120u);
 }
 
-TEST_F(AntigravityScenario, reportsWhatKeepsItFromStarting) {
+TEST_F(AntigravityScenario, ReportsWhatKeepsItFromStarting) {
     sandbox.installNoProgram("agy");
     expectFailure(fetch(), UsageProviderError::launchFailed("Antigravity", "Exec format error"));
     sandbox.signOutOfAntigravity();
@@ -146,7 +146,7 @@ protected:
 
 using Words = std::vector<std::string>;
 
-TEST_F(AntigravityRuns, areNotMadeAutomaticallyByAVersionThatAsksAModel) {
+TEST_F(AntigravityRuns, AreNotMadeAutomaticallyByAVersionThatAsksAModel) {
     installCLI("agy 1.1.10", freeAnswer);
     EXPECT_TRUE(provider.pace().automatic) << "nothing is known yet";
     for (int round = 0; round < 2; ++round) {
@@ -167,7 +167,7 @@ TEST_F(AntigravityRuns, areNotMadeAutomaticallyByAVersionThatAsksAModel) {
     EXPECT_TRUE(provider.pace().automatic);
 }
 
-TEST_F(AntigravityRuns, endOnceOneHasCostSomething) {
+TEST_F(AntigravityRuns, EndOnceOneHasCostSomething) {
     for (const char* version : {"1.4.2", "nightly"}) {
         installCLI(version, costlyAnswer);
         const std::string told = std::string(version) == "nightly" ? "?" : version;
@@ -181,7 +181,7 @@ TEST_F(AntigravityRuns, endOnceOneHasCostSomething) {
     }
 }
 
-TEST_F(AntigravityRuns, happenInADirectoryOfTheirOwn) {
+TEST_F(AntigravityRuns, HappenInADirectoryOfTheirOwn) {
     installCLI("1.4.2", freeAnswer);
     expectOutcome(outcomeOf(provider), reads("by hand", {"pool:A|5h"}));
     const auto workspace = sandbox.machine().supportDirectory() / "AntigravityWorkspace";
@@ -190,7 +190,7 @@ TEST_F(AntigravityRuns, happenInADirectoryOfTheirOwn) {
                 testing::EndsWith(" in " + std::filesystem::canonical(workspace).string() + "\n"));
 }
 
-TEST_F(AntigravityRuns, areNotHeldUpByWhatStandsInTheLogsPlace) {
+TEST_F(AntigravityRuns, AreNotHeldUpByWhatStandsInTheLogsPlace) {
     const auto withLog = [](const std::string& makeLog) {
         return "for log; do :; done\n" + makeLog + "\n" + freeAnswer;
     };
@@ -207,13 +207,13 @@ TEST_F(AntigravityRuns, areNotHeldUpByWhatStandsInTheLogsPlace) {
     EXPECT_EQ(contentOf(sandbox.machine().home / "mode"), "700\n");
 }
 
-TEST_F(AntigravityRuns, areStoppedWhenTheyPrintWithoutEnd) {
+TEST_F(AntigravityRuns, AreStoppedWhenTheyPrintWithoutEnd) {
     installCLI("1.4.2", "exec yes");
     expectFailure(outcomeOf(provider),
                   UsageProviderError::antigravityReadFailed("too much output"));
 }
 
-TEST_F(AntigravityRuns, areMadeWhenOnlyTheCLICanTellOfTheLogin) {
+TEST_F(AntigravityRuns, AreMadeWhenOnlyTheCLICanTellOfTheLogin) {
     struct Store final : CredentialStore {
         std::optional<bool> hasGenericPassword(const std::string&,
                                                const std::string&) const override {

@@ -37,21 +37,24 @@ protected:
     }
 
     static std::string wayOf(const AgentUsageSnapshot& snapshot) {
-        for (const SnapshotNote& note : snapshot.notes)
-            if (const auto* way = std::get_if<SnapshotNote::ReadingWay>(&note.value))
+        for (const SnapshotNote& note : snapshot.notes) {
+            if (const auto* way = std::get_if<SnapshotNote::ReadingWay>(&note.value)) {
                 return way->way;
+            }
+        }
         return {};
     }
 
     static std::vector<std::string> idsOf(const AgentUsageSnapshot& snapshot) {
         std::vector<std::string> ids;
-        for (const UsageWindow& window : snapshot.windows)
+        for (const UsageWindow& window : snapshot.windows) {
             ids.push_back(window.id);
+        }
         return ids;
     }
 };
 
-TEST_F(ClaudeQueryScenario, takesEachAnswerForWhatItIsAndSpendsNothing) {
+TEST_F(ClaudeQueryScenario, TakesEachAnswerForWhatItIsAndSpendsNothing) {
     struct Case {
         const char* scenario;
         SnapshotSource source;
@@ -82,7 +85,7 @@ TEST_F(ClaudeQueryScenario, takesEachAnswerForWhatItIsAndSpendsNothing) {
     EXPECT_EQ(messagesToAModel(), 0);
 }
 
-TEST_F(ClaudeQueryScenario, anAnswerWithoutFiguresIsAReasonAndOpensNoSession) {
+TEST_F(ClaudeQueryScenario, AnAnswerWithoutFiguresIsAReasonAndOpensNoSession) {
     const std::pair<const char*, Kind> cases[] = {
         {"query-unavailable", Kind::claudeServiceUnavailable},
         {"query-refused", Kind::claudeServiceRefused},
@@ -101,7 +104,7 @@ TEST_F(ClaudeQueryScenario, anAnswerWithoutFiguresIsAReasonAndOpensNoSession) {
     EXPECT_EQ(messagesToAModel(), 0);
 }
 
-TEST_F(ClaudeQueryScenario, aCLIWithoutTheQueryIsReadByItsScreensAndRarely) {
+TEST_F(ClaudeQueryScenario, ACLIWithoutTheQueryIsReadByItsScreensAndRarely) {
     for (const char* scenario : {"query-unsupported", "query-silent", "query-wrong-id"}) {
         SCOPED_TRACE(scenario);
         sandbox.play("claude", scenario);
@@ -120,7 +123,7 @@ TEST_F(ClaudeQueryScenario, aCLIWithoutTheQueryIsReadByItsScreensAndRarely) {
     }
 }
 
-TEST_F(ClaudeQueryScenario, oneWayCanBeForced) {
+TEST_F(ClaudeQueryScenario, OneWayCanBeForced) {
     sandbox.play("claude", "normal");
     ClaudeUsageProvider session(sandbox.machine(), Seconds(60),
                                 {.way = claudeSessionWay, .interval = Seconds(600)}, limits());
@@ -140,7 +143,7 @@ TEST_F(ClaudeQueryScenario, oneWayCanBeForced) {
     EXPECT_EQ(messagesToAModel(), 1);
 }
 
-TEST_F(ClaudeQueryScenario, asksOnceForWhatTheCLIWouldRepeat) {
+TEST_F(ClaudeQueryScenario, AsksOnceForWhatTheCLIWouldRepeat) {
     sandbox.play("claude", "normal");
     ClaudeUsageProvider claude(sandbox.machine(), Seconds(60), {}, limits());
     const AgentUsageSnapshot first = claude.fetch();
@@ -156,7 +159,7 @@ TEST_F(ClaudeQueryScenario, asksOnceForWhatTheCLIWouldRepeat) {
     EXPECT_TRUE(std::holds_alternative<UsageProviderError>(outcomeOf(asking)));
 }
 
-TEST_F(ClaudeQueryScenario, aQueryThatHangsEndsInTimeAndOpensNoSession) {
+TEST_F(ClaudeQueryScenario, AQueryThatHangsEndsInTimeAndOpensNoSession) {
     sandbox.play("claude", "query-hang");
     auto impatient = limits();
     impatient.query.answer = Seconds(0.3);

@@ -78,7 +78,7 @@ protected:
 
 class ClaudeOutcomes : public ClaudeScenario, public testing::WithParamInterface<AgentScenario> {};
 
-TEST_P(ClaudeOutcomes, areTheReadingOrItsReason) {
+TEST_P(ClaudeOutcomes, AreTheReadingOrItsReason) {
     sandbox.play("claude", GetParam().scenario);
     expectOutcome(fetch(quickLimits(), GetParam().limit), GetParam());
 }
@@ -97,7 +97,7 @@ INSTANTIATE_TEST_SUITE_P(
         fails("hang", UsageProviderError::timeout("Claude"), Seconds(1.5))),
     scenarioTestName);
 
-TEST_F(ClaudeScenario, endsWithTheStepThatDoesNotCome) {
+TEST_F(ClaudeScenario, EndsWithTheStepThatDoesNotCome) {
     for (const char* scenario : {"no-prompt", "usage-hangs", "garbage"}) {
         SCOPED_TRACE(scenario);
         sandbox.play("claude", scenario);
@@ -105,13 +105,13 @@ TEST_F(ClaudeScenario, endsWithTheStepThatDoesNotCome) {
     }
 }
 
-TEST_F(ClaudeScenario, reportsAPageThatCouldNotBeLoaded) {
+TEST_F(ClaudeScenario, ReportsAPageThatCouldNotBeLoaded) {
     sandbox.play("claude", "page-error");
     // Long enough for a busy machine to come to the page.
     expectFailure(fetch(impatientLimits(4)), UsageProviderError::claudePageError("Esc to retry"));
 }
 
-TEST_F(ClaudeScenario, readsFiguresAccountAndTimes) {
+TEST_F(ClaudeScenario, ReadsFiguresAccountAndTimes) {
     const Instant before = ReferenceClock::now();
     const AgentUsageSnapshot reading = snapshot();
     ASSERT_EQ(reading.windows.size(), 3u);
@@ -129,7 +129,7 @@ TEST_F(ClaudeScenario, readsFiguresAccountAndTimes) {
     EXPECT_GE(timing.endMs, 100);
 }
 
-TEST_F(ClaudeScenario, reportsWhatKeepsItFromStarting) {
+TEST_F(ClaudeScenario, ReportsWhatKeepsItFromStarting) {
     ClaudeUsageProvider unscripted(sandbox.machine(), Seconds(60), session, quickLimits(),
                                    "/nowhere/expect");
     expectFailure(outcomeOf(unscripted),
@@ -146,7 +146,7 @@ TEST_F(ClaudeScenario, reportsWhatKeepsItFromStarting) {
     expectFailure(outcomeOf(provider), Kind::claudeTempFileFailed);
 }
 
-TEST_F(ClaudeScenario, startsNoSessionWithoutTimeForIt) {
+TEST_F(ClaudeScenario, StartsNoSessionWithoutTimeForIt) {
     sandbox.installScript("claude", "test \"$1\" = auth || touch \"$HOME/started\"\n");
     ClaudeUsageProvider provider(sandbox.machine(), Seconds(5), session);
     expectFailure(outcomeOf(provider), UsageProviderError::timeout("Claude"));
@@ -154,20 +154,20 @@ TEST_F(ClaudeScenario, startsNoSessionWithoutTimeForIt) {
 }
 
 // The screens say "6:15am" of the zone that the CLI runs in.
-TEST_F(ClaudeScenario, runsTheSessionInTheZoneThatItsTimesAreReadIn) {
+TEST_F(ClaudeScenario, RunsTheSessionInTheZoneThatItsTimesAreReadIn) {
     sandbox.machine().environment["TZ"] = "America/Los_Angeles";
     sandbox.installScript("claude", "test \"$1\" = auth || echo \"$TZ\" > \"$HOME/zone\"\n");
     expectFailure(fetch(), UsageProviderError::claudeReadFailed(125, ""));
     EXPECT_EQ(contentOf(sandbox.machine().home / "zone"), "Europe/Zurich\n");
 }
 
-TEST_F(ClaudeScenario, namesTheOptionThatAnOldCLIDoesNotKnow) {
+TEST_F(ClaudeScenario, NamesTheOptionThatAnOldCLIDoesNotKnow) {
     sandbox.installScript("claude", "test \"$1\" = auth && exit 1\n"
                                     "echo \"error: unknown option '--restricted'\" >&2; exit 1\n");
     expectFailure(fetch(), UsageProviderError::claudeOptionRefused("--restricted"));
 }
 
-TEST_F(ClaudeScenario, quotesACLIThatEndsEarly) {
+TEST_F(ClaudeScenario, QuotesACLIThatEndsEarly) {
     // The interpreter tries a file that is no program as a script of the shell.
     sandbox.installNoProgram("claude");
     const FetchOutcome noProgram = fetch();
@@ -187,7 +187,7 @@ TEST_F(ClaudeScenario, quotesACLIThatEndsEarly) {
     }
 }
 
-TEST_F(ClaudeScenario, keepsAPageThatItCannotRead) {
+TEST_F(ClaudeScenario, KeepsAPageThatItCannotRead) {
     sandbox.play("claude", "empty-page");
     const std::filesystem::path file = diagnostics("claude-usage-last.txt");
     expectFailure(fetch(), UsageProviderError::claudeNoQuotasDiagnosed(file.string()));
@@ -203,7 +203,7 @@ TEST_F(ClaudeScenario, keepsAPageThatItCannotRead) {
     expectFailure(fetch(), Kind::claudeNoQuotas);
 }
 
-TEST_F(ClaudeScenario, takesBytesThatAreNoTextForAnEmptyPage) {
+TEST_F(ClaudeScenario, TakesBytesThatAreNoTextForAnEmptyPage) {
     // In the C locale the interpreter passes bytes on as they are.
     sandbox.machine().environment["LC_ALL"] = "C";
     sandbox.play("claude", "invalid-utf8");
@@ -212,7 +212,7 @@ TEST_F(ClaudeScenario, takesBytesThatAreNoTextForAnEmptyPage) {
     EXPECT_EQ(contentOf(file), "");
 }
 
-TEST_F(ClaudeScenario, notesAPageWithoutAKnownEnd) {
+TEST_F(ClaudeScenario, NotesAPageWithoutAKnownEnd) {
     sandbox.play("claude", "no-end-marker");
     const AgentUsageSnapshot reading = snapshot();
     EXPECT_EQ(reading.windows.size(), 3u);
@@ -224,7 +224,7 @@ TEST_F(ClaudeScenario, notesAPageWithoutAKnownEnd) {
               std::string::npos);
 }
 
-TEST_F(ClaudeScenario, takesTheSpendLineForThePagesEnd) {
+TEST_F(ClaudeScenario, TakesTheSpendLineForThePagesEnd) {
     sandbox.play("claude", "late-credits");
     const AgentUsageSnapshot reading = snapshot();
     EXPECT_EQ(reading.credit, CreditInfo::line("$3.20 / $20.00 spent"));
@@ -233,7 +233,7 @@ TEST_F(ClaudeScenario, takesTheSpendLineForThePagesEnd) {
     EXPECT_FALSE(std::filesystem::exists(diagnostics("claude-usage-ending.txt")));
 }
 
-TEST_F(ClaudeScenario, hasNoTimesOfASessionWithoutStatusScreen) {
+TEST_F(ClaudeScenario, HasNoTimesOfASessionWithoutStatusScreen) {
     sandbox.play("claude", "no-status");
     const AgentUsageSnapshot reading = snapshot(impatientLimits(4));
     EXPECT_EQ(reading.windows.size(), 3u);
@@ -241,7 +241,7 @@ TEST_F(ClaudeScenario, hasNoTimesOfASessionWithoutStatusScreen) {
     EXPECT_EQ(ofTheScreen(reading), std::vector<SnapshotNote>());
 }
 
-TEST_F(ClaudeScenario, waitsForTheModelsWindowOnceItWasSeen) {
+TEST_F(ClaudeScenario, WaitsForTheModelsWindowOnceItWasSeen) {
     sandbox.play("claude", "fable-late\nfable-delay=3500");
     ClaudeUsageProvider provider(sandbox.machine(), Seconds(60), session, quickLimits());
     EXPECT_EQ(provider.fetch().windows.size(), 2u);
@@ -251,7 +251,7 @@ TEST_F(ClaudeScenario, waitsForTheModelsWindowOnceItWasSeen) {
     EXPECT_EQ(provider.fetch().windows.size(), 3u);
 }
 
-TEST_F(ClaudeScenario, recordsWithoutAFileToBeFoundAndWaitsForTheModelOfTheLastDay) {
+TEST_F(ClaudeScenario, RecordsWithoutAFileToBeFoundAndWaitsForTheModelOfTheLastDay) {
     // Without a prompt the session ends at once; the CLI has seen where it runs by then.
     sandbox.installScript("claude", "if [ \"$1\" = auth ]; then exit; fi\n"
                                     "pwd >\"$HOME/seen\"\n"
@@ -273,7 +273,7 @@ TEST_F(ClaudeScenario, recordsWithoutAFileToBeFoundAndWaitsForTheModelOfTheLastD
     }
 }
 
-TEST_F(ClaudeScenario, knowsWhetherTheUserIsLoggedInOrDoesNot) {
+TEST_F(ClaudeScenario, KnowsWhetherTheUserIsLoggedInOrDoesNot) {
     const auto check = [this](const char* scenario, Seconds limit) {
         sandbox.play("claude", scenario);
         return claudeLogin(sandbox.machine(), sandbox.machine().home / ".local/bin/claude", limit,
@@ -282,10 +282,12 @@ TEST_F(ClaudeScenario, knowsWhetherTheUserIsLoggedInOrDoesNot) {
     };
     EXPECT_EQ(check("normal", Seconds(30)), true);
     EXPECT_EQ(check("logged-out", Seconds(30)), false);
-    for (const char* scenario : {"login-crash", "login-garbage", "login-string", "login-huge"})
+    for (const char* scenario : {"login-crash", "login-garbage", "login-string", "login-huge"}) {
         EXPECT_EQ(check(scenario, Seconds(30)), std::nullopt) << scenario;
-    for (const char* scenario : {"login-hang", "login-deaf"})
+    }
+    for (const char* scenario : {"login-hang", "login-deaf"}) {
         EXPECT_EQ(check(scenario, Seconds(0.3)), std::nullopt) << scenario;
+    }
     EXPECT_EQ(claudeLogin(sandbox.machine(), "/nowhere/claude"), ClaudeLogin{});
 }
 

@@ -35,7 +35,7 @@ protected:
 
 class CodexOutcomes : public CodexScenario, public testing::WithParamInterface<AgentScenario> {};
 
-TEST_P(CodexOutcomes, areTheReadingOrItsReason) {
+TEST_P(CodexOutcomes, AreTheReadingOrItsReason) {
     sandbox.play("codex", GetParam().scenario);
     expectOutcome(fetch(GetParam().limit), GetParam());
 }
@@ -69,7 +69,7 @@ INSTANTIATE_TEST_SUITE_P(
         fails("no-rate-limits", Kind::codexNoQuotas), fails("no-windows", Kind::codexNoWindows)),
     scenarioTestName);
 
-TEST_F(CodexScenario, readsAccountPlanAndCreditsWhereThereAre) {
+TEST_F(CodexScenario, ReadsAccountPlanAndCreditsWhereThereAre) {
     sandbox.play("codex", "credits");
     const auto reading = std::get<AgentUsageSnapshot>(fetch());
     EXPECT_EQ(reading.accountLabel, "name@example.org");
@@ -82,7 +82,7 @@ TEST_F(CodexScenario, readsAccountPlanAndCreditsWhereThereAre) {
     EXPECT_EQ(bare.credit, std::nullopt);
 }
 
-TEST_F(CodexScenario, tellsThatCodexRefusesAndWhichResetsAreInHand) {
+TEST_F(CodexScenario, TellsThatCodexRefusesAndWhichResetsAreInHand) {
     sandbox.play("codex", "used-up");
     const auto refused = std::get<AgentUsageSnapshot>(fetch()).allowance;
     EXPECT_EQ(refused,
@@ -96,7 +96,7 @@ TEST_F(CodexScenario, tellsThatCodexRefusesAndWhichResetsAreInHand) {
     EXPECT_NEAR(days, 9, 0.1);
 }
 
-TEST_F(CodexScenario, waitsForAnAccountThatComesAfterTheLimits) {
+TEST_F(CodexScenario, WaitsForAnAccountThatComesAfterTheLimits) {
     sandbox.play("codex", "account-last");
     const auto late = std::get<AgentUsageSnapshot>(fetchSoon({.account = endless}));
     EXPECT_EQ(late.accountLabel, "name@example.org");
@@ -111,7 +111,7 @@ TEST_F(CodexScenario, waitsForAnAccountThatComesAfterTheLimits) {
     EXPECT_EQ(never.windows.size(), 2U);
 }
 
-TEST_F(CodexScenario, waitsForLimitsThatComeAfterARefusal) {
+TEST_F(CodexScenario, WaitsForLimitsThatComeAfterARefusal) {
     sandbox.play("codex", "error-then-answer");
     const auto late = fetchSoon({.refusal = endless});
     EXPECT_EQ(std::get<AgentUsageSnapshot>(late).windows.size(), 2U);
@@ -125,7 +125,7 @@ TEST_F(CodexScenario, waitsForLimitsThatComeAfterARefusal) {
               Kind::codexNotLoggedIn);
 }
 
-TEST_F(CodexScenario, runsInADirectoryOfItsOwn) {
+TEST_F(CodexScenario, RunsInADirectoryOfItsOwn) {
     sandbox.installScript("codex", R"sh(
 pwd > "$HOME/place"
 ls -ld . | cut -c1-10 >> "$HOME/place"
@@ -143,7 +143,7 @@ echo '{"id":3,"result":{"rateLimits":{"primary":{"usedPercent":1}}}}')sh");
     EXPECT_NE(error.texts().at(1).find("CodexWorkspace: "), std::string::npos);
 }
 
-TEST_F(CodexScenario, reportsACLIThatIsMissingOrNoProgram) {
+TEST_F(CodexScenario, ReportsACLIThatIsMissingOrNoProgram) {
     sandbox.installNoProgram("codex");
     expectFailure(fetch(), UsageProviderError::launchFailed("Codex", "Exec format error"));
     sandbox.uninstall("codex");

@@ -19,16 +19,17 @@ protected:
     Machine machine = Machine::sandbox(directory.path());
 };
 
-TEST_F(ToolVersion, isTheFirstLineThatIsNotEmptyAndAtMost120Characters) {
+TEST_F(ToolVersion, IsTheFirstLineThatIsNotEmptyAndAtMost120Characters) {
     EXPECT_EQ(versionPrintedBy("printf '\\n  %s 1.2.3 (beta) \\r\\nmore\\n' \"$1\""),
               "--version 1.2.3 (beta)");
     std::string expected;
-    for (int count = 0; count < 120; ++count)
+    for (int count = 0; count < 120; ++count) {
         expected += "ä";
+    }
     EXPECT_EQ(versionPrintedBy("yes ä | head -n 300 | tr -d '\\n'"), expected);
 }
 
-TEST_F(ToolVersion, isAbsentWhenThereIsNone) {
+TEST_F(ToolVersion, IsAbsentWhenThereIsNone) {
     EXPECT_EQ(versionPrintedBy("echo 1.0 >&2"), std::nullopt);
     EXPECT_EQ(versionPrintedBy("printf '\\377\\376\\n'"), std::nullopt);
     EXPECT_EQ(toolVersion(machine, directory.write("plain", "1.0")), std::nullopt);
@@ -38,7 +39,7 @@ TEST_F(ToolVersion, isAbsentWhenThereIsNone) {
               std::nullopt);
 }
 
-TEST_F(ToolVersion, isAskedInAPlaceOfItsOwnWhateverLiesWhereTheProgramWasStarted) {
+TEST_F(ToolVersion, IsAskedInAPlaceOfItsOwnWhateverLiesWhereTheProgramWasStarted) {
     EXPECT_EQ(versionPrintedBy("pwd"), (machine.supportDirectory() / "VersionWorkspace").string());
     // Where that cannot be made, in one that nobody else writes to.
     std::filesystem::remove_all(machine.supportDirectory());
@@ -47,7 +48,7 @@ TEST_F(ToolVersion, isAskedInAPlaceOfItsOwnWhateverLiesWhereTheProgramWasStarted
     EXPECT_EQ(versionPrintedBy("pwd"), "/");
 }
 
-TEST_F(ToolVersion, seesTheFilteredEnvironment) {
+TEST_F(ToolVersion, SeesTheFilteredEnvironment) {
     machine.environment["CODEX_SECRET"] = "leaked";
     EXPECT_EQ(versionPrintedBy("echo \"v1$CODEX_SECRET\""), "v1");
 }

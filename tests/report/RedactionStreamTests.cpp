@@ -1,5 +1,5 @@
-#include "text/Redaction.h"
 #include "report/RedactionStream.h"
+#include "text/Redaction.h"
 
 #include <gtest/gtest.h>
 
@@ -22,8 +22,9 @@ std::optional<std::string> streamed(std::string_view text, const std::string& ho
         const auto piece = text.substr(0, pieceSize());
         text.remove_prefix(piece.size());
         const auto certain = stream.add(piece);
-        if (!certain)
+        if (!certain) {
             return std::nullopt;
+        }
         result += *certain;
     }
     const auto rest = stream.finish();
@@ -66,8 +67,9 @@ TEST(RedactionStream, GivesWhatTheWholeTextGives) {
     for (const std::string home : {"/home/an\nna", "/home/anna", "\n\n"}) {
         for (int round = 0; round < 3000; ++round) {
             std::string text;
-            for (std::size_t count = upTo(20); count > 0; --count)
+            for (std::size_t count = upTo(20); count > 0; --count) {
                 text += parts[upTo(std::size(parts) - 1)];
+            }
             ASSERT_EQ(streamed(text, home, [&] { return 1 + upTo(12); }),
                       redacted(text, home, false))
                 << testing::PrintToString(text);

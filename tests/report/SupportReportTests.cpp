@@ -26,7 +26,7 @@ SupportReportInput madeUpInput() {
     return input;
 }
 
-TEST(SupportReport, listsFactsAgentsAndLogInOrder) {
+TEST(SupportReport, ListsFactsAgentsAndLogInOrder) {
     EXPECT_EQ(supportReportText(madeUpInput(), "/Users/anna", false, german),
               R"(Vellmark Support-Bericht
 Erstellt: 20.11.2025, 14:48:12
@@ -58,7 +58,7 @@ gelesen als …@…
 )" + german.text("report.privacy.note"));
 }
 
-TEST(SupportReport, tellsWhenAddressesWereLeftIn) {
+TEST(SupportReport, TellsWhenAddressesWereLeftIn) {
     auto input = madeUpInput();
     input.logText.clear();
     input.agents[0].name = "anna@example.org";
@@ -68,7 +68,7 @@ TEST(SupportReport, tellsWhenAddressesWereLeftIn) {
     EXPECT_NE(text.find(german.text("report.privacy.withEmails")), std::string::npos);
 }
 
-TEST(SupportReport, fileNameTakesTheUsersDay) {
+TEST(SupportReport, FileNameTakesTheUsersDay) {
     const auto lateEvening = instantFromUnixSeconds(1763679600); // 23:00 UTC, midnight in Zurich
     EXPECT_EQ(supportReportFileName(lateEvening, german),
               "Vellmark-Support-Bericht-2025-11-21.txt");

@@ -18,7 +18,7 @@ Statuses statusesOf(tests::AgentSandbox& sandbox) {
     return agentSetupStatuses(sandbox.machine(), providerRegistry());
 }
 
-TEST(AgentSetupStatus, tellsWhatEachAgentLacks) {
+TEST(AgentSetupStatus, TellsWhatEachAgentLacks) {
     tests::AgentSandbox sandbox;
     EXPECT_EQ(statusesOf(sandbox), (Statuses{ready, ready, ready}));
 
@@ -34,7 +34,7 @@ TEST(AgentSetupStatus, tellsWhatEachAgentLacks) {
 }
 
 // Whatever a CLI does when it is asked about the login, it is not said that nobody is logged in.
-TEST(AgentSetupStatus, aCheckThatGoesWrongTellsNothing) {
+TEST(AgentSetupStatus, ACheckThatGoesWrongTellsNothing) {
     tests::AgentSandbox sandbox;
     sandbox.play("claude", "login-garbage");
     sandbox.play("codex", "crash");
@@ -47,7 +47,7 @@ TEST(AgentSetupStatus, aCheckThatGoesWrongTellsNothing) {
 
 // Claude's check may take 10 s and 2 s more until it is killed, Codex's 15 s: together no longer
 // than the slower one, and nobody is left.
-TEST(AgentSetupStatus, hangingChecksAreBoundedAndRunAtTheSameTime) {
+TEST(AgentSetupStatus, HangingChecksAreBoundedAndRunAtTheSameTime) {
     tests::AgentSandbox sandbox;
     sandbox.play("claude", "login-deaf");
     sandbox.play("codex", "hang");

@@ -1,4 +1,4 @@
-#include "probes/BoundedProcess.h"
+#include "process/BoundedProcess.h"
 #include "setup/SetupScript.h"
 #include "support/TemporaryDirectory.h"
 
@@ -77,7 +77,7 @@ bool contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
 
-TEST_F(SetupScriptRun, failuresAreToldApartAndKeepTheirStatus) {
+TEST_F(SetupScriptRun, FailuresAreToldApartAndKeepTheirStatus) {
     addTool(bin() / "curl", "exit 22");
     const auto download = run(SetupScriptPlan::install(toolInfo(), false));
     EXPECT_EQ(download.terminationStatus, 22);
@@ -91,7 +91,7 @@ TEST_F(SetupScriptRun, failuresAreToldApartAndKeepTheirStatus) {
     EXPECT_TRUE(contains(installer.output, "FAILED\n(exit code 3)\n")) << installer.output;
 }
 
-TEST_F(SetupScriptRun, toolOutsideTheUsersPathGetsTheLineToAdd) {
+TEST_F(SetupScriptRun, ToolOutsideTheUsersPathGetsTheLineToAdd) {
     addDownload("cp \"$0\" \"$HOME/.local/bin/tool\"; chmod +x \"$HOME/.local/bin/tool\"");
     const auto result = run(SetupScriptPlan::install(toolInfo(), false));
     EXPECT_EQ(result.terminationStatus, 0);
@@ -103,7 +103,7 @@ TEST_F(SetupScriptRun, toolOutsideTheUsersPathGetsTheLineToAdd) {
     EXPECT_FALSE(contains(run(SetupScriptPlan::install(toolInfo(), false)).output, "HINT"));
 }
 
-TEST_F(SetupScriptRun, textsAndArgumentsNeverBecomeCommands) {
+TEST_F(SetupScriptRun, TextsAndArgumentsNeverBecomeCommands) {
     auto info = toolInfo();
     const auto odd = bin() / "a 'tool' $(touch hit)`touch hit`";
     addTool(odd, "printf '<%s>' \"$@\"");
@@ -117,7 +117,7 @@ TEST_F(SetupScriptRun, textsAndArgumentsNeverBecomeCommands) {
     EXPECT_FALSE(std::filesystem::exists("hit"));
 }
 
-TEST_F(SetupScriptRun, missingToolIsStatus127) {
+TEST_F(SetupScriptRun, MissingToolIsStatus127) {
     for (const auto& toolPath : {std::optional<std::string>(), std::optional<std::string>("/no")}) {
         const auto result = run(SetupScriptPlan::login(toolInfo(), toolPath));
         EXPECT_EQ(result.terminationStatus, 127);
@@ -125,7 +125,7 @@ TEST_F(SetupScriptRun, missingToolIsStatus127) {
     }
 }
 
-TEST_F(SetupScriptRun, loginSubcommandIsUsedWhereItExists) {
+TEST_F(SetupScriptRun, LoginSubcommandIsUsedWhereItExists) {
     addTool(bin() / "tool", "[ \"$2\" = --help ] && exit 0; echo \"called with [$*]\"");
     EXPECT_TRUE(
         contains(run(SetupScriptPlan::login(toolInfo(), {})).output, "called with [login]"));
@@ -134,7 +134,7 @@ TEST_F(SetupScriptRun, loginSubcommandIsUsedWhereItExists) {
 }
 
 // A pasted code and stray keys must not land in the shell that the user returns to.
-TEST_F(SetupScriptRun, keysTypedDuringALoginAreDrainedAndEchoIsBack) {
+TEST_F(SetupScriptRun, KeysTypedDuringALoginAreDrainedAndEchoIsBack) {
     addTool(bin() / "tool", "[ \"$2\" = --help ] && exit 0; echo READY; sleep 0.5");
     const auto script = write(SetupScriptPlan::login(toolInfo(), {}));
     const std::string afterwards =

@@ -46,7 +46,7 @@ else
 fi
 exit "$rc")sh";
 
-TEST(SetupScript, downloadsAnInstallerBeforeItRunsIt) {
+TEST(SetupScript, DownloadsAnInstallerBeforeItRunsIt) {
     EXPECT_EQ(setupScript(SetupScriptPlan::install(toolInfo(), false), plainTexts()),
               opening + std::string(R"sh(echo '  curl -fsSL https://example.org/install.sh | bash'
 echo
@@ -63,7 +63,7 @@ rm -f "$INSTALL_FILE")sh") +
                   closing);
 }
 
-TEST(SetupScript, logsInWithALocatedTool) {
+TEST(SetupScript, LogsInWithALocatedTool) {
     EXPECT_EQ(setupScript(SetupScriptPlan::login(toolInfo(), "/my tools/tool"), plainTexts()),
               opening + std::string(R"sh(echo '  tool login'
 echo
@@ -82,7 +82,7 @@ else
 fi)sh") + closing);
 }
 
-TEST(SetupScript, runsAnyOtherInstallCommandAsItStands) {
+TEST(SetupScript, RunsAnyOtherInstallCommandAsItStands) {
     auto info = toolInfo();
     for (const char* command :
          {"brew install --cask tool", "curl -fsSL https://example.org/install.sh",
@@ -97,7 +97,7 @@ TEST(SetupScript, runsAnyOtherInstallCommandAsItStands) {
     }
 }
 
-TEST(SetupScript, startsAToolWithoutLoginSubcommandBare) {
+TEST(SetupScript, StartsAToolWithoutLoginSubcommandBare) {
     auto info = toolInfo();
     info.loginArguments.clear();
     info.loginCheckArguments.reset();
@@ -107,7 +107,7 @@ TEST(SetupScript, startsAToolWithoutLoginSubcommandBare) {
 }
 
 // zsh's echo reads backslashes, and a leading dash as an option, even when they are quoted.
-TEST(SetupScript, catalogTextsAreSafeForEcho) {
+TEST(SetupScript, CatalogTextsAreSafeForEcho) {
     for (const char* language : {"de", "en"}) {
         const auto texts = SetupScriptTexts::localized(Localization(language));
         for (const auto& text :

@@ -1,4 +1,4 @@
-#include "probes/BoundedProcess.h"
+#include "process/BoundedProcess.h"
 #include "setup/TerminalScript.h"
 #include "support/ProcessCensus.h"
 #include "support/TemporaryDirectory.h"
@@ -38,8 +38,9 @@ int statusOnTerminal(const std::function<int(int terminal)>& program) {
 class TerminalScriptRun : public testing::Test {
 protected:
     void SetUp() override {
-        if (!TerminalScript::shell())
+        if (!TerminalScript::shell()) {
             GTEST_SKIP() << "/bin/zsh is not installed";
+        }
     }
 
     /// A script with a member of its group that is deaf and not its child.
@@ -56,7 +57,7 @@ protected:
     const Machine machine = Machine::sandbox(directory.path());
 };
 
-TEST_F(TerminalScriptRun, mayUseTheTerminalAndLeavesNoFile) {
+TEST_F(TerminalScriptRun, MayUseTheTerminalAndLeavesNoFile) {
     EXPECT_EQ(statusOnTerminal([this](int terminal) {
                   return TerminalScript(machine, terminal).run("stty -echo </dev/tty && exit 7");
               }),
@@ -64,7 +65,7 @@ TEST_F(TerminalScriptRun, mayUseTheTerminalAndLeavesNoFile) {
     EXPECT_TRUE(std::filesystem::is_empty(machine.temporary));
 }
 
-TEST_F(TerminalScriptRun, endsWithItsWholeGroup) {
+TEST_F(TerminalScriptRun, EndsWithItsWholeGroup) {
     EXPECT_EQ(statusOnTerminal([this](int terminal) {
                   std::thread ending([this] {
                       becomesTrue([this] { return isDeafOneThere(); });
@@ -78,7 +79,7 @@ TEST_F(TerminalScriptRun, endsWithItsWholeGroup) {
     EXPECT_TRUE(becomesTrue([this] { return !isProcessAlive(deaf()); }));
 }
 
-TEST_F(TerminalScriptRun, anInterruptedOneTakesItsGroupWithItAndAnEndedOneDoesNot) {
+TEST_F(TerminalScriptRun, AnInterruptedOneTakesItsGroupWithItAndAnEndedOneDoesNot) {
     const auto statusOf = [this](const std::string& end) {
         std::filesystem::remove(directory / "deaf");
         return statusOnTerminal([this, end](int terminal) {

@@ -32,7 +32,7 @@ protected:
     ActivityLog log{path};
 };
 
-TEST_F(Log, writesOneLineAnEntryInLocalTime) {
+TEST_F(Log, WritesOneLineAnEntryInLocalTime) {
     ASSERT_FALSE(log.append(entry("Zeit überschritten"), zone));
     ActivityEntry program = entry("started");
     program.agent.reset();
@@ -43,7 +43,7 @@ TEST_F(Log, writesOneLineAnEntryInLocalTime) {
     EXPECT_EQ(log.entries(noon, zone), (std::vector{entry("Zeit überschritten"), program}));
 }
 
-TEST_F(Log, aTornLastLineCostsNoEntryAfterIt) {
+TEST_F(Log, ATornLastLineCostsNoEntryAfterIt) {
     ASSERT_FALSE(log.append(entry("torn by a power loss"), zone));
     std::filesystem::resize_file(path, std::filesystem::file_size(path) - 12);
     ASSERT_FALSE(log.append(entry("next"), zone));
@@ -51,7 +51,7 @@ TEST_F(Log, aTornLastLineCostsNoEntryAfterIt) {
                                "2026-11-20 13:00:00 notice codex: next\n");
 }
 
-TEST_F(Log, noEntryCanHoldALineBreakOrControlCharacter) {
+TEST_F(Log, NoEntryCanHoldALineBreakOrControlCharacter) {
     ActivityEntry hostile = entry("one\ntwo\r\nthree\x1b[31mred\x1b]0;title\x07 four\x7f\x01"
                                   "\xC2\x85"
                                   "five\xE2\x80\xA8six\tseven\xff");
@@ -67,7 +67,7 @@ TEST_F(Log, noEntryCanHoldALineBreakOrControlCharacter) {
     EXPECT_EQ(text.find("\xE2\x80\xA8"), std::string::npos);
 }
 
-TEST_F(Log, trimDropsWhatIsOlderThan30Days) {
+TEST_F(Log, TrimDropsWhatIsOlderThan30Days) {
     for (double age = 40.5; age > 0; --age) {
         ASSERT_FALSE(log.append(entry("age " + std::to_string(age), noon - age * day), zone));
     }
@@ -87,7 +87,7 @@ TEST_F(Log, trimDropsWhatIsOlderThan30Days) {
     EXPECT_EQ(std::ranges::count(contentOf(removed), '\n'), 1);
 }
 
-TEST_F(Log, isTrimmedOnceTheOldestLineIsADayTooOld) {
+TEST_F(Log, IsTrimmedOnceTheOldestLineIsADayTooOld) {
     EXPECT_FALSE(log.trimWhenDue(noon, zone)) << "there is no file yet";
     for (double age = 30.5; age > 0; --age) {
         ASSERT_FALSE(log.append(entry("age " + std::to_string(age), noon - age * day), zone));
@@ -98,7 +98,7 @@ TEST_F(Log, isTrimmedOnceTheOldestLineIsADayTooOld) {
     EXPECT_EQ(log.entries(noon - 400 * day, zone).size(), 29u);
 }
 
-TEST_F(Log, linesOfOtherPeopleDoNoHarm) {
+TEST_F(Log, LinesOfOtherPeopleDoNoHarm) {
     directory.write("Vellmark/activity.log",
                     "garbage\n\n2026-99-99 99:99:99 info codex: odd\n2026-11-20 13:00:00\n"
                     "2026-11-20 13:00:00 loud codex: what\n2026-11-20 13:00:01 info codex: fine\n"
@@ -109,7 +109,7 @@ TEST_F(Log, linesOfOtherPeopleDoNoHarm) {
     ASSERT_FALSE(log.trim(noon, zone));
 }
 
-TEST_F(Log, severalWritersLoseNothing) {
+TEST_F(Log, SeveralWritersLoseNothing) {
     constexpr int each = 200;
     std::vector<std::thread> writers;
     for (int writer = 0; writer < 3; ++writer) {
@@ -129,7 +129,7 @@ TEST_F(Log, severalWritersLoseNothing) {
     EXPECT_EQ(log.entries(noon, zone).size(), 3u * each);
 }
 
-TEST_F(Log, waitsOnDiskWhileSomebodyElseHasTheFile) {
+TEST_F(Log, WaitsOnDiskWhileSomebodyElseHasTheFile) {
     std::error_code error;
     {
         const auto held =

@@ -15,7 +15,7 @@ Instant after(double minutes) {
     return start + Seconds(minutes * 60);
 }
 
-TEST(ReadingSchedule, leavesAServiceThatRefusesAloneForLongerEachTime) {
+TEST(ReadingSchedule, LeavesAServiceThatRefusesAloneForLongerEachTime) {
     ReadingSchedule schedule;
     EXPECT_TRUE(schedule.isDue(agent, start));
     double minutes = 0;
@@ -35,7 +35,7 @@ TEST(ReadingSchedule, leavesAServiceThatRefusesAloneForLongerEachTime) {
     EXPECT_TRUE(schedule.isDue(agent, after(minutes - 60))) << "the clock was set back";
 }
 
-TEST_F(Schedule, asksAServiceThatRefusesLessOftenButTheUserAtOnce) {
+TEST_F(Schedule, AsksAServiceThatRefusesLessOftenButTheUserAtOnce) {
     makeStore();
     claude->fails(UsageProviderError(Kind::claudeServiceUnavailable));
     refresh(RefreshTrigger::launch);
@@ -61,7 +61,7 @@ TEST_F(Schedule, asksAServiceThatRefusesLessOftenButTheUserAtOnce) {
     EXPECT_EQ(next(5, RefreshTrigger::timer), 8);
 }
 
-TEST_F(Schedule, spendsQuotaSeldomOrNotAtAllUnlessAsked) {
+TEST_F(Schedule, SpendsQuotaSeldomOrNotAtAllUnlessAsked) {
     makeStore();
     refresh(RefreshTrigger::launch);
     claude->paces({.interval = Seconds(1800)});
@@ -77,14 +77,15 @@ TEST_F(Schedule, spendsQuotaSeldomOrNotAtAllUnlessAsked) {
     executor.advance(Seconds(300));
     refresh(RefreshTrigger::timer);
     EXPECT_EQ(claude->fetchCount(), 3);
-    for (const auto trigger : {RefreshTrigger::wake, RefreshTrigger::launch})
+    for (const auto trigger : {RefreshTrigger::wake, RefreshTrigger::launch}) {
         refresh(trigger);
+    }
     EXPECT_EQ(antigravity->fetchCount(), 2);
     refresh(RefreshTrigger::manual);
     EXPECT_EQ(antigravity->fetchCount(), 3);
 }
 
-TEST_F(Schedule, figuresThatTheAgentHadKeptAreOldAndNotRecorded) {
+TEST_F(Schedule, FiguresThatTheAgentHadKeptAreOldAndNotRecorded) {
     makeStore();
     claude->answersUsed(10, executor.now());
     refresh(RefreshTrigger::launch, {claude->id()});
@@ -118,13 +119,14 @@ TEST_F(Schedule, figuresThatTheAgentHadKeptAreOldAndNotRecorded) {
     EXPECT_EQ(store->history().sampleCount(), 2u);
 }
 
-TEST_F(Schedule, aWindowThatIsLeftOutStaysWithItsAgeForAsLongAsItCounts) {
+TEST_F(Schedule, AWindowThatIsLeftOutStaysWithItsAgeForAsLongAsItCounts) {
     makeStore();
     const auto answer = [&](bool withModel, bool incomplete) {
         claude->answers([=, this, now = executor.now()] {
             AgentUsageSnapshot reading = claude->reading(10, now);
-            if (withModel)
+            if (withModel) {
                 reading.windows.push_back({"fable-weekly", 50, 10080.0, now + Seconds(7200)});
+            }
             reading.isIncomplete = incomplete;
             return reading;
         });
@@ -149,13 +151,14 @@ TEST_F(Schedule, aWindowThatIsLeftOutStaysWithItsAgeForAsLongAsItCounts) {
     EXPECT_EQ(answer(false, true).size(), 1u) << "it is over";
 }
 
-TEST_F(Schedule, tellsWhenAnAgentBeginsToRefuseAndWhenItSaysThatItWorksAgain) {
+TEST_F(Schedule, TellsWhenAnAgentBeginsToRefuseAndWhenItSaysThatItWorksAgain) {
     makeStore();
     const auto entries = [&](std::optional<bool> allowed) {
         codex->answers([=, this, now = executor.now()] {
             AgentUsageSnapshot reading = codex->reading(100, now);
-            if (allowed)
+            if (allowed) {
                 reading.allowance = UsageAllowance{.ordinaryUsageAllowed = allowed};
+            }
             return reading;
         });
         const std::size_t before = store->activity(1).size();

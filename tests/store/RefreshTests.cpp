@@ -1,4 +1,4 @@
-#include "probes/BoundedProcess.h"
+#include "process/BoundedProcess.h"
 #include "store/LastSnapshots.h"
 #include "store/StoreFixture.h"
 #include "store/UsageFetcher.h"
@@ -23,7 +23,7 @@ std::vector<std::string> shownIDs(const UsageState& state) {
     return ids;
 }
 
-TEST_F(Refresh, publishesEachAgentAsSoonAsItIsRead) {
+TEST_F(Refresh, PublishesEachAgentAsSoonAsItIsRead) {
     makeStore();
     claude->holdFetches();
     EXPECT_TRUE(state().snapshots.empty());
@@ -53,7 +53,7 @@ TEST_F(Refresh, publishesEachAgentAsSoonAsItIsRead) {
     EXPECT_FALSE(snapshot(claude)->windows.empty());
 }
 
-TEST_F(Refresh, aFailureKeepsTheLastGoodFiguresAsStale) {
+TEST_F(Refresh, AFailureKeepsTheLastGoodFiguresAsStale) {
     makeStore();
     codex->fails(UsageProviderError(UsageProviderError::Kind::codexNoQuotas));
     claude->answersUsed(42, executor.now());
@@ -82,7 +82,7 @@ TEST_F(Refresh, aFailureKeepsTheLastGoodFiguresAsStale) {
     EXPECT_EQ(source(claude), SnapshotSource::live);
 }
 
-TEST_F(Refresh, whateverAProbeThrowsBecomesAnError) {
+TEST_F(Refresh, WhateverAProbeThrowsBecomesAnError) {
     makeStore();
     codex->answers([]() -> AgentUsageSnapshot { throw std::runtime_error("no such luck"); });
     claude->answers([]() -> AgentUsageSnapshot { throw 42; });
@@ -93,7 +93,7 @@ TEST_F(Refresh, whateverAProbeThrowsBecomesAnError) {
     EXPECT_EQ(source(antigravity), SnapshotSource::live);
 }
 
-TEST_F(Refresh, aRequestDuringARefreshIsMergedIntoIt) {
+TEST_F(Refresh, ARequestDuringARefreshIsMergedIntoIt) {
     makeStore();
     for (const auto& agent : {codex, claude, antigravity}) {
         agent->holdFetches();
@@ -113,7 +113,7 @@ TEST_F(Refresh, aRequestDuringARefreshIsMergedIntoIt) {
     EXPECT_EQ(antigravity->fetchCount(), 1);
 }
 
-TEST_F(Refresh, whatIsReadCanBeReadAgainAndIsKeptWhileAnotherAgentHangs) {
+TEST_F(Refresh, WhatIsReadCanBeReadAgainAndIsKeptWhileAnotherAgentHangs) {
     makeStore();
     claude->holdFetches();
     codex->fails(UsageProviderError(UsageProviderError::Kind::codexNoQuotas));
@@ -143,7 +143,7 @@ TEST_F(Refresh, whatIsReadCanBeReadAgainAndIsKeptWhileAnotherAgentHangs) {
     EXPECT_EQ(claude->fetchCount(), 1);
 }
 
-TEST_F(Refresh, aFetchWithoutEndIsATimeOutAndMayBeTriedAgain) {
+TEST_F(Refresh, AFetchWithoutEndIsATimeOutAndMayBeTriedAgain) {
     makeStore();
     claude->holdFetches();
     // The others have been read, and the fetch that hangs has begun to.
@@ -183,7 +183,7 @@ TEST_F(Refresh, aFetchWithoutEndIsATimeOutAndMayBeTriedAgain) {
     EXPECT_FALSE(snapshot(claude)->error);
 }
 
-TEST_F(Refresh, automaticTriggersRespectHoldAndPause) {
+TEST_F(Refresh, AutomaticTriggersRespectHoldAndPause) {
     makeStore();
     store->setAutomaticHoldUntil(executor.now() + Seconds(10));
     store->refresh(RefreshTrigger::timer);
@@ -207,7 +207,7 @@ TEST_F(Refresh, automaticTriggersRespectHoldAndPause) {
     ASSERT_TRUE(finishRefresh());
 }
 
-TEST_F(Refresh, aTimeoutIsRetriedOnceWhereTheAgentAsksForIt) {
+TEST_F(Refresh, ATimeoutIsRetriedOnceWhereTheAgentAsksForIt) {
     makeStore();
     codex->fails(UsageProviderError::timeout("Codex"));
     claude->fails(UsageProviderError::timeout("Claude"));
@@ -227,7 +227,7 @@ TEST_F(Refresh, aTimeoutIsRetriedOnceWhereTheAgentAsksForIt) {
     EXPECT_EQ(executor.timerCount(), 0u);
 }
 
-TEST_F(Refresh, disablingDuringAFetchDropsItsResult) {
+TEST_F(Refresh, DisablingDuringAFetchDropsItsResult) {
     makeStore();
     codex->holdFetches();
     store->refresh(RefreshTrigger::launch);
@@ -249,7 +249,7 @@ TEST_F(Refresh, disablingDuringAFetchDropsItsResult) {
     EXPECT_EQ(claude->fetchCount(), 2) << "only the enabled agent is read";
 }
 
-TEST_F(Refresh, anAnswerOfADisabledAgentsOldFetchIsNotTakenForTheNewOne) {
+TEST_F(Refresh, AnAnswerOfADisabledAgentsOldFetchIsNotTakenForTheNewOne) {
     makeStore();
     codex->holdFetches();
     codex->answersUsed(11, executor.now());
@@ -267,7 +267,7 @@ TEST_F(Refresh, anAnswerOfADisabledAgentsOldFetchIsNotTakenForTheNewOne) {
     EXPECT_EQ(readings, 1);
 }
 
-TEST_F(Refresh, nothingLandsAfterAnAbort) {
+TEST_F(Refresh, NothingLandsAfterAnAbort) {
     makeStore();
     codex->fails(UsageProviderError::timeout("Codex"));
     claude->holdFetches();
@@ -295,7 +295,7 @@ TEST_F(Refresh, nothingLandsAfterAnAbort) {
     EXPECT_EQ(claude->fetchCount(), 1);
 }
 
-TEST_F(Refresh, anAbortEndsTheChildrenOfTheFetches) {
+TEST_F(Refresh, AnAbortEndsTheChildrenOfTheFetches) {
     makeStore();
     const ChildConfiguration sleeper{.executable = "/bin/sleep", .arguments = {"60"}};
     claude->answers([&, now = executor.now()] {
@@ -313,7 +313,7 @@ TEST_F(Refresh, anAbortEndsTheChildrenOfTheFetches) {
     EXPECT_FALSE(hasZombieChild());
 }
 
-TEST_F(Refresh, observersAreToldBeforeAndAfterAndMayComeAndGo) {
+TEST_F(Refresh, ObserversAreToldBeforeAndAfterAndMayComeAndGo) {
     makeStore();
     std::vector<std::string> told;
     std::shared_ptr<AgentUsageStore::Subscription> late;
@@ -335,7 +335,7 @@ TEST_F(Refresh, observersAreToldBeforeAndAfterAndMayComeAndGo) {
     late.reset(); // a subscription may outlive the store
 }
 
-TEST_F(Refresh, settingsSurviveInThePreferences) {
+TEST_F(Refresh, SettingsSurviveInThePreferences) {
     makeStore();
     store->setEnabled(claude->id(), false);
     store->setProviderOrder({antigravity->id(), AgentProviderID("unknown"), codex->id()});
@@ -349,7 +349,7 @@ TEST_F(Refresh, settingsSurviveInThePreferences) {
     EXPECT_EQ(state().enabledProviderIDs, std::set{claude->id()}) << "the configuration wins";
 }
 
-TEST_F(Refresh, settingsRefreshesAndTerminationMayRace) {
+TEST_F(Refresh, SettingsRefreshesAndTerminationMayRace) {
     std::mt19937 random(7);
     const auto chance = [&](int of) { return random() % static_cast<unsigned>(of) == 0; };
     const std::vector agents = {codex, claude, antigravity};

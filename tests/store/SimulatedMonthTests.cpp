@@ -30,7 +30,7 @@ std::size_t residentBytes() {
     return pages * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
 }
 
-TEST_F(Month, costsItsHistoryAndNothingElse) {
+TEST_F(Month, CostsItsHistoryAndNothingElse) {
     makeStore();
     const Instant start = executor.now();
     std::size_t descriptors = 0;

@@ -1,4 +1,4 @@
-#include "probes/ChildSession.h"
+#include "process/ChildSession.h"
 #include "store/LastSnapshots.h"
 #include "store/StoreFixture.h"
 #include "store/UsageHistory.h"
@@ -42,7 +42,7 @@ int faultCount(int usually) {
     return wanted ? std::atoi(wanted) : usually;
 }
 
-TEST(StorageFaults, aKillCostsTheSampleInFlightAtMost) {
+TEST(StorageFaults, AKillCostsTheSampleInFlightAtMost) {
     const TemporaryDirectory directory;
     const fs::path path = directory / "usage-history.json";
     std::mt19937 random(std::random_device{}());
@@ -94,7 +94,7 @@ AgentUsageSnapshot readingAt(Instant instant, double used) {
     return reading;
 }
 
-TEST(StorageFaults, aFlippedBitCostsOneSampleAtMost) {
+TEST(StorageFaults, AFlippedBitCostsOneSampleAtMost) {
     const Instant now(Seconds(800'000'000));
     const std::string intact = hourlyHistory(now, 200);
     std::mt19937 random(std::random_device{}());
@@ -125,7 +125,7 @@ TEST(StorageFaults, aFlippedBitCostsOneSampleAtMost) {
                 flips, repairs);
 }
 
-TEST(StorageFaults, aWrongClockCostsNothing) {
+TEST(StorageFaults, AWrongClockCostsNothing) {
     const Instant now(Seconds(800'000'000));
     const std::string intact = hourlyHistory(now, 24 * 30);
     std::mt19937 random(std::random_device{}());
@@ -214,7 +214,7 @@ private:
     bool isMounted_ = false;
 };
 
-TEST_F(SmallDisk, thatIsFull) {
+TEST_F(SmallDisk, ThatIsFull) {
     // dd fails for want of room, which is what it is for.
     showThatNothingIsLost("dd if=/dev/zero of=" + disk() + "/filler bs=1k; test -s " + disk() +
                               "/filler",
@@ -222,7 +222,7 @@ TEST_F(SmallDisk, thatIsFull) {
     std::printf("a full disk: told once, and everything written when there was room again\n");
 }
 
-TEST_F(SmallDisk, thatIsReadOnly) {
+TEST_F(SmallDisk, ThatIsReadOnly) {
     showThatNothingIsLost("mount -o remount,ro " + disk(), "mount -o remount,rw " + disk());
     std::printf("a read-only disk: told once, and everything written when it could be again\n");
 }

@@ -15,7 +15,7 @@ namespace {
 
 using StoredFiles = StoreFixture;
 
-TEST_F(StoredFiles, theNextRunShowsTheLastGoodReadingsAtOnce) {
+TEST_F(StoredFiles, TheNextRunShowsTheLastGoodReadingsAtOnce) {
     makeStore();
     claude->answersUsed(42, executor.now());
     codex->fails(UsageProviderError(UsageProviderError::Kind::codexNoQuotas));
@@ -37,7 +37,7 @@ TEST_F(StoredFiles, theNextRunShowsTheLastGoodReadingsAtOnce) {
     EXPECT_EQ(snapshot(claude)->updatedAt, readAt);
 }
 
-TEST_F(StoredFiles, readingsBecomeHistoryAndGroundsForForecasts) {
+TEST_F(StoredFiles, ReadingsBecomeHistoryAndGroundsForForecasts) {
     makeStore();
     for (int reading = 0; reading < 5; ++reading) {
         codex->answersUsed(10 + reading, executor.now());
@@ -58,7 +58,7 @@ TEST_F(StoredFiles, readingsBecomeHistoryAndGroundsForForecasts) {
     EXPECT_GT(revision, 1u);
 }
 
-TEST_F(StoredFiles, whatAnotherProcessHasRecordedIsShownWithTheNextReading) {
+TEST_F(StoredFiles, WhatAnotherProcessHasRecordedIsShownWithTheNextReading) {
     makeStore();
     const auto read = [this](double used) {
         codex->answersUsed(used, executor.now());
@@ -79,7 +79,7 @@ TEST_F(StoredFiles, whatAnotherProcessHasRecordedIsShownWithTheNextReading) {
     EXPECT_EQ(state().recentPoints.at({codex->id(), "session"}).size(), 2u);
 }
 
-TEST_F(StoredFiles, theActivityLogTellsWhatHappened) {
+TEST_F(StoredFiles, TheActivityLogTellsWhatHappened) {
     makeStore();
     codex->fails(UsageProviderError::timeout("Codex"));
     claude->answers([this, now = executor.now()] {
@@ -115,7 +115,7 @@ TEST_F(StoredFiles, theActivityLogTellsWhatHappened) {
     EXPECT_NE(exported.find("info codex: Readable again"), std::string::npos);
 }
 
-TEST_F(StoredFiles, anAbortIsLoggedBeforeTheProgramEnds) {
+TEST_F(StoredFiles, AnAbortIsLoggedBeforeTheProgramEnds) {
     makeStore();
     codex->holdFetches();
     store->refresh(RefreshTrigger::launch, {codex->id()});
@@ -127,7 +127,7 @@ TEST_F(StoredFiles, anAbortIsLoggedBeforeTheProgramEnds) {
     EXPECT_EQ(entries.back().text, "Refresh aborted: Vellmark is quitting");
 }
 
-TEST_F(StoredFiles, nobodyElseMayReadThem) {
+TEST_F(StoredFiles, NobodyElseMayReadThem) {
     makeStore();
     refresh(RefreshTrigger::launch);
     store->flush();
@@ -138,7 +138,7 @@ TEST_F(StoredFiles, nobodyElseMayReadThem) {
     }
 }
 
-TEST_F(StoredFiles, whatStandsInTheirPlaceIsNeitherWrittenNorWaitedFor) {
+TEST_F(StoredFiles, WhatStandsInTheirPlaceIsNeitherWrittenNorWaitedFor) {
     namespace fs = std::filesystem;
     const fs::path elsewhere = directory.write("elsewhere", "precious");
     const auto plant = [&](const fs::path& file, const std::string& kind) {
@@ -190,7 +190,7 @@ TEST_F(StoredFiles, whatStandsInTheirPlaceIsNeitherWrittenNorWaitedFor) {
     }
 }
 
-TEST_F(StoredFiles, areMadeInDirectoriesOfTheUserAlone) {
+TEST_F(StoredFiles, AreMadeInDirectoriesOfTheUserAlone) {
     machine.applicationSupport = directory / "new/.local/share";
     const mode_t before = ::umask(0);
     makeStore();
@@ -204,7 +204,7 @@ TEST_F(StoredFiles, areMadeInDirectoriesOfTheUserAlone) {
     }
 }
 
-TEST_F(StoredFiles, aReadingThatCannotBeUnderstoodCostsItsAgentAlone) {
+TEST_F(StoredFiles, AReadingThatCannotBeUnderstoodCostsItsAgentAlone) {
     makeStore();
     claude->answersUsed(42, executor.now());
     codex->answersUsed(17, executor.now());
@@ -232,7 +232,7 @@ TEST_F(StoredFiles, aReadingThatCannotBeUnderstoodCostsItsAgentAlone) {
     EXPECT_EQ(snapshot(claude)->windows.at(0).usedPercent, 43);
 }
 
-TEST_F(StoredFiles, theLogTellsWhatBecameOfADamagedHistory) {
+TEST_F(StoredFiles, TheLogTellsWhatBecameOfADamagedHistory) {
     writeFile(machine.usageHistoryFile(), "[\n{torn");
     makeStore();
     settle();
@@ -243,7 +243,7 @@ TEST_F(StoredFiles, theLogTellsWhatBecameOfADamagedHistory) {
     EXPECT_EQ(contentOf(machine.supportDirectory() / "usage-history.damaged.json"), "[\n{torn");
 }
 
-TEST_F(StoredFiles, settingsThatCannotBeWrittenAreTold) {
+TEST_F(StoredFiles, SettingsThatCannotBeWrittenAreTold) {
     makeStore();
     std::filesystem::create_directory(directory / "preferences.json");
     store->setEnabled(claude->id(), false);
@@ -255,7 +255,7 @@ TEST_F(StoredFiles, settingsThatCannotBeWrittenAreTold) {
     EXPECT_FALSE(preferences->writeError());
 }
 
-TEST_F(StoredFiles, aDirectoryThatCannotBeWrittenCostsOneEntryAndNoFigures) {
+TEST_F(StoredFiles, ADirectoryThatCannotBeWrittenCostsOneEntryAndNoFigures) {
     directory.write("Vellmark", "a file where the folder should be");
     makeStore();
     for (const double used : {10, 11, 12}) {

@@ -17,15 +17,17 @@ namespace {
     std::atexit([] { ::_exit(9); });
     HandTurnedExecutor executor;
     const auto agent = std::make_shared<StubAgent>("agent");
-    if (isStuck)
+    if (isStuck) {
         agent->holdFetches();
+    }
     {
         UsageFetcher fetcher(executor);
         bool isOver = false;
         fetcher.start(std::make_shared<StubProvider>(agent), "Agent",
                       UsageFetcher::Occasion::byHand, [&](const FetchOutcome&) { isOver = true; });
-        while (!isStuck && !isOver)
+        while (!isStuck && !isOver) {
             executor.turn();
+        }
         executor.advance(UsageFetcher::fetchLimit);
     }
     endProgram(4);

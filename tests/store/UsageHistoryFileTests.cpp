@@ -99,7 +99,7 @@ protected:
                                             .sample = [](const StoredHistorySample&) {}};
 };
 
-TEST_F(HistoryFile, isAValidDocumentAfterEveryAppend) {
+TEST_F(HistoryFile, IsAValidDocumentAfterEveryAppend) {
     UsageHistoryFile file(path);
     std::vector<UsageHistorySample> written;
     for (int round = 0; round < 5; ++round) {
@@ -115,7 +115,7 @@ TEST_F(HistoryFile, isAValidDocumentAfterEveryAppend) {
         << "one sample a line";
 }
 
-TEST_F(HistoryFile, anAppendWritesTheNewSamplesAlone) {
+TEST_F(HistoryFile, AnAppendWritesTheNewSamplesAlone) {
     if (!fs::exists("/proc/thread-self/io")) {
         GTEST_SKIP() << "no /proc/thread-self/io to count the bytes with";
     }
@@ -149,7 +149,7 @@ TEST_F(HistoryFile, anAppendWritesTheNewSamplesAlone) {
     EXPECT_EQ(decoded().size(), 1'002u);
 }
 
-TEST_F(HistoryFile, tornAnywhereItKeepsEveryCompleteSample) {
+TEST_F(HistoryFile, TornAnywhereItKeepsEveryCompleteSample) {
     UsageHistoryFile whole(path);
     append(whole,
            {sample(firstInstant, 1), sample(firstInstant + 1, 2), sample(firstInstant + 2, 3)});
@@ -180,7 +180,7 @@ TEST_F(HistoryFile, tornAnywhereItKeepsEveryCompleteSample) {
     }
 }
 
-TEST_F(HistoryFile, damageCostsItsLinesAlone) {
+TEST_F(HistoryFile, DamageCostsItsLinesAlone) {
     UsageHistoryFile whole(path);
     std::vector<UsageHistorySample> samples;
     for (int index = 0; index < 100; ++index) {
@@ -203,7 +203,7 @@ TEST_F(HistoryFile, damageCostsItsLinesAlone) {
     }
 }
 
-TEST_F(HistoryFile, aLinkInItsPlaceIsReadButNeverWritten) {
+TEST_F(HistoryFile, ALinkInItsPlaceIsReadButNeverWritten) {
     const std::string good = serialized(toJSON(sample(firstInstant, 1)), -1);
     fs::create_directories(path.parent_path());
     for (const std::string& content : {"[\n" + good + "\n]\n", "[\n" + good + ",\n{\"id"}) {
@@ -231,7 +231,7 @@ TEST_F(HistoryFile, aLinkInItsPlaceIsReadButNeverWritten) {
     EXPECT_EQ(decoded().size(), 3u);
 }
 
-TEST_F(HistoryFile, theUsersModeStays) {
+TEST_F(HistoryFile, TheUsersModeStays) {
     UsageHistoryFile file(path);
     append(file, {sample(firstInstant, 1)});
     fs::permissions(path, fs::perms(0640));
@@ -247,7 +247,7 @@ TEST_F(HistoryFile, theUsersModeStays) {
     EXPECT_EQ(fs::status(path).permissions(), fs::perms(0440));
 }
 
-TEST_F(HistoryFile, anotherFormIsNeverOverwritten) {
+TEST_F(HistoryFile, AnotherFormIsNeverOverwritten) {
     const std::string object =
         R"({"at":"2025-06-01T14:00:00Z","agent":"claude","window":"session","used":3})";
     const std::vector<std::string> forms = {
@@ -283,7 +283,7 @@ TEST_F(HistoryFile, anotherFormIsNeverOverwritten) {
     }
 }
 
-TEST_F(HistoryFile, whatCannotBeKeptOnDiskIsKeptInMemoryWithinBounds) {
+TEST_F(HistoryFile, WhatCannotBeKeptOnDiskIsKeptInMemoryWithinBounds) {
     write(R"({"version":2})");
     fs::create_directories(waiting); // so that nothing can wait there
     auto history = std::make_shared<UsageHistory>();
@@ -307,7 +307,7 @@ TEST_F(HistoryFile, whatCannotBeKeptOnDiskIsKeptInMemoryWithinBounds) {
 
 // --- lines of a newer form
 
-TEST_F(HistoryFile, linesOfANewerFormStayAsTheyAre) {
+TEST_F(HistoryFile, LinesOfANewerFormStayAsTheyAre) {
     const std::string good = serialized(toJSON(sample(firstInstant - 60, 1)), -1);
     // With a field more it is a sample all the same; without ours it is not, but there are more.
     const std::string richer = good.substr(0, good.size() - 1) + R"(, "cost" : 3})";
@@ -349,7 +349,7 @@ TEST_F(HistoryFile, linesOfANewerFormStayAsTheyAre) {
 
 // --- damage
 
-TEST_F(HistoryFile, aFlippedBitCostsOneSampleAtMostAndRecordingGoesOn) {
+TEST_F(HistoryFile, AFlippedBitCostsOneSampleAtMostAndRecordingGoesOn) {
     UsageHistoryFile whole(path);
     std::vector<UsageHistorySample> samples;
     for (int index = 0; index < 6; ++index) {
@@ -390,7 +390,7 @@ TEST_F(HistoryFile, aFlippedBitCostsOneSampleAtMostAndRecordingGoesOn) {
     EXPECT_GT(repairs, 200);
 }
 
-TEST_F(HistoryFile, aFileWithASingleSampleIsOursAlsoWhenThatIsSpoilt) {
+TEST_F(HistoryFile, AFileWithASingleSampleIsOursAlsoWhenThatIsSpoilt) {
     UsageHistoryFile whole(path);
     append(whole, {sample(firstInstant, 1)});
     const std::string intact = text();
@@ -406,7 +406,7 @@ TEST_F(HistoryFile, aFileWithASingleSampleIsOursAlsoWhenThatIsSpoilt) {
     }
 }
 
-TEST_F(HistoryFile, spoiltIdentifiersAreDamageHoweverManyThereAre) {
+TEST_F(HistoryFile, SpoiltIdentifiersAreDamageHoweverManyThereAre) {
     for (const int intactOnes : {0, 3}) {
         fs::remove(path);
         UsageHistoryFile whole(path);
@@ -428,7 +428,7 @@ TEST_F(HistoryFile, spoiltIdentifiersAreDamageHoweverManyThereAre) {
     }
 }
 
-TEST_F(HistoryFile, everyRepairKeepsItsDamagedFileUpToFive) {
+TEST_F(HistoryFile, EveryRepairKeepsItsDamagedFileUpToFive) {
     const auto asideOf = [&](int number) {
         return number == 1 ? damaged
                            : directory / ("Vellmark/usage-history.damaged-" +
@@ -454,7 +454,7 @@ TEST_F(HistoryFile, everyRepairKeepsItsDamagedFileUpToFive) {
     }
 }
 
-TEST_F(HistoryFile, anotherLayoutOfTheSameFormIsReadAndContinued) {
+TEST_F(HistoryFile, AnotherLayoutOfTheSameFormIsReadAndContinued) {
     std::vector<UsageHistorySample> samples = {sample(firstInstant, 1),
                                                sample(firstInstant + 1, 2)};
     samples[1].windowID = "pool:\"quoted\"\n|weekly";
@@ -473,7 +473,7 @@ TEST_F(HistoryFile, anotherLayoutOfTheSameFormIsReadAndContinued) {
     }
 }
 
-TEST_F(HistoryFile, numbersSurviveExactly) {
+TEST_F(HistoryFile, NumbersSurviveExactly) {
     UsageHistoryFile file(path);
     std::vector<UsageHistorySample> samples;
     const std::vector odd = {
@@ -491,7 +491,7 @@ TEST_F(HistoryFile, numbersSurviveExactly) {
     EXPECT_EQ(used, odd);
 }
 
-TEST_F(HistoryFile, followsWhatAnotherProcessDoesToIt) {
+TEST_F(HistoryFile, FollowsWhatAnotherProcessDoesToIt) {
     auto ours = std::make_shared<UsageHistory>();
     auto theirs = std::make_shared<UsageHistory>();
     UsageHistoryRecorder we(path, ours);
@@ -522,7 +522,7 @@ TEST_F(HistoryFile, followsWhatAnotherProcessDoesToIt) {
     EXPECT_EQ(decoded().size(), 1u);
 }
 
-TEST_F(HistoryFile, whoCannotHaveTheLockReadsAndWritesLater) {
+TEST_F(HistoryFile, WhoCannotHaveTheLockReadsAndWritesLater) {
     auto history = std::make_shared<UsageHistory>();
     {
         UsageHistoryRecorder recorder(path, history);
@@ -554,7 +554,7 @@ TEST_F(HistoryFile, whoCannotHaveTheLockReadsAndWritesLater) {
     EXPECT_EQ(history->sampleCount(), 4u);
 }
 
-TEST_F(HistoryFile, whatWaitedIsTakenOverOnceAlsoAfterAnInterruption) {
+TEST_F(HistoryFile, WhatWaitedIsTakenOverOnceAlsoAfterAnInterruption) {
     const std::string known = serialized(toJSON(sample(firstInstant, 1)), -1);
     const std::string added = serialized(toJSON(sample(firstInstant + 1, 2)), -1);
     write("[\n" + known + "\n]\n");
@@ -564,7 +564,7 @@ TEST_F(HistoryFile, whatWaitedIsTakenOverOnceAlsoAfterAnInterruption) {
     EXPECT_FALSE(fs::exists(waiting));
 }
 
-TEST_F(HistoryFile, aStoppedProcessWithTheLockCostsOneWait) {
+TEST_F(HistoryFile, AStoppedProcessWithTheLockCostsOneWait) {
     UsageHistoryFile other(path);
     const FileLock held = ready(other);
     UsageHistoryRecorder recorder(path, std::make_shared<UsageHistory>());

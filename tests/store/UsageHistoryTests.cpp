@@ -31,7 +31,7 @@ protected:
     UsageHistory history;
 };
 
-TEST_F(Course, reductionKeepsPeaksAndEnds) {
+TEST_F(Course, ReductionKeepsPeaksAndEnds) {
     for (int index = 0; index < 10'000; ++index) {
         add(index, 50 + 10 * std::sin(index / 300.0));
     }
@@ -53,7 +53,7 @@ TEST_F(Course, reductionKeepsPeaksAndEnds) {
     EXPECT_TRUE(history.course({key.first, "other"}, at(0), at(1e6), 50).points.empty());
 }
 
-TEST_F(Course, tellsWhereTheWindowWasReset) {
+TEST_F(Course, TellsWhereTheWindowWasReset) {
     add(0, 10, 100);
     add(50, 30, 100);
     add(99, 80, 100);
@@ -68,7 +68,7 @@ TEST_F(Course, tellsWhereTheWindowWasReset) {
     EXPECT_EQ(history.course(key, at(150), at(400), 100).resets, std::vector{at(300)});
 }
 
-TEST(HistorySeries, takesAnyNumberOfSamplesInAnyOrder) {
+TEST(HistorySeries, TakesAnyNumberOfSamplesInAnyOrder) {
     constexpr int count = 200'000;
     for (const int step : {-1, 7, 3}) { // backwards; several interleaved courses
         HistorySeries series;
@@ -82,7 +82,7 @@ TEST(HistorySeries, takesAnyNumberOfSamplesInAnyOrder) {
     }
 }
 
-TEST(Recording, asksForAChangeOrHalfAnHour) {
+TEST(Recording, AsksForAChangeOrHalfAnHour) {
     const UsageWindow window{"session", 40, 300, at(10'000)};
     struct Case {
         const char* what;

@@ -82,7 +82,7 @@ protected:
     }
 };
 
-TEST_F(WrongClock, aRunAheadOfTimeCostsNothingAndBindsNothing) {
+TEST_F(WrongClock, ARunAheadOfTimeCostsNothingAndBindsNothing) {
     for (const double daysAhead : {3'650.0, 40.0, 20.0, 8.0}) {
         writeHistory(25);
         const auto before = stored();
@@ -98,7 +98,7 @@ TEST_F(WrongClock, aRunAheadOfTimeCostsNothingAndBindsNothing) {
     }
 }
 
-TEST_F(WrongClock, whatIsStampedInTheFutureTakesNoPartInTheForecast) {
+TEST_F(WrongClock, WhatIsStampedInTheFutureTakesNoPartInTheForecast) {
     writeHistory(1);
     run(today + 3'650 * day, 99);
     executor.setNow(today);
@@ -112,7 +112,7 @@ TEST_F(WrongClock, whatIsStampedInTheFutureTakesNoPartInTheForecast) {
     EXPECT_EQ(points.back().usedPercent, 10);
 }
 
-TEST_F(WrongClock, whatGoesComesBackUnlessALaterDayAgrees) {
+TEST_F(WrongClock, WhatGoesComesBackUnlessALaterDayAgrees) {
     writeHistory(20);
     const auto before = stored();
     // Long enough ahead for its days to count.
@@ -137,7 +137,7 @@ TEST_F(WrongClock, whatGoesComesBackUnlessALaterDayAgrees) {
     EXPECT_EQ(loggedDays(), 20);
 }
 
-TEST_F(WrongClock, whatIsReallyOldGoesTheDayAfter) {
+TEST_F(WrongClock, WhatIsReallyOldGoesTheDayAfter) {
     writeHistory(420);
     run(today, 50);
     // 35 days of four samples and a bit, one of each day before, until the 400th.
@@ -159,7 +159,7 @@ TEST_F(WrongClock, whatIsReallyOldGoesTheDayAfter) {
     EXPECT_LT(contentOf(machine.supportDirectory() / "activity.removed.log").size(), 100u);
 }
 
-TEST_F(WrongClock, aRemovalThatWasInterruptedLosesNothing) {
+TEST_F(WrongClock, ARemovalThatWasInterruptedLosesNothing) {
     writeHistory(60);
     const auto before = stored();
     // What is removed was written, the history was not: all of it is in both.
@@ -179,7 +179,7 @@ TEST_F(WrongClock, aRemovalThatWasInterruptedLosesNothing) {
     EXPECT_GE(loggedDays(), 29);
 }
 
-TEST(RecordedDays, countAgeFromWhatTheyBearOut) {
+TEST(RecordedDays, CountAgeFromWhatTheyBearOut) {
     const Instant start(Seconds(800'000'000));
     struct Case {
         const char* what;
@@ -222,7 +222,7 @@ TEST(RecordedDays, countAgeFromWhatTheyBearOut) {
     EXPECT_LE(absurd.reference(start), start);
 }
 
-TEST(HistoryThinning, keepsTheHighestOfAnHourAndForgetsAfter400Days) {
+TEST(HistoryThinning, KeepsTheHighestOfAnHourAndForgetsAfter400Days) {
     const double now = 800'000'000;
     const double wholeHour = std::floor((now - 100 * day.count()) / 3600) * 3600;
     struct Case {

@@ -41,8 +41,9 @@ public:
         ::poll(descriptors.data(), descriptors.size(), static_cast<int>(limit.count()));
         for (std::size_t index = 0; index < numbers.size(); ++index) {
             const auto found = watches_.find(numbers[index]);
-            if (descriptors[index].revents == 0 || found == watches_.end())
+            if (descriptors[index].revents == 0 || found == watches_.end()) {
                 continue;
+            }
             const auto answer = found->second.second;
             answer();
         }

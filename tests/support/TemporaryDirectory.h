@@ -24,8 +24,9 @@ public:
     explicit TemporaryDirectory(
         const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
         std::string name = (parent / "vellmark-test-XXXXXX").string();
-        if (!::mkdtemp(name.data()))
+        if (!::mkdtemp(name.data())) {
             throw std::system_error(errno, std::generic_category(), name);
+        }
         path_ = std::filesystem::canonical(name);
     }
 

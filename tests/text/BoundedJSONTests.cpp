@@ -7,7 +7,7 @@
 
 namespace vellmark {
 
-TEST(BoundedJSON, buildsWhatIsThereAndOnlyTheMembersAskedFor) {
+TEST(BoundedJSON, BuildsWhatIsThereAndOnlyTheMembersAskedFor) {
     const std::string text =
         R"({"a":{"b":[1,{"c":"x","d":{"c":2}}],"e":[[{"a":1}]]},"f":null,"a":{"b":[3.5,true]}})";
     EXPECT_EQ(serialized(parsedJSON(text), -1), R"({"a":{"b":[3.5,true]},"f":null})");
@@ -19,7 +19,7 @@ TEST(BoundedJSON, buildsWhatIsThereAndOnlyTheMembersAskedFor) {
     EXPECT_EQ(parsedJSON("\"text\""), "text");
 }
 
-TEST(BoundedJSON, refusesWhatWouldCostMoreThanItsLength) {
+TEST(BoundedJSON, RefusesWhatWouldCostMoreThanItsLength) {
     const auto refused = [](const std::string& text) {
         try {
             parsedJSON(text);

@@ -21,7 +21,7 @@ std::string shown(std::optional<Instant> instant, const TimeZone& zone = TimeZon
 
 } // namespace
 
-TEST(Dates, patternsAreReadStrictly) {
+TEST(Dates, PatternsAreReadStrictly) {
     struct Case {
         const char* text;
         const char* pattern;
@@ -49,7 +49,7 @@ TEST(Dates, patternsAreReadStrictly) {
     EXPECT_FALSE(parseDate(std::string(5000000, '3'), "ha", zurich()));
 }
 
-TEST(Dates, zonesKnowTheirClockChanges) {
+TEST(Dates, ZonesKnowTheirClockChanges) {
     const auto instant = [](int month, int day, int hour, int minute) {
         return zurich().instant({2025, month, day, hour, minute, 0});
     };
@@ -63,7 +63,7 @@ TEST(Dates, zonesKnowTheirClockChanges) {
               (CalendarDate{2025, 10, 26, 2, 30, 0}));
 }
 
-TEST(Dates, fieldsOutOfRangeAreCarriedOver) {
+TEST(Dates, FieldsOutOfRangeAreCarriedOver) {
     EXPECT_EQ(shown(TimeZone::utc().instant({2025, 12, 32, 25, 61, 61})), "2026-01-02 02:02:01");
     EXPECT_EQ(shown(TimeZone::utc().instant({2025, 14, 1, 0, 0, 0})), "2026-02-01 00:00:00");
     EXPECT_EQ(shown(TimeZone::utc().instant({2025, 0, 0, 0, 0, -1})), "2024-11-29 23:59:59");
@@ -72,7 +72,7 @@ TEST(Dates, fieldsOutOfRangeAreCarriedOver) {
     TimeZone::utc().instant({-far, -far, -far, -far, -far, -far});
 }
 
-TEST(Dates, calendarsComeBackAsTheyWent) {
+TEST(Dates, CalendarsComeBackAsTheyWent) {
     for (const char* name : {"Europe/Zurich", "America/St_Johns", "Asia/Kathmandu", "Etc/UTC"}) {
         const TimeZone zone = *TimeZone::named(name);
         for (double hours = -300000; hours < 300000; hours += 997) {
@@ -87,7 +87,7 @@ TEST(Dates, calendarsComeBackAsTheyWent) {
     EXPECT_LT(zurich().calendarDate(Instant(Seconds(-infinity))).year, -20000);
 }
 
-TEST(Dates, zonesAreKnownByNameAndAbbreviation) {
+TEST(Dates, ZonesAreKnownByNameAndAbbreviation) {
     EXPECT_FALSE(TimeZone::named("Europe/Vellmark"));
     EXPECT_FALSE(TimeZone::named(""));
     EXPECT_EQ(TimeZone::abbreviated("jst")->identifier(), "Asia/Tokyo");
@@ -97,7 +97,7 @@ TEST(Dates, zonesAreKnownByNameAndAbbreviation) {
               "2025-06-01 18:00:00");
 }
 
-TEST(Dates, theSystemsZoneFollowsTheSystem) {
+TEST(Dates, TheSystemsZoneFollowsTheSystem) {
     const char* before = std::getenv("TZ");
     const std::string saved = before == nullptr ? "" : before;
     setenv("TZ", "Asia/Tokyo", 1);
@@ -107,7 +107,7 @@ TEST(Dates, theSystemsZoneFollowsTheSystem) {
     saved.empty() ? unsetenv("TZ") : setenv("TZ", saved.c_str(), 1);
 }
 
-TEST(Dates, internetDateTimes) {
+TEST(Dates, InternetDateTimes) {
     const std::pair<std::string, double> cases[] = {
         {"2025-06-01T14:00:00Z", 1748786400},        {"2025-06-01T14:00:00+02:00", 1748779200},
         {"2025-06-01T14:00:00-0230", 1748795400},    {"2024-02-29T23:59:59Z", 1709251199},

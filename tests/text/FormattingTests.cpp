@@ -25,7 +25,7 @@ Instant zurich(CalendarDate date) {
 
 } // namespace
 
-TEST(Formatting, percentages) {
+TEST(Formatting, Percentages) {
     const std::pair<double, const char*> cases[] = {
         {62, "62%"},   {9.5, "9.5%"}, {0.4, "0.4%"},   {0.04, "0%"},
         {9.96, "10%"}, {-0.01, "0%"}, {-4.5, "-4.5%"},
@@ -39,7 +39,7 @@ TEST(Formatting, percentages) {
     EXPECT_EQ(percentText(57.5, english()), "58%");
 }
 
-TEST(Formatting, spans) {
+TEST(Formatting, Spans) {
     struct Case {
         double seconds;
         const char* exact;
@@ -66,7 +66,7 @@ TEST(Formatting, spans) {
     EXPECT_EQ(durationText(Seconds(3 * 86400 + 18 * 3600), german()), "3 Tagen 18 Std.");
 }
 
-TEST(Formatting, instantsNameTheirDayWhenItIsNotToday) {
+TEST(Formatting, InstantsNameTheirDayWhenItIsNotToday) {
     const Instant now = zurich({2026, 11, 28, 23, 30, 0});
     const std::pair<CalendarDate, const char*> cases[] = {
         {{2026, 11, 28, 16, 15, 0}, "4:15 PM"},        {{2026, 11, 28, 0, 0, 0}, "12:00 AM"},
@@ -84,7 +84,7 @@ TEST(Formatting, instantsNameTheirDayWhenItIsNotToday) {
     EXPECT_EQ(dateTimeText(now, english()), "11/28/2026, 11:30:00 PM");
 }
 
-TEST(Formatting, theRegionChoosesTheClockAndTheLanguageTheNames) {
+TEST(Formatting, TheRegionChoosesTheClockAndTheLanguageTheNames) {
     const Instant now = zurich({2026, 11, 28, 12, 0, 0});
     const Instant reset = zurich({2026, 12, 8, 16, 15, 0});
     EXPECT_EQ(instantText(reset, now, Localization("en", "de_CH", zurichName)), "8 Dec, 16:15");
@@ -95,7 +95,7 @@ TEST(Formatting, theRegionChoosesTheClockAndTheLanguageTheNames) {
     EXPECT_EQ(dateTimeText(now, Localization("de", "th_TH", zurichName)), "28.11.2026, 12:00:00");
 }
 
-TEST(Formatting, money) {
+TEST(Formatting, Money) {
     EXPECT_EQ(moneyText(1016.8, "USD", english()), "$1,016.80");
     EXPECT_EQ(moneyText(16.8, "USD", german()), "16,80\u00A0$");
     EXPECT_EQ(moneyText(-3, "jpy", english()), "-¥3");
@@ -104,7 +104,7 @@ TEST(Formatting, money) {
     EXPECT_EQ(moneyText(16.8, "\xFF\xFF\xFF", english()), "16.80 \xFF\xFF\xFF");
 }
 
-TEST(Formatting, noNumberIsTooStrange) {
+TEST(Formatting, NoNumberIsTooStrange) {
     const Localization words = english();
     const double infinity = std::numeric_limits<double>::infinity();
     const double none = std::numeric_limits<double>::quiet_NaN();

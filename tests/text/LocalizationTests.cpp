@@ -43,7 +43,7 @@ private:
 
 } // namespace
 
-TEST(Localization, fallsBackToGermanThenToTheKey) {
+TEST(Localization, FallsBackToGermanThenToTheKey) {
     EXPECT_EQ(Localization("en").text("health.critical"), "Critical");
     EXPECT_EQ(Localization("de").text("health.critical"), "Kritisch");
     EXPECT_EQ(Localization("fr").text("health.critical"), "Kritisch");
@@ -51,7 +51,7 @@ TEST(Localization, fallsBackToGermanThenToTheKey) {
     EXPECT_EQ(Localization("en").text(""), "");
 }
 
-TEST(Localization, placeholdersTakeTheirArguments) {
+TEST(Localization, PlaceholdersTakeTheirArguments) {
     // A key that no catalog has is its own text.
     const Localization words("en");
     EXPECT_EQ(words.format("%@: %lld %%", {"a", 7}), "a: 7 %");
@@ -63,14 +63,14 @@ TEST(Localization, placeholdersTakeTheirArguments) {
     EXPECT_EQ(Localization("de").format("%lld", {1284}), "1.284");
 }
 
-TEST_F(CatalogCompiler, takesGoodCatalogs) {
+TEST_F(CatalogCompiler, TakesGoodCatalogs) {
     EXPECT_EQ(complaintAbout("%1$@ von %2$lld, 5 %", "%2$lld of %1$@ %%"), "");
     EXPECT_EQ(complaintAbout(R"(ä\n\"\\??)", "x"), "");
     EXPECT_THAT(table(), HasSubstr(R"({"a.key", "\303\244\012\042\134\077\077", "x"})"));
     EXPECT_EQ(complaint(R"({"sourceLanguage":"de","strings":{},"version":"1.0"})"), "");
 }
 
-TEST_F(CatalogCompiler, refusesTextsThatDoNotFit) {
+TEST_F(CatalogCompiler, RefusesTextsThatDoNotFit) {
     EXPECT_THAT(complaintAbout("%@", "%lld"), HasSubstr("a.key"));
     EXPECT_THAT(complaintAbout("%@ %@", "%@"), HasSubstr("differ"));
     EXPECT_THAT(complaintAbout("%1$@ %2$@", "%2$@ %1$lld"), HasSubstr("differ"));
@@ -78,7 +78,7 @@ TEST_F(CatalogCompiler, refusesTextsThatDoNotFit) {
     EXPECT_THAT(complaintAbout("", "x"), HasSubstr("empty"));
 }
 
-TEST_F(CatalogCompiler, refusesWhatIsNoCompleteCatalog) {
+TEST_F(CatalogCompiler, RefusesWhatIsNoCompleteCatalog) {
     const std::string missing =
         R"({"sourceLanguage":"de","strings":{"k":{"localizations":{"de":{"stringUnit":)"
         R"({"value":"x"}}}}}})";

@@ -13,7 +13,7 @@ std::string firstMatch(const char* expression, std::string_view text) {
 
 } // namespace
 
-TEST(Pattern, classesGoByUnicode) {
+TEST(Pattern, ClassesGoByUnicode) {
     struct Case {
         const char* expression;
         const char* text;
@@ -42,7 +42,7 @@ TEST(Pattern, classesGoByUnicode) {
     }
 }
 
-TEST(Pattern, groupsPointIntoTheText) {
+TEST(Pattern, GroupsPointIntoTheText) {
     const Pattern pattern(R"((\d+)%(?: (used)| (left))?)");
     const std::string text = "Ä 11% left 7% used";
     const auto first = pattern.search(text);
@@ -58,7 +58,7 @@ TEST(Pattern, groupsPointIntoTheText) {
     EXPECT_FALSE(Pattern("^7").search(text, 12));
 }
 
-TEST(Pattern, everyMatchIsReplaced) {
+TEST(Pattern, EveryMatchIsReplaced) {
     const auto replaced = [](const char* expression, std::string_view text, const char* by) {
         return Pattern(expression).replaceAll(text, by).value_or("-");
     };
@@ -74,7 +74,7 @@ TEST(Pattern, everyMatchIsReplaced) {
     EXPECT_EQ(replaced("(", "a", "b"), "-");
 }
 
-TEST(Pattern, illFormedTextAndExpressionsDoNotMatch) {
+TEST(Pattern, IllFormedTextAndExpressionsDoNotMatch) {
     EXPECT_EQ(firstMatch("[^x]+", "\xFF\xFE"), "-");
     EXPECT_EQ(firstMatch("[^x]+", "\xFF"
                                   "ab"),
@@ -88,7 +88,7 @@ TEST(Pattern, illFormedTextAndExpressionsDoNotMatch) {
     }
 }
 
-TEST(Pattern, longRunsAreNoTrouble) {
+TEST(Pattern, LongRunsAreNoTrouble) {
     const std::string letters(1000000, 'a');
     EXPECT_FALSE(Pattern(R"([A-Za-z0-9._%+\-]+@[A-Za-z0-9.\-]+\.[A-Za-z]{2,})").matches(letters));
     EXPECT_EQ(Pattern("(a|aa)+$").search(letters)->whole().size(), letters.size());

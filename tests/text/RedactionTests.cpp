@@ -47,7 +47,7 @@ const std::pair<const char*, const char*> cases[] = {
     {"<anna.b+x@mail.example.co.uk>", "<…@…>"},
 };
 
-TEST(Redaction, removesSecretsAndIsStable) {
+TEST(Redaction, RemovesSecretsAndIsStable) {
     for (const auto& [input, expected] : cases) {
         const auto once = redacted(input, home, false);
         EXPECT_EQ(once, expected) << input;
@@ -55,7 +55,7 @@ TEST(Redaction, removesSecretsAndIsStable) {
     }
 }
 
-TEST(Redaction, leavesWhatOnlyLooksLikeASecret) {
+TEST(Redaction, LeavesWhatOnlyLooksLikeASecret) {
     for (const char* text :
          {"ls /Users/ and /Users", "/users/berta/x", "password: abc", "token: abcdefghij01234",
           "tokens: abcdefghij012345", "mytoken: abcdefghij012345", "ätoken: abcdefghij012345",
@@ -66,20 +66,20 @@ TEST(Redaction, leavesWhatOnlyLooksLikeASecret) {
     }
 }
 
-TEST(Redaction, leavesAddressesOnlyWhenAsked) {
+TEST(Redaction, LeavesAddressesOnlyWhenAsked) {
     EXPECT_EQ(redacted("anna@example.org", home, true), "anna@example.org");
     EXPECT_EQ(redacted("token anna1234567890123 anna@example.org", home, true),
               "token <redacted> anna@example.org");
 }
 
-TEST(Redaction, homeOfOneCharacterIsNoPath) {
+TEST(Redaction, HomeOfOneCharacterIsNoPath) {
     EXPECT_EQ(redacted("/usr/bin", "/", false), "/usr/bin");
     EXPECT_EQ(redacted("/usr/bin", "", false), "/usr/bin");
     EXPECT_EQ(redacted("/é/bin", "/é", false), "~/bin");
 }
 
 // A log holds what CLIs printed, and those print any bytes.
-TEST(Redaction, bytesThatAreNoTextPassUnchanged) {
+TEST(Redaction, BytesThatAreNoTextPassUnchanged) {
     EXPECT_EQ(redacted("\xFF\xFE a@b.de \xC3", home, false), "\xFF\xFE …@… \xC3");
     EXPECT_EQ(redacted("/Users/J\xFCrgen/x", home, false), "~/x");
     EXPECT_EQ(redacted("«/Users/anna» \xFF", home, false), "«~» \xFF");
@@ -91,7 +91,7 @@ TEST(Redaction, bytesThatAreNoTextPassUnchanged) {
     EXPECT_EQ(redacted(every, home, false), every);
 }
 
-TEST(Redaction, aFailureIsOneLineWithoutWhatARequestCarries) {
+TEST(Redaction, AFailureIsOneLineWithoutWhatARequestCarries) {
     const std::string opaque(40, 'A');
     const std::pair<std::string, std::string> lines[] = {
         {"GET http://localhost:8080/api/usage failed: 429 Too Many Requests; body={\"detail\": "

@@ -18,7 +18,7 @@ std::string times(std::size_t count, std::string_view piece) {
     return text;
 }
 
-TEST(TerminalLayout, showsWhatATerminalWould) {
+TEST(TerminalLayout, ShowsWhatATerminalWould) {
     const std::pair<std::string, std::string> cases[] = {
         // Control characters.
         {"12%\r88%\r\nx", "88%\nx"},
@@ -117,7 +117,7 @@ TEST(TerminalLayout, showsWhatATerminalWould) {
     }
 }
 
-TEST(TerminalLayout, leavesLinesAsTheyAre) {
+TEST(TerminalLayout, LeavesLinesAsTheyAre) {
     const std::string lines[] = {
         "",
         "a\nb\r\n\r\r\nc\r",
@@ -132,7 +132,7 @@ TEST(TerminalLayout, leavesLinesAsTheyAre) {
     }
 }
 
-TEST(TerminalLayout, showsLinesAlikeWhetherTheCursorMovesOrNot) {
+TEST(TerminalLayout, ShowsLinesAlikeWhetherTheCursorMovesOrNot) {
     std::mt19937 random(1); // the same texts each time
     const std::string_view pieces[] = {"a",          "42% used",     " ",     "漢",
                                        "e\u0301",    "\r\n",         "\r\n",  "\x1b[1m",
@@ -156,13 +156,13 @@ TEST(TerminalLayout, showsLinesAlikeWhetherTheCursorMovesOrNot) {
     }
 }
 
-TEST(TerminalLayout, tellsAllThatWasDrawnInItsOrder) {
+TEST(TerminalLayout, TellsAllThatWasDrawnInItsOrder) {
     EXPECT_EQ(drawnText("Email: a@b\r\nkeys\x1b[2K\x1b[A\x1b[2K\x1b[GOrganization: c\rnew"),
               "Email: a@b\nkeys\n Organization: c\nnew");
     EXPECT_EQ(drawnText("Plan\x1b[20GPro\x1b[4C!\b.\x1b[2J"), "Plan Pro !\n.\n");
 }
 
-TEST(TerminalLayout, isBoundedByTheLengthOfTheOutput) {
+TEST(TerminalLayout, IsBoundedByTheLengthOfTheOutput) {
     // One jump too far is one to the edge.
     for (const char* output : {"a\x1b[1000000000Bb", "a\x1b[1000000000Cb"}) {
         const std::string text = laidOutText(output);

@@ -12,7 +12,7 @@ namespace vellmark {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-TEST(TerminalText, sequencesAreRemovedInOrder) {
+TEST(TerminalText, SequencesAreRemovedInOrder) {
     const std::pair<std::string, std::string> cases[] = {
         {"4\x1b[1m2\x1b[0m% used", "42% used"},
         {"\x1b[?2004h\x1b[38;5;12;1mx\x1b[2 q", "x"},
@@ -37,7 +37,7 @@ TEST(TerminalText, sequencesAreRemovedInOrder) {
     }
 }
 
-TEST(TerminalText, aLongRunOfOpenCommandsIsNoTrouble) {
+TEST(TerminalText, ALongRunOfOpenCommandsIsNoTrouble) {
     std::string run;
     while (run.size() < 10000000) {
         run += "\x1b]";
@@ -46,7 +46,7 @@ TEST(TerminalText, aLongRunOfOpenCommandsIsNoTrouble) {
     EXPECT_EQ(stripANSI(run + "\x07"), "");
 }
 
-TEST(TerminalText, linesEndAtEveryKindOfBreak) {
+TEST(TerminalText, LinesEndAtEveryKindOfBreak) {
     EXPECT_THAT(nonEmptyLines("a\nb\r\nc\rd\ve\ff\u0085g\u2028h\u2029i\n\n"),
                 ElementsAre("a", "b", "c", "d", "e", "f", "g", "h", "i"));
     EXPECT_THAT(nonEmptyLines(" \n"), ElementsAre(" "));
@@ -55,13 +55,13 @@ TEST(TerminalText, linesEndAtEveryKindOfBreak) {
     EXPECT_THAT(nonEmptyLines({}), IsEmpty());
 }
 
-TEST(TerminalText, whiteSpaceIsTrimmed) {
+TEST(TerminalText, WhiteSpaceIsTrimmed) {
     EXPECT_EQ(trimmed("\u00A0\t a b\u3000\r\n"), "a b");
     EXPECT_EQ(trimmed(" \u2003 "), "");
     EXPECT_EQ(trimmed("\xA0 a\x85"), "\xA0 a\x85");
 }
 
-TEST(TerminalText, illFormedTextIsFoundAndRepaired) {
+TEST(TerminalText, IllFormedTextIsFoundAndRepaired) {
     for (const char* good : {"", "abc", "ä€😀", "\u07FF\u0800\uFFFF\U0010FFFF"}) {
         EXPECT_TRUE(isValidUTF8(good));
         EXPECT_EQ(repairedUTF8(good), good);
@@ -78,7 +78,7 @@ TEST(TerminalText, illFormedTextIsFoundAndRepaired) {
     }
 }
 
-TEST(TerminalText, charactersAreWhatTheUserSees) {
+TEST(TerminalText, CharactersAreWhatTheUserSees) {
     const std::string family = "👨‍👩‍👧";
     const std::string text = "ae\u0301" + family + "\r\nz";
     EXPECT_EQ(firstCharacters(text, 2), "ae\u0301");
@@ -92,7 +92,7 @@ TEST(TerminalText, charactersAreWhatTheUserSees) {
     EXPECT_EQ(firstCharacters(std::string(20000000, '\xCC'), 300).size(), 300U);
 }
 
-TEST(TerminalText, oneLineIsSafeToPrint) {
+TEST(TerminalText, OneLineIsSafeToPrint) {
     EXPECT_EQ(singleLine("a\r\nb\tc\nd"), "a b c d");
     EXPECT_EQ(singleLine("\x1b[31mred\x1b[0m\x07\b\x7F"), "red");
     EXPECT_EQ(singleLine("\x1b[31"), "[31");

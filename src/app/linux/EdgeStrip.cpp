@@ -36,8 +36,9 @@ constexpr std::string_view heightKey = "EdgeStripHeight";
 /// The primary one first; empty while no screen is connected.
 std::vector<ScreenArea> screenAreas() {
     std::vector<ScreenArea> areas;
-    for (const QScreen* screen : QGuiApplication::screens())
+    for (const QScreen* screen : QGuiApplication::screens()) {
         areas.push_back({screen->name().toStdString(), screen->availableGeometry()});
+    }
     return areas;
 }
 
@@ -80,8 +81,9 @@ EdgeStrip::EdgeStrip(Preferences& preferences, Events events)
         connect(screen, &QScreen::availableGeometryChanged, this, &EdgeStrip::restorePlace,
                 Qt::QueuedConnection);
     };
-    for (QScreen* screen : QGuiApplication::screens())
+    for (QScreen* screen : QGuiApplication::screens()) {
         follow(screen);
+    }
     connect(qApp, &QGuiApplication::screenAdded, this, follow);
     connect(qApp, &QGuiApplication::screenAdded, this, &EdgeStrip::restorePlace,
             Qt::QueuedConnection);
@@ -101,10 +103,12 @@ void EdgeStrip::setContent(const StatusItemContent& content) {
         setWindowTitle(text);
     }
     // A compositor may come and go.
-    if (isVisible() && kit::windowSurface().isComposited != isComposited_)
+    if (isVisible() && kit::windowSurface().isComposited != isComposited_) {
         fitShape();
-    if (looksDifferent)
+    }
+    if (looksDifferent) {
         update();
+    }
 }
 
 void EdgeStrip::paintEvent(QPaintEvent*) {
@@ -113,8 +117,9 @@ void EdgeStrip::paintEvent(QPaintEvent*) {
     const bool isAtRight = edge_ == Edge::right;
     const QRectF bounds =
         QRectF(rect()).adjusted(isAtRight ? 0.5 : 0, 0.5, isAtRight ? 0 : -0.5, -0.5);
-    if (!isComposited_)
+    if (!isComposited_) {
         painter.fillRect(rect(), kit::color(kit::ColorRole::lineStrong));
+    }
     painter.setPen(QPen(kit::color(kit::ColorRole::lineStrong), 1));
     painter.setBrush(kit::color(kit::ColorRole::popover));
     painter.drawPath(outline(bounds, isAtRight));
@@ -133,30 +138,35 @@ void EdgeStrip::paintEvent(QPaintEvent*) {
 }
 
 void EdgeStrip::mousePressEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton)
+    if (event->button() != Qt::LeftButton) {
         return;
+    }
     pressedAt_ = event->position().toPoint();
     isDragged_ = false;
 }
 
 void EdgeStrip::mouseMoveEvent(QMouseEvent* event) {
-    if (!pressedAt_)
+    if (!pressedAt_) {
         return;
+    }
     const QPoint moved = event->position().toPoint() - *pressedAt_;
-    if (!isDragged_ && moved.manhattanLength() < QApplication::startDragDistance())
+    if (!isDragged_ && moved.manhattanLength() < QApplication::startDragDistance()) {
         return;
+    }
     isDragged_ = true;
     move(event->globalPosition().toPoint() - *pressedAt_);
 }
 
 void EdgeStrip::mouseReleaseEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton || !pressedAt_)
+    if (event->button() != Qt::LeftButton || !pressedAt_) {
         return;
+    }
     pressedAt_.reset();
-    if (isDragged_)
+    if (isDragged_) {
         dock();
-    else if (rect().contains(event->position().toPoint()))
+    } else if (rect().contains(event->position().toPoint())) {
         click();
+    }
 }
 
 void EdgeStrip::contextMenuEvent(QContextMenuEvent* event) {
@@ -164,10 +174,11 @@ void EdgeStrip::contextMenuEvent(QContextMenuEvent* event) {
 }
 
 void EdgeStrip::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Return)
+    if (event->key() == Qt::Key_Return) {
         click();
-    else
+    } else {
         QAbstractButton::keyPressEvent(event);
+    }
 }
 
 void EdgeStrip::showEvent(QShowEvent* event) {
@@ -177,8 +188,9 @@ void EdgeStrip::showEvent(QShowEvent* event) {
 
 void EdgeStrip::restorePlace() {
     const std::vector<ScreenArea> screens = screenAreas();
-    if (screens.empty())
+    if (screens.empty()) {
         return;
+    }
     EdgeStripPlace place;
     place.screen = preferences_.string(screenKey).value_or("");
     place.isAtRight = preferences_.string(edgeKey) != "left";
@@ -207,8 +219,9 @@ void EdgeStrip::fitShape() {
 
 void EdgeStrip::dock() {
     const std::vector<ScreenArea> screens = screenAreas();
-    if (screens.empty())
+    if (screens.empty()) {
         return;
+    }
     const EdgeStripPlace place = edgeStripPlace(geometry(), screens);
     preferences_.setString(screenKey, place.screen);
     preferences_.setString(edgeKey, place.isAtRight ? "right" : "left");

@@ -52,13 +52,15 @@ public:
             {.activate = [this](int x, int y) { events_.toggle(pointerOr(x, y)); },
              .menuItemChosen = [this](const std::string& action) { events_.menuAction(action); },
              .hostChanged = [this](bool isShown) { hostChanged(isShown); }});
-        if (notifier_)
+        if (notifier_) {
             QTimer::singleShot(hostAnswerLimitMs, this, [this] {
-                if (!isHosted_)
+                if (!isHosted_) {
                     hostChanged(false);
+                }
             });
-        else
+        } else {
             hostChanged(false);
+        }
     }
 
     void show(const StatusItemContent& content) override {
@@ -66,12 +68,15 @@ public:
             !shown_ || content.glyph != shown_->glyph || content.color != shown_->color;
         const bool saysDifferent = !shown_ || content.toolTip != shown_->toolTip;
         shown_ = content;
-        if (looksDifferent)
+        if (looksDifferent) {
             drawIcon();
-        if (saysDifferent)
+        }
+        if (saysDifferent) {
             writeToolTip();
-        if (strip_)
+        }
+        if (strip_) {
             strip_->setContent(content);
+        }
     }
 
     void setMenu(std::vector<MenuItemContent> items) override {
@@ -87,28 +92,33 @@ public:
             connect(action, &QAction::triggered, this,
                     [this, name = item.action] { events_.menuAction(name); });
         }
-        if (notifier_)
+        if (notifier_) {
             notifier_->setMenu(std::move(forPanel));
+        }
     }
 
     void setPanelScheme(ColorScheme scheme) override {
         const bool wasDark = isPanelDark();
         scheme_ = scheme;
-        if (shown_ && isPanelDark() != wasDark)
+        if (shown_ && isPanelDark() != wasDark) {
             drawIcon();
-        if (strip_)
+        }
+        if (strip_) {
             strip_->update();
+        }
     }
 
     void setPopoverOpen(bool isOpen) override {
         isPopoverOpen_ = isOpen;
-        if (shown_)
+        if (shown_) {
             writeToolTip();
+        }
     }
 
     QRect anchor() const override {
-        if (strip_ && strip_->isVisible())
+        if (strip_ && strip_->isVisible()) {
             return strip_->geometry();
+        }
         return tray_ ? tray_->geometry() : QRect();
     }
 
@@ -117,12 +127,14 @@ private:
     void lookAtTray() {
         const QRect place = tray_ ? tray_->geometry() : QRect();
         QScreen* screen = QGuiApplication::screenAt(place.center());
-        if (!place.isValid() || screen == nullptr)
+        if (!place.isValid() || screen == nullptr) {
             return;
+        }
         const QPoint corner = place.topLeft() - screen->geometry().topLeft();
         const QImage ground = screen->grabWindow(0, corner.x(), corner.y(), 1, 1).toImage();
-        if (ground.isNull())
+        if (ground.isNull()) {
             return;
+        }
         isTrayDark_ = ground.pixelColor(0, 0).lightness() < 128;
         drawIcon();
     }
@@ -130,8 +142,9 @@ private:
     /// A panel cannot be asked for its colour. These desktops' panels follow the colour scheme; the
     /// others' are dark unless somebody changed them.
     bool isPanelDark() const {
-        if (tray_ && isTrayDark_)
+        if (tray_ && isTrayDark_) {
             return *isTrayDark_;
+        }
         const QByteArray desktop = qgetenv("XDG_CURRENT_DESKTOP").toLower();
         const bool followsScheme =
             std::ranges::any_of(std::array{"kde", "mate", "lxqt", "lxde", "cinnamon"},
@@ -145,14 +158,16 @@ private:
         const QColor dot = statusQColor(shown_->color, isPanelDark());
         if (notifier_ && isHosted_ != false) {
             std::vector<NotifierPixmap> pixmaps;
-            for (const int side : iconSides)
+            for (const int side : iconSides) {
                 pixmaps.push_back(notifierPixmap(glyphImage(shown_->glyph, side, ink(), dot)));
+            }
             notifier_->setIcon(std::move(pixmaps));
         }
         if (tray_) {
             QIcon icon;
-            for (const int side : iconSides)
+            for (const int side : iconSides) {
                 icon.addPixmap(QPixmap::fromImage(glyphImage(shown_->glyph, side, ink(), dot)));
+            }
             tray_->setIcon(icon);
         }
     }
@@ -160,15 +175,18 @@ private:
     /// Panels show it beside the item, where the popover opens.
     void writeToolTip() {
         const std::string text = isPopoverOpen_ ? std::string() : shown_->toolTip;
-        if (notifier_)
+        if (notifier_) {
             notifier_->setToolTip(text);
-        if (tray_)
+        }
+        if (tray_) {
             tray_->setToolTip(QString::fromStdString(text));
+        }
     }
 
     void hostChanged(bool isHosted) {
-        if (isHosted_ == isHosted)
+        if (isHosted_ == isHosted) {
             return;
+        }
         isHosted_ = isHosted;
         if (isHosted) {
             tray_.reset();
@@ -196,8 +214,9 @@ private:
 
     /// A tray may come and go at any time.
     void trayMayHaveChanged() {
-        if (isHosted_ == false)
+        if (isHosted_ == false) {
             useFallback();
+        }
     }
 
     void makeTray() {
@@ -205,9 +224,10 @@ private:
         tray_->setContextMenu(&menu_);
         connect(tray_.get(), &QSystemTrayIcon::activated, this,
                 [this](QSystemTrayIcon::ActivationReason reason) {
-                    if (reason == QSystemTrayIcon::Trigger)
+                    if (reason == QSystemTrayIcon::Trigger) {
                         events_.toggle(tray_->geometry().isValid() ? tray_->geometry()
                                                                    : pointerOr(0, 0));
+                    }
                 });
         if (shown_) {
             drawIcon();
@@ -223,8 +243,9 @@ private:
             preferences_,
             EdgeStrip::Events{.toggle = [this](const QRect& anchor) { events_.toggle(anchor); },
                               .menu = [this](const QPoint& at) { menu_.popup(at); }});
-        if (shown_)
+        if (shown_) {
             strip_->setContent(*shown_);
+        }
         strip_->show();
     }
 

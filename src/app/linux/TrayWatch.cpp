@@ -12,13 +12,15 @@ TrayWatch::TrayWatch(std::function<void()> onChange) : onChange_(std::move(onCha
 }
 
 TrayWatch::~TrayWatch() {
-    if (QCoreApplication::instance() != nullptr)
+    if (QCoreApplication::instance() != nullptr) {
         QCoreApplication::instance()->removeNativeEventFilter(this);
+    }
 }
 
 bool TrayWatch::nativeEventFilter(const QByteArray& kind, void* message, qintptr* /*result*/) {
-    if (kind != "xcb_generic_event_t" || isTellingPosted_)
+    if (kind != "xcb_generic_event_t" || isTellingPosted_) {
         return false;
+    }
     constexpr unsigned sentFlag = 0x80;
     const auto* event = static_cast<const xcb_generic_event_t*>(message);
     const unsigned type = event->response_type & ~sentFlag;

@@ -76,8 +76,9 @@ NSImage* glyphImage(const StatusItemContent& content) {
     NSImage* const image = [NSImage imageWithSize:NSMakeSize(glyphSide, glyphSide)
                                           flipped:NO
                                    drawingHandler:^BOOL(NSRect) {
-                                     for (const GlyphMark& mark : marks)
+                                     for (const GlyphMark& mark : marks) {
                                          drawMark(mark);
+                                     }
                                      return YES;
                                    }];
     [image setTemplate:YES];
@@ -86,10 +87,12 @@ NSImage* glyphImage(const StatusItemContent& content) {
 }
 
 NSColor* dotColor(StatusColorRole role, bool onDark) {
-    if (role == StatusColorRole::none)
+    if (role == StatusColorRole::none) {
         return [NSColor secondaryLabelColor];
-    if (role == StatusColorRole::refreshing)
+    }
+    if (role == StatusColorRole::refreshing) {
         return [NSColor systemBlueColor];
+    }
     const ColorComponents color = statusColor(role, onDark);
     return [NSColor colorWithSRGBRed:color.red green:color.green blue:color.blue alpha:color.alpha];
 }
@@ -120,16 +123,18 @@ public:
     void show(const StatusItemContent& content) override {
         NSStatusBarButton* const button = [item_.get() button];
         if (!shown_ || shown_->glyph != content.glyph ||
-            shown_->glyphDescription != content.glyphDescription)
+            shown_->glyphDescription != content.glyphDescription) {
             [button setImage:glyphImage(content)];
+        }
         if (!shown_ || shown_->toolTip != content.toolTip) {
             [button setToolTip:text(content.toolTip)];
             [button setAccessibilityLabel:text(content.toolTip)];
         }
         const bool newColor = !shown_ || shown_->color != content.color;
         shown_ = content;
-        if (newColor)
+        if (newColor) {
             drawDot();
+        }
     }
 
     // The menu bar's own conventions hold on macOS: a click opens the popover, nothing else.
@@ -143,8 +148,9 @@ public:
     QRect anchor() const override {
         NSStatusBarButton* const button = [item_.get() button];
         NSWindow* const window = [button window];
-        if (window == nil)
+        if (window == nil) {
             return {};
+        }
         const NSRect place = [window convertRectToScreen:[button convertRect:[button bounds]
                                                                       toView:nil]];
         // The screens' coordinates grow upwards from the lower left corner of the first one.
@@ -174,8 +180,9 @@ private:
     }
 
     void redraw() {
-        if (!shown_)
+        if (!shown_) {
             return;
+        }
         [[item_.get() button] setImage:glyphImage(*shown_)];
         drawDot();
     }

@@ -38,12 +38,15 @@ NSString* text(const std::string& words) {
 /// What the window in front or the system's own application object answers; null for all others.
 /// Copying is answered by Qt's widgets, which are no responders.
 SEL responderAction(std::string_view action) {
-    if (action == menuAction::hide)
+    if (action == menuAction::hide) {
         return @selector(hide:);
-    if (action == menuAction::closeWindow)
+    }
+    if (action == menuAction::closeWindow) {
         return @selector(performClose:);
-    if (action == menuAction::minimize)
+    }
+    if (action == menuAction::minimize) {
         return @selector(performMiniaturize:);
+    }
     return nullptr;
 }
 
@@ -60,8 +63,9 @@ public:
         for (const MenuContent& content : menus) {
             const auto menu =
                 Retained<NSMenu*>::adopt([[NSMenu alloc] initWithTitle:text(content.title)]);
-            for (const MenuItemContent& item : content.items)
+            for (const MenuItemContent& item : content.items) {
                 add(menu.get(), item);
+            }
             const auto holder =
                 Retained<NSMenuItem*>::adopt([[NSMenuItem alloc] initWithTitle:text(content.title)
                                                                         action:nullptr
@@ -70,8 +74,9 @@ public:
             // The system takes the first for the application menu.
             const bool isFirst = content.role == MenuContent::Role::application;
             [bar.get() insertItem:holder.get() atIndex:isFirst ? 0 : [bar.get() numberOfItems]];
-            if (content.role == MenuContent::Role::help)
+            if (content.role == MenuContent::Role::help) {
                 [NSApp setHelpMenu:menu.get()];
+            }
         }
         [NSApp setMainMenu:bar.get()];
     }

@@ -16,8 +16,9 @@ BusConnection::~BusConnection() {
 
 std::shared_ptr<BusConnection> BusConnection::open(DescriptorWatcher& loop, MessageBus which) {
     auto connection = openBus(which);
-    if (!connection)
+    if (!connection) {
         return nullptr;
+    }
     std::shared_ptr<BusConnection> opened(new BusConnection(std::move(connection)));
     try {
         // The watch belongs to the connection, so it never outlives what it calls.
@@ -31,8 +32,9 @@ std::shared_ptr<BusConnection> BusConnection::open(DescriptorWatcher& loop, Mess
 
 std::shared_ptr<BusConnection> BusConnection::session(DescriptorWatcher& loop) {
     static std::weak_ptr<BusConnection> shared;
-    if (auto existing = shared.lock())
+    if (auto existing = shared.lock()) {
         return existing;
+    }
     const auto opened = open(loop, MessageBus::session);
     shared = opened;
     return opened;

@@ -16,11 +16,13 @@ constexpr int firstFreeDescriptor = 3;
 /// A program started with its standard streams closed gets their numbers for its first files; the
 /// child's own streams would then overwrite one another.
 Descriptor aboveStandardStreams(Descriptor descriptor) {
-    if (descriptor.get() >= firstFreeDescriptor)
+    if (descriptor.get() >= firstFreeDescriptor) {
         return descriptor;
+    }
     Descriptor moved(::fcntl(descriptor.get(), F_DUPFD_CLOEXEC, firstFreeDescriptor));
-    if (!moved.isOpen())
+    if (!moved.isOpen()) {
         throw std::system_error(errno, std::generic_category(), "fcntl");
+    }
     return moved;
 }
 
@@ -28,8 +30,9 @@ Descriptor aboveStandardStreams(Descriptor descriptor) {
 
 Pipe makePipe() {
     int ends[2];
-    if (::pipe2(ends, O_CLOEXEC) != 0)
+    if (::pipe2(ends, O_CLOEXEC) != 0) {
         throw std::system_error(errno, std::generic_category(), "pipe");
+    }
     Descriptor readEnd(ends[0]);
     Descriptor writeEnd(ends[1]);
     return {aboveStandardStreams(std::move(readEnd)), aboveStandardStreams(std::move(writeEnd))};
@@ -58,12 +61,14 @@ ssize_t writeWithoutSignal(int descriptor, std::string_view bytes) {
 }
 
 void leaveOpenStandardStreamsOnly() {
-    if (::close_range(firstFreeDescriptor, ~0U, CLOSE_RANGE_CLOEXEC) == 0)
+    if (::close_range(firstFreeDescriptor, ~0U, CLOSE_RANGE_CLOEXEC) == 0) {
         return;
+    }
     // A kernel before 5.11.
     const long limit = ::sysconf(_SC_OPEN_MAX);
-    for (int descriptor = firstFreeDescriptor; descriptor < limit; ++descriptor)
+    for (int descriptor = firstFreeDescriptor; descriptor < limit; ++descriptor) {
         ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+    }
 }
 
 } // namespace vellmark

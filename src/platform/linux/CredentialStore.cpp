@@ -42,8 +42,9 @@ public:
                                            const std::string& account) const override {
         const auto deadline = Clock::now() + answerLimit;
         const auto bus = openBus(MessageBus::session);
-        if (!bus)
+        if (!bus) {
             return std::nullopt;
+        }
         try {
             const auto secrets =
                 sdbus::createProxy(*bus, "org.freedesktop.secrets", "/org/freedesktop/secrets");

@@ -15,8 +15,9 @@ std::string escapedLabel(const std::string& label) {
     std::string escaped;
     for (const char character : label) {
         escaped += character;
-        if (character == '_')
+        if (character == '_') {
             escaped += '_';
+        }
     }
     return escaped;
 }
@@ -42,8 +43,9 @@ NotifierMenu::NotifierMenu(sdbus::IConnection& bus, const std::string& path,
 }
 
 void NotifierMenu::setItems(std::vector<NotifierMenuItem> items) {
-    if (items == items_)
+    if (items == items_) {
         return;
+    }
     firstID_ += static_cast<std::int32_t>(items_.size());
     items_ = std::move(items);
     ++revision_;
@@ -66,12 +68,14 @@ void NotifierMenu::registerMethods() {
         .implementedAs([this](std::vector<std::int32_t> ids, const std::vector<std::string>&) {
             std::vector<ItemProperties> answer;
             if (ids.empty()) {
-                for (std::size_t index = 0; index < items_.size(); ++index)
+                for (std::size_t index = 0; index < items_.size(); ++index) {
                     ids.push_back(firstID_ + static_cast<std::int32_t>(index));
+                }
             }
             for (const std::int32_t id : ids) {
-                if (id == rootID || item(id) != nullptr)
+                if (id == rootID || item(id) != nullptr) {
                     answer.emplace_back(id, properties(id));
+                }
             }
             return answer;
         });
@@ -80,8 +84,9 @@ void NotifierMenu::registerMethods() {
         .implementedAs([this](std::int32_t id, const std::string& name) {
             const Properties all = properties(id);
             const auto found = all.find(name);
-            if (found == all.end())
+            if (found == all.end()) {
                 throw sdbus::Error("com.canonical.dbusmenu.Error", "no such property");
+            }
             return found->second;
         });
     object_->registerMethod("Event")
@@ -93,8 +98,9 @@ void NotifierMenu::registerMethods() {
         .implementedAs([this](const std::vector<MenuEvent>& events) {
             std::vector<std::int32_t> unknown;
             for (const MenuEvent& event : events) {
-                if (!handleEvent(event.get<0>(), event.get<1>()))
+                if (!handleEvent(event.get<0>(), event.get<1>())) {
                     unknown.push_back(event.get<0>());
+                }
             }
             return unknown;
         });
@@ -125,19 +131,23 @@ void NotifierMenu::registerProperties() {
 
 const NotifierMenuItem* NotifierMenu::item(std::int32_t id) const {
     const std::int32_t index = id - firstID_;
-    if (id == rootID || index < 0 || index >= static_cast<std::int32_t>(items_.size()))
+    if (id == rootID || index < 0 || index >= static_cast<std::int32_t>(items_.size())) {
         return nullptr;
+    }
     return &items_[static_cast<std::size_t>(index)];
 }
 
 NotifierMenu::Properties NotifierMenu::properties(std::int32_t id) const {
-    if (id == rootID)
+    if (id == rootID) {
         return {{"children-display", sdbus::Variant(std::string("submenu"))}};
+    }
     const NotifierMenuItem* found = item(id);
-    if (found == nullptr)
+    if (found == nullptr) {
         return {};
-    if (found->action.empty())
+    }
+    if (found->action.empty()) {
         return {{"type", sdbus::Variant(std::string("separator"))}};
+    }
     return {{"label", sdbus::Variant(escapedLabel(found->label))},
             {"enabled", sdbus::Variant(found->isEnabled)}};
 }
@@ -155,10 +165,12 @@ NotifierMenu::Layout NotifierMenu::layout(std::int32_t parent, std::int32_t dept
 
 bool NotifierMenu::handleEvent(std::int32_t id, const std::string& event) {
     const NotifierMenuItem* found = item(id);
-    if (found == nullptr)
+    if (found == nullptr) {
         return id == rootID;
-    if (event == "clicked" && found->isEnabled && !found->action.empty())
+    }
+    if (event == "clicked" && found->isEnabled && !found->action.empty()) {
         onChosen_(std::string(found->action));
+    }
     return true;
 }
 

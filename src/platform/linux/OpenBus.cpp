@@ -41,8 +41,9 @@ Connection openBus(MessageBus which) {
         std::packaged_task<Connection()> task([which] { return connect(which); });
         auto connection = task.get_future();
         std::thread(std::move(task)).detach();
-        if (connection.wait_for(busAnswerLimit) == std::future_status::ready)
+        if (connection.wait_for(busAnswerLimit) == std::future_status::ready) {
             return connection.get();
+        }
     } catch (const std::system_error&) {
         // No thread is to be had.
     }
@@ -51,8 +52,9 @@ Connection openBus(MessageBus which) {
 
 // The library waits until everything is sent, so where that may take long a thread is left behind.
 void closeBus(Connection connection) {
-    if (!connection || !hasUnsentMessages(*connection))
+    if (!connection || !hasUnsentMessages(*connection)) {
         return;
+    }
     try {
         std::thread([unsent = std::move(connection)] {}).detach();
     } catch (const std::system_error&) {

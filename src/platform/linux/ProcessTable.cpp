@@ -35,13 +35,15 @@ std::optional<Status> statusOf(pid_t pid) {
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     std::array<char, 1024> bytes;
     const ssize_t count = file.isOpen() ? ::read(file.get(), bytes.data(), bytes.size()) : -1;
-    if (count <= 0)
+    if (count <= 0) {
         return std::nullopt;
+    }
     // "pid (name) state parent group …": the name may hold blanks and brackets itself.
     const std::string_view text(bytes.data(), static_cast<std::size_t>(count));
     const auto nameEnd = text.rfind(") ");
-    if (nameEnd == std::string_view::npos)
+    if (nameEnd == std::string_view::npos) {
         return std::nullopt;
+    }
     std::string_view rest = text.substr(nameEnd + 2);
     Status status;
     for (int number = 0; !rest.empty(); ++number) {
@@ -49,14 +51,15 @@ std::optional<Status> statusOf(pid_t pid) {
         const auto read = [field](auto& value) {
             std::from_chars(field.data(), field.data() + field.size(), value);
         };
-        if (number == 0)
+        if (number == 0) {
             status.state = field.empty() ? 'X' : field.front();
-        else if (number == 1)
+        } else if (number == 1) {
             read(status.parent);
-        else if (number == 2)
+        } else if (number == 2) {
             read(status.group);
-        else if (number == 19)
+        } else if (number == 19) {
             read(status.begin);
+        }
         rest.remove_prefix(std::min(field.size() + 1, rest.size()));
     }
     return status;
@@ -73,8 +76,9 @@ bool isLiving(const Status& status) {
 std::optional<pid_t> numberOf(const std::string& name) {
     pid_t pid = 0;
     const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), pid);
-    if (error != std::errc() || end != name.data() + name.size())
+    if (error != std::errc() || end != name.data() + name.size()) {
         return std::nullopt;
+    }
     return pid;
 }
 
@@ -88,10 +92,12 @@ std::optional<std::vector<pid_t>> listedChildren(pid_t parent) {
          task.increment(error)) {
         std::ifstream file(task->path() / "children");
         std::error_code ignored; // a task may end at any moment
-        if (!file && fs::exists(task->path(), ignored))
+        if (!file && fs::exists(task->path(), ignored)) {
             return std::nullopt;
-        for (pid_t child = 0; file >> child;)
+        }
+        for (pid_t child = 0; file >> child;) {
             children.push_back(child);
+        }
     }
     return children;
 }
@@ -102,11 +108,13 @@ std::vector<pid_t> scannedChildren(pid_t parent) {
     for (fs::directory_iterator entry("/proc", error), end; !error && entry != end;
          entry.increment(error)) {
         const auto pid = numberOf(entry->path().filename().string());
-        if (!pid)
+        if (!pid) {
             continue;
+        }
         const auto status = statusOf(*pid);
-        if (status && status->parent == parent)
+        if (status && status->parent == parent) {
             children.push_back(*pid);
+        }
     }
     return children;
 }
@@ -126,13 +134,16 @@ std::optional<std::vector<pid_t>> processGroupMembers(pid_t group) {
     for (fs::directory_iterator entry("/proc", error), end; !error && entry != end;
          entry.increment(error)) {
         const auto pid = numberOf(entry->path().filename().string());
-        if (!pid)
+        if (!pid) {
             continue;
+        }
         const auto status = statusOf(*pid);
-        if (!status && lacksDescriptors())
+        if (!status && lacksDescriptors()) {
             return std::nullopt;
-        if (status && status->group == group && isLiving(*status))
+        }
+        if (status && status->group == group && isLiving(*status)) {
             members.push_back(*pid);
+        }
     }
     return error ? std::nullopt : std::optional(members);
 }
@@ -166,15 +177,17 @@ ProcessHandle::~ProcessHandle() = default;
 
 std::optional<ProcessHandle> ProcessHandle::open(pid_t pid) {
     Descriptor descriptor(pid > 0 ? ::pidfd_open(pid, 0) : -1);
-    if (!descriptor.isOpen())
+    if (!descriptor.isOpen()) {
         return std::nullopt;
+    }
     return ProcessHandle(std::make_unique<Identity>(Identity{pid, std::move(descriptor)}));
 }
 
 std::optional<ProcessHandle> ProcessHandle::openChild(pid_t pid, pid_t parent) {
     auto handle = open(pid);
-    if (!handle)
+    if (!handle) {
         return std::nullopt;
+    }
     // Looked at only now: whatever process the handle holds, if it still lives it is this one.
     const auto status = statusOf(pid);
     return status && status->parent == parent ? std::move(handle) : std::nullopt;
@@ -182,8 +195,9 @@ std::optional<ProcessHandle> ProcessHandle::openChild(pid_t pid, pid_t parent) {
 
 std::optional<ProcessHandle> ProcessHandle::openBegunBy(pid_t pid, ProcessTime time) {
     auto handle = open(pid);
-    if (!handle)
+    if (!handle) {
         return std::nullopt;
+    }
     const auto status = statusOf(pid);
     return status && status->begin <= time ? std::move(handle) : std::nullopt;
 }

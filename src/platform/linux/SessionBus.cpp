@@ -7,8 +7,9 @@
 namespace vellmark {
 
 void leaveOutUnansweringSessionBus() {
-    if (!openBus(MessageBus::session))
+    if (!openBus(MessageBus::session)) {
         ::setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
+    }
 }
 
 } // namespace vellmark

@@ -84,8 +84,9 @@ claimBusName(const std::shared_ptr<BusConnection>& connection,
         connection->process();
         return instance;
     } catch (const sdbus::Error& error) {
-        if (error.getName() != nameIsTaken)
+        if (error.getName() != nameIsTaken) {
             return std::nullopt;
+        }
     }
     activateOwner(*connection, request.identifier);
     return nullptr;
@@ -94,8 +95,9 @@ claimBusName(const std::shared_ptr<BusConnection>& connection,
 /// False when the path is too long for a socket.
 bool setAddress(sockaddr_un& address, const std::filesystem::path& path) {
     address.sun_family = AF_UNIX;
-    if (path.native().size() >= sizeof(address.sun_path))
+    if (path.native().size() >= sizeof(address.sun_path)) {
         return false;
+    }
     std::strcpy(address.sun_path, path.c_str());
     return true;
 }
@@ -118,20 +120,23 @@ private:
     void listen(DescriptorWatcher& loop) {
         sockaddr_un address{};
         Descriptor socket = newSocket();
-        if (!socket.isOpen() || !setAddress(address, socketPath_))
+        if (!socket.isOpen() || !setAddress(address, socketPath_)) {
             return;
+        }
         ::unlink(socketPath_.c_str());
         if (::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) !=
                 0 ||
-            ::listen(socket.get(), 4) != 0)
+            ::listen(socket.get(), 4) != 0) {
             return;
+        }
         socket_ = std::move(socket);
         watch_ = loop.watch(socket_.get(), [this] { answer(); });
     }
 
     void answer() {
-        while (Descriptor(::accept4(socket_.get(), nullptr, nullptr, SOCK_CLOEXEC)).isOpen())
+        while (Descriptor(::accept4(socket_.get(), nullptr, nullptr, SOCK_CLOEXEC)).isOpen()) {
             onShow_();
+        }
     }
 
     Descriptor lock_;
@@ -144,8 +149,9 @@ private:
 void knock(const std::filesystem::path& socketPath) {
     sockaddr_un address{};
     const Descriptor socket = newSocket();
-    if (socket.isOpen() && setAddress(address, socketPath))
+    if (socket.isOpen() && setAddress(address, socketPath)) {
         (void)::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address));
+    }
 }
 
 /// The right held by somebody who could not lock: no file system to do so. Starting is better than
@@ -159,12 +165,15 @@ std::unique_ptr<SingleInstance> claimLockedFile(DescriptorWatcher& loop,
     const auto socketPath = request.directory / "instance.socket";
     Descriptor lock =
         openRegularFile(request.directory / "instance.lock", O_RDWR | O_CREAT, ignored);
-    if (!lock.isOpen())
+    if (!lock.isOpen()) {
         return std::make_unique<Unguarded>();
-    if (::flock(lock.get(), LOCK_EX | LOCK_NB) == 0)
+    }
+    if (::flock(lock.get(), LOCK_EX | LOCK_NB) == 0) {
         return std::make_unique<LockedFile>(std::move(lock), socketPath, loop, request.onShow);
-    if (errno != EWOULDBLOCK)
+    }
+    if (errno != EWOULDBLOCK) {
         return std::make_unique<Unguarded>();
+    }
     knock(socketPath);
     return nullptr;
 }
@@ -174,8 +183,9 @@ std::unique_ptr<SingleInstance> claimLockedFile(DescriptorWatcher& loop,
 std::unique_ptr<SingleInstance> claimSingleInstance(DescriptorWatcher& loop,
                                                     SingleInstanceRequest request) {
     if (const auto connection = BusConnection::session(loop)) {
-        if (auto claimed = claimBusName(connection, request))
+        if (auto claimed = claimBusName(connection, request)) {
             return std::move(*claimed);
+        }
     }
     return claimLockedFile(loop, request);
 }

@@ -27,8 +27,9 @@ Pixmap wireForm(const NotifierPixmap& pixmap) {
     std::vector<std::uint8_t> bytes;
     bytes.reserve(pixmap.pixels.size() * 4);
     for (const std::uint32_t pixel : pixmap.pixels) {
-        for (int shift = 24; shift >= 0; shift -= 8)
+        for (int shift = 24; shift >= 0; shift -= 8) {
             bytes.push_back(static_cast<std::uint8_t>(pixel >> shift));
+        }
     }
     return Pixmap{pixmap.side, pixmap.side, std::move(bytes)};
 }
@@ -56,15 +57,17 @@ public:
     }
 
     void setIcon(std::vector<NotifierPixmap> pixmaps) {
-        if (pixmaps == pixmaps_)
+        if (pixmaps == pixmaps_) {
             return;
+        }
         pixmaps_ = std::move(pixmaps);
         emit("NewIcon");
     }
 
     void setToolTip(const std::string& text) {
-        if (text == toolTip_)
+        if (text == toolTip_) {
             return;
+        }
         toolTip_ = text;
         emit("NewToolTip");
         if (const bool isTitled = !text.empty(); isTitled != isTitled_) {
@@ -98,8 +101,9 @@ private:
             .onInterface(itemInterface)
             .implementedAs([](std::int32_t, const std::string&) {});
         for (const char* signal :
-             {"NewTitle", "NewIcon", "NewAttentionIcon", "NewOverlayIcon", "NewToolTip"})
+             {"NewTitle", "NewIcon", "NewAttentionIcon", "NewOverlayIcon", "NewToolTip"}) {
             item_->registerSignal(signal).onInterface(itemInterface);
+        }
         item_->registerSignal("NewStatus").onInterface(itemInterface).withParameters<std::string>();
         item_->finishRegistration();
     }
@@ -131,8 +135,9 @@ private:
         registerProperty("Menu", sdbus::ObjectPath(menuPath));
         item_->registerProperty("IconPixmap").onInterface(itemInterface).withGetter([this] {
             std::vector<Pixmap> icon;
-            for (const NotifierPixmap& pixmap : pixmaps_)
+            for (const NotifierPixmap& pixmap : pixmaps_) {
                 icon.push_back(wireForm(pixmap));
+            }
             return icon;
         });
         item_->registerProperty("ToolTip").onInterface(itemInterface).withGetter([this] {
@@ -157,10 +162,11 @@ private:
                 std::string before;
                 std::string after;
                 message >> name >> before >> after;
-                if (after.empty())
+                if (after.empty()) {
                     setShown(false);
-                else
+                } else {
                     registerWithWatcher();
+                }
             });
         watcher_ = sdbus::createProxy(connection_->bus(), watcherName, watcherPath);
         watcher_->uponSignal("StatusNotifierHostRegistered")
@@ -178,10 +184,11 @@ private:
             .onInterface(watcherInterface)
             .withArguments(busName_)
             .uponReplyInvoke([this](const sdbus::Error* error) {
-                if (error)
+                if (error) {
                     setShown(false);
-                else
+                } else {
                     askForHost();
+                }
             });
     }
 
@@ -196,8 +203,9 @@ private:
     }
 
     void setShown(bool isShown) {
-        if (isShown == isShown_)
+        if (isShown == isShown_) {
             return;
+        }
         isShown_ = isShown;
         handlers_.hostChanged(isShown);
     }
@@ -227,8 +235,9 @@ std::unique_ptr<StatusNotifierItem> StatusNotifierItem::create(DescriptorWatcher
                                                                std::string id, std::string title,
                                                                Handlers handlers) {
     auto bus = BusConnection::session(loop);
-    if (!bus)
+    if (!bus) {
         return nullptr;
+    }
     try {
         return std::unique_ptr<StatusNotifierItem>(
             new StatusNotifierItem(std::make_unique<Connection>(

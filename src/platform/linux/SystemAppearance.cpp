@@ -22,14 +22,16 @@ constexpr auto motionKey = "enable-animations";
 
 /// `Read` wraps the value in a variant of its own.
 sdbus::Variant unwrapped(sdbus::Variant value) {
-    while (value.peekValueType() == "v")
+    while (value.peekValueType() == "v") {
         value = value.get<sdbus::Variant>();
+    }
     return value;
 }
 
 ColorScheme schemeOf(const sdbus::Variant& value) {
-    if (!value.containsValueOfType<std::uint32_t>())
+    if (!value.containsValueOfType<std::uint32_t>()) {
         return ColorScheme::noPreference;
+    }
     switch (value.get<std::uint32_t>()) {
     case 1:
         return ColorScheme::dark;
@@ -44,8 +46,9 @@ class PortalAppearance final : public SystemAppearance {
 public:
     PortalAppearance(std::shared_ptr<BusConnection> connection, std::function<void()> onChange)
         : connection_(std::move(connection)), onChange_(std::move(onChange)) {
-        if (connection_)
+        if (connection_) {
             subscribe();
+        }
     }
 
     ColorScheme colorScheme() const override { return scheme_; }
@@ -74,8 +77,9 @@ private:
             .withArguments(space, key)
             .uponReplyInvoke(
                 [this, space, key](const sdbus::Error* error, const sdbus::Variant& value) {
-                    if (!error)
+                    if (!error) {
                         accept(space, key, value);
+                    }
                 });
     }
 
@@ -83,12 +87,14 @@ private:
         const sdbus::Variant value = unwrapped(wrapped);
         const ColorScheme formerScheme = scheme_;
         const bool formerMotion = reducesMotion_;
-        if (space == schemeNamespace && key == schemeKey)
+        if (space == schemeNamespace && key == schemeKey) {
             scheme_ = schemeOf(value);
-        else if (space == motionNamespace && key == motionKey)
+        } else if (space == motionNamespace && key == motionKey) {
             reducesMotion_ = value.containsValueOfType<bool>() && !value.get<bool>();
-        if (scheme_ != formerScheme || reducesMotion_ != formerMotion)
+        }
+        if (scheme_ != formerScheme || reducesMotion_ != formerMotion) {
             onChange_();
+        }
     }
 
     std::shared_ptr<BusConnection> connection_;

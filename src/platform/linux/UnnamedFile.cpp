@@ -9,13 +9,15 @@ namespace vellmark {
 Descriptor openUnnamedFile(const std::filesystem::path& directory) {
     Descriptor file(
         ::open(directory.c_str(), O_TMPFILE | O_RDWR | O_APPEND | O_CLOEXEC | O_EXCL, 0600));
-    if (file.isOpen() || errno == ENOENT || errno == EACCES || errno == EROFS)
+    if (file.isOpen() || errno == ENOENT || errno == EACCES || errno == EROFS) {
         return file;
+    }
     // A file system that does not know such files.
     std::string path = (directory / ".vellmark-XXXXXX").string();
     file.reset(::mkostemp(path.data(), O_APPEND | O_CLOEXEC));
-    if (file.isOpen())
+    if (file.isOpen()) {
         ::unlink(path.c_str());
+    }
     return file;
 }
 

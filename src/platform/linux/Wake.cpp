@@ -17,8 +17,9 @@ public:
         manager_->uponSignal("PrepareForSleep")
             .onInterface("org.freedesktop.login1.Manager")
             .call([onWake = std::move(onWake)](bool isGoingToSleep) {
-                if (!isGoingToSleep)
+                if (!isGoingToSleep) {
                     onWake();
+                }
             });
         manager_->finishRegistration();
         connection_->process();
@@ -44,11 +45,13 @@ bool hasOwner(BusConnection& connection, const std::string& name) {
 
 std::unique_ptr<WakeObserver> observeWake(DescriptorWatcher& loop, std::function<void()> onWake) {
     const auto connection = BusConnection::system(loop);
-    if (!connection)
+    if (!connection) {
         return nullptr;
+    }
     try {
-        if (!hasOwner(*connection, logind))
+        if (!hasOwner(*connection, logind)) {
             return nullptr;
+        }
         return std::make_unique<LogindWake>(connection, std::move(onWake));
     } catch (const sdbus::Error&) {
         return nullptr;

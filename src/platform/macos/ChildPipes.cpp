@@ -16,8 +16,9 @@ Descriptor closedOnExec(Descriptor descriptor) {
     Descriptor moved;
     if (descriptor.get() < firstFreeDescriptor) {
         moved.reset(::fcntl(descriptor.get(), F_DUPFD_CLOEXEC, firstFreeDescriptor));
-        if (!moved.isOpen())
+        if (!moved.isOpen()) {
             throw std::system_error(errno, std::generic_category(), "fcntl");
+        }
         return moved;
     }
     ::fcntl(descriptor.get(), F_SETFD, FD_CLOEXEC);
@@ -28,8 +29,9 @@ Descriptor closedOnExec(Descriptor descriptor) {
 
 Pipe makePipe() {
     int ends[2];
-    if (::pipe(ends) != 0)
+    if (::pipe(ends) != 0) {
         throw std::system_error(errno, std::generic_category(), "pipe");
+    }
     Descriptor readEnd(ends[0]);
     Descriptor writeEnd(ends[1]);
     Pipe pipe{closedOnExec(std::move(readEnd)), closedOnExec(std::move(writeEnd))};
@@ -43,8 +45,9 @@ ssize_t writeWithoutSignal(int descriptor, std::string_view bytes) {
 
 void leaveOpenStandardStreamsOnly() {
     const int limit = ::getdtablesize();
-    for (int descriptor = firstFreeDescriptor; descriptor < limit; ++descriptor)
+    for (int descriptor = firstFreeDescriptor; descriptor < limit; ++descriptor) {
         ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+    }
 }
 
 } // namespace vellmark

@@ -15,8 +15,9 @@ namespace {
 std::optional<proc_bsdinfo> recordOf(pid_t pid) {
     proc_bsdinfo record{};
     const int size = ::proc_pidinfo(pid, PROC_PIDTBSDINFO, 0, &record, sizeof record);
-    if (size != static_cast<int>(sizeof record))
+    if (size != static_cast<int>(sizeof record)) {
         return std::nullopt;
+    }
     return record;
 }
 
@@ -26,8 +27,9 @@ std::optional<std::vector<pid_t>> listed(int (*list)(pid_t, void*, int), pid_t n
     for (;;) {
         const int bytes = static_cast<int>(processes.size() * sizeof(pid_t));
         const int count = list(number, processes.data(), bytes);
-        if (count < 0)
+        if (count < 0) {
             return std::nullopt;
+        }
         if (static_cast<std::size_t>(count) < processes.size()) {
             processes.resize(static_cast<std::size_t>(count));
             break;
@@ -89,24 +91,27 @@ ProcessHandle::~ProcessHandle() = default;
 
 std::optional<ProcessHandle> ProcessHandle::open(pid_t pid) {
     const auto record = recordOf(pid);
-    if (!record)
+    if (!record) {
         return std::nullopt;
+    }
     return ProcessHandle(std::make_unique<Identity>(
         Identity{pid, record->pbi_start_tvsec, record->pbi_start_tvusec}));
 }
 
 std::optional<ProcessHandle> ProcessHandle::openChild(pid_t pid, pid_t parent) {
     const auto record = recordOf(pid);
-    if (!record || record->pbi_ppid != static_cast<std::uint32_t>(parent))
+    if (!record || record->pbi_ppid != static_cast<std::uint32_t>(parent)) {
         return std::nullopt;
+    }
     return ProcessHandle(std::make_unique<Identity>(
         Identity{pid, record->pbi_start_tvsec, record->pbi_start_tvusec}));
 }
 
 std::optional<ProcessHandle> ProcessHandle::openBegunBy(pid_t pid, ProcessTime time) {
     const auto record = recordOf(pid);
-    if (!record || microseconds(record->pbi_start_tvsec, record->pbi_start_tvusec) > time)
+    if (!record || microseconds(record->pbi_start_tvsec, record->pbi_start_tvusec) > time) {
         return std::nullopt;
+    }
     return ProcessHandle(std::make_unique<Identity>(
         Identity{pid, record->pbi_start_tvsec, record->pbi_start_tvusec}));
 }

@@ -54,12 +54,14 @@ bool lockFile(Descriptor& lock, const std::filesystem::path& directory) {
 /// Null when no other process of this bundle runs, or this one has none (run from a build tree).
 NSRunningApplication* runningInstance() {
     NSString* const identifier = [[NSBundle mainBundle] bundleIdentifier];
-    if (identifier == nil)
+    if (identifier == nil) {
         return nil;
+    }
     for (NSRunningApplication* each in
          [NSRunningApplication runningApplicationsWithBundleIdentifier:identifier]) {
-        if ([each processIdentifier] != ::getpid())
+        if ([each processIdentifier] != ::getpid()) {
             return each;
+        }
     }
     return nil;
 }
@@ -97,8 +99,9 @@ private:
 std::unique_ptr<SingleInstance> claimSingleInstance(DescriptorWatcher& /*loop*/,
                                                     SingleInstanceRequest request) {
     Descriptor lock;
-    if (lockFile(lock, request.directory))
+    if (lockFile(lock, request.directory)) {
         return std::make_unique<OnlyInstance>(std::move(lock), request);
+    }
     [runningInstance() activateWithOptions:0];
     [[NSDistributedNotificationCenter defaultCenter] postNotificationName:showNotification(request)
                                                                    object:nil];

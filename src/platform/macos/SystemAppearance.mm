@@ -68,13 +68,15 @@ private:
 
 void setApplicationAppearance(ColorScheme scheme) {
     NSAppearance* wanted = nil;
-    if (scheme != ColorScheme::noPreference)
+    if (scheme != ColorScheme::noPreference) {
         wanted =
             [NSAppearance appearanceNamed:scheme == ColorScheme::dark ? NSAppearanceNameDarkAqua
                                                                       : NSAppearanceNameAqua];
+    }
     // Setting it tells all observers, also when it is the same.
-    if ([NSApp appearance] != wanted)
+    if ([NSApp appearance] != wanted) {
         [NSApp setAppearance:wanted];
+    }
 }
 
 std::unique_ptr<SystemAppearance> observeSystemAppearance(DescriptorWatcher& /*loop*/,

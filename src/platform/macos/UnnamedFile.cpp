@@ -10,8 +10,9 @@ namespace vellmark {
 Descriptor openUnnamedFile(const std::filesystem::path& directory) {
     std::string path = (directory / ".vellmark-XXXXXX").string();
     Descriptor file(::mkostemp(path.data(), O_APPEND | O_CLOEXEC));
-    if (file.isOpen())
+    if (file.isOpen()) {
         ::unlink(path.c_str());
+    }
     return file;
 }
 

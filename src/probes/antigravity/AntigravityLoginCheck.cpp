@@ -1,7 +1,7 @@
 #include "probes/antigravity/AntigravityLoginCheck.h"
 
 #include "platform/UntrustedFile.h"
-#include "probes/ChildEnvironment.h"
+#include "process/ChildEnvironment.h"
 #include "text/BoundedJSON.h"
 
 #include <nlohmann/json.hpp>

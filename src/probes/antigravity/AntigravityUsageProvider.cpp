@@ -3,15 +3,15 @@
 #include "platform/PrivateDirectory.h"
 #include "platform/UntrustedFile.h"
 #include "probes/AgentWorkspace.h"
-#include "probes/BoundedProcess.h"
-#include "probes/ChildEnvironment.h"
 #include "probes/ExecutableLocator.h"
-#include "probes/PrivateTemporaryDirectory.h"
-#include "probes/PrivateTemporaryFile.h"
 #include "probes/ToolVersion.h"
 #include "probes/VersionNumber.h"
 #include "probes/antigravity/AntigravityLoginCheck.h"
 #include "probes/antigravity/AntigravityReading.h"
+#include "process/BoundedProcess.h"
+#include "process/ChildEnvironment.h"
+#include "process/PrivateTemporaryDirectory.h"
+#include "process/PrivateTemporaryFile.h"
 
 #include <system_error>
 #include <utility>

@@ -1,8 +1,8 @@
 #include "probes/claude/ClaudeLoginCheck.h"
 
 #include "probes/AgentWorkspace.h"
-#include "probes/BoundedProcess.h"
-#include "probes/ChildEnvironment.h"
+#include "process/BoundedProcess.h"
+#include "process/ChildEnvironment.h"
 #include "text/BoundedJSON.h"
 
 #include <nlohmann/json.hpp>

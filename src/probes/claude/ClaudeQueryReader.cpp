@@ -1,8 +1,8 @@
 #include "probes/claude/ClaudeQueryReader.h"
 
 #include "model/UUID.h"
-#include "probes/BoundedProcess.h"
-#include "probes/ChildEnvironment.h"
+#include "process/BoundedProcess.h"
+#include "process/ChildEnvironment.h"
 #include "text/TerminalText.h"
 
 #include <algorithm>

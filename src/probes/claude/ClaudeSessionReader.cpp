@@ -1,8 +1,8 @@
 #include "probes/claude/ClaudeSessionReader.h"
 
-#include "probes/ChildEnvironment.h"
 #include "probes/claude/ClaudeDiagnostics.h"
 #include "probes/claude/ClaudeModelWindow.h"
+#include "process/ChildEnvironment.h"
 
 #include <algorithm>
 #include <system_error>

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "platform/Machine.h"
-#include "probes/BoundedProcess.h"
-#include "probes/PrivateTemporaryFile.h"
-#include "probes/claude/ClaudeSession.h"
+#include "probes/claude/ClaudeSessionInterpretation.h"
 #include "probes/claude/ClaudeSessionScript.h"
 #include "probes/claude/ModelWindowMemory.h"
+#include "process/BoundedProcess.h"
+#include "process/PrivateTemporaryFile.h"
 #include "text/Instant.h"
 
 #include <chrono>

@@ -1,8 +1,8 @@
 #include "probes/codex/CodexUsageProvider.h"
 
 #include "probes/ExecutableLocator.h"
+#include "probes/codex/CodexConversation.h"
 #include "probes/codex/CodexMessages.h"
-#include "probes/codex/CodexSession.h"
 
 #include <memory>
 
@@ -10,14 +10,14 @@ namespace vellmark {
 
 namespace {
 
-std::unique_ptr<CodexSession> launch(const Machine& machine) {
+std::unique_ptr<CodexConversation> launch(const Machine& machine) {
     const auto executable = locateCodex(machine);
     if (!executable) {
         throw UsageProviderError::executableMissing("Codex CLI");
     }
     try {
-        return std::make_unique<CodexSession>(machine, *executable,
-                                              ChildSession::ErrorStream::pipe);
+        return std::make_unique<CodexConversation>(machine, *executable,
+                                                   ChildSession::ErrorStream::pipe);
     } catch (const std::filesystem::filesystem_error& error) {
         throw UsageProviderError::launchFailed("Codex", machine.abbreviated(error.path1()) + ": " +
                                                             error.code().message());

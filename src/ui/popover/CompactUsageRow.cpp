@@ -2,7 +2,7 @@
 
 #include "ui/Conversions.h"
 #include "ui/ForecastLine.h"
-#include "ui/UsageBar.h"
+#include "ui/UsageProgressBar.h"
 #include "ui/kit/FigureText.h"
 #include "ui/kit/Label.h"
 #include "ui/kit/Track.h"
@@ -45,7 +45,7 @@ void RowColumns::include(const UsageRowContent& row) {
 
 CompactUsageRow::CompactUsageRow(QWidget* parent)
     : QWidget(parent), label_(new kit::Label(kit::style::row, kit::ColorRole::ink, this)),
-      bar_(new UsageBar(barHeight, this)),
+      bar_(new UsageProgressBar(barHeight, this)),
       value_(new kit::Label(kit::style::value, kit::ColorRole::ink, this)),
       reset_(new kit::Label(kit::style::small, kit::ColorRole::ink2, this)),
       forecast_(new ForecastLine(this)) {

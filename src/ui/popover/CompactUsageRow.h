@@ -10,7 +10,7 @@ namespace kit {
 class Label;
 }
 class ForecastLine;
-class UsageBar;
+class UsageProgressBar;
 
 /// The widths that all rows of the overview share, in points.
 struct RowColumns {
@@ -40,7 +40,7 @@ private:
     RowColumns columns_;
     bool isUsedUp_ = false;
     kit::Label* label_;
-    UsageBar* bar_;
+    UsageProgressBar* bar_;
     kit::Label* value_;
     kit::Label* reset_;
     ForecastLine* forecast_;

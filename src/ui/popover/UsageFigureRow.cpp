@@ -1,7 +1,7 @@
 #include "ui/popover/UsageFigureRow.h"
 
 #include "ui/ForecastLine.h"
-#include "ui/UsageBar.h"
+#include "ui/UsageProgressBar.h"
 #include "ui/kit/FigureText.h"
 #include "ui/kit/Label.h"
 #include "ui/kit/Track.h"

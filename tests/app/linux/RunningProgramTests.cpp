@@ -90,8 +90,9 @@ TEST(RunningProgram, GivesBackWhatLongAnswersTook) {
     GTEST_SKIP() << "a sanitizer keeps what is freed";
 #endif
     AgentSandbox sandbox;
-    for (const char* agent : {"claude", "codex", "agy"})
+    for (const char* agent : {"claude", "codex", "agy"}) {
         sandbox.play(agent, "huge"); // 20 MB each
+    }
     const UnseenProgram program(sandbox);
     ASSERT_TRUE(
         becomesTrue([&] { return program.log().find("Refresh finished") != std::string::npos; },

@@ -16,8 +16,9 @@ TEST(WithoutDisplay, TheProgramSaysSoAndEnds) {
         std::FILE* output = ::popen(command.c_str(), "r");
         ASSERT_TRUE(output);
         std::string text;
-        for (int byte = std::fgetc(output); byte != EOF; byte = std::fgetc(output))
+        for (int byte = std::fgetc(output); byte != EOF; byte = std::fgetc(output)) {
             text += static_cast<char>(byte);
+        }
         const int status = ::pclose(output);
         EXPECT_TRUE(WIFEXITED(status)) << text;
         EXPECT_EQ(WEXITSTATUS(status), 1) << text;

@@ -44,8 +44,9 @@ public:
             ::_exit(127);
         }
         (void)becomesTrue([this] {
-            if (::waitpid(pid_, nullptr, WNOHANG) == pid_)
+            if (::waitpid(pid_, nullptr, WNOHANG) == pid_) {
                 pid_ = -1;
+            }
             return !isInstalled() || isListening();
         });
     }
@@ -85,14 +86,17 @@ private:
 class BusTest : public testing::Test {
 protected:
     void SetUp() override {
-        if (!bus_->isInstalled())
+        if (!bus_->isInstalled()) {
             GTEST_SKIP() << "dbus-daemon is not installed";
-        for (const char* name : variables)
+        }
+        for (const char* name : variables) {
             ::setenv(name, bus_->address().c_str(), 1);
+        }
     }
     void TearDown() override {
-        for (const char* name : variables)
+        for (const char* name : variables) {
             ::unsetenv(name);
+        }
     }
 
     std::optional<PrivateBus> bus_{std::in_place};

@@ -21,8 +21,9 @@ protected:
         ::setenv("DBUS_SESSION_BUS_ADDRESS",
                  GetParam() ? bus_.emplace().address().c_str() : "unix:path=/nonexistent", 1);
         // Forked before anything here knows a bus: a connection must not be used by two processes.
-        if (::pipe(order_) != 0)
+        if (::pipe(order_) != 0) {
             throw std::runtime_error("no pipe");
+        }
         launch_ = ::fork();
         if (launch_ == 0) {
             char go = 0;

@@ -27,8 +27,9 @@ class StatusNotifierItemTest : public BusTest {
 protected:
     void SetUp() override {
         BusTest::SetUp();
-        if (IsSkipped())
+        if (IsSkipped()) {
             return;
+        }
         item_ = StatusNotifierItem::create(
             loop_, "vellmark", "Vellmark",
             {.activate = [this](int x, int y) { activated_.emplace_back(x, y); },
@@ -54,8 +55,9 @@ protected:
         });
         EXPECT_TRUE(loop_.turnUntil([&] { return isDone.load(); }));
         panel.join();
-        if (failure)
+        if (failure) {
             std::rethrow_exception(failure);
+        }
     }
 
     template<typename Value>

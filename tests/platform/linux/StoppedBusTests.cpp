@@ -70,8 +70,9 @@ TEST_F(StoppedBusTest, DoesNotHoldUpAnItemThatHasMuchToTell) {
     bus_->stop();
     const auto start = Clock::now();
     // More than the system takes for a reader that does not read.
-    for (int change = 0; change < 40000; ++change)
+    for (int change = 0; change < 40000; ++change) {
         item->setToolTip(std::to_string(change));
+    }
     item.reset();
     EXPECT_LT(Clock::now() - start, patience);
 }

@@ -27,8 +27,9 @@ public:
             .implementedAs([this](const std::string& space, const std::string& key) {
                 const std::lock_guard hold(lock_);
                 const auto found = settings_.find({space, key});
-                if (found == settings_.end())
+                if (found == settings_.end()) {
                     throw sdbus::Error("org.freedesktop.portal.Error.NotFound", "no such setting");
+                }
                 // Wrapped once more, as the real one does.
                 return sdbus::Variant(found->second);
             });

@@ -6,7 +6,7 @@
 namespace vellmark::tests {
 namespace {
 
-TEST(ClaudeDiagnostics, keepThePageWithoutThePerson) {
+TEST(ClaudeDiagnostics, KeepThePageWithoutThePerson) {
     const std::pair<const char*, const char*> cases[] = {
         {"  Email: name@example.org\r\n", "Email: <redacted>"},
         {"ORGANIZATION: Example Ltd", "Organization: <redacted>"},
@@ -26,7 +26,7 @@ TEST(ClaudeDiagnostics, keepThePageWithoutThePerson) {
     }
 }
 
-TEST(ClaudeDiagnostics, keepTheLastCharacters) {
+TEST(ClaudeDiagnostics, KeepTheLastCharacters) {
     std::string screen = "the beginning\n";
     for (int line = 0; line < 20000; ++line) {
         screen += "ü line " + std::to_string(line) + "\n";
@@ -37,7 +37,7 @@ TEST(ClaudeDiagnostics, keepTheLastCharacters) {
     EXPECT_LT(kept.size(), 13500u);
 }
 
-TEST(ClaudeDiagnostics, areReadableByTheOwnerAlone) {
+TEST(ClaudeDiagnostics, AreReadableByTheOwnerAlone) {
     const TemporaryDirectory directory;
     const auto file = writeClaudeDiagnostics("Email: a@b.ch\nx", "/home/someone",
                                              directory / "Vellmark/Diagnostics", "last.txt");

@@ -45,7 +45,7 @@ std::string told(const AgentUsageSnapshot& snapshot) {
 
 // What the real CLI answered to made-up figures: the true ones stand in the expectations.
 
-TEST(ClaudeQuery, readsTheTrueFiguresOfARecordedAnswer) {
+TEST(ClaudeQuery, ReadsTheTrueFiguresOfARecordedAnswer) {
     struct Case {
         const char* file;
         const char* version;
@@ -100,7 +100,7 @@ TEST(ClaudeQuery, readsTheTrueFiguresOfARecordedAnswer) {
     EXPECT_EQ(credits[0], (BalanceInfo{extraUsageBalanceID, 34.6, "USD", 50.0}));
 }
 
-TEST(ClaudeQuery, callsNothingLiveThatTheCLIHadKept) {
+TEST(ClaudeQuery, CallsNothingLiveThatTheCLIHadKept) {
     for (const char* file : {"query-429.jsonl", "query-429-hour.jsonl", "query-rows-absent.jsonl",
                              "query-2.1.290-429.jsonl", "query-2.1.282-429.jsonl"}) {
         SCOPED_TRACE(file);
@@ -126,7 +126,7 @@ TEST(ClaudeQuery, callsNothingLiveThatTheCLIHadKept) {
     EXPECT_TRUE(reading(recording("query-2.1.169.jsonl"), {}, "2.1.169").notes.empty());
 }
 
-TEST(ClaudeQuery, saysExactlyWhyThereAreNoFigures) {
+TEST(ClaudeQuery, SaysExactlyWhyThereAreNoFigures) {
     const ClaudeLogin member{.isLoggedIn = true};
     const ClaudeLogin byKey{.isLoggedIn = true, .usesAPIKey = true};
     struct Case {
@@ -157,7 +157,7 @@ TEST(ClaudeQuery, saysExactlyWhyThereAreNoFigures) {
     }
 }
 
-TEST(ClaudeQuery, countsOnlyTheAnswerToItsOwnRequest) {
+TEST(ClaudeQuery, CountsOnlyTheAnswerToItsOwnRequest) {
     using Reply = ClaudeQueryReply::Kind;
     const auto kind = [](const std::string& output) {
         return parseClaudeQueryReply(output, "r1").kind;
@@ -183,7 +183,7 @@ TEST(ClaudeQuery, countsOnlyTheAnswerToItsOwnRequest) {
     EXPECT_NE(claudeQueryRequest("r1").find("\"skip_behaviors\":true"), std::string::npos);
 }
 
-TEST(ClaudeQuery, takesWhatItCanOfAnAnswerOfAnotherShape) {
+TEST(ClaudeQuery, TakesWhatItCanOfAnAnswerOfAnotherShape) {
     const auto windows = [](const std::string& limits) {
         return told(reading(R"({"type":"control_response","response":{"subtype":"success",)"
                             R"("request_id":"r1","response":{"rate_limits":)" +
@@ -210,7 +210,7 @@ TEST(ClaudeQuery, takesWhatItCanOfAnAnswerOfAnotherShape) {
     EXPECT_EQ(bounded.answer.windows.size(), 50u);
 }
 
-TEST(ClaudeLogin, isReadFromTheCLIsStatus) {
+TEST(ClaudeLogin, IsReadFromTheCLIsStatus) {
     struct Case {
         const char* file;
         ClaudeLogin login;

@@ -2,7 +2,7 @@
 // made-up figures. The expected figures are the service's, percentages and minutes rounded down as
 // the CLI does.
 
-#include "probes/claude/ClaudeSession.h"
+#include "probes/claude/ClaudeSessionInterpretation.h"
 #include "probes/claude/ClaudeUsageParser.h"
 #include "support/ProjectDirectories.h"
 #include "support/TemporaryDirectory.h"
@@ -173,7 +173,7 @@ std::string capture(const std::string& name) {
 
 class ClaudeRecording : public testing::TestWithParam<Recording> {};
 
-TEST_P(ClaudeRecording, isTheServicesFiguresOrSaysWhyNot) {
+TEST_P(ClaudeRecording, IsTheServicesFiguresOrSaysWhyNot) {
     const Recording& recording = GetParam();
     const Instant now = second(recording.recorded);
     const ClaudeScreen screen(capture(recording.name));
@@ -215,7 +215,7 @@ std::string testName(const testing::TestParamInfo<Recording>& recording) {
 INSTANTIATE_TEST_SUITE_P(, ClaudeRecording, testing::ValuesIn(recordings), testName);
 
 // Recorded with another zone than the probe's sessions have: only the figures can be right.
-TEST(ClaudeRecordings, areReadWithoutTheirZone) {
+TEST(ClaudeRecordings, AreReadWithoutTheirZone) {
     const ClaudeScreen screen(capture("los-angeles"));
     const auto snapshot = interpretClaudeSession(screen, {20, false}, second("03:19:19"));
     ASSERT_EQ(snapshot.windows.size(), 3u);
@@ -225,7 +225,7 @@ TEST(ClaudeRecordings, areReadWithoutTheirZone) {
     EXPECT_EQ(snapshot.windows[2].usedPercent, 58);
 }
 
-TEST(ClaudeRecordings, tellWhyFiguresAreNotNew) {
+TEST(ClaudeRecordings, TellWhyFiguresAreNotNew) {
     const struct {
         const char* name;
         std::optional<ClaudeUsageParser::Staleness> expected;
@@ -243,7 +243,7 @@ TEST(ClaudeRecordings, tellWhyFiguresAreNotNew) {
     }
 }
 
-TEST(ClaudeRecordings, tellWhetherCreditsAreOff) {
+TEST(ClaudeRecordings, TellWhetherCreditsAreOff) {
     for (const Recording& recording : recordings) {
         const bool areOff =
             recording.name == "credits-off" || recording.name == "pro" || recording.name == "zero";
@@ -253,7 +253,7 @@ TEST(ClaudeRecordings, tellWhetherCreditsAreOff) {
 }
 
 // Cut off anywhere, a page has true figures or none: a percentage is drawn below its heading.
-TEST(ClaudeRecordings, neverMixDrawings) {
+TEST(ClaudeRecordings, NeverMixDrawings) {
     const std::string whole = capture("changed-unprobed");
     const Instant now = second("03:19:52");
     const std::vector<UsageWindow> before = usual("05:49", "11-26T18:26");

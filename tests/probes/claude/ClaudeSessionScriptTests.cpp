@@ -7,12 +7,12 @@
 namespace vellmark::tests {
 namespace {
 
-TEST(ClaudeSessionScript, isTheTextThatTheCLIWasTriedWith) {
+TEST(ClaudeSessionScript, IsTheTextThatTheCLIWasTriedWith) {
     EXPECT_EQ(claudeSessionScript(),
               contentOf(sourceFile("tests/probes/claude/data/session-script.exp")));
 }
 
-TEST(ClaudeSessionScript, takesEveryWaitFromTheTimings) {
+TEST(ClaudeSessionScript, TakesEveryWaitFromTheTimings) {
     const ClaudeSessionTimings timings{101, 102, 103, 104, 105, 106, 107,
                                        108, 109, 110, 111, 112, 113};
     const std::string script = claudeSessionScript(timings);

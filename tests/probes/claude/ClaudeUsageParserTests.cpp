@@ -22,7 +22,7 @@ Instant zurich(int year, int month, int day, int hour, int minute = 0, int secon
 
 const Instant morning = zurich(2025, 11, 20, 10);
 
-TEST(ClaudeUsageParser, readsTheWindowsOffTheScreen) {
+TEST(ClaudeUsageParser, ReadsTheWindowsOffTheScreen) {
     const std::pair<std::string, UsageWindow> cases[] = {
         {"Current session\n█████▌ 11% used\nResets 3pm (Europe/Zurich)\n",
          {"session", 11, 300, zurich(2025, 11, 20, 15)}},
@@ -51,7 +51,7 @@ TEST(ClaudeUsageParser, readsTheWindowsOffTheScreen) {
     }
 }
 
-TEST(ClaudeUsageParser, endsABlockAtTheNextHeading) {
+TEST(ClaudeUsageParser, EndsABlockAtTheNextHeading) {
     const ClaudeScreen screen("Current session\n0% used\nCurrent week (all models)\n3% used\n"
                               "Resets 3pm\nCurrent week (Fable)\nUsage credits\n9% used\n"
                               "Current week (Opus)\nExtra usage\n8% used\n");
@@ -60,7 +60,7 @@ TEST(ClaudeUsageParser, endsABlockAtTheNextHeading) {
     EXPECT_EQ(parseUsage(screen, morning).windows, expected);
 }
 
-TEST(ClaudeUsageParser, readsTheWindowsOfFurtherModelsInThePagesOrder) {
+TEST(ClaudeUsageParser, ReadsTheWindowsOfFurtherModelsInThePagesOrder) {
     const ClaudeScreen screen("Current week (Opus)\n1% used\nCurrent week (Sonnet 5)\n2% used\n"
                               "Current week (Opus)\n3% used\nCurrent week (Fable)\n4% used\n"
                               "Current week (…)\n5% used\nCurrent week (Haiku) so far\n6% used\n"
@@ -78,7 +78,7 @@ TEST(ClaudeUsageParser, readsTheWindowsOfFurtherModelsInThePagesOrder) {
     EXPECT_LE(parseUsage(ClaudeScreen(many), morning).windows.size(), 20u);
 }
 
-TEST(ClaudeUsageParser, namesTheWindowsOfModels) {
+TEST(ClaudeUsageParser, NamesTheWindowsOfModels) {
     const std::pair<const char*, std::optional<std::string>> cases[] = {
         {"Opus", "opus-weekly"},
         {" Sonnet only ", "sonnet-weekly"},
@@ -94,7 +94,7 @@ TEST(ClaudeUsageParser, namesTheWindowsOfModels) {
     }
 }
 
-TEST(ClaudeUsageParser, tellsHowOldFiguresAre) {
+TEST(ClaudeUsageParser, TellsHowOldFiguresAre) {
     const std::pair<const char*, std::optional<Seconds>> cases[] = {
         {"Showing last-known usage as of 45s ago", Seconds(45)},
         {"Showing last-known usage as of 12m ago (couldn't refresh)", Seconds(720)},
@@ -118,7 +118,7 @@ TEST(ClaudeUsageParser, tellsHowOldFiguresAre) {
     EXPECT_FALSE(staleness(ClaudeScreen(page + "Usage refreshed\n")));
 }
 
-TEST(ClaudeUsageParser, quotesALimitThatIsHit) {
+TEST(ClaudeUsageParser, QuotesALimitThatIsHit) {
     const std::pair<const char*, std::optional<std::string>> cases[] = {
         {"! You've hit your session limit · resets 4am", "You've hit your session limit"},
         {"You’ve hit your limit.", "You’ve hit your limit"},
@@ -130,7 +130,7 @@ TEST(ClaudeUsageParser, quotesALimitThatIsHit) {
     }
 }
 
-TEST(ClaudeUsageParser, givesNoQuotasWithoutAnyWindow) {
+TEST(ClaudeUsageParser, GivesNoQuotasWithoutAnyWindow) {
     for (const std::string& capture :
          {std::string(), std::string("Current week (all models)\nResets Jan 2 at 1am\n"),
           std::string("Current session (5 hours)\n11% used\n"),
@@ -146,7 +146,7 @@ TEST(ClaudeUsageParser, givesNoQuotasWithoutAnyWindow) {
     }
 }
 
-TEST(ClaudeUsageParser, readsResetTimesAsZurichTime) {
+TEST(ClaudeUsageParser, ReadsResetTimesAsZurichTime) {
     const struct {
         const char* line;
         Instant now;
@@ -182,7 +182,7 @@ TEST(ClaudeUsageParser, readsResetTimesAsZurichTime) {
     }
 }
 
-TEST(ClaudeUsageParser, readsAccountPlanAndCredits) {
+TEST(ClaudeUsageParser, ReadsAccountPlanAndCredits) {
     const ClaudeScreen screen(
         "Login method: Claude Max Account \r\nEmail:  name@example.org (me)\r\n"
         "Current session\r\n11% used\r\n"
@@ -196,7 +196,7 @@ TEST(ClaudeUsageParser, readsAccountPlanAndCredits) {
     EXPECT_EQ(snapshot.updatedAt, morning);
 }
 
-TEST(ClaudeUsageParser, leavesOutWhatThePageDoesNotShow) {
+TEST(ClaudeUsageParser, LeavesOutWhatThePageDoesNotShow) {
     const ClaudeScreen screen("Login method: API key\nCurrent session\n11% used\nspent\n");
     const AgentUsageSnapshot snapshot = parseUsage(screen, morning);
     EXPECT_EQ(snapshot.accountLabel, std::nullopt);
@@ -204,7 +204,7 @@ TEST(ClaudeUsageParser, leavesOutWhatThePageDoesNotShow) {
     EXPECT_EQ(snapshot.credit, std::nullopt);
 }
 
-TEST(ClaudeUsageParser, findsThePageErrorThatIsFirstInItsList) {
+TEST(ClaudeUsageParser, FindsThePageErrorThatIsFirstInItsList) {
     const std::pair<const char*, std::optional<std::string>> cases[] = {
         {"Failed to load usage data · Esc to retry\n", "Esc to retry"},
         {"couldn't LOAD usage\nfailed to fetch usage\n", "Failed to fetch usage"},
@@ -219,7 +219,7 @@ TEST(ClaudeUsageParser, findsThePageErrorThatIsFirstInItsList) {
     }
 }
 
-TEST(ClaudeUsageParser, looksAtThePagesLastLine) {
+TEST(ClaudeUsageParser, LooksAtThePagesLastLine) {
     const struct {
         const char* capture;
         bool isSpendLine;
@@ -242,7 +242,7 @@ TEST(ClaudeUsageParser, looksAtThePagesLastLine) {
     }
 }
 
-TEST(ClaudeUsageParser, readsTheTimingLine) {
+TEST(ClaudeUsageParser, ReadsTheTimingLine) {
     EXPECT_EQ(stamps(ClaudeScreen("page\r\n\r\nVELLMARK_TIMING 76 137 1959 3080\r\n")),
               (Stamps{76, 137, 1959, 3080}));
     for (const char* capture :
@@ -252,7 +252,7 @@ TEST(ClaudeUsageParser, readsTheTimingLine) {
     }
 }
 
-TEST(ClaudeUsageParser, standsASessionCutOffAtAnyByte) {
+TEST(ClaudeUsageParser, StandsASessionCutOffAtAnyByte) {
     const std::string session =
         contentOf(sourceFile("tests/probes/claude/data/usage-session.capture"));
     EXPECT_EQ(parseUsage(ClaudeScreen(session), morning).windows.size(), 3u);

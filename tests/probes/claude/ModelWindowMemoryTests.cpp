@@ -19,7 +19,7 @@ std::string sample(const std::string& provider, const std::string& window, doubl
            R"(,"usedPercent":12.5,"resetsAt":785100000})";
 }
 
-TEST(ModelWindowMemory, expectsTheWindowWhenTheHistoryHasSeenItWithinADay) {
+TEST(ModelWindowMemory, ExpectsTheWindowWhenTheHistoryHasSeenItWithinADay) {
     const std::string recent = sample("claude", "fable-weekly", 23);
     const std::pair<std::string, bool> cases[] = {
         {'[' + recent + "]", true},
@@ -40,7 +40,7 @@ TEST(ModelWindowMemory, expectsTheWindowWhenTheHistoryHasSeenItWithinADay) {
     }
 }
 
-TEST(ModelWindowMemory, remembersASightingWithoutAHistory) {
+TEST(ModelWindowMemory, RemembersASightingWithoutAHistory) {
     ModelWindowMemory memory(std::nullopt);
     EXPECT_FALSE(memory.shouldExpectModelWindow(now));
     memory.markSeen(now);
@@ -48,7 +48,7 @@ TEST(ModelWindowMemory, remembersASightingWithoutAHistory) {
     EXPECT_FALSE(memory.shouldExpectModelWindow(now + Seconds(86400)));
 }
 
-TEST(ModelWindowMemory, readsTheHistoryOnceAndKeepsTheLaterSighting) {
+TEST(ModelWindowMemory, ReadsTheHistoryOnceAndKeepsTheLaterSighting) {
     const TemporaryDirectory directory;
     const std::filesystem::path file = directory / "usage-history.json";
     ModelWindowMemory memory(file, now - Seconds(2 * hour));

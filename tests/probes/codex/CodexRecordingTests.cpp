@@ -108,7 +108,7 @@ AgentUsageSnapshot snapshotOf(const Reading& reading) {
 
 class CodexRecording : public testing::TestWithParam<Recording> {};
 
-TEST_P(CodexRecording, isReadAsWhatItWas) {
+TEST_P(CodexRecording, IsReadAsWhatItWas) {
     const Recording& recording = GetParam();
     const std::string output =
         contentOf(sourceFile(std::string("tests/probes/codex/data/") + recording.file + ".jsonl"));

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "process/ProcessFamily.h"
+#include "text/Instant.h"
+
+#include <chrono>
+#include <sys/types.h>
+#include <vector>
+
+namespace vellmark {
+
+/// The wall-clock limit of one child: its family is told to stop at the soft stop and killed
+/// `killGrace` later. One thread fires the limits of all children; a soft stop that is due already
+/// fires within the constructor.
+///
+/// The child must stay uncollected until `cancel` or the destructor has returned; from then on
+/// nobody is signalled any more. Who wants the family to be killed after the child has ended keeps
+/// both until `hasSurvivors` is false.
+class ChildLimit {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    ChildLimit(pid_t child, Seconds untilSoftStop, Seconds killGrace);
+    ~ChildLimit();
+    ChildLimit(const ChildLimit&) = delete;
+    ChildLimit& operator=(const ChildLimit&) = delete;
+
+    /// The soft stop now, if it has not been. Does not count as having found the child running when
+    /// the limit expired.
+    void stop();
+    /// Once the child has ended: those of `processes` that still live are told to stop and killed
+    /// after the grace.
+    void stopLeftBehind(std::vector<ProcessHandle> processes);
+
+    /// Once the child has ended: whether someone who was told to stop lives and will be killed. A
+    /// limit that has not told anybody does not any more.
+    bool hasSurvivors();
+    /// True when the soft stop has found the child running.
+    bool hasTimedOut();
+    void cancel();
+
+    /// Takes over every process that was told to stop and has not been killed yet; who has them
+    /// ends them (the program is ending).
+    static std::vector<ProcessHandle> takeTold();
+
+private:
+    friend class StopThread;
+    enum class Stage { running, told, done };
+
+    Clock::time_point due() const { return stage_ == Stage::running ? softStop_ : hardStop_; }
+    void fire();
+    void tell();
+
+    pid_t child_;
+    Clock::duration grace_;
+    Clock::time_point softStop_;
+    Clock::time_point hardStop_;
+    Stage stage_ = Stage::running;
+    bool timedOut_ = false;
+    ProcessFamily family_;
+};
+
+} // namespace vellmark
