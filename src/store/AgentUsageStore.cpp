@@ -99,7 +99,7 @@ AgentUsageStore::State::State(Configuration configuration, MainExecutor& mainExe
                  },
              .trouble = [this](StoreFiles::File file,
                                const StorageTrouble::News& news) { noteTrouble(file, news); }}),
-      fetcher(mainExecutor) {
+      fetcher(mainExecutor, config.machine.home.string()) {
     for (const ProviderRegistration& registration : config.registrations) {
         const ProviderDescriptor& descriptor = registration.descriptor;
         ReadingOptions options = settings.readingOptions(descriptor);

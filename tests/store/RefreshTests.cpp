@@ -93,6 +93,21 @@ TEST_F(Refresh, WhateverAProbeThrowsBecomesAnError) {
     EXPECT_EQ(source(antigravity), SnapshotSource::live);
 }
 
+// Whatever an agent lets slip: nothing of it is shown, nor kept in the log or with the readings.
+TEST_F(Refresh, NoFailureCarriesASecret) {
+    makeStore();
+    const std::string secret = "Authorization: Bearer abc123 of ada@example.org in /home/berta/x";
+    codex->fails(UsageProviderError::codexReadFailed(secret));
+    claude->fails(UsageProviderError::claudeReadFailed(1, secret));
+    antigravity->answers([&]() -> AgentUsageSnapshot { throw std::runtime_error(secret); });
+    refresh(RefreshTrigger::launch);
+    const std::string redacted = "Authorization: Bearer <redacted> of …@… in ~/x";
+    for (const auto& agent : {codex, claude, antigravity}) {
+        ASSERT_TRUE(snapshot(agent)->error);
+        EXPECT_EQ(snapshot(agent)->error->texts().at(0), redacted) << agent->id().rawValue;
+    }
+}
+
 TEST_F(Refresh, ARequestDuringARefreshIsMergedIntoIt) {
     makeStore();
     for (const auto& agent : {codex, claude, antigravity}) {
