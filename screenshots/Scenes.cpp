@@ -2,6 +2,7 @@
 
 #include "presentation/MainWindowContent.h"
 #include "presentation/PopoverContent.h"
+#include "screenshots/ChartSheet.h"
 #include "screenshots/KitSheet.h"
 #include "screenshots/SampleStates.h"
 #include "ui/AboutWindow.h"
@@ -118,6 +119,7 @@ QImage drawAbout(const std::string& language, double scale) {
 std::vector<Scene> allScenes() {
     return {
         {"kit", drawKit},
+        {"charts", drawChartSheet},
         {"about", drawAbout},
         popoverScene("overview", samples::normal),
         popoverScene("refreshing", samples::refreshing),
