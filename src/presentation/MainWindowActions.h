@@ -1,5 +1,6 @@
 #pragma once
 
+#include "presentation/AgentPageContent.h"
 #include "presentation/AgentUIActions.h"
 
 namespace vellmark {
@@ -9,6 +10,7 @@ namespace vellmark {
 struct MainWindowActions {
     AgentUIActions program;
     // provider
+    AgentPageActions agent;
 
     // history
 

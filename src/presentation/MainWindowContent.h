@@ -1,6 +1,7 @@
 #pragma once
 
 #include "presentation/AgentPage.h"
+#include "presentation/AgentPageContent.h"
 #include "presentation/OverviewPageContent.h"
 #include "presentation/PageHeadContent.h"
 #include "presentation/SidebarContent.h"
@@ -16,6 +17,7 @@ using PageContent = std::variant<
     // overview
     OverviewPageContent,
     // provider
+    AgentPageContent,
 
     // history
 

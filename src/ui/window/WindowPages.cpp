@@ -1,5 +1,6 @@
 #include "ui/window/WindowPages.h"
 
+#include "ui/window/AgentDetailPage.h"
 #include "ui/window/HeadOnlyPage.h"
 #include "ui/window/OverviewPage.h"
 
@@ -19,6 +20,7 @@ struct Giver {
     // overview
     void operator()(const OverviewPageContent& content) const { give<OverviewPage>(page, content); }
     // provider
+    void operator()(const AgentPageContent& content) const { give<AgentDetailPage>(page, content); }
 
     // history
 
@@ -39,7 +41,7 @@ WindowPage* makePage(AgentPage::Kind kind, const MainWindowActions& actions, QWi
     case Kind::overview:
         return new OverviewPage(actions.program, parent);
     case Kind::provider:
-        return new HeadOnlyPage(parent);
+        return new AgentDetailPage(actions.program, actions.agent, parent);
     case Kind::history:
         return new HeadOnlyPage(parent);
     case Kind::activity:
