@@ -1,6 +1,8 @@
 #pragma once
 
+#include "presentation/AboutPageActions.h"
 #include "presentation/AgentUIActions.h"
+#include "presentation/HelpPageActions.h"
 
 namespace vellmark {
 
@@ -17,8 +19,10 @@ struct MainWindowActions {
     // settings
 
     // help
+    HelpPageActions help;
 
     // about
+    AboutPageActions about;
 };
 
 } // namespace vellmark

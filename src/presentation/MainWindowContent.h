@@ -1,6 +1,8 @@
 #pragma once
 
+#include "presentation/AboutPageContent.h"
 #include "presentation/AgentPage.h"
+#include "presentation/HelpPageContent.h"
 #include "presentation/OverviewPageContent.h"
 #include "presentation/PageHeadContent.h"
 #include "presentation/SidebarContent.h"
@@ -24,8 +26,10 @@ using PageContent = std::variant<
     // settings
 
     // help
+    HelpPageContent,
 
     // about
+    AboutPageContent,
 
     PageHeadContent>;
 
