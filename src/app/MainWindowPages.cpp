@@ -1,5 +1,13 @@
 #include "app/MainWindowPages.h"
 
+#include "presentation/MainMenuContent.h"
+#include "ui/Conversions.h"
+
+#include <QClipboard>
+#include <QDesktopServices>
+#include <QGuiApplication>
+#include <QUrl>
+
 #include <algorithm>
 #include <string_view>
 #include <utility>
@@ -7,8 +15,18 @@
 namespace vellmark {
 
 namespace {
+
 constexpr std::string_view agentPageRangeKey = "AgentPageRange";
+
+void openURL(const std::string& url) {
+    QDesktopServices::openUrl(QUrl(qString(url)));
 }
+
+void copyText(const std::string& text) {
+    QGuiApplication::clipboard()->setText(qString(text));
+}
+
+} // namespace
 
 MainWindowPages::MainWindowPages(Sources sources)
     : sources_(std::move(sources)),
@@ -30,10 +48,52 @@ MainWindowActions MainWindowPages::actions() {
     // settings
 
     // help
-
+    actions.help = {.choose =
+                        [this](HelpSection section) {
+                            showHelp(section);
+                            sources_.update();
+                        },
+                    .search =
+                        [this](const std::string& query) {
+                            helpQuery_ = query;
+                            sources_.update();
+                        },
+                    .copy = copyText,
+                    .open = [this](HelpLink link) { openHelpLink(link); }};
     // about
-
+    actions.about = {.open = [this](AboutLink link) { openAboutLink(link); }, .openURL = openURL};
     return actions;
+}
+
+void MainWindowPages::showHelp(HelpSection section) {
+    helpSection_ = section;
+    helpQuery_.clear();
+}
+
+void MainWindowPages::openHelpLink(HelpLink link) {
+    switch (link) {
+    case HelpLink::supportPage:
+        return openURL(supportURL(sources_.language.words()));
+    case HelpLink::terms:
+        return sources_.actions.showLegal(LegalDocument::terms);
+    case HelpLink::privacy:
+        return sources_.actions.showLegal(LegalDocument::privacy);
+    case HelpLink::none:
+        return;
+    }
+}
+
+void MainWindowPages::openAboutLink(AboutLink link) {
+    switch (link) {
+    case AboutLink::website:
+        return openURL(websiteURL(sources_.language.words()));
+    case AboutLink::supportPage:
+        return openURL(supportURL(sources_.language.words()));
+    case AboutLink::terms:
+        return sources_.actions.showLegal(LegalDocument::terms);
+    case AboutLink::privacy:
+        return sources_.actions.showLegal(LegalDocument::privacy);
+    }
 }
 
 MainWindowContent MainWindowPages::content(const AgentPage& selection, Instant now) const {
@@ -61,9 +121,9 @@ PageContent MainWindowPages::contentOf(const AgentPage& page, Instant now) const
     case Kind::settings:
         return pageHead({"nav.settings", {}}, words);
     case Kind::help:
-        return pageHead({"nav.help", {}}, words);
+        return helpPageContent(helpSection_, helpQuery_, words);
     case Kind::about:
-        return pageHead({"nav.about", {}}, words);
+        return aboutPageContent(words);
     }
     return PageHeadContent();
 }

@@ -31,12 +31,16 @@ public:
 
     /// What the pages may ask for. Valid as long as this.
     MainWindowActions actions();
+    /// The section of the help to begin with.
+    void showHelp(HelpSection section);
     /// Whether the overview says that something is left to set up.
     void setAsksForSetup(bool asks) { asksForSetup_ = asks; }
     MainWindowContent content(const AgentPage& selection, Instant now) const;
 
 private:
     PageContent contentOf(const AgentPage& page, Instant now) const;
+    void openHelpLink(HelpLink link);
+    void openAboutLink(AboutLink link);
 
     Sources sources_;
     bool asksForSetup_ = false;
@@ -52,7 +56,8 @@ private:
     // settings
 
     // help
-
+    HelpSection helpSection_ = HelpSection::reading;
+    std::string helpQuery_;
     // about
 };
 

@@ -4,6 +4,7 @@
 #include "platform/ContinuousClock.h"
 #include "platform/InstanceIdentifier.h"
 #include "platform/UnusedMemory.h"
+#include "presentation/AboutPageContent.h"
 #include "presentation/LegalWindowContent.h"
 #include "presentation/PopoverContent.h"
 #include "process/BoundedProcess.h"
@@ -249,7 +250,7 @@ void VellmarkAppDelegate::observeLanguage() {
         mainWindow_.retitle();
         aboutWindow_.retitle();
         if (auto* about = dynamic_cast<AboutWindow*>(aboutWindow_.window())) {
-            about->setWords(words());
+            about->setContent(aboutPageContent(words()));
         }
         legalWindow_.retitle();
         updateLegalWindow();
@@ -437,7 +438,8 @@ std::unique_ptr<QWidget> VellmarkAppDelegate::makeMainWindow() {
 }
 
 std::unique_ptr<QWidget> VellmarkAppDelegate::makeAboutWindow() {
-    auto window = std::make_unique<AboutWindow>(words());
+    auto window = std::make_unique<AboutWindow>(pages_->actions().about);
+    window->setContent(aboutPageContent(words()));
     window->setWindowIcon(applicationIcon());
     mainMenu_.attach(*window);
     return window;
@@ -530,6 +532,7 @@ void VellmarkAppDelegate::saveActivityFromMenu() {
 }
 
 void VellmarkAppDelegate::showSupportReportFromMenu() {
+    pages_->showHelp(HelpSection::support);
     showPage(AgentPage::of(AgentPage::Kind::help));
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "presentation/AboutPageActions.h"
 #include "presentation/AgentPageContent.h"
 #include "presentation/AgentUIActions.h"
+#include "presentation/HelpPageActions.h"
 
 namespace vellmark {
 
@@ -19,8 +21,10 @@ struct MainWindowActions {
     // settings
 
     // help
+    HelpPageActions help;
 
     // about
+    AboutPageActions about;
 };
 
 } // namespace vellmark

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "presentation/AboutPageContent.h"
 #include "presentation/AgentPage.h"
 #include "presentation/AgentPageContent.h"
+#include "presentation/HelpPageContent.h"
 #include "presentation/OverviewPageContent.h"
 #include "presentation/PageHeadContent.h"
 #include "presentation/SidebarContent.h"
@@ -26,8 +28,10 @@ using PageContent = std::variant<
     // settings
 
     // help
+    HelpPageContent,
 
     // about
+    AboutPageContent,
 
     PageHeadContent>;
 

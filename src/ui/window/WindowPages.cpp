@@ -1,7 +1,9 @@
 #include "ui/window/WindowPages.h"
 
+#include "ui/window/AboutPage.h"
 #include "ui/window/AgentDetailPage.h"
 #include "ui/window/HeadOnlyPage.h"
+#include "ui/window/HelpPage.h"
 #include "ui/window/OverviewPage.h"
 
 namespace vellmark {
@@ -29,8 +31,9 @@ struct Giver {
     // settings
 
     // help
-
+    void operator()(const HelpPageContent& content) const { give<HelpPage>(page, content); }
     // about
+    void operator()(const AboutPageContent& content) const { give<AboutPage>(page, content); }
 };
 
 } // namespace
@@ -49,9 +52,9 @@ WindowPage* makePage(AgentPage::Kind kind, const MainWindowActions& actions, QWi
     case Kind::settings:
         return new HeadOnlyPage(parent);
     case Kind::help:
-        return new HeadOnlyPage(parent);
+        return new HelpPage(actions.help, parent);
     case Kind::about:
-        return new HeadOnlyPage(parent);
+        return new AboutPage(actions.about, parent);
     }
     return new HeadOnlyPage(parent);
 }
