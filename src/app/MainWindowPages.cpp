@@ -4,7 +4,9 @@
 
 namespace vellmark {
 
-MainWindowPages::MainWindowPages(Sources sources) : sources_(std::move(sources)) {}
+MainWindowPages::MainWindowPages(Sources sources)
+    : sources_(std::move(sources)),
+      activity_(std::make_shared<ActivityFeed>(sources_.store, sources_.update)) {}
 
 MainWindowActions MainWindowPages::actions() {
     MainWindowActions actions;
@@ -14,7 +16,11 @@ MainWindowActions MainWindowPages::actions() {
     // history
 
     // activity
-
+    actions.activity = {.save = sources_.saveActivity, .rest = [weak = std::weak_ptr(activity_)] {
+                            if (const auto feed = weak.lock()) {
+                                feed->rest();
+                            }
+                        }};
     // settings
 
     // help
@@ -45,7 +51,7 @@ PageContent MainWindowPages::contentOf(const AgentPage& page, Instant now) const
     case Kind::history:
         return pageHead({"nav.history", {}}, words);
     case Kind::activity:
-        return pageHead({"nav.activity", {}}, words);
+        return activityContent(now);
     case Kind::settings:
         return pageHead({"nav.settings", {}}, words);
     case Kind::help:
@@ -54,6 +60,13 @@ PageContent MainWindowPages::contentOf(const AgentPage& page, Instant now) const
         return pageHead({"nav.about", {}}, words);
     }
     return PageHeadContent();
+}
+
+ActivityPageContent MainWindowPages::activityContent(Instant now) const {
+    ActivityPageContent content =
+        activityPageContent(sources_.store.state(), now, sources_.language.words());
+    activity_->fill(content);
+    return content;
 }
 
 } // namespace vellmark

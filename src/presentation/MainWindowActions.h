@@ -1,5 +1,6 @@
 #pragma once
 
+#include "presentation/ActivityPageContent.h"
 #include "presentation/AgentUIActions.h"
 
 namespace vellmark {
@@ -13,7 +14,7 @@ struct MainWindowActions {
     // history
 
     // activity
-
+    ActivityPageActions activity;
     // settings
 
     // help

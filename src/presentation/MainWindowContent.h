@@ -1,5 +1,6 @@
 #pragma once
 
+#include "presentation/ActivityPageContent.h"
 #include "presentation/AgentPage.h"
 #include "presentation/OverviewPageContent.h"
 #include "presentation/PageHeadContent.h"
@@ -20,7 +21,7 @@ using PageContent = std::variant<
     // history
 
     // activity
-
+    ActivityPageContent,
     // settings
 
     // help
