@@ -23,7 +23,6 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QFileDialog>
-#include <QMessageBox>
 #include <QSaveFile>
 #include <QStandardPaths>
 #include <QUrl>
@@ -200,7 +199,8 @@ void VellmarkAppDelegate::createStatusItem() {
                                  .language = language_,
                                  .appearance = appearance_,
                                  .actions = actions_,
-                                 .update = [this] { updateMainWindow(); }});
+                                 .update = [this] { updateMainWindow(); },
+                                 .saveActivity = [this] { saveActivityFromMenu(); }});
     statusItem_ =
         makeStatusItem(loop_, *preferences_,
                        {.toggle = [this](const QRect& anchor) { togglePopoverAt(anchor); },
@@ -522,13 +522,12 @@ void VellmarkAppDelegate::saveActivityFromMenu() {
     const std::string text = store_->activityExportText(exportedActivityDays);
     QSaveFile file(path);
     const auto size = static_cast<qint64>(text.size());
-    if (!file.open(QIODevice::WriteOnly) || file.write(text.data(), size) != size ||
-        !file.commit()) {
-        QMessageBox::warning(
-            mainWindow_.window(), qString(words().text("app.name")),
-            qString(words().format("menu.saveActivity.failed",
-                                   {path.toStdString(), file.errorString().toStdString()})));
-    }
+    const bool isSaved =
+        file.open(QIODevice::WriteOnly) && file.write(text.data(), size) == size && file.commit();
+    pages_->activity().setTrouble(
+        isSaved ? std::string()
+                : words().format("menu.saveActivity.failed",
+                                 {path.toStdString(), file.errorString().toStdString()}));
 }
 
 void VellmarkAppDelegate::showSupportReportFromMenu() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "presentation/AboutPageActions.h"
+#include "presentation/ActivityPageContent.h"
 #include "presentation/AgentPageContent.h"
 #include "presentation/AgentUIActions.h"
 #include "presentation/HelpPageActions.h"
@@ -17,7 +18,7 @@ struct MainWindowActions {
     // history
 
     // activity
-
+    ActivityPageActions activity;
     // settings
 
     // help

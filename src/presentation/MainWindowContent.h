@@ -1,6 +1,7 @@
 #pragma once
 
 #include "presentation/AboutPageContent.h"
+#include "presentation/ActivityPageContent.h"
 #include "presentation/AgentPage.h"
 #include "presentation/AgentPageContent.h"
 #include "presentation/HelpPageContent.h"
@@ -24,7 +25,7 @@ using PageContent = std::variant<
     // history
 
     // activity
-
+    ActivityPageContent,
     // settings
 
     // help

@@ -1,6 +1,7 @@
 #include "ui/window/WindowPages.h"
 
 #include "ui/window/AboutPage.h"
+#include "ui/window/ActivityPage.h"
 #include "ui/window/AgentDetailPage.h"
 #include "ui/window/HeadOnlyPage.h"
 #include "ui/window/HelpPage.h"
@@ -27,7 +28,7 @@ struct Giver {
     // history
 
     // activity
-
+    void operator()(const ActivityPageContent& content) const { give<ActivityPage>(page, content); }
     // settings
 
     // help
@@ -48,7 +49,7 @@ WindowPage* makePage(AgentPage::Kind kind, const MainWindowActions& actions, QWi
     case Kind::history:
         return new HeadOnlyPage(parent);
     case Kind::activity:
-        return new HeadOnlyPage(parent);
+        return new ActivityPage(actions.activity, parent);
     case Kind::settings:
         return new HeadOnlyPage(parent);
     case Kind::help:
