@@ -15,6 +15,7 @@
 #include "presentation/AppLoops.h"
 #include "presentation/ClockJump.h"
 #include "presentation/LanguageManager.h"
+#include "presentation/LaunchAtLoginController.h"
 #include "presentation/LaunchSequence.h"
 #include "presentation/WindowPresenceController.h"
 #include "store/AgentUsageStore.h"
@@ -74,6 +75,8 @@ private:
     void configurePopover() override;
     void observeStore() override;
     void observeLanguage() override;
+    void setUpLaunchAtLogin() override;
+    void followMoveAtLogin() override;
     void startLaunchRefresh() override;
     void observeWake() override;
     void startLoops() override;
@@ -86,6 +89,7 @@ private:
     std::unique_ptr<QWidget> makeAboutWindow();
     const Localization& words() const { return language_.words(); }
 
+    void takeSettings();
     void storeChanged();
     void reevaluateStatusItem();
     void updateVisibleViews();
@@ -95,6 +99,7 @@ private:
     void togglePopoverAt(const QRect& anchor);
     void closePopover();
     void showPage(AgentPage page);
+    void windowsCameOrWent(ActivationPolicy policy);
     void minuteTick();
     void menuItemChosen(std::string_view action);
     void finishFirstRun(bool needsSetup);
@@ -108,6 +113,7 @@ private:
     std::unique_ptr<Preferences> preferences_;
     LanguageManager language_;
     AppAppearance appearance_;
+    LaunchAtLoginController launchAtLogin_;
     WindowPresenceController windowPresence_;
     AgentUIActions actions_;
     std::unique_ptr<SingleInstance> singleInstance_;
@@ -129,6 +135,7 @@ private:
     QPointer<AgentMainWindowView> mainWindowView_;
     std::unique_ptr<AppLoops> loops_;
     std::unique_ptr<WakeObserver> wakeObserver_;
+    std::unique_ptr<PreferencesWatch> settingsWatch_;
     ClockJump clockJump_;
     std::shared_ptr<AgentUsageStore::Subscription> storeSubscription_;
     bool isReevaluationPosted_ = false;

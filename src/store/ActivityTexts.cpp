@@ -207,6 +207,10 @@ ActivityEntry orderChanged(const std::vector<AgentProviderID>& order, const Loca
     return aboutProgram(Level::info, words.format("log.settings.order", {names}));
 }
 
+ActivityEntry historyDeleted(const Localization& words) {
+    return aboutProgram(Level::notice, words.text("log.settings.historyDeleted"));
+}
+
 ActivityEntry woke(Seconds hold, const Localization& words) {
     return aboutProgram(Level::info, words.format("log.wake", {wholeSecondsText(hold, words)}));
 }
