@@ -421,6 +421,10 @@ ActivityEntry orderChanged(const std::vector<AgentProviderID>& order, const Loca
                         JSON::array({argument("agents", std::move(agents))}));
 }
 
+ActivityEntry historyDeleted(const Localization& words) {
+    return aboutProgram(Level::notice, words.text("log.settings.historyDeleted"));
+}
+
 ActivityEntry woke(Seconds hold, const Localization& words) {
     return aboutProgram(Level::info, "log.wake", words, JSON::array({wholeSecondsArgument(hold)}));
 }

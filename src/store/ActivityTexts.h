@@ -57,6 +57,7 @@ std::vector<ActivityEntry> allowanceChanged(const AgentUsageSnapshot* before,
 
 ActivityEntry agentSwitched(const AgentProviderID& id, bool enabled, const Localization& words);
 ActivityEntry orderChanged(const std::vector<AgentProviderID>& order, const Localization& words);
+ActivityEntry historyDeleted(const Localization& words);
 ActivityEntry storageTrouble(const StorageTrouble::News& news, const Localization& words);
 ActivityEntry woke(Seconds hold, const Localization& words);
 

@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace vellmark {
@@ -74,6 +75,16 @@ public:
     /// Enabling reads the agent at once (trigger `settings`); disabling drops a reading under way.
     void setEnabled(const AgentProviderID& id, bool enabled);
     void setProviderOrder(std::vector<AgentProviderID> order);
+    /// Takes over what the preferences say now: agents, their order, ways and programs, and what is
+    /// shown first. Reads the agents of which that asks for a new reading.
+    void takeSettings();
+
+    /// Removes all recorded samples, those of readings that have just ended too. They are kept in a
+    /// folder beside the history until `discardDeletedHistory`; failing that, nothing is deleted.
+    /// `done` is called on the main thread, with the reason where it did not work.
+    void deleteHistory(std::function<void(std::error_code)> done);
+    /// Removes what `deleteHistory` has kept; to be called when the program starts.
+    void discardDeletedHistory();
 
     /// Appends an entry to the activity log, dated now. Control characters in it are dropped.
     void logActivity(ActivityEntry entry);

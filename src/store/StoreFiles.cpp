@@ -138,6 +138,22 @@ void StoreFiles::log(ActivityEntry entry, TimeZone zone) {
     lookAtLog();
 }
 
+void StoreFiles::deleteHistory(std::function<void(std::error_code)> done) {
+    d_->queue.post([d = d_.get(), done = std::move(done)] {
+        const std::error_code error = d->recorder.deleteAll();
+        d->tellHistory(!error);
+        d->executor.post([weak = std::weak_ptr(d->callbacks), done, error] {
+            if (weak.lock()) {
+                done(error);
+            }
+        });
+    });
+}
+
+void StoreFiles::discardDeletedHistory() {
+    d_->queue.post([d = d_.get()] { d->recorder.discardDeleted(); });
+}
+
 void StoreFiles::trim(Instant now, TimeZone zone) {
     d_->queue.post([d = d_.get(), now, zone = std::move(zone)] {
         d->tellHistory(d->recorder.compact(now));

@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <system_error>
 #include <vector>
 
 namespace vellmark {
@@ -47,6 +48,10 @@ public:
     void record(AgentUsageSnapshot reading);
     void save(std::map<AgentProviderID, AgentUsageSnapshot> readings, Instant now);
     void log(ActivityEntry entry, TimeZone zone);
+
+    /// `done` is called on the main thread, not after the destruction.
+    void deleteHistory(std::function<void(std::error_code)> done);
+    void discardDeletedHistory();
 
     /// Drops old log lines, and thins out the history when that is due.
     void trim(Instant now, TimeZone zone);
