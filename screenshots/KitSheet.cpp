@@ -281,13 +281,13 @@ void addEntries(QWidget* parent, int top) {
 } // namespace
 
 KitSheet::KitSheet(QWidget* parent) : QWidget(parent) {
-    resize(640, 2220);
+    resize(640, 2180);
     addControls();
     addForm();
 }
 
 void KitSheet::addForm() {
-    constexpr int formTop = 1790;
+    constexpr int formTop = 1830;
     auto* list = new kit::ReorderList;
     std::vector<kit::FormRow*> agents;
     for (const AgentProviderID& id : {AgentProviderID::codex(), AgentProviderID::claude()}) {
@@ -318,6 +318,7 @@ void KitSheet::addForm() {
                                      "nothing in a form is cut off."));
     auto* choice = new kit::Choice;
     choice->setChoices({QStringLiteral("System (English)"), QStringLiteral("Deutsch")});
+    choice->setCurrentIndex(0);
     choices->addControl(choice);
     auto* paths = new kit::FormRow;
     paths->setWords(QStringLiteral("Path"));
@@ -419,7 +420,7 @@ void KitSheet::paintEvent(QPaintEvent* /*event*/) {
     drawHeading(painter, controlsTop - 12, QStringLiteral("Controls"));
     drawHeading(painter, 1300, QStringLiteral("Type and icons"));
     drawIcons(painter, drawType(painter, 1340) + 16);
-    drawHeading(painter, 1756, QStringLiteral("Forms"));
+    drawHeading(painter, 1796, QStringLiteral("Forms"));
 }
 
 } // namespace vellmark

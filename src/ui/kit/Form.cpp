@@ -57,9 +57,9 @@ void FormRow::setLeastHeight(int height) {
     leastHeight_ = height;
 }
 
-void FormRow::addLeading(QWidget* mark) {
+void FormRow::addLeading(QWidget* mark, const QMargins& reach) {
     mark->setParent(this);
-    leading_.push_back(mark);
+    leading_.push_back({mark, reach});
 }
 
 void FormRow::addControl(QWidget* control) {
@@ -95,8 +95,8 @@ std::vector<QWidget*> FormRow::shownControls() const {
 FormRow::Plan FormRow::plan(int width) const {
     Plan plan;
     plan.wordsLeft = padding;
-    for (const QWidget* mark : leading_) {
-        plan.wordsLeft += mark->sizeHint().width() + gap;
+    for (const Mark& mark : leading_) {
+        plan.wordsLeft += mark.width() + gap;
     }
     const int room = std::max(width - plan.wordsLeft - padding, 0);
     int leastControls = 0;
@@ -143,10 +143,11 @@ void FormRow::arrange() {
     const int top = (height() - content) / 2;
     int left = padding;
     const int marksMiddle = plan.isBeside ? height() / 2 : top + words / 2;
-    for (QWidget* mark : leading_) {
-        const QSize size = mark->sizeHint();
-        mark->setGeometry(left, marksMiddle - size.height() / 2, size.width(), size.height());
-        left += size.width() + gap;
+    for (const Mark& mark : leading_) {
+        const QSize size = mark.widget->sizeHint();
+        mark.widget->setGeometry(left - mark.reach.left(), marksMiddle - size.height() / 2,
+                                 size.width(), size.height());
+        left += mark.width() + gap;
     }
     label_->setGeometry(plan.wordsLeft, top, plan.wordsWidth, plan.labelHeight);
     explanation_->setGeometry(plan.wordsLeft, top + plan.labelHeight, plan.wordsWidth,

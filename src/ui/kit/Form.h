@@ -2,6 +2,7 @@
 
 #include "ui/kit/TextStyle.h"
 
+#include <QMargins>
 #include <QWidget>
 
 #include <vector>
@@ -26,8 +27,9 @@ public:
     void setWords(const QString& label, const QString& explanation = {});
     void setLabelStyle(const TextStyle& style);
     void setLeastHeight(int height);
-    /// Stands before the words; in reading order.
-    void addLeading(QWidget* mark);
+    /// Stands before the words; in reading order. `reach` is how far it stands out of its place at
+    /// the left and at the right: room to be hit, or for a ground.
+    void addLeading(QWidget* mark, const QMargins& reach = {});
     /// Stands at the end; in reading order. A control whose least width is smaller than the wanted
     /// one gives way first.
     void addControl(QWidget* control);
@@ -61,7 +63,12 @@ private:
 
     Label* label_;
     Label* explanation_;
-    std::vector<QWidget*> leading_;
+    struct Mark {
+        QWidget* widget;
+        QMargins reach;
+        int width() const { return widget->sizeHint().width() - reach.left() - reach.right(); }
+    };
+    std::vector<Mark> leading_;
     std::vector<QWidget*> controls_;
     int leastHeight_ = usualHeight;
     bool isLifted_ = false;

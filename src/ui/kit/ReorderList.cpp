@@ -18,6 +18,8 @@ namespace vellmark::kit {
 namespace {
 constexpr int iconSide = 14;
 constexpr int hairline = 1;
+/// Its lines stand four points before where words would begin.
+constexpr QMargins handleReach(8, 0, 4, 0);
 
 /// Minus one for Up, one for Down, else nothing.
 int placesOf(const QKeyEvent& event) {
@@ -106,7 +108,7 @@ ReorderList::ReorderList(QWidget* parent) : FormCard(parent) {}
 
 DragHandle* ReorderList::addHandle(FormRow* row) {
     auto* handle = new DragHandle(row);
-    row->addLeading(handle);
+    row->addLeading(handle, handleReach);
     handle->onDrag = [this, row](int distance) { drag(row, distance); };
     handle->onRelease = [this](bool isDropped) { drop(isDropped); };
     handle->onStep = [this, row](int places) { step(row, places); };

@@ -18,6 +18,8 @@ public:
     void setChoices(const QStringList& choices);
     void setCurrent(int index);
     int current() const;
+    /// Its parts; the keyboard reaches the chosen one, and the others by the arrow keys.
+    std::vector<QWidget*> controls() const;
     /// Called when the user chooses, not when `setCurrent` does.
     std::function<void(int)> onChoose;
 
