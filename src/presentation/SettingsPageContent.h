@@ -1,36 +1,35 @@
 #pragma once
 
 #include "model/AgentProviderID.h"
+#include "presentation/LaunchAtLoginController.h"
 #include "presentation/PageHeadContent.h"
+#include "presentation/SettingsCatalog.h"
+#include "probes/AgentFacts.h"
 
+#include <cstdint>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
 namespace vellmark {
 
-struct SettingsPageState;
-
-/// What the rows of the settings page set, agents and their programs aside.
-enum class SettingID {
-    launchAtLogin,
-    language,
-    appearance,
-    firstFigure,
-    interval,
-    quitting,
-    statusItemInk,
-    statusItemFigure,
-    dataFolder,
-    history,
-    reset,
-};
+/// The rows that are no settings, by name.
+namespace settingsRow {
+inline constexpr std::string_view dataFolder = "data-folder";
+inline constexpr std::string_view history = "history";
+inline constexpr std::string_view reset = "reset";
+} // namespace settingsRow
 
 struct SettingSwitch {
     bool isOn = false;
     bool isEnabled = true;
+    /// As the setting keeps them.
+    std::string onValue = "on";
+    std::string offValue = "off";
     bool operator==(const SettingSwitch&) const = default;
 };
 
@@ -39,15 +38,22 @@ struct SettingChoices {
         sideBySide,
         popUp,
     };
-    std::vector<std::string> titles;
-    /// Of `titles`; -1 when what holds is none of them.
-    int current = -1;
+    struct Choice {
+        /// As the setting keeps it.
+        std::string value;
+        std::string title;
+        bool operator==(const Choice&) const = default;
+    };
+    std::vector<Choice> choices;
+    /// The value that holds.
+    std::string current;
     Form form = Form::sideBySide;
     bool operator==(const SettingChoices&) const = default;
 };
 
 struct SettingRowContent {
-    SettingID id = SettingID::language;
+    /// The setting's, or one of `settingsRow`.
+    std::string name;
     std::string label;
     /// May be empty.
     std::string explanation;
@@ -103,6 +109,33 @@ struct QuestionContent {
     bool operator==(const QuestionContent&) const = default;
 };
 
+/// What the settings page tells of, as the application knows it.
+struct SettingsPageState {
+    struct Value {
+        SettingItem item;
+        std::string value;
+    };
+    /// All settings with the values that hold.
+    std::vector<Value> settings;
+    LaunchAtLoginController::State launchAtLogin = LaunchAtLoginController::State::unavailable;
+    /// In the user's order.
+    std::vector<AgentProviderID> order;
+    std::set<AgentProviderID> enabled;
+    /// What the last look at the agents' programs found; empty before the first.
+    std::vector<AgentFacts> agents;
+    bool isChecking = false;
+    /// The language that "system" stands for.
+    std::string systemLanguage;
+    /// As the user writes it.
+    std::string dataFolder;
+    /// In bytes; absent until it has been measured.
+    std::optional<std::uintmax_t> dataSize;
+    /// There are samples to delete.
+    bool hasHistory = true;
+    /// Why the last change was refused or is not on disk, in words; empty when it holds.
+    std::string trouble;
+};
+
 /// Everything that the settings page shows, as words.
 struct SettingsPageContent {
     PageHeadContent head;
@@ -128,7 +161,9 @@ struct SettingsPageContent {
     bool operator==(const SettingsPageContent&) const = default;
 };
 
-SettingsPageContent settingsPageContent(const SettingsPageState& state, const Localization& words);
+/// `machine` writes paths as the user does.
+SettingsPageContent settingsPageContent(const SettingsPageState& state, const Machine& machine,
+                                        const Localization& words);
 
 /// What the settings page asks for. Main thread.
 struct SettingsPageActions {
@@ -139,11 +174,10 @@ struct SettingsPageActions {
     std::function<void()> checkAgents;
     /// Empty: it is looked for again.
     std::function<void(const AgentProviderID&, const std::string& path)> chooseProgram;
-    std::function<void(SettingID, bool)> setSwitch;
-    /// The choice's place among its titles.
-    std::function<void(SettingID, int)> choose;
+    /// Another value for a setting.
+    std::function<void(const std::string& name, const std::string& value)> change;
     /// A row's button. Where there is a question, it has been answered with yes.
-    std::function<void(SettingID)> press;
+    std::function<void(const std::string& name)> press;
 };
 
 } // namespace vellmark

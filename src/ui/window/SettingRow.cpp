@@ -10,6 +10,7 @@
 #include "ui/kit/Segments.h"
 #include "ui/kit/Toggle.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace vellmark {
@@ -18,10 +19,10 @@ namespace {
 
 constexpr int logoSide = 24;
 
-QStringList qStrings(const std::vector<std::string>& texts) {
+QStringList titles(const SettingChoices& control) {
     QStringList result;
-    for (const std::string& text : texts) {
-        result << qString(text);
+    for (const SettingChoices::Choice& choice : control.choices) {
+        result << qString(choice.title);
     }
     return result;
 }
@@ -35,12 +36,13 @@ void setButton(kit::Button& button, const ControlContent& content) {
 
 } // namespace
 
-SettingRow::SettingRow(SettingID id, const SettingsPageActions& actions,
-                       std::function<void(SettingID)> press)
-    : id_(id), actions_(actions), button_(new kit::Button(kit::Button::Kind::normal, this)) {
+SettingRow::SettingRow(std::string name, const SettingsPageActions& actions,
+                       std::function<void(const std::string& name)> press)
+    : name_(std::move(name)), actions_(actions),
+      button_(new kit::Button(kit::Button::Kind::normal, this)) {
     addControl(button_);
     connect(button_, &QAbstractButton::clicked, this,
-            [this, press = std::move(press)] { press(id_); });
+            [this, press = std::move(press)] { press(name_); });
 }
 
 void SettingRow::setContent(const SettingRowContent& content) {
@@ -58,27 +60,34 @@ void SettingRow::setSwitch(const SettingRowContent& content) {
     if (switch_ == nullptr) {
         switch_ = new kit::Switch(this);
         addControl(switch_);
-        connect(switch_, &QAbstractButton::clicked, this,
-                [this](bool isOn) { actions_.setSwitch(id_, isOn); });
+        connect(switch_, &QAbstractButton::clicked, this, [this](bool isOn) {
+            actions_.change(name_, isOn ? values_.onValue : values_.offValue);
+        });
     }
-    const auto& control = std::get<SettingSwitch>(content.control);
-    switch_->setChecked(control.isOn);
-    switch_->setEnabled(control.isEnabled);
+    values_ = std::get<SettingSwitch>(content.control);
+    switch_->setChecked(values_.isOn);
+    switch_->setEnabled(values_.isEnabled);
     switch_->setAccessibleName(qString(content.label));
     switch_->setAccessibleDescription(qString(content.explanation));
 }
 
 void SettingRow::setChoices(const SettingRowContent& content) {
-    const auto& control = std::get<SettingChoices>(content.control);
-    const auto choose = [this](int index) { actions_.choose(id_, index); };
-    if (control.form == SettingChoices::Form::popUp) {
+    choices_ = std::get<SettingChoices>(content.control);
+    const auto choose = [this](int index) {
+        actions_.change(name_, choices_.choices[static_cast<std::size_t>(index)].value);
+    };
+    const auto holds =
+        std::ranges::find(choices_.choices, choices_.current, &SettingChoices::Choice::value);
+    const int current =
+        holds == choices_.choices.end() ? -1 : static_cast<int>(holds - choices_.choices.begin());
+    if (choices_.form == SettingChoices::Form::popUp) {
         if (choice_ == nullptr) {
             choice_ = new kit::Choice(this);
             choice_->onChoose = choose;
             addControl(choice_);
         }
-        choice_->setChoices(qStrings(control.titles));
-        choice_->setCurrentIndex(control.current);
+        choice_->setChoices(titles(choices_));
+        choice_->setCurrentIndex(current);
         choice_->setAccessibleName(qString(content.label));
         choice_->setAccessibleDescription(qString(content.explanation));
         return;
@@ -88,8 +97,8 @@ void SettingRow::setChoices(const SettingRowContent& content) {
         segments_->onChoose = choose;
         addControl(segments_);
     }
-    segments_->setChoices(qStrings(control.titles));
-    segments_->setCurrent(control.current);
+    segments_->setChoices(titles(choices_));
+    segments_->setCurrent(current);
     segments_->setAccessibleName(qString(content.label));
     segments_->setAccessibleDescription(qString(content.explanation));
 }

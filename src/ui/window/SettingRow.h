@@ -6,6 +6,7 @@
 #include <QWidget>
 
 #include <functional>
+#include <string>
 #include <vector>
 
 namespace vellmark {
@@ -25,10 +26,10 @@ class Switch;
 /// needed.
 class SettingRow : public kit::FormRow {
 public:
-    SettingRow(SettingID id, const SettingsPageActions& actions,
-               std::function<void(SettingID)> press);
+    SettingRow(std::string name, const SettingsPageActions& actions,
+               std::function<void(const std::string& name)> press);
 
-    SettingID id() const { return id_; }
+    const std::string& name() const { return name_; }
     void setContent(const SettingRowContent& content);
     std::vector<QWidget*> controls() const;
 
@@ -36,8 +37,10 @@ private:
     void setSwitch(const SettingRowContent& content);
     void setChoices(const SettingRowContent& content);
 
-    SettingID id_;
+    std::string name_;
     const SettingsPageActions& actions_;
+    SettingSwitch values_;
+    SettingChoices choices_;
     kit::Button* button_;
     kit::Switch* switch_ = nullptr;
     kit::Segments* segments_ = nullptr;

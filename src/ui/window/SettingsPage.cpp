@@ -167,13 +167,14 @@ void SettingsPage::updateRows(Section& section, const std::vector<SettingRowCont
     std::vector<SettingRow*> former = std::exchange(section.rows, {});
     std::vector<kit::FormRow*> rows;
     for (const SettingRowContent& content : contents) {
-        const auto known = std::ranges::find(former, content.id, &SettingRow::id);
+        const auto known = std::ranges::find(former, content.name, &SettingRow::name);
         SettingRow* row = nullptr;
         if (known != former.end()) {
             row = *known;
             former.erase(known);
         } else {
-            row = new SettingRow(content.id, actions_, [this](SettingID id) { press(id); });
+            row = new SettingRow(content.name, actions_,
+                                 [this](const std::string& name) { press(name); });
         }
         row->setContent(content);
         section.rows.push_back(row);
@@ -196,23 +197,23 @@ void SettingsPage::moveAgent(int from, int to) {
     actions_.orderAgents(order);
 }
 
-void SettingsPage::press(SettingID id) {
-    if (id == SettingID::history) {
-        ask(content_.deleteQuestion, id);
-    } else if (id == SettingID::reset) {
-        ask(content_.resetQuestion, id);
+void SettingsPage::press(const std::string& name) {
+    if (name == settingsRow::history) {
+        ask(content_.deleteQuestion, name);
+    } else if (name == settingsRow::reset) {
+        ask(content_.resetQuestion, name);
     } else {
-        actions_.press(id);
+        actions_.press(name);
     }
 }
 
-void SettingsPage::ask(const QuestionContent& question, SettingID id) {
+void SettingsPage::ask(const QuestionContent& question, const std::string& name) {
     question_ = kit::Question::ask(this,
                                    {.title = qString(question.title),
                                     .words = qString(question.text),
                                     .deed = qString(question.deed),
                                     .cancel = qString(question.cancel)},
-                                   [this, id] { actions_.press(id); });
+                                   [this, name] { actions_.press(name); });
 }
 
 kit::Question* SettingsPage::question() const {

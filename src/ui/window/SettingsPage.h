@@ -6,7 +6,7 @@
 #include <QPointer>
 
 #include <functional>
-#include <map>
+#include <string>
 #include <vector>
 
 namespace vellmark {
@@ -67,8 +67,8 @@ private:
                         const std::vector<SettingsSectionContent>& contents);
     void updateRows(Section& section, const std::vector<SettingRowContent>& contents);
     void moveAgent(int from, int to);
-    void press(SettingID id);
-    void ask(const QuestionContent& question, SettingID id);
+    void press(const std::string& name);
+    void ask(const QuestionContent& question, const std::string& name);
     void browseFor(const AgentProviderID& id);
     std::vector<kit::FormSection*> sections() const;
 
