@@ -83,24 +83,32 @@ QImage drawWhole(QWidget& window, double scale) {
     return image;
 }
 
-QImage drawWindow(const UsageState& state, QSize size, bool asksForSetup,
-                  const std::string& language, double scale) {
-    AgentNavigationState navigation;
-    AgentMainWindowView view(noActions(), navigation);
-    const Localization words = samples::words(language);
-    view.setContent(sidebarItems(state, samples::now(), words),
-                    overviewContent(state, samples::now(), words, asksForSetup));
-    view.resize(size);
-    view.showSelection();
-    return drawWhole(view, scale);
+/// What a page shows of a state.
+using PageOfState = std::function<PageContent(const UsageState& state, const Localization& words)>;
+
+Scene pageScene(std::string name, AgentPage page, UsageState (*state)(), PageOfState content,
+                QSize size = AgentMainWindowView::firstSize) {
+    const auto draw = [page = std::move(page), state, content = std::move(content),
+                       size](const std::string& language, double scale) {
+        AgentNavigationState navigation;
+        AgentMainWindowView view({.program = noActions()}, navigation);
+        const Localization words = samples::words(language);
+        const UsageState shown = state();
+        view.setContent({sidebarItems(shown, samples::now(), words), page, content(shown, words)});
+        view.resize(size);
+        return drawWhole(view, scale);
+    };
+    return {"window-" + std::move(name), draw};
 }
 
-Scene windowScene(std::string name, UsageState (*state)(),
-                  QSize size = AgentMainWindowView::firstSize, bool asksForSetup = false) {
-    return {"window-" + std::move(name),
-            [state, size, asksForSetup](const std::string& language, double scale) {
-                return drawWindow(state(), size, asksForSetup, language, scale);
-            }};
+Scene overviewScene(std::string name, UsageState (*state)(),
+                    QSize size = AgentMainWindowView::firstSize, bool asksForSetup = false) {
+    return pageScene(
+        std::move(name), AgentPage::of(AgentPage::Kind::overview), state,
+        [asksForSetup](const UsageState& shown, const Localization& words) {
+            return overviewPageContent(shown, samples::now(), words, asksForSetup);
+        },
+        size);
 }
 
 QImage drawKit(const std::string& /*language*/, double scale) {
@@ -144,22 +152,33 @@ std::vector<Scene> allScenes() {
         popoverScene("agent-balances", samples::balances, "provider:claude"),
         popoverScene("agent-refusing", samples::refusing, "provider:codex"),
         popoverScene("agent-long-texts", samples::longTexts, "provider:antigravity"),
-        windowScene("overview", samples::normal),
-        windowScene("overview-least", samples::normal, AgentMainWindowView::leastSize),
-        windowScene("refreshing", samples::refreshing),
-        windowScene("healthy", samples::healthy),
-        windowScene("loading", samples::loading),
-        windowScene("stale", samples::stale),
-        windowScene("overdue", samples::overdue),
-        windowScene("all-failed", samples::allFailed),
-        windowScene("used-up", samples::usedUp),
-        windowScene("incomplete", samples::incomplete),
-        windowScene("failed", samples::failed),
-        windowScene("refusing", samples::refusing),
-        windowScene("first-run", samples::failed, AgentMainWindowView::firstSize, true),
-        windowScene("no-agents", samples::noAgents),
-        windowScene("long-texts", samples::longTexts),
-        windowScene("many-agents", samples::manyAgents),
+        overviewScene("overview", samples::normal),
+        overviewScene("overview-least", samples::normal, AgentMainWindowView::leastSize),
+        overviewScene("refreshing", samples::refreshing),
+        overviewScene("healthy", samples::healthy),
+        overviewScene("loading", samples::loading),
+        overviewScene("stale", samples::stale),
+        overviewScene("overdue", samples::overdue),
+        overviewScene("all-failed", samples::allFailed),
+        overviewScene("used-up", samples::usedUp),
+        overviewScene("incomplete", samples::incomplete),
+        overviewScene("failed", samples::failed),
+        overviewScene("refusing", samples::refusing),
+        overviewScene("first-run", samples::failed, AgentMainWindowView::firstSize, true),
+        overviewScene("no-agents", samples::noAgents),
+        overviewScene("long-texts", samples::longTexts),
+        overviewScene("many-agents", samples::manyAgents),
+        // provider
+
+        // history
+
+        // activity
+
+        // settings
+
+        // help
+
+        // about
     };
 }
 

@@ -4,7 +4,6 @@
 #include "platform/ContinuousClock.h"
 #include "platform/InstanceIdentifier.h"
 #include "platform/UnusedMemory.h"
-#include "presentation/MainWindowContent.h"
 #include "presentation/PopoverContent.h"
 #include "process/BoundedProcess.h"
 #include "setup/AgentSetupStatus.h"
@@ -79,7 +78,10 @@ VellmarkAppDelegate::VellmarkAppDelegate(LaunchOptions options, Machine machine)
                     .title = [this] { return qString(words().text("about.title")); },
                     .onVisibilityChange = {}},
                    windowPresence_, *preferences_) {
-    navigation_.onChange = [this] { mainMenu_.validate(); };
+    navigation_.onChange = [this] {
+        mainMenu_.validate();
+        updateMainWindow();
+    };
 }
 
 VellmarkAppDelegate::~VellmarkAppDelegate() {
@@ -181,6 +183,13 @@ void VellmarkAppDelegate::createStatusItem() {
                                        .registrations = providerRegistry(),
                                        .words = [this] { return words(); }},
         executor_, *preferences_);
+    pages_ = std::make_unique<MainWindowPages>(
+        MainWindowPages::Sources{.store = *store_,
+                                 .preferences = *preferences_,
+                                 .language = language_,
+                                 .appearance = appearance_,
+                                 .actions = actions_,
+                                 .update = [this] { updateMainWindow(); }});
     statusItem_ =
         makeStatusItem(loop_, *preferences_,
                        {.toggle = [this](const QRect& anchor) { togglePopoverAt(anchor); },
@@ -316,9 +325,8 @@ void VellmarkAppDelegate::updateVisibleViews() {
 
 void VellmarkAppDelegate::updateMainWindow() {
     if (mainWindow_.isVisible()) {
-        mainWindowView_->setContent(
-            sidebarItems(store_->state(), now(), words()),
-            overviewContent(store_->state(), now(), words(), asksForSetup_));
+        pages_->setAsksForSetup(asksForSetup_);
+        mainWindowView_->setContent(pages_->content(navigation_.selection(), now()));
     }
 }
 
@@ -362,20 +370,15 @@ void VellmarkAppDelegate::closePopover() {
 
 void VellmarkAppDelegate::showMainWindow() {
     closePopover();
-    const bool isNew = mainWindow_.window() == nullptr;
     mainWindow_.show();
     store_->refresh(RefreshTrigger::window);
     updateMainWindow();
-    if (isNew) {
-        mainWindowView_->showSelection();
-    }
 }
 
 void VellmarkAppDelegate::showPage(AgentPage page) {
     navigation_.select(std::move(page));
     showMainWindow();
-    // Also where it is selected already, and once the window has the agents' cards.
-    mainWindowView_->showSelection();
+    mainWindowView_->showBeginning();
 }
 
 void VellmarkAppDelegate::showAbout() {
@@ -384,7 +387,7 @@ void VellmarkAppDelegate::showAbout() {
 }
 
 std::unique_ptr<QWidget> VellmarkAppDelegate::makeMainWindow() {
-    auto window = std::make_unique<AgentMainWindowView>(actions_, navigation_);
+    auto window = std::make_unique<AgentMainWindowView>(pages_->actions(), navigation_);
     window->setWindowIcon(applicationIcon());
     if (const int buttonsHeight = reachUnderTitleBar(*window)) {
         window->setTopInset(buttonsHeight);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/MainMenu.h"
+#include "app/MainWindowPages.h"
 #include "app/QtDescriptorWatcher.h"
 #include "app/QtExecutor.h"
 #include "app/StatusItem.h"
@@ -120,6 +121,8 @@ private:
     std::unique_ptr<Popover> popover_;
     MainMenu mainMenu_;
     AgentNavigationState navigation_;
+    /// Made with the store.
+    std::unique_ptr<MainWindowPages> pages_;
     WindowController mainWindow_;
     WindowController aboutWindow_;
     /// Inside `mainWindow_`, and there while it is.

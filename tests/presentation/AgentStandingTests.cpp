@@ -103,7 +103,7 @@ TEST(AgentStanding, EveryPlaceTellsTheAgeOfOldFigures) {
 
     EXPECT_THAT(statusItemContent(state, now, english).toolTip, testing::EndsWith(", " + age));
     EXPECT_EQ(statusLine(state, now, english).text, "Codex critical (34 min old) · as of 2:22 PM");
-    const OverviewContent overview = overviewContent(state, now, english);
+    const OverviewPageContent overview = overviewPageContent(state, now, english);
     EXPECT_EQ(overview.verdict.subject, "Codex, Session");
     EXPECT_THAT(overview.verdict.text, HasSubstr(age));
     EXPECT_EQ(overview.cards[0].statusText, age);
@@ -157,7 +157,7 @@ TEST(AgentStanding, AUsedUpWindowHoldsTheNarrowerOnes) {
     EXPECT_TRUE(rows[1].isUsedUp);
     EXPECT_FALSE(rows[1].forecast);
     EXPECT_EQ(sidebarItems(state, noon, english)[2].value, "Used up");
-    const VerdictContent verdict = overviewContent(state, noon, english).verdict;
+    const VerdictContent verdict = overviewPageContent(state, noon, english).verdict;
     EXPECT_EQ(verdict.subject, "Claude, Week");
     EXPECT_EQ(verdict.text, "is used up, back Sat 3:48 PM.");
     // Once its reset is due nobody knows, and nothing is held by it any more.

@@ -42,10 +42,18 @@ TEST(Sidebar, TellsTheLeastThatIsLeft) {
     EXPECT_EQ(sidebarItems(stateOf({failed(codex, failure)}), noon, english)[2].value, "");
 }
 
+TEST(MainWindow, ShowsTheOverviewInThePlaceOfAnAgentThatIsNotShown) {
+    const UsageState state = twoAgents();
+    EXPECT_EQ(shownPage(AgentPage::provider(codex), state), AgentPage::provider(codex));
+    EXPECT_EQ(shownPage(AgentPage::provider(AgentProviderID::antigravity()), state), AgentPage());
+    EXPECT_EQ(shownPage(AgentPage::of(AgentPage::Kind::settings), state),
+              AgentPage::of(AgentPage::Kind::settings));
+}
+
 TEST(Overview, SaysWhenItWasReadAndWhatIsWorst) {
     UsageState state = twoAgents();
-    OverviewContent content = overviewContent(state, noon, english);
-    EXPECT_THAT(content.updated, testing::StartsWith("Updated Nov 20, "));
+    OverviewPageContent content = overviewPageContent(state, noon, english);
+    EXPECT_THAT(content.head.age, testing::StartsWith("Updated Nov 20, "));
     EXPECT_EQ(content.verdict.tone, UsageHealth::critical);
     EXPECT_EQ(content.verdict.subject, "Claude, Week");
     EXPECT_THAT(content.verdict.text,
@@ -53,29 +61,30 @@ TEST(Overview, SaysWhenItWasReadAndWhatIsWorst) {
     EXPECT_EQ(content.cards.size(), 2U);
     EXPECT_EQ(content.setupHint, "");
     // What is left to set up is said beside it.
-    const OverviewContent asking = overviewContent(state, noon, english, true);
+    const OverviewPageContent asking = overviewPageContent(state, noon, english, true);
     EXPECT_THAT(asking.setupHint, testing::HasSubstr("vellmark setup"));
     EXPECT_EQ(asking.verdict, content.verdict);
-    EXPECT_EQ(content.refresh.title, "Refresh");
+    EXPECT_EQ(content.head.refresh.title, "Refresh");
 
     state.isRefreshing = true;
     state.lastRefreshCompletedAt.reset();
-    content = overviewContent(state, noon, english);
-    EXPECT_EQ(content.updated, "Not read yet");
+    content = overviewPageContent(state, noon, english);
+    EXPECT_EQ(content.head.age, "Not read yet");
     UsageState first = stateOf({AgentUsageSnapshot{.id = codex}});
     first.lastRefreshCompletedAt.reset();
-    EXPECT_EQ(overviewContent(first, noon, english).verdict.text, "No figures yet.");
+    EXPECT_EQ(overviewPageContent(first, noon, english).verdict.text, "No figures yet.");
     first.isRefreshing = true;
-    EXPECT_EQ(overviewContent(first, noon, english).verdict.text, "Reading values …");
-    EXPECT_EQ(content.refresh.title, "Refreshing …");
+    EXPECT_EQ(overviewPageContent(first, noon, english).verdict.text, "Reading values …");
+    EXPECT_EQ(content.head.refresh.title, "Refreshing …");
 
-    EXPECT_TRUE(overviewContent(UsageState(), noon, english).noAgents);
+    EXPECT_TRUE(overviewPageContent(UsageState(), noon, english).noAgents);
     UsageState fine = stateOf({live(codex, {window("session", 22, 300, 87)})});
-    const VerdictContent calm = overviewContent(fine, noon, english).verdict;
+    const VerdictContent calm = overviewPageContent(fine, noon, english).verdict;
     EXPECT_EQ(calm.text, "Everything lasts until its reset.");
     EXPECT_EQ(calm.icon, "checkmark");
     fine.snapshots.front().error = UsageProviderError::timeout("Codex");
-    EXPECT_EQ(overviewContent(fine, noon, english).verdict.icon, "exclamationmark.triangle.fill")
+    EXPECT_EQ(overviewPageContent(fine, noon, english).verdict.icon,
+              "exclamationmark.triangle.fill")
         << "nothing is checked that could not be read";
 }
 

@@ -4,6 +4,7 @@
 #include "ui/kit/SidebarEntry.h"
 #include "ui/window/AgentMainWindowView.h"
 #include "ui/window/AgentSummaryCard.h"
+#include "ui/window/WindowPage.h"
 
 #include <QLabel>
 #include <gmock/gmock.h>
@@ -21,11 +22,18 @@ using testing::waitUntil;
 class MainWindow : public ::testing::Test {
 protected:
     void show(const UsageState& state, bool asksForSetup = false) {
-        const Localization words = samples::words("en");
-        view.setContent(sidebarItems(state, samples::now(), words),
-                        overviewContent(state, samples::now(), words, asksForSetup));
+        navigation.onChange = [this, state, asksForSetup] { fill(state, asksForSetup); };
+        fill(state, asksForSetup);
         view.show();
-        view.showSelection();
+    }
+    void fill(const UsageState& state, bool asksForSetup) {
+        const Localization words = samples::words("en");
+        const AgentPage page = shownPage(navigation.selection(), state);
+        PageContent content = PageHeadContent{.title = "Page"};
+        if (page.kind == AgentPage::Kind::overview) {
+            content = overviewPageContent(state, samples::now(), words, asksForSetup);
+        }
+        view.setContent({sidebarItems(state, samples::now(), words), page, content});
     }
     std::vector<kit::SidebarEntry*> entries() {
         std::vector<kit::SidebarEntry*> result;
@@ -64,42 +72,32 @@ protected:
 
     RecordedActions recorded;
     AgentNavigationState navigation;
-    AgentMainWindowView view{recorded.actions(), navigation};
+    AgentMainWindowView view{{.program = recorded.actions()}, navigation};
 };
 
-TEST_F(MainWindow, ListsThePagesThatThereAreAndSelectsThem) {
+TEST_F(MainWindow, ListsThePagesAndShowsTheSelectedOne) {
     show(samples::normal());
-    ASSERT_EQ(entries().size(), 4U);
+    ASSERT_EQ(entries().size(), 9U);
     EXPECT_EQ(tabStops(view).front(), entries()[0]);
     EXPECT_TRUE(entries()[0]->isChecked());
     EXPECT_EQ(entries()[2]->accessibleName(), QStringLiteral("Claude, 16% left"));
     entries()[2]->click();
     EXPECT_EQ(navigation.selection(), AgentPage::provider(AgentProviderID::claude()));
-    // From a menu, a page that has no view yet: the overview, not the agent that was shown last.
+    EXPECT_TRUE(entries()[2]->isChecked());
+    const QWidget* agentsPage = view.page();
+    // From a menu.
     navigation.select(AgentPage::of(AgentPage::Kind::settings));
-    view.showSelection();
-    EXPECT_TRUE(entries()[0]->isChecked());
+    EXPECT_TRUE(entries()[6]->isChecked());
+    EXPECT_TRUE(view.page()->isVisible());
+    EXPECT_FALSE(agentsPage->isVisible());
 }
 
 TEST_F(MainWindow, ADisabledAgentHasNeitherEntryNorCard) {
     show(samples::normal());
     show(samples::healthy());
-    EXPECT_EQ(entries().size(), 3U);
+    EXPECT_EQ(entries().size(), 8U);
     EXPECT_FALSE(says(QStringLiteral("Antigravity")));
     EXPECT_TRUE(says(QStringLiteral("Codex")));
-}
-
-TEST_F(MainWindow, PointsOutTheCardOfAnAgentAlsoWhenItHasTheKeyboardAlready) {
-    show(samples::normal());
-    for (QWidget* stop : tabStops(view)) {
-        if (stop->accessibleName().startsWith(QStringLiteral("Antigravity: "))) {
-            stop->setFocus(Qt::MouseFocusReason);
-        }
-    }
-    EXPECT_EQ(findRing(), nullptr);
-    navigation.select(AgentPage::provider(AgentProviderID::antigravity()));
-    view.showSelection();
-    EXPECT_NE(findRing(), nullptr);
 }
 
 TEST_F(MainWindow, ShowsTheFocusRingOfEveryControlWhole) {
@@ -140,21 +138,9 @@ TEST_F(MainWindow, TakesTheFocusRingBackFromAnotherWindowUnlessAPressHadRemovedI
     EXPECT_EQ(findRing(), nullptr);
 }
 
-TEST_F(MainWindow, ShowsWhatIsSaidOnTopWhereverItWasScrolledTo) {
-    view.resize(AgentMainWindowView::leastSize);
-    show(samples::manyAgents());
-    const int top = firstCardTop();
-    navigation.select(AgentPage::provider(AgentProviderID("planner")));
-    view.showSelection();
-    EXPECT_LT(firstCardTop(), top);
-    navigation.select(AgentPage::of(AgentPage::Kind::overview));
-    view.showSelection();
-    EXPECT_EQ(firstCardTop(), top);
-}
-
 TEST_F(MainWindow, KeepsTheVerdictBesideTheHintAboutTheSetup) {
-    const OverviewContent asking =
-        overviewContent(samples::normal(), samples::now(), samples::words("en"), true);
+    const OverviewPageContent asking =
+        overviewPageContent(samples::normal(), samples::now(), samples::words("en"), true);
     show(samples::normal(), true);
     EXPECT_TRUE(says(QString::fromStdString(asking.verdict.text)));
     EXPECT_TRUE(says(QString::fromStdString(asking.setupHint)));

@@ -1,58 +1,66 @@
 #include "ui/window/AgentMainWindowView.h"
 
 #include "ui/kit/Theme.h"
-#include "ui/window/OverviewPage.h"
 #include "ui/window/Sidebar.h"
+#include "ui/window/WindowPage.h"
+#include "ui/window/WindowPages.h"
 
 #include <QAbstractButton>
 #include <QKeyEvent>
 #include <QPainter>
 
+#include <utility>
+#include <vector>
+
 namespace vellmark {
 
-namespace {
-
-bool hasView(const AgentPage& page) {
-    return page.kind == AgentPage::Kind::overview || page.kind == AgentPage::Kind::provider;
-}
-
-/// Only the entries whose pages there are, and no section that would stand empty.
-std::vector<SidebarItem> shownItems(const std::vector<SidebarItem>& items) {
-    std::vector<SidebarItem> shown;
-    for (const SidebarItem& item : items) {
-        if (item.isSection && !shown.empty() && shown.back().isSection) {
-            shown.pop_back();
-        }
-        if (item.isSection || hasView(item.page)) {
-            shown.push_back(item);
-        }
-    }
-    if (!shown.empty() && shown.back().isSection) {
-        shown.pop_back();
-    }
-    return shown;
-}
-
-} // namespace
-
-AgentMainWindowView::AgentMainWindowView(AgentUIActions actions, AgentNavigationState& navigation,
-                                         QWidget* parent)
+AgentMainWindowView::AgentMainWindowView(MainWindowActions actions,
+                                         AgentNavigationState& navigation, QWidget* parent)
     : QWidget(parent), actions_(std::move(actions)), navigation_(navigation),
-      sidebar_(new Sidebar(this)), overview_(new OverviewPage(actions_, this)) {
+      sidebar_(new Sidebar(this)) {
     setMinimumSize(leastSize);
     resize(firstSize);
     sidebar_->onSelect = [this](const AgentPage& page) {
         navigation_.select(page);
-        showSelection();
+        showBeginning();
     };
 }
 
-void AgentMainWindowView::setContent(const std::vector<SidebarItem>& sidebar,
-                                     const OverviewContent& overview) {
-    sidebar_->setItems(shownItems(sidebar));
-    overview_->setContent(overview);
+void AgentMainWindowView::setContent(const MainWindowContent& content) {
+    sidebar_->setItems(content.sidebar);
+    sidebar_->setSelection(content.page);
+    WindowPage& page = pageOfKind(content.page.kind);
+    setPageContent(page, content.content);
+    if (&page != page_ || content.page != shown_) {
+        shown_ = content.page;
+        turnTo(page);
+    }
+    orderTabs();
+}
+
+WindowPage& AgentMainWindowView::pageOfKind(AgentPage::Kind kind) {
+    WindowPage*& page = pages_[kind];
+    if (page == nullptr) {
+        page = makePage(kind, actions_, this);
+    }
+    return *page;
+}
+
+void AgentMainWindowView::turnTo(WindowPage& page) {
+    WindowPage* former = std::exchange(page_, &page);
+    arrange();
+    page.show();
+    if (former != nullptr && former != &page) {
+        former->hide();
+        former->pageHidden();
+    }
+    page.scrollToTop();
+    page.pageShown();
+}
+
+void AgentMainWindowView::orderTabs() {
     std::vector<QWidget*> controls = sidebar_->controls();
-    for (QWidget* control : overview_->controls()) {
+    for (QWidget* control : page_->controls()) {
         controls.push_back(control);
     }
     for (std::size_t index = 1; index < controls.size(); ++index) {
@@ -60,13 +68,9 @@ void AgentMainWindowView::setContent(const std::vector<SidebarItem>& sidebar,
     }
 }
 
-void AgentMainWindowView::showSelection() {
-    const AgentPage& page = navigation_.selection();
-    sidebar_->setSelection(hasView(page) ? page : AgentPage::of(AgentPage::Kind::overview));
-    if (page.kind == AgentPage::Kind::provider) {
-        overview_->showAgent(page.providerID);
-    } else {
-        overview_->scrollToTop();
+void AgentMainWindowView::showBeginning() {
+    if (page_ != nullptr) {
+        page_->scrollToTop();
     }
 }
 
@@ -78,7 +82,7 @@ void AgentMainWindowView::keyPressEvent(QKeyEvent* event) {
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     auto* focused = qobject_cast<QAbstractButton*>(window()->focusWidget());
     if (event->modifiers() == Qt::ControlModifier && event->key() == Qt::Key_R) {
-        actions_.refresh();
+        actions_.program.refresh();
     } else if (isReturn && focused != nullptr) {
         focused->click();
     } else {
@@ -87,8 +91,14 @@ void AgentMainWindowView::keyPressEvent(QKeyEvent* event) {
 }
 
 void AgentMainWindowView::resizeEvent(QResizeEvent* /*event*/) {
+    arrange();
+}
+
+void AgentMainWindowView::arrange() {
     sidebar_->setGeometry(0, 0, Sidebar::sidebarWidth, height());
-    overview_->setGeometry(Sidebar::sidebarWidth, 0, width() - Sidebar::sidebarWidth, height());
+    if (page_ != nullptr) {
+        page_->setGeometry(Sidebar::sidebarWidth, 0, width() - Sidebar::sidebarWidth, height());
+    }
 }
 
 void AgentMainWindowView::paintEvent(QPaintEvent* /*event*/) {

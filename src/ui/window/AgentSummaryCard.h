@@ -1,7 +1,7 @@
 #pragma once
 
 #include "presentation/AgentUIActions.h"
-#include "presentation/MainWindowContent.h"
+#include "presentation/OverviewPageContent.h"
 #include "ui/kit/Card.h"
 
 #include <vector>

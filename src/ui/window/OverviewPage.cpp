@@ -34,21 +34,17 @@ kit::Notice::Kind noticeKind(UsageHealth tone) {
 } // namespace
 
 OverviewPage::OverviewPage(const AgentUIActions& actions, QWidget* parent)
-    : QWidget(parent), actions_(actions), head_(new PageHead(this)),
+    : WindowPage([&actions] { actions.refresh(); }, parent), actions_(actions),
       scroller_(new kit::ScrollArea(this)), column_(new QWidget),
       verdict_(new kit::Notice(column_)), setupHint_(new kit::Notice(column_)),
       noAgents_(new NoAgentsHint(column_)) {
     scroller_->setWidget(column_);
     column_->setAutoFillBackground(false);
     noAgents_->onOpenSettings = [this] { actions_.openSettings(); };
-    connect(head_->refreshButton(), &QAbstractButton::clicked, this,
-            [this] { actions_.refresh(); });
 }
 
-void OverviewPage::setContent(const OverviewContent& content) {
-    head_->setTitle(qString(content.title), qString(content.subtitle));
-    head_->setAge(qString(content.updated));
-    head_->setRefresh(content.refresh, content.refreshTitles, content.isRefreshing);
+void OverviewPage::setContent(const OverviewPageContent& content) {
+    head().setContent(content.head);
     verdict_->setLook({.kind = noticeKind(content.verdict.tone),
                        .iconName = content.verdict.icon,
                        .strongWords = qString(content.verdict.subject),
@@ -68,7 +64,7 @@ void OverviewPage::setContent(const OverviewContent& content) {
 }
 
 std::vector<QWidget*> OverviewPage::controls() const {
-    std::vector<QWidget*> result{head_->refreshButton()};
+    std::vector<QWidget*> result = head().controls();
     for (AgentSummaryCard* card : cards_) {
         result.push_back(card);
         if (QWidget* button = card->wayOutButton()) {
@@ -83,24 +79,9 @@ void OverviewPage::scrollToTop() {
     scroller_->verticalScrollBar()->setValue(0);
 }
 
-void OverviewPage::showAgent(const AgentProviderID& id) {
-    for (AgentSummaryCard* card : cards_) {
-        if (card->agent() == id) {
-            scroller_->ensureWidgetVisible(card, 0, gap);
-            card->takeKeyboard();
-        }
-    }
-}
-
-void OverviewPage::resizeEvent(QResizeEvent* /*event*/) {
-    arrange();
-}
-
 void OverviewPage::arrange() {
     const int wide = std::max(width() - 2 * margin, 0);
-    head_->setGeometry(0, 0, width(), PageHead::headHeight);
-    scroller_->setGeometry(0, PageHead::headHeight, width(),
-                           std::max(height() - PageHead::headHeight, 0));
+    scroller_->setGeometry(body());
     int top = 0;
     for (kit::Notice* notice : {verdict_, setupHint_}) {
         if (!notice->isVisibleTo(column_)) {

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "presentation/AgentUIActions.h"
-#include "presentation/MainWindowContent.h"
-
-#include <QWidget>
+#include "presentation/OverviewPageContent.h"
+#include "ui/window/WindowPage.h"
 
 #include <vector>
 
@@ -15,29 +14,21 @@ class ScrollArea;
 } // namespace kit
 class AgentSummaryCard;
 class NoAgentsHint;
-class PageHead;
 
 /// The main window's overview: what is worst in one sentence, and a card per agent.
-class OverviewPage : public QWidget {
+class OverviewPage : public WindowPage {
 public:
     OverviewPage(const AgentUIActions& actions, QWidget* parent);
 
-    void setContent(const OverviewContent& content);
-    /// Shows the first line again.
-    void scrollToTop();
-    /// Brings an agent's card into view and gives it the keyboard.
-    void showAgent(const AgentProviderID& id);
-    /// The controls in reading order.
-    std::vector<QWidget*> controls() const;
+    void setContent(const OverviewPageContent& content);
+    std::vector<QWidget*> controls() const override;
+    void scrollToTop() override;
 
 protected:
-    void resizeEvent(QResizeEvent* event) override;
+    void arrange() override;
 
 private:
-    void arrange();
-
     const AgentUIActions& actions_;
-    PageHead* head_;
     kit::ScrollArea* scroller_;
     QWidget* column_;
     kit::Notice* verdict_;

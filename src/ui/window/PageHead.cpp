@@ -22,28 +22,39 @@ PageHead::PageHead(QWidget* parent)
     age_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
 }
 
-void PageHead::setTitle(const QString& title, const QString& subtitle) {
-    title_->setWords(title);
-    subtitle_->setWords(subtitle);
-}
-
-void PageHead::setAge(const QString& age) {
-    age_->setWords(age);
-    arrange();
-}
-
-void PageHead::setRefresh(const ControlContent& refresh, const std::vector<std::string>& titles,
-                          bool isRefreshing) {
+void PageHead::setContent(const PageHeadContent& content) {
+    title_->setWords(qString(content.title));
+    subtitle_->setWords(qString(content.subtitle));
+    age_->setWords(qString(content.age));
     QStringList widest;
-    for (const std::string& title : titles) {
+    for (const std::string& title : content.refreshTitles) {
         widest << qString(title);
     }
     refresh_->reserveWidthFor(widest);
-    refresh_->setIconName(refresh.icon);
-    refresh_->setText(qString(refresh.title));
-    refresh_->setToolTip(qString(refresh.help));
-    refresh_->setTurning(isRefreshing);
+    refresh_->setIconName(content.refresh.icon);
+    refresh_->setText(qString(content.refresh.title));
+    refresh_->setToolTip(qString(content.refresh.help));
+    refresh_->setTurning(content.isRefreshing);
+    refresh_->setVisible(!content.refresh.title.empty());
     arrange();
+}
+
+void PageHead::addControl(QWidget* control) {
+    control->setParent(this);
+    control->show();
+    added_.push_back(control);
+    arrange();
+}
+
+void PageHead::setTitleInset(int inset) {
+    titleInset_ = inset;
+    arrange();
+}
+
+std::vector<QWidget*> PageHead::controls() const {
+    std::vector<QWidget*> result(added_.rbegin(), added_.rend());
+    result.push_back(refresh_);
+    return result;
 }
 
 void PageHead::resizeEvent(QResizeEvent* /*event*/) {
@@ -51,13 +62,23 @@ void PageHead::resizeEvent(QResizeEvent* /*event*/) {
 }
 
 void PageHead::arrange() {
-    const QSize button = refresh_->sizeHint();
-    refresh_->setGeometry(width() - margin - button.width(), top, button.width(), button.height());
+    int right = width() - margin;
+    std::vector<QWidget*> fromRight{refresh_};
+    fromRight.insert(fromRight.end(), added_.begin(), added_.end());
+    for (QWidget* control : fromRight) {
+        if (!control->isVisibleTo(this)) {
+            continue;
+        }
+        const QSize size = control->sizeHint();
+        control->setGeometry(right - size.width(), top, size.width(), size.height());
+        right = control->x() - gap;
+    }
     const int age = age_->wantedWidth();
-    age_->setGeometry(refresh_->x() - gap - age, top, age, button.height());
-    const int wide = std::max(age_->x() - gap - margin, 0);
-    title_->setGeometry(margin, top, wide, kit::style::title.lineHeight);
-    subtitle_->setGeometry(margin, top + kit::style::title.lineHeight + subtitleGap, wide,
+    age_->setGeometry(right - age, top, age, refresh_->sizeHint().height());
+    const int left = margin + titleInset_;
+    const int wide = std::max(age_->x() - gap - left, 0);
+    title_->setGeometry(left, top, wide, kit::style::title.lineHeight);
+    subtitle_->setGeometry(left, top + kit::style::title.lineHeight + subtitleGap, wide,
                            kit::style::text.lineHeight);
 }
 

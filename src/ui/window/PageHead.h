@@ -1,8 +1,10 @@
 #pragma once
 
-#include "presentation/PopoverContent.h"
+#include "presentation/PageHeadContent.h"
 
 #include <QWidget>
+
+#include <vector>
 
 namespace vellmark {
 
@@ -12,7 +14,7 @@ class Label;
 } // namespace kit
 
 /// The head of a page, 92 high and as wide as the page, so that the button's focus ring has room:
-/// title and subtitle, at the right the age of the figures and the refresh button.
+/// title and subtitle, at the right the age of the figures and the buttons.
 class PageHead : public QWidget {
 public:
     static constexpr int headHeight = 92;
@@ -21,12 +23,15 @@ public:
 
     explicit PageHead(QWidget* parent = nullptr);
 
-    void setTitle(const QString& title, const QString& subtitle);
-    void setAge(const QString& age);
-    /// `titles` are all that the button may say.
-    void setRefresh(const ControlContent& refresh, const std::vector<std::string>& titles,
-                    bool isRefreshing);
+    void setContent(const PageHeadContent& content);
     kit::Button* refreshButton() const { return refresh_; }
+    /// Takes over a control of the page that stands at the right, before those added earlier and
+    /// before the refresh button.
+    void addControl(QWidget* control);
+    /// Room for what the page draws before the title; 0 at first.
+    void setTitleInset(int inset);
+    /// The controls from the left, hidden ones among them.
+    std::vector<QWidget*> controls() const;
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -38,6 +43,9 @@ private:
     kit::Label* subtitle_;
     kit::Label* age_;
     kit::Button* refresh_;
+    /// From the right, before the refresh button.
+    std::vector<QWidget*> added_;
+    int titleInset_ = 0;
 };
 
 } // namespace vellmark

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "presentation/MainWindowContent.h"
+#include "presentation/SidebarContent.h"
 
 #include <QWidget>
 

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "platform/Preferences.h"
+#include "presentation/AppAppearance.h"
+#include "presentation/LanguageManager.h"
+#include "presentation/MainWindowActions.h"
+#include "presentation/MainWindowContent.h"
+#include "store/AgentUsageStore.h"
+
+#include <functional>
+
+namespace vellmark {
+
+/// What stands on the pages of the main window: builds the content of the shown one from the store
+/// and the settings, and answers what the pages ask for. Main thread.
+class MainWindowPages {
+public:
+    struct Sources {
+        AgentUsageStore& store;
+        Preferences& preferences;
+        LanguageManager& language;
+        AppAppearance& appearance;
+        AgentUIActions actions;
+        /// Shows the content anew, after a page has changed what it depends on.
+        std::function<void()> update;
+    };
+    explicit MainWindowPages(Sources sources);
+
+    /// What the pages may ask for. Valid as long as this.
+    MainWindowActions actions();
+    /// Whether the overview says that something is left to set up.
+    void setAsksForSetup(bool asks) { asksForSetup_ = asks; }
+    MainWindowContent content(const AgentPage& selection, Instant now) const;
+
+private:
+    PageContent contentOf(const AgentPage& page, Instant now) const;
+
+    Sources sources_;
+    bool asksForSetup_ = false;
+    // provider
+
+    // history
+
+    // activity
+
+    // settings
+
+    // help
+
+    // about
+};
+
+} // namespace vellmark

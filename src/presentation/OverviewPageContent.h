@@ -1,0 +1,39 @@
+#pragma once
+
+#include "presentation/PageHeadContent.h"
+#include "presentation/PopoverContent.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vellmark {
+
+/// The line under the overview's head that is always there.
+struct VerdictContent {
+    /// `healthy` and `unavailable` are neutral.
+    UsageHealth tone = UsageHealth::healthy;
+    /// A symbol's name.
+    std::string icon;
+    /// Agent and window, stressed and before the text; empty where all agents are meant.
+    std::string subject;
+    std::string text;
+    bool operator==(const VerdictContent&) const = default;
+};
+
+struct OverviewPageContent {
+    PageHeadContent head;
+    VerdictContent verdict;
+    /// That something is left to install or to log in to; empty when nothing is.
+    std::string setupHint;
+    std::vector<AgentBlockContent> cards;
+    std::optional<NoAgentsContent> noAgents;
+
+    bool operator==(const OverviewPageContent&) const = default;
+};
+
+/// `asksForSetup` adds the hint about what is left to set up.
+OverviewPageContent overviewPageContent(const UsageState& state, Instant now,
+                                        const Localization& words, bool asksForSetup = false);
+
+} // namespace vellmark
