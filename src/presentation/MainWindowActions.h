@@ -1,6 +1,7 @@
 #pragma once
 
 #include "presentation/AgentUIActions.h"
+#include "presentation/SettingsPageContent.h"
 
 namespace vellmark {
 
@@ -15,6 +16,7 @@ struct MainWindowActions {
     // activity
 
     // settings
+    SettingsPageActions settings;
 
     // help
 

@@ -3,6 +3,7 @@
 #include "presentation/AgentPage.h"
 #include "presentation/OverviewPageContent.h"
 #include "presentation/PageHeadContent.h"
+#include "presentation/SettingsPageContent.h"
 #include "presentation/SidebarContent.h"
 
 #include <variant>
@@ -22,6 +23,7 @@ using PageContent = std::variant<
     // activity
 
     // settings
+    SettingsPageContent,
 
     // help
 

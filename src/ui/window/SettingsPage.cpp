@@ -25,7 +25,7 @@ namespace {
 
 constexpr int margin = PageHead::margin;
 /// The first section begins nearer to the head than a section to the one before it.
-constexpr int raise = 14;
+constexpr int headOverlap = 14;
 /// A label and its control lie too far apart to be seen as one in a wider form.
 constexpr int widestForm = 880;
 constexpr int troubleBelow = 12;
@@ -294,7 +294,7 @@ void SettingsPage::arrange() {
         rest.setTop(rest.top() + trouble_->height() + troubleBelow);
     }
     // The scrolled part reaches up to where the first heading begins.
-    rest.setTop(rest.top() - raise);
+    rest.setTop(rest.top() - headOverlap);
     scroller_->setGeometry(rest);
     int top = 0;
     for (kit::FormSection* section : sections()) {

@@ -2,6 +2,7 @@
 
 #include "ui/window/HeadOnlyPage.h"
 #include "ui/window/OverviewPage.h"
+#include "ui/window/SettingsPage.h"
 
 namespace vellmark {
 
@@ -25,6 +26,7 @@ struct Giver {
     // activity
 
     // settings
+    void operator()(const SettingsPageContent& content) const { give<SettingsPage>(page, content); }
 
     // help
 
@@ -45,7 +47,7 @@ WindowPage* makePage(AgentPage::Kind kind, const MainWindowActions& actions, QWi
     case Kind::activity:
         return new HeadOnlyPage(parent);
     case Kind::settings:
-        return new HeadOnlyPage(parent);
+        return new SettingsPage(actions.settings, actions.program.startSetup, parent);
     case Kind::help:
         return new HeadOnlyPage(parent);
     case Kind::about:
