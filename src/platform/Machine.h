@@ -27,6 +27,9 @@ struct Machine {
     Environment environment;
     /// Answers whether a credential exists, without reading it.
     std::shared_ptr<const CredentialStore> credentials;
+    /// The programs that the user has chosen as CLIs, by the agent's identifier; nobody looks for
+    /// others of these agents.
+    std::map<std::string, std::filesystem::path> chosenExecutables;
 
     bool isSandbox() const { return !root.empty(); }
     std::filesystem::path supportDirectory() const { return applicationSupport / "Vellmark"; }

@@ -75,6 +75,7 @@ struct AgentUsageStore::State {
     std::map<AgentProviderID, int> failedAttempts;
     std::map<AgentProviderID, Instant> lastEnds; ///< of readings, good or bad
     std::set<AgentProviderID> readWell;          ///< by the running refresh
+    bool isOfAllAgents = false;                  ///< the running refresh
     std::set<StoreFiles::File> failingFiles;
     Instant heldSince{};
     bool isTerminating = false;
@@ -98,7 +99,7 @@ AgentUsageStore::State::State(Configuration configuration, MainExecutor& mainExe
                  },
              .trouble = [this](StoreFiles::File file,
                                const StorageTrouble::News& news) { noteTrouble(file, news); }}),
-      fetcher(mainExecutor) {
+      fetcher(mainExecutor, config.machine.home.string()) {
     for (const ProviderRegistration& registration : config.registrations) {
         const ProviderDescriptor& descriptor = registration.descriptor;
         ReadingOptions options = settings.readingOptions(descriptor);
@@ -203,6 +204,9 @@ bool AgentUsageStore::State::mayRead(const AgentProviderID& id, RefreshTrigger t
     if (isRoutine && !schedule.isDue(id, now())) {
         return false;
     }
+    if (trigger == RefreshTrigger::window && wasReadJustNow(id)) {
+        return false;
+    }
     return trigger == RefreshTrigger::manual || agents.at(id).provider->pace().automatic;
 }
 
@@ -241,7 +245,7 @@ void AgentUsageStore::State::join(RefreshTrigger trigger, const std::vector<Agen
     for (const AgentProviderID& id : ids) {
         // Also one that this refresh has already read: who asks now wants to know how it is now,
         // whatever holds up another agent.
-        if (!run->isReading(id) && !(trigger == RefreshTrigger::window && wasReadJustNow(id))) {
+        if (!run->isReading(id)) {
             missing.push_back(id);
         }
     }
@@ -299,6 +303,7 @@ void AgentUsageStore::State::takeReading(AgentUsageSnapshot snapshot, Seconds el
     observers.around([&] {
         noteReading(snapshot, elapsed);
         state.lastSuccess[id] = snapshot.updatedAt;
+        state.readingTook[id] = elapsed;
         state.refreshProgress = run->progress();
         readings.succeed(std::move(snapshot));
         // Not at the refresh's end: the program may not live to see it.
@@ -368,7 +373,9 @@ void AgentUsageStore::State::finishIfDone() {
         run.reset();
         state.isRefreshing = false;
         state.refreshProgress = 1;
-        state.lastRefreshCompletedAt = now();
+        if (isOfAllAgents) {
+            state.lastRefreshCompletedAt = now();
+        }
     });
     // What the agents have said is gone by the next turn; what it took is not needed for long.
     executor.post(releaseUnusedMemory);
@@ -376,6 +383,12 @@ void AgentUsageStore::State::finishIfDone() {
 
 void AgentUsageStore::State::publishSnapshots() {
     state.snapshots = readings.shown(state.providerOrder, state.enabledProviderIDs);
+    state.reading.clear();
+    for (const AgentProviderID& id : state.providerOrder) {
+        if (run && run->isReading(id)) {
+            state.reading.insert(id);
+        }
+    }
     publishSchedule();
 }
 
@@ -426,6 +439,8 @@ void AgentUsageStore::refresh(RefreshTrigger trigger, const std::vector<AgentPro
         return;
     }
     const auto asked = d_->askedFor(trigger, agents);
+    const bool asksForAll = agents.empty() || asked.size() == d_->state.enabledProviderIDs.size();
+    d_->isOfAllAgents = asksForAll || (d_->run && d_->isOfAllAgents);
     if (d_->run) {
         d_->join(trigger, asked);
     } else if (!asked.empty()) {

@@ -61,7 +61,7 @@ public:
     /// Refreshes the enabled agents, or those of them that are named. A request during a running
     /// refresh is merged into it and starts every agent that is not being read, whatever holds up
     /// another one. `timer` and `window` do nothing while automatic refreshes are held; `window`
-    /// also not within 60 s of the last refresh's end, or of an agent's reading by a running one.
+    /// also not within 60 s of the end of the last refresh of all agents, or of an agent's reading.
     /// Both leave alone an agent whose service has refused lately (see ReadingSchedule). All but
     /// `manual` leave alone one that would spend quota.
     void refresh(RefreshTrigger trigger, const std::vector<AgentProviderID>& agents = {});
