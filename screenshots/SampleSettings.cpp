@@ -30,6 +30,16 @@ Value program(const AgentProviderID& id, std::string path) {
             std::move(path)};
 }
 
+Value readingWay() {
+    return {{.name = "claude-way",
+             .kind = Kind::way,
+             .preferenceKey = {},
+             .wordsKey = "settings.way",
+             .values = {"automatic", "query", "session"},
+             .agent = AgentProviderID::claude()},
+            "automatic"};
+}
+
 AgentFacts facts(const AgentProviderID& id, const char* path, const char* version) {
     return {id, path, version, true};
 }
@@ -70,7 +80,8 @@ SettingsPageState settings() {
                {"none", "least-left"}),
         program(AgentProviderID::codex(), "automatic"),
         program(AgentProviderID::claude(), "automatic"),
-        program(AgentProviderID::antigravity(), "automatic")};
+        program(AgentProviderID::antigravity(), "automatic"),
+        readingWay()};
     state.launchAtLogin = LaunchAtLoginController::State::on;
     state.order = {AgentProviderID::codex(), AgentProviderID::claude(),
                    AgentProviderID::antigravity()};

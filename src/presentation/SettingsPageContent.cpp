@@ -1,6 +1,7 @@
 #include "presentation/SettingsPageContent.h"
 
 #include "model/UsageTexts.h"
+#include "presentation/AgentBlockContent.h"
 #include "probes/VersionNumber.h"
 #include "text/Formatting.h"
 #include "text/TerminalText.h"
@@ -8,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
 
 namespace vellmark {
 namespace {
@@ -123,6 +125,34 @@ AgentSettingContent agentContent(const ProviderDescriptor& agent, std::size_t pl
     return content;
 }
 
+/// What is set of the readings of one agent.
+SettingRowContent wayRow(const Value& setting, const std::string& agent,
+                         const Localization& words) {
+    const SettingItem& item = setting.item;
+    SettingChoices choices{.current = setting.value, .form = SettingChoices::Form::popUp};
+    if (item.kind == Kind::way) {
+        for (const std::string& value : item.values) {
+            choices.choices.push_back({value, words.text(item.wordsKey + "." + value)});
+        }
+    } else {
+        choices.choices.push_back({std::string(automaticValue),
+                                   words.text(item.wordsKey + "." + std::string(automaticValue))});
+        std::set<int> minutes{15, 30, 60, 120, 240};
+        // One that the terminal has set.
+        if (setting.value != automaticValue) {
+            minutes.insert(std::atoi(setting.value.c_str()));
+        }
+        for (const int span : minutes) {
+            const std::string value = std::to_string(span);
+            choices.choices.push_back({value, words.format(item.wordsKey + ".minutes", {value})});
+        }
+    }
+    return {.name = item.name,
+            .label = words.format(item.wordsKey, {agent}),
+            .explanation = words.text(item.wordsKey + ".hint"),
+            .control = std::move(choices)};
+}
+
 AgentProgramContent programContent(const ProviderDescriptor& agent, const SettingsPageState& state,
                                    const Machine& machine, const Localization& words) {
     AgentProgramContent content{.id = agent.id, .label = words.text(agent.sourceKey)};
@@ -130,6 +160,12 @@ AgentProgramContent programContent(const ProviderDescriptor& agent, const Settin
     const Value* setting = find(state, Kind::executable, agent.id);
     if (setting != nullptr && setting->value != automaticValue) {
         content.chosenPath = singleLine(machine.abbreviated(setting->value));
+    }
+    for (const Value& value : state.settings) {
+        if (value.item.agent == agent.id &&
+            (value.item.kind == Kind::way || value.item.kind == Kind::minutes)) {
+            content.ways.push_back(wayRow(value, agentName(agent.id, words), words));
+        }
     }
     const AgentFacts* facts = factsOf(state, agent.id);
     if (facts == nullptr) {
@@ -253,7 +289,7 @@ SettingsPageContent settingsPageContent(const SettingsPageState& state, const Ma
         words.text("settings.openSetup"), {}, words.text("settings.openSetup.help")};
     content.trouble = state.trouble;
     content.agentsHeading = words.text("nav.section.agents");
-    content.agentsHint = words.text("settings.agents.hint");
+    content.agentsHint = words.text("settings.agentOrder.help");
     content.isChecking = state.isChecking;
     content.checkAgain = {
         words.text(state.isChecking ? "settings.cli.checking" : "settings.cli.recheck"),

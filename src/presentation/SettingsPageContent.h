@@ -97,6 +97,8 @@ struct AgentProgramContent {
     std::string chosenPath;
     /// Stands where none is chosen: the path that was found, or that there is none.
     std::string foundPath;
+    /// How it is read, and how often, where there is a choice.
+    std::vector<SettingRowContent> ways;
     bool operator==(const AgentProgramContent&) const = default;
 };
 

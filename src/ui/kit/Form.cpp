@@ -22,6 +22,8 @@ constexpr int verticalPadding = 7;
 constexpr int stackGap = 8;
 /// With less room than this the words break too often to be read beside the controls.
 constexpr int leastWordsWidth = 220;
+/// An explanation of this width is easily read.
+constexpr int easyWordsWidth = 400;
 constexpr int hairline = 1;
 
 constexpr int headingAbove = 12;
@@ -111,8 +113,12 @@ FormRow::Plan FormRow::plan(int width) const {
     const int leastWords = std::min(wanted, leastWordsWidth);
     const int between = plan.controlsWidth == 0 ? 0 : gap;
     plan.isBeside = room - between - leastControls >= leastWords;
-    plan.controlsWidth = std::min(plan.controlsWidth,
-                                  plan.isBeside ? std::max(room - between - leastWords, 0) : room);
+    // A control that can give way does so for the sake of fewer lines.
+    const int easyWords =
+        std::max(leastWords, std::min(explanation_->wantedWidth(), easyWordsWidth));
+    plan.controlsWidth =
+        plan.isBeside ? std::clamp(room - between - easyWords, leastControls, plan.controlsWidth)
+                      : std::min(plan.controlsWidth, room);
     plan.wordsWidth = plan.isBeside ? room - between - plan.controlsWidth : room;
     plan.labelHeight = label_->heightForWidth(plan.wordsWidth);
     plan.explanationHeight =
@@ -184,14 +190,14 @@ void FormRow::paintEvent(QPaintEvent* /*event*/) {
 
 FormCard::FormCard(QWidget* parent) : QWidget(parent) {}
 
-void FormCard::setRows(std::vector<FormRow*> rows) {
+void FormCard::setRows(const std::vector<FormRow*>& rows) {
     for (FormRow* row : rows_) {
-        if (std::ranges::find(rows, row) == rows.end()) {
+        if (row != nullptr && std::ranges::find(rows, row) == rows.end()) {
             row->hide();
         }
     }
-    rows_ = std::move(rows);
-    for (FormRow* row : rows_) {
+    rows_.assign(rows.begin(), rows.end());
+    for (FormRow* row : rows) {
         if (row->parentWidget() != this) {
             row->setParent(this);
             row->show();
@@ -203,8 +209,11 @@ void FormCard::setRows(std::vector<FormRow*> rows) {
 
 std::vector<FormRow*> FormCard::shownRows() const {
     std::vector<FormRow*> shown;
-    std::ranges::copy_if(rows_, std::back_inserter(shown),
-                         [](const FormRow* row) { return !row->isHidden(); });
+    for (FormRow* row : rows_) {
+        if (row != nullptr && !row->isHidden()) {
+            shown.push_back(row);
+        }
+    }
     return shown;
 }
 

@@ -3,6 +3,7 @@
 #include "ui/kit/TextStyle.h"
 
 #include <QMargins>
+#include <QPointer>
 #include <QWidget>
 
 #include <vector>
@@ -80,8 +81,7 @@ public:
     explicit FormCard(QWidget* parent = nullptr);
 
     /// From top to bottom; rows that are no longer in it are hidden, not deleted.
-    void setRows(std::vector<FormRow*> rows);
-    const std::vector<FormRow*>& rows() const { return rows_; }
+    void setRows(const std::vector<FormRow*>& rows);
     /// To be called when a row's height may have changed.
     virtual void arrange();
 
@@ -94,7 +94,7 @@ protected:
     std::vector<FormRow*> shownRows() const;
 
 private:
-    std::vector<FormRow*> rows_;
+    std::vector<QPointer<FormRow>> rows_;
 };
 
 /// A heading with an optional button at its end, a card of rows, and an optional hint under it.

@@ -15,7 +15,9 @@ namespace {
 constexpr int gap = 8;
 constexpr int wantedFieldWidth = 260;
 constexpr int leastFieldWidth = 160;
-constexpr int iconSide = 14;
+constexpr int iconSide = 12;
+constexpr int resetSide = 20;
+constexpr int resetInset = 4;
 } // namespace
 
 PathField::PathField(QWidget* parent)
@@ -53,8 +55,7 @@ void PathField::setPaths(const QString& chosen, const QString& found) {
         field_->setCursorPosition(0);
     }
     reset_->setVisible(!chosen.isEmpty());
-    updateGeometry();
-    resizeEvent(nullptr);
+    field_->setRoomAtEnd(chosen.isEmpty() ? 0 : resetSide);
 }
 
 void PathField::setWords(const QString& choose, const QString& reset) {
@@ -70,7 +71,7 @@ void PathField::setFieldName(const QString& name) {
 }
 
 std::vector<QWidget*> PathField::controls() const {
-    return {field_, choose_, reset_};
+    return {field_, reset_, choose_};
 }
 
 void PathField::enter() {
@@ -99,35 +100,21 @@ bool PathField::eventFilter(QObject* watched, QEvent* event) {
     return QWidget::eventFilter(watched, event);
 }
 
-int PathField::buttonsWidth() const {
-    int width = gap + choose_->sizeHint().width();
-    if (!reset_->isHidden()) {
-        width += gap + reset_->sizeHint().width();
-    }
-    return width;
-}
-
 QSize PathField::sizeHint() const {
-    return {wantedFieldWidth + buttonsWidth(), field_->sizeHint().height()};
+    return {wantedFieldWidth + gap + choose_->sizeHint().width(), field_->sizeHint().height()};
 }
 
 QSize PathField::minimumSizeHint() const {
-    return {leastFieldWidth + buttonsWidth(), field_->sizeHint().height()};
+    return {leastFieldWidth + gap + choose_->sizeHint().width(), field_->sizeHint().height()};
 }
 
 void PathField::resizeEvent(QResizeEvent* /*event*/) {
-    int right = width();
-    const auto place = [&](QWidget* button) {
-        const QSize size = button->sizeHint();
-        right -= size.width();
-        button->setGeometry(right, (height() - size.height()) / 2, size.width(), size.height());
-        right -= gap;
-    };
-    place(choose_);
-    if (!reset_->isHidden()) {
-        place(reset_);
-    }
-    field_->setGeometry(0, 0, std::max(right, 0), height());
+    const QSize choose = choose_->sizeHint();
+    choose_->setGeometry(width() - choose.width(), (height() - choose.height()) / 2, choose.width(),
+                         choose.height());
+    field_->setGeometry(0, 0, std::max(choose_->x() - gap, 0), height());
+    reset_->setGeometry(field_->width() - resetSide - resetInset, (height() - resetSide) / 2,
+                        resetSide, resetSide);
 }
 
 } // namespace vellmark::kit

@@ -11,7 +11,8 @@ class Button;
 class Field;
 
 /// The path of a file: typed, chosen in a dialog that the owner opens, or left to be found. The
-/// found one stands in grey until another is chosen, and comes back when that is taken away.
+/// found one stands in grey until another is chosen, and comes back when that is taken away by the
+/// cross at its end.
 class PathField : public QWidget {
 public:
     explicit PathField(QWidget* parent = nullptr);
@@ -26,6 +27,7 @@ public:
     std::function<void()> onBrowse;
     std::function<void()> onReset;
 
+    /// In reading order.
     std::vector<QWidget*> controls() const;
     Field* field() const { return field_; }
     Button* chooseButton() const { return choose_; }
@@ -39,7 +41,6 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    int buttonsWidth() const;
     void enter();
 
     QString chosen_;

@@ -18,7 +18,7 @@ constexpr int questionWidth = 420;
 constexpr int margin = 24;
 constexpr int titleGap = 8;
 constexpr int buttonsAbove = 20;
-constexpr int gap = 8;
+constexpr int gap = 12;
 } // namespace
 
 Question* Question::ask(QWidget* over, const Look& look, std::function<void()> onDeed) {

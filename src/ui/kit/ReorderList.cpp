@@ -168,7 +168,7 @@ void ReorderList::drop(bool isWanted) {
 void ReorderList::arrange() {
     if (dragged_ == nullptr) {
         FormCard::arrange();
-        for (FormRow* row : rows()) {
+        for (FormRow* row : shownRows()) {
             // Once is enough for a row; Qt keeps no filter twice.
             for (QWidget* control : row->findChildren<QWidget*>()) {
                 control->installEventFilter(this);
@@ -199,7 +199,7 @@ bool ReorderList::eventFilter(QObject* watched, QEvent* event) {
         const auto& key = static_cast<const QKeyEvent&>(*event);
         const int places = placesOf(key);
         if (places != 0 && (key.modifiers() & Qt::AltModifier) != 0) {
-            for (FormRow* row : rows()) {
+            for (FormRow* row : shownRows()) {
                 if (row->isAncestorOf(static_cast<QWidget*>(watched))) {
                     step(row, places);
                     return true;

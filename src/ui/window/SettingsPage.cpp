@@ -124,7 +124,7 @@ void SettingsPage::updatePrograms(const SettingsPageContent& content) {
             program = *known;
             former.erase(known);
         } else {
-            program = {agent.id, new kit::FormRow, new kit::PathField};
+            program = {agent.id, new kit::FormRow, new kit::PathField, {}};
             program.row->addControl(program.field);
             program.field->onEnter = [this, id = agent.id](const QString& path) {
                 actions_.chooseProgram(id, path.toStdString());
@@ -137,12 +137,18 @@ void SettingsPage::updatePrograms(const SettingsPageContent& content) {
         program.field->setFieldName(qString(agent.label));
         program.field->setPaths(qString(agent.chosenPath), qString(agent.foundPath));
         program.row->setWords(qString(agent.label), qString(agent.explanation));
-        programs_.push_back(program);
         rows.push_back(program.row);
+        for (SettingRow* way : updateRows(program.ways, agent.ways)) {
+            rows.push_back(way);
+        }
+        programs_.push_back(program);
     }
     programSection_->card()->setRows(rows);
     for (const Program& gone : former) {
         delete gone.row;
+        for (const SettingRow* way : gone.ways) {
+            delete way;
+        }
     }
 }
 
@@ -159,31 +165,31 @@ void SettingsPage::updateSections(std::vector<Section>& sections,
     for (std::size_t index = 0; index < contents.size(); ++index) {
         sections[index].view->setHeading(qString(contents[index].heading));
         sections[index].view->setHint(qString(contents[index].hint));
-        updateRows(sections[index], contents[index].rows);
+        const std::vector<SettingRow*>& rows =
+            updateRows(sections[index].rows, contents[index].rows);
+        sections[index].view->card()->setRows({rows.begin(), rows.end()});
     }
 }
 
-void SettingsPage::updateRows(Section& section, const std::vector<SettingRowContent>& contents) {
-    std::vector<SettingRow*> former = std::exchange(section.rows, {});
-    std::vector<kit::FormRow*> rows;
+const std::vector<SettingRow*>&
+SettingsPage::updateRows(std::vector<SettingRow*>& rows,
+                         const std::vector<SettingRowContent>& contents) {
+    std::vector<SettingRow*> former = std::exchange(rows, {});
     for (const SettingRowContent& content : contents) {
         const auto known = std::ranges::find(former, content.name, &SettingRow::name);
-        SettingRow* row = nullptr;
         if (known != former.end()) {
-            row = *known;
+            rows.push_back(*known);
             former.erase(known);
         } else {
-            row = new SettingRow(content.name, actions_,
-                                 [this](const std::string& name) { press(name); });
+            rows.push_back(new SettingRow(content.name, actions_,
+                                          [this](const std::string& name) { press(name); }));
         }
-        row->setContent(content);
-        section.rows.push_back(row);
-        rows.push_back(row);
+        rows.back()->setContent(content);
     }
-    section.view->card()->setRows(rows);
-    for (SettingRow* gone : former) {
+    for (const SettingRow* gone : former) {
         delete gone;
     }
+    return rows;
 }
 
 void SettingsPage::moveAgent(int from, int to) {
@@ -261,6 +267,9 @@ std::vector<QWidget*> SettingsPage::controls() const {
     addSections(first_);
     for (const Program& program : programs_) {
         add(program.field->controls());
+        for (const SettingRow* way : program.ways) {
+            add(way->controls());
+        }
     }
     addSections(last_);
     return result;

@@ -59,13 +59,16 @@ private:
         AgentProviderID id;
         kit::FormRow* row = nullptr;
         kit::PathField* field = nullptr;
+        std::vector<SettingRow*> ways;
     };
 
     void updateAgents(const SettingsPageContent& content);
     void updatePrograms(const SettingsPageContent& content);
     void updateSections(std::vector<Section>& sections,
                         const std::vector<SettingsSectionContent>& contents);
-    void updateRows(Section& section, const std::vector<SettingRowContent>& contents);
+    /// The rows of `contents` in place of those there were.
+    const std::vector<SettingRow*>& updateRows(std::vector<SettingRow*>& rows,
+                                               const std::vector<SettingRowContent>& contents);
     void moveAgent(int from, int to);
     void press(const std::string& name);
     void ask(const QuestionContent& question, const std::string& name);
