@@ -8,6 +8,7 @@
 #include "ui/AboutWindow.h"
 #include "ui/Conversions.h"
 #include "ui/kit/Question.h"
+#include "ui/LegalWindow.h"
 #include "ui/kit/Theme.h"
 #include "ui/popover/AgentUsagePopoverView.h"
 #include "ui/popover/Popover.h"
@@ -147,12 +148,28 @@ QImage drawAbout(const std::string& language, double scale) {
     return drawWhole(window, scale);
 }
 
+QImage drawLegal(LegalDocument document, bool needsNotice, const std::string& language,
+                 double scale) {
+    LegalWindow window({.choose = [](LegalDocument) {}, .accept = [] {}});
+    window.setContent(legalWindowContent(document, needsNotice, samples::words(language)));
+    return drawWhole(window, scale);
+}
+
+Scene legalScene(std::string name, LegalDocument document, bool needsNotice) {
+    return {"legal-" + std::move(name),
+            [document, needsNotice](const std::string& language, double scale) {
+                return drawLegal(document, needsNotice, language, scale);
+            }};
+}
+
 } // namespace
 
 std::vector<Scene> allScenes() {
     return {
         {"kit", drawKit},
         {"about", drawAbout},
+        legalScene("notice", LegalDocument::terms, true),
+        legalScene("privacy", LegalDocument::privacy, false),
         popoverScene("overview", samples::normal),
         popoverScene("refreshing", samples::refreshing),
         popoverScene("healthy", samples::healthy),

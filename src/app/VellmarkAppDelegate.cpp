@@ -4,12 +4,14 @@
 #include "platform/ContinuousClock.h"
 #include "platform/InstanceIdentifier.h"
 #include "platform/UnusedMemory.h"
+#include "presentation/LegalWindowContent.h"
 #include "presentation/PopoverContent.h"
 #include "process/BoundedProcess.h"
 #include "setup/AgentSetupStatus.h"
 #include "ui/AboutWindow.h"
 #include "ui/Conversions.h"
 #include "ui/GlyphPainter.h"
+#include "ui/LegalWindow.h"
 #include "ui/kit/Motion.h"
 #include "ui/kit/Theme.h"
 #include "ui/popover/AgentUsagePopoverView.h"
@@ -62,7 +64,7 @@ VellmarkAppDelegate::VellmarkAppDelegate(LaunchOptions options, Machine machine)
     : options_(std::move(options)), isRunningTests_(options_.isRunningTests),
       machine_(std::move(machine)), preferences_(makePreferences(machine_)),
       language_(*preferences_, UserLocale::of(machine_.environment), options_.language),
-      appearance_(*preferences_), actions_(makeActions()),
+      appearance_(*preferences_), legal_(*preferences_), actions_(makeActions()),
       mainMenu_(
           {.choose = [this](std::string_view action) { menuItemChosen(action); },
            .isEnabled = [this](std::string_view action) { return validateMenuItem(action); }}),
@@ -76,6 +78,12 @@ VellmarkAppDelegate::VellmarkAppDelegate(LaunchOptions options, Machine machine)
                     .autosaveName = {},
                     .make = [this] { return makeAboutWindow(); },
                     .title = [this] { return qString(words().text("about.title")); },
+                    .onVisibilityChange = {}},
+                   windowPresence_, *preferences_),
+      legalWindow_({.identifier = "legal",
+                    .autosaveName = {},
+                    .make = [this] { return makeLegalWindow(); },
+                    .title = [this] { return qString(words().text("legal.window.title")); },
                     .onVisibilityChange = {}},
                    windowPresence_, *preferences_) {
     navigation_.onChange = [this] {
@@ -241,6 +249,8 @@ void VellmarkAppDelegate::observeLanguage() {
         if (auto* about = dynamic_cast<AboutWindow*>(aboutWindow_.window())) {
             about->setWords(words());
         }
+        legalWindow_.retitle();
+        updateLegalWindow();
         updateVisibleViews();
     };
 }
@@ -272,6 +282,7 @@ void VellmarkAppDelegate::observeWake() {
 
 void VellmarkAppDelegate::runFirstRun() {
     if (preferences_->boolean(setupCompletedKey).value_or(false)) {
+        showLegalNotice();
         return;
     }
     setupCheck_ = std::thread([this] {
@@ -283,8 +294,21 @@ void VellmarkAppDelegate::runFirstRun() {
 }
 
 void VellmarkAppDelegate::finishFirstRun(bool needsSetup) {
-    if (needsSetup && !hasTerminated_) {
+    if (hasTerminated_) {
+        return;
+    }
+    if (needsSetup) {
         askForSetup();
+        return;
+    }
+    preferences_->setBoolean(setupCompletedKey, true);
+    showLegalNotice();
+}
+
+/// A demo is gone in a minute, with whatever was accepted in it.
+void VellmarkAppDelegate::showLegalNotice() {
+    if (legal_.needsNotice() && !options_.isDemo) {
+        showLegal(LegalDocument::terms);
     }
 }
 
@@ -386,6 +410,19 @@ void VellmarkAppDelegate::showAbout() {
     aboutWindow_.show();
 }
 
+void VellmarkAppDelegate::showLegal(LegalDocument document) {
+    closePopover();
+    shownLegal_ = document;
+    legalWindow_.show();
+    updateLegalWindow();
+}
+
+void VellmarkAppDelegate::updateLegalWindow() {
+    if (auto* window = dynamic_cast<LegalWindow*>(legalWindow_.window())) {
+        window->setContent(legalWindowContent(shownLegal_, legal_.needsNotice(), words()));
+    }
+}
+
 std::unique_ptr<QWidget> VellmarkAppDelegate::makeMainWindow() {
     auto window = std::make_unique<AgentMainWindowView>(pages_->actions(), navigation_);
     window->setWindowIcon(applicationIcon());
@@ -404,6 +441,25 @@ std::unique_ptr<QWidget> VellmarkAppDelegate::makeAboutWindow() {
     return window;
 }
 
+std::unique_ptr<QWidget> VellmarkAppDelegate::makeLegalWindow() {
+    auto window =
+        std::make_unique<LegalWindow>(LegalWindow::Actions{.choose =
+                                                               [this](LegalDocument document) {
+                                                                   shownLegal_ = document;
+                                                                   updateLegalWindow();
+                                                               },
+                                                           .accept =
+                                                               [this] {
+                                                                   legal_.accept();
+                                                                   legalWindow_.window()->close();
+                                                                   updateLegalWindow();
+                                                               }});
+    window->setContent(legalWindowContent(shownLegal_, legal_.needsNotice(), words()));
+    window->setWindowIcon(applicationIcon());
+    mainMenu_.attach(*window);
+    return window;
+}
+
 // Actions
 
 AgentUIActions VellmarkAppDelegate::makeActions() {
@@ -414,7 +470,7 @@ AgentUIActions VellmarkAppDelegate::makeActions() {
         .openSettings = [this] { showSettingsFromMenu(); },
         .showAbout = [this] { showAbout(); },
         .startSetup = [this] { askForSetup(); },
-        .showLegal = [this](LegalDocument) { showAbout(); },
+        .showLegal = [this](LegalDocument document) { showLegal(document); },
         .showSupportReport = [this] { showSupportReportFromMenu(); },
         .quit = [] { QCoreApplication::quit(); },
     };
@@ -484,11 +540,11 @@ void VellmarkAppDelegate::openSupport() {
 }
 
 void VellmarkAppDelegate::showTermsFromMenu() {
-    showAbout();
+    showLegal(LegalDocument::terms);
 }
 
 void VellmarkAppDelegate::showPrivacyFromMenu() {
-    showAbout();
+    showLegal(LegalDocument::privacy);
 }
 
 } // namespace vellmark

@@ -16,6 +16,7 @@
 #include "presentation/ClockJump.h"
 #include "presentation/LanguageManager.h"
 #include "presentation/LaunchSequence.h"
+#include "presentation/LegalModel.h"
 #include "presentation/WindowPresenceController.h"
 #include "store/AgentUsageStore.h"
 
@@ -29,6 +30,7 @@
 namespace vellmark {
 
 class AgentMainWindowView;
+class LegalWindow;
 class Popover;
 
 /// The hub of the application: owns the status item, the popover, the menu, every window and the
@@ -84,6 +86,7 @@ private:
     AgentUIActions makeActions();
     std::unique_ptr<QWidget> makeMainWindow();
     std::unique_ptr<QWidget> makeAboutWindow();
+    std::unique_ptr<QWidget> makeLegalWindow();
     const Localization& words() const { return language_.words(); }
 
     void storeChanged();
@@ -98,6 +101,9 @@ private:
     void minuteTick();
     void menuItemChosen(std::string_view action);
     void finishFirstRun(bool needsSetup);
+    void showLegal(LegalDocument document);
+    void showLegalNotice();
+    void updateLegalWindow();
     void askForSetup();
 
     LaunchOptions options_;
@@ -108,6 +114,7 @@ private:
     std::unique_ptr<Preferences> preferences_;
     LanguageManager language_;
     AppAppearance appearance_;
+    LegalModel legal_;
     WindowPresenceController windowPresence_;
     AgentUIActions actions_;
     std::unique_ptr<SingleInstance> singleInstance_;
@@ -125,6 +132,8 @@ private:
     std::unique_ptr<MainWindowPages> pages_;
     WindowController mainWindow_;
     WindowController aboutWindow_;
+    WindowController legalWindow_;
+    LegalDocument shownLegal_ = LegalDocument::terms;
     /// Inside `mainWindow_`, and there while it is.
     QPointer<AgentMainWindowView> mainWindowView_;
     std::unique_ptr<AppLoops> loops_;
