@@ -2,6 +2,7 @@
 
 #include "presentation/MainWindowContent.h"
 #include "presentation/PopoverContent.h"
+#include "screenshots/ChartSheet.h"
 #include "screenshots/KitSheet.h"
 #include "screenshots/SampleSettings.h"
 #include "screenshots/SampleStates.h"
@@ -167,6 +168,7 @@ Scene legalScene(std::string name, LegalDocument document, bool needsNotice) {
 std::vector<Scene> allScenes() {
     return {
         {"kit", drawKit},
+        {"charts", drawChartSheet},
         {"about", drawAbout},
         legalScene("notice", LegalDocument::terms, true),
         legalScene("privacy", LegalDocument::privacy, false),
