@@ -7,6 +7,7 @@
 #include "presentation/HelpPageContent.h"
 #include "presentation/OverviewPageContent.h"
 #include "presentation/PageHeadContent.h"
+#include "presentation/SettingsPageContent.h"
 #include "presentation/SidebarContent.h"
 
 #include <variant>
@@ -27,6 +28,7 @@ using PageContent = std::variant<
     // activity
     ActivityPageContent,
     // settings
+    SettingsPageContent,
 
     // help
     HelpPageContent,

@@ -6,6 +6,7 @@
 #include "ui/window/HeadOnlyPage.h"
 #include "ui/window/HelpPage.h"
 #include "ui/window/OverviewPage.h"
+#include "ui/window/SettingsPage.h"
 
 namespace vellmark {
 
@@ -30,6 +31,7 @@ struct Giver {
     // activity
     void operator()(const ActivityPageContent& content) const { give<ActivityPage>(page, content); }
     // settings
+    void operator()(const SettingsPageContent& content) const { give<SettingsPage>(page, content); }
 
     // help
     void operator()(const HelpPageContent& content) const { give<HelpPage>(page, content); }
@@ -51,7 +53,7 @@ WindowPage* makePage(AgentPage::Kind kind, const MainWindowActions& actions, QWi
     case Kind::activity:
         return new ActivityPage(actions.activity, parent);
     case Kind::settings:
-        return new HeadOnlyPage(parent);
+        return new SettingsPage(actions.settings, actions.program.startSetup, parent);
     case Kind::help:
         return new HelpPage(actions.help, parent);
     case Kind::about:
