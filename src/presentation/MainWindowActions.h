@@ -1,7 +1,11 @@
 #pragma once
 
+#include "presentation/AboutPageActions.h"
+#include "presentation/ActivityPageContent.h"
 #include "presentation/AgentPageContent.h"
 #include "presentation/AgentUIActions.h"
+#include "presentation/HelpPageActions.h"
+#include "presentation/SettingsPageContent.h"
 
 namespace vellmark {
 
@@ -15,12 +19,15 @@ struct MainWindowActions {
     // history
 
     // activity
-
+    ActivityPageActions activity;
     // settings
+    SettingsPageActions settings;
 
     // help
+    HelpPageActions help;
 
     // about
+    AboutPageActions about;
 };
 
 } // namespace vellmark

@@ -1,8 +1,12 @@
 #include "ui/window/WindowPages.h"
 
+#include "ui/window/AboutPage.h"
+#include "ui/window/ActivityPage.h"
 #include "ui/window/AgentDetailPage.h"
 #include "ui/window/HeadOnlyPage.h"
+#include "ui/window/HelpPage.h"
 #include "ui/window/OverviewPage.h"
+#include "ui/window/SettingsPage.h"
 
 namespace vellmark {
 
@@ -25,12 +29,14 @@ struct Giver {
     // history
 
     // activity
-
+    void operator()(const ActivityPageContent& content) const { give<ActivityPage>(page, content); }
     // settings
+    void operator()(const SettingsPageContent& content) const { give<SettingsPage>(page, content); }
 
     // help
-
+    void operator()(const HelpPageContent& content) const { give<HelpPage>(page, content); }
     // about
+    void operator()(const AboutPageContent& content) const { give<AboutPage>(page, content); }
 };
 
 } // namespace
@@ -45,13 +51,13 @@ WindowPage* makePage(AgentPage::Kind kind, const MainWindowActions& actions, QWi
     case Kind::history:
         return new HeadOnlyPage(parent);
     case Kind::activity:
-        return new HeadOnlyPage(parent);
+        return new ActivityPage(actions.activity, parent);
     case Kind::settings:
-        return new HeadOnlyPage(parent);
+        return new SettingsPage(actions.settings, actions.program.startSetup, parent);
     case Kind::help:
-        return new HeadOnlyPage(parent);
+        return new HelpPage(actions.help, parent);
     case Kind::about:
-        return new HeadOnlyPage(parent);
+        return new AboutPage(actions.about, parent);
     }
     return new HeadOnlyPage(parent);
 }
