@@ -1,11 +1,8 @@
 #pragma once
 
 #include "probes/AgentFacts.h"
-#include "store/ActivityEntry.h"
 #include "store/UsageState.h"
 #include "text/Localization.h"
-
-#include <vector>
 
 namespace vellmark {
 
@@ -55,9 +52,6 @@ UsageState oneWindow();
 
 /// What is known of the CLI of an agent.
 AgentFacts facts(const AgentProviderID& agent);
-
-/// Two days of the activity log: quiet refreshes, failures, what the user did.
-std::vector<ActivityEntry> activity(const Localization& words);
 
 } // namespace samples
 

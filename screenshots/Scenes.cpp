@@ -4,19 +4,23 @@
 #include "presentation/PopoverContent.h"
 #include "screenshots/ChartSheet.h"
 #include "screenshots/KitSheet.h"
+#include "screenshots/SampleActivity.h"
 #include "screenshots/SampleHistory.h"
 #include "screenshots/SampleSettings.h"
 #include "screenshots/SampleStates.h"
 #include "ui/AboutWindow.h"
 #include "ui/Conversions.h"
-#include "ui/kit/Question.h"
 #include "ui/LegalWindow.h"
+#include "ui/kit/Question.h"
 #include "ui/kit/Theme.h"
 #include "ui/popover/AgentUsagePopoverView.h"
 #include "ui/popover/Popover.h"
 #include "ui/window/AgentMainWindowView.h"
 
 #include <QApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QListView>
 #include <QPainter>
 
 #include <algorithm>
@@ -157,6 +161,60 @@ Scene agentScene(std::string name, UsageState (*state)(), const AgentScene& scen
                      scene.size);
 }
 
+/// What is done on the page before it is drawn.
+using ActivityPreparation = std::function<void(QWidget& page)>;
+
+Scene activityScene(
+    std::string name, ActivityPreparation prepare = {}, QSize size = AgentMainWindowView::firstSize,
+    std::vector<ActivityEntry> (*entries)(const Localization&) = samples::activity) {
+    const auto draw = [prepare = std::move(prepare), size, entries](const std::string& language,
+                                                                    double scale) {
+        AgentNavigationState navigation;
+        AgentMainWindowView view({.program = noActions()}, navigation);
+        const Localization words = samples::words(language);
+        const UsageState state = samples::normal();
+        ActivityPageContent content = activityPageContent(state, samples::now(), words);
+        if (entries != nullptr) {
+            content.entries = std::make_shared<const std::vector<ActivityEntry>>(entries(words));
+            content.entryCount = content.entries->size();
+        }
+        view.setContent({sidebarItems(state, samples::now(), words),
+                         AgentPage::of(AgentPage::Kind::activity), content});
+        view.resize(size);
+        view.show();
+        settle();
+        if (prepare) {
+            prepare(view);
+        }
+        return drawWhole(view, scale);
+    };
+    return {"window-activity" + std::move(name), draw};
+}
+
+std::vector<ActivityEntry> noEntries(const Localization& /*words*/) {
+    return {};
+}
+
+void unfoldEverything(QWidget& page) {
+    auto* list = page.findChild<QListView*>();
+    for (int row = 0; row < list->model()->rowCount(); ++row) {
+        const bool isError = list->model()
+                                 ->index(row, 0)
+                                 .data(Qt::DisplayRole)
+                                 .toString()
+                                 .contains(QStringLiteral("API Error"));
+        if (isError || row > list->model()->rowCount() - 3) {
+            list->setCurrentIndex(list->model()->index(row, 0));
+            QKeyEvent unfold(QEvent::KeyPress, Qt::Key_Right, Qt::NoModifier);
+            QCoreApplication::sendEvent(list, &unfold);
+        }
+    }
+}
+
+void lookFor(QWidget& page, const QString& words) {
+    page.findChild<QLineEdit*>()->setText(words);
+}
+
 Scene settingsScene(std::string name, SettingsPageState (*settings)(),
                     QSize size = AgentMainWindowView::firstSize) {
     return pageScene(
@@ -272,6 +330,14 @@ std::vector<Scene> allScenes() {
         overviewScene("long-texts", samples::longTexts),
         overviewScene("many-agents", samples::manyAgents),
         // provider
+        activityScene(""),
+        activityScene("-least", {}, AgentMainWindowView::leastSize),
+        activityScene("-wide", {}, {2560, 1400}),
+        activityScene("-unfolded", unfoldEverything),
+        activityScene("-found", [](QWidget& page) { lookFor(page, QStringLiteral("codex 78")); }),
+        activityScene("-not-found", [](QWidget& page) { lookFor(page, QStringLiteral("xyz")); }),
+        activityScene("-empty", {}, AgentMainWindowView::firstSize, noEntries),
+        activityScene("-loading", {}, AgentMainWindowView::firstSize, nullptr),
         agentScene("", samples::inspected),
         agentScene("-day", samples::normal, {.range = ChartRange::day}),
         agentScene("-least", samples::inspected, {.size = AgentMainWindowView::leastSize}),
