@@ -28,7 +28,7 @@ constexpr int cardGap = 16;
 /// With less room than two of these the cards stand one below the other.
 constexpr int leastCardWidth = 328;
 /// Where the window is high, the courses grow, and at some height stop to tell more.
-constexpr int mostGrowth = 120;
+constexpr int mostGrowth = 200;
 
 /// What the way out of a failure does: of this agent alone.
 AgentUIActions actionsFor(const AgentUIActions& program, std::function<void()> refresh) {
