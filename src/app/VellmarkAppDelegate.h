@@ -80,6 +80,7 @@ private:
     void runFirstRun() override;
     void showMainWindow() override;
     void showAbout() override;
+    void showPopover() override;
 
     AgentUIActions makeActions();
     std::unique_ptr<QWidget> makeMainWindow();
@@ -92,6 +93,7 @@ private:
     void updatePopover();
     void rehearsePopover();
     void updateMainWindow();
+    void rememberPage();
     void togglePopoverAt(const QRect& anchor);
     void closePopover();
     void showPage(AgentPage page);
