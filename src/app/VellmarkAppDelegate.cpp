@@ -4,12 +4,17 @@
 #include "platform/ContinuousClock.h"
 #include "platform/InstanceIdentifier.h"
 #include "platform/UnusedMemory.h"
+#include "presentation/AboutPageContent.h"
+#include "presentation/LegalWindowContent.h"
 #include "presentation/PopoverContent.h"
 #include "process/BoundedProcess.h"
 #include "setup/AgentSetupStatus.h"
+#include "store/AppSettings.h"
+#include "text/TerminalText.h"
 #include "ui/AboutWindow.h"
 #include "ui/Conversions.h"
 #include "ui/GlyphPainter.h"
+#include "ui/LegalWindow.h"
 #include "ui/kit/Motion.h"
 #include "ui/kit/Theme.h"
 #include "ui/popover/AgentUsagePopoverView.h"
@@ -20,7 +25,6 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QFileDialog>
-#include <QMessageBox>
 #include <QSaveFile>
 #include <QStandardPaths>
 #include <QUrl>
@@ -63,7 +67,10 @@ VellmarkAppDelegate::VellmarkAppDelegate(LaunchOptions options, Machine machine)
     : options_(std::move(options)), isRunningTests_(options_.isRunningTests),
       machine_(std::move(machine)), preferences_(makePreferences(machine_)),
       language_(*preferences_, UserLocale::of(machine_.environment), options_.language),
-      appearance_(*preferences_), actions_(makeActions()),
+      appearance_(*preferences_), legal_(*preferences_),
+      launchAtLogin_(*preferences_, makeLoginItem(machine_)),
+      windowPresence_([this](ActivationPolicy policy) { windowsCameOrWent(policy); }),
+      actions_(makeActions()),
       mainMenu_(
           {.choose = [this](std::string_view action) { menuItemChosen(action); },
            .isEnabled = [this](std::string_view action) { return validateMenuItem(action); }}),
@@ -81,6 +88,12 @@ VellmarkAppDelegate::VellmarkAppDelegate(LaunchOptions options, Machine machine)
                     .autosaveName = {},
                     .make = [this] { return makeAboutWindow(); },
                     .title = [this] { return qString(words().text("about.title")); },
+                    .onVisibilityChange = {}},
+                   windowPresence_, *preferences_),
+      legalWindow_({.identifier = "legal",
+                    .autosaveName = {},
+                    .make = [this] { return makeLegalWindow(); },
+                    .title = [this] { return qString(words().text("legal.window.title")); },
                     .onVisibilityChange = {}},
                    windowPresence_, *preferences_) {
     navigation_.replaceSelection(
@@ -116,6 +129,7 @@ void VellmarkAppDelegate::applicationWillTerminate() {
     if (isRunningTests_ || std::exchange(hasTerminated_, true)) {
         return;
     }
+    settingsWatch_.reset();
     loops_.reset();
     mainWindow_.saveFrame();
     rememberPage();
@@ -205,17 +219,21 @@ void VellmarkAppDelegate::createStatusItem() {
     }
     pages_ = std::make_unique<MainWindowPages>(
         MainWindowPages::Sources{.store = *store_,
+                                 .machine = machine_,
+                                 .executor = executor_,
                                  .preferences = *preferences_,
                                  .language = language_,
                                  .appearance = appearance_,
                                  .actions = actions_,
                                  .openMenu = openMenu,
-                                 .update = [this] { updateMainWindow(); }});
+                                 .update = [this] { updateMainWindow(); },
+                                 .saveActivity = [this] { saveActivityFromMenu(); }});
     statusItem_ =
         makeStatusItem(loop_, *preferences_,
                        {.toggle = [this](const QRect& anchor) { togglePopoverAt(anchor); },
                         .menuAction = [this](std::string_view action) { menuItemChosen(action); }});
     statusItem_->setPanelScheme(panelScheme_);
+    statusItem_->setInk(valueOf(*preferences_, setting::statusInk));
     statusItem_->setMenu(statusItemMenuContent(words()));
     reevaluateStatusItem();
 }
@@ -260,13 +278,30 @@ void VellmarkAppDelegate::observeLanguage() {
         mainWindow_.retitle();
         aboutWindow_.retitle();
         if (auto* about = dynamic_cast<AboutWindow*>(aboutWindow_.window())) {
-            about->setWords(words());
+            about->setContent(aboutPageContent(words()));
         }
+        legalWindow_.retitle();
+        updateLegalWindow();
         updateVisibleViews();
     };
 }
 
+void VellmarkAppDelegate::setUpLaunchAtLogin() {
+    launchAtLogin_.setUpOnce();
+}
+
+void VellmarkAppDelegate::followMoveAtLogin() {
+    if (const auto move = launchAtLogin_.followMove()) {
+        store_->logActivity(
+            {.level = ActivityEntry::Level::info,
+             .agent = {},
+             .text = words().format("log.loginItemReregistered", {singleLine(move->from.string()),
+                                                                  singleLine(move->to.string())})});
+    }
+}
+
 void VellmarkAppDelegate::startLaunchRefresh() {
+    store_->discardDeletedHistory();
     store_->refresh(RefreshTrigger::launch);
 }
 
@@ -280,7 +315,23 @@ void VellmarkAppDelegate::startLoops() {
                               [this](Instant until) { store_->setAutomaticHoldUntil(until); },
                           .now = now,
                           .continuousTime = continuousSeconds});
+    loops_->setRefreshPeriod(length(valueOf(*preferences_, setting::readingInterval)));
     loops_->start();
+    settingsWatch_ = watchPreferences(loop_, machine_, [this] {
+        preferences_->reload();
+        takeSettings();
+    });
+}
+
+/// What the preferences hold now holds in the whole program.
+void VellmarkAppDelegate::takeSettings() {
+    language_.takeSetting();
+    appearance_.takeSetting();
+    statusItem_->setInk(valueOf(*preferences_, setting::statusInk));
+    loops_->setRefreshPeriod(length(valueOf(*preferences_, setting::readingInterval)));
+    store_->takeSettings();
+    reevaluateStatusItem();
+    updateVisibleViews();
 }
 
 void VellmarkAppDelegate::observeWake() {
@@ -293,6 +344,7 @@ void VellmarkAppDelegate::observeWake() {
 
 void VellmarkAppDelegate::runFirstRun() {
     if (preferences_->boolean(setupCompletedKey).value_or(false)) {
+        showLegalNotice();
         return;
     }
     setupCheck_ = std::thread([this] {
@@ -304,8 +356,21 @@ void VellmarkAppDelegate::runFirstRun() {
 }
 
 void VellmarkAppDelegate::finishFirstRun(bool needsSetup) {
-    if (needsSetup && !hasTerminated_) {
+    if (hasTerminated_) {
+        return;
+    }
+    if (needsSetup) {
         askForSetup();
+        return;
+    }
+    preferences_->setBoolean(setupCompletedKey, true);
+    showLegalNotice();
+}
+
+/// A demo is gone in a minute, with whatever was accepted in it.
+void VellmarkAppDelegate::showLegalNotice() {
+    if (legal_.needsNotice() && !options_.isDemo) {
+        showLegal(LegalDocument::terms);
     }
 }
 
@@ -320,13 +385,27 @@ void VellmarkAppDelegate::reevaluateStatusItem() {
     if (!statusItem_) {
         return;
     }
-    StatusItemContent content = statusItemContent(store_->state(), now(), words());
+    StatusItemContent content = statusItemContent(store_->state(), now(), words(),
+                                                  valueOf(*preferences_, setting::statusFigure));
     if (needsRedraw(drawnGlyph_, content.glyph)) {
         drawnGlyph_ = content.glyph;
     } else {
         content.glyph = *drawnGlyph_;
     }
     statusItem_->show(content);
+}
+
+/// A window may follow the last one in the same turn of the loop.
+void VellmarkAppDelegate::windowsCameOrWent(ActivationPolicy policy) {
+    setActivationPolicy(policy);
+    if (policy == ActivationPolicy::accessory &&
+        valueOf(*preferences_, setting::lastWindow) == LastWindow::quits) {
+        executor_.post([this] {
+            if (!windowPresence_.hasOpenWindows()) {
+                QCoreApplication::quit();
+            }
+        });
+    }
 }
 
 void VellmarkAppDelegate::minuteTick() {
@@ -423,6 +502,19 @@ void VellmarkAppDelegate::showAbout() {
     aboutWindow_.show();
 }
 
+void VellmarkAppDelegate::showLegal(LegalDocument document) {
+    closePopover();
+    shownLegal_ = document;
+    legalWindow_.show();
+    updateLegalWindow();
+}
+
+void VellmarkAppDelegate::updateLegalWindow() {
+    if (auto* window = dynamic_cast<LegalWindow*>(legalWindow_.window())) {
+        window->setContent(legalWindowContent(shownLegal_, legal_.needsNotice(), words()));
+    }
+}
+
 std::unique_ptr<QWidget> VellmarkAppDelegate::makeMainWindow() {
     auto window = std::make_unique<AgentMainWindowView>(pages_->actions(), navigation_);
     window->setWindowIcon(applicationIcon());
@@ -435,7 +527,27 @@ std::unique_ptr<QWidget> VellmarkAppDelegate::makeMainWindow() {
 }
 
 std::unique_ptr<QWidget> VellmarkAppDelegate::makeAboutWindow() {
-    auto window = std::make_unique<AboutWindow>(words());
+    auto window = std::make_unique<AboutWindow>(pages_->actions().about);
+    window->setContent(aboutPageContent(words()));
+    window->setWindowIcon(applicationIcon());
+    mainMenu_.attach(*window);
+    return window;
+}
+
+std::unique_ptr<QWidget> VellmarkAppDelegate::makeLegalWindow() {
+    auto window =
+        std::make_unique<LegalWindow>(LegalWindow::Actions{.choose =
+                                                               [this](LegalDocument document) {
+                                                                   shownLegal_ = document;
+                                                                   updateLegalWindow();
+                                                               },
+                                                           .accept =
+                                                               [this] {
+                                                                   legal_.accept();
+                                                                   legalWindow_.window()->close();
+                                                                   updateLegalWindow();
+                                                               }});
+    window->setContent(legalWindowContent(shownLegal_, legal_.needsNotice(), words()));
     window->setWindowIcon(applicationIcon());
     mainMenu_.attach(*window);
     return window;
@@ -451,7 +563,7 @@ AgentUIActions VellmarkAppDelegate::makeActions() {
         .openSettings = [this] { showSettingsFromMenu(); },
         .showAbout = [this] { showAbout(); },
         .startSetup = [this] { askForSetup(); },
-        .showLegal = [this](LegalDocument) { showAbout(); },
+        .showLegal = [this](LegalDocument document) { showLegal(document); },
         .showSupportReport = [this] { showSupportReportFromMenu(); },
         .quit = [] { QCoreApplication::quit(); },
     };
@@ -499,16 +611,16 @@ void VellmarkAppDelegate::saveActivityFromMenu() {
     const std::string text = store_->activityExportText(exportedActivityDays);
     QSaveFile file(path);
     const auto size = static_cast<qint64>(text.size());
-    if (!file.open(QIODevice::WriteOnly) || file.write(text.data(), size) != size ||
-        !file.commit()) {
-        QMessageBox::warning(
-            mainWindow_.window(), qString(words().text("app.name")),
-            qString(words().format("menu.saveActivity.failed",
-                                   {path.toStdString(), file.errorString().toStdString()})));
-    }
+    const bool isSaved =
+        file.open(QIODevice::WriteOnly) && file.write(text.data(), size) == size && file.commit();
+    pages_->activity().setTrouble(
+        isSaved ? std::string()
+                : words().format("menu.saveActivity.failed",
+                                 {path.toStdString(), file.errorString().toStdString()}));
 }
 
 void VellmarkAppDelegate::showSupportReportFromMenu() {
+    pages_->showHelp(HelpSection::support);
     showPage(AgentPage::of(AgentPage::Kind::help));
 }
 
@@ -521,11 +633,11 @@ void VellmarkAppDelegate::openSupport() {
 }
 
 void VellmarkAppDelegate::showTermsFromMenu() {
-    showAbout();
+    showLegal(LegalDocument::terms);
 }
 
 void VellmarkAppDelegate::showPrivacyFromMenu() {
-    showAbout();
+    showLegal(LegalDocument::privacy);
 }
 
 } // namespace vellmark

@@ -15,7 +15,9 @@
 #include "presentation/AppLoops.h"
 #include "presentation/ClockJump.h"
 #include "presentation/LanguageManager.h"
+#include "presentation/LaunchAtLoginController.h"
 #include "presentation/LaunchSequence.h"
+#include "presentation/LegalModel.h"
 #include "presentation/WindowPresenceController.h"
 #include "store/AgentUsageStore.h"
 
@@ -29,6 +31,7 @@
 namespace vellmark {
 
 class AgentMainWindowView;
+class LegalWindow;
 class Popover;
 
 /// The hub of the application: owns the status item, the popover, the menu, every window and the
@@ -74,6 +77,8 @@ private:
     void configurePopover() override;
     void observeStore() override;
     void observeLanguage() override;
+    void setUpLaunchAtLogin() override;
+    void followMoveAtLogin() override;
     void startLaunchRefresh() override;
     void observeWake() override;
     void startLoops() override;
@@ -85,8 +90,10 @@ private:
     AgentUIActions makeActions();
     std::unique_ptr<QWidget> makeMainWindow();
     std::unique_ptr<QWidget> makeAboutWindow();
+    std::unique_ptr<QWidget> makeLegalWindow();
     const Localization& words() const { return language_.words(); }
 
+    void takeSettings();
     void storeChanged();
     void reevaluateStatusItem();
     void updateVisibleViews();
@@ -97,9 +104,13 @@ private:
     void togglePopoverAt(const QRect& anchor);
     void closePopover();
     void showPage(AgentPage page);
+    void windowsCameOrWent(ActivationPolicy policy);
     void minuteTick();
     void menuItemChosen(std::string_view action);
     void finishFirstRun(bool needsSetup);
+    void showLegal(LegalDocument document);
+    void showLegalNotice();
+    void updateLegalWindow();
     void askForSetup();
 
     LaunchOptions options_;
@@ -110,6 +121,8 @@ private:
     std::unique_ptr<Preferences> preferences_;
     LanguageManager language_;
     AppAppearance appearance_;
+    LegalModel legal_;
+    LaunchAtLoginController launchAtLogin_;
     WindowPresenceController windowPresence_;
     AgentUIActions actions_;
     std::unique_ptr<SingleInstance> singleInstance_;
@@ -127,10 +140,13 @@ private:
     std::unique_ptr<MainWindowPages> pages_;
     WindowController mainWindow_;
     WindowController aboutWindow_;
+    WindowController legalWindow_;
+    LegalDocument shownLegal_ = LegalDocument::terms;
     /// Inside `mainWindow_`, and there while it is.
     QPointer<AgentMainWindowView> mainWindowView_;
     std::unique_ptr<AppLoops> loops_;
     std::unique_ptr<WakeObserver> wakeObserver_;
+    std::unique_ptr<PreferencesWatch> settingsWatch_;
     ClockJump clockJump_;
     std::shared_ptr<AgentUsageStore::Subscription> storeSubscription_;
     bool isReevaluationPosted_ = false;

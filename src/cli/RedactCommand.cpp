@@ -1,5 +1,6 @@
 #include "cli/InputText.h"
 #include "cli/Subcommands.h"
+#include "platform/SystemDirectories.h"
 #include "report/RedactionStream.h"
 
 #include <optional>
@@ -19,14 +20,18 @@ public:
     void declare(CommandOptions& options) override {
         options.optionalPositional("FILE", file_, "cli.redact.file");
         options.value("--home", home_, "DIR", "cli.redact.home");
-        options.flag("--include-emails", includeEmails_, "cli.option.includeEmails");
+        options.flag("--include-emails", rules_.includeEmails, "cli.option.includeEmails");
+        options.flag("--strict-rules", rules_.strictRules, "cli.redact.strictRules");
     }
 
     bool startsChildren() const override { return false; }
     bool hasDemo() const override { return false; }
 
     int run(const CommandContext& context) override {
-        RedactionStream stream(home_.value_or(context.machine.home.string()), includeEmails_);
+        const std::string home = home_ && !rules_.strictRules
+                                     ? normalized(*home_).string()
+                                     : home_.value_or(context.machine.home.string());
+        RedactionStream stream(home, rules_);
         bool isRedacted = true;
         const auto write = [&](const std::optional<std::string>& text) {
             isRedacted = text.has_value();
@@ -47,7 +52,7 @@ public:
 private:
     std::optional<std::string> file_;
     std::optional<std::string> home_;
-    bool includeEmails_ = false;
+    RedactionOptions rules_;
 };
 
 } // namespace

@@ -77,6 +77,15 @@ UsageProviderError UsageProviderError::claudeOptionRefused(std::string option) {
     return {Kind::claudeOptionRefused, {std::move(option)}};
 }
 
+UsageProviderError
+UsageProviderError::withTexts(const std::function<std::string(const std::string&)>& change) const {
+    UsageProviderError changed = *this;
+    for (std::string& text : changed.texts_) {
+        text = change(text);
+    }
+    return changed;
+}
+
 std::optional<std::string> UsageProviderError::messageKey() const {
     const std::string_view key = errorCase(kind_).messageKey;
     return key.empty() ? std::nullopt : std::optional(std::string(key));

@@ -67,6 +67,9 @@ public:
     Kind kind() const { return kind_; }
     /// The text payloads in order; empty for a case without.
     const std::vector<std::string>& texts() const { return texts_; }
+    /// The same case with each text payload put through `change`.
+    UsageProviderError
+    withTexts(const std::function<std::string(const std::string&)>& change) const;
     /// The status of `claudeReadFailed`.
     std::int64_t code() const { return code_; }
 

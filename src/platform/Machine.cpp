@@ -54,7 +54,7 @@ fs::path homeFromPasswordDatabase() {
     if (error != 0 || found == nullptr || found->pw_dir == nullptr || *found->pw_dir == '\0') {
         return "/";
     }
-    return found->pw_dir;
+    return normalized(found->pw_dir);
 }
 
 /// Variables that would lead a child, or the program itself, out of the sandbox.
@@ -64,13 +64,18 @@ bool leadsOutOfSandbox(const std::string& name) {
 
 } // namespace
 
+fs::path normalized(const fs::path& path) {
+    const fs::path normal = path.lexically_normal();
+    return normal.has_filename() || normal == normal.root_path() ? normal : normal.parent_path();
+}
+
 fs::path absolutePathVariable(const Environment& environment, const std::string& name) {
     const auto found = environment.find(name);
     if (found == environment.end()) {
         return {};
     }
     const fs::path path = found->second;
-    return path.is_absolute() ? path : fs::path();
+    return path.is_absolute() ? normalized(path) : fs::path();
 }
 
 fs::path Machine::resolved(const std::string& path) const {
@@ -101,6 +106,7 @@ Machine Machine::current() {
     machine.applicationSupport = std::move(directories.applicationSupport);
     machine.configuration = std::move(directories.configuration);
     machine.temporary = std::move(directories.temporary);
+    machine.chosenExecutables = std::make_shared<ChosenExecutables>();
     machine.credentials = makeSystemCredentialStore();
     return machine;
 }
@@ -113,6 +119,7 @@ Machine Machine::sandbox(const fs::path& directory) {
     machine.applicationSupport = machine.home / ".local/share";
     machine.configuration = machine.home / ".config";
     machine.temporary = base / "tmp";
+    machine.chosenExecutables = std::make_shared<ChosenExecutables>();
     machine.credentials = std::make_shared<FileCredentialStore>(base / "credentials");
     for (const auto& folder : {machine.applicationSupport, machine.configuration, machine.root,
                                machine.temporary, base / "credentials"}) {

@@ -16,6 +16,9 @@ struct SystemDirectories {
     static SystemDirectories of(const std::filesystem::path& home, const Environment& environment);
 };
 
+/// `path` in its shortest form: without doubled slashes, "." and a slash at its end.
+std::filesystem::path normalized(const std::filesystem::path& path);
+
 /// The value of an environment variable that must hold an absolute path to count; empty otherwise.
 std::filesystem::path absolutePathVariable(const Environment& environment, const std::string& name);
 

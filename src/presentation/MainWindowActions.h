@@ -1,6 +1,11 @@
 #pragma once
 
+#include "presentation/AboutPageActions.h"
+#include "presentation/ActivityPageContent.h"
+#include "presentation/AgentPageContent.h"
 #include "presentation/AgentUIActions.h"
+#include "presentation/HelpPageActions.h"
+#include "presentation/SettingsPageContent.h"
 
 namespace vellmark {
 
@@ -12,16 +17,20 @@ struct MainWindowActions {
     /// Shows the menu bar's contents; empty where the system shows a menu bar.
     std::function<void()> openMenu = {};
     // provider
+    AgentPageActions agent = {};
 
     // history
 
     // activity
-
+    ActivityPageActions activity = {};
     // settings
+    SettingsPageActions settings = {};
 
     // help
+    HelpPageActions help = {};
 
     // about
+    AboutPageActions about = {};
 };
 
 } // namespace vellmark

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "text/Redaction.h"
+
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -17,7 +19,7 @@ public:
     static constexpr std::size_t mostHeld = std::size_t{64} << 20;
     static constexpr std::size_t longestLine = std::size_t{512} << 20;
 
-    RedactionStream(std::string homeDirectory, bool includeEmails,
+    RedactionStream(std::string homeDirectory, const RedactionOptions& options,
                     std::size_t heldLimit = mostHeld);
 
     /// What is certain by now, redacted. Absent when that is not possible, also for good: then
@@ -28,7 +30,7 @@ public:
 
 private:
     std::string homeDirectory_;
-    bool includeEmails_;
+    RedactionOptions options_;
     std::size_t heldLimit_;
     std::string held_;
     bool hasFailed_ = false;

@@ -72,7 +72,7 @@ std::optional<std::string> supportReportText(const SupportReportInput& input,
     lines.heading("report.log");
     lines.add(input.logText.empty() ? words.text("report.log.empty") : input.logText);
     lines.heading(includeEmails ? "report.privacy.withEmails" : "report.privacy.note");
-    return redacted(lines.take(), homeDirectory, includeEmails);
+    return redacted(lines.take(), homeDirectory, {.includeEmails = includeEmails});
 }
 
 std::string supportReportFileName(Instant date, const Localization& words) {

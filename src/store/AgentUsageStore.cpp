@@ -1,10 +1,12 @@
 #include "store/AgentUsageStore.h"
 
 #include "platform/UnusedMemory.h"
-#include "store/ActivityLog.h"
+#include "store/ActivityLines.h"
 #include "store/ActivityTexts.h"
 #include "store/AgentReadings.h"
 #include "store/AgentSettings.h"
+#include "store/AppSettings.h"
+#include "store/PlausibleFigures.h"
 #include "store/ReadingSchedule.h"
 #include "store/RefreshRun.h"
 #include "store/StateObservers.h"
@@ -56,6 +58,12 @@ struct AgentUsageStore::State {
     void takeFailure(const AgentProviderID& id, UsageProviderError error);
     void finishIfDone();
 
+    RefreshRun::Agent madeAgent(const ProviderRegistration& registration);
+    ReadingOptions readingOptions(const ProviderDescriptor& agent) const;
+    std::vector<AgentProviderID> takeReadingSettings();
+    void dropReading(const AgentProviderID& id);
+    void show(const AgentProviderID& id, bool enabled);
+    void arrange(std::vector<AgentProviderID> order);
     void takeLastSnapshots();
     /// Makes `state.snapshots` of what is known, for the enabled agents in their order.
     void publishSnapshots();
@@ -70,11 +78,13 @@ struct AgentUsageStore::State {
     StateObservers observers;
     UsageState state;
     std::map<AgentProviderID, RefreshRun::Agent> agents;
+    std::map<AgentProviderID, ReadingOptions> options; ///< with which `agents` were made
     AgentReadings readings;
     ReadingSchedule schedule;
     std::map<AgentProviderID, int> failedAttempts;
     std::map<AgentProviderID, Instant> lastEnds; ///< of readings, good or bad
     std::set<AgentProviderID> readWell;          ///< by the running refresh
+    bool isOfAllAgents = false;                  ///< the running refresh
     std::set<StoreFiles::File> failingFiles;
     Instant heldSince{};
     bool isTerminating = false;
@@ -98,29 +108,88 @@ AgentUsageStore::State::State(Configuration configuration, MainExecutor& mainExe
                  },
              .trouble = [this](StoreFiles::File file,
                                const StorageTrouble::News& news) { noteTrouble(file, news); }}),
-      fetcher(mainExecutor) {
+      fetcher(mainExecutor, config.machine.home.string()) {
     for (const ProviderRegistration& registration : config.registrations) {
-        const ProviderDescriptor& descriptor = registration.descriptor;
-        ReadingOptions options = settings.readingOptions(descriptor);
-        if (config.way && std::ranges::find(descriptor.readingWays, *config.way) !=
-                              descriptor.readingWays.end()) {
-            options.way = *config.way;
-        }
-        RefreshRun::Agent agent{descriptor.id, words().text(descriptor.nameKey),
-                                registration.make(config.machine, options), std::nullopt};
-        if (descriptor.timeoutRetryDelaySeconds) {
-            agent.timeoutRetryDelay = Seconds(*descriptor.timeoutRetryDelaySeconds);
-        }
-        agents.emplace(descriptor.id, std::move(agent));
+        agents.emplace(registration.descriptor.id, madeAgent(registration));
     }
+    settings.applyExecutables(config.machine);
+    state.firstFigure = valueOf(preferences, setting::firstFigure);
     state.providerOrder = settings.order();
     state.enabledProviderIDs = config.agents ? *config.agents : settings.enabled();
     takeLastSnapshots();
     publishSnapshots();
 }
 
+ReadingOptions AgentUsageStore::State::readingOptions(const ProviderDescriptor& agent) const {
+    ReadingOptions wanted = settings.readingOptions(agent);
+    if (config.way &&
+        std::ranges::find(agent.readingWays, *config.way) != agent.readingWays.end()) {
+        wanted.way = *config.way;
+    }
+    return wanted;
+}
+
+RefreshRun::Agent AgentUsageStore::State::madeAgent(const ProviderRegistration& registration) {
+    const ProviderDescriptor& descriptor = registration.descriptor;
+    const ReadingOptions& wanted = options[descriptor.id] = readingOptions(descriptor);
+    RefreshRun::Agent agent{descriptor.id, words().text(descriptor.nameKey),
+                            registration.make(config.machine, wanted), std::nullopt};
+    if (descriptor.timeoutRetryDelaySeconds) {
+        agent.timeoutRetryDelay = Seconds(*descriptor.timeoutRetryDelaySeconds);
+    }
+    return agent;
+}
+
+// --- settings
+
+/// The agents that are read in another way now, or with another program.
+std::vector<AgentProviderID> AgentUsageStore::State::takeReadingSettings() {
+    const std::set<AgentProviderID> moved = settings.applyExecutables(config.machine);
+    std::vector<AgentProviderID> changed;
+    for (const ProviderRegistration& registration : config.registrations) {
+        const AgentProviderID& id = registration.descriptor.id;
+        if (moved.contains(id) || options.at(id) != readingOptions(registration.descriptor)) {
+            // What a provider knows of its program is not true of another one.
+            agents.at(id) = madeAgent(registration);
+            changed.push_back(id);
+        }
+    }
+    return changed;
+}
+
+void AgentUsageStore::State::dropReading(const AgentProviderID& id) {
+    if (run) {
+        readWell.erase(id);
+        run->drop(id);
+        state.refreshProgress = run->progress();
+    }
+    readings.abandon(id);
+}
+
+void AgentUsageStore::State::show(const AgentProviderID& id, bool enabled) {
+    observers.around([&] {
+        note(ActivityTexts::agentSwitched(id, enabled, words()));
+        if (enabled) {
+            state.enabledProviderIDs.insert(id);
+        } else {
+            state.enabledProviderIDs.erase(id);
+            dropReading(id);
+        }
+        publishSnapshots();
+    });
+}
+
+void AgentUsageStore::State::arrange(std::vector<AgentProviderID> order) {
+    observers.around([&] {
+        note(ActivityTexts::orderChanged(order, words()));
+        state.providerOrder = std::move(order);
+        publishSnapshots();
+    });
+}
+
 void AgentUsageStore::State::takeLastSnapshots() {
     for (AgentUsageSnapshot& snapshot : files.lastSnapshots()) {
+        removeImplausibleFigures(snapshot, now());
         state.lastSuccess[snapshot.id] = snapshot.updatedAt;
         readings.restore(std::move(snapshot));
     }
@@ -203,6 +272,9 @@ bool AgentUsageStore::State::mayRead(const AgentProviderID& id, RefreshTrigger t
     if (isRoutine && !schedule.isDue(id, now())) {
         return false;
     }
+    if (trigger == RefreshTrigger::window && wasReadJustNow(id)) {
+        return false;
+    }
     return trigger == RefreshTrigger::manual || agents.at(id).provider->pace().automatic;
 }
 
@@ -241,7 +313,7 @@ void AgentUsageStore::State::join(RefreshTrigger trigger, const std::vector<Agen
     for (const AgentProviderID& id : ids) {
         // Also one that this refresh has already read: who asks now wants to know how it is now,
         // whatever holds up another agent.
-        if (!run->isReading(id) && !(trigger == RefreshTrigger::window && wasReadJustNow(id))) {
+        if (!run->isReading(id)) {
             missing.push_back(id);
         }
     }
@@ -271,6 +343,11 @@ void AgentUsageStore::State::land(const AgentProviderID& id, const FetchOutcome&
     if (const auto* snapshot = std::get_if<AgentUsageSnapshot>(&outcome)) {
         AgentUsageSnapshot reading = *snapshot;
         reading.id = id;
+        observers.around([&] {
+            for (const ImplausibleFigure& figure : removeImplausibleFigures(reading, now())) {
+                note(ActivityTexts::implausible(id, figure, words()));
+            }
+        });
         takeReading(std::move(reading), elapsed);
     } else if (const auto* error = std::get_if<UsageProviderError>(&outcome)) {
         takeFailure(id, *error);
@@ -299,6 +376,7 @@ void AgentUsageStore::State::takeReading(AgentUsageSnapshot snapshot, Seconds el
     observers.around([&] {
         noteReading(snapshot, elapsed);
         state.lastSuccess[id] = snapshot.updatedAt;
+        state.readingTook[id] = elapsed;
         state.refreshProgress = run->progress();
         readings.succeed(std::move(snapshot));
         // Not at the refresh's end: the program may not live to see it.
@@ -368,7 +446,9 @@ void AgentUsageStore::State::finishIfDone() {
         run.reset();
         state.isRefreshing = false;
         state.refreshProgress = 1;
-        state.lastRefreshCompletedAt = now();
+        if (isOfAllAgents) {
+            state.lastRefreshCompletedAt = now();
+        }
     });
     // What the agents have said is gone by the next turn; what it took is not needed for long.
     executor.post(releaseUnusedMemory);
@@ -376,6 +456,12 @@ void AgentUsageStore::State::finishIfDone() {
 
 void AgentUsageStore::State::publishSnapshots() {
     state.snapshots = readings.shown(state.providerOrder, state.enabledProviderIDs);
+    state.reading.clear();
+    for (const AgentProviderID& id : state.providerOrder) {
+        if (run && run->isReading(id)) {
+            state.reading.insert(id);
+        }
+    }
     publishSchedule();
 }
 
@@ -426,6 +512,8 @@ void AgentUsageStore::refresh(RefreshTrigger trigger, const std::vector<AgentPro
         return;
     }
     const auto asked = d_->askedFor(trigger, agents);
+    const bool asksForAll = agents.empty() || asked.size() == d_->state.enabledProviderIDs.size();
+    d_->isOfAllAgents = asksForAll || (d_->run && d_->isOfAllAgents);
     if (d_->run) {
         d_->join(trigger, asked);
     } else if (!asked.empty()) {
@@ -463,21 +551,7 @@ void AgentUsageStore::setEnabled(const AgentProviderID& id, bool enabled) {
     }
     d_->settings.setEnabled(id, enabled);
     d_->noteSettings();
-    d_->observers.around([&] {
-        d_->note(ActivityTexts::agentSwitched(id, enabled, d_->words()));
-        if (enabled) {
-            d_->state.enabledProviderIDs.insert(id);
-        } else {
-            d_->state.enabledProviderIDs.erase(id);
-            if (d_->run) {
-                d_->readWell.erase(id);
-                d_->run->drop(id);
-                d_->state.refreshProgress = d_->run->progress();
-            }
-            d_->readings.abandon(id);
-        }
-        d_->publishSnapshots();
-    });
+    d_->show(id, enabled);
     if (enabled) {
         refresh(RefreshTrigger::settings, {id});
     } else {
@@ -492,26 +566,94 @@ void AgentUsageStore::setProviderOrder(std::vector<AgentProviderID> order) {
     }
     d_->settings.setOrder(order);
     d_->noteSettings();
-    d_->observers.around([&] {
-        d_->note(ActivityTexts::orderChanged(order, d_->words()));
-        d_->state.providerOrder = std::move(order);
-        d_->publishSnapshots();
+    d_->arrange(std::move(order));
+}
+
+void AgentUsageStore::takeSettings() {
+    std::vector<AgentProviderID> toRead;
+    for (const AgentProviderID& id : d_->takeReadingSettings()) {
+        if (d_->state.enabledProviderIDs.contains(id)) {
+            d_->observers.around([&] {
+                d_->dropReading(id);
+                d_->publishSnapshots();
+            });
+            toRead.push_back(id);
+        }
+    }
+    if (const auto first = valueOf(d_->preferences, setting::firstFigure);
+        first != d_->state.firstFigure) {
+        d_->observers.around([&] { d_->state.firstFigure = first; });
+    }
+    if (auto order = d_->settings.order(); order != d_->state.providerOrder) {
+        d_->arrange(std::move(order));
+    }
+    if (!d_->config.agents) {
+        const std::set<AgentProviderID> enabled = d_->settings.enabled();
+        for (const AgentProviderID& id : d_->state.providerOrder) {
+            if (enabled.contains(id) == d_->state.enabledProviderIDs.contains(id)) {
+                continue;
+            }
+            d_->show(id, enabled.contains(id));
+            if (enabled.contains(id)) {
+                toRead.push_back(id);
+            } else {
+                std::erase(toRead, id);
+            }
+        }
+    }
+    d_->finishIfDone();
+    if (!toRead.empty()) {
+        refresh(RefreshTrigger::settings, toRead);
+    }
+}
+
+void AgentUsageStore::deleteHistory(std::function<void(std::error_code)> done) {
+    d_->files.deleteHistory([d = d_.get(), done = std::move(done)](std::error_code error) {
+        if (!error) {
+            d->observers.around([&] { d->note(ActivityTexts::historyDeleted(d->words())); });
+        }
+        done(error);
     });
+}
+
+void AgentUsageStore::discardDeletedHistory() {
+    d_->files.discardDeletedHistory();
 }
 
 void AgentUsageStore::logActivity(ActivityEntry entry) {
     d_->observers.around([&] { d_->note(std::move(entry)); });
 }
 
+class AgentUsageStore::ActivitySubscription {
+public:
+    explicit ActivitySubscription(std::shared_ptr<StoreFiles::Follower> follower)
+        : follower_(std::move(follower)) {}
+
+private:
+    std::shared_ptr<StoreFiles::Follower> follower_;
+};
+
+std::shared_ptr<AgentUsageStore::ActivitySubscription>
+AgentUsageStore::followActivity(int days, std::function<void(ActivityLog::News)> tell) {
+    return std::make_shared<ActivitySubscription>(
+        d_->files.follow(d_->now() - days * day, d_->words(), std::move(tell)));
+}
+
+void AgentUsageStore::lookAtActivity() {
+    d_->files.lookAtLog();
+}
+
 std::vector<ActivityEntry> AgentUsageStore::activity(int days) {
-    return d_->files.activity(d_->now() - days * day, d_->words().timeZone());
+    auto entries = d_->files.activity(d_->now() - days * day, d_->words().timeZone());
+    ActivityTexts::tell(entries, d_->words());
+    return entries;
 }
 
 std::string AgentUsageStore::activityExportText(int days) {
     const TimeZone zone = d_->words().timeZone();
     std::string text = ActivityTexts::exportHeader(days, d_->now(), zone, d_->words());
     for (const ActivityEntry& entry : activity(days)) {
-        text += ActivityLog::line(entry, zone) + "\n";
+        text += ActivityLines::text(entry, zone) + "\n";
     }
     return text;
 }

@@ -3,6 +3,7 @@
 #include "platform/ProgramEnd.h"
 #include "process/BoundedProcess.h"
 #include "process/ChildGroup.h"
+#include "text/Redaction.h"
 
 #include <algorithm>
 #include <chrono>
@@ -25,14 +26,27 @@ constexpr Seconds stopGrace{1};
 /// Nobody waits for this limit to the second; the system can join wake-ups.
 constexpr Seconds limitTolerance{5};
 
-FetchOutcome fetchOutcome(AgentUsageProvider& provider, UsageFetcher::Occasion occasion) {
+/// Without what a CLI may have let slip: what is told of a failure is shown, logged and kept.
+FetchOutcome fetchOutcome(AgentUsageProvider& provider, UsageFetcher::Occasion occasion,
+                          const std::string& home) {
+    const auto redact = [&home](const std::string& words) { return redactedWords(words, home); };
     try {
-        return occasion == UsageFetcher::Occasion::automatic ? provider.fetchAutomatically()
-                                                             : provider.fetch();
+        AgentUsageSnapshot snapshot = occasion == UsageFetcher::Occasion::automatic
+                                          ? provider.fetchAutomatically()
+                                          : provider.fetch();
+        if (snapshot.error) {
+            snapshot.error = snapshot.error->withTexts(redact);
+        }
+        for (SnapshotNote& note : snapshot.notes) {
+            if (auto* said = std::get_if<SnapshotNote::AgentSays>(&note.value)) {
+                said->text = redact(said->text);
+            }
+        }
+        return snapshot;
     } catch (const UsageProviderError& error) {
-        return error;
+        return error.withTexts(redact);
     } catch (const std::exception& fault) {
-        return UnexpectedFault{fault.what()};
+        return UnexpectedFault{redact(fault.what())};
     } catch (...) {
         return UnexpectedFault{};
     }
@@ -51,7 +65,8 @@ struct UsageFetcher::State : std::enable_shared_from_this<State> {
         bool isAbandoned = false;
     };
 
-    explicit State(MainExecutor& onMain) : mainExecutor(onMain), executor(&onMain) {}
+    State(MainExecutor& onMain, std::string homeDirectory)
+        : mainExecutor(onMain), home(std::move(homeDirectory)), executor(&onMain) {}
 
     /// On a worker thread: hands the outcome over, unless the fetcher has gone.
     void report(Ticket ticket, FetchOutcome outcome) {
@@ -143,6 +158,7 @@ struct UsageFetcher::State : std::enable_shared_from_this<State> {
     }
 
     MainExecutor& mainExecutor; ///< for the main thread
+    const std::string home;
     std::mutex lock;
     std::condition_variable someoneFinished;
     MainExecutor* executor;   ///< for the workers; null once the fetcher has gone; under `lock`
@@ -151,7 +167,8 @@ struct UsageFetcher::State : std::enable_shared_from_this<State> {
     std::map<Ticket, Worker> workers;
 };
 
-UsageFetcher::UsageFetcher(MainExecutor& executor) : d_(std::make_shared<State>(executor)) {}
+UsageFetcher::UsageFetcher(MainExecutor& executor, std::string homeDirectory)
+    : d_(std::make_shared<State>(executor, std::move(homeDirectory))) {}
 
 UsageFetcher::~UsageFetcher() {
     for (auto& [ticket, worker] : d_->workers) {
@@ -192,7 +209,7 @@ UsageFetcher::Ticket UsageFetcher::start(std::shared_ptr<AgentUsageProvider> pro
         worker.thread = std::thread(
             [state = d_, ticket, provider = worker.provider, occasion, children = worker.children] {
                 const ChildGroup::Scope scope(*children);
-                state->report(ticket, fetchOutcome(*provider, occasion));
+                state->report(ticket, fetchOutcome(*provider, occasion, state->home));
             });
         worker.limit = d_->mainExecutor.postAfter(
             fetchLimit, limitTolerance, [state = d_.get(), ticket] { state->abandon(ticket); });

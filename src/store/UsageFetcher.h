@@ -35,7 +35,9 @@ public:
     /// So many stuck fetches of one provider are left alone; a further one times out at once.
     static constexpr int mostStuck = 3;
 
-    explicit UsageFetcher(MainExecutor& executor);
+    /// What a failure tells of `homeDirectory` and of secrets is removed from the outcomes
+    /// (`redactedWords`).
+    UsageFetcher(MainExecutor& executor, std::string homeDirectory);
     ~UsageFetcher();
     UsageFetcher(const UsageFetcher&) = delete;
     UsageFetcher& operator=(const UsageFetcher&) = delete;

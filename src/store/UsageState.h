@@ -2,6 +2,7 @@
 
 #include "model/AgentUsageSnapshot.h"
 #include "model/UsageRules.h"
+#include "store/FirstFigure.h"
 
 #include <map>
 #include <optional>
@@ -27,7 +28,10 @@ struct UsageState {
     bool isRefreshing = false;
     /// The finished share of the running refresh, 0 to 1; stays 1 after it.
     double refreshProgress = 0;
-    /// By this run of the program; absent before its first refresh has ended.
+    /// Agents whose reading is under way.
+    std::set<AgentProviderID> reading;
+    /// By this run of the program; absent before its first refresh of all agents has ended. Reading
+    /// some of them again does not make the others newer.
     std::optional<Instant> lastRefreshCompletedAt;
     std::set<AgentProviderID> enabledProviderIDs;
     /// Every registered agent, enabled or not.
@@ -36,6 +40,8 @@ struct UsageState {
     std::optional<Instant> automaticHoldUntil;
     /// When the figures of an agent were last read well; for the age of stale figures.
     std::map<AgentProviderID, Instant> lastSuccess;
+    /// How long that reading took; of this run of the program.
+    std::map<AgentProviderID, Seconds> readingTook;
     /// Agents that automatic refreshes leave alone until then: their service refuses for now, or a
     /// reading of them costs.
     std::map<AgentProviderID, Instant> restsUntil;
@@ -56,6 +62,8 @@ struct UsageState {
         return found != recentPoints.end() ? std::span<const UsagePoint>(found->second)
                                            : std::span<const UsagePoint>();
     }
+    /// What every front says first of a quota.
+    FirstFigure firstFigure = FirstFigure::left;
     /// Rise with every new sample and every new log entry, for pages that show them.
     unsigned historyRevision = 0;
     unsigned activityRevision = 0;

@@ -7,22 +7,37 @@
 
 namespace vellmark {
 
+struct RedactionOptions {
+    /// E-mail addresses stay.
+    bool includeEmails = false;
+    /// Only the five rules that a report is documented to follow, as they stand: paths of the home
+    /// directory and below /Users, named secrets, keys with known prefixes, e-mail addresses.
+    bool strictRules = false;
+};
+
 /// `text` without what must not leave the machine: the home directory and user names in paths, the
-/// values of tokens and keys and, unless `includeEmails` is set, e-mail addresses.
+/// values of tokens and keys and, unless they are asked for, e-mail addresses.
+///
+/// After the five rules comes a step that knows more (see Redaction.cpp): the token shapes of
+/// common services, secrets in JSON members, assignments and request headers, private keys, the
+/// user part of URLs, other users' homes.
 ///
 /// Works on any bytes in time linear in their number; bytes that are no UTF-8 stay as they are
 /// outside what is replaced. Fails closed: absent when a rule could not be applied.
 std::optional<std::string> redacted(std::string_view text, std::string_view homeDirectory,
-                                    bool includeEmails);
+                                    const RedactionOptions& options = {});
 
-/// What another program said about a failure, as one line of at most 300 characters that may be
-/// shown and kept: `redacted`, e-mail addresses included, and without what stands in the places
-/// where requests and answers carry secrets (the login and the query of a URL, the named members of
-/// a JSON body, runs of characters that are no words). Empty when a rule could not be applied.
+/// What another program said about a failure, as one line that may be shown and kept: `redacted`,
+/// e-mail addresses included, and without queries of URLs and runs of characters that are no words.
+/// Empty when a rule could not be applied. Applied to its own result, it changes nothing.
+std::string redactedWords(std::string_view words, std::string_view homeDirectory);
+
+/// The first 500 characters of that.
 std::string redactedLine(std::string_view words, std::string_view homeDirectory);
 
 /// The length of the longest start of `text`, in whole lines, that no match of a rule can reach
 /// beyond, whatever follows: it can be redacted by itself. `text` ends with a line break.
-std::size_t redactionBoundary(std::string_view text, std::string_view homeDirectory);
+std::size_t redactionBoundary(std::string_view text, std::string_view homeDirectory,
+                              const RedactionOptions& options = {});
 
 } // namespace vellmark

@@ -93,6 +93,21 @@ TEST_F(Refresh, WhateverAProbeThrowsBecomesAnError) {
     EXPECT_EQ(source(antigravity), SnapshotSource::live);
 }
 
+// Whatever an agent lets slip: nothing of it is shown, nor kept in the log or with the readings.
+TEST_F(Refresh, NoFailureCarriesASecret) {
+    makeStore();
+    const std::string secret = "Authorization: Bearer abc123 of ada@example.org in /home/berta/x";
+    codex->fails(UsageProviderError::codexReadFailed(secret));
+    claude->fails(UsageProviderError::claudeReadFailed(1, secret));
+    antigravity->answers([&]() -> AgentUsageSnapshot { throw std::runtime_error(secret); });
+    refresh(RefreshTrigger::launch);
+    const std::string redacted = "Authorization: Bearer <redacted> of …@… in ~/x";
+    for (const auto& agent : {codex, claude, antigravity}) {
+        ASSERT_TRUE(snapshot(agent)->error);
+        EXPECT_EQ(snapshot(agent)->error->texts().at(0), redacted) << agent->id().rawValue;
+    }
+}
+
 TEST_F(Refresh, ARequestDuringARefreshIsMergedIntoIt) {
     makeStore();
     for (const auto& agent : {codex, claude, antigravity}) {
@@ -205,6 +220,38 @@ TEST_F(Refresh, AutomaticTriggersRespectHoldAndPause) {
     store->refresh(RefreshTrigger::window);
     EXPECT_TRUE(state().isRefreshing) << "a clock that was set back must not hold refreshes";
     ASSERT_TRUE(finishRefresh());
+}
+
+TEST_F(Refresh, OneAgentReadAloneMakesTheOthersNoNewer) {
+    makeStore();
+    refresh(RefreshTrigger::launch);
+    const auto completed = state().lastRefreshCompletedAt;
+    executor.advance(Seconds(300));
+
+    claude->holdFetches();
+    store->refresh(RefreshTrigger::manual, {claude->id()});
+    EXPECT_EQ(state().reading, std::set{claude->id()});
+    claude->letGo();
+    ASSERT_TRUE(finishRefresh());
+    EXPECT_TRUE(state().reading.empty());
+    EXPECT_EQ(codex->fetchCount(), 1);
+    EXPECT_EQ(claude->fetchCount(), 2);
+    EXPECT_TRUE(state().readingTook.contains(claude->id()));
+    EXPECT_EQ(state().lastRefreshCompletedAt, completed);
+
+    store->refresh(RefreshTrigger::window);
+    ASSERT_TRUE(finishRefresh());
+    EXPECT_EQ(claude->fetchCount(), 2) << "it was read a moment ago";
+    EXPECT_EQ(codex->fetchCount(), 2) << "the others were not";
+    EXPECT_EQ(state().lastRefreshCompletedAt, executor.now());
+
+    executor.advance(Seconds(300));
+    claude->holdFetches();
+    store->refresh(RefreshTrigger::manual, {claude->id()});
+    store->refresh(RefreshTrigger::timer);
+    claude->letGo();
+    ASSERT_TRUE(finishRefresh());
+    EXPECT_EQ(state().lastRefreshCompletedAt, executor.now()) << "it has become one of all";
 }
 
 TEST_F(Refresh, ATimeoutIsRetriedOnceWhereTheAgentAsksForIt) {

@@ -21,7 +21,7 @@ namespace {
         agent->holdFetches();
     }
     {
-        UsageFetcher fetcher(executor);
+        UsageFetcher fetcher(executor, "/home/jo");
         bool isOver = false;
         fetcher.start(std::make_shared<StubProvider>(agent), "Agent",
                       UsageFetcher::Occasion::byHand, [&](const FetchOutcome&) { isOver = true; });

@@ -2,6 +2,7 @@
 
 #include "platform/WholeFile.h"
 #include "text/Pattern.h"
+#include "text/Redaction.h"
 #include "text/TerminalText.h"
 
 #include <algorithm>
@@ -27,7 +28,7 @@ std::optional<std::string_view> accountLabelOf(std::string_view line) {
     return std::nullopt;
 }
 
-std::string redactedLine(std::string_view line, const std::string& home) {
+std::string withoutAccount(std::string_view line, const std::string& home) {
     static const Pattern email(R"([A-Za-z0-9._%+\-]+@[A-Za-z0-9.\-]+\.[A-Za-z]{2,})");
     if (const auto label = accountLabelOf(line)) {
         return std::string(*label) + ": " + std::string(redaction);
@@ -47,7 +48,7 @@ std::string redactedClaudeScreen(std::string_view screenText, const std::filesys
     // No character that counts is longer than this, unless somebody stacks marks for fun.
     constexpr std::size_t enough = keptCharacters * 16;
     for (auto line = lines.rbegin(); line != lines.rend() && bytes < enough; ++line) {
-        kept.push_back(redactedLine(*line, home.string()));
+        kept.push_back(withoutAccount(*line, home.string()));
         bytes += kept.back().size() + 1;
     }
     std::string text;
@@ -58,7 +59,9 @@ std::string redactedClaudeScreen(std::string_view screenText, const std::filesys
     if (!text.empty()) {
         text.pop_back();
     }
-    return lastCharacters(text, keptCharacters);
+    // Labels, addresses and the home come first, in words of their own; then whatever is a secret
+    // anywhere. A text that no rule can be applied to is not kept.
+    return lastCharacters(redacted(text, home.string()).value_or(""), keptCharacters);
 }
 
 std::optional<std::filesystem::path> writeClaudeDiagnostics(std::string_view screenText,

@@ -19,6 +19,8 @@ TEST(ClaudeDiagnostics, KeepThePageWithoutThePerson) {
          "write to <redacted> or <redacted>."},
         {"in /home/someone/work and /home/someone", "in ~/work and ~"},
         {"a\rOrganization: Example Ltd\rb", "a\nOrganization: <redacted>\nb"},
+        {"API error 401\r\nAuthorization: Bearer abc\r\n",
+         "API error 401\nAuthorization: Bearer <redacted>"},
         {"Current session\r\n\r\n54% used\r\n", "Current session\n54% used"},
     };
     for (const auto& [screen, expected] : cases) {
