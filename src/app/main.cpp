@@ -32,10 +32,10 @@ using namespace vellmark;
 
 constexpr int wrongUse = 2;
 
-constexpr auto usage =
-    "usage: vellmark-desktop [--show-window | --show-about] [--demo] [--language de|en]\n"
-    "                        [--sandbox DIR]\n"
-    "       vellmark-desktop --render-glyph USED ELAPSED SIZE FILE.png\n";
+constexpr auto usage = "usage: vellmark-desktop [--show-window | --show-about | --show-popover] "
+                       "[--demo] [--language de|en]\n"
+                       "                        [--sandbox DIR]\n"
+                       "       vellmark-desktop --render-glyph USED ELAPSED SIZE FILE.png\n";
 
 void report(const std::string& message) {
     std::fprintf(stderr, "vellmark-desktop: %s\n", message.c_str());
