@@ -110,10 +110,11 @@ ActivityEntry agentFailed(const AgentProviderID& id, const UsageProviderError& e
 
 ActivityEntry agentRecovered(const AgentProviderID& id, int failedAttempts,
                              const Localization& words) {
-    return aboutAgent(Level::info, id,
-                      failedAttempts == 1 ? words.text("log.agent.recovered")
-                                          : words.format("log.agent.recovered.several",
-                                                         {std::int64_t{failedAttempts}}));
+    return aboutAgent(
+        Level::info, id,
+        words.takesSingular(failedAttempts)
+            ? words.text("log.agent.recovered")
+            : words.format("log.agent.recovered.several", {std::int64_t{failedAttempts}}));
 }
 
 ActivityEntry agentRetried(const AgentProviderID& id, Seconds delay, const Localization& words) {
