@@ -1,4 +1,4 @@
-// What the store costs: reading a long history, appending to it, asking it for a chart, and one
+// What the store costs: reading a long history, appending to it, and one
 // refresh without its children.
 
 #include "model/UsageJSON.h"
@@ -168,28 +168,6 @@ void appendSample(benchmark::State& state) {
     }
 }
 BENCHMARK(appendSample)->ArgName("sync")->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
-
-void queryCourse(benchmark::State& state) {
-    UsageHistory history;
-    HistorySeries series;
-    for (int index = 0; index < sampleCount; ++index) {
-        const Instant captured(Seconds(start + index * 30.0));
-        series.add("codex", "session",
-                   HistoryPoint(captured, std::fmod(index * 0.37, 100.0),
-                                Instant(Seconds(start + std::ceil(index / 600.0) * 18'000))));
-    }
-    history.replace(std::move(series));
-    const WindowKey key(AgentProviderID("codex"), "session");
-    std::size_t points = 0;
-    for (auto _ : state) {
-        points = history
-                     .course(key, Instant(Seconds(start)),
-                             Instant(Seconds(start + 30.0 * sampleCount)), 1000)
-                     .points.size();
-    }
-    state.counters["points"] = static_cast<double>(points);
-}
-BENCHMARK(queryCourse)->Unit(benchmark::kMicrosecond);
 
 /// Runs what is posted; nothing more is needed here.
 class PlainExecutor : public MainExecutor {

@@ -1,6 +1,7 @@
 #include "screenshots/KitSheet.h"
 
 #include "ui/ProviderLogo.h"
+#include "ui/kit/Bar.h"
 #include "ui/kit/Button.h"
 #include "ui/kit/Field.h"
 #include "ui/kit/FigureText.h"
@@ -13,7 +14,6 @@
 #include "ui/kit/Tabs.h"
 #include "ui/kit/Theme.h"
 #include "ui/kit/Toggle.h"
-#include "ui/kit/Bar.h"
 
 #include <QCoreApplication>
 #include <QHoverEvent>

@@ -2,9 +2,11 @@
 
 #include "presentation/MainWindowContent.h"
 #include "presentation/PopoverContent.h"
+#include "screenshots/ChartSheet.h"
 #include "screenshots/KitSheet.h"
 #include "screenshots/SampleStates.h"
 #include "ui/AboutWindow.h"
+#include "ui/LegalWindow.h"
 #include "ui/kit/Theme.h"
 #include "ui/popover/AgentUsagePopoverView.h"
 #include "ui/popover/Popover.h"
@@ -117,8 +119,39 @@ QImage drawKit(const std::string& /*language*/, double scale) {
 }
 
 QImage drawAbout(const std::string& language, double scale) {
-    AboutWindow window(samples::words(language));
+    AboutWindow window({.open = [](AboutLink) {}, .openURL = [](const std::string&) {}});
+    window.setContent(aboutPageContent(samples::words(language)));
     return drawWhole(window, scale);
+}
+
+QImage drawLegal(LegalDocument document, bool needsNotice, const std::string& language,
+                 double scale) {
+    LegalWindow window({.choose = [](LegalDocument) {}, .accept = [] {}});
+    window.setContent(legalWindowContent(document, needsNotice, samples::words(language)));
+    return drawWhole(window, scale);
+}
+
+Scene legalScene(std::string name, LegalDocument document, bool needsNotice) {
+    return {"legal-" + std::move(name),
+            [document, needsNotice](const std::string& language, double scale) {
+                return drawLegal(document, needsNotice, language, scale);
+            }};
+}
+
+Scene helpScene(std::string name, HelpSection section, std::string query = {},
+                QSize size = AgentMainWindowView::firstSize) {
+    return pageScene(
+        "help-" + std::move(name), AgentPage::of(AgentPage::Kind::help), samples::normal,
+        [section, query = std::move(query)](const UsageState&, const Localization& words) {
+            return helpPageContent(section, query, words);
+        },
+        size);
+}
+
+Scene aboutScene(std::string name, QSize size = AgentMainWindowView::firstSize) {
+    return pageScene(
+        std::move(name), AgentPage::of(AgentPage::Kind::about), samples::normal,
+        [](const UsageState&, const Localization& words) { return aboutPageContent(words); }, size);
 }
 
 } // namespace
@@ -126,7 +159,10 @@ QImage drawAbout(const std::string& language, double scale) {
 std::vector<Scene> allScenes() {
     return {
         {"kit", drawKit},
+        {"charts", drawChartSheet},
         {"about", drawAbout},
+        legalScene("notice", LegalDocument::terms, true),
+        legalScene("privacy", LegalDocument::privacy, false),
         popoverScene("overview", samples::normal),
         popoverScene("refreshing", samples::refreshing),
         popoverScene("healthy", samples::healthy),
@@ -177,8 +213,17 @@ std::vector<Scene> allScenes() {
         // settings
 
         // help
-
+        helpScene("reading", HelpSection::reading),
+        helpScene("marks", HelpSection::marks),
+        helpScene("failures", HelpSection::failures),
+        helpScene("failures-least", HelpSection::failures, {}, AgentMainWindowView::leastSize),
+        helpScene("keyboard", HelpSection::keyboard),
+        helpScene("support", HelpSection::support),
+        helpScene("search", HelpSection::reading, "claude token"),
+        helpScene("nothing-found", HelpSection::reading, "zzz"),
         // about
+        aboutScene("about"),
+        aboutScene("about-least", AgentMainWindowView::leastSize),
     };
 }
 

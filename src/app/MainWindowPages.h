@@ -5,6 +5,7 @@
 #include "presentation/LanguageManager.h"
 #include "presentation/MainWindowActions.h"
 #include "presentation/MainWindowContent.h"
+#include "store/AgentFactsCache.h"
 #include "store/AgentUsageStore.h"
 
 #include <functional>
@@ -17,6 +18,8 @@ class MainWindowPages {
 public:
     struct Sources {
         AgentUsageStore& store;
+        const Machine& machine;
+        MainExecutor& executor;
         Preferences& preferences;
         LanguageManager& language;
         AppAppearance& appearance;
@@ -28,16 +31,23 @@ public:
 
     /// What the pages may ask for. Valid as long as this.
     MainWindowActions actions();
+    /// The section of the help to begin with.
+    void showHelp(HelpSection section);
     /// Whether the overview says that something is left to set up.
     void setAsksForSetup(bool asks) { asksForSetup_ = asks; }
     MainWindowContent content(const AgentPage& selection, Instant now) const;
 
 private:
     PageContent contentOf(const AgentPage& page, Instant now) const;
+    void openHelpLink(HelpLink link);
+    void openAboutLink(AboutLink link);
 
     Sources sources_;
     bool asksForSetup_ = false;
     // provider
+    PageContent agentPage(const AgentProviderID& id, Instant now) const;
+    AgentPageActions agentActions();
+    AgentFactsCache facts_;
 
     // history
 
@@ -46,7 +56,8 @@ private:
     // settings
 
     // help
-
+    HelpSection helpSection_ = HelpSection::reading;
+    std::string helpQuery_;
     // about
 };
 

@@ -4,6 +4,8 @@
 #include "platform/ContinuousClock.h"
 #include "platform/InstanceIdentifier.h"
 #include "platform/UnusedMemory.h"
+#include "presentation/AboutPageContent.h"
+#include "presentation/LegalWindowContent.h"
 #include "presentation/PopoverContent.h"
 #include "process/BoundedProcess.h"
 #include "setup/AgentSetupStatus.h"
@@ -12,6 +14,7 @@
 #include "ui/AboutWindow.h"
 #include "ui/Conversions.h"
 #include "ui/GlyphPainter.h"
+#include "ui/LegalWindow.h"
 #include "ui/kit/Motion.h"
 #include "ui/kit/Theme.h"
 #include "ui/popover/AgentUsagePopoverView.h"
@@ -65,6 +68,7 @@ VellmarkAppDelegate::VellmarkAppDelegate(LaunchOptions options, Machine machine)
       machine_(std::move(machine)), preferences_(makePreferences(machine_)),
       language_(*preferences_, UserLocale::of(machine_.environment), options_.language),
       appearance_(*preferences_), launchAtLogin_(*preferences_, makeLoginItem(machine_)),
+      legal_(*preferences_),
       windowPresence_([this](ActivationPolicy policy) { windowsCameOrWent(policy); }),
       actions_(makeActions()),
       mainMenu_(
@@ -80,6 +84,12 @@ VellmarkAppDelegate::VellmarkAppDelegate(LaunchOptions options, Machine machine)
                     .autosaveName = {},
                     .make = [this] { return makeAboutWindow(); },
                     .title = [this] { return qString(words().text("about.title")); },
+                    .onVisibilityChange = {}},
+                   windowPresence_, *preferences_),
+      legalWindow_({.identifier = "legal",
+                    .autosaveName = {},
+                    .make = [this] { return makeLegalWindow(); },
+                    .title = [this] { return qString(words().text("legal.window.title")); },
                     .onVisibilityChange = {}},
                    windowPresence_, *preferences_) {
     navigation_.onChange = [this] {
@@ -190,6 +200,8 @@ void VellmarkAppDelegate::createStatusItem() {
         executor_, *preferences_);
     pages_ = std::make_unique<MainWindowPages>(
         MainWindowPages::Sources{.store = *store_,
+                                 .machine = machine_,
+                                 .executor = executor_,
                                  .preferences = *preferences_,
                                  .language = language_,
                                  .appearance = appearance_,
@@ -245,8 +257,10 @@ void VellmarkAppDelegate::observeLanguage() {
         mainWindow_.retitle();
         aboutWindow_.retitle();
         if (auto* about = dynamic_cast<AboutWindow*>(aboutWindow_.window())) {
-            about->setWords(words());
+            about->setContent(aboutPageContent(words()));
         }
+        legalWindow_.retitle();
+        updateLegalWindow();
         updateVisibleViews();
     };
 }
@@ -309,6 +323,7 @@ void VellmarkAppDelegate::observeWake() {
 
 void VellmarkAppDelegate::runFirstRun() {
     if (preferences_->boolean(setupCompletedKey).value_or(false)) {
+        showLegalNotice();
         return;
     }
     setupCheck_ = std::thread([this] {
@@ -320,8 +335,21 @@ void VellmarkAppDelegate::runFirstRun() {
 }
 
 void VellmarkAppDelegate::finishFirstRun(bool needsSetup) {
-    if (needsSetup && !hasTerminated_) {
+    if (hasTerminated_) {
+        return;
+    }
+    if (needsSetup) {
         askForSetup();
+        return;
+    }
+    preferences_->setBoolean(setupCompletedKey, true);
+    showLegalNotice();
+}
+
+/// A demo is gone in a minute, with whatever was accepted in it.
+void VellmarkAppDelegate::showLegalNotice() {
+    if (legal_.needsNotice() && !options_.isDemo) {
+        showLegal(LegalDocument::terms);
     }
 }
 
@@ -437,6 +465,19 @@ void VellmarkAppDelegate::showAbout() {
     aboutWindow_.show();
 }
 
+void VellmarkAppDelegate::showLegal(LegalDocument document) {
+    closePopover();
+    shownLegal_ = document;
+    legalWindow_.show();
+    updateLegalWindow();
+}
+
+void VellmarkAppDelegate::updateLegalWindow() {
+    if (auto* window = dynamic_cast<LegalWindow*>(legalWindow_.window())) {
+        window->setContent(legalWindowContent(shownLegal_, legal_.needsNotice(), words()));
+    }
+}
+
 std::unique_ptr<QWidget> VellmarkAppDelegate::makeMainWindow() {
     auto window = std::make_unique<AgentMainWindowView>(pages_->actions(), navigation_);
     window->setWindowIcon(applicationIcon());
@@ -449,7 +490,27 @@ std::unique_ptr<QWidget> VellmarkAppDelegate::makeMainWindow() {
 }
 
 std::unique_ptr<QWidget> VellmarkAppDelegate::makeAboutWindow() {
-    auto window = std::make_unique<AboutWindow>(words());
+    auto window = std::make_unique<AboutWindow>(pages_->actions().about);
+    window->setContent(aboutPageContent(words()));
+    window->setWindowIcon(applicationIcon());
+    mainMenu_.attach(*window);
+    return window;
+}
+
+std::unique_ptr<QWidget> VellmarkAppDelegate::makeLegalWindow() {
+    auto window =
+        std::make_unique<LegalWindow>(LegalWindow::Actions{.choose =
+                                                               [this](LegalDocument document) {
+                                                                   shownLegal_ = document;
+                                                                   updateLegalWindow();
+                                                               },
+                                                           .accept =
+                                                               [this] {
+                                                                   legal_.accept();
+                                                                   legalWindow_.window()->close();
+                                                                   updateLegalWindow();
+                                                               }});
+    window->setContent(legalWindowContent(shownLegal_, legal_.needsNotice(), words()));
     window->setWindowIcon(applicationIcon());
     mainMenu_.attach(*window);
     return window;
@@ -465,7 +526,7 @@ AgentUIActions VellmarkAppDelegate::makeActions() {
         .openSettings = [this] { showSettingsFromMenu(); },
         .showAbout = [this] { showAbout(); },
         .startSetup = [this] { askForSetup(); },
-        .showLegal = [this](LegalDocument) { showAbout(); },
+        .showLegal = [this](LegalDocument document) { showLegal(document); },
         .showSupportReport = [this] { showSupportReportFromMenu(); },
         .quit = [] { QCoreApplication::quit(); },
     };
@@ -523,6 +584,7 @@ void VellmarkAppDelegate::saveActivityFromMenu() {
 }
 
 void VellmarkAppDelegate::showSupportReportFromMenu() {
+    pages_->showHelp(HelpSection::support);
     showPage(AgentPage::of(AgentPage::Kind::help));
 }
 
@@ -535,11 +597,11 @@ void VellmarkAppDelegate::openSupport() {
 }
 
 void VellmarkAppDelegate::showTermsFromMenu() {
-    showAbout();
+    showLegal(LegalDocument::terms);
 }
 
 void VellmarkAppDelegate::showPrivacyFromMenu() {
-    showAbout();
+    showLegal(LegalDocument::privacy);
 }
 
 } // namespace vellmark

@@ -17,6 +17,7 @@
 #include "presentation/LanguageManager.h"
 #include "presentation/LaunchAtLoginController.h"
 #include "presentation/LaunchSequence.h"
+#include "presentation/LegalModel.h"
 #include "presentation/WindowPresenceController.h"
 #include "store/AgentUsageStore.h"
 
@@ -30,6 +31,7 @@
 namespace vellmark {
 
 class AgentMainWindowView;
+class LegalWindow;
 class Popover;
 
 /// The hub of the application: owns the status item, the popover, the menu, every window and the
@@ -87,6 +89,7 @@ private:
     AgentUIActions makeActions();
     std::unique_ptr<QWidget> makeMainWindow();
     std::unique_ptr<QWidget> makeAboutWindow();
+    std::unique_ptr<QWidget> makeLegalWindow();
     const Localization& words() const { return language_.words(); }
 
     void takeSettings();
@@ -103,6 +106,9 @@ private:
     void minuteTick();
     void menuItemChosen(std::string_view action);
     void finishFirstRun(bool needsSetup);
+    void showLegal(LegalDocument document);
+    void showLegalNotice();
+    void updateLegalWindow();
     void askForSetup();
 
     LaunchOptions options_;
@@ -114,6 +120,7 @@ private:
     LanguageManager language_;
     AppAppearance appearance_;
     LaunchAtLoginController launchAtLogin_;
+    LegalModel legal_;
     WindowPresenceController windowPresence_;
     AgentUIActions actions_;
     std::unique_ptr<SingleInstance> singleInstance_;
@@ -131,6 +138,8 @@ private:
     std::unique_ptr<MainWindowPages> pages_;
     WindowController mainWindow_;
     WindowController aboutWindow_;
+    WindowController legalWindow_;
+    LegalDocument shownLegal_ = LegalDocument::terms;
     /// Inside `mainWindow_`, and there while it is.
     QPointer<AgentMainWindowView> mainWindowView_;
     std::unique_ptr<AppLoops> loops_;

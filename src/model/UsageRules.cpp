@@ -233,15 +233,23 @@ std::optional<Planning> planning(const UsageWindow& window, Instant now) {
     return result;
 }
 
-std::optional<Forecast> forecast(const UsageWindow& window, Instant now,
-                                 std::span<const UsagePoint> recent) {
+std::optional<double> expectedRate(const UsageWindow& window, Instant now,
+                                   std::span<const UsagePoint> recent) {
     const auto overallPace = pace(window, now);
     if (!overallPace || *window.resetsAt <= now) {
         return std::nullopt;
     }
     const double overallRate = *overallPace / length(window).count();
-    const double rate = std::max(overallRate, recentRate(window, now, recent).value_or(0));
-    const Seconds untilEmpty(std::max(remainingPercent(window), 0.0) / rate);
+    return std::max(overallRate, recentRate(window, now, recent).value_or(0));
+}
+
+std::optional<Forecast> forecast(const UsageWindow& window, Instant now,
+                                 std::span<const UsagePoint> recent) {
+    const auto rate = expectedRate(window, now, recent);
+    if (!rate) {
+        return std::nullopt;
+    }
+    const Seconds untilEmpty(std::max(remainingPercent(window), 0.0) / *rate);
     if (!(untilEmpty < *window.resetsAt - now - leastShortfall)) {
         return Forecast{};
     }

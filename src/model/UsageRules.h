@@ -78,6 +78,10 @@ struct Forecast {
     bool operator==(const Forecast&) const = default;
 };
 
+/// The pace at which a quota is taken to go on being used, in percent a second; grounds as below.
+std::optional<double> expectedRate(const UsageWindow& window, Instant now,
+                                   std::span<const UsagePoint> recent = {});
+
 /// `recent` holds the window's samples, oldest first; a steeper pace found in those of the last two
 /// hours counts, provided that they belong to the present period and span ten minutes. Absent when
 /// there are no grounds for a forecast: no pace, or the reset is past.

@@ -1,12 +1,11 @@
 #pragma once
 
 #include "model/AgentProviderID.h"
+#include "presentation/LegalDocument.h"
 
 #include <functional>
 
 namespace vellmark {
-
-enum class LegalDocument { terms, privacy };
 
 /// What views ask of the application; built once and handed to every view. Main thread.
 struct AgentUIActions {

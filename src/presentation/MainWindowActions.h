@@ -1,6 +1,9 @@
 #pragma once
 
+#include "presentation/AboutPageActions.h"
+#include "presentation/AgentPageContent.h"
 #include "presentation/AgentUIActions.h"
+#include "presentation/HelpPageActions.h"
 
 namespace vellmark {
 
@@ -9,6 +12,7 @@ namespace vellmark {
 struct MainWindowActions {
     AgentUIActions program;
     // provider
+    AgentPageActions agent;
 
     // history
 
@@ -17,8 +21,10 @@ struct MainWindowActions {
     // settings
 
     // help
+    HelpPageActions help;
 
     // about
+    AboutPageActions about;
 };
 
 } // namespace vellmark

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "presentation/AboutPageContent.h"
 #include "presentation/AgentPage.h"
+#include "presentation/AgentPageContent.h"
+#include "presentation/HelpPageContent.h"
 #include "presentation/OverviewPageContent.h"
 #include "presentation/PageHeadContent.h"
 #include "presentation/SidebarContent.h"
@@ -16,6 +19,7 @@ using PageContent = std::variant<
     // overview
     OverviewPageContent,
     // provider
+    AgentPageContent,
 
     // history
 
@@ -24,8 +28,10 @@ using PageContent = std::variant<
     // settings
 
     // help
+    HelpPageContent,
 
     // about
+    AboutPageContent,
 
     PageHeadContent>;
 

@@ -8,8 +8,8 @@ namespace vellmark {
 namespace {
 
 constexpr Seconds day{86'400};
-constexpr Seconds keptWhole = 35 * day;
-constexpr Seconds keptAtAll = 400 * day;
+constexpr Seconds keptWhole = HistoryThinning::daysKeptWhole * day;
+constexpr Seconds keptAtAll = HistoryThinning::daysKept * day;
 
 } // namespace
 

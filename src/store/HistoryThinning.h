@@ -16,6 +16,9 @@ namespace vellmark {
 /// window and hour, and those older than 400 days. Samples of a newer form are always kept.
 class HistoryThinning {
 public:
+    static constexpr int daysKeptWhole = 35;
+    static constexpr int daysKept = 400;
+
     /// The age of everything up to that day makes no difference.
     static Instant keptWholeSince(Instant reference);
 

@@ -17,7 +17,18 @@ UsagePoint usagePoint(const HistoryPoint& point) {
     return {point.capturedAt, point.usedPercent};
 }
 
-/// The instant between two samples that follow each other at which the window was reset.
+} // namespace
+
+HistoryPoint::HistoryPoint(Instant captured, double used, std::optional<Instant> resets)
+    : capturedAt(captured), resetsAtSeconds(resets ? resets->time_since_epoch().count()
+                                                   : std::numeric_limits<double>::quiet_NaN()),
+      usedPercent(used) {}
+
+std::optional<Instant> HistoryPoint::resetsAt() const {
+    return std::isnan(resetsAtSeconds) ? std::nullopt
+                                       : std::optional(Instant(Seconds(resetsAtSeconds)));
+}
+
 std::optional<Instant> resetBetween(const HistoryPoint& before, const HistoryPoint& after) {
     const auto due = before.resetsAt();
     const auto next = after.resetsAt();
@@ -30,56 +41,6 @@ std::optional<Instant> resetBetween(const HistoryPoint& before, const HistoryPoi
         return after.capturedAt; // earlier than was announced, or without announcement
     }
     return std::nullopt;
-}
-
-/// Of each of `maximum / 2` equal spans of time the lowest and the highest point.
-std::vector<UsagePoint> reduced(std::span<const HistoryPoint> points, std::size_t maximum) {
-    std::vector<UsagePoint> kept;
-    if (points.size() <= maximum) {
-        std::ranges::transform(points, std::back_inserter(kept), usagePoint);
-        return kept;
-    }
-    // The first and the last point stand for themselves, so that the line keeps its ends.
-    const auto inner = points.subspan(1, points.size() - 2);
-    const std::size_t spans = (std::max<std::size_t>(maximum, 4) - 2) / 2;
-    const Instant begin = inner.front().capturedAt;
-    const Seconds step = (inner.back().capturedAt - begin) / static_cast<double>(spans);
-    kept.reserve(2 * spans + 2);
-    kept.push_back(usagePoint(points.front()));
-    auto next = inner.begin();
-    for (std::size_t index = 1; index <= spans; ++index) {
-        const Instant end = begin + step * static_cast<double>(index);
-        auto lowest = next;
-        auto highest = next;
-        const auto first = next;
-        while (next != inner.end() && (next->capturedAt < end || index == spans)) {
-            lowest = next->usedPercent < lowest->usedPercent ? next : lowest;
-            highest = next->usedPercent > highest->usedPercent ? next : highest;
-            ++next;
-        }
-        if (next == first) {
-            continue;
-        }
-        const auto [earlier, later] = std::minmax(lowest, highest);
-        kept.push_back(usagePoint(*earlier));
-        if (later != earlier) {
-            kept.push_back(usagePoint(*later));
-        }
-    }
-    kept.push_back(usagePoint(points.back()));
-    return kept;
-}
-
-} // namespace
-
-HistoryPoint::HistoryPoint(Instant captured, double used, std::optional<Instant> resets)
-    : capturedAt(captured), resetsAtSeconds(resets ? resets->time_since_epoch().count()
-                                                   : std::numeric_limits<double>::quiet_NaN()),
-      usedPercent(used) {}
-
-std::optional<Instant> HistoryPoint::resetsAt() const {
-    return std::isnan(resetsAtSeconds) ? std::nullopt
-                                       : std::optional(Instant(Seconds(resetsAtSeconds)));
 }
 
 // --- series
@@ -152,32 +113,17 @@ bool UsageHistory::contains(const UsageHistorySample& sample) const {
     });
 }
 
-HistoryCourse UsageHistory::course(const WindowKey& key, Instant from, Instant to,
-                                   std::size_t maximum) const {
+void UsageHistory::read(const WindowKey& key, Instant from, Instant to,
+                        const std::function<void(std::span<const HistoryPoint>)>& reader) const {
     const std::lock_guard hold(lock_);
     const auto points = series_.of(key);
     auto begin = std::ranges::lower_bound(points, from, {}, &HistoryPoint::capturedAt);
-    const auto end = std::ranges::upper_bound(points, to, {}, &HistoryPoint::capturedAt);
+    const auto end =
+        std::ranges::upper_bound(begin, points.end(), to, {}, &HistoryPoint::capturedAt);
     if (begin != points.begin()) {
         --begin;
     }
-    HistoryCourse course;
-    if (begin >= end) {
-        return course;
-    }
-    const auto range = points.subspan(static_cast<std::size_t>(begin - points.begin()),
-                                      static_cast<std::size_t>(end - begin));
-    course.points = reduced(range, maximum);
-    for (std::size_t index = 1; index < range.size(); ++index) {
-        if (range[index].resetsAtSeconds == range[index - 1].resetsAtSeconds) {
-            continue; // the same announcement, and by far the most frequent case
-        }
-        const auto reset = resetBetween(range[index - 1], range[index]);
-        if (reset && *reset >= from && *reset <= to) {
-            course.resets.push_back(*reset);
-        }
-    }
-    return course;
+    reader({begin, end});
 }
 
 std::vector<UsagePoint> UsageHistory::recent(const WindowKey& key, Instant since,

@@ -26,13 +26,8 @@ struct HistoryPoint {
     std::optional<Instant> resetsAt() const;
 };
 
-/// A window's course in a range of time, for a chart.
-struct HistoryCourse {
-    /// Oldest first.
-    std::vector<UsagePoint> points;
-    /// Where the window was reset, oldest first.
-    std::vector<Instant> resets;
-};
+/// The instant between two samples of a window that follow each other at which it was reset.
+std::optional<Instant> resetBetween(const HistoryPoint& before, const HistoryPoint& after);
 
 /// The samples of all windows in memory, 24 bytes each. A plain value.
 class HistorySeries {
@@ -75,9 +70,10 @@ public:
     /// Whether this very sample is there.
     bool contains(const UsageHistorySample& sample) const;
 
-    /// The samples from `from` to `to`, and the one before, which says where the line comes from;
-    /// reduced to at most `maximum` points (at least 4) without losing the highest or lowest.
-    HistoryCourse course(const WindowKey& key, Instant from, Instant to, std::size_t maximum) const;
+    /// Shows the samples from `from` to `to` and the one before, which says where the line comes
+    /// from, oldest first. Nothing can be added until `reader` returns, and it asks nothing here.
+    void read(const WindowKey& key, Instant from, Instant to,
+              const std::function<void(std::span<const HistoryPoint>)>& reader) const;
 
     /// The samples from `since` to `until`, for a forecast.
     std::vector<UsagePoint> recent(const WindowKey& key, Instant since, Instant until) const;

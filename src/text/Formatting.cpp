@@ -4,6 +4,7 @@
 #include "text/TimeZoneRules.h"
 #include "text/UnicodeString.h"
 
+#include <unicode/calendar.h>
 #include <unicode/dtptngen.h>
 #include <unicode/numberformatter.h>
 #include <unicode/smpdtfmt.h>
@@ -264,6 +265,37 @@ bool isSameDay(Instant first, Instant second, const Localization& words) {
 std::string momentText(Instant instant, const Localization& words) {
     return words.format("moment.dateTime",
                         {dateText(instant, middleDate, words), timeText(instant, words)});
+}
+
+std::string dateText(Instant instant, DateForm form, const Localization& words) {
+    switch (form) {
+    case DateForm::day:
+        return dateText(instant, "MMMd", words);
+    case DateForm::weekdayAndDay:
+        return dateText(instant, "EMMMd", words);
+    case DateForm::weekdayDayAndTime:
+        return dateText(instant, "EMMMdjm", words);
+    case DateForm::month:
+        return dateText(instant, "LLL", words);
+    case DateForm::monthAndYear:
+        return dateText(instant, "yMMM", words);
+    case DateForm::weekday:
+        return dateText(instant, "ccc", words);
+    case DateForm::hour:
+        break;
+    }
+    return dateText(instant, "j", words);
+}
+
+int firstWeekday(const Localization& words) {
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<icu::Calendar> calendar(
+        icu::Calendar::createInstance(formatLocale(words), status));
+    if (U_FAILURE(status)) {
+        return 0;
+    }
+    const int first = calendar->getFirstDayOfWeek(status); // 1 is Sunday
+    return U_SUCCESS(status) ? (first + 5) % 7 : 0;
 }
 
 std::string dateTimeText(Instant instant, const Localization& words) {

@@ -57,6 +57,21 @@ bool isSameDay(Instant first, Instant second, const Localization& words);
 /// When something was, to the minute ("Nov 20, 2025 at 2:46 PM", "20.11.2025, 14:46").
 std::string momentText(Instant instant, const Localization& words);
 
+/// The parts of a date and a time that a text about a day is made of.
+enum class DateForm {
+    day,               ///< "Nov 14", "14. Nov."
+    weekdayAndDay,     ///< "Fri, Nov 14", "Fr., 14. Nov."
+    weekdayDayAndTime, ///< "Fri, Nov 14, 8:30 AM", "Fr., 14. Nov., 08:30"
+    month,             ///< "Nov", "Nov."
+    monthAndYear,      ///< "Nov 2025", "Nov. 2025"
+    weekday,           ///< "Fri", "Fr"; alone
+    hour,              ///< "8 AM", "08 Uhr"
+};
+std::string dateText(Instant instant, DateForm form, const Localization& words);
+
+/// The day with which a week begins where the user is; 0 is Monday.
+int firstWeekday(const Localization& words);
+
 /// Date and time in the locale's numeric date and standard time style, for records.
 std::string dateTimeText(Instant instant, const Localization& words);
 

@@ -1,6 +1,8 @@
 #include "app/VellmarkAppDelegate.h"
+#include "platform/Preferences.h"
 #include "process/RunningChildren.h"
 #include "support/AgentSandbox.h"
+#include "ui/LegalWindow.h"
 #include "ui/kit/SidebarEntry.h"
 #include "ui/popover/AgentBlock.h"
 #include "ui/popover/Popover.h"
@@ -192,6 +194,36 @@ TEST_F(VellmarkAppDelegateTest, OffersTheFirstRunWhenSomethingIsMissing) {
     sandbox_.uninstall("codex");
     launch();
     EXPECT_TRUE(eventually([] { return visible<AgentMainWindowView>() != nullptr; }));
+}
+
+TEST_F(VellmarkAppDelegateTest, ShowsTheTermsOnceEverythingIsSetUpUntilTheyAreAccepted) {
+    const auto press = [](const char* title) {
+        for (auto* button : visible<LegalWindow>()->findChildren<QAbstractButton*>()) {
+            if (button->text() == title) {
+                return button->click();
+            }
+        }
+        FAIL() << title;
+    };
+    for (const bool isFirst : {true, false}) {
+        launch();
+        ASSERT_TRUE(eventually([] { return visible<LegalWindow>() != nullptr; })) << isFirst;
+        press("Privacy");
+        press(isFirst ? "Close" : "Accept");
+        EXPECT_FALSE(visible<LegalWindow>());
+        delegate_.reset();
+        RunningChildren::reopen();
+    }
+    const auto preferences = makePreferences(sandbox_.machine());
+    EXPECT_EQ(preferences->boolean("SetupAssistantCompleted"), true);
+    launch();
+    EXPECT_FALSE(visible<LegalWindow>()) << "decided within the launch, once the setup is done";
+    delegate_->showPrivacyFromMenu();
+    ASSERT_TRUE(visible<LegalWindow>());
+    EXPECT_EQ(visible<LegalWindow>()->windowTitle(), "Terms and Privacy");
+    delegate_->languageManager().choose("de");
+    EXPECT_EQ(visible<LegalWindow>()->windowTitle(), "Bedingungen und Datenschutz");
+    press("Schließen");
 }
 
 TEST_F(VellmarkAppDelegateTest, EndsEveryAgentAtTermination) {

@@ -31,26 +31,24 @@ protected:
     UsageHistory history;
 };
 
-TEST_F(Course, ReductionKeepsPeaksAndEnds) {
-    for (int index = 0; index < 10'000; ++index) {
-        add(index, 50 + 10 * std::sin(index / 300.0));
+TEST_F(Course, ReadsARangeAndTheSampleBefore) {
+    for (int index = 0; index < 1'000; ++index) {
+        add(index, index % 100);
     }
-    add(4'321.5, 99.5); // late, and out of order
-    add(7'000.5, 0.5);
-    for (const std::size_t maximum : {4u, 10u, 101u, 1000u}) {
-        const auto points = history.course(key, at(0), at(1e6), maximum).points;
-        EXPECT_LE(points.size(), maximum);
-        const auto [lowest, highest] = std::ranges::minmax(points, {}, &UsagePoint::usedPercent);
-        EXPECT_EQ(highest.usedPercent, 99.5) << maximum;
-        EXPECT_EQ(lowest.usedPercent, 0.5) << maximum;
-        EXPECT_EQ(points.front().capturedAt, at(0));
-        EXPECT_EQ(points.back().capturedAt, at(9'999));
-        EXPECT_TRUE(std::ranges::is_sorted(points, {}, &UsagePoint::capturedAt));
-    }
-    EXPECT_EQ(history.course(key, at(100), at(109.5), 50).points.size(), 11u)
-        << "with the one that the line comes from";
-    EXPECT_TRUE(history.course(key, at(-10), at(-5), 50).points.empty());
-    EXPECT_TRUE(history.course({key.first, "other"}, at(0), at(1e6), 50).points.empty());
+    add(500.5, 99.5); // late, and out of order
+    const auto timesOf = [&](const WindowKey& of, double from, double to) {
+        std::vector<double> times;
+        history.read(of, at(from), at(to), [&](std::span<const HistoryPoint> points) {
+            for (const HistoryPoint& point : points) {
+                times.push_back(point.capturedAt.time_since_epoch().count());
+            }
+        });
+        return times;
+    };
+    EXPECT_EQ(timesOf(key, 500.2, 502), (std::vector<double>{500, 500.5, 501, 502}));
+    EXPECT_EQ(timesOf(key, 5'000, 6'000), std::vector<double>{999});
+    EXPECT_TRUE(timesOf(key, -10, -5).empty());
+    EXPECT_TRUE(timesOf({key.first, "other"}, 0, 1e6).empty());
 }
 
 TEST_F(Course, TellsWhereTheWindowWasReset) {
@@ -63,9 +61,15 @@ TEST_F(Course, TellsWhereTheWindowWasReset) {
     add(300, 2, 2000);  // reset early
     add(2100, 2, 2000); // due, not confirmed
     add(2200, 0, 3000); // and now it is
-    const auto resets = history.course(key, at(0), at(1e6), 100).resets;
+    std::vector<Instant> resets;
+    history.read(key, at(0), at(1e6), [&](std::span<const HistoryPoint> points) {
+        for (std::size_t index = 1; index < points.size(); ++index) {
+            if (const auto reset = resetBetween(points[index - 1], points[index])) {
+                resets.push_back(*reset);
+            }
+        }
+    });
     EXPECT_EQ(resets, (std::vector{at(100), at(300), at(2100)}));
-    EXPECT_EQ(history.course(key, at(150), at(400), 100).resets, std::vector{at(300)});
 }
 
 TEST(HistorySeries, TakesAnyNumberOfSamplesInAnyOrder) {

@@ -3,6 +3,7 @@
 #include "ui/kit/Interaction.h"
 #include "ui/kit/Theme.h"
 
+#include <QApplication>
 #include <QPainter>
 #include <QScrollBar>
 #include <QStyle>
@@ -15,6 +16,8 @@ namespace {
 constexpr int barWidth = 12;
 constexpr double thumbWidth = 6;
 constexpr double leastThumb = 24;
+/// By one press of an arrow key, and kept free beside a control that was scrolled to.
+constexpr int lineStep = 40;
 constexpr double restOpacity = 0.4;
 constexpr double hoverOpacity = 0.7;
 
@@ -46,6 +49,25 @@ private:
     Interaction interaction_;
 };
 
+QScrollBar::SliderAction scrollAction(int key) {
+    switch (key) {
+    case Qt::Key_Up:
+        return QScrollBar::SliderSingleStepSub;
+    case Qt::Key_Down:
+        return QScrollBar::SliderSingleStepAdd;
+    case Qt::Key_PageUp:
+        return QScrollBar::SliderPageStepSub;
+    case Qt::Key_PageDown:
+        return QScrollBar::SliderPageStepAdd;
+    case Qt::Key_Home:
+        return QScrollBar::SliderToMinimum;
+    case Qt::Key_End:
+        return QScrollBar::SliderToMaximum;
+    default:
+        return QScrollBar::SliderNoAction;
+    }
+}
+
 } // namespace
 
 ScrollArea::ScrollArea(QWidget* parent) : QScrollArea(parent), overlay_(new OverlayBar(this)) {
@@ -65,6 +87,19 @@ ScrollArea::ScrollArea(QWidget* parent) : QScrollArea(parent), overlay_(new Over
     connect(own, &QScrollBar::valueChanged, overlay_, &QScrollBar::setValue);
     connect(overlay_, &QScrollBar::valueChanged, own, &QScrollBar::setValue);
     overlay_->hide();
+    own->setSingleStep(lineStep);
+    // Qt does so only when the keyboard moves from one control in here to another.
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
+        if (now != nullptr && widget() != nullptr && widget()->isAncestorOf(now)) {
+            ensureWidgetVisible(now, 0, lineStep);
+        }
+    });
+}
+
+bool ScrollArea::scrollByKey(int key) {
+    const QScrollBar::SliderAction action = scrollAction(key);
+    verticalScrollBar()->triggerAction(action);
+    return action != QScrollBar::SliderNoAction;
 }
 
 void ScrollArea::resizeEvent(QResizeEvent* event) {

@@ -11,6 +11,8 @@ namespace vellmark::kit {
 class ScrollArea : public QScrollArea {
 public:
     explicit ScrollArea(QWidget* parent = nullptr);
+    /// Scrolls by an arrow or page key, Home or End; false for any other key.
+    bool scrollByKey(int key);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <numbers>
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace vellmark::kit {
@@ -82,9 +83,21 @@ QImage blurredLayer(const ShadowLayer& layer, const QRectF& box, double side, do
     return colored;
 }
 
-Patch makePatch(double cornerRadius, double ratio) {
+QMarginsF reachOf(std::span<const ShadowLayer> layers) {
+    double above = 0;
+    double side = 0;
+    double below = 0;
+    for (const ShadowLayer& layer : layers) {
+        above = std::max(above, layer.blur - layer.offset);
+        side = std::max(side, layer.blur);
+        below = std::max(below, layer.blur + layer.offset);
+    }
+    return {side, above, side, below};
+}
+
+Patch makePatch(std::span<const ShadowLayer> layers, double cornerRadius, double ratio) {
     // The shadow falls downwards, where it reaches farthest.
-    const double margin = popoverShadowReach().bottom();
+    const double margin = reachOf(layers).bottom();
     Patch patch{Theme::current().appearance(), ratio, cornerRadius, margin, 0, {}};
     patch.inside = patch.margin + cornerRadius;
     const double side = 2 * (patch.margin + patch.inside) + 2;
@@ -93,49 +106,37 @@ Patch makePatch(double cornerRadius, double ratio) {
     patch.image = QImage(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
     patch.image.fill(Qt::transparent);
     QPainter painter(&patch.image);
-    for (const ShadowLayer& layer : Theme::current().popoverShadow()) {
+    for (const ShadowLayer& layer : layers) {
         painter.drawImage(0, 0, blurredLayer(layer, box, side, cornerRadius, ratio));
     }
     return patch;
 }
 
-const Patch& patchFor(double cornerRadius, double ratio) {
-    static std::optional<Patch> known;
+/// Drawn with the patch in `known`, which is made anew when it does not fit any more.
+void drawShadow(QPainter& painter, const QRectF& box, std::span<const ShadowLayer> layers,
+                double cornerRadius, std::optional<Patch>& known) {
+    const double ratio = painter.deviceTransform().m11();
     if (!known || known->appearance != Theme::current().appearance() || known->ratio != ratio ||
         known->cornerRadius != cornerRadius) {
-        known = makePatch(cornerRadius, ratio);
+        known = makePatch(layers, cornerRadius, ratio);
     }
-    return *known;
-}
-
-} // namespace
-
-QMarginsF popoverShadowReach() {
-    double above = 0;
-    double side = 0;
-    double below = 0;
-    for (const ShadowLayer& layer : Theme::current().popoverShadow()) {
-        above = std::max(above, layer.blur - layer.offset);
-        side = std::max(side, layer.blur);
-        below = std::max(below, layer.blur + layer.offset);
-    }
-    return {side, above, side, below};
-}
-
-void drawPopoverShadow(QPainter& painter, const QRectF& box, double cornerRadius) {
-    const Patch& patch = patchFor(cornerRadius, painter.deviceTransform().m11());
+    const Patch& patch = *known;
     const double corner = patch.margin + patch.inside;
     const QRectF outer = box.adjusted(-patch.margin, -patch.margin, patch.margin, patch.margin);
     const double side = patch.image.width() / patch.ratio;
-    const double fromEdges[] = {0, corner, side - corner, side};
-    const double toColumns[] = {outer.left(), outer.left() + corner, outer.right() - corner,
+    // Of a box smaller than its shadow's corners these are cut off where they meet.
+    const double wide = std::min(corner, outer.width() / 2);
+    const double high = std::min(corner, outer.height() / 2);
+    const double fromColumns[] = {0, wide, side - wide, side};
+    const double fromRows[] = {0, high, side - high, side};
+    const double toColumns[] = {outer.left(), outer.left() + wide, outer.right() - wide,
                                 outer.right()};
-    const double toRows[] = {outer.top(), outer.top() + corner, outer.bottom() - corner,
+    const double toRows[] = {outer.top(), outer.top() + high, outer.bottom() - high,
                              outer.bottom()};
     for (int row = 0; row < 3; ++row) {
         for (int column = 0; column < 3; ++column) {
-            const QRectF from(QPointF(fromEdges[column], fromEdges[row]) * patch.ratio,
-                              QPointF(fromEdges[column + 1], fromEdges[row + 1]) * patch.ratio);
+            const QRectF from(QPointF(fromColumns[column], fromRows[row]) * patch.ratio,
+                              QPointF(fromColumns[column + 1], fromRows[row + 1]) * patch.ratio);
             const QRectF to(QPointF(toColumns[column], toRows[row]),
                             QPointF(toColumns[column + 1], toRows[row + 1]));
             if (to.width() > 0 && to.height() > 0) {
@@ -143,6 +144,23 @@ void drawPopoverShadow(QPainter& painter, const QRectF& box, double cornerRadius
             }
         }
     }
+}
+
+} // namespace
+
+QMarginsF popoverShadowReach() {
+    return reachOf(Theme::current().popoverShadow());
+}
+
+void drawPopoverShadow(QPainter& painter, const QRectF& box, double cornerRadius) {
+    static std::optional<Patch> known;
+    drawShadow(painter, box, Theme::current().popoverShadow(), cornerRadius, known);
+}
+
+void drawReadoutShadow(QPainter& painter, const QRectF& box, double cornerRadius) {
+    static std::optional<Patch> known;
+    const ShadowLayer layer{6, 18, QColor(0, 0, 0, Theme::current().isDark() ? 102 : 38)};
+    drawShadow(painter, box, {&layer, 1}, cornerRadius, known);
 }
 
 } // namespace vellmark::kit

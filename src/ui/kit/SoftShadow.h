@@ -9,11 +9,14 @@ class QPainter;
 
 namespace vellmark::kit {
 
-/// The popover's shadow around `box`, whose corners have the radius `cornerRadius`. It is blurred
-/// once for an appearance and scale, and stretched to any size afterwards.
+/// The popover's shadow around `box`, whose corners have the radius `cornerRadius`. Shadows
+/// are blurred once for an appearance and scale, and stretched to any size afterwards.
 void drawPopoverShadow(QPainter& painter, const QRectF& box, double cornerRadius);
 
-/// How far the shadow reaches beyond its box on each side.
+/// The smaller shadow of a box that says what lies under the pointer in a chart.
+void drawReadoutShadow(QPainter& painter, const QRectF& box, double cornerRadius);
+
+/// How far the popover's shadow reaches beyond its box on each side.
 QMarginsF popoverShadowReach();
 
 } // namespace vellmark::kit

@@ -21,6 +21,7 @@ inline constexpr TextStyle title{22, 28, QFont::Bold};
 inline constexpr TextStyle popoverName{19, 24, QFont::Bold};
 inline constexpr TextStyle heading{15, 20, QFont::DemiBold};
 inline constexpr TextStyle body{13, 16, QFont::Normal};
+inline constexpr TextStyle prose{13, 20, QFont::Normal}; ///< to read at length
 inline constexpr TextStyle bodyMedium{13, 16, QFont::Medium};
 inline constexpr TextStyle strong{13, 16, QFont::DemiBold};
 inline constexpr TextStyle text{12, 16, QFont::Normal};

@@ -1,6 +1,9 @@
 #include "ui/window/WindowPages.h"
 
+#include "ui/window/AboutPage.h"
+#include "ui/window/AgentDetailPage.h"
 #include "ui/window/HeadOnlyPage.h"
+#include "ui/window/HelpPage.h"
 #include "ui/window/OverviewPage.h"
 
 namespace vellmark {
@@ -19,6 +22,7 @@ struct Giver {
     // overview
     void operator()(const OverviewPageContent& content) const { give<OverviewPage>(page, content); }
     // provider
+    void operator()(const AgentPageContent& content) const { give<AgentDetailPage>(page, content); }
 
     // history
 
@@ -27,8 +31,9 @@ struct Giver {
     // settings
 
     // help
-
+    void operator()(const HelpPageContent& content) const { give<HelpPage>(page, content); }
     // about
+    void operator()(const AboutPageContent& content) const { give<AboutPage>(page, content); }
 };
 
 } // namespace
@@ -39,7 +44,7 @@ WindowPage* makePage(AgentPage::Kind kind, const MainWindowActions& actions, QWi
     case Kind::overview:
         return new OverviewPage(actions.program, parent);
     case Kind::provider:
-        return new HeadOnlyPage(parent);
+        return new AgentDetailPage(actions.program, actions.agent, parent);
     case Kind::history:
         return new HeadOnlyPage(parent);
     case Kind::activity:
@@ -47,9 +52,9 @@ WindowPage* makePage(AgentPage::Kind kind, const MainWindowActions& actions, QWi
     case Kind::settings:
         return new HeadOnlyPage(parent);
     case Kind::help:
-        return new HeadOnlyPage(parent);
+        return new HelpPage(actions.help, parent);
     case Kind::about:
-        return new HeadOnlyPage(parent);
+        return new AboutPage(actions.about, parent);
     }
     return new HeadOnlyPage(parent);
 }
