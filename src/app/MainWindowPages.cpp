@@ -29,11 +29,12 @@ void copyText(const std::string& text) {
 } // namespace
 
 MainWindowPages::MainWindowPages(Sources sources)
-    : sources_(std::move(sources)),
-      facts_({.machine = sources_.machine}, sources_.executor, [this] {
-          // Asked for while the page is being shown.
-          sources_.executor.post(sources_.update);
-      }) {}
+    : sources_(std::move(sources)), facts_({.machine = sources_.machine}, sources_.executor,
+                                           [this] {
+                                               // Asked for while the page is being shown.
+                                               sources_.executor.post(sources_.update);
+                                           }),
+      activity_(std::make_shared<ActivityFeed>(sources_.store, sources_.update)) {}
 
 MainWindowActions MainWindowPages::actions() {
     MainWindowActions actions;
@@ -44,7 +45,11 @@ MainWindowActions MainWindowPages::actions() {
     // history
 
     // activity
-
+    actions.activity = {.save = sources_.saveActivity, .rest = [weak = std::weak_ptr(activity_)] {
+                            if (const auto feed = weak.lock()) {
+                                feed->rest();
+                            }
+                        }};
     // settings
 
     // help
@@ -117,7 +122,7 @@ PageContent MainWindowPages::contentOf(const AgentPage& page, Instant now) const
     case Kind::history:
         return pageHead({"nav.history", {}}, words);
     case Kind::activity:
-        return pageHead({"nav.activity", {}}, words);
+        return activityContent(now);
     case Kind::settings:
         return pageHead({"nav.settings", {}}, words);
     case Kind::help:
@@ -165,6 +170,15 @@ AgentPageActions MainWindowPages::agentActions() {
             [&store](const std::vector<AgentProviderID>& order) { store.setProviderOrder(order); },
         .switchOff = [&store](const AgentProviderID& id) { store.setEnabled(id, false); },
     };
+}
+
+// activity
+
+ActivityPageContent MainWindowPages::activityContent(Instant now) const {
+    ActivityPageContent content =
+        activityPageContent(sources_.store.state(), now, sources_.language.words());
+    activity_->fill(content);
+    return content;
 }
 
 } // namespace vellmark

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/ActivityFeed.h"
 #include "platform/Preferences.h"
 #include "presentation/AppAppearance.h"
 #include "presentation/LanguageManager.h"
@@ -9,6 +10,7 @@
 #include "store/AgentUsageStore.h"
 
 #include <functional>
+#include <memory>
 
 namespace vellmark {
 
@@ -26,6 +28,7 @@ public:
         AgentUIActions actions;
         /// Shows the content anew, after a page has changed what it depends on.
         std::function<void()> update;
+        std::function<void()> saveActivity;
     };
     explicit MainWindowPages(Sources sources);
 
@@ -36,11 +39,13 @@ public:
     /// Whether the overview says that something is left to set up.
     void setAsksForSetup(bool asks) { asksForSetup_ = asks; }
     MainWindowContent content(const AgentPage& selection, Instant now) const;
+    ActivityFeed& activity() { return *activity_; }
 
 private:
     PageContent contentOf(const AgentPage& page, Instant now) const;
     void openHelpLink(HelpLink link);
     void openAboutLink(AboutLink link);
+    ActivityPageContent activityContent(Instant now) const;
 
     Sources sources_;
     bool asksForSetup_ = false;
@@ -52,7 +57,7 @@ private:
     // history
 
     // activity
-
+    std::shared_ptr<ActivityFeed> activity_;
     // settings
 
     // help

@@ -25,7 +25,6 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QFileDialog>
-#include <QMessageBox>
 #include <QSaveFile>
 #include <QStandardPaths>
 #include <QUrl>
@@ -67,8 +66,8 @@ VellmarkAppDelegate::VellmarkAppDelegate(LaunchOptions options, Machine machine)
     : options_(std::move(options)), isRunningTests_(options_.isRunningTests),
       machine_(std::move(machine)), preferences_(makePreferences(machine_)),
       language_(*preferences_, UserLocale::of(machine_.environment), options_.language),
-      appearance_(*preferences_), launchAtLogin_(*preferences_, makeLoginItem(machine_)),
-      legal_(*preferences_),
+      appearance_(*preferences_), legal_(*preferences_),
+      launchAtLogin_(*preferences_, makeLoginItem(machine_)),
       windowPresence_([this](ActivationPolicy policy) { windowsCameOrWent(policy); }),
       actions_(makeActions()),
       mainMenu_(
@@ -206,7 +205,8 @@ void VellmarkAppDelegate::createStatusItem() {
                                  .language = language_,
                                  .appearance = appearance_,
                                  .actions = actions_,
-                                 .update = [this] { updateMainWindow(); }});
+                                 .update = [this] { updateMainWindow(); },
+                                 .saveActivity = [this] { saveActivityFromMenu(); }});
     statusItem_ =
         makeStatusItem(loop_, *preferences_,
                        {.toggle = [this](const QRect& anchor) { togglePopoverAt(anchor); },
@@ -574,13 +574,12 @@ void VellmarkAppDelegate::saveActivityFromMenu() {
     const std::string text = store_->activityExportText(exportedActivityDays);
     QSaveFile file(path);
     const auto size = static_cast<qint64>(text.size());
-    if (!file.open(QIODevice::WriteOnly) || file.write(text.data(), size) != size ||
-        !file.commit()) {
-        QMessageBox::warning(
-            mainWindow_.window(), qString(words().text("app.name")),
-            qString(words().format("menu.saveActivity.failed",
-                                   {path.toStdString(), file.errorString().toStdString()})));
-    }
+    const bool isSaved =
+        file.open(QIODevice::WriteOnly) && file.write(text.data(), size) == size && file.commit();
+    pages_->activity().setTrouble(
+        isSaved ? std::string()
+                : words().format("menu.saveActivity.failed",
+                                 {path.toStdString(), file.errorString().toStdString()}));
 }
 
 void VellmarkAppDelegate::showSupportReportFromMenu() {

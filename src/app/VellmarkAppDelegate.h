@@ -119,8 +119,8 @@ private:
     std::unique_ptr<Preferences> preferences_;
     LanguageManager language_;
     AppAppearance appearance_;
-    LaunchAtLoginController launchAtLogin_;
     LegalModel legal_;
+    LaunchAtLoginController launchAtLogin_;
     WindowPresenceController windowPresence_;
     AgentUIActions actions_;
     std::unique_ptr<SingleInstance> singleInstance_;

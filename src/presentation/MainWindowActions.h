@@ -1,9 +1,11 @@
 #pragma once
 
 #include "presentation/AboutPageActions.h"
+#include "presentation/ActivityPageContent.h"
 #include "presentation/AgentPageContent.h"
 #include "presentation/AgentUIActions.h"
 #include "presentation/HelpPageActions.h"
+#include "presentation/SettingsPageContent.h"
 
 namespace vellmark {
 
@@ -17,8 +19,9 @@ struct MainWindowActions {
     // history
 
     // activity
-
+    ActivityPageActions activity;
     // settings
+    SettingsPageActions settings;
 
     // help
     HelpPageActions help;

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "presentation/AboutPageContent.h"
+#include "presentation/ActivityPageContent.h"
 #include "presentation/AgentPage.h"
 #include "presentation/AgentPageContent.h"
 #include "presentation/HelpPageContent.h"
 #include "presentation/OverviewPageContent.h"
 #include "presentation/PageHeadContent.h"
+#include "presentation/SettingsPageContent.h"
 #include "presentation/SidebarContent.h"
 
 #include <variant>
@@ -24,8 +26,9 @@ using PageContent = std::variant<
     // history
 
     // activity
-
+    ActivityPageContent,
     // settings
+    SettingsPageContent,
 
     // help
     HelpPageContent,

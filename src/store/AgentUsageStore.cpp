@@ -1,7 +1,7 @@
 #include "store/AgentUsageStore.h"
 
 #include "platform/UnusedMemory.h"
-#include "store/ActivityLog.h"
+#include "store/ActivityLines.h"
 #include "store/ActivityTexts.h"
 #include "store/AgentReadings.h"
 #include "store/AgentSettings.h"
@@ -624,15 +624,36 @@ void AgentUsageStore::logActivity(ActivityEntry entry) {
     d_->observers.around([&] { d_->note(std::move(entry)); });
 }
 
+class AgentUsageStore::ActivitySubscription {
+public:
+    explicit ActivitySubscription(std::shared_ptr<StoreFiles::Follower> follower)
+        : follower_(std::move(follower)) {}
+
+private:
+    std::shared_ptr<StoreFiles::Follower> follower_;
+};
+
+std::shared_ptr<AgentUsageStore::ActivitySubscription>
+AgentUsageStore::followActivity(int days, std::function<void(ActivityLog::News)> tell) {
+    return std::make_shared<ActivitySubscription>(
+        d_->files.follow(d_->now() - days * day, d_->words(), std::move(tell)));
+}
+
+void AgentUsageStore::lookAtActivity() {
+    d_->files.lookAtLog();
+}
+
 std::vector<ActivityEntry> AgentUsageStore::activity(int days) {
-    return d_->files.activity(d_->now() - days * day, d_->words().timeZone());
+    auto entries = d_->files.activity(d_->now() - days * day, d_->words().timeZone());
+    ActivityTexts::tell(entries, d_->words());
+    return entries;
 }
 
 std::string AgentUsageStore::activityExportText(int days) {
     const TimeZone zone = d_->words().timeZone();
     std::string text = ActivityTexts::exportHeader(days, d_->now(), zone, d_->words());
     for (const ActivityEntry& entry : activity(days)) {
-        text += ActivityLog::line(entry, zone) + "\n";
+        text += ActivityLines::text(entry, zone) + "\n";
     }
     return text;
 }

@@ -3,7 +3,7 @@
 #include "platform/Machine.h"
 #include "platform/Preferences.h"
 #include "probes/ProviderRegistry.h"
-#include "store/ActivityEntry.h"
+#include "store/ActivityLog.h"
 #include "store/MainExecutor.h"
 #include "store/UsageState.h"
 
@@ -88,7 +88,15 @@ public:
 
     /// Appends an entry to the activity log, dated now. Control characters in it are dropped.
     void logActivity(ActivityEntry entry);
-    /// The entries of the last `days` days, oldest first. Reads the file.
+    class ActivitySubscription;
+    /// Reads the log without waiting and tells, on the main thread, the entries of the last `days`
+    /// days, then whatever is added; all in the language of now. Ends when the subscription is
+    /// destroyed, which may outlive the store.
+    [[nodiscard]] std::shared_ptr<ActivitySubscription>
+    followActivity(int days, std::function<void(ActivityLog::News)> tell);
+    /// Has the followers told of what another process has added.
+    void lookAtActivity();
+    /// The entries of the last `days` days in the language of now, oldest first. Reads the file.
     std::vector<ActivityEntry> activity(int days);
     /// The same as text, with a header, for saving and copying.
     std::string activityExportText(int days);

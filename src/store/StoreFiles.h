@@ -2,7 +2,7 @@
 
 #include "model/AgentUsageSnapshot.h"
 #include "platform/Machine.h"
-#include "store/ActivityEntry.h"
+#include "store/ActivityLog.h"
 #include "store/StorageTrouble.h"
 #include "text/Dates.h"
 
@@ -14,6 +14,7 @@
 
 namespace vellmark {
 
+class Localization;
 class MainExecutor;
 class UsageHistory;
 
@@ -56,6 +57,15 @@ public:
     void trim(Instant now, TimeZone zone);
     /// Waits: the log's entries since `since`.
     std::vector<ActivityEntry> activity(Instant since, const TimeZone& zone);
+
+    class Follower;
+    using TellActivity = std::function<void(ActivityLog::News)>;
+    /// Reads the log without waiting and tells its entries since `since`, then whatever is added to
+    /// it from here; all in these words. Ends with the follower.
+    [[nodiscard]] std::shared_ptr<Follower> follow(Instant since, const Localization& words,
+                                                   TellActivity tell);
+    /// Looks for what others have added.
+    void lookAtLog();
     /// Waits until everything asked for is done.
     void flush();
 
