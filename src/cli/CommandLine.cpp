@@ -47,6 +47,12 @@ public:
         arguments_.push_back({placeholder, words_.text(helpKey)});
         synopsis_ += " [" + placeholder + "]";
     }
+    void optionalPositionals(const std::string& placeholder, std::vector<std::string>& places,
+                             const std::string& helpKey) override {
+        app_.add_option(placeholder, places);
+        arguments_.push_back({placeholder, words_.text(helpKey)});
+        synopsis_ += " [" + placeholder + " …]";
+    }
 
     /// An option that the parser itself knows.
     void describe(const std::string& names, const std::string& helpKey,

@@ -9,6 +9,7 @@
 #include "presentation/LanguageManager.h"
 #include "process/BoundedProcess.h"
 #include "process/ChildWatcher.h"
+#include "store/AgentSettings.h"
 #include "store/DemoHistory.h"
 #include "text/SystemErrorText.h"
 #include "text/TerminalText.h"
@@ -55,6 +56,9 @@ int runSubcommand(const CommandLine& commandLine, const std::optional<std::strin
     const Localization words = wordsFor(language, sandbox ? *sandbox : machine);
     if (commandLine.subcommand->startsChildren() && !startChildWatcher()) {
         errors.write("vellmark: " + words.text("watcher.missing") + "\n");
+    }
+    if (commandLine.subcommand->startsChildren()) {
+        AgentSettings(*makePreferences(chosen), providerRegistry()).applyExecutables(chosen);
     }
     const int status = commandLine.subcommand->run({chosen, words, output, errors});
     // Nothing that a subcommand started outlives the program, or the demo's directory.
