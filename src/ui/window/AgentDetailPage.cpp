@@ -3,6 +3,7 @@
 #include "ui/Conversions.h"
 #include "ui/FailureNotice.h"
 #include "ui/ProviderLogo.h"
+#include "ui/kit/Button.h"
 #include "ui/kit/HealthDot.h"
 #include "ui/kit/LogoTile.h"
 #include "ui/kit/ScrollArea.h"
@@ -112,7 +113,8 @@ void AgentDetailPage::updateWindows(const AgentPageContent& content) {
 }
 
 std::vector<QWidget*> AgentDetailPage::controls() const {
-    std::vector<QWidget*> result = head().controls();
+    std::vector<QWidget*> result = range_->controls();
+    result.push_back(head().refreshButton());
     if (QWidget* button = failure_->wayOutButton()) {
         result.push_back(button);
     }
