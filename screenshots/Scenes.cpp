@@ -4,8 +4,11 @@
 #include "presentation/PopoverContent.h"
 #include "screenshots/ChartSheet.h"
 #include "screenshots/KitSheet.h"
+#include "screenshots/SampleSettings.h"
 #include "screenshots/SampleStates.h"
 #include "ui/AboutWindow.h"
+#include "ui/Conversions.h"
+#include "ui/kit/Question.h"
 #include "ui/LegalWindow.h"
 #include "ui/kit/Theme.h"
 #include "ui/popover/AgentUsagePopoverView.h"
@@ -113,13 +116,37 @@ Scene overviewScene(std::string name, UsageState (*state)(),
         size);
 }
 
+Scene settingsScene(std::string name, SettingsPageState (*settings)(),
+                    QSize size = AgentMainWindowView::firstSize) {
+    return pageScene(
+        std::move(name), AgentPage::of(AgentPage::Kind::settings), samples::normal,
+        [settings](const UsageState& /*shown*/, const Localization& words) {
+            return settingsPageContent(settings(), samples::machine(), words);
+        },
+        size);
+}
+
+QImage drawSettingsQuestion(const std::string& language, double scale) {
+    const SettingsPageContent content =
+        settingsPageContent(samples::settings(), samples::machine(), samples::words(language));
+    QWidget over;
+    kit::Question* question = kit::Question::ask(&over,
+                                                 {.title = qString(content.deleteQuestion.title),
+                                                  .words = qString(content.deleteQuestion.text),
+                                                  .deed = qString(content.deleteQuestion.deed),
+                                                  .cancel = qString(content.deleteQuestion.cancel)},
+                                                 {});
+    return drawWhole(*question, scale);
+}
+
 QImage drawKit(const std::string& /*language*/, double scale) {
     KitSheet sheet;
     return drawWhole(sheet, scale);
 }
 
 QImage drawAbout(const std::string& language, double scale) {
-    AboutWindow window(samples::words(language));
+    AboutWindow window({.open = [](AboutLink) {}, .openURL = [](const std::string&) {}});
+    window.setContent(aboutPageContent(samples::words(language)));
     return drawWhole(window, scale);
 }
 
@@ -135,6 +162,22 @@ Scene legalScene(std::string name, LegalDocument document, bool needsNotice) {
             [document, needsNotice](const std::string& language, double scale) {
                 return drawLegal(document, needsNotice, language, scale);
             }};
+}
+
+Scene helpScene(std::string name, HelpSection section, std::string query = {},
+                QSize size = AgentMainWindowView::firstSize) {
+    return pageScene(
+        "help-" + std::move(name), AgentPage::of(AgentPage::Kind::help), samples::normal,
+        [section, query = std::move(query)](const UsageState&, const Localization& words) {
+            return helpPageContent(section, query, words);
+        },
+        size);
+}
+
+Scene aboutScene(std::string name, QSize size = AgentMainWindowView::firstSize) {
+    return pageScene(
+        std::move(name), AgentPage::of(AgentPage::Kind::about), samples::normal,
+        [](const UsageState&, const Localization& words) { return aboutPageContent(words); }, size);
 }
 
 } // namespace
@@ -194,10 +237,27 @@ std::vector<Scene> allScenes() {
         // activity
 
         // settings
+        settingsScene("settings", samples::settings),
+        settingsScene("settings-least", samples::settings, AgentMainWindowView::leastSize),
+        settingsScene("settings-large", samples::settings, QSize(2560, 1400)),
+        settingsScene("settings-whole", samples::settings, QSize(1120, 1560)),
+        {"settings-question", drawSettingsQuestion},
+        settingsScene("settings-checking", samples::uncheckedSettings),
+        settingsScene("settings-unready", samples::unreadySettings, QSize(1120, 1620)),
+        settingsScene("settings-narrow", samples::unreadySettings, QSize(700, 1900)),
 
         // help
-
+        helpScene("reading", HelpSection::reading),
+        helpScene("marks", HelpSection::marks),
+        helpScene("failures", HelpSection::failures),
+        helpScene("failures-least", HelpSection::failures, {}, AgentMainWindowView::leastSize),
+        helpScene("keyboard", HelpSection::keyboard),
+        helpScene("support", HelpSection::support),
+        helpScene("search", HelpSection::reading, "claude token"),
+        helpScene("nothing-found", HelpSection::reading, "zzz"),
         // about
+        aboutScene("about"),
+        aboutScene("about-least", AgentMainWindowView::leastSize),
     };
 }
 

@@ -97,8 +97,12 @@ void Segments::setChoices(const QStringList& choices) {
 }
 
 void Segments::setCurrent(int index) {
-    if (index >= 0 && index < static_cast<int>(parts_.size())) {
-        parts_[static_cast<std::size_t>(index)]->setChecked(true);
+    for (std::size_t each = 0; each < parts_.size(); ++each) {
+        Part* part = parts_[each];
+        // Buttons that exclude each other cannot all be off.
+        part->setAutoExclusive(false);
+        part->setChecked(static_cast<int>(each) == index);
+        part->setAutoExclusive(true);
     }
 }
 
@@ -109,6 +113,10 @@ int Segments::current() const {
         }
     }
     return -1;
+}
+
+std::vector<QWidget*> Segments::controls() const {
+    return {parts_.begin(), parts_.end()};
 }
 
 QSize Segments::sizeHint() const {
