@@ -4,6 +4,7 @@
 #include "presentation/PopoverContent.h"
 #include "screenshots/ChartSheet.h"
 #include "screenshots/KitSheet.h"
+#include "screenshots/SampleHistory.h"
 #include "screenshots/SampleSettings.h"
 #include "screenshots/SampleStates.h"
 #include "ui/AboutWindow.h"
@@ -17,6 +18,8 @@
 
 #include <QApplication>
 #include <QPainter>
+
+#include <algorithm>
 
 namespace vellmark {
 
@@ -100,6 +103,7 @@ Scene pageScene(std::string name, AgentPage page, UsageState (*state)(), PageOfS
         const Localization words = samples::words(language);
         const UsageState shown = state();
         view.setContent({sidebarItems(shown, samples::now(), words), page, content(shown, words)});
+        view.setMinimumSize(view.minimumSize().boundedTo(size));
         view.resize(size);
         return drawWhole(view, scale);
     };
@@ -114,6 +118,43 @@ Scene overviewScene(std::string name, UsageState (*state)(),
             return overviewPageContent(shown, samples::now(), words, asksForSetup);
         },
         size);
+}
+
+/// How an agent's page is drawn.
+struct AgentScene {
+    AgentProviderID agent = AgentProviderID::claude();
+    ChartRange range = ChartRange::week;
+    QSize size = AgentMainWindowView::firstSize;
+    /// What was recorded before.
+    void (*addHistory)(UsageHistory&, const UsageState&) = samples::addHistory;
+    bool knowsFacts = true;
+    bool isInstalled = true;
+};
+
+Scene agentScene(std::string name, UsageState (*state)(), const AgentScene& scene = {}) {
+    const auto content = [scene](const UsageState& shown,
+                                 const Localization& words) -> PageContent {
+        UsageHistory history;
+        scene.addHistory(history, shown);
+        Machine machine;
+        machine.home = "/home/name";
+        const AgentFacts facts =
+            scene.isInstalled
+                ? samples::facts(scene.agent)
+                : AgentFacts{.id = scene.agent, .toolPath = {}, .toolVersion = {}, .loggedIn = {}};
+        const auto snapshot =
+            std::ranges::find(shown.snapshots, scene.agent, &AgentUsageSnapshot::id);
+        return agentPageContent(*snapshot,
+                                {.state = shown,
+                                 .history = history,
+                                 .machine = machine,
+                                 .facts = scene.knowsFacts ? &facts : nullptr,
+                                 .isAskingForFacts = !scene.knowsFacts,
+                                 .range = scene.range},
+                                samples::now(), words);
+    };
+    return pageScene("agent" + std::move(name), AgentPage::provider(scene.agent), state, content,
+                     scene.size);
 }
 
 Scene settingsScene(std::string name, SettingsPageState (*settings)(),
@@ -231,6 +272,28 @@ std::vector<Scene> allScenes() {
         overviewScene("long-texts", samples::longTexts),
         overviewScene("many-agents", samples::manyAgents),
         // provider
+        agentScene("", samples::inspected),
+        agentScene("-day", samples::normal, {.range = ChartRange::day}),
+        agentScene("-least", samples::inspected, {.size = AgentMainWindowView::leastSize}),
+        agentScene("-wide", samples::inspected, {.size = {2560, 1400}}),
+        // The room that is left at type of 150 % on a small screen.
+        agentScene("-narrow", samples::inspected, {.size = {910, 512}}),
+        agentScene("-loading", samples::loading, {.knowsFacts = false}),
+        agentScene("-first-day", samples::normal,
+                   {.range = ChartRange::day, .addHistory = samples::addFirstDay}),
+        agentScene("-no-history", samples::normal,
+                   {.addHistory = [](UsageHistory&, const UsageState&) {}}),
+        agentScene("-stale", samples::stale, {.agent = AgentProviderID::codex()}),
+        agentScene("-overdue", samples::overdue, {.agent = AgentProviderID::codex()}),
+        agentScene("-used-up", samples::usedUp),
+        agentScene("-incomplete", samples::incomplete),
+        agentScene("-failed", samples::failed,
+                   {.agent = AgentProviderID::codex(), .isInstalled = false}),
+        agentScene("-one-window", samples::oneWindow,
+                   {.agent = AgentProviderID::codex(), .range = ChartRange::day}),
+        agentScene("-refusing", samples::refusing, {.agent = AgentProviderID::codex()}),
+        agentScene("-antigravity", samples::normal, {.agent = AgentProviderID::antigravity()}),
+        agentScene("-long-texts", samples::longTexts, {.agent = AgentProviderID::antigravity()}),
 
         // history
 

@@ -3,6 +3,7 @@
 #include "ui/Conversions.h"
 #include "ui/FailureNotice.h"
 #include "ui/ProviderLogo.h"
+#include "ui/kit/Button.h"
 #include "ui/kit/HealthDot.h"
 #include "ui/kit/LogoTile.h"
 #include "ui/kit/ScrollArea.h"
@@ -28,7 +29,7 @@ constexpr int cardGap = 16;
 /// With less room than two of these the cards stand one below the other.
 constexpr int leastCardWidth = 328;
 /// Where the window is high, the courses grow, and at some height stop to tell more.
-constexpr int mostGrowth = 120;
+constexpr int mostGrowth = 200;
 
 /// What the way out of a failure does: of this agent alone.
 AgentUIActions actionsFor(const AgentUIActions& program, std::function<void()> refresh) {
@@ -112,7 +113,8 @@ void AgentDetailPage::updateWindows(const AgentPageContent& content) {
 }
 
 std::vector<QWidget*> AgentDetailPage::controls() const {
-    std::vector<QWidget*> result = head().controls();
+    std::vector<QWidget*> result = range_->controls();
+    result.push_back(head().refreshButton());
     if (QWidget* button = failure_->wayOutButton()) {
         result.push_back(button);
     }

@@ -176,9 +176,7 @@ void ReadingCard::arrangeFoot() {
         left += button;
     }
     const QSize size = switchOff_->sizeHint();
-    // The ground ends at the same distance from the side as from the bottom.
-    const int inset = (footHeight - 1 - button) / 2;
-    switchOff_->setGeometry(width() - inset - size.width(), top, size.width(), button);
+    switchOff_->setGeometry(width() - padding - size.width(), top, size.width(), button);
 }
 
 void ReadingCard::paintEvent(QPaintEvent* /*event*/) {
