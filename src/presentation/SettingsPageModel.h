@@ -34,7 +34,7 @@ public:
         std::function<void(const std::filesystem::path& folder)> showFolder;
         /// Asks the agents' programs; blocks.
         std::function<std::vector<AgentFacts>(const Machine&)> gatherFacts =
-            [](const Machine& machine) { return gatherAgentFacts(machine); };
+            [](const Machine& on) { return gatherAgentFacts(on); };
     };
     explicit SettingsPageModel(Sources sources);
     /// Waits for the look that is under way; whoever cannot wait ends the children first.
