@@ -1,7 +1,10 @@
 #pragma once
 
+#include "store/ActivityEntry.h"
 #include "store/UsageState.h"
 #include "text/Localization.h"
+
+#include <vector>
 
 namespace vellmark {
 
@@ -44,6 +47,9 @@ UsageState longTexts();
 UsageState manyAgents();
 /// Everything lasts.
 UsageState healthy();
+
+/// Two days of the activity log: quiet refreshes, failures, what the user did.
+std::vector<ActivityEntry> activity(const Localization& words);
 
 } // namespace samples
 

@@ -145,7 +145,8 @@ QImage drawKit(const std::string& /*language*/, double scale) {
 }
 
 QImage drawAbout(const std::string& language, double scale) {
-    AboutWindow window(samples::words(language));
+    AboutWindow window({.open = [](AboutLink) {}, .openURL = [](const std::string&) {}});
+    window.setContent(aboutPageContent(samples::words(language)));
     return drawWhole(window, scale);
 }
 
@@ -161,6 +162,22 @@ Scene legalScene(std::string name, LegalDocument document, bool needsNotice) {
             [document, needsNotice](const std::string& language, double scale) {
                 return drawLegal(document, needsNotice, language, scale);
             }};
+}
+
+Scene helpScene(std::string name, HelpSection section, std::string query = {},
+                QSize size = AgentMainWindowView::firstSize) {
+    return pageScene(
+        "help-" + std::move(name), AgentPage::of(AgentPage::Kind::help), samples::normal,
+        [section, query = std::move(query)](const UsageState&, const Localization& words) {
+            return helpPageContent(section, query, words);
+        },
+        size);
+}
+
+Scene aboutScene(std::string name, QSize size = AgentMainWindowView::firstSize) {
+    return pageScene(
+        std::move(name), AgentPage::of(AgentPage::Kind::about), samples::normal,
+        [](const UsageState&, const Localization& words) { return aboutPageContent(words); }, size);
 }
 
 } // namespace
@@ -230,8 +247,17 @@ std::vector<Scene> allScenes() {
         settingsScene("settings-narrow", samples::unreadySettings, QSize(700, 1900)),
 
         // help
-
+        helpScene("reading", HelpSection::reading),
+        helpScene("marks", HelpSection::marks),
+        helpScene("failures", HelpSection::failures),
+        helpScene("failures-least", HelpSection::failures, {}, AgentMainWindowView::leastSize),
+        helpScene("keyboard", HelpSection::keyboard),
+        helpScene("support", HelpSection::support),
+        helpScene("search", HelpSection::reading, "claude token"),
+        helpScene("nothing-found", HelpSection::reading, "zzz"),
         // about
+        aboutScene("about"),
+        aboutScene("about-least", AgentMainWindowView::leastSize),
     };
 }
 

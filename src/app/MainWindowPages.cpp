@@ -1,27 +1,104 @@
 #include "app/MainWindowPages.h"
 
+#include "presentation/MainMenuContent.h"
+#include "ui/Conversions.h"
+
+#include <QClipboard>
+#include <QDesktopServices>
+#include <QGuiApplication>
+#include <QUrl>
+
+#include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace vellmark {
 
-MainWindowPages::MainWindowPages(Sources sources) : sources_(std::move(sources)) {}
+namespace {
+
+constexpr std::string_view agentPageRangeKey = "AgentPageRange";
+
+void openURL(const std::string& url) {
+    QDesktopServices::openUrl(QUrl(qString(url)));
+}
+
+void copyText(const std::string& text) {
+    QGuiApplication::clipboard()->setText(qString(text));
+}
+
+} // namespace
+
+MainWindowPages::MainWindowPages(Sources sources)
+    : sources_(std::move(sources)), facts_({.machine = sources_.machine}, sources_.executor,
+                                           [this] {
+                                               // Asked for while the page is being shown.
+                                               sources_.executor.post(sources_.update);
+                                           }),
+      activity_(std::make_shared<ActivityFeed>(sources_.store, sources_.update)) {}
 
 MainWindowActions MainWindowPages::actions() {
     MainWindowActions actions;
     actions.program = sources_.actions;
     // provider
+    actions.agent = agentActions();
 
     // history
 
     // activity
-
+    actions.activity = {.save = sources_.saveActivity, .rest = [weak = std::weak_ptr(activity_)] {
+                            if (const auto feed = weak.lock()) {
+                                feed->rest();
+                            }
+                        }};
     // settings
 
     // help
-
+    actions.help = {.choose =
+                        [this](HelpSection section) {
+                            showHelp(section);
+                            sources_.update();
+                        },
+                    .search =
+                        [this](const std::string& query) {
+                            helpQuery_ = query;
+                            sources_.update();
+                        },
+                    .copy = copyText,
+                    .open = [this](HelpLink link) { openHelpLink(link); }};
     // about
-
+    actions.about = {.open = [this](AboutLink link) { openAboutLink(link); }, .openURL = openURL};
     return actions;
+}
+
+void MainWindowPages::showHelp(HelpSection section) {
+    helpSection_ = section;
+    helpQuery_.clear();
+}
+
+void MainWindowPages::openHelpLink(HelpLink link) {
+    switch (link) {
+    case HelpLink::supportPage:
+        return openURL(supportURL(sources_.language.words()));
+    case HelpLink::terms:
+        return sources_.actions.showLegal(LegalDocument::terms);
+    case HelpLink::privacy:
+        return sources_.actions.showLegal(LegalDocument::privacy);
+    case HelpLink::none:
+        return;
+    }
+}
+
+void MainWindowPages::openAboutLink(AboutLink link) {
+    switch (link) {
+    case AboutLink::website:
+        return openURL(websiteURL(sources_.language.words()));
+    case AboutLink::supportPage:
+        return openURL(supportURL(sources_.language.words()));
+    case AboutLink::terms:
+        return sources_.actions.showLegal(LegalDocument::terms);
+    case AboutLink::privacy:
+        return sources_.actions.showLegal(LegalDocument::privacy);
+    }
 }
 
 MainWindowContent MainWindowPages::content(const AgentPage& selection, Instant now) const {
@@ -41,19 +118,67 @@ PageContent MainWindowPages::contentOf(const AgentPage& page, Instant now) const
     case Kind::overview:
         return overviewPageContent(state, now, words, asksForSetup_);
     case Kind::provider:
-        return pageHead({"nav.section.agents", {}}, words);
+        return agentPage(page.providerID, now);
     case Kind::history:
         return pageHead({"nav.history", {}}, words);
     case Kind::activity:
-        return pageHead({"nav.activity", {}}, words);
+        return activityContent(now);
     case Kind::settings:
         return pageHead({"nav.settings", {}}, words);
     case Kind::help:
-        return pageHead({"nav.help", {}}, words);
+        return helpPageContent(helpSection_, helpQuery_, words);
     case Kind::about:
-        return pageHead({"nav.about", {}}, words);
+        return aboutPageContent(words);
     }
     return PageHeadContent();
+}
+
+// provider
+
+PageContent MainWindowPages::agentPage(const AgentProviderID& id, Instant now) const {
+    const UsageState& state = sources_.store.state();
+    const auto snapshot = std::ranges::find(state.snapshots, id, &AgentUsageSnapshot::id);
+    const auto stored = sources_.preferences.string(agentPageRangeKey);
+    // Only an agent that is shown has a page: see shownPage().
+    return agentPageContent(*snapshot,
+                            {.state = state,
+                             .history = sources_.store.history(),
+                             .machine = sources_.machine,
+                             .facts = facts_.of(id),
+                             .isAskingForFacts = facts_.isAsking(id),
+                             .range = agentPageRange(stored.value_or(std::string()))},
+                            now, sources_.language.words());
+}
+
+AgentPageActions MainWindowPages::agentActions() {
+    AgentUsageStore& store = sources_.store;
+    return {
+        .shown = [this](const AgentProviderID& id) { facts_.need(id); },
+        .refresh =
+            [&store](const AgentProviderID& id) { store.refresh(RefreshTrigger::manual, {id}); },
+        .recheck =
+            [this, &store](const AgentProviderID& id) {
+                facts_.recheck(id);
+                store.refresh(RefreshTrigger::manual, {id});
+            },
+        .setRange =
+            [this](ChartRange range) {
+                sources_.preferences.setString(agentPageRangeKey, std::string(storedText(range)));
+                sources_.update();
+            },
+        .setOrder =
+            [&store](const std::vector<AgentProviderID>& order) { store.setProviderOrder(order); },
+        .switchOff = [&store](const AgentProviderID& id) { store.setEnabled(id, false); },
+    };
+}
+
+// activity
+
+ActivityPageContent MainWindowPages::activityContent(Instant now) const {
+    ActivityPageContent content =
+        activityPageContent(sources_.store.state(), now, sources_.language.words());
+    activity_->fill(content);
+    return content;
 }
 
 } // namespace vellmark

@@ -1,13 +1,16 @@
 #pragma once
 
+#include "app/ActivityFeed.h"
 #include "platform/Preferences.h"
 #include "presentation/AppAppearance.h"
 #include "presentation/LanguageManager.h"
 #include "presentation/MainWindowActions.h"
 #include "presentation/MainWindowContent.h"
+#include "store/AgentFactsCache.h"
 #include "store/AgentUsageStore.h"
 
 #include <functional>
+#include <memory>
 
 namespace vellmark {
 
@@ -17,36 +20,49 @@ class MainWindowPages {
 public:
     struct Sources {
         AgentUsageStore& store;
+        const Machine& machine;
+        MainExecutor& executor;
         Preferences& preferences;
         LanguageManager& language;
         AppAppearance& appearance;
         AgentUIActions actions;
         /// Shows the content anew, after a page has changed what it depends on.
         std::function<void()> update;
+        std::function<void()> saveActivity;
     };
     explicit MainWindowPages(Sources sources);
 
     /// What the pages may ask for. Valid as long as this.
     MainWindowActions actions();
+    /// The section of the help to begin with.
+    void showHelp(HelpSection section);
     /// Whether the overview says that something is left to set up.
     void setAsksForSetup(bool asks) { asksForSetup_ = asks; }
     MainWindowContent content(const AgentPage& selection, Instant now) const;
+    ActivityFeed& activity() { return *activity_; }
 
 private:
     PageContent contentOf(const AgentPage& page, Instant now) const;
+    void openHelpLink(HelpLink link);
+    void openAboutLink(AboutLink link);
+    ActivityPageContent activityContent(Instant now) const;
 
     Sources sources_;
     bool asksForSetup_ = false;
     // provider
+    PageContent agentPage(const AgentProviderID& id, Instant now) const;
+    AgentPageActions agentActions();
+    AgentFactsCache facts_;
 
     // history
 
     // activity
-
+    std::shared_ptr<ActivityFeed> activity_;
     // settings
 
     // help
-
+    HelpSection helpSection_ = HelpSection::reading;
+    std::string helpQuery_;
     // about
 };
 

@@ -4,10 +4,13 @@
 #include "platform/ContinuousClock.h"
 #include "platform/InstanceIdentifier.h"
 #include "platform/UnusedMemory.h"
+#include "presentation/AboutPageContent.h"
 #include "presentation/LegalWindowContent.h"
 #include "presentation/PopoverContent.h"
 #include "process/BoundedProcess.h"
 #include "setup/AgentSetupStatus.h"
+#include "store/AppSettings.h"
+#include "text/TerminalText.h"
 #include "ui/AboutWindow.h"
 #include "ui/Conversions.h"
 #include "ui/GlyphPainter.h"
@@ -22,7 +25,6 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QFileDialog>
-#include <QMessageBox>
 #include <QSaveFile>
 #include <QStandardPaths>
 #include <QUrl>
@@ -64,7 +66,10 @@ VellmarkAppDelegate::VellmarkAppDelegate(LaunchOptions options, Machine machine)
     : options_(std::move(options)), isRunningTests_(options_.isRunningTests),
       machine_(std::move(machine)), preferences_(makePreferences(machine_)),
       language_(*preferences_, UserLocale::of(machine_.environment), options_.language),
-      appearance_(*preferences_), legal_(*preferences_), actions_(makeActions()),
+      appearance_(*preferences_), legal_(*preferences_),
+      launchAtLogin_(*preferences_, makeLoginItem(machine_)),
+      windowPresence_([this](ActivationPolicy policy) { windowsCameOrWent(policy); }),
+      actions_(makeActions()),
       mainMenu_(
           {.choose = [this](std::string_view action) { menuItemChosen(action); },
            .isEnabled = [this](std::string_view action) { return validateMenuItem(action); }}),
@@ -114,6 +119,7 @@ void VellmarkAppDelegate::applicationWillTerminate() {
     if (isRunningTests_ || std::exchange(hasTerminated_, true)) {
         return;
     }
+    settingsWatch_.reset();
     loops_.reset();
     mainWindow_.saveFrame();
     if (store_) {
@@ -193,16 +199,20 @@ void VellmarkAppDelegate::createStatusItem() {
         executor_, *preferences_);
     pages_ = std::make_unique<MainWindowPages>(
         MainWindowPages::Sources{.store = *store_,
+                                 .machine = machine_,
+                                 .executor = executor_,
                                  .preferences = *preferences_,
                                  .language = language_,
                                  .appearance = appearance_,
                                  .actions = actions_,
-                                 .update = [this] { updateMainWindow(); }});
+                                 .update = [this] { updateMainWindow(); },
+                                 .saveActivity = [this] { saveActivityFromMenu(); }});
     statusItem_ =
         makeStatusItem(loop_, *preferences_,
                        {.toggle = [this](const QRect& anchor) { togglePopoverAt(anchor); },
                         .menuAction = [this](std::string_view action) { menuItemChosen(action); }});
     statusItem_->setPanelScheme(panelScheme_);
+    statusItem_->setInk(valueOf(*preferences_, setting::statusInk));
     statusItem_->setMenu(statusItemMenuContent(words()));
     reevaluateStatusItem();
 }
@@ -247,7 +257,7 @@ void VellmarkAppDelegate::observeLanguage() {
         mainWindow_.retitle();
         aboutWindow_.retitle();
         if (auto* about = dynamic_cast<AboutWindow*>(aboutWindow_.window())) {
-            about->setWords(words());
+            about->setContent(aboutPageContent(words()));
         }
         legalWindow_.retitle();
         updateLegalWindow();
@@ -255,7 +265,22 @@ void VellmarkAppDelegate::observeLanguage() {
     };
 }
 
+void VellmarkAppDelegate::setUpLaunchAtLogin() {
+    launchAtLogin_.setUpOnce();
+}
+
+void VellmarkAppDelegate::followMoveAtLogin() {
+    if (const auto move = launchAtLogin_.followMove()) {
+        store_->logActivity(
+            {.level = ActivityEntry::Level::info,
+             .agent = {},
+             .text = words().format("log.loginItemReregistered", {singleLine(move->from.string()),
+                                                                  singleLine(move->to.string())})});
+    }
+}
+
 void VellmarkAppDelegate::startLaunchRefresh() {
+    store_->discardDeletedHistory();
     store_->refresh(RefreshTrigger::launch);
 }
 
@@ -269,7 +294,23 @@ void VellmarkAppDelegate::startLoops() {
                               [this](Instant until) { store_->setAutomaticHoldUntil(until); },
                           .now = now,
                           .continuousTime = continuousSeconds});
+    loops_->setRefreshPeriod(length(valueOf(*preferences_, setting::readingInterval)));
     loops_->start();
+    settingsWatch_ = watchPreferences(loop_, machine_, [this] {
+        preferences_->reload();
+        takeSettings();
+    });
+}
+
+/// What the preferences hold now holds in the whole program.
+void VellmarkAppDelegate::takeSettings() {
+    language_.takeSetting();
+    appearance_.takeSetting();
+    statusItem_->setInk(valueOf(*preferences_, setting::statusInk));
+    loops_->setRefreshPeriod(length(valueOf(*preferences_, setting::readingInterval)));
+    store_->takeSettings();
+    reevaluateStatusItem();
+    updateVisibleViews();
 }
 
 void VellmarkAppDelegate::observeWake() {
@@ -323,13 +364,27 @@ void VellmarkAppDelegate::reevaluateStatusItem() {
     if (!statusItem_) {
         return;
     }
-    StatusItemContent content = statusItemContent(store_->state(), now(), words());
+    StatusItemContent content = statusItemContent(store_->state(), now(), words(),
+                                                  valueOf(*preferences_, setting::statusFigure));
     if (needsRedraw(drawnGlyph_, content.glyph)) {
         drawnGlyph_ = content.glyph;
     } else {
         content.glyph = *drawnGlyph_;
     }
     statusItem_->show(content);
+}
+
+/// A window may follow the last one in the same turn of the loop.
+void VellmarkAppDelegate::windowsCameOrWent(ActivationPolicy policy) {
+    setActivationPolicy(policy);
+    if (policy == ActivationPolicy::accessory &&
+        valueOf(*preferences_, setting::lastWindow) == LastWindow::quits) {
+        executor_.post([this] {
+            if (!windowPresence_.hasOpenWindows()) {
+                QCoreApplication::quit();
+            }
+        });
+    }
 }
 
 void VellmarkAppDelegate::minuteTick() {
@@ -435,7 +490,8 @@ std::unique_ptr<QWidget> VellmarkAppDelegate::makeMainWindow() {
 }
 
 std::unique_ptr<QWidget> VellmarkAppDelegate::makeAboutWindow() {
-    auto window = std::make_unique<AboutWindow>(words());
+    auto window = std::make_unique<AboutWindow>(pages_->actions().about);
+    window->setContent(aboutPageContent(words()));
     window->setWindowIcon(applicationIcon());
     mainMenu_.attach(*window);
     return window;
@@ -518,16 +574,16 @@ void VellmarkAppDelegate::saveActivityFromMenu() {
     const std::string text = store_->activityExportText(exportedActivityDays);
     QSaveFile file(path);
     const auto size = static_cast<qint64>(text.size());
-    if (!file.open(QIODevice::WriteOnly) || file.write(text.data(), size) != size ||
-        !file.commit()) {
-        QMessageBox::warning(
-            mainWindow_.window(), qString(words().text("app.name")),
-            qString(words().format("menu.saveActivity.failed",
-                                   {path.toStdString(), file.errorString().toStdString()})));
-    }
+    const bool isSaved =
+        file.open(QIODevice::WriteOnly) && file.write(text.data(), size) == size && file.commit();
+    pages_->activity().setTrouble(
+        isSaved ? std::string()
+                : words().format("menu.saveActivity.failed",
+                                 {path.toStdString(), file.errorString().toStdString()}));
 }
 
 void VellmarkAppDelegate::showSupportReportFromMenu() {
+    pages_->showHelp(HelpSection::support);
     showPage(AgentPage::of(AgentPage::Kind::help));
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/ChosenExecutables.h"
 #include "platform/CredentialStore.h"
 
 #include <filesystem>
@@ -27,9 +28,8 @@ struct Machine {
     Environment environment;
     /// Answers whether a credential exists, without reading it.
     std::shared_ptr<const CredentialStore> credentials;
-    /// The programs that the user has chosen as CLIs, by the agent's identifier; nobody looks for
-    /// others of these agents.
-    std::map<std::string, std::filesystem::path> chosenExecutables;
+    /// As the settings have it; null where nobody has asked them.
+    std::shared_ptr<ChosenExecutables> chosenExecutables;
 
     bool isSandbox() const { return !root.empty(); }
     std::filesystem::path supportDirectory() const { return applicationSupport / "Vellmark"; }

@@ -182,8 +182,8 @@ void addRows(AgentBlockContent& block, const AgentUsageSnapshot& snapshot, const
     for (std::size_t index = 0; index < snapshot.windows.size(); ++index) {
         const UsageWindow& window = snapshot.windows[index];
         block.rows.push_back(usageRowContent(window, standing.windows[index],
-                                             state.recentPointsOf(snapshot.id, window.id), now,
-                                             words));
+                                             state.recentPointsOf(snapshot.id, window.id),
+                                             state.firstFigure, now, words));
     }
     if (isUsedUp(snapshot)) {
         block.balances.push_back(usedUpRow(snapshot, now, words));

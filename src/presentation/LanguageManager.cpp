@@ -47,6 +47,22 @@ void LanguageManager::choose(const std::string& setting) {
     forced_.clear();
     setting_ = setting;
     preferences_.setString(preferenceKey, setting);
+    changeWords();
+}
+
+void LanguageManager::takeSetting() {
+    std::string kept = preferences_.string(preferenceKey).value_or(std::string(systemSetting));
+    if (std::ranges::find(settings(), kept) == settings().end()) {
+        kept = systemSetting;
+    }
+    if (kept != setting_) {
+        forced_.clear();
+        setting_ = std::move(kept);
+        changeWords();
+    }
+}
+
+void LanguageManager::changeWords() {
     Localization words = makeWords();
     if (words == words_) {
         return;

@@ -25,6 +25,8 @@ public:
     /// "system" or a language's code.
     const std::string& setting() const { return setting_; }
     void choose(const std::string& setting);
+    /// Takes over what another process has chosen.
+    void takeSetting();
     /// The settings there are.
     static const std::vector<std::string>& settings();
 
@@ -35,6 +37,7 @@ public:
     std::function<void()> onChange;
 
 private:
+    void changeWords();
     Localization makeWords() const;
 
     Preferences& preferences_;

@@ -51,6 +51,8 @@ LaunchOutcome runLaunchSequence(const LaunchOptions& options, LaunchSteps& steps
     steps.configurePopover();
     steps.observeStore();
     steps.observeLanguage();
+    steps.setUpLaunchAtLogin();
+    steps.followMoveAtLogin();
     steps.startLaunchRefresh();
     steps.observeWake();
     steps.startLoops();

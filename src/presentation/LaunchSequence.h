@@ -44,6 +44,10 @@ public:
     virtual void configurePopover() = 0;
     virtual void observeStore() = 0;
     virtual void observeLanguage() = 0;
+    /// Switches it on at the first launch ever.
+    virtual void setUpLaunchAtLogin() = 0;
+    /// Follows a program that was moved.
+    virtual void followMoveAtLogin() = 0;
     virtual void startLaunchRefresh() = 0;
     virtual void observeWake() = 0;
     virtual void startLoops() = 0;

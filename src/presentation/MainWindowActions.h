@@ -1,6 +1,10 @@
 #pragma once
 
+#include "presentation/AboutPageActions.h"
+#include "presentation/ActivityPageContent.h"
+#include "presentation/AgentPageContent.h"
 #include "presentation/AgentUIActions.h"
+#include "presentation/HelpPageActions.h"
 #include "presentation/SettingsPageContent.h"
 
 namespace vellmark {
@@ -10,17 +14,20 @@ namespace vellmark {
 struct MainWindowActions {
     AgentUIActions program;
     // provider
+    AgentPageActions agent;
 
     // history
 
     // activity
-
+    ActivityPageActions activity;
     // settings
     SettingsPageActions settings;
 
     // help
+    HelpPageActions help;
 
     // about
+    AboutPageActions about;
 };
 
 } // namespace vellmark

@@ -1,6 +1,10 @@
 #pragma once
 
+#include "presentation/AboutPageContent.h"
+#include "presentation/ActivityPageContent.h"
 #include "presentation/AgentPage.h"
+#include "presentation/AgentPageContent.h"
+#include "presentation/HelpPageContent.h"
 #include "presentation/OverviewPageContent.h"
 #include "presentation/PageHeadContent.h"
 #include "presentation/SettingsPageContent.h"
@@ -17,17 +21,20 @@ using PageContent = std::variant<
     // overview
     OverviewPageContent,
     // provider
+    AgentPageContent,
 
     // history
 
     // activity
-
+    ActivityPageContent,
     // settings
     SettingsPageContent,
 
     // help
+    HelpPageContent,
 
     // about
+    AboutPageContent,
 
     PageHeadContent>;
 

@@ -11,9 +11,10 @@ namespace {
 
 std::optional<fs::path> firstExecutable(const Machine& machine, const char* agent,
                                         std::initializer_list<const char*> candidates) {
-    if (const auto chosen = machine.chosenExecutables.find(agent);
-        chosen != machine.chosenExecutables.end()) {
-        return isExecutableFile(chosen->second) ? std::optional(chosen->second) : std::nullopt;
+    const auto chosen =
+        machine.chosenExecutables ? machine.chosenExecutables->of(agent) : std::nullopt;
+    if (chosen) {
+        return isExecutableFile(*chosen) ? chosen : std::nullopt;
     }
     for (const char* candidate : candidates) {
         fs::path path = machine.resolved(candidate);

@@ -119,14 +119,15 @@ void AgentSettings::chooseExecutable(const AgentProviderID& id,
     }
 }
 
-Machine AgentSettings::applied(Machine machine) const {
-    machine.chosenExecutables.clear();
+std::set<AgentProviderID> AgentSettings::applyExecutables(const Machine& machine) const {
+    std::set<AgentProviderID> changed;
     for (const AgentProviderID& id : registered_) {
-        if (auto path = chosenExecutable(id)) {
-            machine.chosenExecutables.emplace(id.rawValue, std::move(*path));
+        if (machine.chosenExecutables &&
+            machine.chosenExecutables->choose(id.rawValue, chosenExecutable(id))) {
+            changed.insert(id);
         }
     }
-    return machine;
+    return changed;
 }
 
 } // namespace vellmark

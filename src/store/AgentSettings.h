@@ -45,8 +45,8 @@ public:
     std::optional<std::filesystem::path> chosenExecutable(const AgentProviderID& id) const;
     void chooseExecutable(const AgentProviderID& id,
                           const std::optional<std::filesystem::path>& path);
-    /// The machine with the chosen programs on it.
-    Machine applied(Machine machine) const;
+    /// Tells the machine of the chosen programs. Answers whose is another one than before.
+    std::set<AgentProviderID> applyExecutables(const Machine& machine) const;
 
     std::set<AgentProviderID> enabled() const;
     void setEnabled(const AgentProviderID& id, bool enabled);

@@ -250,6 +250,19 @@ std::string timeText(Instant instant, const Localization& words) {
     return dateText(instant, "jm", words);
 }
 
+std::string exactTimeText(Instant instant, const Localization& words) {
+    return dateText(instant, "jms", words);
+}
+
+std::string dayText(Instant instant, Instant now, const Localization& words) {
+    const std::int64_t days = calendarDaysBetween(now, instant, words.timeZone());
+    if (days == 0 || days == -1) {
+        return words.format(days == 0 ? "day.today" : "day.yesterday",
+                            {dateText(instant, "MMMMd", words)});
+    }
+    return dateText(instant, "EEEEMMMMd", words);
+}
+
 std::string instantText(Instant instant, Instant now, const Localization& words) {
     const std::int64_t days = calendarDaysBetween(now, instant, words.timeZone());
     if (days == 0) {

@@ -68,7 +68,7 @@ std::string Localization::text(std::string_view key) const {
 }
 
 std::string Localization::format(std::string_view key,
-                                 std::initializer_list<TextArgument> arguments) const {
+                                 std::span<const TextArgument> arguments) const {
     const std::string pattern = text(key);
     std::string result;
     std::size_t next = 1;
@@ -86,7 +86,7 @@ std::string Localization::format(std::string_view key,
         }
         const std::size_t position = placeholder->position > 0 ? placeholder->position : next++;
         if (position <= arguments.size()) {
-            result += argumentText(arguments.begin()[position - 1], *this);
+            result += argumentText(arguments[position - 1], *this);
         } else {
             result += rest.substr(0, placeholder->length);
         }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <span>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -35,7 +36,10 @@ public:
 
     /// The text behind `key` with "%@", "%lld" and positional "%1$@" replaced by `arguments`
     /// ("%%" is a per cent sign). A placeholder without its argument is left as it stands.
-    std::string format(std::string_view key, std::initializer_list<TextArgument> arguments) const;
+    std::string format(std::string_view key, std::initializer_list<TextArgument> arguments) const {
+        return format(key, std::span(arguments.begin(), arguments.size()));
+    }
+    std::string format(std::string_view key, std::span<const TextArgument> arguments) const;
 
     bool operator==(const Localization&) const = default;
 

@@ -2,18 +2,22 @@
 
 #include "ui/Conversions.h"
 #include "ui/GlyphPainter.h"
+#include "ui/kit/Button.h"
 #include "ui/kit/FigureText.h"
 #include "ui/kit/Label.h"
 #include "ui/kit/Theme.h"
 
+#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QVBoxLayout>
 
+#include <utility>
+
 namespace vellmark {
 namespace {
 
-constexpr QSize windowSize(360, 300);
+constexpr QSize windowSize(360, 340);
 constexpr int margin = 28;
 constexpr int glyphTop = 32;
 constexpr double glyphSide = 72;
@@ -28,10 +32,13 @@ kit::Label* addLabel(QVBoxLayout& column, const kit::TextStyle& style, kit::Colo
 
 } // namespace
 
-AboutWindow::AboutWindow(const Localization& words, QWidget* parent) : QWidget(parent) {
+AboutWindow::AboutWindow(AboutPageActions actions, QWidget* parent)
+    : QWidget(parent), actions_(std::move(actions)),
+      terms_(new kit::Button(kit::Button::Kind::plain, this)),
+      privacyNotice_(new kit::Button(kit::Button::Kind::plain, this)) {
     setFixedSize(windowSize);
     auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(margin, glyphTop + static_cast<int>(glyphSide) + 16, margin, margin);
+    column->setContentsMargins(margin, glyphTop + static_cast<int>(glyphSide) + 16, margin, 20);
     column->setSpacing(4);
     name_ = addLabel(*column, kit::style::title, kit::ColorRole::ink);
     version_ = addLabel(*column, kit::style::text, kit::ColorRole::ink2);
@@ -39,14 +46,30 @@ AboutWindow::AboutWindow(const Localization& words, QWidget* parent) : QWidget(p
     description_ = addLabel(*column, kit::style::text, kit::ColorRole::ink);
     privacy_ = addLabel(*column, kit::style::small, kit::ColorRole::ink2);
     column->addStretch();
-    setWords(words);
+    auto* links = new QHBoxLayout;
+    links->setSpacing(4);
+    links->addStretch();
+    links->addWidget(terms_);
+    links->addWidget(privacyNotice_);
+    links->addStretch();
+    column->addLayout(links);
+    connect(terms_, &QAbstractButton::clicked, this, [this] { actions_.open(AboutLink::terms); });
+    connect(privacyNotice_, &QAbstractButton::clicked, this,
+            [this] { actions_.open(AboutLink::privacy); });
 }
 
-void AboutWindow::setWords(const Localization& words) {
-    name_->setWords(qString(words.text("app.name")));
-    version_->setWords(qString(words.format("about.version", {std::string(VELLMARK_VERSION)})));
-    description_->setWords(qString(words.text("about.description")));
-    privacy_->setWords(qString(words.text("about.privacy")));
+void AboutWindow::setContent(const AboutPageContent& content) {
+    name_->setWords(qString(content.name));
+    version_->setWords(qString(content.version));
+    description_->setWords(qString(content.description));
+    privacy_->setWords(qString(content.privacy));
+    for (const AboutLinkContent& link : content.links) {
+        if (link.link == AboutLink::terms) {
+            terms_->setText(qString(link.title));
+        } else if (link.link == AboutLink::privacy) {
+            privacyNotice_->setText(qString(link.title));
+        }
+    }
 }
 
 void AboutWindow::paintEvent(QPaintEvent* /*event*/) {
@@ -57,8 +80,12 @@ void AboutWindow::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void AboutWindow::keyPressEvent(QKeyEvent* event) {
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    auto* focused = qobject_cast<QAbstractButton*>(focusWidget());
     if (event->key() == Qt::Key_Escape) {
         close();
+    } else if (isReturn && focused != nullptr) {
+        focused->click();
     } else {
         QWidget::keyPressEvent(event);
     }

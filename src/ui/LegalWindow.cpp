@@ -26,25 +26,6 @@ constexpr int footHeight = 60;
 constexpr int controlHeight = 28;
 constexpr int gap = 12;
 
-QScrollBar::SliderAction scrollAction(int key) {
-    switch (key) {
-    case Qt::Key_Up:
-        return QScrollBar::SliderSingleStepSub;
-    case Qt::Key_Down:
-        return QScrollBar::SliderSingleStepAdd;
-    case Qt::Key_PageUp:
-        return QScrollBar::SliderPageStepSub;
-    case Qt::Key_PageDown:
-        return QScrollBar::SliderPageStepAdd;
-    case Qt::Key_Home:
-        return QScrollBar::SliderToMinimum;
-    case Qt::Key_End:
-        return QScrollBar::SliderToMaximum;
-    default:
-        return QScrollBar::SliderNoAction;
-    }
-}
-
 } // namespace
 
 LegalWindow::LegalWindow(Actions actions, QWidget* parent)
@@ -61,7 +42,6 @@ LegalWindow::LegalWindow(Actions actions, QWidget* parent)
     notice_->setMostLines(2);
     column_->setAutoFillBackground(false);
     scroller_->setWidget(column_);
-    scroller_->verticalScrollBar()->setSingleStep(kit::style::prose.lineHeight * 2);
     documents_->onChoose = [this](int index) {
         actions_.choose(static_cast<LegalDocument>(index));
     };
@@ -141,9 +121,7 @@ void LegalWindow::keyPressEvent(QKeyEvent* event) {
         close();
     } else if (isReturn && focused != nullptr) {
         focused->click();
-    } else if (const auto action = scrollAction(event->key()); action != 0) {
-        scroller_->verticalScrollBar()->triggerAction(action);
-    } else {
+    } else if (!scroller_->scrollByKey(event->key())) {
         QWidget::keyPressEvent(event);
     }
 }

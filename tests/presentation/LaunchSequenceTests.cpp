@@ -24,6 +24,8 @@ public:
     void configurePopover() override { note("popover"); }
     void observeStore() override { note("observe store"); }
     void observeLanguage() override { note("observe language"); }
+    void setUpLaunchAtLogin() override { note("login item"); }
+    void followMoveAtLogin() override { note("moved login item"); }
     void startLaunchRefresh() override { note("refresh"); }
     void observeWake() override { note("wake"); }
     void startLoops() override { note("loops"); }

@@ -9,8 +9,9 @@ namespace vellmark {
 namespace {
 
 TEST(AboutWindow, HasRoomForEverySentence) {
-    for (const char* language : {"de", "en"}) {
-        AboutWindow window(samples::words(language));
+    for (const char* language : {"de", "en", "es", "fr", "it"}) {
+        AboutWindow window({.open = [](AboutLink) {}, .openURL = [](const std::string&) {}});
+        window.setContent(aboutPageContent(samples::words(language)));
         window.show();
         QCoreApplication::sendPostedEvents();
         for (const QLabel* label : window.findChildren<QLabel*>()) {

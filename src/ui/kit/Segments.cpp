@@ -97,8 +97,12 @@ void Segments::setChoices(const QStringList& choices) {
 }
 
 void Segments::setCurrent(int index) {
-    if (index >= 0 && index < static_cast<int>(parts_.size())) {
-        parts_[static_cast<std::size_t>(index)]->setChecked(true);
+    for (std::size_t each = 0; each < parts_.size(); ++each) {
+        Part* part = parts_[each];
+        // Buttons that exclude each other cannot all be off.
+        part->setAutoExclusive(false);
+        part->setChecked(static_cast<int>(each) == index);
+        part->setAutoExclusive(true);
     }
 }
 

@@ -16,6 +16,7 @@ public:
 
     explicit Segments(Size size, QWidget* parent = nullptr);
     void setChoices(const QStringList& choices);
+    /// -1 for none.
     void setCurrent(int index);
     int current() const;
     /// Its parts; the keyboard reaches the chosen one, and the others by the arrow keys.

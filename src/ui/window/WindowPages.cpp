@@ -1,6 +1,10 @@
 #include "ui/window/WindowPages.h"
 
+#include "ui/window/AboutPage.h"
+#include "ui/window/ActivityPage.h"
+#include "ui/window/AgentDetailPage.h"
 #include "ui/window/HeadOnlyPage.h"
+#include "ui/window/HelpPage.h"
 #include "ui/window/OverviewPage.h"
 #include "ui/window/SettingsPage.h"
 
@@ -20,17 +24,19 @@ struct Giver {
     // overview
     void operator()(const OverviewPageContent& content) const { give<OverviewPage>(page, content); }
     // provider
+    void operator()(const AgentPageContent& content) const { give<AgentDetailPage>(page, content); }
 
     // history
 
     // activity
-
+    void operator()(const ActivityPageContent& content) const { give<ActivityPage>(page, content); }
     // settings
     void operator()(const SettingsPageContent& content) const { give<SettingsPage>(page, content); }
 
     // help
-
+    void operator()(const HelpPageContent& content) const { give<HelpPage>(page, content); }
     // about
+    void operator()(const AboutPageContent& content) const { give<AboutPage>(page, content); }
 };
 
 } // namespace
@@ -41,17 +47,17 @@ WindowPage* makePage(AgentPage::Kind kind, const MainWindowActions& actions, QWi
     case Kind::overview:
         return new OverviewPage(actions.program, parent);
     case Kind::provider:
-        return new HeadOnlyPage(parent);
+        return new AgentDetailPage(actions.program, actions.agent, parent);
     case Kind::history:
         return new HeadOnlyPage(parent);
     case Kind::activity:
-        return new HeadOnlyPage(parent);
+        return new ActivityPage(actions.activity, parent);
     case Kind::settings:
         return new SettingsPage(actions.settings, actions.program.startSetup, parent);
     case Kind::help:
-        return new HeadOnlyPage(parent);
+        return new HelpPage(actions.help, parent);
     case Kind::about:
-        return new HeadOnlyPage(parent);
+        return new AboutPage(actions.about, parent);
     }
     return new HeadOnlyPage(parent);
 }

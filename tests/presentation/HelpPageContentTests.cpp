@@ -1,0 +1,155 @@
+#include "model/UsageProviderErrorCases.h"
+#include "presentation/AboutPageContent.h"
+#include "presentation/HelpPageContent.h"
+#include "presentation/MainMenuContent.h"
+#include "presentation/ShortcutText.h"
+#include "probes/ProviderRegistry.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace vellmark::tests {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+constexpr const char* languages[] = {"de", "en", "es", "fr", "it"};
+
+std::vector<HelpEntry> entries(const std::vector<HelpGroup>& groups) {
+    std::vector<HelpEntry> all;
+    for (const HelpGroup& group : groups) {
+        all.insert(all.end(), group.entries.begin(), group.entries.end());
+    }
+    return all;
+}
+
+std::vector<HelpEntry> found(const std::string& query, const Localization& words) {
+    return entries(helpPageContent(HelpSection::reading, query, words).groups);
+}
+
+const Localization english("en");
+
+TEST(HelpPageContent, HasACureForEveryFailureInEveryLanguage) {
+    for (const char* language : languages) {
+        const Localization words(language);
+        std::vector<std::string> cures;
+        for (const HelpEntry& entry : entries(helpFailures(words))) {
+            cures.push_back(entry.text);
+            EXPECT_THAT(entry.title, Not(HasSubstr("%@"))) << language;
+            EXPECT_THAT(entry.title, Not(HasSubstr("%lld"))) << language;
+        }
+        for (const ErrorCase& failure : errorCases) {
+            const std::string key = std::string("help.cure.") + failure.name;
+            EXPECT_NE(words.text(key), key) << "no cure for " << failure.name;
+            EXPECT_THAT(cures, Contains(words.text(key))) << failure.name << ", " << language;
+        }
+    }
+}
+
+TEST(HelpPageContent, FindsTheCureByTheMessageThatIsShown) {
+    const UsageProviderError shown[] = {
+        UsageProviderError::executableMissing("Antigravity CLI"),
+        UsageProviderError::claudeReadFailed(126, "boom"),
+        UsageProviderError::timeout("Codex"),
+        UsageProviderError(ErrorKind::claudeNotLoggedIn),
+        UsageProviderError::antigravityReadingCosts("1.1.3"),
+    };
+    for (const char* language : languages) {
+        const Localization words(language);
+        for (const UsageProviderError& error : shown) {
+            std::string message = error.message(words);
+            if (error.kind() == ErrorKind::timeout) {
+                message.erase(0, message.find(' ')); // any agent may be named
+            }
+            message = message.substr(0, message.find_first_of("(:"));
+            std::vector<std::string> cures;
+            for (const HelpEntry& entry : found(message, words)) {
+                cures.push_back(entry.text);
+            }
+            EXPECT_THAT(cures, Contains(words.text(std::string("help.cure.") + error.what())))
+                << message;
+        }
+    }
+}
+
+TEST(HelpPageContent, ShowsTheCommandThatHelps) {
+    for (const ProviderRegistration& agent : providerRegistry()) {
+        const CLISetupInfo& info = agent.descriptor.setup->info;
+        const auto missing = found(
+            english.format("error.executableMissing", {english.text(agent.descriptor.sourceKey)}),
+            english);
+        ASSERT_EQ(missing.size(), 1U) << agent.descriptor.id.rawValue;
+        EXPECT_THAT(missing.front().commands, ElementsAre(info.installCommand));
+        const std::string name = agent.descriptor.id.rawValue;
+        const auto loggedOut = found(english.text("error." + name + ".notLoggedIn"), english);
+        ASSERT_FALSE(loggedOut.empty());
+        EXPECT_THAT(loggedOut.front().commands, ElementsAre(info.loginCommand));
+    }
+}
+
+TEST(HelpPageContent, LooksInEverySectionAndSaysWhenThereIsNothing) {
+    const HelpPageContent nothing = helpPageContent(HelpSection::marks, "zzz", english);
+    EXPECT_TRUE(nothing.groups.empty());
+    EXPECT_THAT(nothing.nothingFound, HasSubstr("zzz"));
+    // Every section can be found by what it holds.
+    std::set<std::string> titles;
+    for (const char* word : {"pace", "triangle", "broke off", "Quit Vellmark", "support page"}) {
+        for (const HelpGroup& group : helpPageContent(HelpSection::reading, word, english).groups) {
+            titles.insert(group.title.substr(0, group.title.find(" · ")));
+        }
+    }
+    EXPECT_EQ(titles.size(), nothing.sections.size());
+    const HelpPageContent whole = helpPageContent(HelpSection::failures, " ", english);
+    EXPECT_EQ(whole.groups, helpFailures(english));
+    EXPECT_TRUE(whole.nothingFound.empty());
+}
+
+TEST(HelpPageContent, ListsEveryKeyOfTheMenusOnce) {
+    std::multiset<std::string> listed;
+    for (const HelpEntry& entry :
+         helpPageContent(HelpSection::keyboard, {}, english).groups.front().entries) {
+        listed.insert(entry.title + " " + entry.keys.front());
+    }
+    for (const MenuContent& menu : mainMenuContent(english)) {
+        for (const MenuItemContent& item : menu.items) {
+            if (item.key != 0) {
+                const std::string key(1, static_cast<char>(std::toupper(item.key)));
+                const std::string keys = shortcutText({Shortcut::Held::command, key}, english);
+                EXPECT_EQ(listed.count(item.title + " " + keys), 1U) << item.title;
+            }
+        }
+    }
+}
+
+TEST(ShortcutText, NamesKeysAsTheSystemAndTheLanguageDo) {
+    const Shortcut refresh{Shortcut::Held::command, "R"};
+    const Shortcut back{Shortcut::Held::alt, "←"};
+    EXPECT_EQ(shortcutText(refresh, Localization("de"), CommandKey::control), "Strg+R");
+    EXPECT_EQ(shortcutText(refresh, english, CommandKey::command), "⌘R");
+    EXPECT_EQ(shortcutText(back, english, CommandKey::control), "Alt+←");
+    EXPECT_EQ(shortcutText(back, english, CommandKey::command), "⌘←");
+    EXPECT_EQ(shortcutText({Shortcut::Held::nothing, "F10"}, english, CommandKey::command), "F10");
+}
+
+TEST(AboutPageContent, NamesLicenceAndPageOfEverythingLinked) {
+    const AboutPageContent content = aboutPageContent(english);
+    EXPECT_THAT(content.version, HasSubstr(VELLMARK_VERSION));
+    std::set<std::string> names;
+    for (const LicenceContent& part : content.licences) {
+        EXPECT_TRUE(names.insert(part.name).second);
+        EXPECT_TRUE(part.url.starts_with("https://")) << part.name;
+        EXPECT_FALSE(part.licence.empty()) << part.name;
+    }
+    EXPECT_THAT(names, Contains("Qt 6"));
+}
+
+} // namespace
+} // namespace vellmark::tests

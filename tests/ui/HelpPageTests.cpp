@@ -1,0 +1,162 @@
+#include "screenshots/SampleStates.h"
+#include "ui/QtEnvironment.h"
+#include "ui/kit/Label.h"
+#include "ui/window/AboutPage.h"
+#include "ui/window/HelpPage.h"
+
+#include <QAbstractButton>
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace vellmark {
+namespace {
+
+using ::testing::ElementsAre;
+using testing::tabStops;
+
+/// What the least window leaves beside the sidebar.
+constexpr QSize leastPage(792, 680);
+
+class HelpPageTest : public ::testing::Test {
+protected:
+    HelpPageTest() {
+        page_.resize(leastPage);
+        page_.show();
+    }
+    void show(HelpSection section, const std::string& query = {},
+              const std::string& language = "en") {
+        page_.setContent(helpPageContent(section, query, samples::words(language)));
+        QCoreApplication::sendPostedEvents();
+    }
+    QAbstractButton* button(const QString& title) {
+        for (auto* each : page_.findChildren<QAbstractButton*>()) {
+            if (each->isVisible() && (each->text() == title || each->accessibleName() == title)) {
+                return each;
+            }
+        }
+        return nullptr;
+    }
+
+    std::vector<std::string> calls_;
+    HelpPageActions actions_{
+        .choose =
+            [this](HelpSection section) {
+                calls_.push_back("choose " + std::to_string(static_cast<int>(section)));
+            },
+        .search = [this](const std::string& query) { calls_.push_back("search " + query); },
+        .copy = [this](const std::string& command) { calls_.push_back("copy " + command); },
+        .open =
+            [this](HelpLink link) {
+                calls_.push_back("open " + std::to_string(static_cast<int>(link)));
+            }};
+    HelpPage page_{actions_, nullptr};
+};
+
+TEST_F(HelpPageTest, HasRoomForEverythingInEveryLanguage) {
+    for (const char* language : {"de", "en", "es", "fr", "it"}) {
+        for (const HelpSection section :
+             {HelpSection::reading, HelpSection::marks, HelpSection::failures,
+              HelpSection::keyboard, HelpSection::support}) {
+            show(section, {}, language);
+            const QWidget* first = nullptr;
+            for (const QWidget* widget : page_.findChildren<QWidget*>()) {
+                const auto* label = dynamic_cast<const kit::Label*>(widget);
+                if (label == nullptr || !label->isVisible() || label->text().isEmpty()) {
+                    continue;
+                }
+                first = first == nullptr ? label : first;
+                EXPECT_FALSE(label->isShortened())
+                    << language << ": " << label->text().toStdString();
+                EXPECT_GE(label->height(), label->heightForWidth(label->width()))
+                    << language << ": " << label->text().toStdString();
+            }
+            EXPECT_NE(first, nullptr);
+            for (const QWidget* stop : tabStops(page_)) {
+                const auto* control = qobject_cast<const QAbstractButton*>(stop);
+                EXPECT_FALSE(stop->accessibleName().isEmpty() &&
+                             (control == nullptr || control->text().isEmpty()))
+                    << stop->metaObject()->className();
+                EXPECT_LE(stop->mapTo(&page_, QPoint(stop->width(), 0)).x(), page_.width());
+            }
+        }
+    }
+}
+
+TEST_F(HelpPageTest, AsksForWhatIsChosenTypedCopiedAndOpened) {
+    show(HelpSection::reading);
+    button("When something fails")->click();
+    show(HelpSection::failures);
+    button("Copy the command")->click();
+    show(HelpSection::support);
+    button("Privacy")->click();
+    auto* field = page_.findChild<QLineEdit*>();
+    for (const QString key : {"q", "u"}) {
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_Q, Qt::NoModifier, key);
+        QCoreApplication::sendEvent(field, &press);
+    }
+    show(HelpSection::support, "qu");
+    EXPECT_EQ(field->text(), "qu");
+    field->setFocus();
+    testing::pressKey(page_, Qt::Key_Escape);
+    EXPECT_THAT(calls_,
+                ElementsAre("choose 2", "copy curl -fsSL https://chatgpt.com/codex/install.sh | sh",
+                            "open 3", "search q", "search qu", "search "));
+}
+
+TEST_F(HelpPageTest, ChoosesNoSectionWhileItLooksInAll) {
+    const auto isAnyChosen = [&] {
+        for (const auto* part : page_.findChildren<QAbstractButton*>()) {
+            if (part->isCheckable() && part->isChecked()) {
+                return true;
+            }
+        }
+        return false;
+    };
+    show(HelpSection::marks);
+    EXPECT_TRUE(isAnyChosen());
+    show(HelpSection::marks, "token");
+    EXPECT_FALSE(isAnyChosen());
+    show(HelpSection::marks);
+    EXPECT_TRUE(button("Marks and colours")->isChecked());
+}
+
+TEST(AboutPage, LeadsToEveryPageAndHasRoom) {
+    std::vector<std::string> opened;
+    const AboutPageActions actions{
+        .open = [&](AboutLink link) { opened.push_back(std::to_string(static_cast<int>(link))); },
+        .openURL = [&](const std::string& url) { opened.push_back(url); }};
+    AboutPage page(actions, nullptr);
+    page.resize(leastPage);
+    page.show();
+    for (const char* language : {"de", "en", "es", "fr", "it"}) {
+        const AboutPageContent content = aboutPageContent(samples::words(language));
+        page.setContent(content);
+        QCoreApplication::sendPostedEvents();
+        opened.clear();
+        std::vector<std::string> wanted;
+        for (const AboutLinkContent& link : content.links) {
+            wanted.push_back(std::to_string(static_cast<int>(link.link)));
+        }
+        for (const LicenceContent& part : content.licences) {
+            wanted.push_back(part.url);
+        }
+        for (QWidget* control : page.controls()) {
+            if (control->isVisible()) {
+                qobject_cast<QAbstractButton*>(control)->click();
+            }
+        }
+        EXPECT_EQ(opened, wanted) << language;
+        for (const QWidget* widget : page.findChildren<QWidget*>()) {
+            if (const auto* label = dynamic_cast<const kit::Label*>(widget)) {
+                EXPECT_FALSE(label->isVisible() && label->isShortened())
+                    << label->text().toStdString();
+            }
+        }
+    }
+}
+
+} // namespace
+} // namespace vellmark

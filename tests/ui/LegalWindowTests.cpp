@@ -1,0 +1,84 @@
+#include "screenshots/SampleStates.h"
+#include "ui/LegalWindow.h"
+#include "ui/QtEnvironment.h"
+#include "ui/kit/Label.h"
+
+#include <QAbstractButton>
+#include <QCoreApplication>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace vellmark {
+namespace {
+
+using ::testing::ElementsAre;
+
+class LegalWindowTest : public ::testing::Test {
+protected:
+    void show(LegalDocument document, bool needsNotice, const std::string& language = "en") {
+        window_.setContent(legalWindowContent(document, needsNotice, samples::words(language)));
+        window_.show();
+        QCoreApplication::sendPostedEvents();
+    }
+    QAbstractButton* button(const QString& title) {
+        for (auto* each : window_.findChildren<QAbstractButton*>()) {
+            if (each->isVisible() && each->text() == title) {
+                return each;
+            }
+        }
+        return nullptr;
+    }
+    int scrolled() { return window_.findChild<QScrollArea*>()->verticalScrollBar()->value(); }
+
+    std::vector<std::string> calls_;
+    LegalWindow window_{{.choose =
+                             [this](LegalDocument document) {
+                                 calls_.push_back("choose " +
+                                                  std::to_string(static_cast<int>(document)));
+                             },
+                         .accept = [this] { calls_.emplace_back("accept"); }}};
+};
+
+TEST_F(LegalWindowTest, ShowsBothTextsWholeInEveryLanguage) {
+    window_.resize(LegalWindow::leastSize);
+    for (const char* language : {"de", "en", "es", "fr", "it"}) {
+        for (const LegalDocument document : {LegalDocument::terms, LegalDocument::privacy}) {
+            show(document, true, language);
+            int bottom = 0;
+            for (const QWidget* widget : window_.findChildren<QWidget*>()) {
+                const auto* label = dynamic_cast<const kit::Label*>(widget);
+                if (label == nullptr || !label->isVisible()) {
+                    continue;
+                }
+                EXPECT_FALSE(label->isShortened()) << label->text().toStdString();
+                EXPECT_GE(label->height(), label->heightForWidth(label->width()));
+                bottom = std::max(bottom, label->mapTo(&window_, label->rect().bottomLeft()).y());
+            }
+            EXPECT_GT(bottom, window_.height()) << "nothing to scroll to";
+        }
+    }
+}
+
+TEST_F(LegalWindowTest, AcceptsOnlyWhatIsDueAndBeginsAnotherTextAtItsTop) {
+    show(LegalDocument::terms, true);
+    testing::pressKey(window_, Qt::Key_End);
+    EXPECT_GT(scrolled(), 0);
+    button("Privacy")->click();
+    show(LegalDocument::privacy, true);
+    EXPECT_EQ(scrolled(), 0);
+    testing::pressKey(window_, Qt::Key_PageDown);
+    const int place = scrolled();
+    EXPECT_GT(place, 0);
+    button("Accept")->click();
+    show(LegalDocument::privacy, false);
+    EXPECT_EQ(scrolled(), place) << "what is being read stays where it is";
+    EXPECT_EQ(button("Accept"), nullptr);
+    EXPECT_THAT(calls_, ElementsAre("choose 1", "accept"));
+    button("Close")->click();
+    EXPECT_FALSE(window_.isVisible());
+}
+
+} // namespace
+} // namespace vellmark
