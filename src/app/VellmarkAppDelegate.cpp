@@ -206,7 +206,9 @@ void VellmarkAppDelegate::createStatusItem() {
                                  .appearance = appearance_,
                                  .actions = actions_,
                                  .update = [this] { updateMainWindow(); },
-                                 .saveActivity = [this] { saveActivityFromMenu(); }});
+                                 .saveActivity = [this] { saveActivityFromMenu(); },
+                                 .launchAtLogin = launchAtLogin_,
+                                 .takeSettings = [this] { takeSettings(); }});
     statusItem_ =
         makeStatusItem(loop_, *preferences_,
                        {.toggle = [this](const QRect& anchor) { togglePopoverAt(anchor); },

@@ -83,6 +83,7 @@ protected:
 
     std::vector<std::string> calls;
     SettingsPageActions actions{
+        .appear = [this] { calls.emplace_back("appear"); },
         .enableAgent =
             [this](const AgentProviderID& id, bool isEnabled) {
                 calls.push_back(id.rawValue + (isEnabled ? " on" : " off"));
