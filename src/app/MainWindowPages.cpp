@@ -8,11 +8,15 @@
 #include <QGuiApplication>
 #include <QUrl>
 
+#include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace vellmark {
 
 namespace {
+
+constexpr std::string_view agentPageRangeKey = "AgentPageRange";
 
 void openURL(const std::string& url) {
     QDesktopServices::openUrl(QUrl(qString(url)));
@@ -24,12 +28,18 @@ void copyText(const std::string& text) {
 
 } // namespace
 
-MainWindowPages::MainWindowPages(Sources sources) : sources_(std::move(sources)) {}
+MainWindowPages::MainWindowPages(Sources sources)
+    : sources_(std::move(sources)),
+      facts_({.machine = sources_.machine}, sources_.executor, [this] {
+          // Asked for while the page is being shown.
+          sources_.executor.post(sources_.update);
+      }) {}
 
 MainWindowActions MainWindowPages::actions() {
     MainWindowActions actions;
     actions.program = sources_.actions;
     // provider
+    actions.agent = agentActions();
 
     // history
 
@@ -103,7 +113,7 @@ PageContent MainWindowPages::contentOf(const AgentPage& page, Instant now) const
     case Kind::overview:
         return overviewPageContent(state, now, words, asksForSetup_);
     case Kind::provider:
-        return pageHead({"nav.section.agents", {}}, words);
+        return agentPage(page.providerID, now);
     case Kind::history:
         return pageHead({"nav.history", {}}, words);
     case Kind::activity:
@@ -116,6 +126,45 @@ PageContent MainWindowPages::contentOf(const AgentPage& page, Instant now) const
         return aboutPageContent(words);
     }
     return PageHeadContent();
+}
+
+// provider
+
+PageContent MainWindowPages::agentPage(const AgentProviderID& id, Instant now) const {
+    const UsageState& state = sources_.store.state();
+    const auto snapshot = std::ranges::find(state.snapshots, id, &AgentUsageSnapshot::id);
+    const auto stored = sources_.preferences.string(agentPageRangeKey);
+    // Only an agent that is shown has a page: see shownPage().
+    return agentPageContent(*snapshot,
+                            {.state = state,
+                             .history = sources_.store.history(),
+                             .machine = sources_.machine,
+                             .facts = facts_.of(id),
+                             .isAskingForFacts = facts_.isAsking(id),
+                             .range = agentPageRange(stored.value_or(std::string()))},
+                            now, sources_.language.words());
+}
+
+AgentPageActions MainWindowPages::agentActions() {
+    AgentUsageStore& store = sources_.store;
+    return {
+        .shown = [this](const AgentProviderID& id) { facts_.need(id); },
+        .refresh =
+            [&store](const AgentProviderID& id) { store.refresh(RefreshTrigger::manual, {id}); },
+        .recheck =
+            [this, &store](const AgentProviderID& id) {
+                facts_.recheck(id);
+                store.refresh(RefreshTrigger::manual, {id});
+            },
+        .setRange =
+            [this](ChartRange range) {
+                sources_.preferences.setString(agentPageRangeKey, std::string(storedText(range)));
+                sources_.update();
+            },
+        .setOrder =
+            [&store](const std::vector<AgentProviderID>& order) { store.setProviderOrder(order); },
+        .switchOff = [&store](const AgentProviderID& id) { store.setEnabled(id, false); },
+    };
 }
 
 } // namespace vellmark

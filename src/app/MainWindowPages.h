@@ -5,6 +5,7 @@
 #include "presentation/LanguageManager.h"
 #include "presentation/MainWindowActions.h"
 #include "presentation/MainWindowContent.h"
+#include "store/AgentFactsCache.h"
 #include "store/AgentUsageStore.h"
 
 #include <functional>
@@ -17,6 +18,8 @@ class MainWindowPages {
 public:
     struct Sources {
         AgentUsageStore& store;
+        const Machine& machine;
+        MainExecutor& executor;
         Preferences& preferences;
         LanguageManager& language;
         AppAppearance& appearance;
@@ -42,6 +45,9 @@ private:
     Sources sources_;
     bool asksForSetup_ = false;
     // provider
+    PageContent agentPage(const AgentProviderID& id, Instant now) const;
+    AgentPageActions agentActions();
+    AgentFactsCache facts_;
 
     // history
 

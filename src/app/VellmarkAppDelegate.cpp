@@ -194,6 +194,8 @@ void VellmarkAppDelegate::createStatusItem() {
         executor_, *preferences_);
     pages_ = std::make_unique<MainWindowPages>(
         MainWindowPages::Sources{.store = *store_,
+                                 .machine = machine_,
+                                 .executor = executor_,
                                  .preferences = *preferences_,
                                  .language = language_,
                                  .appearance = appearance_,

@@ -1,10 +1,10 @@
 #include "platform/RegularFile.h"
 
 #include "platform/SystemError.h"
+#include "platform/WholeFile.h"
 
 #include <cerrno>
 #include <fcntl.h>
-#include <string>
 #include <sys/stat.h>
 
 namespace vellmark {
@@ -49,6 +49,21 @@ Descriptor openRegularFile(const fs::path& file, int flags, std::error_code& err
         return {};
     }
     return opened;
+}
+
+std::optional<std::string> readRegularFile(const fs::path& file, std::error_code& error,
+                                           std::size_t limit) {
+    struct stat status {};
+    if (::stat(file.c_str(), &status) != 0) {
+        error = lastSystemError();
+        return std::nullopt;
+    }
+    if (!S_ISREG(status.st_mode)) {
+        error = notRegularFile();
+        return std::nullopt;
+    }
+    const Descriptor opened = openRegularFile(file, O_RDONLY, error);
+    return opened.isOpen() ? readToEnd(opened.get(), error, limit) : std::nullopt;
 }
 
 fs::path fileInTheWay(const fs::path& file) {

@@ -194,8 +194,7 @@ void addPhases(ReadingCardContent& card, const SnapshotNote::ClaudeTiming& timin
         if (counts(milliseconds)) {
             const auto span = static_cast<double>(milliseconds);
             const std::string name = words.text(key);
-            texts.push_back(
-                words.format("detail.phase", {name, decimalText(span / 1000, words)}));
+            texts.push_back(words.format("detail.phase", {name, decimalText(span / 1000, words)}));
             card.phases.push_back({name, span / whole});
         }
     }

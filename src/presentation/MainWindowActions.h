@@ -1,6 +1,7 @@
 #pragma once
 
 #include "presentation/AboutPageActions.h"
+#include "presentation/AgentPageContent.h"
 #include "presentation/AgentUIActions.h"
 #include "presentation/HelpPageActions.h"
 
@@ -11,6 +12,7 @@ namespace vellmark {
 struct MainWindowActions {
     AgentUIActions program;
     // provider
+    AgentPageActions agent;
 
     // history
 

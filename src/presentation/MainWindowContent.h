@@ -2,6 +2,7 @@
 
 #include "presentation/AboutPageContent.h"
 #include "presentation/AgentPage.h"
+#include "presentation/AgentPageContent.h"
 #include "presentation/HelpPageContent.h"
 #include "presentation/OverviewPageContent.h"
 #include "presentation/PageHeadContent.h"
@@ -18,6 +19,7 @@ using PageContent = std::variant<
     // overview
     OverviewPageContent,
     // provider
+    AgentPageContent,
 
     // history
 

@@ -2,6 +2,7 @@
 
 #include "platform/UnnamedFile.h"
 
+#include <array>
 #include <cerrno>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -15,6 +16,17 @@ PrivateTemporaryFile::create(const std::filesystem::path& directory) {
         return std::nullopt;
     }
     return PrivateTemporaryFile(std::move(descriptor));
+}
+
+bool PrivateTemporaryFile::hasRoom() const {
+    struct stat before = {};
+    if (::fstat(descriptor(), &before) != 0) {
+        return false;
+    }
+    const std::array<char, 4096> block{};
+    const bool isWritten =
+        ::write(descriptor(), block.data(), block.size()) == static_cast<ssize_t>(block.size());
+    return ::ftruncate(descriptor(), before.st_size) == 0 && isWritten;
 }
 
 std::string PrivateTemporaryFile::contents() const {

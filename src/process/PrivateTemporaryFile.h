@@ -25,6 +25,9 @@ public:
     /// Not inherited by children on its own.
     int descriptor() const { return descriptor_.get(); }
 
+    /// More could be written: where not, what stands in the file may not be all there was to say.
+    bool hasRoom() const;
+
     /// Everything that was written; empty when the file cannot be read.
     std::string contents() const;
 

@@ -155,6 +155,15 @@ std::vector<ActivityEntry> notes(const AgentUsageSnapshot& snapshot, const Local
     return entries;
 }
 
+ActivityEntry implausible(const AgentProviderID& id, const ImplausibleFigure& figure,
+                          const Localization& words) {
+    using Kind = ImplausibleFigure::Kind;
+    const char* const key = figure.kind == Kind::used       ? "log.figure.used"
+                            : figure.kind == Kind::duration ? "log.figure.duration"
+                                                            : "log.figure.reset";
+    return aboutAgent(Level::notice, id, words.format(key, {windowLabel(figure.window, words)}));
+}
+
 std::vector<ActivityEntry> turnedCritical(const AgentUsageSnapshot* before,
                                           const AgentUsageSnapshot& after, Instant now,
                                           const Localization& words) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/ActivityEntry.h"
+#include "store/PlausibleFigures.h"
 #include "store/StorageTrouble.h"
 #include "store/UsageState.h"
 #include "text/Dates.h"
@@ -29,6 +30,9 @@ ActivityEntry agentRecovered(const AgentProviderID& id, int failedAttempts,
 ActivityEntry agentRetried(const AgentProviderID& id, Seconds delay, const Localization& words);
 /// One entry for each diagnostic note of a reading.
 std::vector<ActivityEntry> notes(const AgentUsageSnapshot& snapshot, const Localization& words);
+/// What the agent told and was not taken.
+ActivityEntry implausible(const AgentProviderID& id, const ImplausibleFigure& figure,
+                          const Localization& words);
 /// One entry for each window that is critical in `after` and was not in `before`.
 std::vector<ActivityEntry> turnedCritical(const AgentUsageSnapshot* before,
                                           const AgentUsageSnapshot& after, Instant now,

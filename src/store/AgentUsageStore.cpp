@@ -5,6 +5,7 @@
 #include "store/ActivityTexts.h"
 #include "store/AgentReadings.h"
 #include "store/AgentSettings.h"
+#include "store/PlausibleFigures.h"
 #include "store/ReadingSchedule.h"
 #include "store/RefreshRun.h"
 #include "store/StateObservers.h"
@@ -122,6 +123,7 @@ AgentUsageStore::State::State(Configuration configuration, MainExecutor& mainExe
 
 void AgentUsageStore::State::takeLastSnapshots() {
     for (AgentUsageSnapshot& snapshot : files.lastSnapshots()) {
+        removeImplausibleFigures(snapshot, now());
         state.lastSuccess[snapshot.id] = snapshot.updatedAt;
         readings.restore(std::move(snapshot));
     }
@@ -275,6 +277,11 @@ void AgentUsageStore::State::land(const AgentProviderID& id, const FetchOutcome&
     if (const auto* snapshot = std::get_if<AgentUsageSnapshot>(&outcome)) {
         AgentUsageSnapshot reading = *snapshot;
         reading.id = id;
+        observers.around([&] {
+            for (const ImplausibleFigure& figure : removeImplausibleFigures(reading, now())) {
+                note(ActivityTexts::implausible(id, figure, words()));
+            }
+        });
         takeReading(std::move(reading), elapsed);
     } else if (const auto* error = std::get_if<UsageProviderError>(&outcome)) {
         takeFailure(id, *error);

@@ -139,6 +139,15 @@ TEST_F(ClaudeScenario, ReportsWhatKeepsItFromStarting) {
     EXPECT_THROW(fetch(), std::filesystem::filesystem_error);
     sandbox.uninstall("claude");
     expectFailure(fetch(), UsageProviderError::executableMissing("Claude Code"));
+    std::filesystem::remove(sandbox.machine().supportDirectory());
+    sandbox.installNoProgram("claude", "#!/nowhere/node\n");
+    for (const char* way : {claudeSessionWay, claudeQueryWay}) {
+        ClaudeUsageProvider provider(sandbox.machine(), Seconds(60), {.way = way, .interval = {}},
+                                     quickLimits());
+        expectFailure(outcomeOf(provider),
+                      UsageProviderError::launchFailed("Claude Code",
+                                                       "/nowhere/node: No such file or directory"));
+    }
 
     AgentSandbox other;
     other.machine().temporary /= "gone";

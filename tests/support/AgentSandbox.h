@@ -46,8 +46,8 @@ public:
     }
 
     /// The agent's CLI is a file that may be executed and is no program.
-    void installNoProgram(const std::string& agent) {
-        install(agent, directory_.writeExecutable("scripts/" + agent, "no program"));
+    void installNoProgram(const std::string& agent, const std::string& contents = "no program") {
+        install(agent, directory_.writeExecutable("scripts/" + agent, contents));
     }
     void uninstall(const std::string& agent) {
         std::filesystem::remove(machine_.home / ".local/bin" / agent);

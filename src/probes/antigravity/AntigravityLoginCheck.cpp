@@ -1,6 +1,6 @@
 #include "probes/antigravity/AntigravityLoginCheck.h"
 
-#include "platform/UntrustedFile.h"
+#include "platform/RegularFile.h"
 #include "process/ChildEnvironment.h"
 #include "text/BoundedJSON.h"
 
@@ -43,7 +43,7 @@ bool holdsKeyMember(const JSON& value) {
 
 bool settingsHoldKey(const std::filesystem::path& file) {
     std::error_code ignored;
-    const auto settings = readUntrustedFile(file, ignored, largestSettings);
+    const auto settings = readRegularFile(file, ignored, largestSettings);
     try {
         return settings && holdsKeyMember(parsedJSON(*settings));
     } catch (const JSONDecodingError&) {

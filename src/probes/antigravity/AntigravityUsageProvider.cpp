@@ -1,9 +1,10 @@
 #include "probes/antigravity/AntigravityUsageProvider.h"
 
 #include "platform/PrivateDirectory.h"
-#include "platform/UntrustedFile.h"
+#include "platform/RegularFile.h"
 #include "probes/AgentWorkspace.h"
 #include "probes/ExecutableLocator.h"
+#include "probes/LaunchFailure.h"
 #include "probes/ToolVersion.h"
 #include "probes/VersionNumber.h"
 #include "probes/antigravity/AntigravityLoginCheck.h"
@@ -96,7 +97,11 @@ AgentUsageSnapshot AntigravityUsageProvider::read(const ExecutableIdentity& exec
         run.timedOut = ended.timedOut;
         run.outputCapped = ended.outputCapped;
     } catch (const std::system_error& error) {
-        throw UsageProviderError::launchFailed("Antigravity", error.code().message());
+        throw UsageProviderError::launchFailed("Antigravity",
+                                               launchFailureReason(error.code(), executable.path));
+    }
+    if (!capture->hasRoom()) {
+        throw UsageProviderError::antigravityReadFailed("temporary file");
     }
     run.output = AntigravityOutput::read(capture->contents(), TimeZone::system());
     if (run.output.tookTurn) {
@@ -104,7 +109,7 @@ AgentUsageSnapshot AntigravityUsageProvider::read(const ExecutableIdentity& exec
         run.version = version(executable);
     }
     std::error_code noLog;
-    run.log = readUntrustedFile(log, noLog, logReadLimit).value_or(std::string());
+    run.log = readRegularFile(log, noLog, logReadLimit).value_or(std::string());
     return antigravitySnapshot(run, ReferenceClock::now());
 }
 

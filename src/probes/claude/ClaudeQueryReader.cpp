@@ -1,6 +1,7 @@
 #include "probes/claude/ClaudeQueryReader.h"
 
 #include "model/UUID.h"
+#include "probes/LaunchFailure.h"
 #include "process/BoundedProcess.h"
 #include "process/ChildEnvironment.h"
 #include "text/TerminalText.h"
@@ -48,7 +49,8 @@ ClaudeQueryReader::Result ClaudeQueryReader::ask(const std::filesystem::path& cl
         }
         return result;
     } catch (const std::system_error& error) {
-        throw UsageProviderError::launchFailed("Claude Code", error.code().message());
+        throw UsageProviderError::launchFailed("Claude Code",
+                                               launchFailureReason(error.code(), child.executable));
     }
 }
 

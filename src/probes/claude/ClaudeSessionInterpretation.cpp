@@ -3,6 +3,7 @@
 #include "probes/claude/ClaudeSessionScript.h"
 #include "probes/claude/ClaudeUsageParser.h"
 #include "probes/claude/ClaudeVersions.h"
+#include "text/Pattern.h"
 #include "text/TerminalText.h"
 
 #include <algorithm>
@@ -92,6 +93,13 @@ AgentUsageSnapshot interpretClaudeSession(const ClaudeScreen& screen, const Clau
         }
         throw;
     }
+}
+
+std::optional<std::string> claudeLaunchFailure(const ClaudeScreen& screen) {
+    static const Pattern pattern(
+        R"(^(?:spawn [^\r\n]*\s+)?([^\r\n]+)\s+while executing\s+"spawn )");
+    const auto match = pattern.search(screen.text());
+    return match ? std::optional(std::string(match->group(1))) : std::nullopt;
 }
 
 bool claudeEndMarkerIsMissing(const ClaudeScreen& screen, const ClaudeSessionEnd& end) {

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 namespace vellmark {
 
@@ -27,6 +28,9 @@ struct ClaudeSessionEnd {
 /// caller may have more to say.
 AgentUsageSnapshot interpretClaudeSession(const ClaudeScreen& screen, const ClaudeSessionEnd& end,
                                           Instant now);
+
+/// Why the interpreter could not start the CLI, in its words; absent when it could.
+std::optional<std::string> claudeLaunchFailure(const ClaudeScreen& screen);
 
 /// True when the page counted as complete by silence alone and shows no known ending either.
 bool claudeEndMarkerIsMissing(const ClaudeScreen& screen, const ClaudeSessionEnd& end);

@@ -1,5 +1,6 @@
 #include "probes/claude/ClaudeSessionReader.h"
 
+#include "probes/LaunchFailure.h"
 #include "probes/claude/ClaudeDiagnostics.h"
 #include "probes/claude/ClaudeModelWindow.h"
 #include "process/ChildEnvironment.h"
@@ -42,8 +43,17 @@ AgentUsageSnapshot ClaudeSessionReader::read(const std::filesystem::path& claude
     times.run = result.elapsed;
     times.launch = result.launch;
     const ClaudeScreen screen(log->contents());
+    if (const auto reason = claudeLaunchFailure(screen)) {
+        // The interpreter's words say the same of a program without its own interpreter.
+        throw UsageProviderError::launchFailed(
+            "Claude Code",
+            reason->ends_with("no such file or directory")
+                ? launchFailureReason(std::make_error_code(std::errc::no_such_file_or_directory),
+                                      claude)
+                : *reason);
+    }
     const ClaudeSessionEnd end{result.terminationStatus, result.timedOut || result.uncaughtSignal};
-    AgentUsageSnapshot snapshot = interpret(screen, end);
+    AgentUsageSnapshot snapshot = interpret(screen, end, *log);
     if (auto note = claudeTimingNote(screen, times)) {
         snapshot.notes.push_back(std::move(*note));
     }
@@ -73,12 +83,14 @@ BoundedProcessResult ClaudeSessionReader::runScript(const std::filesystem::path&
     try {
         return BoundedProcess::run(child, remaining, limits_.killGrace);
     } catch (const std::system_error& error) {
-        throw UsageProviderError::launchFailed("Claude Code", error.code().message());
+        throw UsageProviderError::launchFailed("Claude Code",
+                                               launchFailureReason(error.code(), interpreter_));
     }
 }
 
 AgentUsageSnapshot ClaudeSessionReader::interpret(const ClaudeScreen& screen,
-                                                  const ClaudeSessionEnd& end) {
+                                                  const ClaudeSessionEnd& end,
+                                                  const PrivateTemporaryFile& log) {
     const Instant now = ReferenceClock::now();
     try {
         AgentUsageSnapshot snapshot = interpretClaudeSession(screen, end, now);
@@ -93,6 +105,9 @@ AgentUsageSnapshot ClaudeSessionReader::interpret(const ClaudeScreen& screen,
     } catch (const UsageProviderError& error) {
         if (error.kind() != Kind::claudeNoQuotas) {
             throw;
+        }
+        if (!log.hasRoom()) {
+            throw UsageProviderError(Kind::claudeTempFileFailed); // what it showed is lost
         }
         const auto file = writeClaudeDiagnostics(screen.drawn(), machine_.home, diagnostics(),
                                                  "claude-usage-last.txt");

@@ -49,7 +49,8 @@ private:
     BoundedProcessResult runScript(const std::filesystem::path& claude,
                                    const PrivateTemporaryFile& log, const Budget& budget);
     /// As interpretClaudeSession, remembering and keeping what is to be.
-    AgentUsageSnapshot interpret(const ClaudeScreen& screen, const ClaudeSessionEnd& end);
+    AgentUsageSnapshot interpret(const ClaudeScreen& screen, const ClaudeSessionEnd& end,
+                                 const PrivateTemporaryFile& log);
     std::filesystem::path diagnostics() const;
 
     const Machine& machine_;

@@ -1,6 +1,7 @@
 #include "probes/codex/CodexUsageProvider.h"
 
 #include "probes/ExecutableLocator.h"
+#include "probes/LaunchFailure.h"
 #include "probes/codex/CodexConversation.h"
 #include "probes/codex/CodexMessages.h"
 
@@ -22,7 +23,8 @@ std::unique_ptr<CodexConversation> launch(const Machine& machine) {
         throw UsageProviderError::launchFailed("Codex", machine.abbreviated(error.path1()) + ": " +
                                                             error.code().message());
     } catch (const std::system_error& error) {
-        throw UsageProviderError::launchFailed("Codex", error.code().message());
+        throw UsageProviderError::launchFailed("Codex",
+                                               launchFailureReason(error.code(), *executable));
     }
 }
 

@@ -50,6 +50,7 @@ AgentDetailPage::AgentDetailPage(const AgentUIActions& program, const AgentPageA
     scroller_->setWidget(column_);
     column_->setAutoFillBackground(false);
     head().setTitleInset(logoSide + logoGap);
+    head().setTitleMark(health_);
     head().addControl(range_);
     range_->onChoose = [this](int index) {
         actions_.setRange(agentPageRanges.at(static_cast<std::size_t>(index)));
@@ -67,8 +68,8 @@ void AgentDetailPage::setContent(const AgentPageContent& content) {
     }
     range_->setAccessibleName(qString(content.rangeTitle));
     range_->setChoices(ranges);
-    range_->setCurrent(static_cast<int>(
-        std::ranges::find(agentPageRanges, content.range) - agentPageRanges.begin()));
+    range_->setCurrent(static_cast<int>(std::ranges::find(agentPageRanges, content.range) -
+                                        agentPageRanges.begin()));
     range_->setVisible(!ranges.isEmpty());
     head().setContent(content.head);
     failure_->setContent(agent.failure);
@@ -142,13 +143,7 @@ void AgentDetailPage::arrange() {
 
 void AgentDetailPage::arrangeHead() {
     logo_->setGeometry(margin, logoTop, logoSide, logoSide);
-    const QSize pill = health_->sizeHint();
-    const QRect title = head().titlePlace();
-    health_->setGeometry(title.right() + 1 + logoGap,
-                         title.y() + (title.height() - pill.height()) / 2, pill.width(),
-                         pill.height());
     logo_->raise();
-    health_->raise();
 }
 
 int AgentDetailPage::arrangeNotices(int wide) {
@@ -186,8 +181,7 @@ int AgentDetailPage::arrangeCards(int top, int wide) {
     const int growth = std::clamp((body().height() - least) / std::max(rows, 1), 0, mostGrowth);
     for (std::size_t first = 0; first < cards.size(); first += columns) {
         const bool hasWindow = first < windows_.size();
-        const int height =
-            leastRowHeight(first, columns, cardWidth) + (hasWindow ? growth : 0);
+        const int height = leastRowHeight(first, columns, cardWidth) + (hasWindow ? growth : 0);
         for (std::size_t index = first; index < std::min(first + columns, cards.size()); ++index) {
             const int column = static_cast<int>(index - first);
             cards[index]->setGeometry(margin + column * (cardWidth + cardGap), top, cardWidth,

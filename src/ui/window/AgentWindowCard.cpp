@@ -1,10 +1,10 @@
 #include "ui/window/AgentWindowCard.h"
 
+#include "ui/ChartView.h"
 #include "ui/Conversions.h"
 #include "ui/ForecastLine.h"
 #include "ui/UsageProgressBar.h"
 #include "ui/kit/CardGround.h"
-#include "ui/kit/Chart.h"
 #include "ui/kit/FigureText.h"
 #include "ui/kit/HealthDot.h"
 #include "ui/kit/Label.h"
@@ -51,7 +51,7 @@ AgentWindowCard::AgentWindowCard(QWidget* parent)
       elapsed_(new kit::Label(kit::style::small, kit::ColorRole::ink2, this)),
       outlook_(new kit::Label(kit::style::small, kit::ColorRole::ink2, this)),
       chartTitle_(new kit::Label(kit::style::text, kit::ColorRole::ink2, this)),
-      chart_(new kit::Chart(kit::Chart::Form::card, this)),
+      chart_(new ChartView(ChartView::Size::small, this)),
       noCourse_(new kit::Label(kit::style::small, kit::ColorRole::ink2, this)) {
     figures_.label->setTextStyle(kit::style::strong);
     figures_.planning->setAlignment(Qt::AlignRight | Qt::AlignVCenter);

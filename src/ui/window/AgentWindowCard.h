@@ -8,10 +8,10 @@
 namespace vellmark {
 
 namespace kit {
-class Chart;
 class HealthDot;
 class Label;
 } // namespace kit
+class ChartView;
 
 /// One quota window on an agent's page: how it stands in large figures, and its course below, which
 /// takes whatever height there is. Without content it shows its bones.
@@ -41,7 +41,7 @@ private:
     kit::Label* elapsed_;
     kit::Label* outlook_;
     kit::Label* chartTitle_;
-    kit::Chart* chart_;
+    ChartView* chart_;
     kit::Label* noCourse_;
 };
 

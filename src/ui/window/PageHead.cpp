@@ -46,6 +46,13 @@ void PageHead::addControl(QWidget* control) {
     arrange();
 }
 
+void PageHead::setTitleMark(QWidget* mark) {
+    mark->setParent(this);
+    mark->show();
+    titleMark_ = mark;
+    arrange();
+}
+
 void PageHead::setTitleInset(int inset) {
     titleInset_ = inset;
     arrange();
@@ -77,9 +84,17 @@ void PageHead::arrange() {
     age_->setGeometry(right - age, top, age, refresh_->sizeHint().height());
     const int left = margin + titleInset_;
     const int wide = std::max(age_->x() - gap - left, 0);
-    title_->setGeometry(left, top, wide, kit::style::title.lineHeight);
-    subtitle_->setGeometry(left, top + kit::style::title.lineHeight + subtitleGap, wide,
-                           kit::style::text.lineHeight);
+    const QSize mark = titleMark_ != nullptr ? titleMark_->sizeHint() + QSize(gap, 0) : QSize(0, 0);
+    const int title = std::clamp(wide - mark.width(), 0, title_->wantedWidth());
+    title_->setGeometry(left, top, title, kit::style::title.lineHeight);
+    if (titleMark_ != nullptr) {
+        titleMark_->setGeometry(left + title + gap,
+                                top + (kit::style::title.lineHeight - mark.height()) / 2,
+                                mark.width() - gap, mark.height());
+    }
+    // The buttons end above it.
+    subtitle_->setGeometry(left, top + kit::style::title.lineHeight + subtitleGap,
+                           std::max(width() - margin - left, 0), kit::style::text.lineHeight);
 }
 
 } // namespace vellmark

@@ -28,6 +28,8 @@ public:
     /// Takes over a control of the page that stands at the right, before those added earlier and
     /// before the refresh button.
     void addControl(QWidget* control);
+    /// Takes over what stands behind the title.
+    void setTitleMark(QWidget* mark);
     /// Room for what the page draws before the title; 0 at first.
     void setTitleInset(int inset);
     /// The controls from the left, hidden ones among them.
@@ -45,6 +47,7 @@ private:
     kit::Button* refresh_;
     /// From the right, before the refresh button.
     std::vector<QWidget*> added_;
+    QWidget* titleMark_ = nullptr;
     int titleInset_ = 0;
 };
 

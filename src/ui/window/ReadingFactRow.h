@@ -12,8 +12,8 @@ class Button;
 class Label;
 } // namespace kit
 
-/// A fact about how an agent is read: its name, its value with a detail, and a button that copies it
-/// where it can be of use elsewhere.
+/// A fact about how an agent is read: its name, its value with a detail, and a button that copies
+/// it where it can be of use elsewhere.
 class ReadingFactRow : public QWidget {
 public:
     static constexpr int rowHeight = 26;

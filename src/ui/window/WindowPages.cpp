@@ -1,6 +1,7 @@
 #include "ui/window/WindowPages.h"
 
 #include "ui/window/AboutPage.h"
+#include "ui/window/AgentDetailPage.h"
 #include "ui/window/HeadOnlyPage.h"
 #include "ui/window/HelpPage.h"
 #include "ui/window/OverviewPage.h"
@@ -21,6 +22,7 @@ struct Giver {
     // overview
     void operator()(const OverviewPageContent& content) const { give<OverviewPage>(page, content); }
     // provider
+    void operator()(const AgentPageContent& content) const { give<AgentDetailPage>(page, content); }
 
     // history
 
@@ -42,7 +44,7 @@ WindowPage* makePage(AgentPage::Kind kind, const MainWindowActions& actions, QWi
     case Kind::overview:
         return new OverviewPage(actions.program, parent);
     case Kind::provider:
-        return new HeadOnlyPage(parent);
+        return new AgentDetailPage(actions.program, actions.agent, parent);
     case Kind::history:
         return new HeadOnlyPage(parent);
     case Kind::activity:

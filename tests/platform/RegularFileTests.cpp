@@ -1,4 +1,4 @@
-#include "platform/UntrustedFile.h"
+#include "platform/RegularFile.h"
 #include "support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -9,17 +9,17 @@
 namespace vellmark::tests {
 namespace {
 
-TEST(UntrustedFile, IsReadUpToTheLimitAlsoThroughALink) {
+TEST(RegularFile, IsReadUpToTheLimitAlsoThroughALink) {
     const TemporaryDirectory directory;
     const auto file = directory.write("plain", "0123456789");
     std::filesystem::create_symlink(file, directory / "link");
     std::error_code error;
-    EXPECT_EQ(readUntrustedFile(file, error, 100), "0123456789");
-    EXPECT_EQ(readUntrustedFile(directory / "link", error, 4), "0123");
+    EXPECT_EQ(readRegularFile(file, error, 100), "0123456789");
+    EXPECT_EQ(readRegularFile(directory / "link", error, 4), "0123");
     EXPECT_FALSE(error);
 }
 
-TEST(UntrustedFile, WhatIsNoFileHoldsNobodyUp) {
+TEST(RegularFile, WhatIsNoFileHoldsNobodyUp) {
     const TemporaryDirectory directory;
     ASSERT_EQ(::mkfifo((directory / "fifo").c_str(), 0600), 0);
     std::filesystem::create_symlink(directory / "fifo", directory / "link");
@@ -27,11 +27,11 @@ TEST(UntrustedFile, WhatIsNoFileHoldsNobodyUp) {
          {directory / "fifo", directory / "link", directory.path(),
           std::filesystem::path("/dev/zero"), std::filesystem::path("/dev/tty")}) {
         std::error_code error;
-        EXPECT_EQ(readUntrustedFile(path, error, 100), std::nullopt) << path;
-        EXPECT_EQ(error, std::errc::not_supported) << path;
+        EXPECT_EQ(readRegularFile(path, error, 100), std::nullopt) << path;
+        EXPECT_EQ(error, notRegularFile()) << path;
     }
     std::error_code error;
-    EXPECT_EQ(readUntrustedFile(directory / "missing", error, 100), std::nullopt);
+    EXPECT_EQ(readRegularFile(directory / "missing", error, 100), std::nullopt);
     EXPECT_EQ(error, std::errc::no_such_file_or_directory);
 }
 

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "model/AgentUsageSnapshot.h"
+#include "text/Instant.h"
+
+#include <vector>
+
+namespace vellmark {
+
+/// A figure that an agent told and that cannot be one.
+struct ImplausibleFigure {
+    /// Which figure of a window it was.
+    enum class Kind { used, duration, reset };
+    UsageWindow window;
+    Kind kind = Kind::used;
+};
+
+/// Takes out of a reading what cannot be true, so that nothing is computed with it, and returns it:
+/// a window with a share below nothing or far above everything goes, and the reading counts as
+/// incomplete; a length or a reset out of any calendar's reach becomes unknown.
+std::vector<ImplausibleFigure> removeImplausibleFigures(AgentUsageSnapshot& reading, Instant now);
+
+} // namespace vellmark
