@@ -106,8 +106,10 @@ Scene pageScene(std::string name, AgentPage page, UsageState (*state)(), PageOfS
         AgentMainWindowView view({.program = noActions()}, navigation);
         const Localization words = samples::words(language);
         const UsageState shown = state();
-        view.setContent({sidebarItems(shown, samples::now(), words), page, content(shown, words)});
-        view.setMinimumSize(view.minimumSize().boundedTo(size));
+        view.setContent({sidebarItems(shown, samples::now(), words), page, content(shown, words),
+                         menuButton(words)});
+        // A window is given less than its least size where the screen has no more.
+        view.setMinimumSize(size.boundedTo(AgentMainWindowView::leastSize));
         view.resize(size);
         return drawWhole(view, scale);
     };
@@ -315,6 +317,8 @@ std::vector<Scene> allScenes() {
         popoverScene("agent-long-texts", samples::longTexts, "provider:antigravity"),
         overviewScene("overview", samples::normal),
         overviewScene("overview-least", samples::normal, AgentMainWindowView::leastSize),
+        // What 1366 by 768 leaves where type is at 150 %.
+        overviewScene("overview-small-screen", samples::normal, QSize(900, 460)),
         overviewScene("refreshing", samples::refreshing),
         overviewScene("healthy", samples::healthy),
         overviewScene("loading", samples::loading),

@@ -323,9 +323,10 @@ ActivityEntry agentFailed(const AgentProviderID& id, const UsageProviderError& e
 
 ActivityEntry agentRecovered(const AgentProviderID& id, int failedAttempts,
                              const Localization& words) {
-    return failedAttempts == 1 ? aboutAgent(Level::info, id, "log.agent.recovered", words)
-                               : aboutAgent(Level::info, id, "log.agent.recovered.several", words,
-                                            JSON::array({failedAttempts}));
+    return words.takesSingular(failedAttempts)
+               ? aboutAgent(Level::info, id, "log.agent.recovered", words)
+               : aboutAgent(Level::info, id, "log.agent.recovered.several", words,
+                            JSON::array({failedAttempts}));
 }
 
 ActivityEntry agentRetried(const AgentProviderID& id, Seconds delay, const Localization& words) {
