@@ -6,6 +6,7 @@
 #include "presentation/LanguageManager.h"
 #include "presentation/MainWindowActions.h"
 #include "presentation/MainWindowContent.h"
+#include "presentation/SettingsPageModel.h"
 #include "store/AgentFactsCache.h"
 #include "store/AgentUsageStore.h"
 
@@ -31,6 +32,9 @@ public:
         /// Shows the content anew, after a page has changed what it depends on.
         std::function<void()> update;
         std::function<void()> saveActivity;
+        LaunchAtLoginController& launchAtLogin;
+        /// What the preferences hold now holds in the whole program.
+        std::function<void()> takeSettings;
     };
     explicit MainWindowPages(Sources sources);
 
@@ -61,6 +65,8 @@ private:
     // activity
     std::shared_ptr<ActivityFeed> activity_;
     // settings
+    SettingsPageModel::Sources settingsSources();
+    SettingsPageModel settings_;
 
     // help
     HelpSection helpSection_ = HelpSection::reading;

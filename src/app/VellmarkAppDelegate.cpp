@@ -227,7 +227,9 @@ void VellmarkAppDelegate::createStatusItem() {
                                  .actions = actions_,
                                  .openMenu = openMenu,
                                  .update = [this] { updateMainWindow(); },
-                                 .saveActivity = [this] { saveActivityFromMenu(); }});
+                                 .saveActivity = [this] { saveActivityFromMenu(); },
+                                 .launchAtLogin = launchAtLogin_,
+                                 .takeSettings = [this] { takeSettings(); }});
     statusItem_ =
         makeStatusItem(loop_, *preferences_,
                        {.toggle = [this](const QRect& anchor) { togglePopoverAt(anchor); },

@@ -40,8 +40,8 @@ private:
 
 TEST(LaunchSequence, GoesAsFarAsTheLaunchAllows) {
     const std::string steps = "single instance, accessory, menu, appearance, observe appearance, "
-                              "status item, popover, observe store, observe language, refresh, "
-                              "wake, loops, first run";
+                              "status item, popover, observe store, observe language, login "
+                              "item, moved login item, refresh, wake, loops, first run";
     const struct {
         LaunchOptions options;
         bool otherRuns;
