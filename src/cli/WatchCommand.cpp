@@ -233,9 +233,11 @@ private:
         const Localization& words = context_.words;
         const std::size_t width = context_.output.width();
         const auto hidden = [&](const char* key, std::size_t from, std::size_t to) {
-            return from == to ? std::string()
-                              : words.format(key, {static_cast<std::int64_t>(to - from),
-                                                   namesIn(page.subjects, from, to)});
+            const auto count = static_cast<std::int64_t>(to - from);
+            return count == 0
+                       ? std::string()
+                       : words.format(std::string(key) + (words.takesSingular(count) ? ".one" : ""),
+                                      {count, namesIn(page.subjects, from, to)});
         };
         std::string text;
         bool scrolls = false;
