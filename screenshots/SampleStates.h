@@ -1,10 +1,8 @@
 #pragma once
 
-#include "store/ActivityEntry.h"
+#include "probes/AgentFacts.h"
 #include "store/UsageState.h"
 #include "text/Localization.h"
-
-#include <vector>
 
 namespace vellmark {
 
@@ -47,9 +45,13 @@ UsageState longTexts();
 UsageState manyAgents();
 /// Everything lasts.
 UsageState healthy();
+/// As `normal`; Claude was read by a session at the screen, has a balance, and is read again.
+UsageState inspected();
+/// An agent with a single window, which is read by hand only.
+UsageState oneWindow();
 
-/// Two days of the activity log: quiet refreshes, failures, what the user did.
-std::vector<ActivityEntry> activity(const Localization& words);
+/// What is known of the CLI of an agent.
+AgentFacts facts(const AgentProviderID& agent);
 
 } // namespace samples
 

@@ -44,6 +44,7 @@ MainWindowPages::MainWindowPages(Sources sources)
 MainWindowActions MainWindowPages::actions() {
     MainWindowActions actions;
     actions.program = sources_.actions;
+    actions.openMenu = sources_.openMenu;
     // provider
     actions.agent = agentActions();
 
@@ -134,8 +135,12 @@ MainWindowContent MainWindowPages::content(const AgentPage& selection, Instant n
     const UsageState& state = sources_.store.state();
     MainWindowContent content;
     content.sidebar = sidebarItems(state, now, sources_.language.words());
+    content.sidebarName = sources_.language.words().text("sidebar.accessibility");
     content.page = shownPage(selection, state);
     content.content = contentOf(content.page, now);
+    if (sources_.openMenu) {
+        content.menuButton = menuButton(sources_.language.words());
+    }
     return content;
 }
 

@@ -27,6 +27,8 @@ public:
         LanguageManager& language;
         AppAppearance& appearance;
         AgentUIActions actions;
+        /// Shows the menu bar's contents; empty where the system shows a menu bar.
+        std::function<void()> openMenu;
         /// Shows the content anew, after a page has changed what it depends on.
         std::function<void()> update;
         std::function<void()> saveActivity;

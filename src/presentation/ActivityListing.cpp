@@ -3,7 +3,6 @@
 #include "presentation/AgentBlockContent.h"
 #include "store/ActivityLines.h"
 #include "text/Formatting.h"
-#include "text/TerminalText.h"
 
 #include <algorithm>
 #include <array>
@@ -45,7 +44,7 @@ void ActivityListing::setFilter(ActivityFilter filter) {
         return;
     }
     filter_ = std::move(filter);
-    foldedWords_ = lowercased(trimmed(filter_.words));
+    search_ = SearchWords(filter_.words);
     rebuild();
 }
 
