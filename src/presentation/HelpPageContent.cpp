@@ -142,9 +142,12 @@ HelpGroup windowKeys(const Localization& words) {
     return {.title = words.text("help.keys.window"),
             .entries = {
                 keyEntry(words.text("help.keys.refresh"), {held(Held::command, "R")}),
+                keyEntry(words.text("help.keys.pages"),
+                         {held(Held::command, "1"), held(Held::command, "9")}),
                 keyEntry(words.text("help.keys.back"), {held(Held::alt, "←")}),
                 keyEntry(words.text("help.keys.forward"), {held(Held::alt, "→")}),
                 keyEntry(words.text("help.keys.search"), {held(Held::command, "F")}),
+                keyEntry(words.text("help.keys.side"), {"F6"}),
                 keyEntry(words.text("help.keys.next"), {words.text("key.tab")}),
                 keyEntry(words.text("help.keys.press"), {words.text("key.return")}),
             }};
