@@ -3,12 +3,16 @@
 #include "ui/ProviderLogo.h"
 #include "ui/kit/Bar.h"
 #include "ui/kit/Button.h"
+#include "ui/kit/Choice.h"
 #include "ui/kit/Field.h"
 #include "ui/kit/FigureText.h"
+#include "ui/kit/Form.h"
 #include "ui/kit/HealthDot.h"
 #include "ui/kit/Icon.h"
 #include "ui/kit/LogoTile.h"
 #include "ui/kit/Notice.h"
+#include "ui/kit/PathField.h"
+#include "ui/kit/ReorderList.h"
 #include "ui/kit/Segments.h"
 #include "ui/kit/SidebarEntry.h"
 #include "ui/kit/Tabs.h"
@@ -277,8 +281,58 @@ void addEntries(QWidget* parent, int top) {
 } // namespace
 
 KitSheet::KitSheet(QWidget* parent) : QWidget(parent) {
-    resize(640, 1800);
+    resize(640, 2180);
     addControls();
+    addForm();
+}
+
+void KitSheet::addForm() {
+    constexpr int formTop = 1830;
+    auto* list = new kit::ReorderList;
+    std::vector<kit::FormRow*> agents;
+    for (const AgentProviderID& id : {AgentProviderID::codex(), AgentProviderID::claude()}) {
+        auto* row = new kit::FormRow;
+        row->setLeastHeight(kit::FormRow::tallHeight);
+        row->setLabelStyle(kit::style::strong);
+        list->addHandle(row);
+        auto* logo = new kit::LogoTile(24);
+        logo->setLook(providerLogo(id));
+        row->addLeading(logo);
+        row->setWords(QString::fromStdString(id.rawValue), QStringLiteral("~/.local/bin/agent"));
+        auto* toggle = new kit::Switch;
+        toggle->setChecked(true);
+        row->addControl(toggle);
+        agents.push_back(row);
+    }
+    list->setRows(agents);
+    auto* order = new kit::FormSection(list, this);
+    order->setHeading(QStringLiteral("Rows to put in order, the second one lifted"));
+    order->headingButton()->setText(QStringLiteral("Look again"));
+    order->headingButton()->setIconName("arrow.clockwise", 12);
+    agents.back()->setLifted(true);
+
+    auto* card = new kit::FormCard;
+    auto* choices = new kit::FormRow;
+    choices->setWords(QStringLiteral("A choice that pops up"),
+                      QStringLiteral("Its explanation breaks into as many lines as it needs, for "
+                                     "nothing in a form is cut off."));
+    auto* choice = new kit::Choice;
+    choice->setChoices({QStringLiteral("System (English)"), QStringLiteral("Deutsch")});
+    choice->setCurrentIndex(0);
+    choices->addControl(choice);
+    auto* paths = new kit::FormRow;
+    paths->setWords(QStringLiteral("Path"));
+    auto* path = new kit::PathField;
+    path->setWords(QStringLiteral("Choose …"), QStringLiteral("Look for it again"));
+    path->setPaths(QStringLiteral("~/bin/codex"), {});
+    paths->addControl(path);
+    card->setRows({choices, paths});
+    auto* form = new kit::FormSection(card, this);
+    form->setHeading(QStringLiteral("Form"));
+    form->setHint(QStringLiteral("A hint under the card."));
+    const int wide = width() - 2 * margin;
+    order->setGeometry(margin, formTop, wide, order->heightForWidth(wide));
+    form->setGeometry(margin, formTop + order->height(), wide, form->heightForWidth(wide));
 }
 
 void KitSheet::addControls() {
@@ -366,6 +420,7 @@ void KitSheet::paintEvent(QPaintEvent* /*event*/) {
     drawHeading(painter, controlsTop - 12, QStringLiteral("Controls"));
     drawHeading(painter, 1300, QStringLiteral("Type and icons"));
     drawIcons(painter, drawType(painter, 1340) + 16);
+    drawHeading(painter, 1796, QStringLiteral("Forms"));
 }
 
 } // namespace vellmark

@@ -15,6 +15,7 @@ protected:
 
 private:
     void addControls();
+    void addForm();
     void drawColors(QPainter& painter, int top) const;
     int drawType(QPainter& painter, int top) const;
     void drawIcons(QPainter& painter, int top) const;

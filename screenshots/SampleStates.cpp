@@ -113,6 +113,7 @@ UsageState loading() {
     UsageState state =
         stateOf({{.id = AgentProviderID::codex()}, {.id = AgentProviderID::claude()}});
     state.isRefreshing = true;
+    state.reading = state.enabledProviderIDs;
     state.lastRefreshCompletedAt.reset();
     return state;
 }
@@ -226,6 +227,48 @@ UsageState longTexts() {
         {codex(), snapshot,
          failure(AgentProviderID("wordy"), UsageProviderError::other(reason + " Ende.")),
          failure(AgentProviderID("unbroken"), UsageProviderError::other(std::string(300, 'x')))});
+}
+
+UsageState inspected() {
+    UsageState state = normal();
+    AgentUsageSnapshot& snapshot = state.snapshots[1];
+    snapshot.balances = {{"credits", 16.8, "USD", 20.0}};
+    snapshot.notes = {{SnapshotNote::ReadingWay{"session", 6400}},
+                      {SnapshotNote::ClaudeTiming{.waitMs = 0,
+                                                  .startMs = 1100,
+                                                  .statusMs = 600,
+                                                  .usageMs = 2900,
+                                                  .quietMs = 1200,
+                                                  .endMs = 600}}};
+    state.isRefreshing = true;
+    state.reading = {snapshot.id};
+    return state;
+}
+
+UsageState oneWindow() {
+    AgentUsageSnapshot snapshot = codex();
+    snapshot.windows.pop_back();
+    UsageState state = stateOf({snapshot});
+    state.readByHandOnly = {snapshot.id};
+    state.readingTook[snapshot.id] = Seconds(1.4);
+    return state;
+}
+
+AgentFacts facts(const AgentProviderID& agent) {
+    if (agent == AgentProviderID::claude()) {
+        return {.id = agent,
+                .toolPath = "/home/name/.local/bin/claude",
+                .toolVersion = "2.1.170 (Claude Code)",
+                .loggedIn = true};
+    }
+    if (agent == AgentProviderID::codex()) {
+        return {.id = agent,
+                .toolPath = "/opt/homebrew/Caskroom/codex/0.58.0/codex-x86_64-apple-darwin",
+                .toolVersion = "codex-cli 0.58.0",
+                .loggedIn = true};
+    }
+    return {
+        .id = agent, .toolPath = "/usr/local/bin/agy", .toolVersion = "1.1.11", .loggedIn = false};
 }
 
 UsageState manyAgents() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "probes/AgentFacts.h"
 #include "store/UsageState.h"
 #include "text/Localization.h"
 
@@ -44,6 +45,13 @@ UsageState longTexts();
 UsageState manyAgents();
 /// Everything lasts.
 UsageState healthy();
+/// As `normal`; Claude was read by a session at the screen, has a balance, and is read again.
+UsageState inspected();
+/// An agent with a single window, which is read by hand only.
+UsageState oneWindow();
+
+/// What is known of the CLI of an agent.
+AgentFacts facts(const AgentProviderID& agent);
 
 } // namespace samples
 

@@ -4,16 +4,26 @@
 #include "presentation/PopoverContent.h"
 #include "screenshots/ChartSheet.h"
 #include "screenshots/KitSheet.h"
+#include "screenshots/SampleActivity.h"
+#include "screenshots/SampleHistory.h"
+#include "screenshots/SampleSettings.h"
 #include "screenshots/SampleStates.h"
 #include "ui/AboutWindow.h"
+#include "ui/Conversions.h"
 #include "ui/LegalWindow.h"
+#include "ui/kit/Question.h"
 #include "ui/kit/Theme.h"
 #include "ui/popover/AgentUsagePopoverView.h"
 #include "ui/popover/Popover.h"
 #include "ui/window/AgentMainWindowView.h"
 
 #include <QApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QListView>
 #include <QPainter>
+
+#include <algorithm>
 
 namespace vellmark {
 
@@ -96,7 +106,10 @@ Scene pageScene(std::string name, AgentPage page, UsageState (*state)(), PageOfS
         AgentMainWindowView view({.program = noActions()}, navigation);
         const Localization words = samples::words(language);
         const UsageState shown = state();
-        view.setContent({sidebarItems(shown, samples::now(), words), page, content(shown, words)});
+        view.setContent({sidebarItems(shown, samples::now(), words), page, content(shown, words),
+                         menuButton(words)});
+        // A window is given less than its least size where the screen has no more.
+        view.setMinimumSize(size.boundedTo(AgentMainWindowView::leastSize));
         view.resize(size);
         return drawWhole(view, scale);
     };
@@ -111,6 +124,120 @@ Scene overviewScene(std::string name, UsageState (*state)(),
             return overviewPageContent(shown, samples::now(), words, asksForSetup);
         },
         size);
+}
+
+/// How an agent's page is drawn.
+struct AgentScene {
+    AgentProviderID agent = AgentProviderID::claude();
+    ChartRange range = ChartRange::week;
+    QSize size = AgentMainWindowView::firstSize;
+    /// What was recorded before.
+    void (*addHistory)(UsageHistory&, const UsageState&) = samples::addHistory;
+    bool knowsFacts = true;
+    bool isInstalled = true;
+};
+
+Scene agentScene(std::string name, UsageState (*state)(), const AgentScene& scene = {}) {
+    const auto content = [scene](const UsageState& shown,
+                                 const Localization& words) -> PageContent {
+        UsageHistory history;
+        scene.addHistory(history, shown);
+        Machine machine;
+        machine.home = "/home/name";
+        const AgentFacts facts =
+            scene.isInstalled
+                ? samples::facts(scene.agent)
+                : AgentFacts{.id = scene.agent, .toolPath = {}, .toolVersion = {}, .loggedIn = {}};
+        const auto snapshot =
+            std::ranges::find(shown.snapshots, scene.agent, &AgentUsageSnapshot::id);
+        return agentPageContent(*snapshot,
+                                {.state = shown,
+                                 .history = history,
+                                 .machine = machine,
+                                 .facts = scene.knowsFacts ? &facts : nullptr,
+                                 .isAskingForFacts = !scene.knowsFacts,
+                                 .range = scene.range},
+                                samples::now(), words);
+    };
+    return pageScene("agent" + std::move(name), AgentPage::provider(scene.agent), state, content,
+                     scene.size);
+}
+
+/// What is done on the page before it is drawn.
+using ActivityPreparation = std::function<void(QWidget& page)>;
+
+Scene activityScene(
+    std::string name, ActivityPreparation prepare = {}, QSize size = AgentMainWindowView::firstSize,
+    std::vector<ActivityEntry> (*entries)(const Localization&) = samples::activity) {
+    const auto draw = [prepare = std::move(prepare), size, entries](const std::string& language,
+                                                                    double scale) {
+        AgentNavigationState navigation;
+        AgentMainWindowView view({.program = noActions()}, navigation);
+        const Localization words = samples::words(language);
+        const UsageState state = samples::normal();
+        ActivityPageContent content = activityPageContent(state, samples::now(), words);
+        if (entries != nullptr) {
+            content.entries = std::make_shared<const std::vector<ActivityEntry>>(entries(words));
+            content.entryCount = content.entries->size();
+        }
+        view.setContent({sidebarItems(state, samples::now(), words),
+                         AgentPage::of(AgentPage::Kind::activity), content});
+        view.resize(size);
+        view.show();
+        settle();
+        if (prepare) {
+            prepare(view);
+        }
+        return drawWhole(view, scale);
+    };
+    return {"window-activity" + std::move(name), draw};
+}
+
+std::vector<ActivityEntry> noEntries(const Localization& /*words*/) {
+    return {};
+}
+
+void unfoldEverything(QWidget& page) {
+    auto* list = page.findChild<QListView*>();
+    for (int row = 0; row < list->model()->rowCount(); ++row) {
+        const bool isError = list->model()
+                                 ->index(row, 0)
+                                 .data(Qt::DisplayRole)
+                                 .toString()
+                                 .contains(QStringLiteral("API Error"));
+        if (isError || row > list->model()->rowCount() - 3) {
+            list->setCurrentIndex(list->model()->index(row, 0));
+            QKeyEvent unfold(QEvent::KeyPress, Qt::Key_Right, Qt::NoModifier);
+            QCoreApplication::sendEvent(list, &unfold);
+        }
+    }
+}
+
+void lookFor(QWidget& page, const QString& words) {
+    page.findChild<QLineEdit*>()->setText(words);
+}
+
+Scene settingsScene(std::string name, SettingsPageState (*settings)(),
+                    QSize size = AgentMainWindowView::firstSize) {
+    return pageScene(
+        std::move(name), AgentPage::of(AgentPage::Kind::settings), samples::normal,
+        [settings](const UsageState& /*shown*/, const Localization& words) {
+            return settingsPageContent(settings(), samples::machine(), words);
+        },
+        size);
+}
+
+QImage drawSettingsQuestion(const std::string& language, double scale) {
+    const SettingsPageContent content =
+        settingsPageContent(samples::settings(), samples::machine(), samples::words(language));
+    QWidget over;
+    kit::Question* question = kit::Question::ask(&over,
+                                                 {.title = qString(content.deleteQuestion.title),
+                                                  .words = qString(content.deleteQuestion.text),
+                                                  .deed = qString(content.deleteQuestion.deed),
+                                                  .cancel = qString(content.deleteQuestion.cancel)},
+                                                 {});
+    return drawWhole(*question, scale);
 }
 
 QImage drawKit(const std::string& /*language*/, double scale) {
@@ -190,6 +317,8 @@ std::vector<Scene> allScenes() {
         popoverScene("agent-long-texts", samples::longTexts, "provider:antigravity"),
         overviewScene("overview", samples::normal),
         overviewScene("overview-least", samples::normal, AgentMainWindowView::leastSize),
+        // What 1366 by 768 leaves where type is at 150 %.
+        overviewScene("overview-small-screen", samples::normal, QSize(900, 460)),
         overviewScene("refreshing", samples::refreshing),
         overviewScene("healthy", samples::healthy),
         overviewScene("loading", samples::loading),
@@ -205,12 +334,50 @@ std::vector<Scene> allScenes() {
         overviewScene("long-texts", samples::longTexts),
         overviewScene("many-agents", samples::manyAgents),
         // provider
+        activityScene(""),
+        activityScene("-least", {}, AgentMainWindowView::leastSize),
+        activityScene("-wide", {}, {2560, 1400}),
+        activityScene("-unfolded", unfoldEverything),
+        activityScene("-found", [](QWidget& page) { lookFor(page, QStringLiteral("codex 78")); }),
+        activityScene("-not-found", [](QWidget& page) { lookFor(page, QStringLiteral("xyz")); }),
+        activityScene("-empty", {}, AgentMainWindowView::firstSize, noEntries),
+        activityScene("-loading", {}, AgentMainWindowView::firstSize, nullptr),
+        agentScene("", samples::inspected),
+        agentScene("-day", samples::normal, {.range = ChartRange::day}),
+        agentScene("-least", samples::inspected, {.size = AgentMainWindowView::leastSize}),
+        agentScene("-wide", samples::inspected, {.size = {2560, 1400}}),
+        // The room that is left at type of 150 % on a small screen.
+        agentScene("-narrow", samples::inspected, {.size = {910, 512}}),
+        agentScene("-loading", samples::loading, {.knowsFacts = false}),
+        agentScene("-first-day", samples::normal,
+                   {.range = ChartRange::day, .addHistory = samples::addFirstDay}),
+        agentScene("-no-history", samples::normal,
+                   {.addHistory = [](UsageHistory&, const UsageState&) {}}),
+        agentScene("-stale", samples::stale, {.agent = AgentProviderID::codex()}),
+        agentScene("-overdue", samples::overdue, {.agent = AgentProviderID::codex()}),
+        agentScene("-used-up", samples::usedUp),
+        agentScene("-incomplete", samples::incomplete),
+        agentScene("-failed", samples::failed,
+                   {.agent = AgentProviderID::codex(), .isInstalled = false}),
+        agentScene("-one-window", samples::oneWindow,
+                   {.agent = AgentProviderID::codex(), .range = ChartRange::day}),
+        agentScene("-refusing", samples::refusing, {.agent = AgentProviderID::codex()}),
+        agentScene("-antigravity", samples::normal, {.agent = AgentProviderID::antigravity()}),
+        agentScene("-long-texts", samples::longTexts, {.agent = AgentProviderID::antigravity()}),
 
         // history
 
         // activity
 
         // settings
+        settingsScene("settings", samples::settings),
+        settingsScene("settings-least", samples::settings, AgentMainWindowView::leastSize),
+        settingsScene("settings-large", samples::settings, QSize(2560, 1400)),
+        settingsScene("settings-whole", samples::settings, QSize(1120, 1560)),
+        {"settings-question", drawSettingsQuestion},
+        settingsScene("settings-checking", samples::uncheckedSettings),
+        settingsScene("settings-unready", samples::unreadySettings, QSize(1120, 1620)),
+        settingsScene("settings-narrow", samples::unreadySettings, QSize(700, 1900)),
 
         // help
         helpScene("reading", HelpSection::reading),

@@ -11,6 +11,11 @@
 
 namespace vellmark {
 
+namespace {
+constexpr int popUpGap = 4;
+constexpr QPoint cornerOffset(8, 8);
+} // namespace
+
 MainMenu::MainMenu(MainMenuEvents events)
     : events_(std::move(events)), systemBar_(makeSystemMenuBar(events_)) {}
 
@@ -53,7 +58,7 @@ void MainMenu::add(QMenu& menu, const MenuItemContent& item) {
     entries_.push_back({action, item.action});
 }
 
-void MainMenu::attach(QWidget& window) {
+void MainMenu::attach(QWidget& window, std::function<QRect()> anchor) {
     windows_.push_back(&window);
     connect(&window, &QObject::destroyed, this, [this, gone = &window] {
         windows_.erase(std::remove(windows_.begin(), windows_.end(), gone), windows_.end());
@@ -65,15 +70,24 @@ void MainMenu::attach(QWidget& window) {
         window.addAction(entry.action);
     }
     auto* open = new QShortcut(Qt::Key_F10, &window);
-    connect(open, &QShortcut::activated, this, [this, at = &window] { popUp(*at); });
+    connect(open, &QShortcut::activated, this, [this, at = &window, anchor = std::move(anchor)] {
+        anchor ? popUp(anchor()) : popUp(at->mapToGlobal(cornerOffset), false);
+    });
 }
 
-void MainMenu::popUp(QWidget& window) {
+void MainMenu::popUp(const QRect& anchor) {
+    popUp(anchor.topLeft() - QPoint(0, popUpGap), true);
+}
+
+void MainMenu::popUp(QPoint place, bool isAbove) {
     QMenu root;
     for (const auto& menu : menus_) {
         root.addMenu(menu.get());
     }
-    root.exec(window.mapToGlobal(QPoint(8, 8)));
+    if (isAbove) {
+        place.ry() -= root.sizeHint().height();
+    }
+    root.exec(place, root.actions().value(0));
 }
 
 bool MainMenu::performInResponderChain(std::string_view action) {

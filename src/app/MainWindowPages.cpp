@@ -22,6 +22,10 @@ void openURL(const std::string& url) {
     QDesktopServices::openUrl(QUrl(qString(url)));
 }
 
+void showFolder(const std::filesystem::path& folder) {
+    QDesktopServices::openUrl(QUrl::fromLocalFile(qString(folder.string())));
+}
+
 void copyText(const std::string& text) {
     QGuiApplication::clipboard()->setText(qString(text));
 }
@@ -29,23 +33,31 @@ void copyText(const std::string& text) {
 } // namespace
 
 MainWindowPages::MainWindowPages(Sources sources)
-    : sources_(std::move(sources)),
-      facts_({.machine = sources_.machine}, sources_.executor, [this] {
-          // Asked for while the page is being shown.
-          sources_.executor.post(sources_.update);
-      }) {}
+    : sources_(std::move(sources)), facts_({.machine = sources_.machine}, sources_.executor,
+                                           [this] {
+                                               // Asked for while the page is being shown.
+                                               sources_.executor.post(sources_.update);
+                                           }),
+      activity_(std::make_shared<ActivityFeed>(sources_.store, sources_.update)),
+      settings_(settingsSources()) {}
 
 MainWindowActions MainWindowPages::actions() {
     MainWindowActions actions;
     actions.program = sources_.actions;
+    actions.openMenu = sources_.openMenu;
     // provider
     actions.agent = agentActions();
 
     // history
 
     // activity
-
+    actions.activity = {.save = sources_.saveActivity, .rest = [weak = std::weak_ptr(activity_)] {
+                            if (const auto feed = weak.lock()) {
+                                feed->rest();
+                            }
+                        }};
     // settings
+    actions.settings = settings_.actions();
 
     // help
     actions.help = {.choose =
@@ -63,6 +75,29 @@ MainWindowActions MainWindowPages::actions() {
     // about
     actions.about = {.open = [this](AboutLink link) { openAboutLink(link); }, .openURL = openURL};
     return actions;
+}
+
+SettingsPageModel::Sources MainWindowPages::settingsSources() {
+    const Machine& machine = sources_.machine;
+    return {.preferences = sources_.preferences,
+            .machine = machine,
+            .launchAtLogin = sources_.launchAtLogin,
+            .words = [this]() -> const Localization& { return sources_.language.words(); },
+            .systemLanguage =
+                localizationFor(UserLocale::of(machine.environment), {}).languageCode(),
+            .factsOf = [this](const AgentProviderID& id) { return facts_.of(id); },
+            .isAsking = [this](const AgentProviderID& id) { return facts_.isAsking(id); },
+            .ask = [this](const AgentProviderID& id,
+                          bool anew) { anew ? facts_.recheck(id) : facts_.need(id); },
+            // A row is not rebuilt while it still tells of its click.
+            .changed = [this] { sources_.executor.post(sources_.update); },
+            .takeSettings = sources_.takeSettings,
+            .hasHistory = [this] { return sources_.store.history().sampleCount() > 0; },
+            .deleteHistory =
+                [this](std::function<void(std::error_code)> done) {
+                    sources_.store.deleteHistory(std::move(done));
+                },
+            .showFolder = showFolder};
 }
 
 void MainWindowPages::showHelp(HelpSection section) {
@@ -100,8 +135,12 @@ MainWindowContent MainWindowPages::content(const AgentPage& selection, Instant n
     const UsageState& state = sources_.store.state();
     MainWindowContent content;
     content.sidebar = sidebarItems(state, now, sources_.language.words());
+    content.sidebarName = sources_.language.words().text("sidebar.accessibility");
     content.page = shownPage(selection, state);
     content.content = contentOf(content.page, now);
+    if (sources_.openMenu) {
+        content.menuButton = menuButton(sources_.language.words());
+    }
     return content;
 }
 
@@ -117,9 +156,9 @@ PageContent MainWindowPages::contentOf(const AgentPage& page, Instant now) const
     case Kind::history:
         return pageHead({"nav.history", {}}, words);
     case Kind::activity:
-        return pageHead({"nav.activity", {}}, words);
+        return activityContent(now);
     case Kind::settings:
-        return pageHead({"nav.settings", {}}, words);
+        return settings_.content();
     case Kind::help:
         return helpPageContent(helpSection_, helpQuery_, words);
     case Kind::about:
@@ -165,6 +204,15 @@ AgentPageActions MainWindowPages::agentActions() {
             [&store](const std::vector<AgentProviderID>& order) { store.setProviderOrder(order); },
         .switchOff = [&store](const AgentProviderID& id) { store.setEnabled(id, false); },
     };
+}
+
+// activity
+
+ActivityPageContent MainWindowPages::activityContent(Instant now) const {
+    ActivityPageContent content =
+        activityPageContent(sources_.store.state(), now, sources_.language.words());
+    activity_->fill(content);
+    return content;
 }
 
 } // namespace vellmark

@@ -1,14 +1,17 @@
 #pragma once
 
+#include "app/ActivityFeed.h"
 #include "platform/Preferences.h"
 #include "presentation/AppAppearance.h"
 #include "presentation/LanguageManager.h"
 #include "presentation/MainWindowActions.h"
 #include "presentation/MainWindowContent.h"
+#include "presentation/SettingsPageModel.h"
 #include "store/AgentFactsCache.h"
 #include "store/AgentUsageStore.h"
 
 #include <functional>
+#include <memory>
 
 namespace vellmark {
 
@@ -24,8 +27,14 @@ public:
         LanguageManager& language;
         AppAppearance& appearance;
         AgentUIActions actions;
+        /// Shows the menu bar's contents; empty where the system shows a menu bar.
+        std::function<void()> openMenu;
         /// Shows the content anew, after a page has changed what it depends on.
         std::function<void()> update;
+        std::function<void()> saveActivity;
+        LaunchAtLoginController& launchAtLogin;
+        /// What the preferences hold now holds in the whole program.
+        std::function<void()> takeSettings;
     };
     explicit MainWindowPages(Sources sources);
 
@@ -36,11 +45,13 @@ public:
     /// Whether the overview says that something is left to set up.
     void setAsksForSetup(bool asks) { asksForSetup_ = asks; }
     MainWindowContent content(const AgentPage& selection, Instant now) const;
+    ActivityFeed& activity() { return *activity_; }
 
 private:
     PageContent contentOf(const AgentPage& page, Instant now) const;
     void openHelpLink(HelpLink link);
     void openAboutLink(AboutLink link);
+    ActivityPageContent activityContent(Instant now) const;
 
     Sources sources_;
     bool asksForSetup_ = false;
@@ -52,8 +63,10 @@ private:
     // history
 
     // activity
-
+    std::shared_ptr<ActivityFeed> activity_;
     // settings
+    SettingsPageModel::Sources settingsSources();
+    SettingsPageModel settings_;
 
     // help
     HelpSection helpSection_ = HelpSection::reading;

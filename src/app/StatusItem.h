@@ -5,6 +5,7 @@
 #include "platform/SystemAppearance.h"
 #include "presentation/MainMenuContent.h"
 #include "presentation/StatusItemContent.h"
+#include "store/AppSettings.h"
 
 #include <QRect>
 
@@ -34,6 +35,8 @@ public:
     virtual void setMenu(std::vector<MenuItemContent> items) = 0;
     /// The colour scheme that the panel probably follows; never `noPreference`.
     virtual void setPanelScheme(ColorScheme scheme) = 0;
+    /// The glyph's ink; `automatic` follows the panel's ground.
+    virtual void setInk(StatusInk ink) = 0;
     /// Where the item's tooltip would lie over the open popover, there is none meanwhile.
     virtual void setPopoverOpen(bool isOpen) = 0;
     /// The item's place now, for opening the popover without a click; empty when it is not known.

@@ -9,6 +9,8 @@
 #include "presentation/PopoverContent.h"
 #include "process/BoundedProcess.h"
 #include "setup/AgentSetupStatus.h"
+#include "store/AppSettings.h"
+#include "text/TerminalText.h"
 #include "ui/AboutWindow.h"
 #include "ui/Conversions.h"
 #include "ui/GlyphPainter.h"
@@ -23,7 +25,6 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QFileDialog>
-#include <QMessageBox>
 #include <QSaveFile>
 #include <QStandardPaths>
 #include <QUrl>
@@ -37,6 +38,7 @@ namespace vellmark {
 namespace {
 
 constexpr std::string_view popoverTabKey = "PopoverSelectedTab";
+constexpr std::string_view pageKey = "MainWindowPage";
 constexpr std::string_view setupCompletedKey = "SetupAssistantCompleted";
 constexpr Seconds terminationGrace{1.0};
 /// The status item is drawn, and nobody has found it yet.
@@ -65,7 +67,10 @@ VellmarkAppDelegate::VellmarkAppDelegate(LaunchOptions options, Machine machine)
     : options_(std::move(options)), isRunningTests_(options_.isRunningTests),
       machine_(std::move(machine)), preferences_(makePreferences(machine_)),
       language_(*preferences_, UserLocale::of(machine_.environment), options_.language),
-      appearance_(*preferences_), legal_(*preferences_), actions_(makeActions()),
+      appearance_(*preferences_), legal_(*preferences_),
+      launchAtLogin_(*preferences_, makeLoginItem(machine_)),
+      windowPresence_([this](ActivationPolicy policy) { windowsCameOrWent(policy); }),
+      actions_(makeActions()),
       mainMenu_(
           {.choose = [this](std::string_view action) { menuItemChosen(action); },
            .isEnabled = [this](std::string_view action) { return validateMenuItem(action); }}),
@@ -73,7 +78,11 @@ VellmarkAppDelegate::VellmarkAppDelegate(LaunchOptions options, Machine machine)
                    .autosaveName = "VellmarkMainWindow",
                    .make = [this] { return makeMainWindow(); },
                    .title = [this] { return qString(words().text("app.name")); },
-                   .onVisibilityChange = [this] { mainMenu_.validate(); }},
+                   .onVisibilityChange =
+                       [this] {
+                           rememberPage();
+                           mainMenu_.validate();
+                       }},
                   windowPresence_, *preferences_),
       aboutWindow_({.identifier = "about",
                     .autosaveName = {},
@@ -87,6 +96,11 @@ VellmarkAppDelegate::VellmarkAppDelegate(LaunchOptions options, Machine machine)
                     .title = [this] { return qString(words().text("legal.window.title")); },
                     .onVisibilityChange = {}},
                    windowPresence_, *preferences_) {
+    navigation_.replaceSelection(
+        AgentPage::fromStoredForm(preferences_->string(pageKey).value_or("")));
+    navigation_.isShown = [this](const AgentPage& page) {
+        return shownPage(page, store_->state()) == page;
+    };
     navigation_.onChange = [this] {
         mainMenu_.validate();
         updateMainWindow();
@@ -115,8 +129,10 @@ void VellmarkAppDelegate::applicationWillTerminate() {
     if (isRunningTests_ || std::exchange(hasTerminated_, true)) {
         return;
     }
+    settingsWatch_.reset();
     loops_.reset();
     mainWindow_.saveFrame();
+    rememberPage();
     if (store_) {
         store_->abortRefresh();
     }
@@ -144,7 +160,9 @@ bool VellmarkAppDelegate::handOverToRunningInstance() {
         loop_,
         {.identifier = instanceIdentifier(machine_),
          .directory = machine_.supportDirectory(),
-         .onShow = [this] { executor_.post([this] { applicationShouldHandleReopen(false); }); }});
+         .onShow = [this] { executor_.post([this] { applicationShouldHandleReopen(false); }); },
+         .onShowPopover = [this] { executor_.post([this] { showPopover(); }); },
+         .asksForPopover = options_.showsPopover});
     return singleInstance_ == nullptr;
 }
 
@@ -169,9 +187,12 @@ void VellmarkAppDelegate::applyAppearance() {
     panelScheme_ = scheme != ColorScheme::noPreference ? scheme
                    : paletteIsDark                     ? ColorScheme::dark
                                                        : ColorScheme::light;
-    kit::Theme::setCurrent(appearance_.isDark(scheme, paletteIsDark)
-                               ? kit::Theme::Appearance::dark
-                               : kit::Theme::Appearance::light);
+    kit::Theme::setCurrent(
+        appearance_.isDark(scheme, paletteIsDark) ? kit::Theme::Appearance::dark
+                                                  : kit::Theme::Appearance::light,
+        kit::Theme::systemHighlight(),
+        systemAppearance_ && systemAppearance_->increasesContrast() ? kit::Theme::Contrast::high
+                                                                    : kit::Theme::Contrast::usual);
     if (statusItem_) {
         statusItem_->setPanelScheme(panelScheme_);
     }
@@ -192,6 +213,10 @@ void VellmarkAppDelegate::createStatusItem() {
                                        .registrations = providerRegistry(),
                                        .words = [this] { return words(); }},
         executor_, *preferences_);
+    std::function<void()> openMenu;
+    if (!mainMenu_.isSystemBar()) {
+        openMenu = [this] { mainMenu_.popUp(mainWindowView_->menuAnchor()); };
+    }
     pages_ = std::make_unique<MainWindowPages>(
         MainWindowPages::Sources{.store = *store_,
                                  .machine = machine_,
@@ -200,12 +225,17 @@ void VellmarkAppDelegate::createStatusItem() {
                                  .language = language_,
                                  .appearance = appearance_,
                                  .actions = actions_,
-                                 .update = [this] { updateMainWindow(); }});
+                                 .openMenu = openMenu,
+                                 .update = [this] { updateMainWindow(); },
+                                 .saveActivity = [this] { saveActivityFromMenu(); },
+                                 .launchAtLogin = launchAtLogin_,
+                                 .takeSettings = [this] { takeSettings(); }});
     statusItem_ =
         makeStatusItem(loop_, *preferences_,
                        {.toggle = [this](const QRect& anchor) { togglePopoverAt(anchor); },
                         .menuAction = [this](std::string_view action) { menuItemChosen(action); }});
     statusItem_->setPanelScheme(panelScheme_);
+    statusItem_->setInk(valueOf(*preferences_, setting::statusInk));
     statusItem_->setMenu(statusItemMenuContent(words()));
     reevaluateStatusItem();
 }
@@ -258,7 +288,22 @@ void VellmarkAppDelegate::observeLanguage() {
     };
 }
 
+void VellmarkAppDelegate::setUpLaunchAtLogin() {
+    launchAtLogin_.setUpOnce();
+}
+
+void VellmarkAppDelegate::followMoveAtLogin() {
+    if (const auto move = launchAtLogin_.followMove()) {
+        store_->logActivity(
+            {.level = ActivityEntry::Level::info,
+             .agent = {},
+             .text = words().format("log.loginItemReregistered", {singleLine(move->from.string()),
+                                                                  singleLine(move->to.string())})});
+    }
+}
+
 void VellmarkAppDelegate::startLaunchRefresh() {
+    store_->discardDeletedHistory();
     store_->refresh(RefreshTrigger::launch);
 }
 
@@ -272,7 +317,23 @@ void VellmarkAppDelegate::startLoops() {
                               [this](Instant until) { store_->setAutomaticHoldUntil(until); },
                           .now = now,
                           .continuousTime = continuousSeconds});
+    loops_->setRefreshPeriod(length(valueOf(*preferences_, setting::readingInterval)));
     loops_->start();
+    settingsWatch_ = watchPreferences(loop_, machine_, [this] {
+        preferences_->reload();
+        takeSettings();
+    });
+}
+
+/// What the preferences hold now holds in the whole program.
+void VellmarkAppDelegate::takeSettings() {
+    language_.takeSetting();
+    appearance_.takeSetting();
+    statusItem_->setInk(valueOf(*preferences_, setting::statusInk));
+    loops_->setRefreshPeriod(length(valueOf(*preferences_, setting::readingInterval)));
+    store_->takeSettings();
+    reevaluateStatusItem();
+    updateVisibleViews();
 }
 
 void VellmarkAppDelegate::observeWake() {
@@ -326,13 +387,27 @@ void VellmarkAppDelegate::reevaluateStatusItem() {
     if (!statusItem_) {
         return;
     }
-    StatusItemContent content = statusItemContent(store_->state(), now(), words());
+    StatusItemContent content = statusItemContent(store_->state(), now(), words(),
+                                                  valueOf(*preferences_, setting::statusFigure));
     if (needsRedraw(drawnGlyph_, content.glyph)) {
         drawnGlyph_ = content.glyph;
     } else {
         content.glyph = *drawnGlyph_;
     }
     statusItem_->show(content);
+}
+
+/// A window may follow the last one in the same turn of the loop.
+void VellmarkAppDelegate::windowsCameOrWent(ActivationPolicy policy) {
+    setActivationPolicy(policy);
+    if (policy == ActivationPolicy::accessory &&
+        valueOf(*preferences_, setting::lastWindow) == LastWindow::quits) {
+        executor_.post([this] {
+            if (!windowPresence_.hasOpenWindows()) {
+                QCoreApplication::quit();
+            }
+        });
+    }
 }
 
 void VellmarkAppDelegate::minuteTick() {
@@ -352,8 +427,18 @@ void VellmarkAppDelegate::updateVisibleViews() {
 
 void VellmarkAppDelegate::updateMainWindow() {
     if (mainWindow_.isVisible()) {
+        // The page of an agent that is no longer shown leaves its place for good.
+        navigation_.replaceSelection(shownPage(navigation_.selection(), store_->state()));
         pages_->setAsksForSetup(asksForSetup_);
         mainWindowView_->setContent(pages_->content(navigation_.selection(), now()));
+    }
+}
+
+/// When the window closes and at the end, since every write goes to the disk.
+void VellmarkAppDelegate::rememberPage() {
+    const std::string page = navigation_.selection().storedForm();
+    if (preferences_->string(pageKey).value_or(AgentPage().storedForm()) != page) {
+        preferences_->setString(pageKey, page);
     }
 }
 
@@ -371,6 +456,12 @@ void VellmarkAppDelegate::rehearsePopover() {
 
 void VellmarkAppDelegate::togglePopover() {
     togglePopoverAt(statusItem_ ? statusItem_->anchor() : QRect());
+}
+
+void VellmarkAppDelegate::showPopover() {
+    if (!popover_ || !popover_->isVisible()) {
+        togglePopover();
+    }
 }
 
 void VellmarkAppDelegate::togglePopoverAt(const QRect& anchor) {
@@ -433,7 +524,7 @@ std::unique_ptr<QWidget> VellmarkAppDelegate::makeMainWindow() {
         window->setTopInset(buttonsHeight);
     }
     mainWindowView_ = window.get();
-    mainMenu_.attach(*window);
+    mainMenu_.attach(*window, [view = window.get()] { return view->menuAnchor(); });
     return window;
 }
 
@@ -522,13 +613,12 @@ void VellmarkAppDelegate::saveActivityFromMenu() {
     const std::string text = store_->activityExportText(exportedActivityDays);
     QSaveFile file(path);
     const auto size = static_cast<qint64>(text.size());
-    if (!file.open(QIODevice::WriteOnly) || file.write(text.data(), size) != size ||
-        !file.commit()) {
-        QMessageBox::warning(
-            mainWindow_.window(), qString(words().text("app.name")),
-            qString(words().format("menu.saveActivity.failed",
-                                   {path.toStdString(), file.errorString().toStdString()})));
-    }
+    const bool isSaved =
+        file.open(QIODevice::WriteOnly) && file.write(text.data(), size) == size && file.commit();
+    pages_->activity().setTrouble(
+        isSaved ? std::string()
+                : words().format("menu.saveActivity.failed",
+                                 {path.toStdString(), file.errorString().toStdString()}));
 }
 
 void VellmarkAppDelegate::showSupportReportFromMenu() {

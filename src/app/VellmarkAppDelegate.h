@@ -15,6 +15,7 @@
 #include "presentation/AppLoops.h"
 #include "presentation/ClockJump.h"
 #include "presentation/LanguageManager.h"
+#include "presentation/LaunchAtLoginController.h"
 #include "presentation/LaunchSequence.h"
 #include "presentation/LegalModel.h"
 #include "presentation/WindowPresenceController.h"
@@ -76,12 +77,15 @@ private:
     void configurePopover() override;
     void observeStore() override;
     void observeLanguage() override;
+    void setUpLaunchAtLogin() override;
+    void followMoveAtLogin() override;
     void startLaunchRefresh() override;
     void observeWake() override;
     void startLoops() override;
     void runFirstRun() override;
     void showMainWindow() override;
     void showAbout() override;
+    void showPopover() override;
 
     AgentUIActions makeActions();
     std::unique_ptr<QWidget> makeMainWindow();
@@ -89,15 +93,18 @@ private:
     std::unique_ptr<QWidget> makeLegalWindow();
     const Localization& words() const { return language_.words(); }
 
+    void takeSettings();
     void storeChanged();
     void reevaluateStatusItem();
     void updateVisibleViews();
     void updatePopover();
     void rehearsePopover();
     void updateMainWindow();
+    void rememberPage();
     void togglePopoverAt(const QRect& anchor);
     void closePopover();
     void showPage(AgentPage page);
+    void windowsCameOrWent(ActivationPolicy policy);
     void minuteTick();
     void menuItemChosen(std::string_view action);
     void finishFirstRun(bool needsSetup);
@@ -115,6 +122,7 @@ private:
     LanguageManager language_;
     AppAppearance appearance_;
     LegalModel legal_;
+    LaunchAtLoginController launchAtLogin_;
     WindowPresenceController windowPresence_;
     AgentUIActions actions_;
     std::unique_ptr<SingleInstance> singleInstance_;
@@ -138,6 +146,7 @@ private:
     QPointer<AgentMainWindowView> mainWindowView_;
     std::unique_ptr<AppLoops> loops_;
     std::unique_ptr<WakeObserver> wakeObserver_;
+    std::unique_ptr<PreferencesWatch> settingsWatch_;
     ClockJump clockJump_;
     std::shared_ptr<AgentUsageStore::Subscription> storeSubscription_;
     bool isReevaluationPosted_ = false;

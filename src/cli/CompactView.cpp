@@ -25,7 +25,7 @@ const UsageRowContent* mostPressing(const AgentBlockContent& agent) {
         if (first.bar.health != second.bar.health) {
             return worse(first.bar.health, second.bar.health) == second.bar.health;
         }
-        return first.bar.filledShare > second.bar.filledShare;
+        return first.bar.usedShare < second.bar.usedShare;
     };
     const auto found = std::ranges::max_element(agent.rows, less);
     return found == agent.rows.end() ? nullptr : &*found;

@@ -6,6 +6,7 @@
 #include "model/UsageJSON.h"
 #include "presentation/AgentBlockContent.h"
 #include "store/ActivityLog.h"
+#include "store/ActivityTexts.h"
 #include "text/Dates.h"
 #include "text/TerminalText.h"
 
@@ -140,6 +141,7 @@ private:
             context.reportUnreadable(singleLine(file.string()), error);
             return std::nullopt;
         }
+        ActivityTexts::tell(entries, context.words);
         return entries;
     }
 
@@ -172,6 +174,9 @@ private:
                      {"text", entry.text}};
             if (entry.agent) {
                 one["agent"] = entry.agent->rawValue;
+            }
+            if (!entry.message.key.empty()) {
+                one["key"] = entry.message.key;
             }
             list.push_back(std::move(one));
         }

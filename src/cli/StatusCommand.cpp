@@ -16,6 +16,7 @@
 #include "presentation/UsageVerdict.h"
 #include "probes/ProviderRegistry.h"
 #include "store/AgentSettings.h"
+#include "store/AppSettings.h"
 #include "store/LastSnapshots.h"
 #include "text/TerminalText.h"
 
@@ -61,6 +62,7 @@ UsageState lastState(const CommandContext& context) {
     reportUnreadable(contents, context);
     const auto& readings = contents.readings;
     UsageState state;
+    state.firstFigure = valueOf(*preferences, setting::firstFigure);
     state.providerOrder = settings.order();
     state.enabledProviderIDs = settings.enabled();
     for (const AgentProviderID& id : state.providerOrder) {
@@ -209,7 +211,7 @@ private:
         const AgentStanding standing = standingOf(*snapshot, state, now);
         const UsageRowContent row = usageRowContent(
             *window, standing.windows[static_cast<std::size_t>(window - snapshot->windows.begin())],
-            state.recentPointsOf(snapshot->id, window->id), now, words);
+            state.recentPointsOf(snapshot->id, window->id), state.firstFigure, now, words);
         std::vector<std::string> parts{healthText(worstHealth(state, now), words),
                                        agentName(snapshot->id, words),
                                        singleLine(row.fullLabel) + " " + row.value, row.reset};

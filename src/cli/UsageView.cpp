@@ -228,7 +228,7 @@ std::string UsageView::bar(const UsageBarContent& bar, std::size_t width) const 
     const auto cells = static_cast<double>(width);
     auto filled = static_cast<std::size_t>(
         std::lround(std::clamp(bar.filledShare, 0.0, 1.0) * cells * static_cast<double>(parts)));
-    // Something left shows as something, and only a full window as full.
+    // Something shows as something, and only a full window as full.
     if (bar.filledShare > 0) {
         filled = std::max<std::size_t>(filled, 1);
     }

@@ -106,6 +106,7 @@ Machine Machine::current() {
     machine.applicationSupport = std::move(directories.applicationSupport);
     machine.configuration = std::move(directories.configuration);
     machine.temporary = std::move(directories.temporary);
+    machine.chosenExecutables = std::make_shared<ChosenExecutables>();
     machine.credentials = makeSystemCredentialStore();
     return machine;
 }
@@ -118,6 +119,7 @@ Machine Machine::sandbox(const fs::path& directory) {
     machine.applicationSupport = machine.home / ".local/share";
     machine.configuration = machine.home / ".config";
     machine.temporary = base / "tmp";
+    machine.chosenExecutables = std::make_shared<ChosenExecutables>();
     machine.credentials = std::make_shared<FileCredentialStore>(base / "credentials");
     for (const auto& folder : {machine.applicationSupport, machine.configuration, machine.root,
                                machine.temporary, base / "credentials"}) {

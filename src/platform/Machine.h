@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/ChosenExecutables.h"
 #include "platform/CredentialStore.h"
 
 #include <filesystem>
@@ -27,6 +28,8 @@ struct Machine {
     Environment environment;
     /// Answers whether a credential exists, without reading it.
     std::shared_ptr<const CredentialStore> credentials;
+    /// As the settings have it; null where nobody has asked them.
+    std::shared_ptr<ChosenExecutables> chosenExecutables;
 
     bool isSandbox() const { return !root.empty(); }
     std::filesystem::path supportDirectory() const { return applicationSupport / "Vellmark"; }

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "platform/DescriptorWatcher.h"
 #include "platform/Machine.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,6 +16,9 @@ namespace vellmark {
 /// The user's settings, by key ("AppLanguage", "PopoverSelectedTab" …). Main thread. A setter
 /// writes through; a value of another type than asked for counts as absent. Keys that this version
 /// does not know are kept.
+///
+/// Both programs may change settings at any time: a change touches its own key alone, whatever
+/// another process has written since, and of a list its own member alone.
 class Preferences {
 public:
     virtual ~Preferences() = default;
@@ -26,7 +31,13 @@ public:
     virtual void setNumber(std::string_view key, double value) = 0;
     virtual void setString(std::string_view key, std::string value) = 0;
     virtual void setStrings(std::string_view key, std::vector<std::string> value) = 0;
+    /// Takes `member` into the list at its end, or out of it; the other members stay as they are on
+    /// disk.
+    virtual void setMember(std::string_view key, std::string_view member, bool isIn) = 0;
     virtual void remove(std::string_view key) = 0;
+
+    /// Takes over what other processes have changed.
+    virtual void reload() = 0;
 
     /// Why the last change is not on disk (full, read-only …), or why the settings could not be
     /// read; absent otherwise. The values hold for this run all the same, and the next change tries
@@ -37,5 +48,17 @@ public:
 /// The settings of the user: CFPreferences on macOS, "Vellmark/preferences.json" below the
 /// machine's configuration directory on Linux and in every sandbox.
 std::unique_ptr<Preferences> makePreferences(const Machine& machine);
+
+/// Ends the watch when destroyed.
+class PreferencesWatch {
+public:
+    virtual ~PreferencesWatch() = default;
+};
+
+/// Calls `changed` after any process, this one too, has changed the machine's settings; what has
+/// changed stands in them after `Preferences::reload`. Costs nothing while nobody changes them.
+/// Null where the system cannot tell.
+std::unique_ptr<PreferencesWatch> watchPreferences(DescriptorWatcher& loop, const Machine& machine,
+                                                   std::function<void()> changed);
 
 } // namespace vellmark

@@ -8,7 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <map>
+#include <utility>
 
 namespace vellmark {
 
@@ -37,10 +37,10 @@ constexpr std::size_t mostBytes = std::size_t{16} << 20;
 /// under a lock. Where somebody keeps that to himself, the change waits on disk beside the file.
 class PreferencesFile final : public Preferences {
 public:
-    explicit PreferencesFile(fs::path file)
+    PreferencesFile(fs::path file, std::function<void()> written)
         : file_(std::move(file)), lock_(fs::path(file_).replace_extension(".lock"), lockPatience),
-          waiting_(file_) {
-        error_ = reload();
+          waiting_(file_), written_(std::move(written)) {
+        error_ = read();
     }
 
     std::optional<bool> boolean(std::string_view key) const override {
@@ -74,7 +74,15 @@ public:
     void setStrings(std::string_view key, std::vector<std::string> value) override {
         set(key, std::move(value));
     }
-    void remove(std::string_view key) override { change(key, std::nullopt); }
+    void setMember(std::string_view key, std::string_view member, bool isIn) override {
+        change({key, member, isIn});
+    }
+    void remove(std::string_view key) override { change(Document::array({key})); }
+
+    void reload() override {
+        const std::error_code error = read();
+        error_ = unsaved_.empty() ? error : error_;
+    }
 
     std::optional<std::error_code> writeError() const override {
         return error_ ? std::optional(error_) : std::nullopt;
@@ -88,14 +96,22 @@ private:
 
     template<typename Value>
     void set(std::string_view key, Value value) {
-        change(key, Document(std::move(value)));
+        change({key, Document(std::move(value))});
     }
 
-    void change(std::string_view key, std::optional<Document> value) {
-        unsaved_.insert_or_assign(std::string(key), std::move(value));
+    /// A change is an array: the key and its value; the key alone where it goes; the key, a member
+    /// of its list, and whether that is to be in it.
+    void change(Document change) {
+        // A whole value makes the earlier ones of its key void.
+        if (change.size() < 3) {
+            std::erase_if(unsaved_, [&](const Document& earlier) {
+                return earlier.front() == change.front();
+            });
+        }
+        unsaved_.push_back(std::move(change));
         std::error_code refusal;
         const auto held = lock_.acquire(refusal);
-        error_ = reload();
+        error_ = read();
         if (!held) {
             const bool isBusy = refusal == std::errc::resource_unavailable_try_again;
             error_ = isBusy ? waiting_.add(unsavedLines()) : refusal;
@@ -104,27 +120,37 @@ private:
         }
         if (!error_) {
             unsaved_.clear();
+            if (written_) {
+                written_();
+            }
         }
     }
 
-    /// With the changes that wait on disk, which then wait no more.
+    /// With the changes that wait on disk, which then wait no more. Where those cannot be had now,
+    /// the new ones wait behind them: applied later, the older ones would undo them.
     std::error_code write() {
         std::error_code error;
         bool isWritten = false;
-        waiting_.takeOver([&](std::string_view lines) {
+        const bool isNoneLeft = waiting_.takeOver([&](std::string_view lines) {
             applyLines(lines);
             applyUnsaved();
             error = replaceWholeFile(file_, serialized(document_) + "\n");
             isWritten = true;
             return !error;
         });
-        return isWritten ? error : replaceWholeFile(file_, serialized(document_) + "\n");
+        if (isWritten) {
+            return error;
+        }
+        return isNoneLeft ? replaceWholeFile(file_, serialized(document_) + "\n")
+                          : waiting_.add(unsavedLines());
     }
 
     /// Takes over what the file holds, with the changes on top that wait to be written. A file that
     /// is there and cannot be read is an error: writing would destroy it unseen.
-    std::error_code reload() {
+    std::error_code read() {
         std::error_code error;
+        // Before the file: whoever takes the lines over writes that first and removes them then.
+        const std::string waiting = waiting_.lines();
         const auto contents = readRegularFile(file_, mostBytes, error);
         if (contents) {
             if (auto read = objectIn(*contents)) {
@@ -135,33 +161,46 @@ private:
         } else if (error == std::errc::no_such_file_or_directory) {
             error.clear();
         }
-        applyLines(waiting_.lines());
+        applyLines(waiting);
         applyUnsaved();
         return error;
     }
 
-    void apply(const std::string& key, const std::optional<Document>& value) {
-        if (value) {
-            document_[key] = *value;
-        } else {
+    void apply(const Document& change) {
+        if (!change.is_array() || change.empty() || !change.front().is_string()) {
+            return;
+        }
+        const auto key = change.front().get<std::string>();
+        if (change.size() == 1) {
             document_.erase(key);
+        } else if (change.size() == 2) {
+            document_[key] = change[1];
+        } else if (change[2].is_boolean()) {
+            applyMember(key, change[1], change[2].get<bool>());
+        }
+    }
+
+    void applyMember(const std::string& key, const Document& member, bool isIn) {
+        Document& list = document_[key];
+        if (!list.is_array()) {
+            list = Document::array();
+        }
+        const auto found = std::find(list.begin(), list.end(), member);
+        if (isIn && found == list.end()) {
+            list.push_back(member);
+        } else if (!isIn && found != list.end()) {
+            list.erase(found);
         }
     }
 
     void applyUnsaved() {
-        for (const auto& [key, value] : unsaved_) {
-            apply(key, value);
-        }
+        std::ranges::for_each(unsaved_, [&](const auto& each) { apply(each); });
     }
 
-    /// A change that waits is a line: an array of the key and the value, without one a removal.
+    /// A change that waits is a line.
     std::string unsavedLines() const {
         std::string lines;
-        for (const auto& [key, value] : unsaved_) {
-            Document change = Document::array({key});
-            if (value) {
-                change.push_back(*value);
-            }
+        for (const Document& change : unsaved_) {
             lines += serialized(change, -1) + "\n";
         }
         return lines;
@@ -170,11 +209,7 @@ private:
     void applyLines(std::string_view lines) {
         while (!lines.empty()) {
             const auto end = std::min(lines.find('\n'), lines.size());
-            const Document change = Document::parse(lines.substr(0, end), nullptr, false);
-            if (change.is_array() && !change.empty() && change.front().is_string()) {
-                apply(change.front().get<std::string>(),
-                      change.size() > 1 ? std::optional(change[1]) : std::nullopt);
-            }
+            apply(Document::parse(lines.substr(0, end), nullptr, false));
             lines.remove_prefix(std::min(end + 1, lines.size()));
         }
     }
@@ -191,15 +226,17 @@ private:
     LockFile lock_;
     WaitingFile waiting_;
     Document document_ = Document::object();
-    /// Changes that are not on disk yet; an absent value is a removal.
-    std::map<std::string, std::optional<Document>> unsaved_;
+    /// Changes that are not on disk yet, oldest first.
+    std::vector<Document> unsaved_;
+    std::function<void()> written_;
     std::error_code error_;
 };
 
 } // namespace
 
-std::unique_ptr<Preferences> makePreferencesFile(const fs::path& file) {
-    return std::make_unique<PreferencesFile>(file);
+std::unique_ptr<Preferences> makePreferencesFile(const fs::path& file,
+                                                 std::function<void()> written) {
+    return std::make_unique<PreferencesFile>(file, std::move(written));
 }
 
 } // namespace vellmark

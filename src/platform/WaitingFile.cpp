@@ -60,16 +60,23 @@ std::string WaitingFile::lines() const {
     return readRegularFile(path_, mostBytes, ignored).value_or(std::string());
 }
 
-void WaitingFile::takeOver(const std::function<bool(std::string_view lines)>& take) const {
+bool WaitingFile::takeOver(const std::function<bool(std::string_view lines)>& take) const {
     std::error_code error;
     const Descriptor file = openRegularFile(path_, O_RDWR, error);
-    if (!file.isOpen() || FileLock::lock(file, FileLock::Seconds(0)) || wasRemoved(file)) {
-        return;
+    if (!file.isOpen()) {
+        return true;
+    }
+    if (FileLock::lock(file, FileLock::Seconds(0))) {
+        return false;
+    }
+    if (wasRemoved(file)) {
+        return takeOver(take);
     }
     const auto lines = readToEnd(file.get(), error, mostBytes);
     if (lines && (lines->empty() || take(*lines))) {
         ::unlink(path_.c_str());
     }
+    return true;
 }
 
 } // namespace vellmark

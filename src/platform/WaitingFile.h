@@ -25,8 +25,8 @@ public:
     std::string lines() const;
     /// Hands the lines to `take`, and removes them when that answers that they are safe elsewhere.
     /// Does nothing where none wait, or where somebody is just adding to them. For whoever holds
-    /// the lock of the file that they are for.
-    void takeOver(const std::function<bool(std::string_view lines)>& take) const;
+    /// the lock of the file that they are for. False when somebody is just adding to them.
+    bool takeOver(const std::function<bool(std::string_view lines)>& take) const;
 
 private:
     std::filesystem::path path_;

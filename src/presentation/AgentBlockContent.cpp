@@ -80,7 +80,7 @@ AgentBlockContent::State blockState(const AgentUsageSnapshot& snapshot,
 BalanceRowContent balanceRow(const BalanceInfo& balance, const Localization& words) {
     BalanceRowContent row{.label = words.text("balance.credits")};
     const std::string amount = moneyText(balance.amount, balance.currencyCode, words);
-    row.value = words.format("usage.remaining", {amount});
+    row.value = words.format("balance.remaining", {amount});
     if (balance.limit) {
         row.detail =
             words.format("balance.limit", {moneyText(*balance.limit, balance.currencyCode, words)});
@@ -182,8 +182,8 @@ void addRows(AgentBlockContent& block, const AgentUsageSnapshot& snapshot, const
     for (std::size_t index = 0; index < snapshot.windows.size(); ++index) {
         const UsageWindow& window = snapshot.windows[index];
         block.rows.push_back(usageRowContent(window, standing.windows[index],
-                                             state.recentPointsOf(snapshot.id, window.id), now,
-                                             words));
+                                             state.recentPointsOf(snapshot.id, window.id),
+                                             state.firstFigure, now, words));
     }
     if (isUsedUp(snapshot)) {
         block.balances.push_back(usedUpRow(snapshot, now, words));

@@ -66,19 +66,21 @@ PageHeadContent headContent(const AgentUsageSnapshot& snapshot, const AgentBlock
     return head;
 }
 
-/// The room there is fits the name in full.
 AgentWindowContent windowContent(const AgentUsageSnapshot& snapshot, UsageRowContent row,
-                                 const WindowStanding& standing, const AgentPageSources& sources,
-                                 Instant now, const Localization& words) {
+                                 const AgentStanding& agent, const WindowStanding& standing,
+                                 const AgentPageSources& sources, Instant now,
+                                 const Localization& words) {
     AgentWindowContent content{.row = std::move(row)};
+    // There is room for the whole name.
     content.row.label = content.row.fullLabel;
-    content.statusText = ageText(snapshot, standing, now, words);
-    content.showsClock = !content.statusText.empty();
-    if (!content.showsClock) {
-        content.statusText = standing.kind == WindowStanding::Kind::due
-                                 ? words.text("health.due")
-                                 : healthText(standing.health, words);
-        content.dot = statusColorRole(standing.health);
+    content.statusText = standing.kind == WindowStanding::Kind::due
+                             ? words.text("health.due")
+                             : healthText(standing.health, words);
+    content.dot = statusColorRole(standing.health);
+    // A window that is older than the others tells its age beside its reset.
+    if (agent.isOld) {
+        content.statusText =
+            joined({content.statusText, briefAgeText(snapshot, agent, now, words)});
     }
     if (!content.row.forecast) {
         content.outlook = content.row.outlook;
@@ -90,20 +92,13 @@ AgentWindowContent windowContent(const AgentUsageSnapshot& snapshot, UsageRowCon
                                   .range = sources.range,
                                   .looksAhead = true},
                                  now, words);
-    if (!content.chart.hasCourse()) {
-        content.noCourse = words.text("detail.chart.none");
+    if (!sources.history.last({snapshot.id, content.row.windowID}, now)) {
+        content.chartNote = words.text("detail.chart.none");
     }
     return content;
 }
 
 // --- how it is read
-
-std::string loginText(const AgentFacts* facts, const Localization& words) {
-    if (!facts || !facts->loggedIn) {
-        return {};
-    }
-    return words.text(*facts->loggedIn ? "detail.loggedIn" : "detail.notLoggedIn");
-}
 
 ReadingFactContent toolFact(const AgentProviderID& id, const AgentFacts* facts,
                             const Localization& words) {
@@ -113,7 +108,6 @@ ReadingFactContent toolFact(const AgentProviderID& id, const AgentFacts* facts,
         fact.value += (fact.value.empty() ? "" : " ") +
                       (version ? version->text() : singleLine(*facts->toolVersion));
     }
-    fact.detail = loginText(facts, words);
     return fact;
 }
 
@@ -199,7 +193,7 @@ void addPhases(ReadingCardContent& card, const SnapshotNote::ClaudeTiming& timin
         }
     }
     if (!texts.empty()) {
-        card.phasesText = words.format("log.seconds", {joined(texts)});
+        card.phasesText = words.format("detail.phases", {joined(texts)});
     }
 }
 
@@ -251,6 +245,11 @@ ReadingCardContent readingCard(const AgentUsageSnapshot& snapshot, const AgentBl
     card.isRechecking = sources.isAskingForFacts;
     card.facts = {toolFact(snapshot.id, sources.facts, words), pathFact(sources, words),
                   lastReadFact(snapshot, block, readAt, now, words)};
+    // The account at the head tells of a login.
+    if (sources.facts && sources.facts->loggedIn == false) {
+        card.facts.push_back(
+            {.label = words.text("detail.login"), .value = words.text("detail.notLoggedIn")});
+    }
     if (auto duration = durationFact(snapshot, sources.state, words)) {
         card.facts.push_back(std::move(*duration));
     }
@@ -283,8 +282,8 @@ AgentPageContent agentPageContent(const AgentUsageSnapshot& snapshot,
     content.reading.balances = std::exchange(content.agent.balances, {});
     std::vector<UsageRowContent> rows = std::exchange(content.agent.rows, {});
     for (std::size_t index = 0; index < rows.size(); ++index) {
-        content.windows.push_back(
-            windowContent(snapshot, std::move(rows[index]), standing.windows[index], now, words));
+        content.windows.push_back(windowContent(snapshot, std::move(rows[index]), standing,
+                                                standing.windows[index], sources, now, words));
     }
     if (sources.state.readByHandOnly.contains(snapshot.id)) {
         content.agent.notes.push_back(words.text("detail.byHandOnly"));

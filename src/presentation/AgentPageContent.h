@@ -21,32 +21,33 @@ inline constexpr std::array agentPageRanges{ChartRange::day, ChartRange::week};
 /// The range that the preference means; anything else than one of those is a day.
 ChartRange agentPageRange(std::string_view stored);
 
-/// What an agent's page asks of the application. Main thread.
+/// What an agent's page asks of the application; nothing happens until it is set. Main thread.
 struct AgentPageActions {
+    using OfAgent = std::function<void(const AgentProviderID&)>;
     /// The page of this agent is shown now.
-    std::function<void(const AgentProviderID&)> shown;
+    OfAgent shown = [](const AgentProviderID&) {};
     /// Reads this agent alone.
-    std::function<void(const AgentProviderID&)> refresh;
+    OfAgent refresh = [](const AgentProviderID&) {};
     /// Looks for its CLI, its version and the login anew, and reads it.
-    std::function<void(const AgentProviderID&)> recheck;
-    std::function<void(ChartRange)> setRange;
-    std::function<void(const std::vector<AgentProviderID>&)> setOrder;
-    std::function<void(const AgentProviderID&)> switchOff;
+    OfAgent recheck = [](const AgentProviderID&) {};
+    std::function<void(ChartRange)> setRange = [](ChartRange) {};
+    std::function<void(const std::vector<AgentProviderID>&)> setOrder =
+        [](const std::vector<AgentProviderID>&) {};
+    OfAgent switchOff = [](const AgentProviderID&) {};
 };
 
 /// One quota window with its course.
 struct AgentWindowContent {
     UsageRowContent row;
-    /// As of an agent's block: the health in a word, or the age of figures that are older.
+    /// The health in a word; of old figures as of then, with their age.
     std::string statusText;
     StatusColorRole dot = StatusColorRole::none;
-    bool showsClock = false;
     /// "Lasts until the reset"; empty where `row` has a forecast line, or without grounds.
     std::string outlook;
     std::string chartTitle;
     ChartContent chart;
-    /// In the place of a chart without a course; empty with one.
-    std::string noCourse;
+    /// That nothing has been recorded yet; empty else.
+    std::string chartNote;
 
     bool operator==(const AgentWindowContent&) const = default;
 };

@@ -15,12 +15,22 @@ constexpr std::array<std::pair<Setting, std::string_view>, 3> storedForms{
 
 } // namespace
 
-AppAppearance::AppAppearance(Preferences& preferences) : preferences_(preferences) {
-    const std::string stored = preferences.string(preferenceKey).value_or("system");
+AppAppearance::AppAppearance(Preferences& preferences)
+    : preferences_(preferences), setting_(kept()) {}
+
+AppAppearance::Setting AppAppearance::kept() const {
+    const std::string stored = preferences_.string(preferenceKey).value_or("system");
     for (const auto& [setting, form] : storedForms) {
         if (stored == form) {
-            setting_ = setting;
+            return setting;
         }
+    }
+    return Setting::system;
+}
+
+void AppAppearance::takeSetting() {
+    if (std::exchange(setting_, kept()) != setting_ && onChange) {
+        onChange();
     }
 }
 

@@ -18,6 +18,8 @@ public:
 
     Setting setting() const { return setting_; }
     void choose(Setting setting);
+    /// Takes over what another process has chosen.
+    void takeSetting();
 
     /// The user's choice in place of the system's; `noPreference` where that is to hold.
     ColorScheme chosenScheme() const;
@@ -29,6 +31,8 @@ public:
     std::function<void()> onChange;
 
 private:
+    Setting kept() const;
+
     Preferences& preferences_;
     Setting setting_ = Setting::system;
 };

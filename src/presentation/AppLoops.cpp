@@ -44,6 +44,15 @@ void AppLoops::systemDidWake() {
     }
 }
 
+void AppLoops::setRefreshPeriod(Seconds period) {
+    const Seconds change = period - refreshLoop_.period;
+    refreshLoop_.period = period;
+    if (refreshLoop_.timer && change != Seconds(0)) {
+        refreshLoop_.due += change;
+        arm(refreshLoop_);
+    }
+}
+
 void AppLoops::schedule(Loop& loop) {
     loop.due = actions_.continuousTime() + loop.period;
     arm(loop);

@@ -42,6 +42,8 @@ public:
     /// Lets what fell due run now. Holds automatic refreshes for a while and refreshes once after
     /// it; a further wake meanwhile begins the wait anew.
     void systemDidWake();
+    /// How often everything is read; a turn that is due by it already comes at once.
+    void setRefreshPeriod(Seconds period);
     void stop();
 
 private:

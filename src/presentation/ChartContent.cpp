@@ -161,22 +161,11 @@ void goOnUntilNow(ChartCurve& curve, const ChartContent& content, const ShownWin
     }
 }
 
-ChartLine::Role roleOf(std::size_t index) {
-    switch (index) {
-    case 0:
-        return ChartLine::Role::main;
-    case 1:
-        return ChartLine::Role::second;
-    default:
-        return ChartLine::Role::further;
-    }
-}
-
 void addLine(ChartContent& content, const Making& making, const ShownWindow& shown) {
     const WindowKey key(making.snapshot.id, shown.window.id);
     const HistoryPoint latest(shown.standing.readAt, shown.window.usedPercent,
                               shown.window.resetsAt);
-    ChartLine line{.role = roleOf(content.lines.size()),
+    ChartLine line{.role = chartRole(content.lines.size()),
                    .name = windowLabel(shown.window, making.words, true),
                    .pieces = {},
                    .days = {}};
@@ -349,6 +338,17 @@ std::string accessibilityText(const Making& making) {
 }
 
 } // namespace
+
+ChartLine::Role chartRole(std::size_t index) {
+    switch (index) {
+    case 0:
+        return ChartLine::Role::main;
+    case 1:
+        return ChartLine::Role::second;
+    default:
+        return ChartLine::Role::further;
+    }
+}
 
 ChartContent chartContent(const UsageState& state, const UsageHistory& history,
                           const ChartRequest& request, Instant now, const Localization& words) {

@@ -122,6 +122,9 @@ struct ChartRequest {
     bool comparesEarlier = false;
 };
 
+/// How the line of that number is drawn.
+ChartLine::Role chartRole(std::size_t index);
+
 /// Reads the history once for each window. Without a snapshot of the agent, empty.
 ChartContent chartContent(const UsageState& state, const UsageHistory& history,
                           const ChartRequest& request, Instant now, const Localization& words);

@@ -1,5 +1,7 @@
 #include "presentation/ChartCurve.h"
 
+#include "presentation/ReadingPause.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -8,10 +10,6 @@ namespace vellmark {
 namespace {
 
 constexpr double full = 100;
-/// A sample comes after half an hour at the latest, with the first reading from then on.
-constexpr Seconds longestWhole{75 * 60};
-/// Of two hours that follow each other the samples may be two hours apart.
-constexpr Seconds longestThinned{135 * 60};
 /// A pause shorter than this share of the chart is none.
 constexpr double leastShare = 1.0 / 60;
 
@@ -91,7 +89,7 @@ private:
 } // namespace
 
 Seconds ChartScale::longestPause(Instant at) const {
-    return std::max(at < wholeSince ? longestThinned : longestWhole, (to - from) * leastShare);
+    return std::max(longestReadingPause(at, wholeSince), (to - from) * leastShare);
 }
 
 ChartCurve chartCurve(std::span<const HistoryPoint> points,

@@ -13,6 +13,8 @@ struct LaunchOptions {
     bool isRunningTests = false;
     bool showsWindow = false;
     bool showsAbout = false;
+    /// The popover, also of an instance that runs already: for a key of the desktop's.
+    bool showsPopover = false;
     /// Simulated agents in a throw-away home.
     bool isDemo = false;
     /// A directory that stands in for this machine; empty for the machine itself.
@@ -44,12 +46,17 @@ public:
     virtual void configurePopover() = 0;
     virtual void observeStore() = 0;
     virtual void observeLanguage() = 0;
+    /// Switches it on at the first launch ever.
+    virtual void setUpLaunchAtLogin() = 0;
+    /// Follows a program that was moved.
+    virtual void followMoveAtLogin() = 0;
     virtual void startLaunchRefresh() = 0;
     virtual void observeWake() = 0;
     virtual void startLoops() = 0;
     virtual void runFirstRun() = 0;
     virtual void showMainWindow() = 0;
     virtual void showAbout() = 0;
+    virtual void showPopover() = 0;
 };
 
 enum class LaunchOutcome { launched, testHost, handedOver };

@@ -20,7 +20,7 @@ std::string sentence(const std::string& text, const Localization& words) {
 /// When a window runs out and how long that is before its reset, or that it is used up; else what
 /// is left of it.
 std::string verdictSentence(const UsageWindow& window, const WindowStanding& standing,
-                            std::span<const UsagePoint> recent, Instant now,
+                            std::span<const UsagePoint> recent, FirstFigure first, Instant now,
                             const Localization& words) {
     if (standing.kind == WindowStanding::Kind::usedUp) {
         return window.resetsAt ? words.format("overview.verdict.usedUpUntil",
@@ -29,8 +29,10 @@ std::string verdictSentence(const UsageWindow& window, const WindowStanding& sta
     }
     const std::optional<Forecast> outlook = forecast(window, standing.judgedAt, recent);
     if (!outlook || !outlook->emptyAt || *outlook->emptyAt <= now || !window.resetsAt) {
-        const UsageRowContent row = usageRowContent(window, standing, recent, now, words);
-        return words.format("overview.verdict.left", {row.figure, row.reset});
+        const UsageRowContent row = usageRowContent(window, standing, recent, first, now, words);
+        return words.format(first == FirstFigure::used ? "overview.verdict.used"
+                                                       : "overview.verdict.left",
+                            {row.figure, row.reset});
     }
     const Instant reset = *window.resetsAt;
     return words.format(isSameDay(reset, now, words) ? "overview.verdict.runsOut"
@@ -70,12 +72,22 @@ VerdictContent verdict(const UsageState& state, Instant now, const Localization&
     const UsageWindow& window = *pressing->window;
     content.subject = words.format("overview.verdict.subject", {agentShortName(snapshot.id, words),
                                                                 windowLabel(window, words, true)});
-    content.text = verdictSentence(window, pressing->standing,
-                                   state.recentPointsOf(snapshot.id, window.id), now, words);
+    content.text =
+        verdictSentence(window, pressing->standing, state.recentPointsOf(snapshot.id, window.id),
+                        state.firstFigure, now, words);
     if (const std::string age = ageText(snapshot, pressing->standing, now, words); !age.empty()) {
         content.text = words.format("overview.verdict.aged", {content.text, sentence(age, words)});
     }
     return content;
+}
+
+/// What colour and icon say stands in words before it.
+std::string spokenVerdict(const VerdictContent& verdict, const Localization& words) {
+    const std::string said =
+        verdict.subject.empty()
+            ? verdict.text
+            : words.format("overview.verdict.spoken.subject", {verdict.subject, verdict.text});
+    return words.format("overview.verdict.spoken", {healthText(verdict.tone, words), said});
 }
 
 } // namespace
@@ -85,6 +97,7 @@ OverviewPageContent overviewPageContent(const UsageState& state, Instant now,
     OverviewPageContent content;
     content.head = refreshablePageHead({"nav.overview", "overview.subtitle"}, state, words);
     content.verdict = verdict(state, now, words);
+    content.verdict.accessibilityText = spokenVerdict(content.verdict, words);
     if (asksForSetup) {
         content.setupHint = words.text("overview.firstRun");
     }

@@ -3,6 +3,7 @@
 #include "model/UsageTexts.h"
 #include "presentation/AgentBlockContent.h"
 #include "presentation/AgentStanding.h"
+#include "presentation/UsageRowContent.h"
 #include "text/Formatting.h"
 
 namespace vellmark {
@@ -24,7 +25,7 @@ SidebarItem entry(std::string_view key, AgentPage::Kind kind, std::string icon,
 
 /// The least that is left of the windows that count.
 std::string leastText(const AgentUsageSnapshot& snapshot, const AgentStanding& standing,
-                      const Localization& words) {
+                      FirstFigure first, const Localization& words) {
     const UsageWindow* least = nullptr;
     for (std::size_t index = 0; index < snapshot.windows.size(); ++index) {
         const UsageWindow& window = snapshot.windows[index];
@@ -39,7 +40,7 @@ std::string leastText(const AgentUsageSnapshot& snapshot, const AgentStanding& s
     if (isUsedUp(*least)) {
         return words.text("usage.usedUp");
     }
-    return words.format("usage.remaining", {percentText(remainingPercent(*least), words)});
+    return usageValueText(*least, first, words);
 }
 
 SidebarItem agentEntry(const AgentUsageSnapshot& snapshot, const UsageState& state, Instant now,
@@ -47,7 +48,7 @@ SidebarItem agentEntry(const AgentUsageSnapshot& snapshot, const UsageState& sta
     SidebarItem item{.title = agentShortName(snapshot.id, words),
                      .page = AgentPage::provider(snapshot.id)};
     const AgentStanding standing = standingOf(snapshot, state, now);
-    item.value = leastText(snapshot, standing, words);
+    item.value = leastText(snapshot, standing, state.firstFigure, words);
     item.badge = badgeOf(standing.health);
     const std::string health =
         standing.isDue() ? words.text("health.due") : healthText(standing.health, words);

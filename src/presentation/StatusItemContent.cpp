@@ -3,6 +3,7 @@
 #include "model/UsageTexts.h"
 #include "presentation/AgentBlockContent.h"
 #include "presentation/AgentStanding.h"
+#include "presentation/UsageRowContent.h"
 #include "presentation/UsageVerdict.h"
 #include "text/Formatting.h"
 
@@ -63,13 +64,31 @@ std::string statusItemToolTip(const MenuBarGlyph& glyph, const UsageState& state
     return withAge(text, glyph, state, now, words);
 }
 
-StatusItemContent statusItemContent(const UsageState& state, Instant now,
-                                    const Localization& words) {
+std::string leastLeftFigure(const UsageState& state, Instant now, const Localization& words) {
+    const UsageWindow* least = nullptr;
+    for (const AgentUsageSnapshot& snapshot : state.snapshots) {
+        const AgentStanding standing = standingOf(snapshot, state, now);
+        for (std::size_t index = 0; index < snapshot.windows.size(); ++index) {
+            const UsageWindow& window = snapshot.windows[index];
+            if (standing.windows[index].health != UsageHealth::unavailable &&
+                (least == nullptr || window.usedPercent > least->usedPercent)) {
+                least = &window;
+            }
+        }
+    }
+    return least != nullptr ? usageFigureText(*least, state.firstFigure, words) : std::string();
+}
+
+StatusItemContent statusItemContent(const UsageState& state, Instant now, const Localization& words,
+                                    StatusFigure figure) {
     StatusItemContent content;
     content.glyph = MenuBarGlyph::compute(state.snapshots, state.enabledProviderIDs, now);
     content.glyphDescription = words.text("app.name");
     content.color = statusItemColor(state, now);
     content.toolTip = statusItemToolTip(content.glyph, state, now, words);
+    if (figure == StatusFigure::leastLeft) {
+        content.figure = leastLeftFigure(state, now, words);
+    }
     return content;
 }
 

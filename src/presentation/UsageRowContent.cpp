@@ -15,20 +15,25 @@ bool isMuted(const WindowStanding& standing) {
 }
 
 UsageBarContent barContent(const UsageWindow& window, const WindowStanding& standing,
-                           const std::optional<double>& elapsed, const Localization& words) {
+                           const std::optional<double>& elapsed, FirstFigure first,
+                           const Localization& words) {
+    const bool isUsedFirst = first == FirstFigure::used;
     const double left = std::max(remainingPercent(window), 0.0);
-    UsageBarContent bar{.filledShare = std::min(left, full) / full,
+    UsageBarContent bar{.filledShare =
+                            std::clamp(isUsedFirst ? window.usedPercent : left, 0.0, full) / full,
                         .usedShare = std::clamp(window.usedPercent, 0.0, full) / full,
                         .health = standing.health,
                         .isStale = isMuted(standing)};
     const std::string leftText = percentText(left, words);
     const std::string usedText = percentText(window.usedPercent, words);
     if (elapsed) {
-        bar.paceMark = 1 - *elapsed / full;
-        bar.toolTip =
-            words.format("usage.bar.help", {leftText, usedText, percentText(*elapsed, words)});
+        bar.paceMark = isUsedFirst ? *elapsed / full : 1 - *elapsed / full;
+        bar.toolTip = words.format(isUsedFirst ? "usage.bar.help.used" : "usage.bar.help",
+                                   {leftText, usedText, percentText(*elapsed, words)});
     } else {
-        bar.toolTip = words.format("usage.bar.help.noTime", {leftText, usedText});
+        bar.toolTip =
+            words.format(isUsedFirst ? "usage.bar.help.used.noTime" : "usage.bar.help.noTime",
+                         {leftText, usedText});
     }
     return bar;
 }
@@ -79,21 +84,36 @@ void addOutlook(UsageRowContent& row, const UsageWindow& window, const WindowSta
 
 } // namespace
 
+std::string usageFigureText(const UsageWindow& window, FirstFigure first,
+                            const Localization& words) {
+    return percentText(first == FirstFigure::used ? window.usedPercent
+                                                  : std::max(remainingPercent(window), 0.0),
+                       words);
+}
+
+std::string usageValueText(const UsageWindow& window, FirstFigure first,
+                           const Localization& words) {
+    return words.format(first == FirstFigure::used ? "usage.used" : "usage.remaining",
+                        {usageFigureText(window, first, words)});
+}
+
 UsageRowContent usageRowContent(const UsageWindow& window, const WindowStanding& standing,
-                                std::span<const UsagePoint> recent, Instant now,
+                                std::span<const UsagePoint> recent, FirstFigure first, Instant now,
                                 const Localization& words) {
     using Kind = WindowStanding::Kind;
     const std::optional<double> elapsed = elapsedPercent(window, standing.judgedAt);
-    UsageRowContent row{.windowID = window.id,
-                        .label = windowLabel(window, words, true),
-                        .fullLabel = windowLabel(window, words),
-                        .figure = percentText(std::max(remainingPercent(window), 0.0), words),
-                        .figureWord = words.text("usage.remaining.word"),
-                        .bar = barContent(window, standing, elapsed, words),
-                        .reset = resetLine(window, standing, now, words),
-                        .isUsedUp = standing.kind == Kind::usedUp,
-                        .isMuted = isMuted(standing)};
-    row.value = words.format("usage.remaining", {row.figure});
+    UsageRowContent row{
+        .windowID = window.id,
+        .label = windowLabel(window, words, true),
+        .fullLabel = windowLabel(window, words),
+        .value = usageValueText(window, first, words),
+        .figure = usageFigureText(window, first, words),
+        .figureWord =
+            words.text(first == FirstFigure::used ? "usage.used.word" : "usage.remaining.word"),
+        .bar = barContent(window, standing, elapsed, first, words),
+        .reset = resetLine(window, standing, now, words),
+        .isUsedUp = standing.kind == Kind::usedUp,
+        .isMuted = isMuted(standing)};
     if (elapsed) {
         row.elapsed = words.format("usage.elapsed", {percentText(*elapsed, words)});
     }

@@ -2,6 +2,7 @@
 
 #include "model/UsageWindow.h"
 #include "presentation/AgentStanding.h"
+#include "store/FirstFigure.h"
 #include "text/Localization.h"
 
 #include <optional>
@@ -10,7 +11,8 @@
 
 namespace vellmark {
 
-/// A bar that tells what is left. Shares are 0 to 1, counted from the left end.
+/// A bar that tells what is left, or what is used: what comes first. Shares are 0 to 1, counted
+/// from the left end.
 struct UsageBarContent {
     double filledShare = 0;
     /// What assistive software is told as the bar's value, in the sense of the row's
@@ -46,7 +48,7 @@ struct UsageRowContent {
     std::string label;
     /// The label in full where `label` is a short form.
     std::string fullLabel;
-    /// "62% left".
+    /// "62% left" or "38% used".
     std::string value;
     /// The value in its two parts, for large figures: "62%" and "left".
     std::string figure;
@@ -75,7 +77,12 @@ struct UsageRowContent {
 };
 
 UsageRowContent usageRowContent(const UsageWindow& window, const WindowStanding& standing,
-                                std::span<const UsagePoint> recent, Instant now,
+                                std::span<const UsagePoint> recent, FirstFigure first, Instant now,
                                 const Localization& words);
+
+/// "62%" or "38%", "62% left" or "38% used".
+std::string usageFigureText(const UsageWindow& window, FirstFigure first,
+                            const Localization& words);
+std::string usageValueText(const UsageWindow& window, FirstFigure first, const Localization& words);
 
 } // namespace vellmark

@@ -23,6 +23,8 @@ struct ReadingOptions {
     std::string way;
     /// The pause between two automatic readings that cost something, in place of the agent's own.
     std::optional<Seconds> interval;
+
+    bool operator==(const ReadingOptions&) const = default;
 };
 
 /// Reads one agent. `fetch` blocks its thread, may be called from any thread and from several at

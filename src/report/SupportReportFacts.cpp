@@ -4,7 +4,9 @@
 #include "platform/UserLocale.h"
 #include "probes/AgentFacts.h"
 #include "probes/ProviderRegistry.h"
+#include "store/ActivityLines.h"
 #include "store/ActivityLog.h"
+#include "store/ActivityTexts.h"
 #include "store/AgentSettings.h"
 #include "store/LastSnapshots.h"
 #include "text/Dates.h"
@@ -59,8 +61,10 @@ std::string recentActivity(const Machine& machine, const Localization& words, In
     std::string text;
     const auto file = machine.activityLogFile();
     std::error_code error;
-    for (const auto& entry : ActivityLog(file).entries(since, zone, error)) {
-        text += (text.empty() ? "" : "\n") + ActivityLog::line(entry, zone);
+    auto entries = ActivityLog(file).entries(since, zone, error);
+    ActivityTexts::tell(entries, words);
+    for (const ActivityEntry& entry : entries) {
+        text += (text.empty() ? "" : "\n") + ActivityLines::text(entry, zone);
     }
     if (error) {
         text += words.format("cli.error.unreadable", {file.string(), error.message()});

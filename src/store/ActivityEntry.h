@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/AgentProviderID.h"
+#include "store/ActivityMessage.h"
 #include "text/Instant.h"
 
 #include <optional>
@@ -8,7 +9,7 @@
 
 namespace vellmark {
 
-/// One line of the activity log: what the program did or met.
+/// One entry of the activity log: what the program did or met.
 struct ActivityEntry {
     enum class Level { info, notice, error };
 
@@ -19,6 +20,8 @@ struct ActivityEntry {
     std::string text;
     /// To the second once it has been through the file.
     Instant time{};
+    /// The same as the text, for other languages; without a key in entries of earlier versions.
+    ActivityMessage message{};
 
     bool operator==(const ActivityEntry&) const = default;
 };

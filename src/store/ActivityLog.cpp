@@ -5,15 +5,15 @@
 #include "platform/ReplacementFile.h"
 #include "platform/SystemError.h"
 #include "platform/WholeFile.h"
+#include "store/ActivityLines.h"
 #include "store/RecordedDays.h"
-#include "text/TerminalText.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <optional>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <unordered_set>
 #include <utility>
@@ -28,87 +28,6 @@ constexpr Seconds day{86'400};
 constexpr std::size_t mostWaiting = 1u << 20;
 /// Years of entries; a longer file is no log of ours.
 constexpr std::size_t mostBytes = std::size_t{256} << 20;
-constexpr std::string_view programName = "vellmark";
-
-constexpr std::array<std::pair<ActivityEntry::Level, std::string_view>, 3> levelNames = {{
-    {ActivityEntry::Level::info, "info"},
-    {ActivityEntry::Level::notice, "notice"},
-    {ActivityEntry::Level::error, "error"},
-}};
-
-/// Reads lines back. Keeps the last hour's instant, since finding one out is what takes time.
-class LineReader {
-public:
-    explicit LineReader(const TimeZone& zone) : zone_(zone) {}
-
-    std::optional<ActivityEntry> entry(std::string_view line) {
-        // "yyyy-MM-dd HH:mm:ss level subject: text"
-        const auto time = instant(line);
-        if (!time) {
-            return std::nullopt;
-        }
-        ActivityEntry entry;
-        entry.time = *time;
-        line.remove_prefix(std::min<std::size_t>(20, line.size()));
-        const auto levelEnd = line.find(' ');
-        const auto subjectEnd = line.find(": ", levelEnd);
-        const auto level = std::ranges::find(levelNames, line.substr(0, levelEnd),
-                                             [](const auto& pair) { return pair.second; });
-        if (subjectEnd == std::string_view::npos || level == levelNames.end()) {
-            return std::nullopt;
-        }
-        entry.level = level->first;
-        const auto subject = line.substr(levelEnd + 1, subjectEnd - levelEnd - 1);
-        if (subject != programName) {
-            entry.agent = AgentProviderID(std::string(subject));
-        }
-        entry.text = line.substr(subjectEnd + 2);
-        return entry;
-    }
-
-    std::optional<Instant> instant(std::string_view line) {
-        constexpr std::string_view form = "0000-00-00 00:00:00";
-        if (line.size() < form.size()) {
-            return std::nullopt;
-        }
-        for (std::size_t index = 0; index < form.size(); ++index) {
-            const bool digit = line[index] >= '0' && line[index] <= '9';
-            if (form[index] == '0' ? !digit : line[index] != form[index]) {
-                return std::nullopt;
-            }
-        }
-        const auto number = [&](std::size_t from, std::size_t count) {
-            int value = 0;
-            for (const char digit : line.substr(from, count)) {
-                value = value * 10 + (digit - '0');
-            }
-            return value;
-        };
-        const std::string_view hour = line.substr(0, 13);
-        if (hour != hourText_) {
-            hourText_ = hour;
-            hourBegin_ = zone_.instant({.year = number(0, 4),
-                                        .month = number(5, 2),
-                                        .day = number(8, 2),
-                                        .hour = number(11, 2)});
-        }
-        return hourBegin_ + Seconds(number(14, 2) * 60 + number(17, 2));
-    }
-
-private:
-    const TimeZone& zone_;
-    std::string hourText_;
-    Instant hourBegin_{};
-};
-
-template<typename Visit>
-void forEachLine(std::string_view text, Visit&& visit) {
-    while (!text.empty()) {
-        const auto end = std::min(text.find('\n'), text.size());
-        visit(text.substr(0, end));
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
-}
 
 /// What becomes of the lines of the log and of those that were removed before. The texts given must
 /// outlive it.
@@ -120,7 +39,7 @@ public:
     Instant reference(Instant now) {
         RecordedDays days;
         for (const std::string_view text : {before_, log_}) {
-            forEachLine(text, [&](std::string_view line) {
+            ActivityLines::forEach(text, [&](std::string_view line) {
                 if (const auto time = reader_.instant(line)) {
                     days.add(*time);
                 }
@@ -139,7 +58,7 @@ public:
             return isYoung;
         };
         std::vector<std::string_view> restored;
-        forEachLine(before_, [&](std::string_view line) {
+        ActivityLines::forEach(before_, [&](std::string_view line) {
             if (isKept(line)) {
                 restored.push_back(line);
             } else if (!forgets) {
@@ -149,7 +68,7 @@ public:
         });
         isYoung = false;
         std::string stays;
-        forEachLine(log_, [&](std::string_view line) {
+        ActivityLines::forEach(log_, [&](std::string_view line) {
             const bool keeps = isKept(line);
             append(keeps ? stays : removed_, line);
             changes_ = changes_ || !keeps;
@@ -157,11 +76,13 @@ public:
         removedMeanwhile_ = removed_;
         std::unordered_set<std::string_view> known; // a trimming that was interrupted
         if (!restored.empty()) {
-            forEachLine(stays, [&](std::string_view line) { known.insert(line); });
+            ActivityLines::forEach(stays, [&](std::string_view line) { known.insert(line); });
         }
+        bool isKnown = false;
         for (const std::string_view line : restored) {
             append(removedMeanwhile_, line);
-            if (!known.contains(line)) {
+            isKnown = ActivityLines::continues(line) ? isKnown : known.contains(line);
+            if (!isKnown) {
                 append(kept_, line);
             }
         }
@@ -177,7 +98,7 @@ public:
 private:
     static void append(std::string& text, std::string_view line) { text.append(line).append("\n"); }
 
-    LineReader reader_;
+    ActivityLines::Reader reader_;
     std::string_view log_;
     std::string_view before_;
     std::string kept_;
@@ -220,6 +141,22 @@ struct TrimmingNote {
     }
 };
 
+/// How much of what was read last tells a file from another one in its place.
+constexpr std::size_t placeMark = 80;
+
+/// Whether `place` was found in this very file.
+bool isAt(const ActivityLog::Place& place, const Descriptor& file, const struct stat& facts) {
+    const std::string& before = place.before;
+    if (before.empty() || place.file != facts.st_ino || place.offset > facts.st_size) {
+        return false;
+    }
+    std::string found(before.size(), '\0');
+    const auto from = static_cast<off_t>(place.offset) - static_cast<off_t>(before.size());
+    return ::pread(file.get(), found.data(), found.size(), from) ==
+               static_cast<ssize_t>(found.size()) &&
+           found == before;
+}
+
 /// Whether a power loss has torn the last line of a file of `size` bytes.
 bool endsInsideLine(const Descriptor& file, off_t size) {
     char last = '\n';
@@ -233,25 +170,14 @@ ActivityLog::ActivityLog(std::filesystem::path file)
       lock_(std::filesystem::path(file_).replace_extension(".lock"), lockPatience), onDisk_(file_) {
 }
 
-std::string ActivityLog::line(const ActivityEntry& entry, const TimeZone& zone) {
-    const CalendarDate date = zone.calendarDate(entry.time);
-    std::array<char, 32> stamp{};
-    std::snprintf(stamp.data(), stamp.size(), "%04d-%02d-%02d %02d:%02d:%02d", date.year,
-                  date.month, date.day, date.hour, date.minute, date.second);
-    const auto level =
-        std::ranges::find(levelNames, entry.level, [](const auto& pair) { return pair.first; });
-    std::string line = stamp.data();
-    line += " ";
-    line += level->second;
-    line += " " + (entry.agent ? singleLine(entry.agent->rawValue) : std::string(programName));
-    line += ": " + singleLine(entry.text);
-    return line;
-}
-
 std::error_code ActivityLog::append(ActivityEntry entry, const TimeZone& zone) {
-    waiting_ += line(entry, zone) + "\n";
+    waiting_ += ActivityLines::record(entry, zone);
     if (waiting_.size() > mostWaiting) {
-        waiting_.erase(0, waiting_.find('\n', waiting_.size() - mostWaiting) + 1);
+        auto begin = waiting_.find('\n', waiting_.size() - mostWaiting) + 1;
+        if (ActivityLines::continues(std::string_view(waiting_).substr(begin))) {
+            begin = waiting_.find('\n', begin) + 1;
+        }
+        waiting_.erase(0, begin);
     }
     return writeWaiting();
 }
@@ -345,7 +271,7 @@ std::error_code ActivityLog::trimWhenDue(Instant now, const TimeZone& zone) {
         return error == std::errc::no_such_file_or_directory ? std::error_code() : error;
     }
     const auto firstLine = readToEnd(file.get(), error, 64);
-    const auto oldest = LineReader(zone).instant(firstLine.value_or(std::string()));
+    const auto oldest = ActivityLines::Reader(zone).instant(firstLine.value_or(std::string()));
     const bool isOld = oldest && *oldest < now - (daysKept + 1) * day;
     return isOld || mayBringLinesBack(now) ? trim(now, zone) : std::error_code();
 }
@@ -368,19 +294,46 @@ std::vector<ActivityEntry> ActivityLog::entries(Instant since, const TimeZone& z
     }
     const std::string elsewhere = onDisk_.lines();
     std::vector<ActivityEntry> entries;
-    LineReader reader(zone);
+    ActivityLines::Reader reader(zone);
     for (const std::string_view part :
          {std::string_view(text), std::string_view(elsewhere), std::string_view(waiting_)}) {
-        forEachLine(part, [&](std::string_view line) {
-            if (auto entry = reader.entry(line); entry && entry->time >= since) {
-                entries.push_back(*std::move(entry));
-            }
-        });
+        reader.read(part, since, entries);
     }
     if (!elsewhere.empty()) { // other lines were written since
         std::ranges::stable_sort(entries, {}, &ActivityEntry::time);
     }
     return entries;
+}
+
+ActivityLog::News ActivityLog::news(Place& place, Instant since, const TimeZone& zone) const {
+    News news;
+    std::error_code error;
+    if (!waiting_.empty() || !onDisk_.lines().empty()) {
+        place = {};
+        news.entries = entries(since, zone, error);
+        return news;
+    }
+    const Descriptor file = openRegularFile(file_, O_RDONLY, error);
+    struct stat facts {};
+    if (!file.isOpen() || ::fstat(file.get(), &facts) != 0) {
+        place = {};
+        return news;
+    }
+    news.startsAnew = !isAt(place, file, facts);
+    if (news.startsAnew) {
+        place = {.file = facts.st_ino};
+    }
+    if (facts.st_size > static_cast<off_t>(mostBytes) ||
+        ::lseek(file.get(), place.offset, SEEK_SET) < 0) {
+        return news;
+    }
+    std::string added = readToEnd(file.get(), error, mostBytes).value_or(std::string());
+    added.resize(added.rfind('\n') + 1); // a line may be on its way
+    ActivityLines::Reader(zone).read(added, since, news.entries);
+    place.offset += static_cast<long long>(added.size());
+    place.before.append(added);
+    place.before.erase(0, place.before.size() - std::min(place.before.size(), placeMark));
+    return news;
 }
 
 } // namespace vellmark

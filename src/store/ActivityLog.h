@@ -14,14 +14,11 @@
 
 namespace vellmark {
 
-/// "activity.log" on disk: one line for each entry, oldest first, mode 0600:
-///
-///     2026-11-20 14:31:20 notice codex: Trying again in 20 s after a time-out
-///
-/// that is local date and time, level, agent ("vellmark" for the program itself) and text. Lines
-/// are appended, by several processes if need be. Those that cannot be written now wait on disk
-/// beside the file where another process keeps it locked, else in memory, and are written with the
-/// next. Not for use by several threads.
+/// "activity.log" on disk: one entry after the other, oldest first, mode 0600. An entry's line has
+/// local date and time, level, agent ("vellmark" for the program itself) and text; see
+/// ActivityLines. Entries are appended, by several processes if need be. Those that cannot be
+/// written now wait on disk beside the file where another process keeps it locked, else in memory,
+/// and are written with the next. Not for use by several threads.
 ///
 /// Lines go after 30 days, counted from what RecordedDays says of the log's own dates, by way of
 /// "activity.removed.log": there they are until a later day agrees, and from there they come back
@@ -38,7 +35,7 @@ public:
     /// The same, once the oldest line is a day older than that; cheap to ask at every start.
     std::error_code trimWhenDue(Instant now, const TimeZone& zone);
     /// The entries since `since`, oldest first; those that are not in the file are among them.
-    /// Lines that are no entries are left out. Where the file cannot be read, `error` says why.
+    /// What is no entry is left out. Where the file cannot be read, `error` says why.
     std::vector<ActivityEntry> entries(Instant since, const TimeZone& zone,
                                        std::error_code& error) const;
     /// The same; a log that cannot be read shows what this run knows.
@@ -47,8 +44,20 @@ public:
         return entries(since, zone, ignored);
     }
 
-    /// The entry as a line, without its end. Control characters and line breaks are gone.
-    static std::string line(const ActivityEntry& entry, const TimeZone& zone);
+    /// What was added since an earlier look, or everything where that cannot be told apart.
+    struct News {
+        bool startsAnew = true;
+        std::vector<ActivityEntry> entries;
+    };
+    /// Up to where somebody has read.
+    struct Place {
+        unsigned long long file = 0;
+        long long offset = 0;
+        /// What stands before the offset, by which a file that was replaced is told.
+        std::string before;
+    };
+    /// Moves `place` on. Entries that wait to be written make everything be told anew.
+    News news(Place& place, Instant since, const TimeZone& zone) const;
 
 private:
     std::error_code writeWaiting();

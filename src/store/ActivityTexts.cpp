@@ -1,12 +1,17 @@
 #include "store/ActivityTexts.h"
 
+#include "model/UsageJSON.h"
 #include "model/UsageTexts.h"
 #include "probes/ProviderRegistry.h"
 #include "text/Formatting.h"
 #include "text/TerminalText.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstdint>
 #include <utility>
 
 namespace vellmark::ActivityTexts {
@@ -15,30 +20,47 @@ namespace {
 
 using Level = ActivityEntry::Level;
 
-std::string triggerText(RefreshTrigger trigger, const Localization& words) {
-    switch (trigger) {
-    case RefreshTrigger::launch:
-        return words.text("log.trigger.launch");
-    case RefreshTrigger::timer:
-        return words.text("log.trigger.timer");
-    case RefreshTrigger::manual:
-        return words.text("log.trigger.manual");
-    case RefreshTrigger::wake:
-        return words.text("log.trigger.wake");
-    case RefreshTrigger::window:
-        return words.text("log.trigger.window");
-    case RefreshTrigger::settings:
-        return words.text("log.trigger.settings");
+/// A kind of argument: the member that names it, and how it is told. Nothing where the value is
+/// none of that kind.
+struct ArgumentKind {
+    std::string_view name;
+    std::optional<std::string> (*text)(const JSON& value, const Localization& words);
+};
+
+std::string secondsText(double seconds, const Localization& words) {
+    return words.format("log.seconds", {decimalText(seconds, words)});
+}
+
+std::optional<std::string> toldSeconds(const JSON& value, const Localization& words) {
+    return value.is_number() ? std::optional(secondsText(value.get<double>(), words))
+                             : std::nullopt;
+}
+
+std::optional<std::string> toldWholeSeconds(const JSON& value, const Localization& words) {
+    return value.is_number_integer()
+               ? std::optional(
+                     words.format("log.seconds", {integerText(value.get<std::int64_t>(), words)}))
+               : std::nullopt;
+}
+
+/// A text of the catalog by its key.
+std::optional<std::string> toldWord(const JSON& value, const Localization& words) {
+    if (!value.is_string()) {
+        return std::nullopt;
     }
-    return {};
+    const auto key = value.get<std::string>();
+    std::string text = words.text(key);
+    return text == key ? std::nullopt : std::optional(std::move(text));
 }
 
-std::string secondsText(Seconds span, const Localization& words) {
-    return words.format("log.seconds", {decimalText(span.count(), words)});
-}
-
-std::string wholeSecondsText(Seconds span, const Localization& words) {
-    return words.format("log.seconds", {integerText(std::llround(span.count()), words)});
+/// The name of a way of reading; one that has none is called as it is.
+std::optional<std::string> toldWay(const JSON& value, const Localization& words) {
+    if (!value.is_string()) {
+        return std::nullopt;
+    }
+    const std::string key = "log.agent.way." + value.get<std::string>();
+    std::string text = words.text(key);
+    return text == key ? value.get<std::string>() : text;
 }
 
 std::string shortName(const AgentProviderID& id, const Localization& words) {
@@ -46,110 +68,294 @@ std::string shortName(const AgentProviderID& id, const Localization& words) {
     return descriptor ? words.text(descriptor->shortNameKey) : id.rawValue;
 }
 
+std::optional<std::string> toldAgents(const JSON& value, const Localization& words) {
+    std::string names;
+    for (const JSON& id : value) {
+        if (!id.is_string()) {
+            return std::nullopt;
+        }
+        names +=
+            (names.empty() ? "" : ", ") + shortName(AgentProviderID(id.get<std::string>()), words);
+    }
+    return names;
+}
+
 std::string remainingText(const UsageWindow& window, const Localization& words) {
     const double remaining = std::max(remainingPercent(window), 0.0);
     return words.format("usage.remaining", {percentText(remaining, words)});
 }
 
-std::string figuresText(const AgentUsageSnapshot& snapshot, const Localization& words) {
+/// What `windowJSON` makes.
+std::optional<UsageWindow> windowOf(const JSON& value) {
+    if (!value.is_array() || value.size() < 2 || !value[0].is_string() || !value[1].is_number()) {
+        return std::nullopt;
+    }
+    UsageWindow window;
+    window.id = value[0].get<std::string>();
+    window.usedPercent = value[1].get<double>();
+    if (value.size() > 2 && value[2].is_number()) {
+        window.windowDurationMinutes = value[2].get<double>();
+    }
+    if (value.size() > 3 && value[3].is_string()) {
+        window.label = value[3].get<std::string>();
+    }
+    return window;
+}
+
+std::optional<std::string> toldWindow(const JSON& value, const Localization& words) {
+    const auto window = windowOf(value);
+    return window ? std::optional(windowLabel(*window, words)) : std::nullopt;
+}
+
+std::optional<std::string> toldRemaining(const JSON& value, const Localization& words) {
+    const auto window = windowOf(value);
+    return window ? std::optional(remainingText(*window, words)) : std::nullopt;
+}
+
+/// What is left in each window, or that there are none.
+std::optional<std::string> toldFigures(const JSON& value, const Localization& words) {
     std::string figures;
-    for (const UsageWindow& window : snapshot.windows) {
-        if (!figures.empty()) {
-            figures += ", ";
+    for (const JSON& one : value) {
+        const auto window = windowOf(one);
+        if (!window) {
+            return std::nullopt;
         }
-        figures += windowLabel(window, words, true) + " " + remainingText(window, words);
+        figures += (figures.empty() ? "" : ", ") + windowLabel(*window, words, true) + " " +
+                   remainingText(*window, words);
     }
     return figures.empty() ? words.text("log.agent.noWindows") : figures;
 }
 
-/// The name of a way of reading; one that has none is called as it is.
-std::string wayText(const std::string& way, const Localization& words) {
-    const std::string key = "log.agent.way." + way;
-    const std::string text = words.text(key);
-    return text == key ? singleLine(way) : text;
+std::optional<std::string> toldError(const JSON& value, const Localization& words) {
+    auto error = UsageProviderError::other({});
+    try {
+        fromJSON(value, error);
+    } catch (const JSONDecodingError&) {
+        return std::nullopt;
+    }
+    return error.message(words);
 }
 
-ActivityEntry aboutAgent(Level level, const AgentProviderID& id, std::string text) {
-    return {.level = level, .agent = id, .text = std::move(text)};
+constexpr std::array argumentKinds{
+    ArgumentKind{"seconds", toldSeconds}, ArgumentKind{"wholeSeconds", toldWholeSeconds},
+    ArgumentKind{"word", toldWord},       ArgumentKind{"way", toldWay},
+    ArgumentKind{"agents", toldAgents},   ArgumentKind{"window", toldWindow},
+    ArgumentKind{"left", toldRemaining},  ArgumentKind{"figures", toldFigures},
+    ArgumentKind{"error", toldError},
+};
+
+std::optional<TextArgument> toldArgument(const JSON& argument, const Localization& words) {
+    if (argument.is_string()) {
+        return argument.get<std::string>();
+    }
+    if (argument.is_number_integer()) {
+        return argument.get<std::int64_t>();
+    }
+    if (!argument.is_object() || argument.size() != 1) {
+        return std::nullopt;
+    }
+    const auto member = argument.begin();
+    const auto kind = std::ranges::find(argumentKinds, member.key(), &ArgumentKind::name);
+    return kind == argumentKinds.end()
+               ? std::nullopt
+               : std::optional<TextArgument>(kind->text(member.value(), words));
 }
 
-ActivityEntry aboutProgram(Level level, std::string text) {
-    return {.level = level, .agent = std::nullopt, .text = std::move(text)};
+/// Absent where the key or a kind of argument is not known here.
+std::optional<std::string> told(const std::string& key, const JSON& arguments,
+                                const Localization& words) {
+    if (!arguments.is_array() || words.text(key) == key) {
+        return std::nullopt;
+    }
+    std::vector<TextArgument> texts;
+    for (const JSON& argument : arguments) {
+        auto text = toldArgument(argument, words);
+        if (!text) {
+            return std::nullopt;
+        }
+        texts.push_back(*std::move(text));
+    }
+    return words.format(key, texts);
+}
+
+JSON argument(const char* kind, JSON value) {
+    return JSON{{kind, std::move(value)}};
+}
+
+JSON secondsArgument(Seconds span) {
+    return argument("seconds", std::round(span.count() * 10) / 10);
+}
+
+JSON wholeSecondsArgument(Seconds span) {
+    return argument("wholeSeconds", std::llround(span.count()));
+}
+
+JSON triggerArgument(RefreshTrigger trigger) {
+    switch (trigger) {
+    case RefreshTrigger::launch:
+        return argument("word", "log.trigger.launch");
+    case RefreshTrigger::timer:
+        return argument("word", "log.trigger.timer");
+    case RefreshTrigger::manual:
+        return argument("word", "log.trigger.manual");
+    case RefreshTrigger::wake:
+        return argument("word", "log.trigger.wake");
+    case RefreshTrigger::window:
+        return argument("word", "log.trigger.window");
+    case RefreshTrigger::settings:
+        return argument("word", "log.trigger.settings");
+    }
+    return {};
+}
+
+/// A number as short as it can be written.
+JSON shortNumber(double value) {
+    return value == std::round(value) && std::abs(value) < 1e9 ? JSON(std::llround(value))
+                                                               : JSON(value);
+}
+
+/// What its name and what is left of it are made of: identifier, used per cent, minutes, label. In
+/// an array, since a month holds tens of thousands.
+JSON windowJSON(const UsageWindow& window) {
+    JSON parts = JSON::array({window.id, shortNumber(std::round(window.usedPercent * 10) / 10)});
+    if (window.windowDurationMinutes || window.label) {
+        parts.push_back(window.windowDurationMinutes ? shortNumber(*window.windowDurationMinutes)
+                                                     : JSON());
+    }
+    if (window.label) {
+        parts.push_back(*window.label);
+    }
+    return parts;
+}
+
+JSON figuresArgument(const AgentUsageSnapshot& snapshot) {
+    JSON figures = JSON::array();
+    for (const UsageWindow& window : snapshot.windows) {
+        figures.push_back(windowJSON(window));
+    }
+    return argument("figures", std::move(figures));
+}
+
+ActivityEntry made(Level level, std::optional<AgentProviderID> agent, std::string_view key,
+                   const JSON& arguments, const Localization& words) {
+    std::string name(key);
+    std::string text = told(name, arguments, words).value_or(name);
+    return {.level = level,
+            .agent = std::move(agent),
+            .text = std::move(text),
+            .time = {},
+            .message = {.key = std::move(name),
+                        .language = words.languageCode(),
+                        .arguments = serialized(arguments, -1)}};
+}
+
+ActivityEntry aboutAgent(Level level, const AgentProviderID& id, std::string_view key,
+                         const Localization& words, const JSON& arguments = JSON::array()) {
+    return made(level, id, key, arguments, words);
+}
+
+ActivityEntry aboutProgram(Level level, std::string_view key, const Localization& words,
+                           const JSON& arguments = JSON::array()) {
+    return made(level, std::nullopt, key, arguments, words);
 }
 
 } // namespace
 
+void tell(ActivityEntry& entry, const Localization& words) {
+    ActivityMessage& message = entry.message;
+    if (message.key.empty() || message.language == words.languageCode()) {
+        return;
+    }
+    std::optional<std::string> text;
+    try {
+        text = told(message.key, parsedJSON(message.arguments), words);
+    } catch (const JSONDecodingError&) {
+        return;
+    }
+    if (text) {
+        entry.text = singleLine(*text);
+        message.language = words.languageCode();
+    }
+}
+
+void tell(std::vector<ActivityEntry>& entries, const Localization& words) {
+    for (ActivityEntry& entry : entries) {
+        tell(entry, words);
+    }
+}
+
+ActivityEntry entry(Level level, std::optional<AgentProviderID> agent, std::string_view key,
+                    const std::vector<TextArgument>& arguments, const Localization& words) {
+    JSON list = JSON::array();
+    for (const TextArgument& argument : arguments) {
+        std::visit([&](const auto& value) { list.push_back(value); }, argument);
+    }
+    return made(level, std::move(agent), key, list, words);
+}
+
 ActivityEntry refreshStarted(RefreshTrigger trigger, const Localization& words) {
-    return aboutProgram(Level::info,
-                        words.format("log.refresh.started", {triggerText(trigger, words)}));
+    return aboutProgram(Level::info, "log.refresh.started", words,
+                        JSON::array({triggerArgument(trigger)}));
 }
 
 ActivityEntry refreshFinished(RefreshTrigger trigger, std::size_t read, std::size_t asked,
                               Seconds elapsed, const Localization& words) {
     return aboutProgram(
-        Level::info, words.format("log.refresh.finished",
-                                  {triggerText(trigger, words), static_cast<std::int64_t>(read),
-                                   static_cast<std::int64_t>(asked), secondsText(elapsed, words)}));
+        Level::info, "log.refresh.finished", words,
+        JSON::array({triggerArgument(trigger), read, asked, secondsArgument(elapsed)}));
 }
 
 ActivityEntry refreshAborted(const Localization& words) {
-    return aboutProgram(Level::notice, words.text("log.refreshAborted.terminated"));
+    return aboutProgram(Level::notice, "log.refreshAborted.terminated", words);
 }
 
 ActivityEntry agentRead(const AgentUsageSnapshot& snapshot, Seconds elapsed,
                         const Localization& words) {
-    return aboutAgent(Level::info, snapshot.id,
-                      words.format("log.agent.read",
-                                   {figuresText(snapshot, words), secondsText(elapsed, words)}));
+    return aboutAgent(Level::info, snapshot.id, "log.agent.read", words,
+                      JSON::array({figuresArgument(snapshot), secondsArgument(elapsed)}));
 }
 
 ActivityEntry agentFailed(const AgentProviderID& id, const UsageProviderError& error,
                           const Localization& words) {
-    return aboutAgent(Level::error, id, error.message(words));
+    return aboutAgent(Level::error, id, "log.agent.failed", words,
+                      JSON::array({argument("error", toJSON(error))}));
 }
 
 ActivityEntry agentRecovered(const AgentProviderID& id, int failedAttempts,
                              const Localization& words) {
-    return aboutAgent(Level::info, id,
-                      failedAttempts == 1 ? words.text("log.agent.recovered")
-                                          : words.format("log.agent.recovered.several",
-                                                         {std::int64_t{failedAttempts}}));
+    return words.takesSingular(failedAttempts)
+               ? aboutAgent(Level::info, id, "log.agent.recovered", words)
+               : aboutAgent(Level::info, id, "log.agent.recovered.several", words,
+                            JSON::array({failedAttempts}));
 }
 
 ActivityEntry agentRetried(const AgentProviderID& id, Seconds delay, const Localization& words) {
-    return aboutAgent(Level::notice, id,
-                      words.format("log.agent.retry", {wholeSecondsText(delay, words)}));
+    return aboutAgent(Level::notice, id, "log.agent.retry", words,
+                      JSON::array({wholeSecondsArgument(delay)}));
 }
 
 std::vector<ActivityEntry> notes(const AgentUsageSnapshot& snapshot, const Localization& words) {
     std::vector<ActivityEntry> entries;
+    const auto add = [&](Level level, std::string_view key, const JSON& arguments) {
+        entries.push_back(aboutAgent(level, snapshot.id, key, words, arguments));
+    };
     for (const SnapshotNote& note : snapshot.notes) {
         if (const auto* missing = std::get_if<SnapshotNote::ClaudeEndMarkerMissing>(&note.value)) {
-            entries.push_back(
-                aboutAgent(Level::notice, snapshot.id,
-                           words.format("log.claude.endMarkerMissing", {missing->variant})));
+            add(Level::notice, "log.claude.endMarkerMissing", JSON::array({missing->variant}));
         } else if (const auto* timing = std::get_if<SnapshotNote::ClaudeTiming>(&note.value)) {
-            entries.push_back(
-                aboutAgent(Level::info, snapshot.id,
-                           words.format("log.claude.timing",
-                                        {timing->waitMs, timing->startMs, timing->statusMs,
-                                         timing->usageMs, timing->quietMs, timing->endMs})));
+            add(Level::info, "log.claude.timing",
+                JSON::array({timing->waitMs, timing->startMs, timing->statusMs, timing->usageMs,
+                             timing->quietMs, timing->endMs}));
         } else if (const auto* way = std::get_if<SnapshotNote::ReadingWay>(&note.value)) {
             const Seconds took(static_cast<double>(way->tookMs) / 1000);
-            entries.push_back(
-                aboutAgent(Level::info, snapshot.id,
-                           words.format("log.agent.way",
-                                        {wayText(way->way, words), secondsText(took, words)})));
+            add(Level::info, "log.agent.way",
+                JSON::array({argument("way", way->way), secondsArgument(took)}));
         } else if (const auto* untold = std::get_if<SnapshotNote::AgeNotTold>(&note.value)) {
-            entries.push_back(
-                aboutAgent(Level::notice, snapshot.id,
-                           words.format("log.agent.ageNotTold", {singleLine(untold->version)})));
+            add(Level::notice, "log.agent.ageNotTold", JSON::array({singleLine(untold->version)}));
         } else if (std::holds_alternative<SnapshotNote::ReadingCosts>(note.value)) {
-            entries.push_back(
-                aboutAgent(Level::notice, snapshot.id, words.text("log.agent.readingCosts")));
+            add(Level::notice, "log.agent.readingCosts", JSON::array());
         } else if (const auto* said = std::get_if<SnapshotNote::AgentSays>(&note.value)) {
-            entries.push_back(aboutAgent(Level::info, snapshot.id,
-                                         words.format("log.agent.says", {singleLine(said->text)})));
+            add(Level::info, "log.agent.says", JSON::array({singleLine(said->text)}));
         }
     }
     return entries;
@@ -161,7 +367,8 @@ ActivityEntry implausible(const AgentProviderID& id, const ImplausibleFigure& fi
     const char* const key = figure.kind == Kind::used       ? "log.figure.used"
                             : figure.kind == Kind::duration ? "log.figure.duration"
                                                             : "log.figure.reset";
-    return aboutAgent(Level::notice, id, words.format(key, {windowLabel(figure.window, words)}));
+    return aboutAgent(Level::notice, id, key, words,
+                      JSON::array({argument("window", windowJSON(figure.window))}));
 }
 
 std::vector<ActivityEntry> turnedCritical(const AgentUsageSnapshot* before,
@@ -178,10 +385,10 @@ std::vector<ActivityEntry> turnedCritical(const AgentUsageSnapshot* before,
             earlier = found == before->windows.end() ? nullptr : &*found;
         }
         if (!earlier || severity(*earlier, before->updatedAt) != Severity::critical) {
+            const JSON figures = windowJSON(window);
             entries.push_back(
-                aboutAgent(Level::notice, after.id,
-                           words.format("log.window.critical", {windowLabel(window, words),
-                                                                remainingText(window, words)})));
+                aboutAgent(Level::notice, after.id, "log.window.critical", words,
+                           JSON::array({argument("window", figures), argument("left", figures)})));
         }
     }
     return entries;
@@ -198,51 +405,54 @@ std::vector<ActivityEntry> allowanceChanged(const AgentUsageSnapshot* before,
     if (!isUsed && !(after.allowance && after.allowance->ordinaryUsageAllowed == true)) {
         return {};
     }
-    return {aboutAgent(Level::notice, after.id,
-                       words.text(isUsed ? "log.agent.usedUp" : "log.agent.backAgain"))};
+    return {aboutAgent(Level::notice, after.id, isUsed ? "log.agent.usedUp" : "log.agent.backAgain",
+                       words)};
 }
 
 ActivityEntry agentSwitched(const AgentProviderID& id, bool enabled, const Localization& words) {
-    return aboutAgent(
-        Level::info, id,
-        words.text(enabled ? "log.settings.agentEnabled" : "log.settings.agentDisabled"));
+    return aboutAgent(Level::info, id,
+                      enabled ? "log.settings.agentEnabled" : "log.settings.agentDisabled", words);
 }
 
 ActivityEntry orderChanged(const std::vector<AgentProviderID>& order, const Localization& words) {
-    std::string names;
+    JSON agents = JSON::array();
     for (const AgentProviderID& id : order) {
-        names += (names.empty() ? "" : ", ") + shortName(id, words);
+        agents.push_back(id.rawValue);
     }
-    return aboutProgram(Level::info, words.format("log.settings.order", {names}));
+    return aboutProgram(Level::info, "log.settings.order", words,
+                        JSON::array({argument("agents", std::move(agents))}));
+}
+
+ActivityEntry historyDeleted(const Localization& words) {
+    return aboutProgram(Level::notice, "log.settings.historyDeleted", words);
 }
 
 ActivityEntry woke(Seconds hold, const Localization& words) {
-    return aboutProgram(Level::info, words.format("log.wake", {wholeSecondsText(hold, words)}));
+    return aboutProgram(Level::info, "log.wake", words, JSON::array({wholeSecondsArgument(hold)}));
 }
 
 ActivityEntry storageTrouble(const StorageTrouble::News& news, const Localization& words) {
+    const auto about = [&](Level level, std::string_view key, const JSON& arguments) {
+        return aboutProgram(level, key, words, arguments);
+    };
     switch (news.kind) {
     case StorageTrouble::Kind::failed:
-        return aboutProgram(Level::error,
-                            words.format("log.storage.failed", {news.error.message()}));
+        return about(Level::error, "log.storage.failed", JSON::array({news.error.message()}));
     case StorageTrouble::Kind::inTheWay:
-        return aboutProgram(Level::error,
-                            words.format("log.storage.inTheWay", {news.file.string()}));
+        return about(Level::error, "log.storage.inTheWay", JSON::array({news.file.string()}));
     case StorageTrouble::Kind::recovered:
-        return aboutProgram(Level::info, words.text("log.storage.recovered"));
+        return about(Level::info, "log.storage.recovered", JSON::array());
     case StorageTrouble::Kind::repaired:
-        return aboutProgram(Level::notice,
-                            words.format("log.storage.repaired", {news.file.filename().string()}));
+        return about(Level::notice, "log.storage.repaired",
+                     JSON::array({news.file.filename().string()}));
     case StorageTrouble::Kind::foreign:
-        return aboutProgram(Level::error,
-                            words.format("log.storage.foreign", {news.file.string()}));
+        return about(Level::error, "log.storage.foreign", JSON::array({news.file.string()}));
     case StorageTrouble::Kind::undecoded:
-        return aboutProgram(
-            Level::notice,
-            news.part.empty()
-                ? words.format("log.storage.undecodedFile", {news.file.string()})
-                : words.format("log.storage.undecoded",
-                               {shortName(AgentProviderID(news.part), words), news.file.string()}));
+        return news.part.empty() ? about(Level::notice, "log.storage.undecodedFile",
+                                         JSON::array({news.file.string()}))
+                                 : about(Level::notice, "log.storage.undecoded",
+                                         JSON::array({argument("agents", JSON::array({news.part})),
+                                                      news.file.string()}));
     }
     return {};
 }

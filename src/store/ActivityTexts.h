@@ -7,13 +7,25 @@
 #include "text/Dates.h"
 #include "text/Localization.h"
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vellmark {
 
 /// The entries of the activity log about refreshes and settings, in the user's words. Undated.
 namespace ActivityTexts {
+
+/// Puts an entry that was written in another language into this one, as far as its message is
+/// known here; else its text stays.
+void tell(ActivityEntry& entry, const Localization& words);
+void tell(std::vector<ActivityEntry>& entries, const Localization& words);
+
+/// An entry with the text of `key`, whose arguments are texts and integers.
+ActivityEntry entry(ActivityEntry::Level level, std::optional<AgentProviderID> agent,
+                    std::string_view key, const std::vector<TextArgument>& arguments,
+                    const Localization& words);
 
 ActivityEntry refreshStarted(RefreshTrigger trigger, const Localization& words);
 ActivityEntry refreshFinished(RefreshTrigger trigger, std::size_t read, std::size_t asked,
@@ -45,6 +57,7 @@ std::vector<ActivityEntry> allowanceChanged(const AgentUsageSnapshot* before,
 
 ActivityEntry agentSwitched(const AgentProviderID& id, bool enabled, const Localization& words);
 ActivityEntry orderChanged(const std::vector<AgentProviderID>& order, const Localization& words);
+ActivityEntry historyDeleted(const Localization& words);
 ActivityEntry storageTrouble(const StorageTrouble::News& news, const Localization& words);
 ActivityEntry woke(Seconds hold, const Localization& words);
 

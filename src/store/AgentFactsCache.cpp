@@ -27,6 +27,7 @@ AgentFacts factsOf(const Machine& machine, const ProviderRegistration& registrat
 struct AgentFactsCache::Entry {
     std::optional<AgentFacts> facts;
     Instant askedAt{};
+    std::optional<std::filesystem::path> askedOf;
     bool isAsking = false;
     std::thread worker;
 };
@@ -60,7 +61,7 @@ void AgentFactsCache::need(const AgentProviderID& id) {
     if (found != entries_.end()) {
         const Seconds age = configuration_.now() - found->second->askedAt;
         // A clock that was set back makes nothing fresh.
-        if (age >= Seconds(0) && age < freshFor) {
+        if (age >= Seconds(0) && age < freshFor && found->second->askedOf == chosenProgram(id)) {
             return;
         }
     }
@@ -86,6 +87,7 @@ void AgentFactsCache::ask(const AgentProviderID& id) {
         entry->worker.join(); // it has posted, so it is at its end
     }
     entry->askedAt = configuration_.now();
+    entry->askedOf = chosenProgram(id);
     try {
         entry->worker =
             std::thread([this, id, machine = configuration_.machine, registration = *registered,
@@ -102,6 +104,12 @@ void AgentFactsCache::ask(const AgentProviderID& id) {
         return; // no thread to be had: asked again when somebody looks after a while
     }
     onChange_();
+}
+
+std::optional<std::filesystem::path>
+AgentFactsCache::chosenProgram(const AgentProviderID& id) const {
+    const auto& chosen = configuration_.machine.chosenExecutables;
+    return chosen ? chosen->of(id.rawValue) : std::nullopt;
 }
 
 void AgentFactsCache::land(const AgentProviderID& id, AgentFacts facts) {

@@ -4,9 +4,11 @@
 #include "probes/AgentFacts.h"
 #include "store/MainExecutor.h"
 
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace vellmark {
@@ -37,7 +39,7 @@ public:
     /// Null as long as nothing is known. What was known stays while it is asked anew.
     const AgentFacts* of(const AgentProviderID& id) const;
     bool isAsking(const AgentProviderID& id) const;
-    /// Asks unless the answer is fresh or under way.
+    /// Asks unless the answer is under way, or fresh and of the program that is chosen now.
     void need(const AgentProviderID& id);
     /// Asks however fresh the answer is.
     void recheck(const AgentProviderID& id);
@@ -45,6 +47,7 @@ public:
 private:
     struct Entry;
     void ask(const AgentProviderID& id);
+    std::optional<std::filesystem::path> chosenProgram(const AgentProviderID& id) const;
     void land(const AgentProviderID& id, AgentFacts facts);
 
     Configuration configuration_;

@@ -11,9 +11,6 @@ namespace vellmark {
 
 namespace {
 
-constexpr std::string_view disabledKey = "DisabledProviders";
-constexpr std::string_view orderKey = "ProviderOrder";
-
 constexpr double leastIntervalMinutes = 1;
 constexpr double mostIntervalMinutes = 24 * 60;
 
@@ -22,6 +19,18 @@ std::vector<std::string> list(const Preferences& preferences, std::string_view k
 }
 
 } // namespace
+
+std::string AgentSettings::executableKey(const AgentProviderID& id) {
+    return capitalized(id.rawValue) + "Path";
+}
+
+std::string AgentSettings::wayKey(const AgentProviderID& id) {
+    return capitalized(id.rawValue) + "ReadingWay";
+}
+
+std::string AgentSettings::intervalKey(const AgentProviderID& id) {
+    return capitalized(id.rawValue) + "ReadingInterval";
+}
 
 AgentSettings::AgentSettings(Preferences& preferences,
                              const std::vector<ProviderRegistration>& registrations)
@@ -65,14 +74,13 @@ AgentSettings::completed(const std::vector<AgentProviderID>& wanted) const {
 }
 
 ReadingOptions AgentSettings::readingOptions(const ProviderDescriptor& agent) const {
-    const std::string name = capitalized(agent.id.rawValue);
     ReadingOptions options;
-    const auto way = preferences_.string(name + "ReadingWay");
+    const auto way = preferences_.string(wayKey(agent.id));
     // A way that only another version has is no way.
     if (way && std::ranges::find(agent.readingWays, *way) != agent.readingWays.end()) {
         options.way = *way;
     }
-    const auto minutes = preferences_.number(name + "ReadingInterval");
+    const auto minutes = preferences_.number(intervalKey(agent.id));
     if (minutes && *minutes >= leastIntervalMinutes && *minutes <= mostIntervalMinutes) {
         options.interval = Seconds(*minutes * 60);
     }
@@ -91,13 +99,35 @@ std::set<AgentProviderID> AgentSettings::enabled() const {
 }
 
 void AgentSettings::setEnabled(const AgentProviderID& id, bool enabled) {
-    // Names of agents that only another version knows stay in the list.
-    auto disabled = list(preferences_, disabledKey);
-    std::erase(disabled, id.rawValue);
-    if (!enabled) {
-        disabled.push_back(id.rawValue);
+    preferences_.setMember(disabledKey, id.rawValue, !enabled);
+}
+
+std::optional<std::filesystem::path>
+AgentSettings::chosenExecutable(const AgentProviderID& id) const {
+    const auto stored = preferences_.string(executableKey(id));
+    return stored && std::filesystem::path(*stored).is_absolute()
+               ? std::optional<std::filesystem::path>(*stored)
+               : std::nullopt;
+}
+
+void AgentSettings::chooseExecutable(const AgentProviderID& id,
+                                     const std::optional<std::filesystem::path>& path) {
+    if (path) {
+        preferences_.setString(executableKey(id), path->string());
+    } else {
+        preferences_.remove(executableKey(id));
     }
-    preferences_.setStrings(disabledKey, std::move(disabled));
+}
+
+std::set<AgentProviderID> AgentSettings::applyExecutables(const Machine& machine) const {
+    std::set<AgentProviderID> changed;
+    for (const AgentProviderID& id : registered_) {
+        if (machine.chosenExecutables &&
+            machine.chosenExecutables->choose(id.rawValue, chosenExecutable(id))) {
+            changed.insert(id);
+        }
+    }
+    return changed;
 }
 
 } // namespace vellmark

@@ -4,15 +4,26 @@
 #include "platform/Preferences.h"
 #include "probes/ProviderRegistry.h"
 
+#include <filesystem>
+#include <optional>
 #include <set>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace vellmark {
 
-/// Which agents the user wants to see, and in which order: the preferences "DisabledProviders" and
-/// "ProviderOrder". Main thread.
+/// What the user wants of the agents: which of them are shown and in which order (the preferences
+/// "DisabledProviders" and "ProviderOrder"), how each is read, and with which program. Main thread.
 class AgentSettings {
 public:
+    static constexpr std::string_view disabledKey = "DisabledProviders";
+    static constexpr std::string_view orderKey = "ProviderOrder";
+    /// "ClaudePath", "ClaudeReadingWay", "ClaudeReadingInterval".
+    static std::string executableKey(const AgentProviderID& id);
+    static std::string wayKey(const AgentProviderID& id);
+    static std::string intervalKey(const AgentProviderID& id);
+
     /// `registrations`: all agents, in the order that holds without a wish.
     AgentSettings(Preferences& preferences, const std::vector<ProviderRegistration>& registrations);
 
@@ -28,6 +39,14 @@ public:
     /// "ClaudeReadingInterval" (minutes between readings that cost something); another agent's
     /// begin with its own identifier.
     ReadingOptions readingOptions(const ProviderDescriptor& agent) const;
+
+    /// The program that is to be run as the agent's CLI, wherever else one is installed; absent
+    /// where it is looked for.
+    std::optional<std::filesystem::path> chosenExecutable(const AgentProviderID& id) const;
+    void chooseExecutable(const AgentProviderID& id,
+                          const std::optional<std::filesystem::path>& path);
+    /// Tells the machine of the chosen programs. Answers whose is another one than before.
+    std::set<AgentProviderID> applyExecutables(const Machine& machine) const;
 
     std::set<AgentProviderID> enabled() const;
     void setEnabled(const AgentProviderID& id, bool enabled);

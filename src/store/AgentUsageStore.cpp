@@ -1,10 +1,11 @@
 #include "store/AgentUsageStore.h"
 
 #include "platform/UnusedMemory.h"
-#include "store/ActivityLog.h"
+#include "store/ActivityLines.h"
 #include "store/ActivityTexts.h"
 #include "store/AgentReadings.h"
 #include "store/AgentSettings.h"
+#include "store/AppSettings.h"
 #include "store/PlausibleFigures.h"
 #include "store/ReadingSchedule.h"
 #include "store/RefreshRun.h"
@@ -57,6 +58,12 @@ struct AgentUsageStore::State {
     void takeFailure(const AgentProviderID& id, UsageProviderError error);
     void finishIfDone();
 
+    RefreshRun::Agent madeAgent(const ProviderRegistration& registration);
+    ReadingOptions readingOptions(const ProviderDescriptor& agent) const;
+    std::vector<AgentProviderID> takeReadingSettings();
+    void dropReading(const AgentProviderID& id);
+    void show(const AgentProviderID& id, bool enabled);
+    void arrange(std::vector<AgentProviderID> order);
     void takeLastSnapshots();
     /// Makes `state.snapshots` of what is known, for the enabled agents in their order.
     void publishSnapshots();
@@ -71,6 +78,7 @@ struct AgentUsageStore::State {
     StateObservers observers;
     UsageState state;
     std::map<AgentProviderID, RefreshRun::Agent> agents;
+    std::map<AgentProviderID, ReadingOptions> options; ///< with which `agents` were made
     AgentReadings readings;
     ReadingSchedule schedule;
     std::map<AgentProviderID, int> failedAttempts;
@@ -102,23 +110,81 @@ AgentUsageStore::State::State(Configuration configuration, MainExecutor& mainExe
                                const StorageTrouble::News& news) { noteTrouble(file, news); }}),
       fetcher(mainExecutor, config.machine.home.string()) {
     for (const ProviderRegistration& registration : config.registrations) {
-        const ProviderDescriptor& descriptor = registration.descriptor;
-        ReadingOptions options = settings.readingOptions(descriptor);
-        if (config.way && std::ranges::find(descriptor.readingWays, *config.way) !=
-                              descriptor.readingWays.end()) {
-            options.way = *config.way;
-        }
-        RefreshRun::Agent agent{descriptor.id, words().text(descriptor.nameKey),
-                                registration.make(config.machine, options), std::nullopt};
-        if (descriptor.timeoutRetryDelaySeconds) {
-            agent.timeoutRetryDelay = Seconds(*descriptor.timeoutRetryDelaySeconds);
-        }
-        agents.emplace(descriptor.id, std::move(agent));
+        agents.emplace(registration.descriptor.id, madeAgent(registration));
     }
+    settings.applyExecutables(config.machine);
+    state.firstFigure = valueOf(preferences, setting::firstFigure);
     state.providerOrder = settings.order();
     state.enabledProviderIDs = config.agents ? *config.agents : settings.enabled();
     takeLastSnapshots();
     publishSnapshots();
+}
+
+ReadingOptions AgentUsageStore::State::readingOptions(const ProviderDescriptor& agent) const {
+    ReadingOptions wanted = settings.readingOptions(agent);
+    if (config.way &&
+        std::ranges::find(agent.readingWays, *config.way) != agent.readingWays.end()) {
+        wanted.way = *config.way;
+    }
+    return wanted;
+}
+
+RefreshRun::Agent AgentUsageStore::State::madeAgent(const ProviderRegistration& registration) {
+    const ProviderDescriptor& descriptor = registration.descriptor;
+    const ReadingOptions& wanted = options[descriptor.id] = readingOptions(descriptor);
+    RefreshRun::Agent agent{descriptor.id, words().text(descriptor.nameKey),
+                            registration.make(config.machine, wanted), std::nullopt};
+    if (descriptor.timeoutRetryDelaySeconds) {
+        agent.timeoutRetryDelay = Seconds(*descriptor.timeoutRetryDelaySeconds);
+    }
+    return agent;
+}
+
+// --- settings
+
+/// The agents that are read in another way now, or with another program.
+std::vector<AgentProviderID> AgentUsageStore::State::takeReadingSettings() {
+    const std::set<AgentProviderID> moved = settings.applyExecutables(config.machine);
+    std::vector<AgentProviderID> changed;
+    for (const ProviderRegistration& registration : config.registrations) {
+        const AgentProviderID& id = registration.descriptor.id;
+        if (moved.contains(id) || options.at(id) != readingOptions(registration.descriptor)) {
+            // What a provider knows of its program is not true of another one.
+            agents.at(id) = madeAgent(registration);
+            changed.push_back(id);
+        }
+    }
+    return changed;
+}
+
+void AgentUsageStore::State::dropReading(const AgentProviderID& id) {
+    if (run) {
+        readWell.erase(id);
+        run->drop(id);
+        state.refreshProgress = run->progress();
+    }
+    readings.abandon(id);
+}
+
+void AgentUsageStore::State::show(const AgentProviderID& id, bool enabled) {
+    observers.around([&] {
+        note(ActivityTexts::agentSwitched(id, enabled, words()));
+        if (enabled) {
+            state.enabledProviderIDs.insert(id);
+        } else {
+            state.enabledProviderIDs.erase(id);
+            dropReading(id);
+        }
+        publishSnapshots();
+    });
+}
+
+void AgentUsageStore::State::arrange(std::vector<AgentProviderID> order) {
+    observers.around([&] {
+        note(ActivityTexts::orderChanged(order, words()));
+        state.providerOrder = std::move(order);
+        publishSnapshots();
+    });
 }
 
 void AgentUsageStore::State::takeLastSnapshots() {
@@ -485,21 +551,7 @@ void AgentUsageStore::setEnabled(const AgentProviderID& id, bool enabled) {
     }
     d_->settings.setEnabled(id, enabled);
     d_->noteSettings();
-    d_->observers.around([&] {
-        d_->note(ActivityTexts::agentSwitched(id, enabled, d_->words()));
-        if (enabled) {
-            d_->state.enabledProviderIDs.insert(id);
-        } else {
-            d_->state.enabledProviderIDs.erase(id);
-            if (d_->run) {
-                d_->readWell.erase(id);
-                d_->run->drop(id);
-                d_->state.refreshProgress = d_->run->progress();
-            }
-            d_->readings.abandon(id);
-        }
-        d_->publishSnapshots();
-    });
+    d_->show(id, enabled);
     if (enabled) {
         refresh(RefreshTrigger::settings, {id});
     } else {
@@ -514,26 +566,94 @@ void AgentUsageStore::setProviderOrder(std::vector<AgentProviderID> order) {
     }
     d_->settings.setOrder(order);
     d_->noteSettings();
-    d_->observers.around([&] {
-        d_->note(ActivityTexts::orderChanged(order, d_->words()));
-        d_->state.providerOrder = std::move(order);
-        d_->publishSnapshots();
+    d_->arrange(std::move(order));
+}
+
+void AgentUsageStore::takeSettings() {
+    std::vector<AgentProviderID> toRead;
+    for (const AgentProviderID& id : d_->takeReadingSettings()) {
+        if (d_->state.enabledProviderIDs.contains(id)) {
+            d_->observers.around([&] {
+                d_->dropReading(id);
+                d_->publishSnapshots();
+            });
+            toRead.push_back(id);
+        }
+    }
+    if (const auto first = valueOf(d_->preferences, setting::firstFigure);
+        first != d_->state.firstFigure) {
+        d_->observers.around([&] { d_->state.firstFigure = first; });
+    }
+    if (auto order = d_->settings.order(); order != d_->state.providerOrder) {
+        d_->arrange(std::move(order));
+    }
+    if (!d_->config.agents) {
+        const std::set<AgentProviderID> enabled = d_->settings.enabled();
+        for (const AgentProviderID& id : d_->state.providerOrder) {
+            if (enabled.contains(id) == d_->state.enabledProviderIDs.contains(id)) {
+                continue;
+            }
+            d_->show(id, enabled.contains(id));
+            if (enabled.contains(id)) {
+                toRead.push_back(id);
+            } else {
+                std::erase(toRead, id);
+            }
+        }
+    }
+    d_->finishIfDone();
+    if (!toRead.empty()) {
+        refresh(RefreshTrigger::settings, toRead);
+    }
+}
+
+void AgentUsageStore::deleteHistory(std::function<void(std::error_code)> done) {
+    d_->files.deleteHistory([d = d_.get(), done = std::move(done)](std::error_code error) {
+        if (!error) {
+            d->observers.around([&] { d->note(ActivityTexts::historyDeleted(d->words())); });
+        }
+        done(error);
     });
+}
+
+void AgentUsageStore::discardDeletedHistory() {
+    d_->files.discardDeletedHistory();
 }
 
 void AgentUsageStore::logActivity(ActivityEntry entry) {
     d_->observers.around([&] { d_->note(std::move(entry)); });
 }
 
+class AgentUsageStore::ActivitySubscription {
+public:
+    explicit ActivitySubscription(std::shared_ptr<StoreFiles::Follower> follower)
+        : follower_(std::move(follower)) {}
+
+private:
+    std::shared_ptr<StoreFiles::Follower> follower_;
+};
+
+std::shared_ptr<AgentUsageStore::ActivitySubscription>
+AgentUsageStore::followActivity(int days, std::function<void(ActivityLog::News)> tell) {
+    return std::make_shared<ActivitySubscription>(
+        d_->files.follow(d_->now() - days * day, d_->words(), std::move(tell)));
+}
+
+void AgentUsageStore::lookAtActivity() {
+    d_->files.lookAtLog();
+}
+
 std::vector<ActivityEntry> AgentUsageStore::activity(int days) {
-    return d_->files.activity(d_->now() - days * day, d_->words().timeZone());
+    auto entries = d_->files.activity(d_->now() - days * day, d_->words().timeZone());
+    ActivityTexts::tell(entries, d_->words());
+    return entries;
 }
 
 std::string AgentUsageStore::activityExportText(int days) {
     const TimeZone zone = d_->words().timeZone();
     std::string text = ActivityTexts::exportHeader(days, d_->now(), zone, d_->words());
     for (const ActivityEntry& entry : activity(days)) {
-        text += ActivityLog::line(entry, zone) + "\n";
+        text += ActivityLines::text(entry, zone) + "\n";
     }
     return text;
 }

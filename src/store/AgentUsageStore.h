@@ -3,7 +3,7 @@
 #include "platform/Machine.h"
 #include "platform/Preferences.h"
 #include "probes/ProviderRegistry.h"
-#include "store/ActivityEntry.h"
+#include "store/ActivityLog.h"
 #include "store/MainExecutor.h"
 #include "store/UsageState.h"
 
@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace vellmark {
@@ -74,10 +75,28 @@ public:
     /// Enabling reads the agent at once (trigger `settings`); disabling drops a reading under way.
     void setEnabled(const AgentProviderID& id, bool enabled);
     void setProviderOrder(std::vector<AgentProviderID> order);
+    /// Takes over what the preferences say now: agents, their order, ways and programs, and what is
+    /// shown first. Reads the agents of which that asks for a new reading.
+    void takeSettings();
+
+    /// Removes all recorded samples, those of readings that have just ended too. They are kept in a
+    /// folder beside the history until `discardDeletedHistory`; failing that, nothing is deleted.
+    /// `done` is called on the main thread, with the reason where it did not work.
+    void deleteHistory(std::function<void(std::error_code)> done);
+    /// Removes what `deleteHistory` has kept; to be called when the program starts.
+    void discardDeletedHistory();
 
     /// Appends an entry to the activity log, dated now. Control characters in it are dropped.
     void logActivity(ActivityEntry entry);
-    /// The entries of the last `days` days, oldest first. Reads the file.
+    class ActivitySubscription;
+    /// Reads the log without waiting and tells, on the main thread, the entries of the last `days`
+    /// days, then whatever is added; all in the language of now. Ends when the subscription is
+    /// destroyed, which may outlive the store.
+    [[nodiscard]] std::shared_ptr<ActivitySubscription>
+    followActivity(int days, std::function<void(ActivityLog::News)> tell);
+    /// Has the followers told of what another process has added.
+    void lookAtActivity();
+    /// The entries of the last `days` days in the language of now, oldest first. Reads the file.
     std::vector<ActivityEntry> activity(int days);
     /// The same as text, with a header, for saving and copying.
     std::string activityExportText(int days);

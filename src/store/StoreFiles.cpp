@@ -1,6 +1,6 @@
 #include "store/StoreFiles.h"
 
-#include "store/ActivityLog.h"
+#include "store/ActivityTexts.h"
 #include "store/LastSnapshots.h"
 #include "store/MainExecutor.h"
 #include "store/PersistenceQueue.h"
@@ -10,6 +10,24 @@
 #include <utility>
 
 namespace vellmark {
+
+/// Belongs to whoever follows the log; what the persistence thread keeps of it is its own.
+class StoreFiles::Follower {
+public:
+    /// On the persistence thread only.
+    struct Reader {
+        Instant since;
+        Localization words;
+        ActivityLog::Place place;
+    };
+
+    Follower(Instant since, Localization words, TellActivity told)
+        : reader(std::make_shared<Reader>(Reader{since, std::move(words), {}})),
+          tell(std::make_shared<TellActivity>(std::move(told))) {}
+
+    const std::shared_ptr<Reader> reader;
+    const std::shared_ptr<TellActivity> tell;
+};
 
 struct StoreFiles::State {
     State(const Machine& machine, MainExecutor& mainExecutor, Callbacks mainCallbacks)
@@ -46,7 +64,25 @@ struct StoreFiles::State {
         tellTrouble(file, trouble);
     }
 
+    void tellActivity(Follower::Reader& reader, const std::weak_ptr<TellActivity>& tell) {
+        if (tell.expired()) {
+            return;
+        }
+        ActivityLog::News news = log.news(reader.place, reader.since, reader.words.timeZone());
+        if (!news.startsAnew && news.entries.empty()) {
+            return;
+        }
+        ActivityTexts::tell(news.entries, reader.words);
+        // Handed over, for the main thread alone.
+        executor.post([tell, news = std::make_shared<ActivityLog::News>(std::move(news))] {
+            if (const auto alive = tell.lock()) {
+                (*alive)(std::move(*news));
+            }
+        });
+    }
+
     MainExecutor& executor;
+    std::vector<std::weak_ptr<Follower>> followers; ///< main thread
     std::shared_ptr<Callbacks> callbacks;
     std::shared_ptr<UsageHistory> history = std::make_shared<UsageHistory>();
     UsageHistoryRecorder recorder;
@@ -99,6 +135,23 @@ void StoreFiles::log(ActivityEntry entry, TimeZone zone) {
     d_->queue.post([d = d_.get(), entry = std::move(entry), zone = std::move(zone)] {
         d->note(File::log, d->logTrouble, d->log.append(entry, zone));
     });
+    lookAtLog();
+}
+
+void StoreFiles::deleteHistory(std::function<void(std::error_code)> done) {
+    d_->queue.post([d = d_.get(), done = std::move(done)] {
+        const std::error_code error = d->recorder.deleteAll();
+        d->tellHistory(!error);
+        d->executor.post([weak = std::weak_ptr(d->callbacks), done, error] {
+            if (weak.lock()) {
+                done(error);
+            }
+        });
+    });
+}
+
+void StoreFiles::discardDeletedHistory() {
+    d_->queue.post([d = d_.get()] { d->recorder.discardDeleted(); });
 }
 
 void StoreFiles::trim(Instant now, TimeZone zone) {
@@ -112,6 +165,26 @@ std::vector<ActivityEntry> StoreFiles::activity(Instant since, const TimeZone& z
     std::vector<ActivityEntry> entries;
     d_->queue.run([&] { entries = d_->log.entries(since, zone); });
     return entries;
+}
+
+std::shared_ptr<StoreFiles::Follower> StoreFiles::follow(Instant since, const Localization& words,
+                                                         TellActivity tell) {
+    auto follower = std::make_shared<Follower>(since, words, std::move(tell));
+    d_->followers.push_back(follower);
+    lookAtLog();
+    return follower;
+}
+
+void StoreFiles::lookAtLog() {
+    std::erase_if(d_->followers, [](const auto& follower) { return follower.expired(); });
+    for (const auto& weak : d_->followers) {
+        if (const auto follower = weak.lock()) {
+            d_->queue.post(
+                [d = d_.get(), reader = follower->reader, tell = std::weak_ptr(follower->tell)] {
+                    d->tellActivity(*reader, tell);
+                });
+        }
+    }
 }
 
 void StoreFiles::flush() {

@@ -2,17 +2,19 @@
 
 #include "model/AgentUsageSnapshot.h"
 #include "platform/Machine.h"
-#include "store/ActivityEntry.h"
+#include "store/ActivityLog.h"
 #include "store/StorageTrouble.h"
 #include "text/Dates.h"
 
 #include <functional>
 #include <map>
 #include <memory>
+#include <system_error>
 #include <vector>
 
 namespace vellmark {
 
+class Localization;
 class MainExecutor;
 class UsageHistory;
 
@@ -47,10 +49,23 @@ public:
     void save(std::map<AgentProviderID, AgentUsageSnapshot> readings, Instant now);
     void log(ActivityEntry entry, TimeZone zone);
 
+    /// `done` is called on the main thread, not after the destruction.
+    void deleteHistory(std::function<void(std::error_code)> done);
+    void discardDeletedHistory();
+
     /// Drops old log lines, and thins out the history when that is due.
     void trim(Instant now, TimeZone zone);
     /// Waits: the log's entries since `since`.
     std::vector<ActivityEntry> activity(Instant since, const TimeZone& zone);
+
+    class Follower;
+    using TellActivity = std::function<void(ActivityLog::News)>;
+    /// Reads the log without waiting and tells its entries since `since`, then whatever is added to
+    /// it from here; all in these words. Ends with the follower.
+    [[nodiscard]] std::shared_ptr<Follower> follow(Instant since, const Localization& words,
+                                                   TellActivity tell);
+    /// Looks for what others have added.
+    void lookAtLog();
     /// Waits until everything asked for is done.
     void flush();
 

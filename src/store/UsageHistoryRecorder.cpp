@@ -2,6 +2,7 @@
 
 #include "model/HistorySampleParser.h"
 #include "model/UsageJSON.h"
+#include "platform/PrivateDirectory.h"
 
 #include <nlohmann/json.hpp>
 
@@ -9,6 +10,8 @@
 #include <utility>
 
 namespace vellmark {
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -33,7 +36,8 @@ void add(HistorySeries& series, const UsageHistorySample& sample) {
 
 UsageHistoryRecorder::UsageHistoryRecorder(std::filesystem::path file,
                                            std::shared_ptr<UsageHistory> history)
-    : file_(file), waiting_(file), history_(std::move(history)), trouble_(std::move(file)) {}
+    : path_(file), file_(file), waiting_(file), history_(std::move(history)),
+      trouble_(std::move(file)) {}
 
 void UsageHistoryRecorder::load(Instant now) {
     compact(now);
@@ -82,6 +86,76 @@ bool UsageHistoryRecorder::compact(Instant now) {
         takeOver();
     }
     return history_->sampleCount() != before;
+}
+
+namespace {
+
+constexpr std::string_view asideName = "deleted-history";
+
+/// A folder that is not there yet.
+fs::path newAside(const fs::path& beside) {
+    fs::path aside = beside.parent_path() / asideName;
+    std::error_code ignored;
+    for (int number = 2; fs::exists(aside, ignored); ++number) {
+        aside = beside.parent_path() / (std::string(asideName) + "-" + std::to_string(number));
+    }
+    return aside;
+}
+
+/// The history and what belongs to it: what waits, what was removed or damaged. Not the lock.
+std::vector<fs::path> filesOf(const fs::path& history) {
+    const std::string name = history.stem().string() + ".";
+    std::vector<fs::path> files;
+    std::error_code ignored;
+    for (const auto& entry : fs::directory_iterator(history.parent_path(), ignored)) {
+        const std::string each = entry.path().filename().string();
+        if (each.starts_with(name) && entry.path().extension() != ".lock" &&
+            entry.is_regular_file(ignored)) {
+            files.push_back(entry.path());
+        }
+    }
+    return files;
+}
+
+} // namespace
+
+std::error_code UsageHistoryRecorder::deleteAll() {
+    std::error_code error;
+    const auto held = file_.lock(error);
+    if (!held) {
+        return error;
+    }
+    const fs::path aside = newAside(path_);
+    const std::vector<fs::path> files = filesOf(path_);
+    if (!files.empty() && (error = makePrivateDirectory(aside))) {
+        return error;
+    }
+    for (auto file = files.begin(); file != files.end(); ++file) {
+        fs::rename(*file, aside / file->filename(), error);
+        if (error) {
+            std::error_code ignored;
+            std::for_each(files.begin(), file, [&](const fs::path& moved) {
+                fs::rename(aside / moved.filename(), moved, ignored);
+            });
+            fs::remove(aside, ignored);
+            return error;
+        }
+    }
+    heldBack_.clear();
+    catchUp(&*held);
+    return {};
+}
+
+void UsageHistoryRecorder::discardDeleted() {
+    std::error_code ignored;
+    const std::string name(asideName);
+    for (const auto& entry : fs::directory_iterator(path_.parent_path(), ignored)) {
+        const std::string each = entry.path().filename().string();
+        if ((each == name || each.starts_with(name + "-")) && entry.is_directory(ignored) &&
+            !entry.is_symlink(ignored)) {
+            fs::remove_all(entry.path(), ignored);
+        }
+    }
 }
 
 /// Brings memory up to the file; false when the file must not be written.

@@ -32,6 +32,12 @@ public:
     /// Thins out the file when that is due. True when the history in memory has changed.
     bool compact(Instant now);
 
+    /// Empties history and memory, what waits included. The files are kept aside in a folder of
+    /// their own, "deleted-history"; when they cannot be, all is as before.
+    std::error_code deleteAll();
+    /// Removes what deletions have kept aside.
+    void discardDeleted();
+
     StorageTrouble& trouble() { return trouble_; }
     /// How many samples wait in memory.
     std::size_t heldBackCount() const { return heldBack_.size(); }
@@ -45,6 +51,7 @@ private:
     bool takeOverWaiting(const FileLock& held);
     void holdBack();
 
+    std::filesystem::path path_;
     UsageHistoryFile file_;
     WaitingFile waiting_;
     std::shared_ptr<UsageHistory> history_;

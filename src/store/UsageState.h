@@ -2,6 +2,7 @@
 
 #include "model/AgentUsageSnapshot.h"
 #include "model/UsageRules.h"
+#include "store/FirstFigure.h"
 
 #include <map>
 #include <optional>
@@ -61,6 +62,8 @@ struct UsageState {
         return found != recentPoints.end() ? std::span<const UsagePoint>(found->second)
                                            : std::span<const UsagePoint>();
     }
+    /// What every front says first of a quota.
+    FirstFigure firstFigure = FirstFigure::left;
     /// Rise with every new sample and every new log entry, for pages that show them.
     unsigned historyRevision = 0;
     unsigned activityRevision = 0;

@@ -39,13 +39,17 @@ constexpr double largestFigure = 1e9;
 /// around them, while order, clock and separators are the region's.
 icu::Locale formatLocale(const Localization& words) {
     const icu::Locale user(words.localeIdentifier().c_str());
-    return icu::Locale(words.languageCode() == "en" ? "en" : "de", user.getCountry(), nullptr,
-                       "calendar=gregorian;numbers=latn");
+    const std::string& code = words.languageCode();
+    return icu::Locale(Localization::hasLanguage(code) ? code.c_str() : "de", user.getCountry(),
+                       nullptr, "calendar=gregorian;numbers=latn");
 }
 
+/// French writes narrow blanks within figures, which many fonts of terminals lack.
 std::string plainText(const number::FormattedNumber& number, UErrorCode status) {
     std::string result;
-    number.toTempString(status).toUTF8String(result);
+    number.toString(status)
+        .findAndReplace(icu::UnicodeString(u'\u202F'), icu::UnicodeString(u'\u00A0'))
+        .toUTF8String(result);
     return U_SUCCESS(status) ? result : std::string(noFigure);
 }
 
@@ -248,6 +252,19 @@ std::string forecastDurationText(Seconds span, const Localization& words) {
 
 std::string timeText(Instant instant, const Localization& words) {
     return dateText(instant, "jm", words);
+}
+
+std::string exactTimeText(Instant instant, const Localization& words) {
+    return dateText(instant, "jms", words);
+}
+
+std::string dayText(Instant instant, Instant now, const Localization& words) {
+    const std::int64_t days = calendarDaysBetween(now, instant, words.timeZone());
+    if (days == 0 || days == -1) {
+        return words.format(days == 0 ? "day.today" : "day.yesterday",
+                            {dateText(instant, "MMMMd", words)});
+    }
+    return dateText(instant, "EEEEMMMMd", words);
 }
 
 std::string instantText(Instant instant, Instant now, const Localization& words) {

@@ -46,6 +46,13 @@ std::string forecastDurationText(Seconds span, const Localization& words);
 /// The time of day ("4:15 PM", "16:15").
 std::string timeText(Instant instant, const Localization& words);
 
+/// The same to the second.
+std::string exactTimeText(Instant instant, const Localization& words);
+
+/// The day of an instant with its weekday, today and yesterday by these names ("Today, November
+/// 20", "Mittwoch, 19. November").
+std::string dayText(Instant instant, Instant now, const Localization& words);
+
 /// An instant near `now`: time alone on the same day, weekday and time within the six days before
 /// and after, else date and time
 /// ("16:15", "Mo., 09:10", "2. Dez., 09:10").

@@ -68,8 +68,7 @@ TEST_F(AgentPage, TellsInTheHeadWhoItIsAndHowOldTheFiguresAre) {
     EXPECT_EQ(content().agent.statusText, "34 min old");
     EXPECT_EQ(content().head.age, "Last tried 2 min ago");
     ASSERT_TRUE(content().agent.failure);
-    EXPECT_EQ(content().windows[0].statusText, "34 min old");
-    EXPECT_TRUE(content().windows[0].showsClock);
+    EXPECT_EQ(content().windows[0].statusText, "Healthy · 34 min old");
 }
 
 TEST_F(AgentPage, ShowsEachWindowWithItsOwnHealthAndOutlook) {
@@ -81,7 +80,7 @@ TEST_F(AgentPage, ShowsEachWindowWithItsOwnHealthAndOutlook) {
     EXPECT_EQ(page.windows[1].statusText, "Running low");
     EXPECT_TRUE(page.windows[1].row.forecast);
     EXPECT_EQ(page.windows[1].outlook, "") << "the forecast stands there";
-    EXPECT_FALSE(page.windows[0].noCourse.empty());
+    EXPECT_FALSE(page.windows[0].chartNote.empty());
 
     history.add({.id = {},
                  .provider = claude,
@@ -95,8 +94,8 @@ TEST_F(AgentPage, ShowsEachWindowWithItsOwnHealthAndOutlook) {
                  .capturedAt = noon - Seconds(120),
                  .usedPercent = 54,
                  .resetsAt = noon + Seconds(132 * 60)});
-    EXPECT_TRUE(content().windows[0].noCourse.empty());
-    EXPECT_FALSE(content().windows[1].noCourse.empty()) << "of the other window";
+    EXPECT_TRUE(content().windows[0].chartNote.empty());
+    EXPECT_FALSE(content().windows[1].chartNote.empty()) << "of the other window";
 
     state.snapshots[0].windows[0].resetsAt = noon - Seconds(60);
     EXPECT_EQ(content().windows[0].statusText, "Reset due");
@@ -122,13 +121,15 @@ TEST_F(AgentPage, TellsHowTheAgentIsRead) {
                        .toolPath = "/home/ann/.local/bin/claude",
                        .toolVersion = "2.1.170 (Claude Code)",
                        .loggedIn = true};
-    EXPECT_EQ(fact("CLI"), "Claude Code CLI 2.1.170 · logged in");
+    EXPECT_EQ(fact("CLI"), "Claude Code CLI 2.1.170");
+    EXPECT_EQ(fact("Login"), "") << "the account tells it";
     EXPECT_EQ(fact("Path"), "~/.local/bin/claude");
     EXPECT_EQ(content().reading.facts[1].copied, "/home/ann/.local/bin/claude");
 
     facts->toolVersion = "unnumbered\x1b[2J";
     facts->loggedIn = false;
-    EXPECT_EQ(fact("CLI"), "Claude Code CLI unnumbered · not logged in");
+    EXPECT_EQ(fact("Login"), "Not logged in");
+    EXPECT_EQ(fact("CLI"), "Claude Code CLI unnumbered");
     facts = AgentFacts{.id = claude, .toolPath = {}, .toolVersion = {}, .loggedIn = {}};
     EXPECT_EQ(fact("Path"), "Not found");
     EXPECT_EQ(content().reading.facts[1].copied, "");
@@ -148,7 +149,7 @@ TEST_F(AgentPage, TellsThePhasesThatCanBeSeen) {
                                                             .quietMs = 1200,
                                                             .endMs = 30}}};
     const ReadingCardContent reading = content().reading;
-    EXPECT_EQ(reading.phasesText, "Start 1.1 · Status 0.6 · Usage 2.9 · Quiet 1.2 s");
+    EXPECT_EQ(reading.phasesText, "Start 1.1 · Status 0.6 · Usage 2.9 · Quiet 1.2 s");
     double whole = 0;
     for (const ReadingPhaseContent& phase : reading.phases) {
         whole += phase.share;

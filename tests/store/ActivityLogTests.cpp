@@ -1,10 +1,13 @@
 #include "platform/FileLock.h"
+#include "store/ActivityLines.h"
 #include "store/ActivityLog.h"
+#include "store/ActivityTexts.h"
 #include "support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
 #include <string>
 #include <sys/stat.h>
 #include <thread>
@@ -146,6 +149,147 @@ TEST_F(Log, WaitsOnDiskWhileSomebodyElseHasTheFile) {
     const auto entries = log.entries(noon, zone);
     EXPECT_EQ(entries, (std::vector{entry("first"), entry("second"), entry("third")}));
     EXPECT_EQ(std::ranges::count(contentOf(path), '\n'), 3);
+}
+
+/// One entry of each text, with everything in its arguments that a file must not take amiss.
+std::vector<ActivityEntry> everyKind(const Localization& words) {
+    AgentUsageSnapshot reading;
+    reading.id = AgentProviderID::claude();
+    reading.windows = {{.id = "session", .usedPercent = 9.4, .windowDurationMinutes = 300},
+                       {.id = "limit:spark|weekly", .usedPercent = 98, .label = "Spark"}};
+    reading.notes = {{SnapshotNote::ClaudeEndMarkerMissing{"line\nbreak\t\"\x1b[31m\xff"}},
+                     {SnapshotNote::ClaudeTiming{1, 2, 3, 4, 5, 12'345}},
+                     {SnapshotNote::ReadingWay{"query", 2100}},
+                     {SnapshotNote::AgentSays{"Grüße"}}};
+    auto entries = ActivityTexts::notes(reading, words);
+    for (ActivityEntry& critical : ActivityTexts::turnedCritical(nullptr, reading, noon, words)) {
+        entries.push_back(std::move(critical));
+    }
+    using News = StorageTrouble::News;
+    for (ActivityEntry one :
+         {ActivityTexts::refreshStarted(RefreshTrigger::wake, words),
+          ActivityTexts::refreshFinished(RefreshTrigger::timer, 2, 3, Seconds(5.94), words),
+          ActivityTexts::agentRead(reading, Seconds(1.25), words),
+          ActivityTexts::agentRead({.id = AgentProviderID::codex()}, Seconds(1), words),
+          ActivityTexts::agentFailed(AgentProviderID::codex(),
+                                     UsageProviderError::claudeReadFailed(3, "no\nway"), words),
+          ActivityTexts::agentFailed(AgentProviderID::codex(),
+                                     UsageProviderError::other("in its own words"), words),
+          ActivityTexts::agentRetried(AgentProviderID::codex(), Seconds(20), words),
+          ActivityTexts::orderChanged({AgentProviderID::codex(), AgentProviderID("new")}, words),
+          ActivityTexts::storageTrouble(
+              News{.kind = StorageTrouble::Kind::undecoded, .file = "/a/b", .part = "codex"},
+              words),
+          ActivityTexts::entry(ActivityEntry::Level::info, std::nullopt,
+                               "log.loginItemReregistered", {"/from", "/to"}, words)}) {
+        entries.push_back(std::move(one));
+    }
+    return entries;
+}
+
+TEST_F(Log, TellsItsEntriesInAnotherLanguage) {
+    const Localization german("de", "de_DE", "UTC");
+    const Localization english("en", "en_US", "UTC");
+    const auto written = everyKind(german);
+    ASSERT_GE(written.size(), 14u);
+    for (const ActivityEntry& one : written) {
+        ASSERT_FALSE(log.append(one, zone));
+    }
+    auto read = log.entries(Instant(), zone);
+    ASSERT_EQ(read.size(), written.size());
+    ActivityTexts::tell(read, german);
+    EXPECT_EQ(read[0].text,
+              "Ende der Nutzungsseite nicht erkannt; sie endete mit „line break \"�“");
+    ActivityTexts::tell(read, english);
+    const auto expected = everyKind(english);
+    for (std::size_t index = 0; index < read.size(); ++index) {
+        EXPECT_EQ(ActivityLines::text(read[index], zone).substr(20),
+                  ActivityLines::text(expected[index], zone).substr(20));
+        EXPECT_EQ(read[index].message.language, "en") << read[index].text;
+    }
+}
+
+TEST_F(Log, KeepsATextWhoseMessageIsNotKnown) {
+    const std::string head = "2026-11-20 13:00:00 info codex: As it was written\n";
+    const std::vector<std::string> seconds = {
+        "",
+        "\tlog.of.tomorrow de []\n",
+        "\tlog.agent.retry de [{\"fortnights\":2}]\n",
+        "\tlog.agent.retry de [{\"wholeSeconds\":\"x\"}]\n",
+        "\tlog.agent.retry de [{\"figures\":[[\"session\"]]}]\n",
+        "\tlog.agent.retry de {\"a\":1}\n",
+        "\tlog.agent.retry de [\n", // torn
+        "\tlog.agent.ret\n",
+        "\t\n",
+    };
+    std::string text = "\tlog.agent.backAgain de []\n"; // its entry is gone
+    for (const std::string& second : seconds) {
+        text += head + second;
+    }
+    directory.write("Vellmark/activity.log", text);
+    auto entries = log.entries(noon, zone);
+    ActivityTexts::tell(entries, Localization("en"));
+    ASSERT_EQ(entries.size(), seconds.size());
+    for (const ActivityEntry& one : entries) {
+        EXPECT_EQ(one.text, "As it was written") << one.message.arguments;
+    }
+}
+
+TEST_F(Log, MessagesShareTheFateOfTheirEntries) {
+    const Localization words("en");
+    for (double age = 40.5; age > 0; --age) {
+        ActivityEntry one = ActivityTexts::refreshAborted(words);
+        one.time = noon - age * day;
+        ASSERT_FALSE(log.append(one, zone));
+    }
+    ASSERT_FALSE(log.trim(noon, zone));
+    EXPECT_EQ(std::ranges::count(contentOf(path), '\n'), 2 * 30);
+    EXPECT_EQ(std::ranges::count(contentOf(removed), '\n'), 2 * 11);
+    // What had gone comes back when the log's last days are gone, each with its own message.
+    const std::string kept = contentOf(path);
+    directory.write("Vellmark/activity.log", kept.substr(0, kept.size() / 2));
+    ASSERT_FALSE(log.trim(noon - 20 * day, zone));
+    const auto entries = log.entries(Instant(), zone);
+    ASSERT_EQ(entries.size(), 26u);
+    for (const ActivityEntry& one : entries) {
+        EXPECT_EQ(one.message.key, "log.refreshAborted.terminated");
+    }
+}
+
+TEST_F(Log, TellsWhatWasAddedSinceTheLastLook) {
+    ActivityLog::Place place;
+    const auto look = [&] { return log.news(place, noon - 30 * day, zone); };
+    const auto texts = [](const ActivityLog::News& news) {
+        std::string all = news.startsAnew ? "anew:" : "";
+        for (const ActivityEntry& one : news.entries) {
+            all += " " + one.text;
+        }
+        return all;
+    };
+    EXPECT_EQ(texts(look()), "anew:") << "there is no file yet";
+    ASSERT_FALSE(log.append(entry("one"), zone));
+    ASSERT_FALSE(log.append(entry("old", noon - 40 * day), zone));
+    EXPECT_EQ(texts(look()), "anew: one");
+    EXPECT_EQ(texts(look()), "");
+    ActivityLog other(path);
+    ASSERT_FALSE(other.append(entry("two"), zone));
+    std::ofstream(path, std::ios::app) << "2026-11-20 13:00:00 notice codex: half";
+    EXPECT_EQ(texts(look()), " two");
+    std::ofstream(path, std::ios::app) << " a line\n";
+    EXPECT_EQ(texts(look()), " half a line");
+    // As trimming does it: another file.
+    directory.write("Vellmark/trimmed", contentOf(path));
+    std::filesystem::rename(directory / "Vellmark/trimmed", path);
+    EXPECT_EQ(texts(look()), "anew: one two half a line");
+    std::error_code error;
+    {
+        const auto held =
+            FileLock::acquire(directory / "Vellmark/activity.lock", Seconds(1), error);
+        EXPECT_FALSE(log.append(entry("waits"), zone));
+        EXPECT_EQ(texts(look()), "anew: one two half a line waits");
+    }
+    ASSERT_FALSE(log.append(entry("three"), zone));
+    EXPECT_EQ(texts(look()), "anew: one two half a line waits three");
 }
 
 } // namespace

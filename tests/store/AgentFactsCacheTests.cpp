@@ -45,6 +45,15 @@ TEST_F(AgentFactsCacheTest, AsksWhenSomebodyLooksAndRemembersForAWhile) {
     finish(facts);
     EXPECT_FALSE(facts.of(codex)->toolPath);
 
+    const std::filesystem::path other =
+        sandbox.machine().home / "tools/codex"; // what the settings name counts at once
+    sandbox.machine().chosenExecutables->choose("codex", other);
+    facts.need(codex);
+    EXPECT_TRUE(facts.isAsking(codex));
+    finish(facts);
+    facts.need(codex);
+    EXPECT_FALSE(facts.isAsking(codex));
+
     executor.advance(AgentFactsCache::freshFor);
     facts.need(codex);
     EXPECT_TRUE(facts.isAsking(codex));

@@ -1,3 +1,4 @@
+#include "store/ActivityLines.h"
 #include "store/ActivityLog.h"
 #include "store/HistoryThinning.h"
 #include "store/RecordedDays.h"
@@ -43,7 +44,7 @@ protected:
                 history.push_back(toJSON(sample(today - age * day + part * Seconds(600), part)));
             }
             log +=
-                ActivityLog::line({.text = "day " + std::to_string(age), .time = today - age * day},
+                ActivityLines::text({.text = "day " + std::to_string(age), .time = today - age * day},
                                   TimeZone::utc()) +
                 "\n";
         }

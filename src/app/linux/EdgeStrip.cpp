@@ -1,7 +1,9 @@
 #include "app/linux/EdgeStrip.h"
 
 #include "app/linux/EdgeStripPlacement.h"
+#include "ui/Conversions.h"
 #include "ui/GlyphPainter.h"
+#include "ui/kit/FigureText.h"
 #include "ui/kit/Theme.h"
 #include "ui/kit/WindowSurface.h"
 
@@ -15,6 +17,7 @@
 #include <QPainterPath>
 #include <QScreen>
 
+#include <cmath>
 #include <string_view>
 #include <vector>
 
@@ -28,6 +31,7 @@ constexpr double gripLeft = 6;
 constexpr double gripWidth = 6;
 constexpr double glyphSide = 20;
 constexpr double dotSide = 8;
+constexpr double figureGap = 8;
 
 constexpr std::string_view screenKey = "EdgeStripScreen";
 constexpr std::string_view edgeKey = "EdgeStripEdge";
@@ -94,8 +98,17 @@ EdgeStrip::EdgeStrip(Preferences& preferences, Events events)
 }
 
 void EdgeStrip::setContent(const StatusItemContent& content) {
-    const bool looksDifferent = content.glyph != content_.glyph || content.color != content_.color;
+    const bool looksDifferent = content.glyph != content_.glyph ||
+                                content.color != content_.color ||
+                                content.figure != content_.figure;
     content_ = content;
+    const int wanted = stripWidth + figureRoom();
+    if (width() != wanted) {
+        setFixedSize(wanted, stripHeight);
+        if (isVisible() && !pressedAt_) {
+            restorePlace();
+        }
+    }
     const QString text = QString::fromStdString(content.toolTip);
     if (toolTip() != text) {
         setToolTip(text);
@@ -109,6 +122,13 @@ void EdgeStrip::setContent(const StatusItemContent& content) {
     if (looksDifferent) {
         update();
     }
+}
+
+int EdgeStrip::figureRoom() const {
+    return content_.figure.empty()
+               ? 0
+               : static_cast<int>(std::ceil(
+                     figureGap + kit::textWidth(qString(content_.figure), kit::style::value)));
 }
 
 void EdgeStrip::paintEvent(QPaintEvent*) {
@@ -126,12 +146,19 @@ void EdgeStrip::paintEvent(QPaintEvent*) {
 
     const double middle = height() / 2.0;
     const double grip = isAtRight ? gripLeft : width() - gripLeft - gripWidth;
-    const double glyph = isAtRight ? gripLeft + gripWidth + 8 : 10 + dotSide + 10;
-    const double dot = isAtRight ? glyph + glyphSide + 10 : 10;
+    const double room = figureRoom();
+    const double glyph = isAtRight ? gripLeft + gripWidth + 8 : 10 + dotSide + 10 + room;
+    const double dot = isAtRight ? glyph + glyphSide + 10 : 10 + room;
     paintGrip(painter, grip, middle);
     const bool isDark = kit::Theme::current().isDark();
     paintGlyph(painter, {glyph, middle - glyphSide / 2}, glyphSide, content_.glyph,
                isDark ? Qt::white : Qt::black);
+    if (room > 0) {
+        const double left = isAtRight ? dot + dotSide + figureGap : 10;
+        painter.setPen(kit::color(kit::ColorRole::ink));
+        kit::drawText(painter, QRectF(left, 0, room, height()), Qt::AlignLeft,
+                      qString(content_.figure), kit::style::value);
+    }
     painter.setPen(Qt::NoPen);
     painter.setBrush(statusQColor(content_.color, isDark));
     painter.drawEllipse(QRectF(dot, middle - dotSide / 2, dotSide, dotSide));

@@ -36,6 +36,7 @@ protected:
 private:
     enum class Edge { left, right };
 
+    int figureRoom() const;
     void restorePlace();
     /// Without a compositor the corners are cut out: nothing would show through them.
     void fitShape();

@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <utility>
 
 namespace vellmark {
 namespace {
@@ -74,8 +75,17 @@ public:
         if (saysDifferent) {
             writeToolTip();
         }
+        if (notifier_) {
+            notifier_->setLabel(content.figure);
+        }
         if (strip_) {
             strip_->setContent(content);
+        }
+    }
+
+    void setInk(StatusInk ink) override {
+        if (std::exchange(ink_, ink) != ink && shown_) {
+            drawIcon();
         }
     }
 
@@ -152,10 +162,15 @@ private:
         return !followsScheme || scheme_ == ColorScheme::dark;
     }
 
-    QColor ink() const { return isPanelDark() ? Qt::white : Qt::black; }
+    /// What the user says of the ground counts more than what is known of it.
+    bool isGroundDark() const {
+        return ink_ == StatusInk::automatic ? isPanelDark() : ink_ == StatusInk::light;
+    }
+
+    QColor ink() const { return isGroundDark() ? Qt::white : Qt::black; }
 
     void drawIcon() {
-        const QColor dot = statusQColor(shown_->color, isPanelDark());
+        const QColor dot = statusQColor(shown_->color, isGroundDark());
         if (notifier_ && isHosted_ != false) {
             std::vector<NotifierPixmap> pixmaps;
             for (const int side : iconSides) {
@@ -254,6 +269,7 @@ private:
     std::optional<StatusItemContent> shown_;
     bool isPopoverOpen_ = false;
     ColorScheme scheme_ = ColorScheme::light;
+    StatusInk ink_ = StatusInk::automatic;
     /// Absent until the bus has answered.
     std::optional<bool> isHosted_;
     /// As its ground shows; absent before the first look.

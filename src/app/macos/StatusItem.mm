@@ -39,7 +39,7 @@ NSString* text(const std::string& words) {
     return [NSString stringWithUTF8String:words.c_str()];
 }
 
-void drawMark(const GlyphMark& mark) {
+void drawMark(const GlyphMark& mark, CGFloat white) {
     const NSPoint center = NSMakePoint(mark.centerX, mark.centerY);
     const NSRect bounds = NSMakeRect(mark.centerX - mark.radius, mark.centerY - mark.radius,
                                      2 * mark.radius, 2 * mark.radius);
@@ -60,7 +60,7 @@ void drawMark(const GlyphMark& mark) {
                                       clockwise:YES];
         break;
     }
-    [[NSColor colorWithCalibratedWhite:0 alpha:mark.alpha] set];
+    [[NSColor colorWithCalibratedWhite:white alpha:mark.alpha] set];
     if (mark.lineWidth > 0) {
         [path setLineWidth:mark.lineWidth];
         [path setLineCapStyle:NSRoundLineCapStyle];
@@ -71,17 +71,19 @@ void drawMark(const GlyphMark& mark) {
     }
 }
 
-NSImage* glyphImage(const StatusItemContent& content) {
+/// A template takes its ink from the menu bar.
+NSImage* glyphImage(const StatusItemContent& content, StatusInk ink) {
+    const CGFloat white = ink == StatusInk::light ? 1 : 0;
     const std::vector<GlyphMark> marks = glyphDrawing(content.glyph, glyphSide);
     NSImage* const image = [NSImage imageWithSize:NSMakeSize(glyphSide, glyphSide)
                                           flipped:NO
                                    drawingHandler:^BOOL(NSRect) {
                                      for (const GlyphMark& mark : marks) {
-                                         drawMark(mark);
+                                         drawMark(mark, white);
                                      }
                                      return YES;
                                    }];
-    [image setTemplate:YES];
+    [image setTemplate:ink == StatusInk::automatic ? YES : NO];
     [image setAccessibilityDescription:text(content.glyphDescription)];
     return image;
 }
@@ -124,16 +126,17 @@ public:
         NSStatusBarButton* const button = [item_.get() button];
         if (!shown_ || shown_->glyph != content.glyph ||
             shown_->glyphDescription != content.glyphDescription) {
-            [button setImage:glyphImage(content)];
+            [button setImage:glyphImage(content, ink_)];
         }
         if (!shown_ || shown_->toolTip != content.toolTip) {
             [button setToolTip:text(content.toolTip)];
             [button setAccessibilityLabel:text(content.toolTip)];
         }
-        const bool newColor = !shown_ || shown_->color != content.color;
+        const bool newTitle =
+            !shown_ || shown_->color != content.color || shown_->figure != content.figure;
         shown_ = content;
-        if (newColor) {
-            drawDot();
+        if (newTitle) {
+            drawTitle();
         }
     }
 
@@ -141,6 +144,12 @@ public:
     void setMenu(std::vector<MenuItemContent> /*items*/) override {}
     // The button tells its appearance itself.
     void setPanelScheme(ColorScheme /*scheme*/) override {}
+
+    void setInk(StatusInk ink) override {
+        if (std::exchange(ink_, ink) != ink) {
+            redraw();
+        }
+    }
 
     // A click takes the tooltip away, and it stays away while the button is pressed.
     void setPopoverOpen(bool /*isOpen*/) override {}
@@ -168,14 +177,23 @@ private:
         return [match isEqualToString:NSAppearanceNameDarkAqua];
     }
 
-    void drawDot() {
+    void drawTitle() {
         NSDictionary* const attributes = [NSDictionary
             dictionaryWithObjectsAndKeys:[NSFont systemFontOfSize:dotFontSize], NSFontAttributeName,
                                          [NSNumber numberWithInt:1], NSBaselineOffsetAttributeName,
                                          dotColor(shown_->color, isDark()),
                                          NSForegroundColorAttributeName, nil];
-        const auto title = Retained<NSAttributedString*>::adopt(
-            [[NSAttributedString alloc] initWithString:@"\u25CF" attributes:attributes]);
+        const auto title = Retained<NSMutableAttributedString*>::adopt(
+            [[NSMutableAttributedString alloc] initWithString:@"\u25CF" attributes:attributes]);
+        if (!shown_->figure.empty()) {
+            NSDictionary* const plain =
+                [NSDictionary dictionaryWithObjectsAndKeys:[NSFont menuBarFontOfSize:0],
+                                                           NSFontAttributeName, nil];
+            const auto figure = Retained<NSAttributedString*>::adopt([[NSAttributedString alloc]
+                initWithString:text(" " + shown_->figure)
+                    attributes:plain]);
+            [title.get() appendAttributedString:figure.get()];
+        }
         [[item_.get() button] setAttributedTitle:title.get()];
     }
 
@@ -183,14 +201,15 @@ private:
         if (!shown_) {
             return;
         }
-        [[item_.get() button] setImage:glyphImage(*shown_)];
-        drawDot();
+        [[item_.get() button] setImage:glyphImage(*shown_, ink_)];
+        drawTitle();
     }
 
     Events events_;
     Retained<NSStatusItem*> item_;
     Retained<VellmarkStatusItemTarget*> target_;
     std::optional<StatusItemContent> shown_;
+    StatusInk ink_ = StatusInk::automatic;
 };
 
 } // namespace

@@ -76,6 +76,19 @@ public:
         }
     }
 
+    void setLabel(const std::string& text) {
+        if (text != label_) {
+            label_ = text;
+            try {
+                item_->emitSignal("XAyatanaNewLabel")
+                    .onInterface(itemInterface)
+                    .withArguments(label_, std::string());
+            } catch (const sdbus::Error&) {
+                // The bus has gone, and with it every panel.
+            }
+        }
+    }
+
     void setMenu(std::vector<NotifierMenuItem> items) {
         try {
             menu_.setItems(std::move(items));
@@ -105,6 +118,9 @@ private:
             item_->registerSignal(signal).onInterface(itemInterface);
         }
         item_->registerSignal("NewStatus").onInterface(itemInterface).withParameters<std::string>();
+        item_->registerSignal("XAyatanaNewLabel")
+            .onInterface(itemInterface)
+            .withParameters<std::string, std::string>();
         item_->finishRegistration();
     }
 
@@ -140,6 +156,10 @@ private:
             }
             return icon;
         });
+        item_->registerProperty("XAyatanaLabel").onInterface(itemInterface).withGetter([this] {
+            return label_;
+        });
+        registerProperty("XAyatanaLabelGuide", std::string("100%"));
         item_->registerProperty("ToolTip").onInterface(itemInterface).withGetter([this] {
             return ToolTip{std::string(), std::vector<Pixmap>(), toolTip_, std::string()};
         });
@@ -217,6 +237,7 @@ private:
     Handlers handlers_;
     std::vector<NotifierPixmap> pixmaps_;
     std::string toolTip_;
+    std::string label_;
     bool isTitled_ = true;
     std::optional<bool> isShown_;
     NotifierMenu menu_;
@@ -253,6 +274,10 @@ void StatusNotifierItem::setIcon(std::vector<NotifierPixmap> pixmaps) {
 
 void StatusNotifierItem::setToolTip(const std::string& text) {
     connection_->setToolTip(text);
+}
+
+void StatusNotifierItem::setLabel(const std::string& text) {
+    connection_->setLabel(text);
 }
 
 void StatusNotifierItem::setMenu(std::vector<NotifierMenuItem> items) {

@@ -52,6 +52,8 @@ public:
     void setIcon(std::vector<NotifierPixmap> pixmaps);
     /// Plain text. Empty: none, and no title meanwhile, which some panels show in its place.
     void setToolTip(const std::string& text);
+    /// A few characters beside the icon, on panels that show them; empty: none.
+    void setLabel(const std::string& text);
     void setMenu(std::vector<NotifierMenuItem> items);
 
 private:

@@ -1,13 +1,26 @@
+#include "platform/FileLock.h"
 #include "platform/PreferencesFile.h"
 #include "platform/macos/CoreFoundationOwner.h"
+#include "platform/macos/PreferencesChange.h"
+
+#include <algorithm>
+#include <notify.h>
+#include <utility>
 
 namespace vellmark {
 
 namespace {
 
 /// The user's defaults of the application, the same ones in both fronts.
+///
+/// The system merges changes of several processes by key. A list's members are ours to merge, under
+/// a lock.
 class UserDefaults final : public Preferences {
 public:
+    explicit UserDefaults(const Machine& machine)
+        : changeName_(preferencesChangeName(machine)),
+          lock_(machine.supportDirectory() / "preferences.lock", FileLock::Seconds(0.2)) {}
+
     std::optional<bool> boolean(std::string_view key) const override {
         const auto value = copy(key, CFBooleanGetTypeID());
         return value
@@ -71,7 +84,21 @@ public:
         set(key, array.get());
     }
 
+    void setMember(std::string_view key, std::string_view member, bool isIn) override {
+        std::error_code refusal;
+        const auto held = lock_.acquire(refusal);
+        reload();
+        auto list = strings(key).value_or(std::vector<std::string>());
+        std::erase(list, member);
+        if (isIn) {
+            list.emplace_back(member);
+        }
+        setStrings(key, std::move(list));
+    }
+
     void remove(std::string_view key) override { set(key, nullptr); }
+
+    void reload() override { CFPreferencesAppSynchronize(application_.get()); }
 
     std::optional<std::error_code> writeError() const override { return error_; }
 
@@ -93,11 +120,14 @@ private:
         error_ = CFPreferencesAppSynchronize(application_.get())
                      ? std::nullopt
                      : std::optional(std::make_error_code(std::errc::io_error));
+        notify_post(changeName_.c_str());
     }
 
     /// The bundle's identifier by name: the terminal program is in no bundle, and its "current
     /// application" would be another one.
     CFOwner<CFStringRef> application_ = makeCFString("app.vellmark.Vellmark");
+    std::string changeName_;
+    LockFile lock_;
     std::optional<std::error_code> error_;
 };
 
@@ -105,9 +135,11 @@ private:
 
 std::unique_ptr<Preferences> makePreferences(const Machine& machine) {
     if (machine.isSandbox()) {
-        return makePreferencesFile(machine.configuration / "Vellmark" / "preferences.json");
+        return makePreferencesFile(
+            machine.configuration / "Vellmark" / "preferences.json",
+            [name = preferencesChangeName(machine)] { notify_post(name.c_str()); });
     }
-    return std::make_unique<UserDefaults>();
+    return std::make_unique<UserDefaults>(machine);
 }
 
 } // namespace vellmark

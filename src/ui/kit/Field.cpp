@@ -26,13 +26,23 @@ Field::Field(QWidget* parent)
     clear.setColor(QPalette::Base, Qt::transparent);
     setPalette(clear);
     setFont(kit::font(style::text));
-    setTextMargins(padding - ownMargin, 0, padding - ownMargin, 0);
+    placeText();
 }
 
 void Field::setIconName(std::string name) {
     iconName_ = std::move(name);
-    setTextMargins(padding + iconSide + iconGap - ownMargin, 0, padding - ownMargin, 0);
+    placeText();
     update();
+}
+
+void Field::setRoomAtEnd(int room) {
+    roomAtEnd_ = room;
+    placeText();
+}
+
+void Field::placeText() {
+    const int icon = iconName_.empty() ? 0 : iconSide + iconGap;
+    setTextMargins(padding + icon - ownMargin, 0, padding + roomAtEnd_ - ownMargin, 0);
 }
 
 QSize Field::sizeHint() const {

@@ -13,6 +13,8 @@ class Field : public QLineEdit {
 public:
     explicit Field(QWidget* parent = nullptr);
     void setIconName(std::string name);
+    /// For a control that its owner lays over the end.
+    void setRoomAtEnd(int room);
     QSize sizeHint() const override;
 
 protected:
@@ -20,7 +22,10 @@ protected:
     void focusInEvent(QFocusEvent* event) override;
 
 private:
+    void placeText();
+
     std::string iconName_;
+    int roomAtEnd_ = 0;
     Interaction interaction_;
 };
 

@@ -2,9 +2,9 @@
 
 #include <QScrollArea>
 
-class QScrollBar;
-
 namespace vellmark::kit {
+
+class OverlayBar;
 
 /// Scrolls its content up and down. The bar lies over the content's margin, so that what fits and
 /// what does not are laid out alike.
@@ -18,7 +18,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    QScrollBar* overlay_;
+    OverlayBar* overlay_;
 };
 
 } // namespace vellmark::kit

@@ -115,6 +115,10 @@ int Segments::current() const {
     return -1;
 }
 
+std::vector<QWidget*> Segments::controls() const {
+    return {parts_.begin(), parts_.end()};
+}
+
 QSize Segments::sizeHint() const {
     int width = 2 * inset;
     for (const Part* part : parts_) {

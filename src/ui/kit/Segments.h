@@ -19,6 +19,8 @@ public:
     /// -1 for none.
     void setCurrent(int index);
     int current() const;
+    /// Its parts; the keyboard reaches the chosen one, and the others by the arrow keys.
+    std::vector<QWidget*> controls() const;
     /// Called when the user chooses, not when `setCurrent` does.
     std::function<void(int)> onChoose;
 

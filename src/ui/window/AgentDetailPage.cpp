@@ -3,6 +3,7 @@
 #include "ui/Conversions.h"
 #include "ui/FailureNotice.h"
 #include "ui/ProviderLogo.h"
+#include "ui/kit/Button.h"
 #include "ui/kit/HealthDot.h"
 #include "ui/kit/LogoTile.h"
 #include "ui/kit/ScrollArea.h"
@@ -28,7 +29,7 @@ constexpr int cardGap = 16;
 /// With less room than two of these the cards stand one below the other.
 constexpr int leastCardWidth = 328;
 /// Where the window is high, the courses grow, and at some height stop to tell more.
-constexpr int mostGrowth = 120;
+constexpr int mostGrowth = 200;
 
 /// What the way out of a failure does: of this agent alone.
 AgentUIActions actionsFor(const AgentUIActions& program, std::function<void()> refresh) {
@@ -59,7 +60,9 @@ AgentDetailPage::AgentDetailPage(const AgentUIActions& program, const AgentPageA
 
 void AgentDetailPage::setContent(const AgentPageContent& content) {
     const AgentBlockContent& agent = content.agent;
-    agent_ = agent.id;
+    if (agent_ != agent.id) {
+        beginAgent(agent.id);
+    }
     logo_->setLook(providerLogo(agent.id));
     health_->setLook(healthLook(agent));
     QStringList ranges;
@@ -77,6 +80,17 @@ void AgentDetailPage::setContent(const AgentPageContent& content) {
     updateWindows(content);
     reading_->setContent(agent.id, content.reading);
     arrange();
+}
+
+/// Another agent's values do not grow out of the former one's.
+void AgentDetailPage::beginAgent(const AgentProviderID& agent) {
+    agent_ = agent;
+    for (const AgentWindowCard* window : std::exchange(windows_, {})) {
+        delete window;
+    }
+    delete reading_;
+    reading_ = new ReadingCard(actions_, column_);
+    reading_->show();
 }
 
 void AgentDetailPage::updateNotes(const std::vector<std::string>& notes) {
@@ -112,7 +126,8 @@ void AgentDetailPage::updateWindows(const AgentPageContent& content) {
 }
 
 std::vector<QWidget*> AgentDetailPage::controls() const {
-    std::vector<QWidget*> result = head().controls();
+    std::vector<QWidget*> result = range_->controls();
+    result.push_back(head().refreshButton());
     if (QWidget* button = failure_->wayOutButton()) {
         result.push_back(button);
     }

@@ -52,12 +52,11 @@ AgentWindowCard::AgentWindowCard(QWidget* parent)
       outlook_(new kit::Label(kit::style::small, kit::ColorRole::ink2, this)),
       chartTitle_(new kit::Label(kit::style::text, kit::ColorRole::ink2, this)),
       chart_(new ChartView(ChartView::Size::small, this)),
-      noCourse_(new kit::Label(kit::style::small, kit::ColorRole::ink2, this)) {
+      chartNote_(new kit::Label(kit::style::small, kit::ColorRole::ink2, this)) {
     figures_.label->setTextStyle(kit::style::strong);
     figures_.planning->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     elapsed_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    noCourse_->setAlignment(Qt::AlignCenter);
-    noCourse_->setMostLines(2);
+    chartNote_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     for (QWidget* part : findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
         part->hide();
     }
@@ -73,16 +72,13 @@ void AgentWindowCard::setContent(const AgentWindowContent& content) {
     isUsedUp_ = content.row.isUsedUp;
     setAccessibleName(qString(content.row.fullLabel));
     figures_.setContent(content.row);
-    health_->setLook({qString(content.statusText), dotColor(content.dot),
-                      content.showsClock ? "clock" : std::string()});
+    health_->setLook({qString(content.statusText), dotColor(content.dot), {}});
     elapsed_->setWords(qString(content.row.elapsed));
     outlook_->setWords(qString(content.outlook));
     outlook_->setVisible(!content.row.forecast && !content.outlook.empty());
     chartTitle_->setWords(qString(content.chartTitle));
     chart_->setContent(content.chart);
-    chart_->setVisible(content.noCourse.empty());
-    noCourse_->setWords(qString(content.noCourse));
-    noCourse_->setVisible(!content.noCourse.empty());
+    chartNote_->setWords(qString(content.chartNote));
     arrange();
     update();
 }
@@ -122,10 +118,11 @@ void AgentWindowCard::arrange() {
                                    isUsedUp_ ? resetWidth : wide, smallLine);
     outlook_->setGeometry(padding, outlookTop, wide, smallLine);
 
-    chartTitle_->setGeometry(padding, chartTitleTop, wide, kit::style::text.lineHeight);
-    const QRect course(padding, chartTop, wide, std::max(height() - chartTop - bottomPadding, 0));
-    chart_->setGeometry(course);
-    noCourse_->setGeometry(course);
+    const int note = chartNote_->wantedWidth();
+    chartNote_->setGeometry(right - note, chartTitleTop, note, kit::style::text.lineHeight);
+    chartTitle_->setGeometry(padding, chartTitleTop, std::max(wide - note - gap, 0),
+                             kit::style::text.lineHeight);
+    chart_->setGeometry(padding, chartTop, wide, std::max(height() - chartTop - bottomPadding, 0));
 }
 
 void AgentWindowCard::paintEvent(QPaintEvent* /*event*/) {

@@ -42,7 +42,7 @@ private:
     kit::Label* outlook_;
     kit::Label* chartTitle_;
     ChartView* chart_;
-    kit::Label* noCourse_;
+    kit::Label* chartNote_;
 };
 
 } // namespace vellmark

@@ -1,10 +1,12 @@
 #include "ui/window/WindowPages.h"
 
 #include "ui/window/AboutPage.h"
+#include "ui/window/ActivityPage.h"
 #include "ui/window/AgentDetailPage.h"
 #include "ui/window/HeadOnlyPage.h"
 #include "ui/window/HelpPage.h"
 #include "ui/window/OverviewPage.h"
+#include "ui/window/SettingsPage.h"
 
 namespace vellmark {
 
@@ -27,8 +29,9 @@ struct Giver {
     // history
 
     // activity
-
+    void operator()(const ActivityPageContent& content) const { give<ActivityPage>(page, content); }
     // settings
+    void operator()(const SettingsPageContent& content) const { give<SettingsPage>(page, content); }
 
     // help
     void operator()(const HelpPageContent& content) const { give<HelpPage>(page, content); }
@@ -48,9 +51,9 @@ WindowPage* makePage(AgentPage::Kind kind, const MainWindowActions& actions, QWi
     case Kind::history:
         return new HeadOnlyPage(parent);
     case Kind::activity:
-        return new HeadOnlyPage(parent);
+        return new ActivityPage(actions.activity, parent);
     case Kind::settings:
-        return new HeadOnlyPage(parent);
+        return new SettingsPage(actions.settings, actions.program.startSetup, parent);
     case Kind::help:
         return new HelpPage(actions.help, parent);
     case Kind::about:

@@ -1,0 +1,125 @@
+#include "screenshots/SampleSettings.h"
+
+#include <utility>
+
+namespace vellmark::samples {
+
+namespace {
+
+using Kind = SettingItem::Kind;
+using Value = SettingsPageState::Value;
+
+Value choice(std::string name, std::string preferenceKey, std::string wordsKey,
+             std::vector<std::string> values) {
+    Value value{{.name = std::move(name),
+                 .preferenceKey = std::move(preferenceKey),
+                 .wordsKey = std::move(wordsKey)},
+                {}};
+    value.value = values.front();
+    value.item.values = std::move(values);
+    return value;
+}
+
+Value program(const AgentProviderID& id, std::string path) {
+    return {{.name = id.rawValue + "-path",
+             .kind = Kind::executable,
+             .preferenceKey = {},
+             .wordsKey = "settings.executable",
+             .values = {},
+             .agent = id},
+            std::move(path)};
+}
+
+Value readingWay() {
+    return {{.name = "claude-way",
+             .kind = Kind::way,
+             .preferenceKey = {},
+             .wordsKey = "settings.way",
+             .values = {"automatic", "query", "session"},
+             .agent = AgentProviderID::claude()},
+            "automatic"};
+}
+
+AgentFacts facts(const AgentProviderID& id, const char* path, const char* version) {
+    return {id, path, version, true};
+}
+
+Value& valueOf(SettingsPageState& state, std::string_view name) {
+    for (Value& value : state.settings) {
+        if (value.item.name == name) {
+            return value;
+        }
+    }
+    return state.settings.front();
+}
+
+} // namespace
+
+Machine machine() {
+    Machine machine;
+    machine.home = "/home/robin";
+    return machine;
+}
+
+SettingsPageState settings() {
+    SettingsPageState state;
+    state.settings = {
+        {{.name = "launch-at-login",
+          .kind = Kind::loginItem,
+          .preferenceKey = {},
+          .wordsKey = "settings.launchAtLogin"},
+         "on"},
+        choice("language", "AppLanguage", "settings.language",
+               {"system", "de", "en", "fr", "it", "es"}),
+        choice("appearance", "AppAppearance", "settings.appearance", {"system", "light", "dark"}),
+        choice("first-figure", "FirstFigure", "settings.firstFigure", {"left", "used"}),
+        choice("interval", "ReadingInterval", "settings.interval", {"5", "10", "30"}),
+        choice("last-window", "LastWindow", "settings.lastWindow", {"keep-running", "quit"}),
+        choice("status-ink", "StatusItemInk", "settings.statusInk", {"automatic", "light", "dark"}),
+        choice("status-figure", "StatusItemFigure", "settings.statusFigure",
+               {"none", "least-left"}),
+        program(AgentProviderID::codex(), "automatic"),
+        program(AgentProviderID::claude(), "automatic"),
+        program(AgentProviderID::antigravity(), "automatic"),
+        readingWay()};
+    state.launchAtLogin = LaunchAtLoginController::State::on;
+    state.order = {AgentProviderID::codex(), AgentProviderID::claude(),
+                   AgentProviderID::antigravity()};
+    state.enabled = {state.order.begin(), state.order.end()};
+    state.agents = {
+        facts(AgentProviderID::codex(), "/home/robin/.local/bin/codex", "codex-cli 0.61.0"),
+        facts(AgentProviderID::claude(), "/home/robin/.local/bin/claude", "2.0.44 (Claude Code)"),
+        facts(AgentProviderID::antigravity(), "/home/robin/.local/bin/agy", "1.4.2")};
+    state.agents.back().loggedIn.reset();
+    state.systemLanguage = "de";
+    state.dataFolder = "~/.local/share/Vellmark";
+    state.dataSize = 3'420'000;
+    return state;
+}
+
+SettingsPageState uncheckedSettings() {
+    SettingsPageState state = settings();
+    state.agents.clear();
+    state.isChecking = true;
+    state.dataSize.reset();
+    state.hasHistory = false;
+    state.launchAtLogin = LaunchAtLoginController::State::unavailable;
+    return state;
+}
+
+SettingsPageState unreadySettings() {
+    SettingsPageState state = settings();
+    state.launchAtLogin = LaunchAtLoginController::State::needsApproval;
+    state.enabled.erase(AgentProviderID::codex());
+    state.agents[0].toolPath.reset();
+    state.agents[1].loggedIn = false;
+    state.agents[2].toolPath.reset();
+    valueOf(state, "claude-path").value = "/home/robin/work/tools/claude-code/bin/claude";
+    state.agents[1].toolPath = "/home/robin/work/tools/claude-code/bin/claude";
+    valueOf(state, "antigravity-path").value = "/opt/antigravity/agy";
+    valueOf(state, "status-figure").value = "least-left";
+    state.trouble = "/home/robin/.config/Vellmark/preferences.json: No space left on device";
+    return state;
+}
+
+} // namespace vellmark::samples

@@ -1,0 +1,383 @@
+#include "presentation/SettingsCatalog.h"
+
+#include "platform/SystemFacts.h"
+#include "presentation/LanguageManager.h"
+#include "presentation/LaunchAtLoginController.h"
+#include "probes/ExecutableLocator.h"
+#include "probes/ProviderRegistry.h"
+#include "store/AgentSettings.h"
+#include "store/AppSettings.h"
+#include "text/Capitalization.h"
+#include "text/TerminalText.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+
+namespace vellmark {
+namespace {
+
+using Kind = SettingItem::Kind;
+
+constexpr const char* automatic = "automatic";
+constexpr const char* none = "none";
+constexpr const char* on = "on";
+constexpr const char* off = "off";
+
+template<typename Value, std::size_t count>
+SettingItem choiceItem(std::string name, std::string wordsKey,
+                       const ChoiceSetting<Value, count>& setting) {
+    SettingItem item{.name = std::move(name),
+                     .preferenceKey = std::string(setting.key),
+                     .wordsKey = std::move(wordsKey)};
+    for (const auto& [value, form] : setting.forms) {
+        item.values.emplace_back(form);
+    }
+    return item;
+}
+
+std::vector<SettingItem> agentItems(const ProviderDescriptor& agent) {
+    const std::string& id = agent.id.rawValue;
+    std::vector<SettingItem> items{{.name = id + "-path",
+                                    .kind = Kind::executable,
+                                    .preferenceKey = AgentSettings::executableKey(agent.id),
+                                    .wordsKey = "settings.executable",
+                                    .agent = agent.id}};
+    if (agent.readingWays.size() > 1) {
+        SettingItem way{.name = id + "-way",
+                        .kind = Kind::way,
+                        .preferenceKey = AgentSettings::wayKey(agent.id),
+                        .wordsKey = "settings.way",
+                        .values = {automatic},
+                        .agent = agent.id};
+        way.values.insert(way.values.end(), agent.readingWays.begin(), agent.readingWays.end());
+        items.push_back(std::move(way));
+        items.push_back({.name = id + "-interval",
+                         .kind = Kind::minutes,
+                         .preferenceKey = AgentSettings::intervalKey(agent.id),
+                         .wordsKey = "settings.agentInterval",
+                         .agent = agent.id});
+    }
+    return items;
+}
+
+std::vector<SettingItem> allItems() {
+    std::vector<SettingItem> items{
+        {.name = "agents",
+         .kind = Kind::agents,
+         .preferenceKey = std::string(AgentSettings::disabledKey),
+         .wordsKey = "settings.agents"},
+        {.name = "agent-order",
+         .kind = Kind::order,
+         .preferenceKey = std::string(AgentSettings::orderKey),
+         .wordsKey = "settings.agentOrder"},
+        {.name = "launch-at-login", .kind = Kind::loginItem, .wordsKey = "settings.launchAtLogin"},
+        {.name = "language",
+         .preferenceKey = "AppLanguage",
+         .wordsKey = "settings.language",
+         .values = LanguageManager::settings()},
+        {.name = "appearance",
+         .preferenceKey = "AppAppearance",
+         .wordsKey = "settings.appearance",
+         .values = {"system", "light", "dark"}},
+        choiceItem("first-figure", "settings.firstFigure", setting::firstFigure),
+        choiceItem("interval", "settings.interval", setting::readingInterval),
+        choiceItem("status-ink", "settings.statusInk", setting::statusInk),
+        choiceItem("status-figure", "settings.statusFigure", setting::statusFigure),
+        choiceItem("last-window", "settings.lastWindow", setting::lastWindow)};
+    for (const ProviderRegistration& registration : providerRegistry()) {
+        std::ranges::move(agentItems(registration.descriptor), std::back_inserter(items));
+    }
+    return items;
+}
+
+std::string joined(const std::vector<std::string>& words, const char* separator) {
+    std::string text;
+    for (const std::string& word : words) {
+        text += (text.empty() ? "" : separator) + word;
+    }
+    return text;
+}
+
+std::vector<std::string> registeredNames() {
+    std::vector<std::string> names;
+    for (const ProviderRegistration& registration : providerRegistry()) {
+        names.push_back(registration.descriptor.id.rawValue);
+    }
+    return names;
+}
+
+/// The identifiers in `text`, separated by commas or blanks; absent when one is unknown or
+/// repeated.
+std::optional<std::vector<AgentProviderID>> agentsIn(const std::string& text) {
+    std::vector<AgentProviderID> agents;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find_first_of(", ", at), text.size());
+        if (end > at) {
+            AgentProviderID id(text.substr(at, end - at));
+            if (providerDescriptor(id) == nullptr || std::ranges::count(agents, id) > 0) {
+                return std::nullopt;
+            }
+            agents.push_back(std::move(id));
+        }
+        at = end + 1;
+    }
+    return agents;
+}
+
+} // namespace
+
+SettingsCatalog::SettingsCatalog(Preferences& preferences, const Machine& machine,
+                                 LaunchAtLoginController& launchAtLogin)
+    : preferences_(preferences), machine_(machine), launchAtLogin_(launchAtLogin),
+      items_(allItems()) {}
+
+const SettingItem* SettingsCatalog::find(std::string_view name) const {
+    const auto found = std::ranges::find(items_, name, &SettingItem::name);
+    return found == items_.end() ? nullptr : &*found;
+}
+
+std::string SettingsCatalog::value(const SettingItem& item) const {
+    const AgentSettings agents(preferences_, providerRegistry());
+    std::vector<std::string> names;
+    switch (item.kind) {
+    case Kind::choice:
+    case Kind::way:
+        if (const auto stored = preferences_.string(item.preferenceKey);
+            stored && std::ranges::find(item.values, *stored) != item.values.end()) {
+            return *stored;
+        }
+        break;
+    case Kind::loginItem:
+        return launchAtLogin_.state() == LaunchAtLoginController::State::on ? on : off;
+    case Kind::order:
+        for (const AgentProviderID& id : agents.order()) {
+            names.push_back(id.rawValue);
+        }
+        return joined(names, ",");
+    case Kind::agents:
+        for (const AgentProviderID& id : agents.order()) {
+            if (agents.enabled().contains(id)) {
+                names.push_back(id.rawValue);
+            }
+        }
+        return names.empty() ? none : joined(names, ",");
+    case Kind::executable:
+        if (const auto path = agents.chosenExecutable(*item.agent)) {
+            return path->string();
+        }
+        break;
+    case Kind::minutes:
+        if (const auto interval =
+                agents.readingOptions(*providerDescriptor(*item.agent)).interval) {
+            return std::to_string(std::lround(interval->count() / 60));
+        }
+        break;
+    }
+    return defaultValue(item);
+}
+
+std::string SettingsCatalog::defaultValue(const SettingItem& item) const {
+    switch (item.kind) {
+    case Kind::choice:
+    case Kind::way:
+        return item.values.front();
+    case Kind::loginItem:
+        return on;
+    case Kind::order:
+    case Kind::agents:
+        return joined(registeredNames(), ",");
+    case Kind::executable:
+    case Kind::minutes:
+        break;
+    }
+    return automatic;
+}
+
+std::string SettingsCatalog::allowedText(const SettingItem& item) const {
+    switch (item.kind) {
+    case Kind::choice:
+    case Kind::way:
+        return joined(item.values, ", ");
+    case Kind::loginItem:
+        return std::string(on) + ", " + off;
+    case Kind::order:
+        return joined(registeredNames(), ", ");
+    case Kind::agents:
+        return joined(registeredNames(), ", ") + ", " + none;
+    case Kind::executable:
+        return std::string("PATH, ") + automatic;
+    case Kind::minutes:
+        break;
+    }
+    return std::to_string(leastMinutes) + "-" + std::to_string(mostMinutes) + ", " + automatic;
+}
+
+std::string SettingsCatalog::title(const SettingItem& item, const Localization& words) const {
+    return item.agent
+               ? words.format(item.wordsKey, {words.text(providerDescriptor(*item.agent)->nameKey)})
+               : words.text(item.wordsKey);
+}
+
+std::string SettingsCatalog::valueText(const SettingItem& item, const Localization& words) const {
+    const std::string value = this->value(item);
+    switch (item.kind) {
+    case Kind::choice:
+    case Kind::way:
+        return words.text(item.wordsKey + "." + value);
+    case Kind::loginItem:
+        switch (launchAtLogin_.state()) {
+        case LaunchAtLoginController::State::unavailable:
+            return words.text("settings.launchAtLogin.unavailable");
+        case LaunchAtLoginController::State::needsApproval:
+            return words.text("settings.launchAtLogin.needsApproval");
+        default:
+            return words.text(item.wordsKey + "." + value);
+        }
+    case Kind::order:
+    case Kind::agents: {
+        if (value == none) {
+            return words.text("settings.agents.none");
+        }
+        const auto agents = agentsIn(value);
+        std::vector<std::string> names;
+        for (const AgentProviderID& id : *agents) {
+            names.push_back(words.text(providerDescriptor(id)->nameKey));
+        }
+        return joined(names, ", ");
+    }
+    case Kind::executable:
+        if (value == automatic) {
+            const auto found = providerDescriptor(*item.agent)->executableLocator(machine_);
+            return found ? words.format("settings.executable.found",
+                                        {singleLine(machine_.abbreviated(*found))})
+                         : words.text("settings.executable.notFound");
+        }
+        return isExecutableFile(value) ? singleLine(machine_.abbreviated(value))
+                                       : words.format("settings.executable.unusable",
+                                                      {singleLine(machine_.abbreviated(value))});
+    case Kind::minutes:
+        break;
+    }
+    return value == automatic ? words.text("settings.agentInterval.automatic")
+                              : words.format("settings.agentInterval.minutes", {value});
+}
+
+// --- changing
+
+SettingRefusal SettingsCatalog::notAllowed(const SettingItem& item, const std::string& text) const {
+    return {"settings.refused.value", singleLine(text), allowedText(item)};
+}
+
+std::optional<SettingRefusal> SettingsCatalog::set(const SettingItem& item,
+                                                   const std::string& text) {
+    switch (item.kind) {
+    case Kind::choice:
+    case Kind::way:
+        if (std::ranges::find(item.values, text) == item.values.end()) {
+            return notAllowed(item, text);
+        }
+        if (item.kind == Kind::way && text == automatic) {
+            reset(item);
+        } else {
+            preferences_.setString(item.preferenceKey, text);
+        }
+        return std::nullopt;
+    case Kind::loginItem:
+        return setLoginItem(item, text);
+    case Kind::order:
+    case Kind::agents:
+        return setAgents(item, text);
+    case Kind::executable:
+        return setExecutable(item, text);
+    case Kind::minutes:
+        break;
+    }
+    return setMinutes(item, text);
+}
+
+std::optional<SettingRefusal> SettingsCatalog::setLoginItem(const SettingItem& item,
+                                                            const std::string& text) {
+    if (text != on && text != off) {
+        return notAllowed(item, text);
+    }
+    if (!launchAtLogin_.canManage()) {
+        return SettingRefusal{"settings.refused.loginItem", item.name, {}};
+    }
+    if (const std::string reason = launchAtLogin_.setEnabled(text == on); !reason.empty()) {
+        return SettingRefusal{"settings.refused.system", item.name, singleLine(reason)};
+    }
+    return std::nullopt;
+}
+
+std::optional<SettingRefusal> SettingsCatalog::setAgents(const SettingItem& item,
+                                                         const std::string& text) {
+    const auto named =
+        item.kind == Kind::agents && text == none ? std::vector<AgentProviderID>() : agentsIn(text);
+    if (!named || (named->empty() && text != none)) {
+        return notAllowed(item, text);
+    }
+    AgentSettings agents(preferences_, providerRegistry());
+    if (item.kind == Kind::order) {
+        agents.setOrder(agents.completed(*named));
+        return std::nullopt;
+    }
+    for (const AgentProviderID& id : agents.order()) {
+        agents.setEnabled(id, std::ranges::find(*named, id) != named->end());
+    }
+    return std::nullopt;
+}
+
+std::optional<SettingRefusal> SettingsCatalog::setExecutable(const SettingItem& item,
+                                                             const std::string& text) {
+    AgentSettings agents(preferences_, providerRegistry());
+    if (text == automatic) {
+        agents.chooseExecutable(*item.agent, std::nullopt);
+        return std::nullopt;
+    }
+    // As it is typed: "~" may come from a program's dialog or a quoted argument.
+    const std::filesystem::path path =
+        text.starts_with("~/") ? machine_.resolved(text) : std::filesystem::path(text);
+    if (!path.is_absolute()) {
+        return SettingRefusal{"settings.refused.relative", singleLine(text), {}};
+    }
+    if (!isExecutableFile(path)) {
+        return SettingRefusal{"settings.refused.notExecutable", singleLine(text), {}};
+    }
+    agents.chooseExecutable(*item.agent, path.lexically_normal());
+    return std::nullopt;
+}
+
+std::optional<SettingRefusal> SettingsCatalog::setMinutes(const SettingItem& item,
+                                                          const std::string& text) {
+    if (text == automatic) {
+        reset(item);
+        return std::nullopt;
+    }
+    int minutes = 0;
+    const char* const end = text.data() + text.size();
+    const auto [parsed, error] = std::from_chars(text.data(), end, minutes);
+    if (error != std::errc() || parsed != end || minutes < leastMinutes || minutes > mostMinutes) {
+        return notAllowed(item, text);
+    }
+    preferences_.setNumber(item.preferenceKey, minutes);
+    return std::nullopt;
+}
+
+std::optional<SettingRefusal> SettingsCatalog::reset(const SettingItem& item) {
+    if (item.kind == Kind::loginItem) {
+        return setLoginItem(item, on);
+    }
+    preferences_.remove(item.preferenceKey);
+    return std::nullopt;
+}
+
+void SettingsCatalog::resetAll() {
+    for (const SettingItem& item : items_) {
+        if (item.kind != Kind::loginItem) {
+            reset(item);
+        }
+    }
+}
+
+} // namespace vellmark

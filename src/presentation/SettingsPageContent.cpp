@@ -1,0 +1,321 @@
+#include "presentation/SettingsPageContent.h"
+
+#include "model/UsageTexts.h"
+#include "presentation/AgentBlockContent.h"
+#include "probes/VersionNumber.h"
+#include "text/Formatting.h"
+#include "text/TerminalText.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdlib>
+
+namespace vellmark {
+namespace {
+
+using Kind = SettingItem::Kind;
+using Value = SettingsPageState::Value;
+
+constexpr std::string_view languageKey = "AppLanguage";
+constexpr std::string_view figureKey = "StatusItemFigure";
+constexpr std::string_view systemValue = "system";
+constexpr std::string_view automaticValue = "automatic";
+
+/// The preferences of the rows, section by section; the login item has none and comes first.
+constexpr std::array<std::string_view, 5> generalKeys{languageKey, "AppAppearance", "FirstFigure",
+                                                      "ReadingInterval", "LastWindow"};
+constexpr std::array<std::string_view, 2> statusItemKeys{"StatusItemInk", figureKey};
+
+const Value* find(const SettingsPageState& state, std::string_view preferenceKey) {
+    const auto found = std::ranges::find_if(state.settings, [&](const Value& value) {
+        return value.item.preferenceKey == preferenceKey;
+    });
+    return found == state.settings.end() ? nullptr : &*found;
+}
+
+const Value* find(const SettingsPageState& state, Kind kind,
+                  const std::optional<AgentProviderID>& agent) {
+    const auto found = std::ranges::find_if(state.settings, [&](const Value& value) {
+        return value.item.kind == kind && value.item.agent == agent;
+    });
+    return found == state.settings.end() ? nullptr : &*found;
+}
+
+const AgentFacts* factsOf(const SettingsPageState& state, const AgentProviderID& id) {
+    const auto found = std::ranges::find(state.agents, id, &AgentFacts::id);
+    return found == state.agents.end() ? nullptr : &*found;
+}
+
+/// "Codex CLI 0.61.0"; what the program said of itself where that holds no number.
+std::string versionText(const AgentFacts& facts, const std::string& program) {
+    if (!facts.toolVersion) {
+        return program;
+    }
+    const std::string line = singleLine(*facts.toolVersion);
+    const std::optional<VersionNumber> number = VersionNumber::parse(line);
+    return number ? program + " " + number->text() : line;
+}
+
+std::string sizeText(std::uintmax_t bytes, const Localization& words) {
+    constexpr double kilo = 1000;
+    const double kilobytes = static_cast<double>(bytes) / kilo;
+    if (kilobytes < kilo) {
+        return words.format("settings.size.kilobytes",
+                            {integerText(std::llround(std::ceil(kilobytes)), words)});
+    }
+    if (kilobytes < kilo * kilo) {
+        return words.format("settings.size.megabytes", {decimalText(kilobytes / kilo, words)});
+    }
+    return words.format("settings.size.gigabytes", {decimalText(kilobytes / kilo / kilo, words)});
+}
+
+// Agents
+
+ControlContent wayOut(const ProviderDescriptor& agent, const AgentFacts& facts,
+                      const Localization& words) {
+    const auto hint = [&](const std::optional<std::string>& key) {
+        return key ? words.text(*key) : std::string();
+    };
+    if (!agent.setup) {
+        return {};
+    }
+    if (!facts.toolPath) {
+        return {words.text("popover.failure.install"), {}, hint(agent.setup->missingHintKey)};
+    }
+    if (facts.loggedIn == false) {
+        return {words.text("popover.failure.logIn"), {}, hint(agent.setup->loginHintKey)};
+    }
+    return {};
+}
+
+std::string_view loginKey(const AgentFacts& facts) {
+    return !facts.loggedIn   ? "settings.agent.unverifiable"
+           : *facts.loggedIn ? "settings.agent.loggedIn"
+                             : "settings.agent.notLoggedIn";
+}
+
+AgentSettingContent agentContent(const ProviderDescriptor& agent, std::size_t place,
+                                 const SettingsPageState& state, const Machine& machine,
+                                 const Localization& words) {
+    AgentSettingContent content{.id = agent.id, .name = agentShortName(agent.id, words)};
+    content.isEnabled = state.enabled.contains(agent.id);
+    content.switchName = words.format("settings.agent.switch", {content.name});
+    content.handleName = words.format("settings.agent.move", {content.name});
+    content.place =
+        words.format("settings.agent.place", {static_cast<std::int64_t>(place + 1),
+                                              static_cast<std::int64_t>(state.order.size())});
+    const std::string program = words.text(agent.sourceKey);
+    const AgentFacts* facts = factsOf(state, agent.id);
+    if (facts == nullptr) {
+        content.detail = words.text("settings.cli.checking");
+        return content;
+    }
+    if (facts->toolPath) {
+        content.detail = words.format(
+            "settings.agent.detail",
+            {versionText(*facts, program), singleLine(machine.abbreviated(*facts->toolPath))});
+        content.status = words.text(loginKey(*facts));
+    } else {
+        content.detail = words.format("settings.agent.missing", {program});
+    }
+    if (content.isEnabled) {
+        content.wayOut = wayOut(agent, *facts, words);
+    }
+    return content;
+}
+
+/// What is set of the readings of one agent.
+SettingRowContent wayRow(const Value& setting, const std::string& agent,
+                         const Localization& words) {
+    const SettingItem& item = setting.item;
+    SettingChoices choices{.current = setting.value, .form = SettingChoices::Form::popUp};
+    if (item.kind == Kind::way) {
+        for (const std::string& value : item.values) {
+            choices.choices.push_back({value, words.text(item.wordsKey + "." + value)});
+        }
+    } else {
+        choices.choices.push_back({std::string(automaticValue),
+                                   words.text(item.wordsKey + "." + std::string(automaticValue))});
+        std::set<int> minutes{15, 30, 60, 120, 240};
+        // One that the terminal has set.
+        if (setting.value != automaticValue) {
+            minutes.insert(std::atoi(setting.value.c_str()));
+        }
+        for (const int span : minutes) {
+            const std::string value = std::to_string(span);
+            choices.choices.push_back({value, words.format(item.wordsKey + ".minutes", {value})});
+        }
+    }
+    return {.name = item.name,
+            .label = words.format(item.wordsKey, {agent}),
+            .explanation = words.text(item.wordsKey + ".hint"),
+            .control = std::move(choices)};
+}
+
+AgentProgramContent programContent(const ProviderDescriptor& agent, const SettingsPageState& state,
+                                   const Machine& machine, const Localization& words) {
+    AgentProgramContent content{.id = agent.id, .label = words.text(agent.sourceKey)};
+    content.explanation = agent.cliHintKey ? words.text(*agent.cliHintKey) : std::string();
+    const Value* setting = find(state, Kind::executable, agent.id);
+    if (setting != nullptr && setting->value != automaticValue) {
+        content.chosenPath = singleLine(machine.abbreviated(setting->value));
+    }
+    for (const Value& value : state.settings) {
+        if (value.item.agent == agent.id &&
+            (value.item.kind == Kind::way || value.item.kind == Kind::minutes)) {
+            content.ways.push_back(wayRow(value, agentName(agent.id, words), words));
+        }
+    }
+    const AgentFacts* facts = factsOf(state, agent.id);
+    if (facts == nullptr) {
+        return content;
+    }
+    if (facts->toolPath) {
+        content.foundPath = singleLine(machine.abbreviated(*facts->toolPath));
+    } else if (content.chosenPath.empty()) {
+        content.foundPath = words.text("settings.program.notFound");
+    } else if (!state.isChecking) {
+        content.explanation = words.text("settings.program.unusable");
+    }
+    return content;
+}
+
+// Settings
+
+std::string choiceTitle(const SettingItem& item, const std::string& value,
+                        const SettingsPageState& state, const Localization& words) {
+    if (item.preferenceKey == languageKey && value == systemValue) {
+        return words.format("settings.language.systemNamed",
+                            {words.text(item.wordsKey + "." + state.systemLanguage)});
+    }
+    return words.text(item.wordsKey + "." + value);
+}
+
+SettingRowContent rowOf(const Value& setting, const SettingsPageState& state,
+                        const Localization& words) {
+    const SettingItem& item = setting.item;
+    SettingRowContent row{.name = item.name,
+                          .label = words.text(item.wordsKey),
+                          .explanation = words.text(item.wordsKey + ".hint")};
+    if (item.preferenceKey == figureKey) {
+        row.control = SettingSwitch{.isOn = setting.value != item.values.front(),
+                                    .onValue = item.values.back(),
+                                    .offValue = item.values.front()};
+        return row;
+    }
+    SettingChoices choices{.current = setting.value};
+    choices.form = item.preferenceKey == languageKey ? SettingChoices::Form::popUp
+                                                     : SettingChoices::Form::sideBySide;
+    for (const std::string& value : item.values) {
+        choices.choices.push_back({value, choiceTitle(item, value, state, words)});
+    }
+    row.control = std::move(choices);
+    return row;
+}
+
+SettingRowContent loginRow(const Value& setting, const SettingsPageState& state,
+                           const Localization& words) {
+    using State = LaunchAtLoginController::State;
+    SettingRowContent row{.name = setting.item.name, .label = words.text(setting.item.wordsKey)};
+    const bool isAsked = state.launchAtLogin == State::needsApproval;
+    if (isAsked) {
+        row.explanation = words.text("settings.launchAtLogin.needsApproval");
+        row.button = {words.text("settings.launchAtLogin.approve"),
+                      {},
+                      words.text("settings.launchAtLogin.approve.help")};
+    } else if (state.launchAtLogin == State::unavailable) {
+        row.explanation = words.text("settings.launchAtLogin.unavailable");
+    }
+    row.control = SettingSwitch{.isOn = isAsked || state.launchAtLogin == State::on,
+                                .isEnabled = state.launchAtLogin != State::unavailable};
+    return row;
+}
+
+template<std::size_t count>
+void addRows(SettingsSectionContent& section, const std::array<std::string_view, count>& keys,
+             const SettingsPageState& state, const Localization& words) {
+    for (const std::string_view key : keys) {
+        if (const Value* setting = find(state, key)) {
+            section.rows.push_back(rowOf(*setting, state, words));
+        }
+    }
+}
+
+SettingRowContent buttonRow(std::string_view name, std::string_view key, ControlContent button,
+                            std::string explanation, const Localization& words) {
+    return {.name = std::string(name),
+            .label = words.text(key),
+            .explanation = std::move(explanation),
+            .button = std::move(button)};
+}
+
+SettingsSectionContent dataSection(const SettingsPageState& state, const Localization& words) {
+    SettingsSectionContent section{.heading = words.text("settings.section.data")};
+    std::string place = state.dataFolder;
+    if (state.dataSize) {
+        place = words.format("settings.agent.detail", {place, sizeText(*state.dataSize, words)});
+    }
+    section.rows.push_back(buttonRow(settingsRow::dataFolder, "settings.dataFolder",
+                                     {words.text("settings.dataFolder.show"), "folder", ""},
+                                     std::move(place), words));
+    ControlContent deletion;
+    if (state.hasHistory) {
+        deletion.title = words.text("settings.history.delete");
+    }
+    section.rows.push_back(buttonRow(
+        settingsRow::history, "settings.history", std::move(deletion),
+        words.text(state.hasHistory ? "settings.history.hint" : "settings.history.none"), words));
+    section.rows.push_back(buttonRow(settingsRow::reset, "settings.reset",
+                                     {words.text("settings.reset.button"), "", ""},
+                                     words.text("settings.reset.hint"), words));
+    return section;
+}
+
+QuestionContent question(const std::string& key, const Localization& words) {
+    return {.title = words.text(key + ".title"),
+            .text = words.text(key + ".text"),
+            .deed = words.text(key + ".deed"),
+            .cancel = words.text("settings.cancel")};
+}
+
+} // namespace
+
+SettingsPageContent settingsPageContent(const SettingsPageState& state, const Machine& machine,
+                                        const Localization& words) {
+    SettingsPageContent content;
+    content.head = pageHead({"nav.settings", "settings.subtitle"}, words);
+    content.openSetup = {
+        words.text("settings.openSetup"), {}, words.text("settings.openSetup.help")};
+    content.trouble = state.trouble;
+    content.agentsHeading = words.text("nav.section.agents");
+    content.agentsHint = words.text("settings.agentOrder.help");
+    content.isChecking = state.isChecking;
+    content.checkAgain = {
+        words.text(state.isChecking ? "settings.cli.checking" : "settings.cli.recheck"),
+        "arrow.clockwise", ""};
+    for (const AgentProviderID& id : state.order) {
+        if (const ProviderDescriptor* agent = providerDescriptor(id)) {
+            content.agents.push_back(
+                agentContent(*agent, content.agents.size(), state, machine, words));
+            content.programs.push_back(programContent(*agent, state, machine, words));
+        }
+    }
+    SettingsSectionContent general{.heading = words.text("settings.section.general")};
+    if (const Value* login = find(state, Kind::loginItem, std::nullopt)) {
+        general.rows.push_back(loginRow(*login, state, words));
+    }
+    addRows(general, generalKeys, state, words);
+    SettingsSectionContent statusItem{.heading = words.text("settings.section.statusItem")};
+    addRows(statusItem, statusItemKeys, state, words);
+    content.firstSections = {std::move(general), std::move(statusItem)};
+    content.programsHeading = words.text("settings.section.programs");
+    content.choosePath = {words.text("settings.program.choose"), "", ""};
+    content.resetPath = {words.text("settings.program.reset"), "", ""};
+    content.lastSections = {dataSection(state, words)};
+    content.deleteQuestion = question("settings.history.question", words);
+    content.resetQuestion = question("settings.reset.question", words);
+    return content;
+}
+
+} // namespace vellmark

@@ -1,0 +1,143 @@
+#include "presentation/SettingsPageModel.h"
+
+#include "text/SystemErrorText.h"
+
+#include <system_error>
+#include <utility>
+
+namespace vellmark {
+namespace {
+
+/// What the files in `folder` hold; a file that comes or goes meanwhile may or may not count.
+std::uintmax_t sizeOf(const std::filesystem::path& folder) {
+    namespace fs = std::filesystem;
+    std::uintmax_t bytes = 0;
+    std::error_code error;
+    for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error)) {
+        std::error_code unreadable;
+        if (entry->is_regular_file(unreadable)) {
+            const std::uintmax_t size = entry->file_size(unreadable);
+            bytes += unreadable ? 0 : size;
+        }
+    }
+    return bytes;
+}
+
+} // namespace
+
+SettingsPageModel::SettingsPageModel(Sources sources)
+    : sources_(std::move(sources)),
+      catalog_(sources_.preferences, sources_.machine, sources_.launchAtLogin),
+      agents_(sources_.preferences, providerRegistry()) {}
+
+SettingsPageState SettingsPageModel::state() const {
+    SettingsPageState state;
+    for (const SettingItem& item : catalog_.items()) {
+        state.settings.push_back({item, catalog_.value(item)});
+    }
+    state.launchAtLogin = sources_.launchAtLogin.state();
+    state.order = agents_.order();
+    state.enabled = agents_.enabled();
+    for (const AgentProviderID& id : state.order) {
+        if (const AgentFacts* facts = sources_.factsOf(id)) {
+            state.agents.push_back(*facts);
+        }
+        state.isChecking = state.isChecking || sources_.isAsking(id);
+    }
+    state.systemLanguage = sources_.systemLanguage;
+    state.dataFolder = sources_.machine.abbreviated(sources_.machine.supportDirectory());
+    state.dataSize = dataSize_;
+    state.hasHistory = sources_.hasHistory();
+    state.trouble = trouble_;
+    return state;
+}
+
+SettingsPageContent SettingsPageModel::content() const {
+    return settingsPageContent(state(), sources_.machine, sources_.words());
+}
+
+SettingsPageActions SettingsPageModel::actions() {
+    return {.appear = [this] { look(false); },
+            .enableAgent =
+                [this](const AgentProviderID& id, bool isEnabled) {
+                    agents_.setEnabled(id, isEnabled);
+                    finish();
+                },
+            .orderAgents =
+                [this](const std::vector<AgentProviderID>& order) {
+                    agents_.setOrder(order);
+                    finish();
+                },
+            .checkAgents = [this] { look(true); },
+            .chooseProgram = [this](const AgentProviderID& id,
+                                    const std::string& path) { chooseProgram(id, path); },
+            .change = [this](const std::string& name,
+                             const std::string& value) { change(name, value); },
+            .press = [this](const std::string& name) { press(name); }};
+}
+
+/// The folder holds a handful of files: they are measured sooner than a thread begins.
+void SettingsPageModel::look(bool anew) {
+    dataSize_ = sizeOf(sources_.machine.supportDirectory());
+    for (const AgentProviderID& id : agents_.order()) {
+        sources_.ask(id, anew);
+    }
+    sources_.changed();
+}
+
+void SettingsPageModel::change(const std::string& name, const std::string& value) {
+    if (const SettingItem* item = catalog_.find(name)) {
+        finish(catalog_.set(*item, value));
+    }
+}
+
+void SettingsPageModel::chooseProgram(const AgentProviderID& id, const std::string& path) {
+    for (const SettingItem& item : catalog_.items()) {
+        if (item.kind == SettingItem::Kind::executable && item.agent == id) {
+            change(item.name, path.empty() ? "automatic" : path);
+            sources_.ask(id, true);
+        }
+    }
+}
+
+void SettingsPageModel::press(const std::string& name) {
+    if (name == settingsRow::dataFolder) {
+        sources_.showFolder(sources_.machine.supportDirectory());
+    } else if (name == settingsRow::history) {
+        deleteHistory();
+    } else if (name == settingsRow::reset) {
+        catalog_.resetAll();
+        finish();
+        look(true);
+    } else if (const SettingItem* item = catalog_.find(name);
+               item != nullptr && item->kind == SettingItem::Kind::loginItem) {
+        sources_.launchAtLogin.openSystemSettings();
+    }
+}
+
+void SettingsPageModel::deleteHistory() {
+    sources_.deleteHistory([this, alive = std::weak_ptr(isAlive_)](std::error_code error) {
+        if (alive.expired()) {
+            return;
+        }
+        trouble_ = error ? sources_.words().format("settings.history.notDeleted",
+                                                   {systemErrorText(error, sources_.words())})
+                         : std::string();
+        look(false);
+    });
+}
+
+void SettingsPageModel::finish(const std::optional<SettingRefusal>& refusal) {
+    sources_.takeSettings();
+    trouble_.clear();
+    if (refusal) {
+        trouble_ = refusal->text(sources_.words());
+    } else if (const auto error = sources_.preferences.writeError()) {
+        trouble_ = sources_.words().format("settings.notSaved",
+                                           {systemErrorText(*error, sources_.words())});
+    }
+    sources_.changed();
+}
+
+} // namespace vellmark

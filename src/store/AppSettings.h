@@ -1,0 +1,83 @@
+#pragma once
+
+#include "platform/Preferences.h"
+#include "store/FirstFigure.h"
+#include "text/Instant.h"
+
+#include <array>
+#include <string_view>
+#include <utility>
+
+namespace vellmark {
+
+/// Which ink the glyph in the menu bar or panel has: the one for its ground as far as that is
+/// known, or always the same.
+enum class StatusInk { automatic, light, dark };
+/// What stands beside the glyph: nothing, or what is left of the quota of which least is left.
+enum class StatusFigure { none, leastLeft };
+/// What happens when the last window is closed.
+enum class LastWindow { keepsRunning, quits };
+/// How often all agents are read.
+enum class ReadingInterval { fiveMinutes, tenMinutes, thirtyMinutes };
+
+/// A setting that is one of a few values: the preference that keeps it and what each value is
+/// called there and in the terminal. The first one holds where none is kept, or none that is known.
+template<typename Value, std::size_t count>
+struct ChoiceSetting {
+    std::string_view key;
+    std::array<std::pair<Value, std::string_view>, count> forms;
+};
+
+namespace setting {
+
+inline constexpr ChoiceSetting<FirstFigure, 2> firstFigure{
+    "FirstFigure", {{{FirstFigure::left, "left"}, {FirstFigure::used, "used"}}}};
+inline constexpr ChoiceSetting<ReadingInterval, 3> readingInterval{
+    "ReadingInterval",
+    {{{ReadingInterval::fiveMinutes, "5"},
+      {ReadingInterval::tenMinutes, "10"},
+      {ReadingInterval::thirtyMinutes, "30"}}}};
+inline constexpr ChoiceSetting<StatusInk, 3> statusInk{"StatusItemInk",
+                                                       {{{StatusInk::automatic, "automatic"},
+                                                         {StatusInk::light, "light"},
+                                                         {StatusInk::dark, "dark"}}}};
+inline constexpr ChoiceSetting<StatusFigure, 2> statusFigure{
+    "StatusItemFigure", {{{StatusFigure::none, "none"}, {StatusFigure::leastLeft, "least-left"}}}};
+inline constexpr ChoiceSetting<LastWindow, 2> lastWindow{
+    "LastWindow", {{{LastWindow::keepsRunning, "keep-running"}, {LastWindow::quits, "quit"}}}};
+
+} // namespace setting
+
+template<typename Value, std::size_t count>
+Value valueOf(const Preferences& preferences, const ChoiceSetting<Value, count>& setting) {
+    const auto stored = preferences.string(setting.key);
+    for (const auto& [value, form] : setting.forms) {
+        if (stored == form) {
+            return value;
+        }
+    }
+    return setting.forms.front().first;
+}
+
+template<typename Value, std::size_t count>
+void choose(Preferences& preferences, const ChoiceSetting<Value, count>& setting, Value chosen) {
+    for (const auto& [value, form] : setting.forms) {
+        if (value == chosen) {
+            preferences.setString(setting.key, std::string(form));
+        }
+    }
+}
+
+constexpr Seconds length(ReadingInterval interval) {
+    switch (interval) {
+    case ReadingInterval::fiveMinutes:
+        break;
+    case ReadingInterval::tenMinutes:
+        return Seconds(600);
+    case ReadingInterval::thirtyMinutes:
+        return Seconds(1800);
+    }
+    return Seconds(300);
+}
+
+} // namespace vellmark

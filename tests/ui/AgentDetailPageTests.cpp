@@ -1,0 +1,190 @@
+#include "screenshots/SampleHistory.h"
+#include "screenshots/SampleStates.h"
+#include "ui/ChartView.h"
+#include "ui/QtEnvironment.h"
+#include "ui/kit/Button.h"
+#include "ui/kit/Label.h"
+#include "ui/kit/Segments.h"
+#include "ui/window/AgentDetailPage.h"
+#include "ui/window/AgentWindowCard.h"
+#include "ui/window/ReadingCard.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QLabel>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace vellmark {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using testing::RecordedActions;
+using testing::tabStops;
+
+class AgentDetail : public ::testing::Test {
+protected:
+    AgentDetail() {
+        const auto note = [this](const char* name) {
+            return [this, name](const AgentProviderID& id) {
+                recorded.calls.push_back(std::string(name) + " " + id.rawValue);
+            };
+        };
+        actions.refresh = note("read");
+        actions.recheck = note("recheck");
+        actions.switchOff = note("switchOff");
+        actions.setRange = [this](ChartRange range) {
+            recorded.calls.push_back("range " + std::string(storedText(range)));
+        };
+        actions.setOrder = [this](const std::vector<AgentProviderID>& order) {
+            recorded.calls.push_back("order " + order.front().rawValue);
+        };
+        machine.home = "/home/name";
+    }
+
+    void show(const UsageState& state, std::size_t agent, QSize size = {872, 760},
+              const std::string& language = "en") {
+        const AgentUsageSnapshot& snapshot = state.snapshots.at(agent);
+        UsageHistory history;
+        samples::addFirstDay(history, state);
+        const AgentFacts facts = samples::facts(snapshot.id);
+        page.resize(size);
+        page.setContent(agentPageContent(
+            snapshot, {.state = state, .history = history, .machine = machine, .facts = &facts},
+            samples::now(), samples::words(language)));
+        page.show();
+    }
+    template<class Widget>
+    std::vector<Widget*> shown() {
+        std::vector<Widget*> found;
+        for (QWidget* widget : page.findChildren<QWidget*>()) {
+            auto* wanted = dynamic_cast<Widget*>(widget);
+            if (wanted != nullptr && widget->isVisibleTo(&page)) {
+                found.push_back(wanted);
+            }
+        }
+        return found;
+    }
+    QAbstractButton* button(const QString& name) {
+        for (QAbstractButton* candidate : shown<QAbstractButton>()) {
+            if (candidate->text() == name || candidate->accessibleName() == name) {
+                return candidate;
+            }
+        }
+        ADD_FAILURE() << "no button " << name.toStdString();
+        return nullptr;
+    }
+    QRect place(QWidget* widget) { return {widget->mapTo(&page, QPoint(0, 0)), widget->size()}; }
+
+    RecordedActions recorded;
+    AgentUIActions program = recorded.actions();
+    AgentPageActions actions;
+    Machine machine;
+    AgentDetailPage page{program, actions, nullptr};
+};
+
+TEST_F(AgentDetail, EachControlAsksForWhatItSays) {
+    show(samples::stale(), 0);
+    button(QStringLiteral("Refresh"))->click();
+    button(QStringLiteral("Read again"))->click(); // this agent alone, unlike elsewhere
+    button(QStringLiteral("7 d"))->click();
+    button(QStringLiteral("Check Again"))->click();
+    button(QStringLiteral("Move back"))->click();
+    button(QStringLiteral("Switch off"))->click();
+    EXPECT_THAT(recorded.calls, ElementsAre("read codex", "read codex", "range 7d", "recheck codex",
+                                            "order claude", "switchOff codex"));
+    EXPECT_FALSE(button(QStringLiteral("Move forward"))->isEnabled());
+
+    button(QStringLiteral("Copy path"))->click();
+    EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(),
+              samples::facts(AgentProviderID::codex()).toolPath->string());
+    EXPECT_NE(button(QStringLiteral("Copied")), nullptr);
+}
+
+TEST_F(AgentDetail, EveryControlIsAStopOfTheKeyboardAndHasAName) {
+    show(samples::stale(), 0);
+    const std::vector<QWidget*> controls = page.controls();
+    for (QWidget* stop : tabStops(page)) {
+        const auto* label = dynamic_cast<const QAbstractButton*>(stop);
+        const QString name = label != nullptr && stop->accessibleName().isEmpty()
+                                 ? label->text()
+                                 : stop->accessibleName();
+        EXPECT_FALSE(name.isEmpty()) << stop->metaObject()->className();
+        EXPECT_THAT(controls, ::testing::Contains(stop)) << name.toStdString();
+    }
+}
+
+TEST_F(AgentDetail, AMoveToTheEndLeavesTheKeyboardWithTheMoves) {
+    show(samples::normal(), 1);
+    page.activateWindow();
+    ASSERT_TRUE(testing::waitUntil([this] { return page.isActiveWindow(); }));
+    QAbstractButton* later = button(QStringLiteral("Move back"));
+    later->setFocus(Qt::TabFocusReason);
+    UsageState moved = samples::normal();
+    std::swap(moved.snapshots[1], moved.snapshots[2]);
+    std::swap(moved.providerOrder[1], moved.providerOrder[2]);
+    show(moved, 2);
+    EXPECT_FALSE(later->isEnabled());
+    EXPECT_EQ(page.focusWidget(), button(QStringLiteral("Move forward")))
+        << "a key pressed once more must not switch the agent off";
+}
+
+TEST_F(AgentDetail, KeepsCardsInPlaceWhileValuesChange) {
+    show(samples::normal(), 1);
+    const auto before = shown<AgentWindowCard>();
+    ASSERT_EQ(before.size(), 3U);
+    const QRect place = before[0]->geometry();
+    UsageState refreshed = samples::inspected();
+    refreshed.snapshots[1].windows[0].usedPercent = 70;
+    refreshed.snapshots[1].balances.clear();
+    show(refreshed, 1);
+    EXPECT_EQ(shown<AgentWindowCard>(), before);
+    EXPECT_EQ(before[0]->geometry(), place);
+
+    // Another agent, nothing of the first one is left.
+    show(samples::loading(), 0);
+    for (const AgentWindowCard* card : shown<AgentWindowCard>()) {
+        EXPECT_FALSE(card->hasContent());
+        EXPECT_TRUE(card->findChildren<ChartView*>().front()->isHidden());
+    }
+    EXPECT_THAT(shown<kit::Segments>(), IsEmpty());
+}
+
+TEST_F(AgentDetail, HasTwoColumnsOnlyWhereTwoFit) {
+    for (const int width : {500, 662, 792, 872, 2312}) {
+        show(samples::inspected(), 1, {width, 700});
+        const auto cards = shown<AgentWindowCard>();
+        const QRect first = place(cards[0]);
+        const QRect second = place(cards[1]);
+        const QRect reading = place(shown<ReadingCard>().at(0));
+        const bool hasTwo = second.y() == first.y();
+        EXPECT_EQ(hasTwo, width >= 728) << width;
+        EXPECT_FALSE(first.intersects(second));
+        for (const QRect& card : {first, second, reading}) {
+            EXPECT_GE(card.left(), 28) << width;
+            EXPECT_LE(card.right(), width - 28) << width;
+            EXPECT_GE(card.height(), AgentWindowCard::leastHeight);
+        }
+        if (hasTwo) {
+            EXPECT_EQ(reading.top(), place(cards[2]).top());
+            EXPECT_EQ(reading.bottom(), place(cards[2]).bottom());
+        }
+    }
+}
+
+TEST_F(AgentDetail, NoFigureIsShortenedAtTheLeastWidthInAnyLanguage) {
+    for (const char* language : {"de", "en", "fr", "it", "es"}) {
+        for (const UsageState& state : {samples::inspected(), samples::usedUp()}) {
+            show(state, 1, {792, 680}, language);
+            for (const kit::Label* label : shown<kit::Label>()) {
+                EXPECT_FALSE(label->isShortened())
+                    << language << ": " << label->text().toStdString();
+            }
+        }
+    }
+}
+
+} // namespace
+} // namespace vellmark
