@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QKeyEvent>
 #include <QKeySequence>
 #include <QMenu>
 #include <QShortcut>
@@ -111,6 +112,10 @@ bool MainMenu::performInResponderChain(std::string_view action) {
         const QByteArray method = QByteArray(action.data(), qsizetype(action.size())) + "()";
         if (focus && focus->metaObject()->indexOfMethod(method) >= 0) {
             QMetaObject::invokeMethod(focus, std::string(action).c_str());
+        } else if (focus && action == menuAction::copy) {
+            // A list of rows copies with the keys.
+            QKeyEvent keys(QEvent::KeyPress, Qt::Key_C, Qt::ControlModifier);
+            QCoreApplication::sendEvent(focus, &keys);
         }
     } else {
         return false;
