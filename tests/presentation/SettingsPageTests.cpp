@@ -66,8 +66,8 @@ protected:
     SettingsPageContent content() { return model->content(); }
     std::vector<SettingRowContent> rows() {
         std::vector<SettingRowContent> all;
-        const SettingsPageContent shown = content();
-        for (const auto* sections : {&shown.firstSections, &shown.lastSections}) {
+        const SettingsPageContent page = content();
+        for (const auto* sections : {&page.firstSections, &page.lastSections}) {
             for (const SettingsSectionContent& section : *sections) {
                 all.insert(all.end(), section.rows.begin(), section.rows.end());
             }
