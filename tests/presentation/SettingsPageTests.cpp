@@ -72,7 +72,7 @@ protected:
                 all.insert(all.end(), section.rows.begin(), section.rows.end());
             }
         }
-        for (const AgentProgramContent& program : shown.programs) {
+        for (const AgentProgramContent& program : page.programs) {
             all.insert(all.end(), program.ways.begin(), program.ways.end());
         }
         return all;
