@@ -3,9 +3,13 @@
 #include "presentation/MainMenuContent.h"
 #include "ui/Conversions.h"
 
+#include <QApplication>
 #include <QClipboard>
 #include <QDesktopServices>
+#include <QFileDialog>
 #include <QGuiApplication>
+#include <QSaveFile>
+#include <QStandardPaths>
 #include <QUrl>
 
 #include <algorithm>
@@ -34,6 +38,7 @@ MainWindowPages::MainWindowPages(Sources sources)
                                                // Asked for while the page is being shown.
                                                sources_.executor.post(sources_.update);
                                            }),
+      history_(sources_.store, sources_.preferences),
       activity_(std::make_shared<ActivityFeed>(sources_.store, sources_.update)) {}
 
 MainWindowActions MainWindowPages::actions() {
@@ -43,6 +48,7 @@ MainWindowActions MainWindowPages::actions() {
     actions.agent = agentActions();
 
     // history
+    actions.history = historyActions();
 
     // activity
     actions.activity = {.save = sources_.saveActivity, .rest = [weak = std::weak_ptr(activity_)] {
@@ -120,7 +126,7 @@ PageContent MainWindowPages::contentOf(const AgentPage& page, Instant now) const
     case Kind::provider:
         return agentPage(page.providerID, now);
     case Kind::history:
-        return pageHead({"nav.history", {}}, words);
+        return history_.content(now, words);
     case Kind::activity:
         return activityContent(now);
     case Kind::settings:
@@ -131,6 +137,63 @@ PageContent MainWindowPages::contentOf(const AgentPage& page, Instant now) const
         return aboutPageContent(words);
     }
     return PageHeadContent();
+}
+
+// history
+
+HistoryPageActions MainWindowPages::historyActions() {
+    return {.chooseAgent =
+                [this](const AgentProviderID& agent) {
+                    history_.chooseAgent(agent);
+                    sources_.update();
+                },
+            .chooseRange =
+                [this](ChartRange range) {
+                    history_.chooseRange(range);
+                    sources_.update();
+                },
+            .toggle =
+                [this](const std::string& windowID) {
+                    history_.toggle(windowID);
+                    sources_.update();
+                },
+            .save = [this](const std::function<std::string()>& picture) { saveHistory(picture); },
+            .leave = [this] { history_.leave(); }};
+}
+
+void MainWindowPages::saveHistory(const std::function<std::string()>& picture) {
+    const Localization& words = sources_.language.words();
+    const Instant now = ReferenceClock::now();
+    const QStringList kinds{qString(words.text("history.export.csv")) + " (*.csv)",
+                            qString(words.text("history.export.json")) + " (*.json)",
+                            qString(words.text("history.export.picture")) + " (*.png)"};
+    const QString directory = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    QString kind;
+    QString path = QFileDialog::getSaveFileName(
+        QApplication::activeWindow(), {},
+        directory + '/' + qString(history_.exportName(now, words.timeZone())) + ".csv",
+        kinds.join(";;"), &kind);
+    if (path.isEmpty()) {
+        return;
+    }
+    if (const QString end = kind.section("*.", 1).chopped(1);
+        !kind.isEmpty() && kind != kinds.first() && !path.endsWith('.' + end)) {
+        // Another kind was chosen than the name offered.
+        path = (path.endsWith(".csv") ? path.chopped(4) : path) + '.' + end;
+    }
+    const HistoryExportFormat format = historyExportFormat(path.toStdString());
+    const std::string data =
+        format == HistoryExportFormat::png ? picture() : history_.exportText(format, now);
+    QSaveFile file(path);
+    const auto size = static_cast<qint64>(data.size());
+    const bool isSaved =
+        file.open(QIODevice::WriteOnly) && file.write(data.data(), size) == size && file.commit();
+    history_.setExportNote(
+        isSaved ? words.format("history.export.done", {path.toStdString()})
+                : words.format("history.export.failed",
+                               {path.toStdString(), file.errorString().toStdString()}),
+        !isSaved);
+    sources_.update();
 }
 
 // provider

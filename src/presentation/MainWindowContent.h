@@ -5,6 +5,7 @@
 #include "presentation/AgentPage.h"
 #include "presentation/AgentPageContent.h"
 #include "presentation/HelpPageContent.h"
+#include "presentation/HistoryPageContent.h"
 #include "presentation/OverviewPageContent.h"
 #include "presentation/PageHeadContent.h"
 #include "presentation/SettingsPageContent.h"
@@ -24,6 +25,7 @@ using PageContent = std::variant<
     AgentPageContent,
 
     // history
+    HistoryPageContent,
 
     // activity
     ActivityPageContent,
