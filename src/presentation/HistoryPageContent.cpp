@@ -107,14 +107,15 @@ void addLegend(HistoryPageContent& content, const AgentUsageSnapshot& snapshot,
         content.legend.push_back(
             {.windowID = {},
              .name = words.format("chart.earlier", {rangeText(choice.range, words)}),
-             .value = choice.comparesEarlier ? std::string() : hidden,
+             .value = {},
              .role = ChartLine::Role::earlier,
              .isShown = choice.comparesEarlier,
              .canChange = true,
              .accessibilityText = {}});
     }
     for (HistoryLegendItem& item : content.legend) {
-        item.accessibilityText = item.value.empty() ? item.name : item.name + ", " + item.value;
+        const std::string& value = item.value.empty() && !item.isShown ? hidden : item.value;
+        item.accessibilityText = value.empty() ? item.name : item.name + ", " + value;
     }
     content.resetWord = words.text("history.legend.reset");
 }

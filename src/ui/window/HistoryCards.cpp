@@ -218,7 +218,7 @@ constexpr int captionGap = 2;
 constexpr int wordGap = 5;
 constexpr int columnGap = 16;
 constexpr int figureRowGap = 14;
-constexpr int leastColumn = 148;
+constexpr int leastColumn = 120;
 constexpr int mostCaptionLines = 2;
 } // namespace
 
