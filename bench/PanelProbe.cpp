@@ -171,6 +171,28 @@ public:
         return value & 0xFFFFFF;
     }
 
+    /// To the window that has the keyboard.
+    void pressWithControl(int keycode) const {
+        const std::unique_ptr<xcb_get_input_focus_reply_t, decltype(&std::free)> focus(
+            xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr),
+            &std::free);
+        if (!focus) {
+            throw std::runtime_error("no window has the keyboard");
+        }
+        xcb_key_press_event_t event{};
+        event.detail = static_cast<xcb_keycode_t>(keycode);
+        event.root = root_;
+        event.event = focus->focus;
+        event.state = XCB_MOD_MASK_CONTROL;
+        event.same_screen = 1;
+        for (const std::uint8_t type : {XCB_KEY_PRESS, XCB_KEY_RELEASE}) {
+            event.response_type = type;
+            xcb_send_event(connection_, 0, focus->focus, XCB_EVENT_MASK_KEY_PRESS,
+                           reinterpret_cast<const char*>(&event));
+        }
+        xcb_flush(connection_);
+    }
+
 private:
     xcb_connection_t* connection_;
     xcb_window_t root_ = 0;
@@ -195,6 +217,75 @@ public:
 private:
     std::unique_ptr<sdbus::IConnection> connection_;
     std::unique_ptr<sdbus::IProxy> proxy_;
+};
+
+/// The application as other launches find it, and its main window as a user does.
+class MainWindow {
+public:
+    MainWindow(pid_t program, const Screen& screen)
+        : screen_(screen), connection_(sdbus::createSessionBusConnection()) {
+        for (const std::string& name : names()) {
+            if (name.starts_with("app.vellmark.")) {
+                identifier_ = name;
+            }
+        }
+        if (identifier_.empty()) {
+            throw std::runtime_error("process " + std::to_string(program) + " has no name");
+        }
+    }
+
+    /// Until the pixels of its sidebar are on the screen.
+    double show() {
+        std::string path = "/" + identifier_;
+        std::replace(path.begin(), path.end(), '.', '/');
+        const std::uint32_t before = screen_.pixel(entryX, firstEntryY);
+        const auto application = sdbus::createProxy(*connection_, identifier_, path);
+        const auto start = Clock::now();
+        application->callMethod("Activate")
+            .onInterface("org.freedesktop.Application")
+            .withArguments(std::map<std::string, sdbus::Variant>());
+        return waitForChange(before, start);
+    }
+
+    /// Presses Control with a digit's key, until the first entry of the sidebar is chosen or is no
+    /// longer.
+    double choosePage(int digit) {
+        const std::uint32_t before = screen_.pixel(entryX, firstEntryY);
+        const auto start = Clock::now();
+        screen_.pressWithControl(firstDigitKey + digit - 1);
+        return waitForChange(before, start);
+    }
+
+    void close() { screen_.pressWithControl(closeKey); }
+
+private:
+    // In a window at the screen's corner: the ground of the first entry, beside its icon.
+    static constexpr std::int16_t entryX = 17;
+    static constexpr std::int16_t firstEntryY = 28;
+    static constexpr int firstDigitKey = 10;
+    static constexpr int closeKey = 25; // W
+
+    std::vector<std::string> names() {
+        std::vector<std::string> result;
+        sdbus::createProxy(*connection_, "org.freedesktop.DBus", "/org/freedesktop/DBus")
+            ->callMethod("ListNames")
+            .onInterface("org.freedesktop.DBus")
+            .storeResultsTo(result);
+        return result;
+    }
+
+    double waitForChange(std::uint32_t before, Clock::time_point start) const {
+        while (screen_.pixel(entryX, firstEntryY) == before) {
+            if (Clock::now() - start > patience) {
+                throw std::runtime_error("the main window does not react");
+            }
+        }
+        return milliseconds(Clock::now() - start);
+    }
+
+    const Screen& screen_;
+    std::unique_ptr<sdbus::IConnection> connection_;
+    std::string identifier_;
 };
 
 std::string waitForItem(NotifierPanel& panel) {
@@ -292,6 +383,43 @@ void measureIdle(const Program& program) {
     print("processor in 60 s idle", program.processorMilliseconds() - processor, "ms");
 }
 
+void measureMainWindow(const Program& program, double idleMemory) {
+    constexpr auto pause = std::chrono::milliseconds(400);
+    constexpr int lastPage = 9;
+    constexpr double memoryNoise = 2;
+    const Screen screen;
+    MainWindow window(program.pid(), screen);
+    printLimited("window on screen", window.show(), "ms", 150);
+    std::this_thread::sleep_for(pause);
+    double slowestFirst = 0;
+    std::vector<double> times;
+    for (int round = 0; round < 3; ++round) {
+        for (int page = 2; page <= lastPage; ++page) {
+            const double there = window.choosePage(page);
+            std::this_thread::sleep_for(pause);
+            const double back = window.choosePage(1);
+            std::this_thread::sleep_for(pause);
+            if (round == 0) {
+                slowestFirst = std::max(slowestFirst, there);
+            } else {
+                times.insert(times.end(), {there, back});
+            }
+        }
+    }
+    printLimited("page switch", median(times), "ms", 50,
+                 "the slowest " + text(*std::max_element(times.begin(), times.end())));
+    printLimited("  a page's first time", slowestFirst, "ms", 50, "the slowest of them");
+    std::this_thread::sleep_for(firstRefresh);
+    measureIdle(program);
+    window.close();
+    std::this_thread::sleep_for(release);
+    printLimited("memory after the window", program.residentMegabytes(), "MB", 40,
+                 text(idleMemory) + " before it was opened");
+    if (program.residentMegabytes() > idleMemory + memoryNoise) {
+        print("  grown by", program.residentMegabytes() - idleMemory, "MB");
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -310,6 +438,7 @@ int main(int argc, char** argv) {
                      text(program.filesMegabytes()) + " of it files shared with others");
         measureIdle(program);
         measurePopover(program, item);
+        measureMainWindow(program, program.residentMegabytes());
     } catch (const std::exception& error) {
         std::printf("failed: %s\n", error.what());
         return 1;

@@ -1,11 +1,8 @@
 #pragma once
 
 #include "probes/AgentFacts.h"
-#include "store/ActivityEntry.h"
 #include "store/UsageState.h"
 #include "text/Localization.h"
-
-#include <vector>
 
 namespace vellmark {
 
@@ -14,7 +11,7 @@ namespace samples {
 
 /// 20 November 2025, 14:48 in Berlin.
 Instant now();
-/// German or English words with their formats, in that time zone.
+/// The words of one of the languages with its formats, in that time zone.
 Localization words(const std::string& languageCode);
 
 /// Three agents: one fine, one running low, one critical.
@@ -55,9 +52,6 @@ UsageState oneWindow();
 
 /// What is known of the CLI of an agent.
 AgentFacts facts(const AgentProviderID& agent);
-
-/// Two days of the activity log: quiet refreshes, failures, what the user did.
-std::vector<ActivityEntry> activity(const Localization& words);
 
 } // namespace samples
 

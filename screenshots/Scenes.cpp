@@ -4,6 +4,7 @@
 #include "presentation/PopoverContent.h"
 #include "screenshots/ChartSheet.h"
 #include "screenshots/KitSheet.h"
+#include "screenshots/SampleActivity.h"
 #include "screenshots/SampleHistory.h"
 #include "screenshots/SampleSettings.h"
 #include "screenshots/SampleStates.h"
@@ -20,6 +21,9 @@
 #include "ui/window/HistoryPage.h"
 
 #include <QApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QListView>
 #include <QPainter>
 
 #include <algorithm>
@@ -107,8 +111,10 @@ Scene pageScene(std::string name, AgentPage page, UsageState (*state)(), PageOfS
         AgentMainWindowView view({.program = noActions()}, navigation);
         const Localization words = samples::words(language);
         const UsageState shown = state();
-        view.setContent({sidebarItems(shown, samples::now(), words), page, content(shown, words)});
-        view.setMinimumSize(view.minimumSize().boundedTo(size));
+        view.setContent({sidebarItems(shown, samples::now(), words), page, content(shown, words),
+                         menuButton(words)});
+        // A window is given less than its least size where the screen has no more.
+        view.setMinimumSize(size.boundedTo(AgentMainWindowView::leastSize));
         view.resize(size);
         if (beforeDrawing) {
             beforeDrawing(view);
@@ -205,6 +211,60 @@ Scene historyScene(std::string name, UsageState (*state)(), const HistoryScene& 
     };
     return pageScene("history" + std::move(name), AgentPage::of(AgentPage::Kind::history), state,
                      content, scene.size, read);
+}
+
+/// What is done on the page before it is drawn.
+using ActivityPreparation = std::function<void(QWidget& page)>;
+
+Scene activityScene(
+    std::string name, ActivityPreparation prepare = {}, QSize size = AgentMainWindowView::firstSize,
+    std::vector<ActivityEntry> (*entries)(const Localization&) = samples::activity) {
+    const auto draw = [prepare = std::move(prepare), size, entries](const std::string& language,
+                                                                    double scale) {
+        AgentNavigationState navigation;
+        AgentMainWindowView view({.program = noActions()}, navigation);
+        const Localization words = samples::words(language);
+        const UsageState state = samples::normal();
+        ActivityPageContent content = activityPageContent(state, samples::now(), words);
+        if (entries != nullptr) {
+            content.entries = std::make_shared<const std::vector<ActivityEntry>>(entries(words));
+            content.entryCount = content.entries->size();
+        }
+        view.setContent({sidebarItems(state, samples::now(), words),
+                         AgentPage::of(AgentPage::Kind::activity), content});
+        view.resize(size);
+        view.show();
+        settle();
+        if (prepare) {
+            prepare(view);
+        }
+        return drawWhole(view, scale);
+    };
+    return {"window-activity" + std::move(name), draw};
+}
+
+std::vector<ActivityEntry> noEntries(const Localization& /*words*/) {
+    return {};
+}
+
+void unfoldEverything(QWidget& page) {
+    auto* list = page.findChild<QListView*>();
+    for (int row = 0; row < list->model()->rowCount(); ++row) {
+        const bool isError = list->model()
+                                 ->index(row, 0)
+                                 .data(Qt::DisplayRole)
+                                 .toString()
+                                 .contains(QStringLiteral("API Error"));
+        if (isError || row > list->model()->rowCount() - 3) {
+            list->setCurrentIndex(list->model()->index(row, 0));
+            QKeyEvent unfold(QEvent::KeyPress, Qt::Key_Right, Qt::NoModifier);
+            QCoreApplication::sendEvent(list, &unfold);
+        }
+    }
+}
+
+void lookFor(QWidget& page, const QString& words) {
+    page.findChild<QLineEdit*>()->setText(words);
 }
 
 Scene settingsScene(std::string name, SettingsPageState (*settings)(),
@@ -307,6 +367,8 @@ std::vector<Scene> allScenes() {
         popoverScene("agent-long-texts", samples::longTexts, "provider:antigravity"),
         overviewScene("overview", samples::normal),
         overviewScene("overview-least", samples::normal, AgentMainWindowView::leastSize),
+        // What 1366 by 768 leaves where type is at 150 %.
+        overviewScene("overview-small-screen", samples::normal, QSize(900, 460)),
         overviewScene("refreshing", samples::refreshing),
         overviewScene("healthy", samples::healthy),
         overviewScene("loading", samples::loading),
@@ -322,6 +384,14 @@ std::vector<Scene> allScenes() {
         overviewScene("long-texts", samples::longTexts),
         overviewScene("many-agents", samples::manyAgents),
         // provider
+        activityScene(""),
+        activityScene("-least", {}, AgentMainWindowView::leastSize),
+        activityScene("-wide", {}, {2560, 1400}),
+        activityScene("-unfolded", unfoldEverything),
+        activityScene("-found", [](QWidget& page) { lookFor(page, QStringLiteral("codex 78")); }),
+        activityScene("-not-found", [](QWidget& page) { lookFor(page, QStringLiteral("xyz")); }),
+        activityScene("-empty", {}, AgentMainWindowView::firstSize, noEntries),
+        activityScene("-loading", {}, AgentMainWindowView::firstSize, nullptr),
         agentScene("", samples::inspected),
         agentScene("-day", samples::normal, {.range = ChartRange::day}),
         agentScene("-least", samples::inspected, {.size = AgentMainWindowView::leastSize}),

@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QKeyEvent>
 #include <QKeySequence>
 #include <QMenu>
 #include <QShortcut>
@@ -10,6 +11,11 @@
 #include <algorithm>
 
 namespace vellmark {
+
+namespace {
+constexpr int popUpGap = 4;
+constexpr QPoint cornerOffset(8, 8);
+} // namespace
 
 MainMenu::MainMenu(MainMenuEvents events)
     : events_(std::move(events)), systemBar_(makeSystemMenuBar(events_)) {}
@@ -53,7 +59,7 @@ void MainMenu::add(QMenu& menu, const MenuItemContent& item) {
     entries_.push_back({action, item.action});
 }
 
-void MainMenu::attach(QWidget& window) {
+void MainMenu::attach(QWidget& window, std::function<QRect()> anchor) {
     windows_.push_back(&window);
     connect(&window, &QObject::destroyed, this, [this, gone = &window] {
         windows_.erase(std::remove(windows_.begin(), windows_.end(), gone), windows_.end());
@@ -65,15 +71,24 @@ void MainMenu::attach(QWidget& window) {
         window.addAction(entry.action);
     }
     auto* open = new QShortcut(Qt::Key_F10, &window);
-    connect(open, &QShortcut::activated, this, [this, at = &window] { popUp(*at); });
+    connect(open, &QShortcut::activated, this, [this, at = &window, anchor = std::move(anchor)] {
+        anchor ? popUp(anchor()) : popUp(at->mapToGlobal(cornerOffset), false);
+    });
 }
 
-void MainMenu::popUp(QWidget& window) {
+void MainMenu::popUp(const QRect& anchor) {
+    popUp(anchor.topLeft() - QPoint(0, popUpGap), true);
+}
+
+void MainMenu::popUp(QPoint place, bool isAbove) {
     QMenu root;
     for (const auto& menu : menus_) {
         root.addMenu(menu.get());
     }
-    root.exec(window.mapToGlobal(QPoint(8, 8)));
+    if (isAbove) {
+        place.ry() -= root.sizeHint().height();
+    }
+    root.exec(place, root.actions().value(0));
 }
 
 bool MainMenu::performInResponderChain(std::string_view action) {
@@ -97,6 +112,11 @@ bool MainMenu::performInResponderChain(std::string_view action) {
         const QByteArray method = QByteArray(action.data(), qsizetype(action.size())) + "()";
         if (focus && focus->metaObject()->indexOfMethod(method) >= 0) {
             QMetaObject::invokeMethod(focus, std::string(action).c_str());
+        } else if (focus) {
+            // Our own controls know the key.
+            const Qt::Key key = action == menuAction::copy ? Qt::Key_C : Qt::Key_A;
+            QKeyEvent press(QEvent::KeyPress, key, Qt::ControlModifier);
+            QApplication::sendEvent(focus, &press);
         }
     } else {
         return false;

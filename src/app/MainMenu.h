@@ -3,7 +3,10 @@
 #include "app/SystemMenuBar.h"
 
 #include <QObject>
+#include <QPoint>
+#include <QRect>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -13,8 +16,8 @@ class QWidget;
 
 namespace vellmark {
 
-/// The main menu: the system's menu bar where there is one; elsewhere its keys work in every window
-/// and F10 opens it. Main thread.
+/// The main menu: the system's menu bar where there is one; elsewhere its keys work in every
+/// window, F10 opens it, and windows may have a button for it. Main thread.
 class MainMenu final : public QObject {
 public:
     explicit MainMenu(MainMenuEvents events);
@@ -22,8 +25,13 @@ public:
 
     /// Replaces the menus, for example in another language.
     void rebuild(const std::vector<MenuContent>& menus);
-    /// Makes the menu's keys work in `window`.
-    void attach(QWidget& window);
+    /// Makes the menu's keys work in `window`. F10 shows all menus as one: above what `anchor`
+    /// answers (on the screen), or at the window's upper corner.
+    void attach(QWidget& window, std::function<QRect()> anchor = {});
+    /// Whether the system shows the menu bar itself.
+    bool isSystemBar() const { return systemBar_ != nullptr; }
+    /// Shows all menus as one above `anchor`, with the first entry chosen.
+    void popUp(const QRect& anchor);
     /// Asks again what is enabled.
     void validate();
     /// Does what the window in front or the widget with the focus is meant to do (copy, close …);
@@ -36,7 +44,7 @@ private:
         std::string_view name;
     };
     void add(QMenu& menu, const MenuItemContent& item);
-    void popUp(QWidget& window);
+    void popUp(QPoint place, bool isAbove);
 
     MainMenuEvents events_;
     std::vector<std::unique_ptr<QMenu>> menus_;

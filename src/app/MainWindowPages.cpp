@@ -26,6 +26,10 @@ void openURL(const std::string& url) {
     QDesktopServices::openUrl(QUrl(qString(url)));
 }
 
+void showFolder(const std::filesystem::path& folder) {
+    QDesktopServices::openUrl(QUrl::fromLocalFile(qString(folder.string())));
+}
+
 void copyText(const std::string& text) {
     QGuiApplication::clipboard()->setText(qString(text));
 }
@@ -39,11 +43,13 @@ MainWindowPages::MainWindowPages(Sources sources)
                                                sources_.executor.post(sources_.update);
                                            }),
       history_(sources_.store, sources_.preferences),
-      activity_(std::make_shared<ActivityFeed>(sources_.store, sources_.update)) {}
+      activity_(std::make_shared<ActivityFeed>(sources_.store, sources_.update)),
+      settings_(settingsSources()) {}
 
 MainWindowActions MainWindowPages::actions() {
     MainWindowActions actions;
     actions.program = sources_.actions;
+    actions.openMenu = sources_.openMenu;
     // provider
     actions.agent = agentActions();
 
@@ -57,6 +63,7 @@ MainWindowActions MainWindowPages::actions() {
                             }
                         }};
     // settings
+    actions.settings = settings_.actions();
 
     // help
     actions.help = {.choose =
@@ -74,6 +81,29 @@ MainWindowActions MainWindowPages::actions() {
     // about
     actions.about = {.open = [this](AboutLink link) { openAboutLink(link); }, .openURL = openURL};
     return actions;
+}
+
+SettingsPageModel::Sources MainWindowPages::settingsSources() {
+    const Machine& machine = sources_.machine;
+    return {.preferences = sources_.preferences,
+            .machine = machine,
+            .launchAtLogin = sources_.launchAtLogin,
+            .words = [this]() -> const Localization& { return sources_.language.words(); },
+            .systemLanguage =
+                localizationFor(UserLocale::of(machine.environment), {}).languageCode(),
+            .factsOf = [this](const AgentProviderID& id) { return facts_.of(id); },
+            .isAsking = [this](const AgentProviderID& id) { return facts_.isAsking(id); },
+            .ask = [this](const AgentProviderID& id,
+                          bool anew) { anew ? facts_.recheck(id) : facts_.need(id); },
+            // A row is not rebuilt while it still tells of its click.
+            .changed = [this] { sources_.executor.post(sources_.update); },
+            .takeSettings = sources_.takeSettings,
+            .hasHistory = [this] { return sources_.store.history().sampleCount() > 0; },
+            .deleteHistory =
+                [this](std::function<void(std::error_code)> done) {
+                    sources_.store.deleteHistory(std::move(done));
+                },
+            .showFolder = showFolder};
 }
 
 void MainWindowPages::showHelp(HelpSection section) {
@@ -111,8 +141,12 @@ MainWindowContent MainWindowPages::content(const AgentPage& selection, Instant n
     const UsageState& state = sources_.store.state();
     MainWindowContent content;
     content.sidebar = sidebarItems(state, now, sources_.language.words());
+    content.sidebarName = sources_.language.words().text("sidebar.accessibility");
     content.page = shownPage(selection, state);
     content.content = contentOf(content.page, now);
+    if (sources_.openMenu) {
+        content.menuButton = menuButton(sources_.language.words());
+    }
     return content;
 }
 
@@ -130,7 +164,7 @@ PageContent MainWindowPages::contentOf(const AgentPage& page, Instant now) const
     case Kind::activity:
         return activityContent(now);
     case Kind::settings:
-        return pageHead({"nav.settings", {}}, words);
+        return settings_.content();
     case Kind::help:
         return helpPageContent(helpSection_, helpQuery_, words);
     case Kind::about:

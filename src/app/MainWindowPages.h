@@ -7,6 +7,7 @@
 #include "presentation/LanguageManager.h"
 #include "presentation/MainWindowActions.h"
 #include "presentation/MainWindowContent.h"
+#include "presentation/SettingsPageModel.h"
 #include "store/AgentFactsCache.h"
 #include "store/AgentUsageStore.h"
 
@@ -27,9 +28,14 @@ public:
         LanguageManager& language;
         AppAppearance& appearance;
         AgentUIActions actions;
+        /// Shows the menu bar's contents; empty where the system shows a menu bar.
+        std::function<void()> openMenu;
         /// Shows the content anew, after a page has changed what it depends on.
         std::function<void()> update;
         std::function<void()> saveActivity;
+        LaunchAtLoginController& launchAtLogin;
+        /// What the preferences hold now holds in the whole program.
+        std::function<void()> takeSettings;
     };
     explicit MainWindowPages(Sources sources);
 
@@ -63,6 +69,8 @@ private:
     // activity
     std::shared_ptr<ActivityFeed> activity_;
     // settings
+    SettingsPageModel::Sources settingsSources();
+    SettingsPageModel settings_;
 
     // help
     HelpSection helpSection_ = HelpSection::reading;

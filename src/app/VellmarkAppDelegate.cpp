@@ -38,6 +38,7 @@ namespace vellmark {
 namespace {
 
 constexpr std::string_view popoverTabKey = "PopoverSelectedTab";
+constexpr std::string_view pageKey = "MainWindowPage";
 constexpr std::string_view setupCompletedKey = "SetupAssistantCompleted";
 constexpr Seconds terminationGrace{1.0};
 /// The status item is drawn, and nobody has found it yet.
@@ -77,7 +78,11 @@ VellmarkAppDelegate::VellmarkAppDelegate(LaunchOptions options, Machine machine)
                    .autosaveName = "VellmarkMainWindow",
                    .make = [this] { return makeMainWindow(); },
                    .title = [this] { return qString(words().text("app.name")); },
-                   .onVisibilityChange = [this] { mainMenu_.validate(); }},
+                   .onVisibilityChange =
+                       [this] {
+                           rememberPage();
+                           mainMenu_.validate();
+                       }},
                   windowPresence_, *preferences_),
       aboutWindow_({.identifier = "about",
                     .autosaveName = {},
@@ -91,6 +96,11 @@ VellmarkAppDelegate::VellmarkAppDelegate(LaunchOptions options, Machine machine)
                     .title = [this] { return qString(words().text("legal.window.title")); },
                     .onVisibilityChange = {}},
                    windowPresence_, *preferences_) {
+    navigation_.replaceSelection(
+        AgentPage::fromStoredForm(preferences_->string(pageKey).value_or("")));
+    navigation_.isShown = [this](const AgentPage& page) {
+        return shownPage(page, store_->state()) == page;
+    };
     navigation_.onChange = [this] {
         mainMenu_.validate();
         updateMainWindow();
@@ -122,6 +132,7 @@ void VellmarkAppDelegate::applicationWillTerminate() {
     settingsWatch_.reset();
     loops_.reset();
     mainWindow_.saveFrame();
+    rememberPage();
     if (store_) {
         store_->abortRefresh();
     }
@@ -149,7 +160,9 @@ bool VellmarkAppDelegate::handOverToRunningInstance() {
         loop_,
         {.identifier = instanceIdentifier(machine_),
          .directory = machine_.supportDirectory(),
-         .onShow = [this] { executor_.post([this] { applicationShouldHandleReopen(false); }); }});
+         .onShow = [this] { executor_.post([this] { applicationShouldHandleReopen(false); }); },
+         .onShowPopover = [this] { executor_.post([this] { showPopover(); }); },
+         .asksForPopover = options_.showsPopover});
     return singleInstance_ == nullptr;
 }
 
@@ -174,9 +187,12 @@ void VellmarkAppDelegate::applyAppearance() {
     panelScheme_ = scheme != ColorScheme::noPreference ? scheme
                    : paletteIsDark                     ? ColorScheme::dark
                                                        : ColorScheme::light;
-    kit::Theme::setCurrent(appearance_.isDark(scheme, paletteIsDark)
-                               ? kit::Theme::Appearance::dark
-                               : kit::Theme::Appearance::light);
+    kit::Theme::setCurrent(
+        appearance_.isDark(scheme, paletteIsDark) ? kit::Theme::Appearance::dark
+                                                  : kit::Theme::Appearance::light,
+        kit::Theme::systemHighlight(),
+        systemAppearance_ && systemAppearance_->increasesContrast() ? kit::Theme::Contrast::high
+                                                                    : kit::Theme::Contrast::usual);
     if (statusItem_) {
         statusItem_->setPanelScheme(panelScheme_);
     }
@@ -197,6 +213,10 @@ void VellmarkAppDelegate::createStatusItem() {
                                        .registrations = providerRegistry(),
                                        .words = [this] { return words(); }},
         executor_, *preferences_);
+    std::function<void()> openMenu;
+    if (!mainMenu_.isSystemBar()) {
+        openMenu = [this] { mainMenu_.popUp(mainWindowView_->menuAnchor()); };
+    }
     pages_ = std::make_unique<MainWindowPages>(
         MainWindowPages::Sources{.store = *store_,
                                  .machine = machine_,
@@ -205,8 +225,11 @@ void VellmarkAppDelegate::createStatusItem() {
                                  .language = language_,
                                  .appearance = appearance_,
                                  .actions = actions_,
+                                 .openMenu = openMenu,
                                  .update = [this] { updateMainWindow(); },
-                                 .saveActivity = [this] { saveActivityFromMenu(); }});
+                                 .saveActivity = [this] { saveActivityFromMenu(); },
+                                 .launchAtLogin = launchAtLogin_,
+                                 .takeSettings = [this] { takeSettings(); }});
     statusItem_ =
         makeStatusItem(loop_, *preferences_,
                        {.toggle = [this](const QRect& anchor) { togglePopoverAt(anchor); },
@@ -404,8 +427,18 @@ void VellmarkAppDelegate::updateVisibleViews() {
 
 void VellmarkAppDelegate::updateMainWindow() {
     if (mainWindow_.isVisible()) {
+        // The page of an agent that is no longer shown leaves its place for good.
+        navigation_.replaceSelection(shownPage(navigation_.selection(), store_->state()));
         pages_->setAsksForSetup(asksForSetup_);
         mainWindowView_->setContent(pages_->content(navigation_.selection(), now()));
+    }
+}
+
+/// When the window closes and at the end, since every write goes to the disk.
+void VellmarkAppDelegate::rememberPage() {
+    const std::string page = navigation_.selection().storedForm();
+    if (preferences_->string(pageKey).value_or(AgentPage().storedForm()) != page) {
+        preferences_->setString(pageKey, page);
     }
 }
 
@@ -423,6 +456,12 @@ void VellmarkAppDelegate::rehearsePopover() {
 
 void VellmarkAppDelegate::togglePopover() {
     togglePopoverAt(statusItem_ ? statusItem_->anchor() : QRect());
+}
+
+void VellmarkAppDelegate::showPopover() {
+    if (!popover_ || !popover_->isVisible()) {
+        togglePopover();
+    }
 }
 
 void VellmarkAppDelegate::togglePopoverAt(const QRect& anchor) {
@@ -485,7 +524,7 @@ std::unique_ptr<QWidget> VellmarkAppDelegate::makeMainWindow() {
         window->setTopInset(buttonsHeight);
     }
     mainWindowView_ = window.get();
-    mainMenu_.attach(*window);
+    mainMenu_.attach(*window, [view = window.get()] { return view->menuAnchor(); });
     return window;
 }
 

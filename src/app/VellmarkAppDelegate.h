@@ -85,6 +85,7 @@ private:
     void runFirstRun() override;
     void showMainWindow() override;
     void showAbout() override;
+    void showPopover() override;
 
     AgentUIActions makeActions();
     std::unique_ptr<QWidget> makeMainWindow();
@@ -99,6 +100,7 @@ private:
     void updatePopover();
     void rehearsePopover();
     void updateMainWindow();
+    void rememberPage();
     void togglePopoverAt(const QRect& anchor);
     void closePopover();
     void showPage(AgentPage page);

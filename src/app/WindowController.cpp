@@ -3,10 +3,19 @@
 #include "app/WindowMemory.h"
 
 #include <QEvent>
+#include <QGuiApplication>
+#include <QMargins>
+#include <QScreen>
+#include <QWindow>
 
 #include <utility>
 
 namespace vellmark {
+
+namespace {
+/// Before the window was on screen nobody knows what its title bar takes.
+constexpr QMargins likelyFrame(1, 36, 1, 1);
+} // namespace
 
 WindowController::WindowController(Description description, WindowPresenceController& presence,
                                    Preferences& preferences)
@@ -20,21 +29,59 @@ WindowController::~WindowController() {
 
 void WindowController::show() {
     if (!window_) {
-        window_ = description_.make();
-        window_->setAttribute(Qt::WA_QuitOnClose, false);
-        window_->installEventFilter(this);
-        new WindowMemory(*window_, [this] { return release(); });
-        retitle();
-        restoreFrame();
+        make();
     }
     presence_.windowOpened(description_.identifier);
     if (window_->isMinimized()) {
         window_->showNormal();
     }
+    fitToScreen();
     window_->show();
     window_->raise();
     window_->activateWindow();
     activateApplication();
+}
+
+void WindowController::make() {
+    window_ = description_.make();
+    window_->setAttribute(Qt::WA_QuitOnClose, false);
+    window_->installEventFilter(this);
+    new WindowMemory(*window_, [this] { return release(); });
+    leastSize_ = window_->minimumSize();
+    retitle();
+    restoreFrame();
+    followScreens();
+}
+
+void WindowController::followScreens() {
+    window_->winId();
+    const QWindow* handle = window_->windowHandle();
+    const auto follow = [this](QScreen* screen) {
+        // Belongs to the window: ends with it.
+        connect(screen, &QScreen::availableGeometryChanged, window_.get(),
+                [this] { fitToScreen(); });
+    };
+    for (QScreen* screen : QGuiApplication::screens()) {
+        follow(screen);
+    }
+    connect(qApp, &QGuiApplication::screenAdded, window_.get(), follow);
+    connect(handle, &QWindow::screenChanged, window_.get(), [this] { fitToScreen(); });
+}
+
+void WindowController::fitToScreen() {
+    if (!window_ || window_->isMaximized() || window_->isFullScreen()) {
+        return;
+    }
+    QMargins frame = window_->windowHandle()->frameMargins();
+    if (frame.isNull()) {
+        frame = likelyFrame;
+    }
+    const QRect free = window_->screen()->availableGeometry().marginsRemoved(frame);
+    window_->setMinimumSize(leastSize_.boundedTo(free.size()));
+    if (window_->width() > free.width() || window_->height() > free.height()) {
+        window_->resize(window_->size().boundedTo(free.size()));
+        window_->move(free.topLeft() - QPoint(frame.left(), frame.top()));
+    }
 }
 
 std::unique_ptr<QWidget> WindowController::release() {

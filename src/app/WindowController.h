@@ -14,7 +14,8 @@
 namespace vellmark {
 
 /// One window of the application: made when it is shown, deleted a while after it was closed.
-/// Tells the window presence when it opens and closes, and remembers its frame. Main thread.
+/// Tells the window presence when it opens and closes, and remembers its frame. It is never larger
+/// than the free area of its screen, whatever its least size is. Main thread.
 class WindowController : public QObject {
 public:
     struct Description {
@@ -45,13 +46,18 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void make();
     void restoreFrame();
+    void followScreens();
+    void fitToScreen();
     std::unique_ptr<QWidget> release();
 
     Description description_;
     WindowPresenceController& presence_;
     Preferences& preferences_;
     std::unique_ptr<QWidget> window_;
+    /// What the window asked for when it was made.
+    QSize leastSize_;
 };
 
 } // namespace vellmark

@@ -33,8 +33,8 @@ using namespace vellmark;
 constexpr int wrongUse = 2;
 
 constexpr auto usage =
-    "usage: vellmark-desktop [--show-window | --show-about] [--demo] [--language de|en]\n"
-    "                        [--sandbox DIR]\n"
+    "usage: vellmark-desktop [--show-window | --show-about | --show-popover] [--demo]\n"
+    "                        [--sandbox DIR] [--language de|en|fr|it|es]\n"
     "       vellmark-desktop --render-glyph USED ELAPSED SIZE FILE.png\n";
 
 void report(const std::string& message) {
@@ -106,10 +106,18 @@ int runProgram(int argc, char** argv) {
     const auto options = LaunchOptions::parse(arguments, machine.environment);
     const Localization words =
         localizationFor(UserLocale::of(machine.environment), options.language);
-    if (!options.offendingArgument.empty()) {
-        report(words.format("desktop.error.option", {singleLine(options.offendingArgument)}));
+    const auto refuse = [](const std::string& message) {
+        report(message);
         std::fputs(usage, stderr);
         return wrongUse;
+    };
+    if (!options.offendingArgument.empty()) {
+        return refuse(
+            words.format("desktop.error.option", {singleLine(options.offendingArgument)}));
+    }
+    if (!options.language.empty() && !Localization::hasLanguage(options.language)) {
+        return refuse(
+            words.format("cli.error.language", {singleLine(options.language), languageList(", ")}));
     }
 
     if (!startChildWatcher()) {
@@ -122,6 +130,8 @@ int runProgram(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     noDisplay = words.text("desktop.error.noDisplay");
     const std::unique_ptr<QApplication> application = makeApplication(argc, argv);
+    // Nothing in our layouts mirrors, so nothing of the toolkit's may.
+    QApplication::setLayoutDirection(Qt::LeftToRight);
     kit::useToolTips();
     try {
         return runOnChosenMachine(*application, options, machine);

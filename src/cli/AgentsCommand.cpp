@@ -1,7 +1,9 @@
+#include "cli/ArgumentValues.h"
 #include "cli/InterruptibleWork.h"
 #include "cli/StorageNews.h"
 #include "cli/Subcommands.h"
 #include "cli/Table.h"
+#include "cli/WrongArguments.h"
 #include "model/UsageJSON.h"
 #include "platform/Preferences.h"
 #include "presentation/AgentBlockContent.h"
@@ -12,6 +14,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <iterator>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -19,19 +24,28 @@
 namespace vellmark {
 namespace {
 
-/// Lists the agents that can be monitored and what is known about their CLIs.
+/// Lists the agents that can be monitored and what is known about their CLIs, or changes which of
+/// them are shown and in which order.
 class AgentsCommand final : public Subcommand {
 public:
     std::string name() const override { return "agents"; }
     std::string summaryKey() const override { return "cli.agents.summary"; }
+    std::string detailKey() const override { return "cli.agents.detail"; }
 
     void declare(CommandOptions& options) override {
+        options.optionalPositional("ACTION", action_, "cli.agents.action");
+        options.optionalPositionals("AGENT", named_, "cli.inspect.agent");
         options.flag("--json", json_, "cli.option.json");
     }
+
+    bool startsChildren() const override { return !action_; }
 
     int run(const CommandContext& context) override {
         const auto preferences = makePreferences(context.machine);
         reportUnreadable(*preferences, context);
+        if (action_) {
+            return change(*preferences, context);
+        }
         const auto enabled = AgentSettings(*preferences, providerRegistry()).enabled();
         std::vector<AgentFacts> agents;
         if (const int status = gather(context, agents); status != ExitStatus::done) {
@@ -46,6 +60,55 @@ public:
     }
 
 private:
+    int change(Preferences& preferences, const CommandContext& context) const {
+        if (*action_ != "enable" && *action_ != "disable" && *action_ != "order") {
+            throw WrongArguments("cli.agents.unknownAction", singleLine(*action_));
+        }
+        std::vector<AgentProviderID> agents;
+        std::ranges::transform(named_, std::back_inserter(agents), agentArgument);
+        if (agents.empty()) {
+            throw WrongArguments("cli.error.argumentMissing", "AGENT");
+        }
+        AgentSettings settings(preferences, providerRegistry());
+        if (*action_ == "order") {
+            settings.setOrder(settings.completed(agents));
+        } else {
+            for (const AgentProviderID& id : agents) {
+                settings.setEnabled(id, *action_ == "enable");
+            }
+        }
+        if (const auto error = preferences.writeError()) {
+            context.report(context.words.format("cli.settings.unwritable",
+                                                {systemErrorText(*error, context.words)}));
+            return ExitStatus::failed;
+        }
+        json_ ? writeShownJSON(settings, context) : writeShown(settings, context);
+        return ExitStatus::done;
+    }
+
+    /// All in their order, with what holds now.
+    static void writeShown(const AgentSettings& settings, const CommandContext& context) {
+        const auto word = [&](const char* key) { return context.words.text(key); };
+        const std::set<AgentProviderID> enabled = settings.enabled();
+        Table table({{word("cli.agents.column.name")}, {word("cli.agents.column.enabled")}});
+        for (const AgentProviderID& id : settings.order()) {
+            table.addRow({{agentName(id, context.words), TextStyle::strong},
+                          {word(enabled.contains(id) ? "cli.agents.yes" : "cli.agents.no")}});
+        }
+        context.output.write(table.text(context.output));
+    }
+
+    static void writeShownJSON(const AgentSettings& settings, const CommandContext& context) {
+        const std::set<AgentProviderID> enabled = settings.enabled();
+        JSON list = JSON::array();
+        for (const AgentProviderID& id : settings.order()) {
+            list.push_back({{"id", id.rawValue},
+                            {"name", agentName(id, context.words)},
+                            {"enabled", enabled.contains(id)}});
+        }
+        context.output.writeData(serialized(list) + "\n");
+    }
+
     static int gather(const CommandContext& context, std::vector<AgentFacts>& agents) {
         return runInterruptibly(context, context.words.text("cli.agents.progress"),
                                 [&] { agents = gatherAgentFacts(context.machine); });
@@ -95,6 +158,8 @@ private:
         context.output.write(table.text(context.output));
     }
 
+    std::optional<std::string> action_;
+    std::vector<std::string> named_;
     bool json_ = false;
 };
 

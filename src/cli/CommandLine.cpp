@@ -1,6 +1,7 @@
 #include "cli/CommandLine.h"
 
 #include "cli/NearestWord.h"
+#include "presentation/LanguageManager.h"
 #include "text/TerminalText.h"
 
 #include <CLI/CLI.hpp>
@@ -11,10 +12,6 @@ namespace vellmark {
 namespace {
 
 constexpr const char* defaultSubcommand = "usage";
-
-bool isLanguage(const std::string& text) {
-    return text == "de" || text == "en";
-}
 
 /// Declares to CLI11, and keeps for the help what was declared.
 class ParserOptions final : public CommandOptions {
@@ -49,6 +46,12 @@ public:
         add(placeholder, place);
         arguments_.push_back({placeholder, words_.text(helpKey)});
         synopsis_ += " [" + placeholder + "]";
+    }
+    void optionalPositionals(const std::string& placeholder, std::vector<std::string>& places,
+                             const std::string& helpKey) override {
+        app_.add_option(placeholder, places);
+        arguments_.push_back({placeholder, words_.text(helpKey)});
+        synopsis_ += " [" + placeholder + " …]";
     }
 
     /// An option that the parser itself knows.
@@ -125,7 +128,7 @@ struct Parser {
         global.describe("-h,--help", "cli.help.help");
         app.set_version_flag("-V,--version", "");
         global.describe("-V,--version", "cli.help.version");
-        global.value("--language", language, "de|en", "cli.help.language");
+        global.value("--language", language, "LANG", "cli.help.language");
         global.value("--color", color, "WHEN", "cli.help.color");
         global.flag("--demo", demo, "cli.help.demo");
         global.value("--sandbox", sandbox, "DIR", "cli.help.sandbox");
@@ -295,8 +298,9 @@ void checkGlobalOptions(const Parser& parser, const Subcommand* subcommand) {
     const auto refuse = [&](const std::string& message) {
         throw CommandLineFault{message, helpHint({}, words)};
     };
-    if (parser.language && !isLanguage(*parser.language)) {
-        refuse(words.format("cli.error.language", {singleLine(*parser.language)}));
+    if (parser.language && !Localization::hasLanguage(*parser.language)) {
+        refuse(
+            words.format("cli.error.language", {singleLine(*parser.language), languageList(", ")}));
     }
     if (parser.demo && parser.sandbox) {
         refuse(words.format("cli.error.noEffect", {"--sandbox", "--demo"}));
@@ -318,7 +322,7 @@ std::optional<std::string> requestedLanguage(const std::vector<std::string>& arg
             language = arguments[++index];
         }
     }
-    return language && isLanguage(*language) ? language : std::nullopt;
+    return language && Localization::hasLanguage(*language) ? language : std::nullopt;
 }
 
 std::string helpHint(const std::string& subcommand, const Localization& words) {

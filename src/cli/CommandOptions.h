@@ -26,6 +26,10 @@ public:
     virtual void optionalPositional(const std::string& placeholder,
                                     std::optional<std::string>& place,
                                     const std::string& helpKey) = 0;
+    /// Any number of them, also none; the last positional argument.
+    virtual void optionalPositionals(const std::string& placeholder,
+                                     std::vector<std::string>& places,
+                                     const std::string& helpKey) = 0;
 };
 
 } // namespace vellmark

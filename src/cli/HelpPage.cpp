@@ -46,7 +46,7 @@ std::string HelpPage::text(std::size_t width) const {
         if (section.entries.empty()) {
             continue;
         }
-        page += "\n" + section.title + ":\n";
+        page += "\n" + section.title + "\n";
         for (const Entry& entry : section.entries) {
             const std::string text = paragraph(entry.text, column, width);
             if (isBeside && displayWidth(entry.term) <= term) {

@@ -29,7 +29,7 @@ constexpr Shapes plainShapes{.dot = "*",
                              .below = "v",
                              .isPlain = true};
 
-constexpr std::array<std::pair<std::string_view, std::string_view>, 14> plainMarks{{
+constexpr std::array<std::pair<std::string_view, std::string_view>, 16> plainMarks{{
     {"…", "..."},
     {"·", "-"},
     {"–", "-"},
@@ -40,6 +40,8 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 14> plainMar
     {"„", "\""},
     {"“", "\""},
     {"”", "\""},
+    {"«", "\""},
+    {"»", "\""},
     {"‘", "'"},
     {"’", "'"},
     {"\u00A0", " "},

@@ -10,6 +10,7 @@ std::vector<std::unique_ptr<Subcommand>> allSubcommands() {
     all.push_back(makeHistoryCommand());
     all.push_back(makeLogCommand());
     all.push_back(makeAgentsCommand());
+    all.push_back(makeSettingsCommand());
     all.push_back(makeInspectCommand());
     all.push_back(makeSetupCommand());
     all.push_back(makeSetupScriptCommand());

@@ -13,6 +13,7 @@ std::unique_ptr<Subcommand> makeInspectCommand();
 std::unique_ptr<Subcommand> makeLogCommand();
 std::unique_ptr<Subcommand> makeRedactCommand();
 std::unique_ptr<Subcommand> makeReportCommand();
+std::unique_ptr<Subcommand> makeSettingsCommand();
 std::unique_ptr<Subcommand> makeSetupCommand();
 std::unique_ptr<Subcommand> makeSetupScriptCommand();
 std::unique_ptr<Subcommand> makeStatusCommand();

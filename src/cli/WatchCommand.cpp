@@ -11,6 +11,7 @@
 #include "presentation/UsageVerdict.h"
 #include "probes/ProviderRegistry.h"
 #include "store/AgentUsageStore.h"
+#include "store/AppSettings.h"
 #include "text/TerminalText.h"
 
 #include <algorithm>
@@ -57,7 +58,8 @@ std::string namesIn(const std::vector<std::string>& subjects, std::size_t begin,
 /// Keeps refreshing and shows the agents: in place on a terminal, else one block a refresh.
 class Watch {
 public:
-    Watch(const CommandContext& context, Seconds interval, bool isCompact)
+    /// Without an `interval` the setting holds.
+    Watch(const CommandContext& context, std::optional<Seconds> interval, bool isCompact)
         : context_(context), interval_(interval), isCompact_(isCompact),
           preferences_(makePreferences(context.machine)),
           store_({.machine = context.machine,
@@ -84,6 +86,7 @@ public:
         tick();
         store_.refresh(RefreshTrigger::launch);
         scheduleRefresh();
+        settingsWatch_ = watchPreferences(loop_, context_.machine, [this] { takeSettings(); });
         const int status = loop_.run();
         // The terminal is itself again before the children have been waited for.
         const bool hadPage = screen_.has_value();
@@ -98,8 +101,24 @@ public:
     }
 
 private:
+    Seconds interval() const {
+        return interval_.value_or(length(valueOf(*preferences_, setting::readingInterval)));
+    }
+
+    void takeSettings() {
+        const Seconds before = interval();
+        preferences_->reload();
+        if (interval() != before) {
+            scheduleRefresh();
+        }
+        store_.takeSettings();
+    }
+
     void scheduleRefresh() {
-        loop_.postAfter(interval_, tolerance, [this] {
+        if (refreshTimer_) {
+            loop_.cancel(*refreshTimer_);
+        }
+        refreshTimer_ = loop_.postAfter(interval(), tolerance, [this] {
             store_.refresh(RefreshTrigger::timer);
             scheduleRefresh();
         });
@@ -214,9 +233,11 @@ private:
         const Localization& words = context_.words;
         const std::size_t width = context_.output.width();
         const auto hidden = [&](const char* key, std::size_t from, std::size_t to) {
-            return from == to ? std::string()
-                              : words.format(key, {static_cast<std::int64_t>(to - from),
-                                                   namesIn(page.subjects, from, to)});
+            const auto count = static_cast<std::int64_t>(to - from);
+            return count == 0
+                       ? std::string()
+                       : words.format(std::string(key) + (words.takesSingular(count) ? ".one" : ""),
+                                      {count, namesIn(page.subjects, from, to)});
         };
         std::string text;
         bool scrolls = false;
@@ -325,13 +346,15 @@ private:
     static constexpr std::size_t leastLines = 5;
 
     const CommandContext& context_;
-    Seconds interval_;
+    std::optional<Seconds> interval_;
     std::vector<std::string> troubles_;
     bool isCompact_;
     TerminalLoop loop_;
     std::unique_ptr<Preferences> preferences_;
     AgentUsageStore store_;
     std::unique_ptr<DescriptorWatch> keys_;
+    std::unique_ptr<PreferencesWatch> settingsWatch_;
+    std::optional<MainExecutor::Timer> refreshTimer_;
     TerminalKeys decoder_;
     std::optional<Instant> shown_;
     std::size_t firstLine_ = 0;
@@ -351,8 +374,12 @@ public:
     }
 
     int run(const CommandContext& context) override {
-        const auto seconds = interval_ ? integerArgument("--interval", *interval_, 1, 86'400) : 300;
-        return Watch(context, Seconds(static_cast<double>(seconds)), isCompact_).run();
+        std::optional<Seconds> interval;
+        if (interval_) {
+            interval =
+                Seconds(static_cast<double>(integerArgument("--interval", *interval_, 1, 86'400)));
+        }
+        return Watch(context, interval, isCompact_).run();
     }
 
 private:

@@ -1,6 +1,7 @@
 #include "cli/CommandLine.h"
 #include "cli/Subcommands.h"
 #include "cli/WrongArguments.h"
+#include "platform/Preferences.h"
 #include "platform/ProgramEnd.h"
 #include "platform/SignalChannel.h"
 #include "platform/UnusedMemory.h"
@@ -8,6 +9,7 @@
 #include "presentation/LanguageManager.h"
 #include "process/BoundedProcess.h"
 #include "process/ChildWatcher.h"
+#include "store/AgentSettings.h"
 #include "store/DemoHistory.h"
 #include "text/SystemErrorText.h"
 #include "text/TerminalText.h"
@@ -33,9 +35,15 @@ void openClosedStandardStreams() {
     }
 }
 
+/// In the language asked for, else in the one that the machine's settings name.
+Localization wordsFor(const std::optional<std::string>& language, const Machine& machine) {
+    return localizationFor(UserLocale::of(machine.environment),
+                           language ? *language : chosenLanguage(*makePreferences(machine)));
+}
+
 /// Runs the subcommand on the machine that the arguments ask for.
-int runSubcommand(const CommandLine& commandLine, const Machine& machine, const Localization& words,
-                  TerminalOutput& output, TerminalOutput& errors) {
+int runSubcommand(const CommandLine& commandLine, const std::optional<std::string>& language,
+                  const Machine& machine, TerminalOutput& output, TerminalOutput& errors) {
     std::optional<DemoSandbox> demo;
     std::optional<Machine> sandbox;
     if (commandLine.demo) {
@@ -45,8 +53,12 @@ int runSubcommand(const CommandLine& commandLine, const Machine& machine, const 
         sandbox = Machine::sandbox(*commandLine.sandbox);
     }
     const Machine& chosen = demo ? demo->machine() : sandbox ? *sandbox : machine;
+    const Localization words = wordsFor(language, sandbox ? *sandbox : machine);
     if (commandLine.subcommand->startsChildren() && !startChildWatcher()) {
         errors.write("vellmark: " + words.text("watcher.missing") + "\n");
+    }
+    if (commandLine.subcommand->startsChildren()) {
+        AgentSettings(*makePreferences(chosen), providerRegistry()).applyExecutables(chosen);
     }
     const int status = commandLine.subcommand->run({chosen, words, output, errors});
     // Nothing that a subcommand started outlives the program, or the demo's directory.
@@ -70,8 +82,8 @@ int statusAfterWriting(int status, const TerminalOutput& output, TerminalOutput&
 
 int run(const std::vector<std::string>& arguments) {
     const Machine machine = Machine::current();
-    const Localization words = localizationFor(UserLocale::of(machine.environment),
-                                               requestedLanguage(arguments).value_or(""));
+    const auto language = requestedLanguage(arguments);
+    const Localization words = wordsFor(language, machine);
     TerminalOutput output(STDOUT_FILENO, machine.environment);
     TerminalOutput errors(STDERR_FILENO, machine.environment);
     const auto subcommands = allSubcommands();
@@ -90,7 +102,7 @@ int run(const std::vector<std::string>& arguments) {
         } else if (commandLine.subcommand == nullptr) {
             output.write("vellmark " VELLMARK_VERSION "\n");
         } else {
-            status = runSubcommand(commandLine, machine, words, output, errors);
+            status = runSubcommand(commandLine, language, machine, output, errors);
         }
     } catch (const CommandLineFault& fault) {
         return refuse(fault.message, fault.hint);

@@ -9,7 +9,8 @@ namespace vellmark {
 
 enum class ColorScheme { noPreference, light, dark };
 
-/// Whether the system is light or dark, and how much may move on it. Main thread.
+/// Whether the system is light or dark, how much may move on it, and how much its colours stand
+/// out. Main thread.
 class SystemAppearance {
 public:
     virtual ~SystemAppearance() = default;
@@ -17,6 +18,8 @@ public:
     virtual ColorScheme colorScheme() const = 0;
     /// The user has asked the system for less motion.
     virtual bool reducesMotion() const = 0;
+    /// The user has asked the system for more contrast.
+    virtual bool increasesContrast() const = 0;
 };
 
 /// Calls `onChange` on the main thread whenever an answer has changed. Never null; asks without

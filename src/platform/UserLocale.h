@@ -3,13 +3,14 @@
 #include "platform/Machine.h"
 
 #include <string>
+#include <vector>
 
 namespace vellmark {
 
-/// The language and the formats that the user has chosen in the system.
+/// The languages and the formats that the user has chosen in the system.
 struct UserLocale {
-    /// "de", "en" …; empty when the system names none.
-    std::string languageCode;
+    /// "de", "en" …, the most wanted first; empty when the system names none.
+    std::vector<std::string> languageCodes;
     /// For the formats of numbers and dates, "de_CH"; empty when the system names none.
     std::string formatIdentifier;
 

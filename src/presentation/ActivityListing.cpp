@@ -3,7 +3,6 @@
 #include "presentation/AgentBlockContent.h"
 #include "store/ActivityLines.h"
 #include "text/Formatting.h"
-#include "text/TerminalText.h"
 
 #include <algorithm>
 #include <array>
@@ -45,7 +44,7 @@ void ActivityListing::setFilter(ActivityFilter filter) {
         return;
     }
     filter_ = std::move(filter);
-    foldedWords_ = lowercased(trimmed(filter_.words));
+    search_ = SearchWords(filter_.words);
     rebuild();
 }
 
@@ -129,8 +128,7 @@ bool ActivityListing::matches(const ActivityEntry& entry) const {
     if (entry.level < filter_.least || !matchesAgent(entry)) {
         return false;
     }
-    return foldedWords_.empty() || lowercased(entry.text).find(foldedWords_) != std::string::npos ||
-           lowercased(subjectText(entry)).find(foldedWords_) != std::string::npos;
+    return search_.empty() || search_.areIn(subjectText(entry) + " " + entry.text);
 }
 
 std::size_t ActivityListing::matchingIn(std::uint32_t first, std::uint32_t end) const {

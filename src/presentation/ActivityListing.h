@@ -2,6 +2,7 @@
 
 #include "store/ActivityEntry.h"
 #include "text/Localization.h"
+#include "text/SearchWords.h"
 #include "text/TimeZone.h"
 
 #include <cstdint>
@@ -20,7 +21,7 @@ struct ActivityFilter {
     /// This agent's alone; with an empty identifier those about the program itself.
     std::optional<AgentProviderID> agent;
     ActivityEntry::Level least = ActivityEntry::Level::info;
-    /// Anywhere in text or agent, upper and lower case alike.
+    /// Every word of it stands in text or agent.
     std::string words;
 
     /// Whether single entries are looked for, which are listed one by one.
@@ -137,7 +138,7 @@ private:
     Localization words_;
     TimeZone zone_;
     ActivityFilter filter_;
-    std::string foldedWords_;
+    SearchWords search_{""};
     std::shared_ptr<const Entries> entries_;
     std::vector<EntryKind> kinds_;
     std::vector<Refresh> refreshes_;

@@ -80,7 +80,7 @@ AgentBlockContent::State blockState(const AgentUsageSnapshot& snapshot,
 BalanceRowContent balanceRow(const BalanceInfo& balance, const Localization& words) {
     BalanceRowContent row{.label = words.text("balance.credits")};
     const std::string amount = moneyText(balance.amount, balance.currencyCode, words);
-    row.value = words.format("usage.remaining", {amount});
+    row.value = words.format("balance.remaining", {amount});
     if (balance.limit) {
         row.detail =
             words.format("balance.limit", {moneyText(*balance.limit, balance.currencyCode, words)});

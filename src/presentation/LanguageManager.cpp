@@ -10,35 +10,57 @@ constexpr std::string_view preferenceKey = "AppLanguage";
 constexpr std::string_view systemSetting = "system";
 constexpr const char* fallback = "en";
 
-bool isSpoken(std::string_view code) {
-    return code == "de" || code == "en";
+std::string firstSpoken(const std::vector<std::string>& codes) {
+    const auto found = std::ranges::find_if(codes, Localization::hasLanguage);
+    return found == codes.end() ? fallback : *found;
+}
+
+/// "fr" of "fr_CH".
+std::string_view languageOf(std::string_view identifier) {
+    return identifier.substr(0, identifier.find('_'));
+}
+
+/// "system" or the code of a language that there is.
+std::string storedSetting(const Preferences& preferences) {
+    std::string setting = preferences.string(preferenceKey).value_or("");
+    return Localization::hasLanguage(setting) ? setting : std::string(systemSetting);
 }
 
 } // namespace
 
 Localization localizationFor(const UserLocale& user, const std::string& language) {
-    std::string code = language.empty() ? user.languageCode : language;
-    if (!isSpoken(code)) {
-        code = fallback;
-    }
-    const bool formatsFit = user.formatIdentifier.starts_with(code);
+    const std::string code =
+        Localization::hasLanguage(language) ? language : firstSpoken(user.languageCodes);
+    const bool formatsFit = languageOf(user.formatIdentifier) == code;
     return Localization(code, formatsFit ? user.formatIdentifier : std::string());
 }
 
+std::string languageList(std::string_view separator) {
+    std::string list;
+    for (const std::string_view code : Localization::languages()) {
+        list.append(list.empty() ? "" : separator).append(code);
+    }
+    return list;
+}
+
+std::string chosenLanguage(const Preferences& preferences) {
+    std::string setting = storedSetting(preferences);
+    return setting == systemSetting ? std::string() : setting;
+}
+
 const std::vector<std::string>& LanguageManager::settings() {
-    static const std::vector<std::string> all{std::string(systemSetting), "de", "en"};
+    static const std::vector<std::string> all = [] {
+        std::vector<std::string> settings{std::string(systemSetting)};
+        settings.insert(settings.end(), Localization::languages().begin(),
+                        Localization::languages().end());
+        return settings;
+    }();
     return all;
 }
 
 LanguageManager::LanguageManager(Preferences& preferences, UserLocale system, std::string forced)
     : preferences_(preferences), system_(std::move(system)), forced_(std::move(forced)),
-      setting_(preferences.string(preferenceKey).value_or(std::string(systemSetting))),
-      words_(fallback) {
-    if (std::ranges::find(settings(), setting_) == settings().end()) {
-        setting_ = systemSetting;
-    }
-    words_ = makeWords();
-}
+      setting_(storedSetting(preferences)), words_(makeWords()) {}
 
 void LanguageManager::choose(const std::string& setting) {
     if (std::ranges::find(settings(), setting) == settings().end()) {

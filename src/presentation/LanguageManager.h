@@ -6,17 +6,24 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vellmark {
 
-/// The words of `language` ("de", "en"; empty for the user's own; English where the catalog lacks
-/// that), with the user's formats where they are of that language: another's would mix the two in
-/// one sentence.
+/// The words of `language`, or, where that is empty or unknown, of the first of the user's own
+/// languages that there are texts in; English where there is none. With the user's formats where
+/// they are of that language: another's would mix the two in one sentence.
 Localization localizationFor(const UserLocale& user, const std::string& language);
 
+/// The codes of the languages there are, with `separator` between them.
+std::string languageList(std::string_view separator);
+
+/// The code of the language that the user has chosen for the programs; empty for the system's.
+std::string chosenLanguage(const Preferences& preferences);
+
 /// The language of the application: the system's, or one the user has chosen, kept under
-/// "AppLanguage" ("system", "de", "en"). Main thread.
+/// "AppLanguage" ("system" or the code of a language). Main thread.
 class LanguageManager {
 public:
     /// `forced` overrides the setting for this run and may be empty.

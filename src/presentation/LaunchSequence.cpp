@@ -25,6 +25,8 @@ LaunchOptions LaunchOptions::parse(std::span<const std::string> arguments,
             options.showsWindow = true;
         } else if (argument == "--show-about") {
             options.showsAbout = true;
+        } else if (argument == "--show-popover") {
+            options.showsPopover = true;
         } else if (argument == "--demo") {
             options.isDemo = true;
         } else if (!value("--sandbox", options.sandbox) && !value("--language", options.language) &&
@@ -61,6 +63,8 @@ LaunchOutcome runLaunchSequence(const LaunchOptions& options, LaunchSteps& steps
         steps.showMainWindow();
     } else if (options.showsAbout) {
         steps.showAbout();
+    } else if (options.showsPopover) {
+        steps.showPopover();
     }
     return LaunchOutcome::launched;
 }

@@ -13,6 +13,8 @@ struct LaunchOptions {
     bool isRunningTests = false;
     bool showsWindow = false;
     bool showsAbout = false;
+    /// The popover, also of an instance that runs already: for a key of the desktop's.
+    bool showsPopover = false;
     /// Simulated agents in a throw-away home.
     bool isDemo = false;
     /// A directory that stands in for this machine; empty for the machine itself.
@@ -54,6 +56,7 @@ public:
     virtual void runFirstRun() = 0;
     virtual void showMainWindow() = 0;
     virtual void showAbout() = 0;
+    virtual void showPopover() = 0;
 };
 
 enum class LaunchOutcome { launched, testHost, handedOver };

@@ -11,25 +11,28 @@
 namespace vellmark {
 
 /// What the main window asks of the application: what every view may ask for, and what single
-/// pages do, in a record of theirs each. Main thread.
+/// pages do, in a record of theirs each. All have an empty default, so that a test names what it
+/// needs. Main thread.
 struct MainWindowActions {
-    AgentUIActions program;
+    AgentUIActions program = {};
+    /// Shows the menu bar's contents; empty where the system shows a menu bar.
+    std::function<void()> openMenu = {};
     // provider
-    AgentPageActions agent;
+    AgentPageActions agent = {};
 
     // history
     HistoryPageActions history;
 
     // activity
-    ActivityPageActions activity;
+    ActivityPageActions activity = {};
     // settings
-    SettingsPageActions settings;
+    SettingsPageActions settings = {};
 
     // help
-    HelpPageActions help;
+    HelpPageActions help = {};
 
     // about
-    AboutPageActions about;
+    AboutPageActions about = {};
 };
 
 } // namespace vellmark

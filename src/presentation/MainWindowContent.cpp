@@ -4,6 +4,10 @@
 
 namespace vellmark {
 
+ControlContent menuButton(const Localization& words) {
+    return {words.text("menu.open"), "ellipsis", words.text("menu.open.help")};
+}
+
 AgentPage shownPage(const AgentPage& selection, const UsageState& state) {
     const bool isShown = selection.kind != AgentPage::Kind::provider ||
                          std::ranges::find(state.snapshots, selection.providerID,

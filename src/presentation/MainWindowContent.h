@@ -11,6 +11,8 @@
 #include "presentation/SettingsPageContent.h"
 #include "presentation/SidebarContent.h"
 
+#include <optional>
+#include <string>
 #include <variant>
 #include <vector>
 
@@ -45,7 +47,14 @@ struct MainWindowContent {
     std::vector<SidebarItem> sidebar;
     AgentPage page;
     PageContent content;
+    /// Opens the menu bar's contents; absent where the system shows a menu bar.
+    std::optional<ControlContent> menuButton = std::nullopt;
+    /// What screen readers call the sidebar.
+    std::string sidebarName = {};
 };
+
+/// The button that opens the menu bar's contents.
+ControlContent menuButton(const Localization& words);
 
 /// The page to show for the selected one: the overview in the place of an agent that is not shown.
 AgentPage shownPage(const AgentPage& selection, const UsageState& state);

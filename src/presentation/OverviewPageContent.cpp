@@ -81,6 +81,15 @@ VerdictContent verdict(const UsageState& state, Instant now, const Localization&
     return content;
 }
 
+/// What colour and icon say stands in words before it.
+std::string spokenVerdict(const VerdictContent& verdict, const Localization& words) {
+    const std::string said =
+        verdict.subject.empty()
+            ? verdict.text
+            : words.format("overview.verdict.spoken.subject", {verdict.subject, verdict.text});
+    return words.format("overview.verdict.spoken", {healthText(verdict.tone, words), said});
+}
+
 } // namespace
 
 OverviewPageContent overviewPageContent(const UsageState& state, Instant now,
@@ -88,6 +97,7 @@ OverviewPageContent overviewPageContent(const UsageState& state, Instant now,
     OverviewPageContent content;
     content.head = refreshablePageHead({"nav.overview", "overview.subtitle"}, state, words);
     content.verdict = verdict(state, now, words);
+    content.verdict.accessibilityText = spokenVerdict(content.verdict, words);
     if (asksForSetup) {
         content.setupHint = words.text("overview.firstRun");
     }

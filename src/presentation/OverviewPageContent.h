@@ -18,6 +18,8 @@ struct VerdictContent {
     /// Agent and window, stressed and before the text; empty where all agents are meant.
     std::string subject;
     std::string text;
+    /// Both, with how bad it is in words.
+    std::string accessibilityText;
     bool operator==(const VerdictContent&) const = default;
 };
 

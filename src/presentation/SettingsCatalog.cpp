@@ -364,12 +364,12 @@ std::optional<SettingRefusal> SettingsCatalog::setMinutes(const SettingItem& ite
     return std::nullopt;
 }
 
-void SettingsCatalog::reset(const SettingItem& item) {
+std::optional<SettingRefusal> SettingsCatalog::reset(const SettingItem& item) {
     if (item.kind == Kind::loginItem) {
-        launchAtLogin_.setEnabled(true);
-    } else {
-        preferences_.remove(item.preferenceKey);
+        return setLoginItem(item, on);
     }
+    preferences_.remove(item.preferenceKey);
+    return std::nullopt;
 }
 
 void SettingsCatalog::resetAll() {

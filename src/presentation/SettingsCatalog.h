@@ -77,7 +77,7 @@ public:
     std::string valueText(const SettingItem& item, const Localization& words) const;
 
     std::optional<SettingRefusal> set(const SettingItem& item, const std::string& text);
-    void reset(const SettingItem& item);
+    std::optional<SettingRefusal> reset(const SettingItem& item);
     /// All but what the system keeps: whether the program starts at login stays as it is.
     void resetAll();
 

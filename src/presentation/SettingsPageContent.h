@@ -169,6 +169,8 @@ SettingsPageContent settingsPageContent(const SettingsPageState& state, const Ma
 
 /// What the settings page asks for. Main thread.
 struct SettingsPageActions {
+    /// The page has come up: what it shows of the system is looked up.
+    std::function<void()> appear;
     std::function<void(const AgentProviderID&, bool isEnabled)> enableAgent;
     /// All agents in the order wanted.
     std::function<void(const std::vector<AgentProviderID>&)> orderAgents;

@@ -1,6 +1,5 @@
 #include "presentation/SettingsPageModel.h"
 
-#include "store/AgentSettings.h"
 #include "text/SystemErrorText.h"
 
 #include <system_error>
@@ -27,32 +26,25 @@ std::uintmax_t sizeOf(const std::filesystem::path& folder) {
 
 } // namespace
 
-struct SettingsPageModel::Findings {
-    std::vector<AgentFacts> facts;
-    std::uintmax_t dataSize = 0;
-};
-
 SettingsPageModel::SettingsPageModel(Sources sources)
     : sources_(std::move(sources)),
-      catalog_(sources_.preferences, sources_.machine, sources_.launchAtLogin) {}
-
-SettingsPageModel::~SettingsPageModel() {
-    if (thread_.joinable()) {
-        thread_.join();
-    }
-}
+      catalog_(sources_.preferences, sources_.machine, sources_.launchAtLogin),
+      agents_(sources_.preferences, providerRegistry()) {}
 
 SettingsPageState SettingsPageModel::state() const {
-    const AgentSettings agents(sources_.preferences, providerRegistry());
     SettingsPageState state;
     for (const SettingItem& item : catalog_.items()) {
         state.settings.push_back({item, catalog_.value(item)});
     }
     state.launchAtLogin = sources_.launchAtLogin.state();
-    state.order = agents.order();
-    state.enabled = agents.enabled();
-    state.agents = facts_;
-    state.isChecking = isLooking_;
+    state.order = agents_.order();
+    state.enabled = agents_.enabled();
+    for (const AgentProviderID& id : state.order) {
+        if (const AgentFacts* facts = sources_.factsOf(id)) {
+            state.agents.push_back(*facts);
+        }
+        state.isChecking = state.isChecking || sources_.isAsking(id);
+    }
     state.systemLanguage = sources_.systemLanguage;
     state.dataFolder = sources_.machine.abbreviated(sources_.machine.supportDirectory());
     state.dataSize = dataSize_;
@@ -66,26 +58,32 @@ SettingsPageContent SettingsPageModel::content() const {
 }
 
 SettingsPageActions SettingsPageModel::actions() {
-    return {.enableAgent = [this](const AgentProviderID& id,
-                                  bool isEnabled) { setEnabled(id, isEnabled); },
-            .orderAgents =
-                [this](const std::vector<AgentProviderID>& order) {
-                    AgentSettings(sources_.preferences, providerRegistry()).setOrder(order);
+    return {.appear = [this] { look(false); },
+            .enableAgent =
+                [this](const AgentProviderID& id, bool isEnabled) {
+                    agents_.setEnabled(id, isEnabled);
                     finish();
                 },
-            .checkAgents = [this] { look(); },
-            .chooseProgram =
-                [this](const AgentProviderID& id, const std::string& path) {
-                    for (const SettingItem& item : catalog_.items()) {
-                        if (item.kind == SettingItem::Kind::executable && item.agent == id) {
-                            change(item.name, path.empty() ? "automatic" : path);
-                        }
-                    }
-                    look();
+            .orderAgents =
+                [this](const std::vector<AgentProviderID>& order) {
+                    agents_.setOrder(order);
+                    finish();
                 },
+            .checkAgents = [this] { look(true); },
+            .chooseProgram = [this](const AgentProviderID& id,
+                                    const std::string& path) { chooseProgram(id, path); },
             .change = [this](const std::string& name,
                              const std::string& value) { change(name, value); },
             .press = [this](const std::string& name) { press(name); }};
+}
+
+/// The folder holds a handful of files: they are measured sooner than a thread begins.
+void SettingsPageModel::look(bool anew) {
+    dataSize_ = sizeOf(sources_.machine.supportDirectory());
+    for (const AgentProviderID& id : agents_.order()) {
+        sources_.ask(id, anew);
+    }
+    sources_.changed();
 }
 
 void SettingsPageModel::change(const std::string& name, const std::string& value) {
@@ -94,9 +92,13 @@ void SettingsPageModel::change(const std::string& name, const std::string& value
     }
 }
 
-void SettingsPageModel::setEnabled(const AgentProviderID& id, bool isEnabled) {
-    AgentSettings(sources_.preferences, providerRegistry()).setEnabled(id, isEnabled);
-    finish();
+void SettingsPageModel::chooseProgram(const AgentProviderID& id, const std::string& path) {
+    for (const SettingItem& item : catalog_.items()) {
+        if (item.kind == SettingItem::Kind::executable && item.agent == id) {
+            change(item.name, path.empty() ? "automatic" : path);
+            sources_.ask(id, true);
+        }
+    }
 }
 
 void SettingsPageModel::press(const std::string& name) {
@@ -107,7 +109,7 @@ void SettingsPageModel::press(const std::string& name) {
     } else if (name == settingsRow::reset) {
         catalog_.resetAll();
         finish();
-        look();
+        look(true);
     } else if (const SettingItem* item = catalog_.find(name);
                item != nullptr && item->kind == SettingItem::Kind::loginItem) {
         sources_.launchAtLogin.openSystemSettings();
@@ -122,7 +124,7 @@ void SettingsPageModel::deleteHistory() {
         trouble_ = error ? sources_.words().format("settings.history.notDeleted",
                                                    {systemErrorText(error, sources_.words())})
                          : std::string();
-        look();
+        look(false);
     });
 }
 
@@ -136,39 +138,6 @@ void SettingsPageModel::finish(const std::optional<SettingRefusal>& refusal) {
                                            {systemErrorText(*error, sources_.words())});
     }
     sources_.changed();
-}
-
-void SettingsPageModel::look() {
-    if (isLooking_) {
-        isToLookAgain_ = true;
-        return;
-    }
-    isLooking_ = true;
-    if (thread_.joinable()) {
-        thread_.join();
-    }
-    thread_ = std::thread([this, alive = std::weak_ptr(isAlive_)] {
-        // The destructor waits for this thread: what it uses of the model is there.
-        Findings findings{sources_.gatherFacts(sources_.machine),
-                          sizeOf(sources_.machine.supportDirectory())};
-        sources_.executor.post([this, alive, findings = std::move(findings)]() mutable {
-            if (!alive.expired()) {
-                arrived(std::move(findings));
-            }
-        });
-    });
-    sources_.changed();
-}
-
-void SettingsPageModel::arrived(Findings findings) {
-    facts_ = std::move(findings.facts);
-    dataSize_ = findings.dataSize;
-    isLooking_ = false;
-    if (std::exchange(isToLookAgain_, false)) {
-        look();
-    } else {
-        sources_.changed();
-    }
 }
 
 } // namespace vellmark

@@ -134,8 +134,9 @@ std::string briefVerdictText(const std::vector<Phrase>& phrases, const PhraseWor
     if (others == 0) {
         return text;
     }
-    return others == 1 ? words.format("popover.status.andOther", {std::move(text)})
-                       : words.format("popover.status.andOthers", {std::move(text), others});
+    return words.takesSingular(others)
+               ? words.format("popover.status.andOther", {std::move(text)})
+               : words.format("popover.status.andOthers", {std::move(text), others});
 }
 
 bool everythingLasts(const UsageState& state, const std::vector<KnownAgent>& agents) {

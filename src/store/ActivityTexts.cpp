@@ -323,9 +323,10 @@ ActivityEntry agentFailed(const AgentProviderID& id, const UsageProviderError& e
 
 ActivityEntry agentRecovered(const AgentProviderID& id, int failedAttempts,
                              const Localization& words) {
-    return failedAttempts == 1 ? aboutAgent(Level::info, id, "log.agent.recovered", words)
-                               : aboutAgent(Level::info, id, "log.agent.recovered.several", words,
-                                            JSON::array({failedAttempts}));
+    return words.takesSingular(failedAttempts)
+               ? aboutAgent(Level::info, id, "log.agent.recovered", words)
+               : aboutAgent(Level::info, id, "log.agent.recovered.several", words,
+                            JSON::array({failedAttempts}));
 }
 
 ActivityEntry agentRetried(const AgentProviderID& id, Seconds delay, const Localization& words) {
@@ -366,7 +367,8 @@ ActivityEntry implausible(const AgentProviderID& id, const ImplausibleFigure& fi
     const char* const key = figure.kind == Kind::used       ? "log.figure.used"
                             : figure.kind == Kind::duration ? "log.figure.duration"
                                                             : "log.figure.reset";
-    return aboutAgent(Level::notice, id, words.format(key, {windowLabel(figure.window, words)}));
+    return aboutAgent(Level::notice, id, key, words,
+                      JSON::array({argument("window", windowJSON(figure.window))}));
 }
 
 std::vector<ActivityEntry> turnedCritical(const AgentUsageSnapshot* before,
@@ -422,7 +424,7 @@ ActivityEntry orderChanged(const std::vector<AgentProviderID>& order, const Loca
 }
 
 ActivityEntry historyDeleted(const Localization& words) {
-    return aboutProgram(Level::notice, words.text("log.settings.historyDeleted"));
+    return aboutProgram(Level::notice, "log.settings.historyDeleted", words);
 }
 
 ActivityEntry woke(Seconds hold, const Localization& words) {

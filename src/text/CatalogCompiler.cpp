@@ -4,9 +4,12 @@
 //
 // usage: vellmark_catalog_compiler CATALOG.xcstrings TABLE.cpp
 
+#include "text/Catalog.h"
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <array>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -20,6 +23,7 @@
 namespace {
 
 using JSON = nlohmann::json;
+using vellmark::catalogLanguages;
 
 struct Fault : std::runtime_error {
     using std::runtime_error::runtime_error;
@@ -27,8 +31,8 @@ struct Fault : std::runtime_error {
 
 struct Entry {
     std::string key;
-    std::string german;
-    std::string english;
+    /// In the order of `catalogLanguages`.
+    std::array<std::string, catalogLanguages.size()> texts;
 };
 
 const JSON& member(const JSON& object, const char* name, const std::string& where) {
@@ -38,8 +42,12 @@ const JSON& member(const JSON& object, const char* name, const std::string& wher
     return object.at(name);
 }
 
-std::string localizedText(const std::string& key, const JSON& entry, const char* language) {
-    const std::string where = "key \"" + key + "\", language \"" + language + "\"";
+std::string placeOf(const std::string& key, std::string_view language) {
+    return "key \"" + key + "\", language \"" + std::string(language) + "\"";
+}
+
+std::string localizedText(const std::string& key, const JSON& entry, std::string_view language) {
+    const std::string where = placeOf(key, language);
     if (!entry.is_object() || !entry.contains("localizations") ||
         !entry.at("localizations").contains(language)) {
         throw Fault(where + ": there is no text");
@@ -97,19 +105,33 @@ std::map<std::size_t, std::string> placeholders(const std::string& text, const s
     return found;
 }
 
+/// A text that takes other arguments than the first language's would lose one, or show a
+/// placeholder.
+void checkPlaceholders(const Entry& entry) {
+    const auto wanted = placeholders(entry.texts[0], placeOf(entry.key, catalogLanguages[0]));
+    for (std::size_t index = 1; index < catalogLanguages.size(); ++index) {
+        const std::string where = placeOf(entry.key, catalogLanguages[index]);
+        if (placeholders(entry.texts[index], where) != wanted) {
+            throw Fault(where + ": the placeholders differ: \"" + entry.texts[0] + "\", \"" +
+                        entry.texts[index] + "\"");
+        }
+    }
+}
+
 std::vector<Entry> entries(const JSON& catalog) {
     const JSON& strings = member(catalog, "strings", "not a String Catalog");
-    if (!strings.is_object() || member(catalog, "sourceLanguage", "not a String Catalog") != "de") {
-        throw Fault("not a String Catalog whose source language is \"de\"");
+    if (!strings.is_object() ||
+        member(catalog, "sourceLanguage", "not a String Catalog") != catalogLanguages[0]) {
+        throw Fault("not a String Catalog whose source language is \"" +
+                    std::string(catalogLanguages[0]) + "\"");
     }
     std::vector<Entry> result;
     for (const auto& [key, value] : strings.items()) {
-        Entry entry{key, localizedText(key, value, "de"), localizedText(key, value, "en")};
-        const std::string where = "key \"" + key + "\"";
-        if (placeholders(entry.german, where) != placeholders(entry.english, where)) {
-            throw Fault(where + ": the placeholders of German and English differ: \"" +
-                        entry.german + "\", \"" + entry.english + "\"");
+        Entry entry{.key = key, .texts = {}};
+        for (std::size_t index = 0; index < catalogLanguages.size(); ++index) {
+            entry.texts[index] = localizedText(key, value, catalogLanguages[index]);
         }
+        checkPlaceholders(entry);
         result.push_back(std::move(entry));
     }
     std::ranges::sort(result, {}, &Entry::key);
@@ -140,8 +162,11 @@ void writeTable(std::ostream& output, const std::vector<Entry>& table) {
               "namespace {\n\nconstexpr std::array<CatalogEntry, "
            << table.size() << "> entries{{\n";
     for (const Entry& entry : table) {
-        output << "    {" << literal(entry.key) << ", " << literal(entry.german) << ", "
-               << literal(entry.english) << "},\n";
+        output << "    {" << literal(entry.key) << ", {";
+        for (std::size_t index = 0; index < entry.texts.size(); ++index) {
+            output << (index > 0 ? ", " : "") << literal(entry.texts[index]);
+        }
+        output << "}},\n";
     }
     output << "}};\n\n} // namespace\n\n"
               "std::span<const CatalogEntry> catalogEntries() { return entries; }\n\n"

@@ -39,13 +39,17 @@ constexpr double largestFigure = 1e9;
 /// around them, while order, clock and separators are the region's.
 icu::Locale formatLocale(const Localization& words) {
     const icu::Locale user(words.localeIdentifier().c_str());
-    return icu::Locale(words.languageCode() == "en" ? "en" : "de", user.getCountry(), nullptr,
-                       "calendar=gregorian;numbers=latn");
+    const std::string& code = words.languageCode();
+    return icu::Locale(Localization::hasLanguage(code) ? code.c_str() : "de", user.getCountry(),
+                       nullptr, "calendar=gregorian;numbers=latn");
 }
 
+/// French writes narrow blanks within figures, which many fonts of terminals lack.
 std::string plainText(const number::FormattedNumber& number, UErrorCode status) {
     std::string result;
-    number.toTempString(status).toUTF8String(result);
+    number.toString(status)
+        .findAndReplace(icu::UnicodeString(u'\u202F'), icu::UnicodeString(u'\u00A0'))
+        .toUTF8String(result);
     return U_SUCCESS(status) ? result : std::string(noFigure);
 }
 

@@ -39,6 +39,14 @@ std::optional<Placeholder> placeholderAt(std::string_view text) {
     return std::nullopt;
 }
 
+/// The place of a language's texts in an entry; German's where there is no such language.
+std::size_t indexOfLanguage(std::string_view code) {
+    const auto found = std::ranges::find(catalogLanguages, code);
+    return found == catalogLanguages.end()
+               ? 0
+               : static_cast<std::size_t>(found - catalogLanguages.begin());
+}
+
 std::string argumentText(const TextArgument& argument, const Localization& words) {
     if (const auto* text = std::get_if<std::string>(&argument)) {
         return *text;
@@ -47,6 +55,14 @@ std::string argumentText(const TextArgument& argument, const Localization& words
 }
 
 } // namespace
+
+std::span<const std::string_view> Localization::languages() {
+    return catalogLanguages;
+}
+
+bool Localization::hasLanguage(std::string_view code) {
+    return std::ranges::find(catalogLanguages, code) != catalogLanguages.end();
+}
 
 Localization::Localization(std::string languageCode, std::string localeIdentifier,
                            std::string timeZoneIdentifier)
@@ -64,7 +80,11 @@ std::string Localization::text(std::string_view key) const {
     if (found == entries.end() || found->key != key) {
         return std::string(key);
     }
-    return std::string(languageCode_ == "en" ? found->english : found->german);
+    return std::string(found->texts[indexOfLanguage(languageCode_)]);
+}
+
+bool Localization::takesSingular(std::int64_t count) const {
+    return count == 1 || (count == 0 && languageCode_ == "fr");
 }
 
 std::string Localization::format(std::string_view key,

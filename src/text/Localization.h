@@ -20,9 +20,14 @@ using TextArgument = std::variant<std::string, std::int64_t>;
 /// Safe to use from any thread. The texts are those of resources/Localizable.xcstrings.
 class Localization {
 public:
-    /// `languageCode` is "de" or "en" (any other finds only German texts). `localeIdentifier` and
-    /// `timeZoneIdentifier` choose the formats of numbers and dates, for example "de_CH" and
-    /// "Europe/Zurich"; empty ones mean the language's own formats and the system's zone.
+    /// The languages there are, by their codes ("de", "en" …).
+    static std::span<const std::string_view> languages();
+    static bool hasLanguage(std::string_view code);
+
+    /// `languageCode` is one of `languages()`; any other finds only German texts.
+    /// `localeIdentifier` and `timeZoneIdentifier` choose the formats of numbers and dates, for
+    /// example "de_CH" and "Europe/Zurich"; empty ones mean the language's own formats and the
+    /// system's zone.
     explicit Localization(std::string languageCode, std::string localeIdentifier = {},
                           std::string timeZoneIdentifier = {});
 
@@ -40,6 +45,10 @@ public:
         return format(key, std::span(arguments.begin(), arguments.size()));
     }
     std::string format(std::string_view key, std::span<const TextArgument> arguments) const;
+
+    /// Whether the language says `count` things in the singular: one, and in French none, too. A
+    /// text that names a count has a key for each of both forms.
+    bool takesSingular(std::int64_t count) const;
 
     bool operator==(const Localization&) const = default;
 

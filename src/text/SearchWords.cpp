@@ -1,21 +1,24 @@
 #include "text/SearchWords.h"
 
-#include "text/UnicodeString.h"
-
 #include <unicode/normalizer2.h>
 #include <unicode/uchar.h>
+#include <unicode/unistr.h>
+#include <unicode/utf8.h>
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
 
 namespace vellmark {
 
 namespace {
 
-/// Without case and accents; every kind of blank is one plain blank.
-std::string folded(std::string_view text) {
+/// One character without case and accents; every kind of blank is one plain blank.
+std::string foldedCharacter(UChar32 character) {
     UErrorCode status = U_ZERO_ERROR;
     const icu::Normalizer2* decomposition = icu::Normalizer2::getNFKDInstance(status);
-    icu::UnicodeString source = unicodeString(text);
+    icu::UnicodeString source(character);
     source.foldCase();
     if (U_SUCCESS(status)) {
         const icu::UnicodeString decomposed = decomposition->normalize(source, status);
@@ -25,16 +28,60 @@ std::string folded(std::string_view text) {
     }
     icu::UnicodeString result;
     for (std::int32_t index = 0; index < source.length(); index = source.moveIndex32(index, 1)) {
-        const UChar32 character = source.char32At(index);
-        if (u_isUWhiteSpace(character)) {
+        const UChar32 part = source.char32At(index);
+        if (u_isUWhiteSpace(part)) {
             result.append(u' ');
-        } else if (u_charType(character) != U_NON_SPACING_MARK) {
-            result.append(static_cast<UChar32>(character == 0x2019 ? '\'' : character));
+        } else if (u_charType(part) != U_NON_SPACING_MARK) {
+            result.append(static_cast<UChar32>(part == 0x2019 ? '\'' : part));
         }
     }
     std::string utf8;
     result.toUTF8String(utf8);
     return utf8;
+}
+
+/// The letters of Latin writing and common punctuation, folded once: a search goes through tens of
+/// thousands of texts at each key.
+class FoldedCharacters {
+public:
+    FoldedCharacters() {
+        for (std::size_t index = 0; index < latin_.size(); ++index) {
+            latin_[index] = foldedCharacter(static_cast<UChar32>(index));
+        }
+        for (std::size_t index = 0; index < punctuation_.size(); ++index) {
+            punctuation_[index] = foldedCharacter(punctuationBegin + static_cast<UChar32>(index));
+        }
+    }
+
+    void append(UChar32 character, std::string& text) const {
+        const auto latin = static_cast<std::size_t>(character);
+        const auto punctuation = static_cast<std::size_t>(character - punctuationBegin);
+        if (latin < latin_.size()) {
+            text += latin_[latin];
+        } else if (character >= punctuationBegin && punctuation < punctuation_.size()) {
+            text += punctuation_[punctuation];
+        } else {
+            text += foldedCharacter(character);
+        }
+    }
+
+private:
+    static constexpr UChar32 punctuationBegin = 0x2000;
+    std::array<std::string, 0x180> latin_;
+    std::array<std::string, 0x70> punctuation_;
+};
+
+std::string folded(std::string_view text) {
+    static const FoldedCharacters characters;
+    std::string result;
+    result.reserve(text.size());
+    const auto length = static_cast<std::int32_t>(text.size());
+    for (std::int32_t index = 0; index < length;) {
+        UChar32 character = 0;
+        U8_NEXT(text.data(), index, length, character);
+        characters.append(character < 0 ? 0xFFFD : character, result);
+    }
+    return result;
 }
 
 } // namespace

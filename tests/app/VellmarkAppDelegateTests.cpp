@@ -12,6 +12,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QEventLoop>
+#include <QKeyEvent>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -71,6 +72,11 @@ protected:
                 return action->trigger();
             }
         }
+    }
+
+    static void pressKeyIn(QWidget& window, Qt::Key key) {
+        QKeyEvent press(QEvent::KeyPress, key, Qt::ControlModifier);
+        QApplication::sendEvent(&window, &press);
     }
 
     static QString selectedEntry(const QWidget& window) {
@@ -162,6 +168,24 @@ TEST_F(VellmarkAppDelegateTest, ShowsTheMainWindowForWhoeverOpensItAgain) {
     EXPECT_FALSE(visible<AgentMainWindowView>());
     delegate_->showAboutFromMenu();
     EXPECT_TRUE(eventually([] { return visible<QWidget>() != nullptr; }));
+}
+
+TEST_F(VellmarkAppDelegateTest, ComesBackToThePageThatWasShownLast) {
+    launch();
+    delegate_->applicationShouldHandleReopen(false);
+    auto* window = visible<AgentMainWindowView>();
+    ASSERT_TRUE(window);
+    EXPECT_EQ(selectedEntry(*window), "Overview");
+    pressKeyIn(*window, Qt::Key_3);
+    ASSERT_EQ(selectedEntry(*window), "Claude");
+    delegate_.reset();
+    RunningChildren::reopen();
+    launch();
+    delegate_->applicationShouldHandleReopen(false);
+    EXPECT_EQ(selectedEntry(*visible<AgentMainWindowView>()), "Claude");
+    // Settings are shown whatever page was shown last.
+    delegate_->showSettingsFromMenu();
+    EXPECT_EQ(selectedEntry(*visible<AgentMainWindowView>()), "Settings");
 }
 
 TEST_F(VellmarkAppDelegateTest, LetsGoOfWhatHasBeenClosedForAWhileAndShowsItAgain) {

@@ -1,6 +1,4 @@
-#include "cli/ProgramRun.h"
-
-#include <gmock/gmock.h>
+#include "cli/CommandTest.h"
 
 namespace vellmark::tests {
 namespace {
@@ -38,7 +36,7 @@ TEST(Arguments, WrongOnesSayWhatAndWhereToReadMoreOnTheErrorStreamAlone) {
         {{"inspect", "codex", "--now", "2026-01-01T10:00:00"}, "--now", "inspect --help"},
         {{"inspect", "claude", "--exit-status", "2x"}, "\"2x\"", "inspect --help"},
         {{"inspect", "claude", "a", "b"}, "\"b\"", "inspect --help"},
-        {{"--language", "fr"}, "\"fr\"", "vellmark --help"},
+        {{"--language", "ar"}, "\"ar\"; choose from: de, en, fr, it, es.", "vellmark --help"},
         {{"usage", "\x1b[31mred"}, "Unknown argument \"red\"", "usage --help"},
     };
     for (const Case& expected : cases) {
@@ -58,7 +56,10 @@ TEST(Arguments, LanguageIsAskedForElseTheUsersElseEnglish) {
     const Case cases[] = {
         {{"--help"}, "en_GB.UTF-8", "Commands:"},
         {{"--help"}, "de_CH.UTF-8", "Befehle:"},
-        {{"--help"}, "fr_FR.UTF-8", "Commands:"},
+        {{"--help"}, "fr_FR.UTF-8", "Commandes"},
+        {{"--help"}, "pt_BR.UTF-8", "Commands:"},
+        {{"--help", "--language", "it"}, "fr_FR.UTF-8", "Comandi:"},
+        {{"help", "--language=es"}, "en_US.UTF-8", "--language LANG  Idioma"},
         {{"--help"}, "C", "Commands:"},
         {{"--language", "en", "--help"}, "de_DE.UTF-8", "Commands:"},
         {{"usage", "--help", "--language=de"}, "en_US.UTF-8", "Aufruf:"},
@@ -70,6 +71,23 @@ TEST(Arguments, LanguageIsAskedForElseTheUsersElseEnglish) {
         EXPECT_THAT(result.output, HasSubstr(expected.word)) << expected.locale;
         EXPECT_EQ(result.errors, "");
     }
+}
+
+class ChosenLanguage : public CommandTest {};
+
+TEST_F(ChosenLanguage, IsThatOfTheSettingsUnlessAnotherIsAskedFor) {
+    EXPECT_EQ(run({"log"}).errors, "No entries.\n");
+    setPreferences(R"({"AppLanguage":"fr"})");
+    EXPECT_EQ(run({"log"}).errors, "Aucune entrée.\n");
+    EXPECT_EQ(run({"log", "--language", "it"}).errors, "Nessuna voce.\n");
+    setPreferences(R"({"AppLanguage":"ar"})");
+    EXPECT_EQ(run({"log"}).errors, "No entries.\n");
+    // For help no sandbox is made; it is that of the user's own settings.
+    const TemporaryDirectory directory;
+    directory.write("Vellmark/preferences.json", R"({"AppLanguage":"es"})");
+    const ProgramResult help = ProgramRun::of(
+        {.arguments = {"help"}, .environment = {{"XDG_CONFIG_HOME", directory.path().string()}}});
+    EXPECT_THAT(help.output, HasSubstr("Comandos:"));
 }
 
 TEST(Arguments, VersionAndHelpAreWrittenOrTheFailureIsTold) {

@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <functional>
+#include <map>
 
 namespace vellmark::tests {
 namespace {
@@ -20,7 +21,6 @@ namespace {
 using testing::HasSubstr;
 
 constexpr int widths[] = {40, 60, 80, 120, 200};
-constexpr const char* languages[] = {"de", "en"};
 constexpr const char* now = "2025-11-20T13:48:00Z";
 constexpr double day = 86'400;
 /// 10 January 2026, 13:48 UTC.
@@ -33,7 +33,8 @@ protected:
     using Draw = std::function<std::string(const std::string& language, int columns)>;
 
     static void compare(const std::string& name, const Draw& draw) {
-        for (const std::string language : languages) {
+        for (const std::string_view code : Localization::languages()) {
+            const std::string language(code);
             std::string pages;
             for (const int columns : widths) {
                 std::string page = draw(language, columns);
@@ -51,11 +52,16 @@ protected:
         }
     }
 
+    static std::string localeOf(const std::string& language) {
+        static const std::map<std::string, std::string> regions{
+            {"de", "DE"}, {"en", "US"}, {"fr", "FR"}, {"it", "IT"}, {"es", "ES"}};
+        return language + "_" + regions.at(language);
+    }
+
     std::string page(std::vector<std::string> arguments, const std::string& language, int columns) {
         ProgramRun::Setting wanted = setting(std::move(arguments), columns);
-        wanted.environment = {{"LANG", language == "de" ? "de_DE.UTF-8" : "en_US.UTF-8"},
-                              {"TZ", "UTC"},
-                              {"NO_COLOR", "1"}};
+        wanted.environment = {
+            {"LANG", localeOf(language) + ".UTF-8"}, {"TZ", "UTC"}, {"NO_COLOR", "1"}};
         const std::string text = ProgramRun::of(wanted).output;
         // The progress line, which has been removed again.
         const std::size_t start = text.rfind("\r\033[K");
@@ -87,7 +93,7 @@ UsageState manySorts() {
 
 TEST_F(Pages, Usage) {
     compare("usage", [](const std::string& language, int columns) {
-        const Localization words(language, language == "de" ? "de_DE" : "en_US", "UTC");
+        const Localization words(language, localeOf(language), "UTC");
         const TestTerminal terminal(columns);
         const TerminalOutput output(terminal.descriptor(),
                                     {{"LANG", "en_US.UTF-8"}, {"NO_COLOR", "1"}});

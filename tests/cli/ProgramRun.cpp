@@ -20,16 +20,20 @@ extern char** environ;
 namespace vellmark::tests {
 namespace {
 
-std::vector<std::string> environmentOf(const ProgramRun::Setting& setting) {
+/// The settings of whoever runs the tests, in `configuration`'s place, shall not matter.
+std::vector<std::string> environmentOf(const ProgramRun::Setting& setting,
+                                       const std::string& configuration) {
     std::map<std::string, std::string> variables;
     for (char** entry = environ; *entry != nullptr; ++entry) {
         const std::string text = *entry;
         variables[text.substr(0, text.find('='))] = text.substr(text.find('=') + 1);
     }
-    for (const char* name : {"LC_ALL", "LC_TIME", "LC_NUMERIC", "LC_MESSAGES", "NO_COLOR"}) {
+    for (const char* name :
+         {"LC_ALL", "LC_TIME", "LC_NUMERIC", "LC_MESSAGES", "LANGUAGE", "NO_COLOR"}) {
         variables.erase(name);
     }
     variables["LANG"] = "en_US.UTF-8";
+    variables["XDG_CONFIG_HOME"] = configuration;
     variables["TERM"] = "xterm-256color";
     for (const auto& [name, value] : setting.environment) {
         variables[name] = value;
@@ -89,7 +93,8 @@ ProgramRun::ProgramRun(const Setting& setting) {
         arguments = {"/bin/sh", "-mc", "\"$@\"; " + setting.shellCommands, "sh", program};
     }
     arguments.insert(arguments.end(), setting.arguments.begin(), setting.arguments.end());
-    std::vector<std::string> environment = environmentOf(setting);
+    std::vector<std::string> environment =
+        environmentOf(setting, (directory_ / "configuration").string());
     const int error = posix_spawn(&pid_, arguments.front().c_str(), &actions, &attributes,
                                   pointersTo(arguments).data(), pointersTo(environment).data());
     posix_spawn_file_actions_destroy(&actions);

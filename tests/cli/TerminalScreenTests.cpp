@@ -112,7 +112,7 @@ TEST_F(WatchCommand, ScrollsAndSaysWhatIsOutOfSight) {
     ASSERT_TRUE(watch.shows("↑ 7 more lines: Codex, Antigravity"));
     watch.forget();
     watch.type("kg");
-    ASSERT_TRUE(watch.shows("↓ 1 more lines: Antigravity  ↑ 6 more lines: Codex"));
+    ASSERT_TRUE(watch.shows("↓ 1 more line: Antigravity  ↑ 6 more lines: Codex"));
     ASSERT_TRUE(watch.shows("↓ 7 more lines: Antigravity  q quit"));
     watch.type("q");
     EXPECT_EQ(watch.wait().status, 0);

@@ -1,11 +1,17 @@
+#include "platform/Descriptor.h"
 #include "platform/FileLock.h"
 #include "platform/PreferencesFile.h"
+#include "support/PollLoop.h"
 #include "support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace vellmark {
 namespace {
@@ -77,6 +83,117 @@ TEST_F(PreferencesTest, ChangesOfAnotherProcessAreNotUndone) {
     terminal->setBoolean("SetupAssistantCompleted", true);
     EXPECT_EQ(open()->string("AppLanguage"), "en");
     EXPECT_EQ(open()->boolean("SetupAssistantCompleted"), true);
+}
+
+TEST_F(PreferencesTest, MembersOfAListAreChangedOneByOne) {
+    const auto desktop = open();
+    const auto terminal = open();
+    desktop->setMember("DisabledProviders", "claude", true);
+    terminal->setMember("DisabledProviders", "codex", true);
+    terminal->setMember("DisabledProviders", "codex", true);
+    EXPECT_THAT(*open()->strings("DisabledProviders"), ElementsAre("claude", "codex"));
+    desktop->setMember("DisabledProviders", "claude", false);
+    EXPECT_THAT(*open()->strings("DisabledProviders"), ElementsAre("codex"));
+    terminal->reload();
+    EXPECT_THAT(*terminal->strings("DisabledProviders"), ElementsAre("codex"));
+}
+
+constexpr int changesEach = 60;
+
+/// What one of two programs does: values of its own, and members of a list that both change.
+void changeSettings(const fs::path& file, const std::string& who) {
+    const auto preferences = makePreferencesFile(file);
+    for (int change = 0; change < changesEach; ++change) {
+        const std::string name = who + std::to_string(change);
+        preferences->setNumber(name, change);
+        preferences->setMember("List", name, true);
+        if (change % 3 == 0) {
+            preferences->remove(name);
+            preferences->setMember("List", name, false);
+        }
+    }
+}
+
+TEST_F(PreferencesTest, TwoProcessesLoseNoChange) {
+    open()->setString("Kept", "by both");
+    std::vector<pid_t> children;
+    for (const char* who : {"desktop", "terminal"}) {
+        children.push_back(::fork());
+        ASSERT_GE(children.back(), 0);
+        if (children.back() == 0) {
+            changeSettings(file_, who);
+            ::_exit(0);
+        }
+    }
+    for (const pid_t child : children) {
+        int status = 0;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_EQ(status, 0);
+    }
+    const auto preferences = open();
+    const auto list = preferences->strings("List").value_or(std::vector<std::string>());
+    for (const char* who : {"desktop", "terminal"}) {
+        for (int change = 0; change < changesEach; ++change) {
+            const std::string name = who + std::to_string(change);
+            const bool isKept = change % 3 != 0;
+            EXPECT_EQ(preferences->number(name).has_value(), isKept) << name;
+            EXPECT_EQ(std::ranges::count(list, name), isKept ? 1 : 0) << name;
+        }
+    }
+    EXPECT_EQ(preferences->string("Kept"), "by both");
+    EXPECT_FALSE(fs::exists(directory_ / "Vellmark/preferences.damaged.json"));
+}
+
+// Applied after them, the older change would undo the newer ones.
+TEST_F(PreferencesTest, NewChangesWaitBehindOlderOnesThatCannotBeHadNow) {
+    const auto run = open();
+    std::error_code error;
+    {
+        const auto held = FileLock::acquire(directory_ / "Vellmark/preferences.lock",
+                                            FileLock::Seconds(1), error);
+        ASSERT_TRUE(held);
+        run->setString("AppLanguage", "de");
+    }
+    {
+        // Somebody is just adding to what waits, for longer than anybody likes to.
+        const Descriptor waiting(
+            ::open((directory_ / "Vellmark/preferences.waiting").c_str(), O_RDWR | O_CLOEXEC));
+        ASSERT_FALSE(FileLock::lock(waiting, FileLock::Seconds(1)));
+        run->setString("AppLanguage", "en");
+        EXPECT_EQ(run->string("AppLanguage"), "en");
+    }
+    run->setBoolean("Flag", true);
+    EXPECT_EQ(open()->string("AppLanguage"), "en");
+    EXPECT_FALSE(run->writeError());
+}
+
+TEST_F(PreferencesTest, TellsARunningProgramOfChanges) {
+    Machine machine;
+    machine.configuration = directory_.path();
+    tests::PollLoop loop;
+    int changes = 0;
+    const auto watch = watchPreferences(loop, machine, [&] { ++changes; });
+    ASSERT_TRUE(watch);
+    const auto desktop = open();
+    open()->setString("AppLanguage", "fr");
+    ASSERT_TRUE(loop.turnUntil([&] { return changes > 0; }));
+    EXPECT_FALSE(desktop->string("AppLanguage"));
+    desktop->reload();
+    EXPECT_EQ(desktop->string("AppLanguage"), "fr");
+
+    const int before = changes;
+    directory_.write("Vellmark/other.json", "{}");
+    loop.turn(std::chrono::milliseconds(200));
+    EXPECT_EQ(changes, before) << "others' files are no business of ours";
+    {
+        std::error_code error;
+        const auto held = FileLock::acquire(directory_ / "Vellmark/preferences.lock",
+                                            FileLock::Seconds(1), error);
+        open()->setString("AppLanguage", "it");
+    }
+    ASSERT_TRUE(loop.turnUntil([&] { return changes > before; })) << "also one that waits";
+    desktop->reload();
+    EXPECT_EQ(desktop->string("AppLanguage"), "it");
 }
 
 TEST_F(PreferencesTest, WhatCannotBeWrittenHoldsForTheRunAndIsTriedAgain) {

@@ -48,6 +48,20 @@ protected:
     std::unique_ptr<AppLoops> loops_;
 };
 
+TEST_F(AppLoopsTest, AnotherIntervalHoldsAtOnceAndCountsFromTheLastTurn) {
+    loops_->start();
+    executor_.advance(Seconds(400));
+    loops_->setRefreshPeriod(Seconds(1800));
+    executor_.advance(Seconds(1699));
+    EXPECT_EQ(done_, (Record{"timer 300"}));
+    executor_.advance(Seconds(1));
+    EXPECT_EQ(done_, (Record{"timer 300", "timer 2100"}));
+    executor_.advance(Seconds(700));
+    loops_->setRefreshPeriod(Seconds(600));
+    executor_.advance(Seconds(0));
+    EXPECT_EQ(done_, (Record{"timer 300", "timer 2100", "timer 2800"})) << "it was due already";
+}
+
 TEST_F(AppLoopsTest, WaitAPeriodBeforeTheFirstTurn) {
     loops_->start();
     executor_.advance(Seconds(59));

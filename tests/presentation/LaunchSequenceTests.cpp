@@ -32,6 +32,7 @@ public:
     void runFirstRun() override { note("first run"); }
     void showMainWindow() override { note("main window"); }
     void showAbout() override { note("about"); }
+    void showPopover() override { note("show popover"); }
 
 private:
     void note(const char* step) { done += (done.empty() ? "" : ", ") + std::string(step); }
@@ -39,8 +40,8 @@ private:
 
 TEST(LaunchSequence, GoesAsFarAsTheLaunchAllows) {
     const std::string steps = "single instance, accessory, menu, appearance, observe appearance, "
-                              "status item, popover, observe store, observe language, refresh, "
-                              "wake, loops, first run";
+                              "status item, popover, observe store, observe language, login "
+                              "item, moved login item, refresh, wake, loops, first run";
     const struct {
         LaunchOptions options;
         bool otherRuns;
@@ -56,6 +57,7 @@ TEST(LaunchSequence, GoesAsFarAsTheLaunchAllows) {
          LaunchOutcome::launched,
          steps + ", main window"},
         {{.showsAbout = true}, false, LaunchOutcome::launched, steps + ", about"},
+        {{.showsPopover = true}, false, LaunchOutcome::launched, steps + ", show popover"},
     };
     for (const auto& [options, otherRuns, outcome, done] : cases) {
         RecordedSteps recorded;

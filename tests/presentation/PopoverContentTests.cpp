@@ -190,6 +190,21 @@ TEST(UsageRow, TellsWhatIsLeftWhenItResetsAndWhetherItLasts) {
     EXPECT_EQ(row.accessibilityDetail, row.reset + ". " + row.forecast->text);
 }
 
+TEST(UsageRow, SaysFirstWhatIsUsedWhereThatIsWanted) {
+    UsageState state = threeAgents();
+    state.firstFigure = FirstFigure::used;
+    const UsageRowContent row = contentOf(state).agents[2].rows.front();
+    EXPECT_EQ(row.value, "93% used");
+    EXPECT_EQ(row.figure, "93%");
+    EXPECT_EQ(row.figureWord, "used");
+    EXPECT_NEAR(row.bar.filledShare, 0.93, 1e-9);
+    EXPECT_NEAR(row.bar.usedShare, 0.93, 1e-9);
+    EXPECT_TRUE(row.bar.toolTip.starts_with("93% used, 7% left")) << row.bar.toolTip;
+    // The mark stands where an even pace would have the fill end.
+    const UsageState left = threeAgents();
+    EXPECT_NEAR(*row.bar.paceMark, 1 - *contentOf(left).agents[2].rows.front().bar.paceMark, 1e-9);
+}
+
 TEST(UsageRow, BehavesAtTheEnds) {
     const auto rowOf = [](const UsageWindow& each) {
         return contentOf(stateOf({live(codex, {each})})).agents[0].rows[0];

@@ -88,6 +88,14 @@ TEST(ExecutableLocator, PassesOverWhatCannotBeExecuted) {
     fs::create_directories(directory / "root/usr/local/bin");
     fs::create_symlink(real, directory / "root/usr/local/bin/claude");
     EXPECT_EQ(locateClaude(machine), directory / "root/usr/local/bin/claude");
+
+    // The user's choice stands alone, in every copy of the machine.
+    const Machine copy = machine;
+    copy.chosenExecutables->choose("claude", real);
+    EXPECT_EQ(locateClaude(machine), real);
+    fs::remove(real);
+    EXPECT_EQ(locateClaude(machine), std::nullopt) << "and no other is run in its place";
+    EXPECT_EQ(locateCodex(machine), std::nullopt);
 }
 
 } // namespace

@@ -90,9 +90,41 @@ TEST(Formatting, TheRegionChoosesTheClockAndTheLanguageTheNames) {
     EXPECT_EQ(instantText(reset, now, Localization("en", "de_CH", zurichName)), "8 Dec, 16:15");
     EXPECT_EQ(timeText(reset, Localization("en", "fr_FR", zurichName)), "16:15");
     EXPECT_EQ(timeText(reset, Localization("en", "en_US", "Asia/Tokyo")), "12:15 AM");
-    EXPECT_EQ(instantText(reset, now, Localization("it", "", zurichName)), "8. Dez., 16:15");
+    EXPECT_EQ(instantText(reset, now, Localization("ar", "", zurichName)), "8. Dez., 16:15");
     EXPECT_EQ(percentText(62, Localization("en", "ar_EG", zurichName)), "62%");
     EXPECT_EQ(dateTimeText(now, Localization("de", "th_TH", zurichName)), "28.11.2026, 12:00:00");
+}
+
+TEST(Formatting, EveryLanguageHasItsOwnForms) {
+    struct Case {
+        Localization words;
+        const char* percent;
+        const char* count;
+        const char* sooner;
+        const char* later;
+        const char* moment;
+        const char* span;
+    };
+    const Instant now = zurich({2026, 11, 28, 9, 5, 0});
+    for (const Case& test : {
+             Case{german(), "9,5\u00A0%", "12.840", "So., 09:05", "8. Dez., 09:05",
+                  "28.11.2026, 09:05", "3 Tagen 18 Std."},
+             Case{english(), "9.5%", "12,840", "Sun 9:05 AM", "Dec 8, 9:05 AM",
+                  "Nov 28, 2026 at 9:05 AM", "3 d 18 h"},
+             Case{Localization("fr", "fr_FR", zurichName), "9,5\u00A0%", "12\u00A0840",
+                  "dim. 09:05", "8 déc., 09:05", "28 nov. 2026 à 09:05", "3 j 18 h"},
+             Case{Localization("it", "it_IT", zurichName), "9,5%", "12.840", "dom 09:05",
+                  "8 dic, 09:05", "28 nov 2026, 09:05", "3 g 18 h"},
+             Case{Localization("es", "es_ES", zurichName), "9,5\u00A0%", "12.840", "dom, 9:05",
+                  "8 dic, 9:05", "28 nov 2026, 9:05", "3 d 18 h"},
+         }) {
+        EXPECT_EQ(percentText(9.5, test.words), test.percent);
+        EXPECT_EQ(integerText(12840, test.words), test.count);
+        EXPECT_EQ(instantText(now + Seconds(86400), now, test.words), test.sooner);
+        EXPECT_EQ(instantText(now + Seconds(10 * 86400), now, test.words), test.later);
+        EXPECT_EQ(momentText(now, test.words), test.moment);
+        EXPECT_EQ(durationText(Seconds(90 * 3600), test.words), test.span);
+    }
 }
 
 TEST(Formatting, Money) {

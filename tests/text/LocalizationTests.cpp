@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdio>
+#include <optional>
 
 namespace vellmark {
 
@@ -29,10 +30,21 @@ protected:
         return text;
     }
 
-    std::string complaintAbout(const std::string& german, const std::string& english) {
+    /// About a catalog with one key; `odd` is the text of one language, `text` that of the others,
+    /// and none where it is absent.
+    std::string complaintAbout(const std::string& text, std::optional<std::string> odd,
+                               std::string_view oddLanguage = "en") {
+        std::string localizations;
+        for (const std::string_view code : Localization::languages()) {
+            const std::optional<std::string> value = code == oddLanguage ? odd : text;
+            if (value) {
+                localizations.append(localizations.empty() ? "\"" : ",\"").append(code);
+                localizations += R"(":{"stringUnit":{"value":")" + *value + R"("}})";
+            }
+        }
         return complaint(R"({"sourceLanguage":"de","version":"1.0","strings":{"a.key":{)"
-                         R"("localizations":{"de":{"stringUnit":{"value":")" +
-                         german + R"("}},"en":{"stringUnit":{"value":")" + english + R"("}}}}}})");
+                         R"("localizations":{)" +
+                         localizations + "}}}}");
     }
 
     std::string table() const { return tests::contentOf(directory_ / "Table.cpp"); }
@@ -46,9 +58,20 @@ private:
 TEST(Localization, FallsBackToGermanThenToTheKey) {
     EXPECT_EQ(Localization("en").text("health.critical"), "Critical");
     EXPECT_EQ(Localization("de").text("health.critical"), "Kritisch");
-    EXPECT_EQ(Localization("fr").text("health.critical"), "Kritisch");
+    EXPECT_EQ(Localization("it").text("health.critical"), "Critico");
+    EXPECT_EQ(Localization("ar").text("health.critical"), "Kritisch");
     EXPECT_EQ(Localization("en").text("no.such.key"), "no.such.key");
     EXPECT_EQ(Localization("en").text(""), "");
+}
+
+TEST(Localization, FrenchCountsNoneInTheSingular) {
+    for (const std::string_view code : Localization::languages()) {
+        const Localization words{std::string(code)};
+        EXPECT_TRUE(words.takesSingular(1)) << code;
+        EXPECT_EQ(words.takesSingular(0), code == "fr");
+        EXPECT_FALSE(words.takesSingular(2)) << code;
+        EXPECT_FALSE(words.takesSingular(21)) << code;
+    }
 }
 
 TEST(Localization, PlaceholdersTakeTheirArguments) {
@@ -66,7 +89,7 @@ TEST(Localization, PlaceholdersTakeTheirArguments) {
 TEST_F(CatalogCompiler, TakesGoodCatalogs) {
     EXPECT_EQ(complaintAbout("%1$@ von %2$lld, 5 %", "%2$lld of %1$@ %%"), "");
     EXPECT_EQ(complaintAbout(R"(ä\n\"\\??)", "x"), "");
-    EXPECT_THAT(table(), HasSubstr(R"({"a.key", "\303\244\012\042\134\077\077", "x"})"));
+    EXPECT_THAT(table(), HasSubstr(R"({"a.key", {"\303\244\012\042\134\077\077", "x", "\303)"));
     EXPECT_EQ(complaint(R"({"sourceLanguage":"de","strings":{},"version":"1.0"})"), "");
 }
 
@@ -75,14 +98,18 @@ TEST_F(CatalogCompiler, RefusesTextsThatDoNotFit) {
     EXPECT_THAT(complaintAbout("%@ %@", "%@"), HasSubstr("differ"));
     EXPECT_THAT(complaintAbout("%1$@ %2$@", "%2$@ %1$lld"), HasSubstr("differ"));
     EXPECT_THAT(complaintAbout("%d", "%d"), HasSubstr("unknown placeholder"));
-    EXPECT_THAT(complaintAbout("", "x"), HasSubstr("empty"));
+    EXPECT_THAT(complaintAbout("x", ""), HasSubstr("empty"));
+    for (const std::string_view code : Localization::languages()) {
+        const std::string where = R"(key "a.key", language ")" + std::string(code) + "\": ";
+        EXPECT_THAT(complaintAbout("x", std::nullopt, code), HasSubstr(where + "there is no text"));
+        // All are compared with the first.
+        EXPECT_THAT(complaintAbout("%@ %@", "%@", code),
+                    HasSubstr(code == "de" ? "differ" : where + "the placeholders differ"));
+        EXPECT_THAT(complaintAbout("x", "x %@", code), HasSubstr("differ"));
+    }
 }
 
 TEST_F(CatalogCompiler, RefusesWhatIsNoCompleteCatalog) {
-    const std::string missing =
-        R"({"sourceLanguage":"de","strings":{"k":{"localizations":{"de":{"stringUnit":)"
-        R"({"value":"x"}}}}}})";
-    EXPECT_THAT(complaint(missing), HasSubstr(R"(key "k", language "en": there is no text)"));
     EXPECT_THAT(complaint(R"({"sourceLanguage":"de","strings":{"k":{}}})"), HasSubstr("\"de\""));
     for (const char* other :
          {"", "[]", "{", "key = value;", R"({"strings":[],"sourceLanguage":"de"})",

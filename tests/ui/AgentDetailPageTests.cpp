@@ -116,6 +116,21 @@ TEST_F(AgentDetail, EveryControlIsAStopOfTheKeyboardAndHasAName) {
     }
 }
 
+TEST_F(AgentDetail, AMoveToTheEndLeavesTheKeyboardWithTheMoves) {
+    show(samples::normal(), 1);
+    page.activateWindow();
+    ASSERT_TRUE(testing::waitUntil([this] { return page.isActiveWindow(); }));
+    QAbstractButton* later = button(QStringLiteral("Move back"));
+    later->setFocus(Qt::TabFocusReason);
+    UsageState moved = samples::normal();
+    std::swap(moved.snapshots[1], moved.snapshots[2]);
+    std::swap(moved.providerOrder[1], moved.providerOrder[2]);
+    show(moved, 2);
+    EXPECT_FALSE(later->isEnabled());
+    EXPECT_EQ(page.focusWidget(), button(QStringLiteral("Move forward")))
+        << "a key pressed once more must not switch the agent off";
+}
+
 TEST_F(AgentDetail, KeepsCardsInPlaceWhileValuesChange) {
     show(samples::normal(), 1);
     const auto before = shown<AgentWindowCard>();

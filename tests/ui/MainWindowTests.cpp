@@ -6,9 +6,14 @@
 #include "ui/window/AgentSummaryCard.h"
 #include "ui/window/WindowPage.h"
 
+#include <QAbstractButton>
 #include <QLabel>
+#include <QMouseEvent>
+#include <QScrollArea>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace vellmark {
 namespace {
@@ -33,15 +38,20 @@ protected:
         if (page.kind == AgentPage::Kind::overview) {
             content = overviewPageContent(state, samples::now(), words, asksForSetup);
         }
-        view.setContent({sidebarItems(state, samples::now(), words), page, content});
+        MainWindowContent shown{sidebarItems(state, samples::now(), words), page, content};
+        if (hasMenuButton) {
+            shown.menuButton = menuButton(words);
+        }
+        view.setContent(shown);
     }
     std::vector<kit::SidebarEntry*> entries() {
         std::vector<kit::SidebarEntry*> result;
-        for (QWidget* stop : tabStops(view)) {
-            if (auto* entry = dynamic_cast<kit::SidebarEntry*>(stop)) {
+        for (auto* button : view.findChildren<QAbstractButton*>()) {
+            if (auto* entry = dynamic_cast<kit::SidebarEntry*>(button)) {
                 result.push_back(entry);
             }
         }
+        std::ranges::sort(result, {}, [](const QWidget* entry) { return entry->y(); });
         return result;
     }
     const kit::FocusRing* findRing() {
@@ -61,6 +71,15 @@ protected:
         return false;
     }
 
+    AgentSummaryCard* cardOf(const QString& name) {
+        for (QWidget* stop : tabStops(view)) {
+            auto* card = dynamic_cast<AgentSummaryCard*>(stop);
+            if (card != nullptr && card->text() == name) {
+                return card;
+            }
+        }
+        return nullptr;
+    }
     int firstCardTop() {
         for (const QWidget* stop : tabStops(view)) {
             if (dynamic_cast<const AgentSummaryCard*>(stop) != nullptr) {
@@ -72,7 +91,10 @@ protected:
 
     RecordedActions recorded;
     AgentNavigationState navigation;
-    AgentMainWindowView view{{.program = recorded.actions()}, navigation};
+    bool hasMenuButton = false;
+    AgentMainWindowView view{{.program = recorded.actions(),
+                              .openMenu = [this] { recorded.calls.emplace_back("openMenu"); }},
+                             navigation};
 };
 
 TEST_F(MainWindow, ListsThePagesAndShowsTheSelectedOne) {
@@ -98,6 +120,96 @@ TEST_F(MainWindow, ADisabledAgentHasNeitherEntryNorCard) {
     EXPECT_EQ(entries().size(), 8U);
     EXPECT_FALSE(says(QStringLiteral("Antigravity")));
     EXPECT_TRUE(says(QStringLiteral("Codex")));
+}
+
+TEST_F(MainWindow, GivesTheOverviewThePlaceOfAnAgentThatWasDisabledAndKeepsTheKeyboard) {
+    show(samples::normal());
+    entries()[3]->setFocus(Qt::TabFocusReason);
+    entries()[3]->click();
+    EXPECT_EQ(navigation.selection(), AgentPage::provider(AgentProviderID::antigravity()));
+    show(samples::healthy());
+    EXPECT_TRUE(entries()[0]->isChecked());
+    EXPECT_TRUE(says(QStringLiteral("Claude")));
+    EXPECT_EQ(view.focusWidget(), entries()[0]);
+}
+
+TEST_F(MainWindow, BringsTheKeyboardAlongAndBackToWhereItWas) {
+    show(samples::normal());
+    AgentSummaryCard* card = cardOf(QStringLiteral("Claude"));
+    ASSERT_NE(card, nullptr);
+    card->setFocus(Qt::TabFocusReason);
+    navigation.select(AgentPage::of(AgentPage::Kind::settings));
+    // A page without controls.
+    EXPECT_EQ(view.focusWidget(), entries()[6]);
+    navigation.goBack();
+    EXPECT_EQ(view.focusWidget(), entries()[6]) << "it was not on the page that went";
+    pressKey(view, Qt::Key_F6);
+    EXPECT_EQ(view.focusWidget(), card);
+    EXPECT_NE(findRing(), nullptr);
+    pressKey(view, Qt::Key_F6);
+    EXPECT_EQ(view.focusWidget(), entries()[0]);
+}
+
+TEST_F(MainWindow, GoesItsWayByKeysAndByTheButtonsOfTheMouse) {
+    show(samples::normal());
+    const auto at = [this] { return navigation.selection().kind; };
+    const auto pressButton = [this](Qt::MouseButton button) {
+        // On a control, which has no use for it.
+        QWidget* target = entries()[1];
+        QMouseEvent press(QEvent::MouseButtonPress, QPointF(4, 4), QPointF(4, 4), button, button,
+                          Qt::NoModifier);
+        QCoreApplication::sendEvent(target, &press);
+    };
+    pressKey(view, Qt::Key_5, Qt::ControlModifier);
+    EXPECT_EQ(at(), AgentPage::Kind::history);
+    pressKey(view, Qt::Key_7, Qt::ControlModifier);
+    EXPECT_EQ(at(), AgentPage::Kind::settings);
+    pressKey(view, Qt::Key_Left, Qt::AltModifier);
+    EXPECT_EQ(at(), AgentPage::Kind::history);
+    pressButton(Qt::BackButton);
+    EXPECT_EQ(at(), AgentPage::Kind::overview);
+    pressButton(Qt::ForwardButton);
+    EXPECT_EQ(at(), AgentPage::Kind::history);
+    pressKey(view, Qt::Key_Right, Qt::AltModifier);
+    EXPECT_EQ(at(), AgentPage::Kind::settings);
+}
+
+TEST_F(MainWindow, ReachesEverythingOnASmallScreen) {
+    view.setMinimumSize(0, 0);
+    view.resize(880, 420);
+    show(samples::manyAgents());
+    for (QWidget* stop : tabStops(view)) {
+        stop->setFocus(Qt::TabFocusReason);
+        // Whoever goes by Tab is taken along by the scroll area.
+        for (QWidget* area = stop->parentWidget(); area != nullptr; area = area->parentWidget()) {
+            if (auto* scroller = dynamic_cast<QScrollArea*>(area)) {
+                scroller->ensureWidgetVisible(stop);
+            }
+        }
+        const QRect place(stop->mapTo(&view, QPoint(0, 0)), stop->size());
+        EXPECT_TRUE(view.rect().intersects(place)) << stop->accessibleName().toStdString();
+        EXPECT_EQ(stop->visibleRegion().isEmpty(), false) << stop->accessibleName().toStdString();
+    }
+}
+
+TEST_F(MainWindow, OffersTheMenuOnlyWhereTheSystemShowsNone) {
+    const auto menuStop = [this] {
+        const std::vector<QWidget*> stops = tabStops(view);
+        return std::ranges::find(stops, QStringLiteral("Menu"), &QWidget::accessibleName) !=
+               stops.end();
+    };
+    show(samples::normal());
+    EXPECT_FALSE(menuStop());
+    hasMenuButton = true;
+    show(samples::normal());
+    EXPECT_TRUE(menuStop());
+    for (QWidget* stop : tabStops(view)) {
+        if (stop->accessibleName() == QStringLiteral("Menu")) {
+            dynamic_cast<QAbstractButton*>(stop)->click();
+        }
+    }
+    EXPECT_THAT(recorded.calls, ElementsAre("openMenu"));
+    EXPECT_TRUE(view.frameGeometry().contains(view.menuAnchor()));
 }
 
 TEST_F(MainWindow, ShowsTheFocusRingOfEveryControlWhole) {

@@ -6,6 +6,8 @@
 #include <QPalette>
 #include <gtest/gtest.h>
 
+#include <span>
+
 namespace vellmark::kit {
 namespace {
 
@@ -25,8 +27,13 @@ const Roles controlGrounds{Role::fillHover, Role::fillPressed};
 
 const Theme* const themes[] = {&Theme::light(), &Theme::dark()};
 
-void expectContrast(const Roles& marks, const Roles& on, double least) {
-    for (const Theme* theme : themes) {
+const Theme* const highContrastThemes[] = {
+    &Theme::of(Theme::Appearance::light, Theme::Contrast::high),
+    &Theme::of(Theme::Appearance::dark, Theme::Contrast::high)};
+
+void expectContrast(const Roles& marks, const Roles& on, double least,
+                    std::span<const Theme* const> among = themes) {
+    for (const Theme* theme : among) {
         for (const Role mark : marks) {
             for (const Role ground : on) {
                 EXPECT_GE(contrastRatio(theme->color(mark), theme->color(ground)), least)
@@ -75,6 +82,21 @@ TEST(ThemeContrast, WordsOnPrimaryButtonsAndLettersOnLogosCanBeRead) {
                 << agent.id.rawValue;
         }
     }
+}
+
+TEST(ThemeContrast, IsHigherWhereTheSystemIsAskedForIt) {
+    const auto expectHigh = [](const Roles& marks, const Roles& on, double least) {
+        expectContrast(marks, on, least, highContrastThemes);
+    };
+    const Roles plain{Role::window, Role::sidebar, Role::popover, Role::card};
+    expectHigh({Role::ink, Role::ink2, Role::ink3}, grounds, 7);
+    expectHigh({Role::ink, Role::ink2}, controlGrounds, 7);
+    expectHigh({Role::attentionText, Role::criticalText},
+               {Role::popover, Role::card, Role::window, Role::hover}, 7);
+    expectHigh({Role::healthy, Role::attention, Role::critical},
+               {Role::track, Role::popover, Role::card, Role::window, Role::attentionWash}, 4.5);
+    expectHigh({Role::refreshing, Role::none, Role::focus}, plain, 4.5);
+    expectHigh({Role::line, Role::lineStrong, Role::segmentOnLine, Role::edge}, plain, 7);
 }
 
 TEST(Theme, ContrastIsThatOfTheGuidelines) {

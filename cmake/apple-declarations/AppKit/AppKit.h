@@ -27,6 +27,7 @@ extern NSString* const NSWorkspaceAccessibilityDisplayOptionsDidChangeNotificati
 
 @interface NSWorkspace (VellmarkDeclarations)
 - (BOOL)accessibilityDisplayShouldReduceMotion;
+- (BOOL)accessibilityDisplayShouldIncreaseContrast;
 @end
 
 @interface NSView (VellmarkDeclarations)

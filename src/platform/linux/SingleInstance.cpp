@@ -1,6 +1,7 @@
 // With a session bus the right is the ownership of a name, and a later launch calls "Activate" of
-// the freedesktop.org interface for applications. Without a bus that answers it is a lock on a
-// file, and a later launch knocks at a socket beside it.
+// the freedesktop.org interface for applications, or "ActivateAction" for the popover. Without a
+// bus that answers it is a lock on a file, and a later launch knocks at a socket beside it; a
+// letter tells what it asks for.
 
 #include "platform/SingleInstance.h"
 
@@ -19,6 +20,7 @@
 #include <optional>
 #include <sys/file.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <sys/un.h>
 #include <unistd.h>
 #include <vector>
@@ -27,6 +29,10 @@ namespace vellmark {
 namespace {
 
 constexpr auto applicationInterface = "org.freedesktop.Application";
+constexpr auto popoverAction = "show-popover";
+constexpr char popoverLetter = 'p';
+/// A launch that knocks sends its letter at once.
+constexpr timeval letterLimit{.tv_sec = 0, .tv_usec = 200'000};
 constexpr auto nameIsTaken = "org.freedesktop.DBus.Error.FileExists";
 using PlatformData = std::map<std::string, sdbus::Variant>;
 
@@ -34,6 +40,10 @@ std::string objectPath(const std::string& identifier) {
     std::string path = "/" + identifier;
     std::replace(path.begin(), path.end(), '.', '/');
     return path;
+}
+
+std::function<void()> popoverRequest(const SingleInstanceRequest& request) {
+    return request.onShowPopover ? request.onShowPopover : request.onShow;
 }
 
 class BusName final : public SingleInstance {
@@ -51,8 +61,10 @@ public:
                 [show](const std::vector<std::string>&, const PlatformData&) { show(); });
         application_->registerMethod("ActivateAction")
             .onInterface(applicationInterface)
-            .implementedAs([show](const std::string&, const std::vector<sdbus::Variant>&,
-                                  const PlatformData&) { show(); });
+            .implementedAs(
+                [show, popover = popoverRequest(request)](
+                    const std::string& action, const std::vector<sdbus::Variant>&,
+                    const PlatformData&) { action == popoverAction ? popover() : show(); });
         application_->finishRegistration();
     }
 
@@ -61,12 +73,20 @@ private:
     std::unique_ptr<sdbus::IObject> application_;
 };
 
-void activateOwner(BusConnection& connection, const std::string& identifier) {
+void activateOwner(BusConnection& connection, const SingleInstanceRequest& request) {
     try {
-        auto owner = sdbus::createProxy(connection.bus(), identifier, objectPath(identifier));
-        owner->callMethod("Activate")
-            .onInterface(applicationInterface)
-            .withArguments(PlatformData());
+        const std::string path = objectPath(request.identifier);
+        auto owner = sdbus::createProxy(connection.bus(), request.identifier, path);
+        if (request.asksForPopover) {
+            owner->callMethod("ActivateAction")
+                .onInterface(applicationInterface)
+                .withArguments(std::string(popoverAction), std::vector<sdbus::Variant>(),
+                               PlatformData());
+        } else {
+            owner->callMethod("Activate")
+                .onInterface(applicationInterface)
+                .withArguments(PlatformData());
+        }
     } catch (const sdbus::Error&) {
         // It runs, but is too busy to answer. Two instances would be worse than a hidden one.
     }
@@ -88,7 +108,7 @@ claimBusName(const std::shared_ptr<BusConnection>& connection,
             return std::nullopt;
         }
     }
-    activateOwner(*connection, request.identifier);
+    activateOwner(*connection, request);
     return nullptr;
 }
 
@@ -109,8 +129,9 @@ Descriptor newSocket() {
 class LockedFile final : public SingleInstance {
 public:
     LockedFile(Descriptor lock, std::filesystem::path socketPath, DescriptorWatcher& loop,
-               std::function<void()> onShow)
-        : lock_(std::move(lock)), socketPath_(std::move(socketPath)), onShow_(std::move(onShow)) {
+               const SingleInstanceRequest& request)
+        : lock_(std::move(lock)), socketPath_(std::move(socketPath)), onShow_(request.onShow),
+          onShowPopover_(popoverRequest(request)) {
         listen(loop);
     }
     ~LockedFile() override { ::unlink(socketPath_.c_str()); }
@@ -134,8 +155,16 @@ private:
     }
 
     void answer() {
-        while (Descriptor(::accept4(socket_.get(), nullptr, nullptr, SOCK_CLOEXEC)).isOpen()) {
-            onShow_();
+        while (true) {
+            const Descriptor knock(::accept4(socket_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+            if (!knock.isOpen()) {
+                return;
+            }
+            ::setsockopt(knock.get(), SOL_SOCKET, SO_RCVTIMEO, &letterLimit, sizeof(letterLimit));
+            char letter = 0;
+            const bool isForPopover =
+                ::recv(knock.get(), &letter, 1, 0) == 1 && letter == popoverLetter;
+            isForPopover ? onShowPopover_() : onShow_();
         }
     }
 
@@ -143,14 +172,18 @@ private:
     Descriptor socket_;
     std::filesystem::path socketPath_;
     std::function<void()> onShow_;
+    std::function<void()> onShowPopover_;
     std::unique_ptr<DescriptorWatch> watch_;
 };
 
-void knock(const std::filesystem::path& socketPath) {
+void knock(const std::filesystem::path& socketPath, bool asksForPopover) {
     sockaddr_un address{};
     const Descriptor socket = newSocket();
-    if (socket.isOpen() && setAddress(address, socketPath)) {
-        (void)::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address));
+    if (socket.isOpen() && setAddress(address, socketPath) &&
+        ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) ==
+            0 &&
+        asksForPopover) {
+        (void)::send(socket.get(), &popoverLetter, 1, MSG_NOSIGNAL);
     }
 }
 
@@ -169,12 +202,12 @@ std::unique_ptr<SingleInstance> claimLockedFile(DescriptorWatcher& loop,
         return std::make_unique<Unguarded>();
     }
     if (::flock(lock.get(), LOCK_EX | LOCK_NB) == 0) {
-        return std::make_unique<LockedFile>(std::move(lock), socketPath, loop, request.onShow);
+        return std::make_unique<LockedFile>(std::move(lock), socketPath, loop, request);
     }
     if (errno != EWOULDBLOCK) {
         return std::make_unique<Unguarded>();
     }
-    knock(socketPath);
+    knock(socketPath, request.asksForPopover);
     return nullptr;
 }
 

@@ -1,6 +1,6 @@
-// Two settings of the desktop portal (org.freedesktop.portal.Settings): "color-scheme", where 1 is
-// dark, 2 is light, anything else no preference; and GNOME's "enable-animations", which the
-// desktops that have such a setting share.
+// Settings of the desktop portal (org.freedesktop.portal.Settings): "color-scheme", where 1 is
+// dark, 2 is light, anything else no preference; "contrast", where 1 is high; and GNOME's
+// "enable-animations" and "high-contrast", which the desktops that have such settings share.
 
 #include "platform/SystemAppearance.h"
 
@@ -17,6 +17,9 @@ namespace {
 constexpr auto settingsInterface = "org.freedesktop.portal.Settings";
 constexpr auto schemeNamespace = "org.freedesktop.appearance";
 constexpr auto schemeKey = "color-scheme";
+constexpr auto contrastKey = "contrast";
+constexpr auto highContrastNamespace = "org.gnome.desktop.a11y.interface";
+constexpr auto highContrastKey = "high-contrast";
 constexpr auto motionNamespace = "org.gnome.desktop.interface";
 constexpr auto motionKey = "enable-animations";
 
@@ -53,6 +56,7 @@ public:
 
     ColorScheme colorScheme() const override { return scheme_; }
     bool reducesMotion() const override { return reducesMotion_; }
+    bool increasesContrast() const override { return hasContrast_ || hasDesktopContrast_; }
 
 private:
     void subscribe() {
@@ -66,6 +70,8 @@ private:
             portal_->finishRegistration();
             ask(schemeNamespace, schemeKey);
             ask(motionNamespace, motionKey);
+            ask(schemeNamespace, contrastKey);
+            ask(highContrastNamespace, highContrastKey);
         } catch (const sdbus::Error&) {
             portal_.reset();
         }
@@ -87,12 +93,19 @@ private:
         const sdbus::Variant value = unwrapped(wrapped);
         const ColorScheme formerScheme = scheme_;
         const bool formerMotion = reducesMotion_;
+        const bool formerContrast = increasesContrast();
         if (space == schemeNamespace && key == schemeKey) {
             scheme_ = schemeOf(value);
         } else if (space == motionNamespace && key == motionKey) {
             reducesMotion_ = value.containsValueOfType<bool>() && !value.get<bool>();
+        } else if (space == schemeNamespace && key == contrastKey) {
+            hasContrast_ =
+                value.containsValueOfType<std::uint32_t>() && value.get<std::uint32_t>() == 1;
+        } else if (space == highContrastNamespace && key == highContrastKey) {
+            hasDesktopContrast_ = value.containsValueOfType<bool>() && value.get<bool>();
         }
-        if (scheme_ != formerScheme || reducesMotion_ != formerMotion) {
+        if (scheme_ != formerScheme || reducesMotion_ != formerMotion ||
+            increasesContrast() != formerContrast) {
             onChange_();
         }
     }
@@ -102,6 +115,8 @@ private:
     std::unique_ptr<sdbus::IProxy> portal_;
     ColorScheme scheme_ = ColorScheme::noPreference;
     bool reducesMotion_ = false;
+    bool hasContrast_ = false;
+    bool hasDesktopContrast_ = false;
 };
 
 } // namespace

@@ -1,6 +1,8 @@
 #include "platform/UserLocale.h"
 
+#include <algorithm>
 #include <initializer_list>
+#include <string_view>
 
 namespace vellmark {
 
@@ -20,12 +22,37 @@ std::string localeName(const Environment& environment, std::initializer_list<con
     return {};
 }
 
+/// "fr_CH" is "fr".
+std::string languageOf(std::string_view identifier) {
+    return std::string(identifier.substr(0, identifier.find_first_of("_.@")));
+}
+
+/// LANGUAGE lists languages ("fr_CH:de") that are wanted before that of the locale. As gettext has
+/// it, the "C" locale wants none.
+std::vector<std::string> languagesOf(const Environment& environment) {
+    const std::string locale = localeName(environment, {"LC_ALL", "LC_MESSAGES", "LANG"});
+    if (locale.empty()) {
+        return {};
+    }
+    std::vector<std::string> codes;
+    const auto list = environment.find("LANGUAGE");
+    std::string_view rest = list == environment.end() ? std::string_view() : list->second;
+    while (!rest.empty()) {
+        const std::size_t end = std::min(rest.find(':'), rest.size());
+        if (end > 0) {
+            codes.push_back(languageOf(rest.substr(0, end)));
+        }
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    codes.push_back(languageOf(locale));
+    return codes;
+}
+
 } // namespace
 
 UserLocale UserLocale::of(const Environment& environment) {
-    const std::string messages = localeName(environment, {"LC_ALL", "LC_MESSAGES", "LANG"});
     return {
-        .languageCode = messages.substr(0, messages.find('_')),
+        .languageCodes = languagesOf(environment),
         .formatIdentifier = localeName(environment, {"LC_ALL", "LC_TIME", "LC_NUMERIC", "LANG"}),
     };
 }

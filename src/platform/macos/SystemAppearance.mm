@@ -60,6 +60,10 @@ public:
         return [[NSWorkspace sharedWorkspace] accessibilityDisplayShouldReduceMotion];
     }
 
+    bool increasesContrast() const override {
+        return [[NSWorkspace sharedWorkspace] accessibilityDisplayShouldIncreaseContrast];
+    }
+
 private:
     Retained<VellmarkAppearanceObserver*> observer_;
 };

@@ -6,14 +6,17 @@ namespace vellmark {
 
 namespace {
 
-/// The language at the top of the user's list ("de-CH" is "de").
-std::string preferredLanguage() {
+/// The user's list without regions ("de-CH" is "de").
+std::vector<std::string> preferredLanguages() {
     const CFOwner<CFArrayRef> languages(CFLocaleCopyPreferredLanguages());
-    if (!languages || CFArrayGetCount(languages.get()) == 0) {
-        return {};
+    std::vector<std::string> codes;
+    const CFIndex count = languages ? CFArrayGetCount(languages.get()) : 0;
+    for (CFIndex index = 0; index < count; ++index) {
+        const auto tag =
+            textOfCFString(CFArrayGetValueAtIndex(languages.get(), index)).value_or("");
+        codes.push_back(tag.substr(0, tag.find_first_of("-_")));
     }
-    const auto tag = textOfCFString(CFArrayGetValueAtIndex(languages.get(), 0)).value_or("");
-    return tag.substr(0, tag.find_first_of("-_"));
+    return codes;
 }
 
 } // namespace
@@ -21,7 +24,7 @@ std::string preferredLanguage() {
 UserLocale UserLocale::of(const Environment&) {
     const CFOwner<CFLocaleRef> current(CFLocaleCopyCurrent());
     return {
-        .languageCode = preferredLanguage(),
+        .languageCodes = preferredLanguages(),
         .formatIdentifier =
             current ? textOfCFString(CFLocaleGetIdentifier(current.get())).value_or("") : "",
     };

@@ -9,10 +9,23 @@
 
 namespace vellmark::kit {
 
+namespace {
+int ringCount = 0;
+}
+
 FocusRing::FocusRing(QWidget* control, FocusShape shape)
     : QWidget(control->parentWidget()), control_(control), shape_(shape) {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setFocusPolicy(Qt::NoFocus);
+    ++ringCount;
+}
+
+FocusRing::~FocusRing() {
+    --ringCount;
+}
+
+bool FocusRing::isAnyShown() {
+    return ringCount > 0;
 }
 
 void FocusRing::follow(const QRect& part) {

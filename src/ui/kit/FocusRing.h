@@ -18,6 +18,9 @@ struct FocusShape {
 class FocusRing : public QWidget {
 public:
     FocusRing(QWidget* control, FocusShape shape);
+    ~FocusRing() override;
+    /// Whether the user goes by the keyboard just now: some control has the ring.
+    static bool isAnyShown();
     /// Follows the control's place, or `part` of it.
     void follow(const QRect& part);
 

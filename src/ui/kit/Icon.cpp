@@ -38,6 +38,8 @@ constexpr NamedPath namedPaths[] = {
     {"chevron.up.chevron.down", "M5 6.2l3-3 3 3M5 9.8l3 3 3-3"},
     {"clock", VELLMARK_RING "M8 4.8V8l2.2 1.5"},
     {"doc.on.doc", "M5.5 5.5h7.5v8H5.5zM3.5 10.5H3v-8h7.5v1"},
+    {"ellipsis", "M4 8a.4.4 0 1 1-.8 0a.4.4 0 1 1 .8 0zM8.4 8a.4.4 0 1 1-.8 0a.4.4 0 1 1 .8 0z"
+                 "M12.8 8a.4.4 0 1 1-.8 0a.4.4 0 1 1 .8 0z"},
     {"envelope", "M2 4h12v8.2H2zM2.4 4.5L8 9l5.6-4.5"},
     {"eye.slash", "M1.5 8C2.8 5.6 5.1 3.8 8 3.8S13.2 5.6 14.5 8C13.2 10.4 10.9 12.2 8 12.2"
                   "S2.8 10.4 1.5 8zM10 8a2 2 0 1 1-4 0a2 2 0 1 1 4 0zM3 13L13 3"},

@@ -87,6 +87,11 @@ int Label::heightForWidth(int width) const {
     return std::max(count, 1) * style_.lineHeight;
 }
 
+SpokenAs Label::spokenAs() const {
+    const bool looksLikeOne = style_ == style::title || style_ == style::heading;
+    return {isHeading_ || looksLikeOne ? QAccessible::Heading : QAccessible::StaticText};
+}
+
 bool Label::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip && toolTip().isEmpty() && isShortened()) {
         showToolTip(this, static_cast<QHelpEvent*>(event)->globalPos(), text());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/kit/Motion.h"
+#include "ui/kit/Spoken.h"
 #include "ui/kit/TextStyle.h"
 #include "ui/kit/Theme.h"
 
@@ -13,7 +14,7 @@ namespace vellmark::kit {
 /// A text in one style and colour, with figures of equal width. Plain text only. It breaks into as
 /// many lines as it may have, one until `setMostLines`; what does not fit there ends in "…" and is
 /// told whole in the tooltip.
-class Label : public QLabel {
+class Label : public QLabel, public Spoken {
 public:
     explicit Label(const TextStyle& style, ColorRole color = ColorRole::ink,
                    QWidget* parent = nullptr);
@@ -24,6 +25,9 @@ public:
     void setTextStyle(const TextStyle& style);
     void setColor(ColorRole color);
     void setMostLines(int lines);
+    /// Told as a heading, from which screen readers go to the next; in the styles of titles and
+    /// headings it is one already.
+    void setHeading(bool isHeading) { isHeading_ = isHeading; }
 
     const TextStyle& textStyle() const { return style_; }
     /// The width that all words on one line need.
@@ -34,6 +38,7 @@ public:
     QSize minimumSizeHint() const override;
     bool hasHeightForWidth() const override { return mostLines_ > 1; }
     int heightForWidth(int width) const override;
+    SpokenAs spokenAs() const override;
 
 protected:
     bool event(QEvent* event) override;
@@ -46,6 +51,7 @@ private:
     TextStyle style_;
     ColorRole color_;
     int mostLines_ = 1;
+    bool isHeading_ = false;
     QString formerWords_;
     /// Made when words first change before the user's eyes.
     std::unique_ptr<Transition> change_;

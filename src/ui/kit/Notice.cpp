@@ -72,6 +72,8 @@ void Notice::setLook(const Look& look) {
     strongWords_->setWords(look.strongWords);
     strongWords_->setVisible(!look.strongWords.isEmpty());
     words_->setWords(look.words);
+    const QString words = (look.strongWords + QLatin1Char(' ') + look.words).trimmed();
+    setAccessibleName(look.spokenWords.isEmpty() ? words : look.spokenWords);
     button_->setText(look.buttonWords);
     button_->setVisible(!look.buttonWords.isEmpty());
     arrange();

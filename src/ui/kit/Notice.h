@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/kit/Spoken.h"
 #include "ui/kit/Theme.h"
 
 #include <QWidget>
@@ -13,7 +14,7 @@ class Button;
 class Label;
 
 /// One message in at most two lines with a mark and at most one button, on a wash of its kind.
-class Notice : public QWidget {
+class Notice : public QWidget, public Spoken {
 public:
     enum class Kind { neutral, attention, critical };
 
@@ -25,6 +26,9 @@ public:
         QString words;
         /// Empty for no button.
         QString buttonWords;
+        /// What screen readers say in place of the words, such as the words with how bad it is;
+        /// empty for just the words.
+        QString spokenWords = {};
         bool operator==(const Look&) const = default;
     };
 
@@ -37,6 +41,7 @@ public:
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
     QSize sizeHint() const override;
+    SpokenAs spokenAs() const override { return {QAccessible::StaticText, true}; }
 
 protected:
     void resizeEvent(QResizeEvent* event) override;

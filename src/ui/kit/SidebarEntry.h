@@ -2,6 +2,7 @@
 
 #include "ui/kit/Interaction.h"
 #include "ui/kit/LogoTile.h"
+#include "ui/kit/Spoken.h"
 
 #include <QAbstractButton>
 
@@ -23,11 +24,12 @@ struct SidebarEntryLook {
 
 /// A row of the sidebar, 32 high: one of the pages, chosen or not. Up and down arrows go from entry
 /// to entry.
-class SidebarEntry : public QAbstractButton {
+class SidebarEntry : public QAbstractButton, public Spoken {
 public:
     explicit SidebarEntry(QWidget* parent = nullptr);
     void setLook(const SidebarEntryLook& look);
     QSize sizeHint() const override;
+    SpokenAs spokenAs() const override { return {QAccessible::ListItem}; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <span>
 
 namespace vellmark::kit {
 
@@ -66,11 +67,38 @@ constexpr RoleColors roleColors[] = {
 };
 static_assert(std::size(roleColors) == colorRoleCount);
 
-std::array<QColor, colorRoleCount> colorsOf(Theme::Appearance appearance) {
-    std::array<QColor, colorRoleCount> colors;
-    for (const RoleColors& entry : roleColors) {
-        const QRgb rgb = appearance == Theme::Appearance::dark ? entry.dark : entry.light;
-        colors[static_cast<std::size_t>(entry.role)] = QColor::fromRgba(rgb);
+/// What high contrast changes.
+constexpr RoleColors highContrastColors[] = {
+    {ColorRole::line, opaque(0x33353B), opaque(0xE9EAED)},
+    {ColorRole::lineStrong, opaque(0x33353B), opaque(0xE9EAED)},
+    {ColorRole::ink, opaque(0x000000), opaque(0xFFFFFF)},
+    {ColorRole::ink2, opaque(0x33353B), opaque(0xE9EAED)},
+    {ColorRole::ink3, opaque(0x393B42), opaque(0xE4E5E9)},
+    {ColorRole::focus, opaque(0x0B57D0), opaque(0x8AB8FF)},
+    {ColorRole::healthy, opaque(0x0A6B32), opaque(0x26D173)},
+    {ColorRole::attention, opaque(0x8A5600), opaque(0xFAB333)},
+    {ColorRole::critical, opaque(0xB01A24), opaque(0xFF7479)},
+    {ColorRole::attentionText, opaque(0x5A3800), opaque(0xFFCB66)},
+    {ColorRole::criticalText, opaque(0x860E17), opaque(0xFFC2C4)},
+    {ColorRole::refreshing, opaque(0x0058C7), opaque(0x4DA3FF)},
+    {ColorRole::none, opaque(0x5A5C64), opaque(0xB4B6BD)},
+    {ColorRole::segmentOnLine, opaque(0x33353B), opaque(0xE9EAED)},
+    {ColorRole::edge, opaque(0x33353B), opaque(0xE9EAED)},
+};
+
+using Colors = std::array<QColor, colorRoleCount>;
+
+Colors colorsOf(Theme::Appearance appearance, Theme::Contrast contrast) {
+    Colors colors;
+    const auto use = [&](std::span<const RoleColors> entries) {
+        for (const RoleColors& entry : entries) {
+            const QRgb rgb = appearance == Theme::Appearance::dark ? entry.dark : entry.light;
+            colors[static_cast<std::size_t>(entry.role)] = QColor::fromRgba(rgb);
+        }
+    };
+    use(roleColors);
+    if (contrast == Theme::Contrast::high) {
+        use(highContrastColors);
     }
     return colors;
 }
@@ -110,14 +138,16 @@ QPalette paletteOf(const Theme& theme) {
 Theme::Theme(Appearance appearance, std::array<QColor, colorRoleCount> colors)
     : appearance_(appearance), colors_(std::move(colors)) {}
 
-const Theme& Theme::light() {
-    static const Theme theme(Appearance::light, colorsOf(Appearance::light));
-    return theme;
-}
-
-const Theme& Theme::dark() {
-    static const Theme theme(Appearance::dark, colorsOf(Appearance::dark));
-    return theme;
+const Theme& Theme::of(Appearance appearance, Contrast contrast) {
+    static const std::array themes = [] {
+        using enum Appearance;
+        using enum Contrast;
+        return std::array{Theme(light, colorsOf(light, usual)), Theme(dark, colorsOf(dark, usual)),
+                          Theme(light, colorsOf(light, high)), Theme(dark, colorsOf(dark, high))};
+    }();
+    const std::size_t index =
+        (appearance == Appearance::dark ? 1U : 0U) + (contrast == Contrast::high ? 2U : 0U);
+    return themes[index];
 }
 
 Theme& Theme::mutableCurrent() {
@@ -129,9 +159,9 @@ const Theme& Theme::current() {
     return mutableCurrent();
 }
 
-void Theme::setCurrent(Appearance appearance, std::optional<QColor> highlight) {
+void Theme::setCurrent(Appearance appearance, std::optional<QColor> highlight, Contrast contrast) {
     Theme& theme = mutableCurrent();
-    theme = appearance == Appearance::dark ? dark() : light();
+    theme = of(appearance, contrast);
     theme.useHighlight(highlight);
     const QPalette palette = paletteOf(theme);
     QApplication::setPalette(palette);

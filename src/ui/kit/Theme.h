@@ -60,16 +60,21 @@ struct ShadowLayer {
 class Theme {
 public:
     enum class Appearance { light, dark };
+    /// `high` is for those who ask the system for it: text at 7:1, marks at 4.5:1, every line in
+    /// the secondary ink.
+    enum class Contrast { usual, high };
 
-    static const Theme& light();
-    static const Theme& dark();
+    static const Theme& of(Appearance appearance, Contrast contrast);
+    static const Theme& light() { return of(Appearance::light, Contrast::usual); }
+    static const Theme& dark() { return of(Appearance::dark, Contrast::usual); }
 
     static const Theme& current();
     /// Makes an appearance current and repaints every widget. `highlight` is the system's own
     /// highlight colour, if it names one; it marks the focus when it can be seen on this theme's
     /// grounds.
     static void setCurrent(Appearance appearance,
-                           std::optional<QColor> highlight = systemHighlight());
+                           std::optional<QColor> highlight = systemHighlight(),
+                           Contrast contrast = Contrast::usual);
 
     /// Whether the system's own colours are dark, whatever theme is current.
     static bool isSystemDark();

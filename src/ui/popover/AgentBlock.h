@@ -3,6 +3,7 @@
 #include "presentation/AgentBlockContent.h"
 #include "presentation/AgentUIActions.h"
 #include "ui/kit/Interaction.h"
+#include "ui/kit/Spoken.h"
 #include "ui/kit/Track.h"
 #include "ui/popover/CompactUsageRow.h"
 
@@ -18,7 +19,7 @@ class FailureNotice;
 
 /// One agent in the popover's overview: head, windows, balances, and why it could not be read. The
 /// whole block is a button that leads to the agent.
-class AgentBlock : public QAbstractButton, public kit::ChangingGround {
+class AgentBlock : public QAbstractButton, public kit::ChangingGround, public kit::Spoken {
 public:
     AgentBlock(AgentProviderID agent, const AgentUIActions& actions, QWidget* parent);
 
@@ -30,6 +31,7 @@ public:
     int wantedHeight() const;
     /// The button of a failure, when there is one.
     QWidget* wayOutButton() const;
+    kit::SpokenAs spokenAs() const override { return {QAccessible::Button, true}; }
     double groundChange() const override { return isDown() ? 1 : interaction_.hover(); }
 
 protected:

@@ -60,7 +60,9 @@ AgentDetailPage::AgentDetailPage(const AgentUIActions& program, const AgentPageA
 
 void AgentDetailPage::setContent(const AgentPageContent& content) {
     const AgentBlockContent& agent = content.agent;
-    agent_ = agent.id;
+    if (agent_ != agent.id) {
+        beginAgent(agent.id);
+    }
     logo_->setLook(providerLogo(agent.id));
     health_->setLook(healthLook(agent));
     QStringList ranges;
@@ -78,6 +80,17 @@ void AgentDetailPage::setContent(const AgentPageContent& content) {
     updateWindows(content);
     reading_->setContent(agent.id, content.reading);
     arrange();
+}
+
+/// Another agent's values do not grow out of the former one's.
+void AgentDetailPage::beginAgent(const AgentProviderID& agent) {
+    agent_ = agent;
+    for (const AgentWindowCard* window : std::exchange(windows_, {})) {
+        delete window;
+    }
+    delete reading_;
+    reading_ = new ReadingCard(actions_, column_);
+    reading_->show();
 }
 
 void AgentDetailPage::updateNotes(const std::vector<std::string>& notes) {

@@ -36,6 +36,7 @@ protected:
     void arrange() override;
 
 private:
+    void beginAgent(const AgentProviderID& agent);
     void updateWindows(const AgentPageContent& content);
     void updateNotes(const std::vector<std::string>& notes);
     void arrangeHead();

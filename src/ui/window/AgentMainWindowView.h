@@ -4,6 +4,7 @@
 #include "presentation/MainWindowActions.h"
 #include "presentation/MainWindowContent.h"
 
+#include <QPointer>
 #include <QWidget>
 
 #include <map>
@@ -15,8 +16,10 @@ class WindowPage;
 
 /// The inside of the main window: sidebar at the left, the selected page at the right. Main thread.
 ///
-/// A page is made when it is shown for the first time. Control (on macOS Command) with R refreshes,
-/// Return presses the control that has the focus.
+/// A page is made when it is shown for the first time. Keys, where Control is Command on macOS:
+/// Control with R refreshes, Control with 1 to 9 presses an entry of the sidebar, the system's keys
+/// for back and forward and such buttons of the mouse go along the way that was taken, F6 goes from
+/// the sidebar to the page and back, Return presses the control that has the focus.
 class AgentMainWindowView : public QWidget {
 public:
     static constexpr QSize firstSize{1120, 760};
@@ -30,6 +33,8 @@ public:
     void setContent(const MainWindowContent& content);
     /// Shows the first line of the page; to be called when it was chosen again.
     void showBeginning();
+    /// Where the menu bar's contents open, on the screen.
+    QRect menuAnchor() const;
     /// The page that is shown; null before the first content.
     WindowPage* page() const { return page_; }
     /// Room for the title bar's buttons, where the window's content reaches under them.
@@ -39,12 +44,17 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
     WindowPage& pageOfKind(AgentPage::Kind kind);
     void turnTo(WindowPage& page);
+    bool handleCommandKey(int key);
+    bool handleNavigationKey(QKeyEvent& event);
+    void changeSide();
+    QWidget* firstControl(WindowPage& page) const;
     void orderTabs();
     void arrange();
 
@@ -54,6 +64,8 @@ private:
     std::map<AgentPage::Kind, WindowPage*> pages_;
     WindowPage* page_ = nullptr;
     AgentPage shown_;
+    /// Of each page, what had the keyboard when another took its place.
+    std::map<const WindowPage*, QPointer<QWidget>> formerFocus_;
 };
 
 } // namespace vellmark

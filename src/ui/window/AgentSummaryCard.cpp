@@ -25,7 +25,8 @@ constexpr AgentHead::Form headForm{
     .chevronGap = 12,
 };
 constexpr int bodyGap = 12;
-constexpr int cellsInRow = 3;
+/// What the words of a cell need.
+constexpr int leastCellWidth = 216;
 constexpr int cellGap = 20;
 constexpr int cellRowGap = 16;
 constexpr int balanceHeight = 16;
@@ -62,10 +63,16 @@ int AgentSummaryCard::cellCount() const {
     return std::max(static_cast<int>(cells_.size()), boneCells_);
 }
 
+int AgentSummaryCard::cellsInRow(int width) {
+    constexpr int most = 3;
+    return width - 2 * padding >= most * leastCellWidth + (most - 1) * cellGap ? most : most - 1;
+}
+
 QRect AgentSummaryCard::cellPlace(int index, int width) const {
-    const int wide = (width - 2 * padding - (cellsInRow - 1) * cellGap) / cellsInRow;
-    return {padding + index % cellsInRow * (wide + cellGap),
-            bodyTop + bodyGap + index / cellsInRow * (SummaryCell::cellHeight + cellRowGap), wide,
+    const int columns = cellsInRow(width);
+    const int wide = (width - 2 * padding - (columns - 1) * cellGap) / columns;
+    return {padding + index % columns * (wide + cellGap),
+            bodyTop + bodyGap + index / columns * (SummaryCell::cellHeight + cellRowGap), wide,
             SummaryCell::cellHeight};
 }
 

@@ -48,7 +48,8 @@ void OverviewPage::setContent(const OverviewPageContent& content) {
     verdict_->setLook({.kind = noticeKind(content.verdict.tone),
                        .iconName = content.verdict.icon,
                        .strongWords = qString(content.verdict.subject),
-                       .words = qString(content.verdict.text)});
+                       .words = qString(content.verdict.text),
+                       .spokenWords = qString(content.verdict.accessibilityText)});
     verdict_->setVisible(!content.noAgents);
     setupHint_->setLook({.iconName = "info.circle", .words = qString(content.setupHint)});
     setupHint_->setVisible(!content.setupHint.empty());

@@ -19,6 +19,7 @@ PageHead::PageHead(QWidget* parent)
       subtitle_(new kit::Label(kit::style::text, kit::ColorRole::ink2, this)),
       age_(new kit::Label(kit::style::text, kit::ColorRole::ink2, this)),
       refresh_(new kit::Button(kit::Button::Kind::normal, this)) {
+    title_->setHeading(true);
     age_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
 }
 
@@ -37,6 +38,10 @@ void PageHead::setContent(const PageHeadContent& content) {
     refresh_->setTurning(content.isRefreshing);
     refresh_->setVisible(!content.refresh.title.empty());
     arrange();
+}
+
+QString PageHead::title() const {
+    return title_->text();
 }
 
 void PageHead::addControl(QWidget* control) {

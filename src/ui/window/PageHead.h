@@ -24,6 +24,7 @@ public:
     explicit PageHead(QWidget* parent = nullptr);
 
     void setContent(const PageHeadContent& content);
+    QString title() const;
     kit::Button* refreshButton() const { return refresh_; }
     /// Takes over a control of the page that stands at the right, before those added earlier and
     /// before the refresh button.

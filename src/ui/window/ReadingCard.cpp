@@ -77,19 +77,34 @@ void ReadingCard::setContent(const AgentProviderID& agent, const ReadingCardCont
     phasesText_->setVisible(!content.phases.empty());
     orderTitle_->setWords(qString(content.orderTitle));
     position_->setWords(qString(content.position));
-    for (const auto& [control, look, order] :
-         {std::tuple(earlier_, &content.earlier, &content.orderIfEarlier),
-          std::tuple(later_, &content.later, &content.orderIfLater)}) {
+    for (const auto& [control, look] :
+         {std::pair(earlier_, &content.earlier), std::pair(later_, &content.later)}) {
         control->setVisible(!content.orderTitle.empty());
         control->setIconName(look->icon, 12);
         control->setAccessibleName(qString(look->title));
         control->setToolTip(qString(look->title));
-        control->setEnabled(!order->empty());
     }
+    enableMoves();
     switchOff_->setText(qString(content.switchOff.title));
     switchOff_->setToolTip(qString(content.switchOff.help));
     arrange();
     update();
+}
+
+/// At an end of the order the keyboard goes to the other button, not on to the next control, which
+/// a key that is pressed once more would switch the agent off with.
+void ReadingCard::enableMoves() {
+    const bool canGoEarlier = !content_.orderIfEarlier.empty();
+    const bool canGoLater = !content_.orderIfLater.empty();
+    earlier_->setEnabled(canGoEarlier || earlier_->hasFocus());
+    later_->setEnabled(canGoLater || later_->hasFocus());
+    if (earlier_->hasFocus() && !canGoEarlier && canGoLater) {
+        later_->setFocus(Qt::TabFocusReason);
+    } else if (later_->hasFocus() && !canGoLater && canGoEarlier) {
+        earlier_->setFocus(Qt::TabFocusReason);
+    }
+    earlier_->setEnabled(canGoEarlier);
+    later_->setEnabled(canGoLater);
 }
 
 std::vector<QWidget*> ReadingCard::controls() const {

@@ -32,6 +32,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void enableMoves();
     int readingTop() const;
     int factsBottom() const;
     int phasesTextHeight(int width) const;

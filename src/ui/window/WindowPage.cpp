@@ -13,6 +13,10 @@ WindowPage::WindowPage(std::function<void()> refresh, QWidget* parent)
             [refresh = std::move(refresh)] { refresh(); });
 }
 
+QString WindowPage::title() const {
+    return head_->title();
+}
+
 QRect WindowPage::body() const {
     return {0, PageHead::headHeight, width(), std::max(height() - PageHead::headHeight, 0)};
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "presentation/PageHeadContent.h"
+#include "ui/kit/Spoken.h"
 
 #include <QWidget>
 
@@ -15,7 +16,7 @@ class PageHead;
 /// time and kept as long as the window. Only the page that is shown gets content. Main thread.
 ///
 /// A page has a `setContent` for the content of its kind; WindowPages.cpp calls it.
-class WindowPage : public QWidget {
+class WindowPage : public QWidget, public kit::Spoken {
 public:
     /// `refresh` is what the head's refresh button does.
     WindowPage(std::function<void()> refresh, QWidget* parent);
@@ -29,6 +30,8 @@ public:
     virtual void pageHidden() {}
     /// Shows the first line again.
     virtual void scrollToTop() {}
+    QString title() const;
+    kit::SpokenAs spokenAs() const override { return {QAccessible::Pane}; }
 
 protected:
     PageHead& head() const { return *head_; }

@@ -29,7 +29,10 @@ protected:
             char go = 0;
             (void)!::read(order_[0], &go, 1);
             PollLoop loop;
-            ::_exit(claim(loop, [] {}) ? 1 : 0);
+            ::_exit(claim(
+                        loop, [] {}, {}, go == forPopover)
+                        ? 1
+                        : 0);
         }
     }
     ~SingleInstanceTest() override {
@@ -38,15 +41,22 @@ protected:
         ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
     }
 
-    std::unique_ptr<SingleInstance> claim(PollLoop& loop, std::function<void()> onShow) const {
+    static constexpr char forWindow = 'w';
+    static constexpr char forPopover = 'p';
+
+    std::unique_ptr<SingleInstance> claim(PollLoop& loop, std::function<void()> onShow,
+                                          std::function<void()> onShowPopover = {},
+                                          bool asksForPopover = false) const {
         return claimSingleInstance(loop, {.identifier = "app.vellmark.Test",
                                           .directory = directory_ / "support",
-                                          .onShow = std::move(onShow)});
+                                          .onShow = std::move(onShow),
+                                          .onShowPopover = std::move(onShowPopover),
+                                          .asksForPopover = asksForPopover});
     }
 
     /// A second launch; true when it found itself alone.
-    bool launchAgain(PollLoop& loop) {
-        (void)!::write(order_[1], "!", 1);
+    bool launchAgain(PollLoop& loop, char asksFor = forWindow) {
+        (void)!::write(order_[1], &asksFor, 1);
         int status = -1;
         EXPECT_TRUE(
             loop.turnUntil([&] { return ::waitpid(launch_, &status, WNOHANG) == launch_; }));
@@ -67,6 +77,18 @@ TEST_P(SingleInstanceTest, LaterLaunchShowsTheFirst) {
     EXPECT_FALSE(launchAgain(loop));
     EXPECT_TRUE(loop.turnUntil([&] { return shown > 0; }));
     EXPECT_EQ(shown, 1);
+}
+
+TEST_P(SingleInstanceTest, LaterLaunchAsksTheFirstForItsPopover) {
+    PollLoop loop;
+    int shown = 0;
+    int popovers = 0;
+    const auto first = claim(
+        loop, [&] { ++shown; }, [&] { ++popovers; });
+    ASSERT_TRUE(first);
+    EXPECT_FALSE(launchAgain(loop, forPopover));
+    EXPECT_TRUE(loop.turnUntil([&] { return popovers > 0; }));
+    EXPECT_EQ(shown, 0);
 }
 
 TEST_P(SingleInstanceTest, IsFreeAfterTheFirstHasGone) {

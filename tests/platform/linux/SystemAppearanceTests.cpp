@@ -81,6 +81,19 @@ TEST_F(SystemAppearanceTest, TellsAndFollowsTheDesktopsSettings) {
     EXPECT_EQ(changes_, 4);
 }
 
+TEST_F(SystemAppearanceTest, AsksForMoreContrastWhereOneOfTheTwoSettingsDoes) {
+    const Setting contrast{"org.freedesktop.appearance", "contrast"};
+    const Setting desktopContrast{"org.gnome.desktop.a11y.interface", "high-contrast"};
+    Portal portal({{contrast, sdbus::Variant(std::uint32_t(1))}});
+    observe();
+    ASSERT_TRUE(loop_.turnUntil([this] { return appearance_->increasesContrast(); }));
+    portal.change(desktopContrast, sdbus::Variant(true));
+    portal.change(contrast, sdbus::Variant(std::uint32_t(0)));
+    portal.change(desktopContrast, sdbus::Variant(false));
+    ASSERT_TRUE(loop_.turnUntil([this] { return !appearance_->increasesContrast(); }));
+    EXPECT_EQ(changes_, 2);
+}
+
 TEST_F(SystemAppearanceTest, KnowsNothingFromADesktopWithoutTheseSettings) {
     Portal portal({{scheme, sdbus::Variant(std::string("dark"))}});
     observe();

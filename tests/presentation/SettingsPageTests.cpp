@@ -1,0 +1,293 @@
+#include "platform/PreferencesFile.h"
+#include "presentation/SettingsPageModel.h"
+#include "support/TemporaryDirectory.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace vellmark::tests {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using State = LaunchAtLoginController::State;
+
+const auto codex = AgentProviderID::codex();
+const auto claude = AgentProviderID::claude();
+const auto antigravity = AgentProviderID::antigravity();
+
+/// A system that starts what it is asked to, or wants to be asked first.
+class PretendedLoginItem : public LoginItem {
+public:
+    State state() const override { return state_; }
+    std::string setEnabled(bool enabled) override {
+        state_ = enabled ? State::needsApproval : State::off;
+        return {};
+    }
+    std::filesystem::path program() const override { return "/usr/bin/vellmark-desktop"; }
+    std::optional<std::filesystem::path> registeredProgram() const override { return {}; }
+    void openSystemSettings() const override { ++openings; }
+
+    static inline int openings = 0;
+
+private:
+    State state_ = State::off;
+};
+
+class SettingsPageTest : public testing::Test {
+protected:
+    SettingsPageModel::Sources sources() {
+        return {.preferences = *preferences,
+                .machine = machine,
+                .launchAtLogin = launchAtLogin,
+                .words = [this]() -> const Localization& { return words; },
+                .systemLanguage = "fr",
+                .factsOf = [this](const AgentProviderID& id) -> const AgentFacts* {
+                    const auto found = std::ranges::find(facts, id, &AgentFacts::id);
+                    return isAnswered && found != facts.end() ? &*found : nullptr;
+                },
+                .isAsking = [this](const AgentProviderID& id) { return id == asked; },
+                .ask = [this](const AgentProviderID& id,
+                              bool anew) { asking.push_back(id.rawValue + (anew ? " anew" : "")); },
+                .changed = [this] { ++changes; },
+                .takeSettings = [this] { ++takings; },
+                .hasHistory = [] { return true; },
+                .deleteHistory =
+                    [this](std::function<void(std::error_code)> done) {
+                        done(deletion);
+                        lastDone = std::move(done);
+                    },
+                .showFolder = [this](const std::filesystem::path& folder) { shown = folder; }};
+    }
+    SettingsPageContent content() { return model->content(); }
+    std::vector<SettingRowContent> rows() {
+        std::vector<SettingRowContent> all;
+        const SettingsPageContent shown = content();
+        for (const auto* sections : {&shown.firstSections, &shown.lastSections}) {
+            for (const SettingsSectionContent& section : *sections) {
+                all.insert(all.end(), section.rows.begin(), section.rows.end());
+            }
+        }
+        for (const AgentProgramContent& program : shown.programs) {
+            all.insert(all.end(), program.ways.begin(), program.ways.end());
+        }
+        return all;
+    }
+    SettingRowContent row(std::string_view name) {
+        const std::vector<SettingRowContent> all = rows();
+        const auto found = std::ranges::find(all, name, &SettingRowContent::name);
+        return found == all.end() ? SettingRowContent() : *found;
+    }
+    std::vector<std::string> agentNames() {
+        std::vector<std::string> names;
+        for (const AgentSettingContent& agent : content().agents) {
+            names.push_back(agent.name);
+        }
+        return names;
+    }
+
+    TemporaryDirectory directory;
+    Machine machine = Machine::sandbox(directory / "machine");
+    std::unique_ptr<Preferences> preferences =
+        makePreferencesFile(directory / "settings" / "preferences.json");
+    LaunchAtLoginController launchAtLogin{*preferences, std::make_unique<PretendedLoginItem>()};
+    Localization words{"en", "en_US", "UTC"};
+    std::vector<AgentFacts> facts{{codex, "/usr/bin/codex", "codex-cli 0.61.0", true},
+                                  {claude, "/usr/bin/claude", "2.0.44 (Claude Code)", false},
+                                  {antigravity, {}, {}, {}}};
+    std::error_code deletion;
+    std::function<void(std::error_code)> lastDone;
+    std::filesystem::path shown;
+    int changes = 0;
+    int takings = 0;
+    bool isAnswered = false;
+    AgentProviderID asked;
+    std::vector<std::string> asking;
+    std::unique_ptr<SettingsPageModel> model = std::make_unique<SettingsPageModel>(sources());
+    SettingsPageActions actions = model->actions();
+};
+
+TEST_F(SettingsPageTest, KeepsAndShowsEveryChoiceThatItOffers) {
+    int tried = 0;
+    for (const SettingRowContent& offered : rows()) {
+        const auto* choices = std::get_if<SettingChoices>(&offered.control);
+        if (choices == nullptr) {
+            continue;
+        }
+        ASSERT_GT(choices->choices.size(), 1U) << offered.name;
+        for (const SettingChoices::Choice& choice : choices->choices) {
+            EXPECT_THAT(choice.title, Not(HasSubstr("settings."))) << "no words for it";
+            actions.change(offered.name, choice.value);
+            EXPECT_EQ(std::get<SettingChoices>(row(offered.name).control).current, choice.value)
+                << offered.name;
+            ++tried;
+        }
+        EXPECT_THAT(content().trouble, IsEmpty());
+    }
+    EXPECT_EQ(takings, tried);
+    EXPECT_EQ(changes, tried);
+    // It is on disk, not only in this program.
+    const auto reread = makePreferencesFile(directory / "settings" / "preferences.json");
+    EXPECT_EQ(reread->string("AppLanguage"), "es");
+    EXPECT_EQ(reread->string("FirstFigure"), "used");
+    EXPECT_EQ(reread->string("ReadingInterval"), "30");
+}
+
+TEST_F(SettingsPageTest, NamesTheLanguageThatTheSystemStandsFor) {
+    const auto choices = std::get<SettingChoices>(row("language").control).choices;
+    EXPECT_EQ(choices.front().title, "System (Français)");
+    EXPECT_EQ(choices.back().title, "Español");
+}
+
+TEST_F(SettingsPageTest, SwitchesTheFigureBesideTheIcon) {
+    const auto shownSwitch = [this] {
+        return std::get<SettingSwitch>(row("status-figure").control);
+    };
+    EXPECT_FALSE(shownSwitch().isOn);
+    actions.change("status-figure", shownSwitch().onValue);
+    EXPECT_TRUE(shownSwitch().isOn);
+    actions.change("status-figure", shownSwitch().offValue);
+    EXPECT_FALSE(shownSwitch().isOn);
+}
+
+TEST_F(SettingsPageTest, ShowsTheLoginItemAsTheSystemHasIt) {
+    const std::string name = "launch-at-login";
+    const auto shownSwitch = [&] { return std::get<SettingSwitch>(row(name).control); };
+    EXPECT_FALSE(shownSwitch().isOn);
+    EXPECT_THAT(row(name).button.title, IsEmpty());
+    actions.change(name, shownSwitch().onValue);
+    EXPECT_TRUE(shownSwitch().isOn);
+    EXPECT_THAT(row(name).explanation, HasSubstr("approval"));
+    EXPECT_THAT(row(name).button.title, Not(IsEmpty()));
+    const int before = PretendedLoginItem::openings;
+    actions.press(name);
+    EXPECT_EQ(PretendedLoginItem::openings, before + 1);
+
+    LaunchAtLoginController nothing(*preferences, nullptr);
+    const SettingsPageModel::Sources here = sources();
+    model = std::make_unique<SettingsPageModel>(
+        SettingsPageModel::Sources{.preferences = *preferences,
+                                   .machine = machine,
+                                   .launchAtLogin = nothing,
+                                   .words = here.words,
+                                   .systemLanguage = "en",
+                                   .factsOf = here.factsOf,
+                                   .isAsking = here.isAsking,
+                                   .ask = here.ask,
+                                   .changed = here.changed,
+                                   .takeSettings = here.takeSettings,
+                                   .hasHistory = [] { return false; },
+                                   .deleteHistory = here.deleteHistory,
+                                   .showFolder = here.showFolder});
+    EXPECT_FALSE(shownSwitch().isEnabled);
+    EXPECT_THAT(row(name).explanation, Not(IsEmpty()));
+    EXPECT_THAT(row(settingsRow::history).button.title, IsEmpty()) << "there is nothing to delete";
+}
+
+TEST_F(SettingsPageTest, PutsAgentsInOrderAndSwitchesThemOff) {
+    actions.orderAgents({antigravity, codex, claude});
+    EXPECT_THAT(agentNames(), ElementsAre("Antigravity", "Codex", "Claude"));
+    actions.enableAgent(codex, false);
+    EXPECT_FALSE(content().agents[1].isEnabled);
+    EXPECT_TRUE(content().agents[0].isEnabled);
+    actions.enableAgent(codex, true);
+    EXPECT_TRUE(content().agents[1].isEnabled);
+    EXPECT_EQ(takings, 3);
+}
+
+TEST_F(SettingsPageTest, TellsWhatEachAgentLacksAndTheWayOut) {
+    EXPECT_EQ(content().agents[0].detail, "Checking …");
+    actions.appear();
+    asked = codex;
+    EXPECT_TRUE(content().isChecking);
+    isAnswered = true;
+    asked = AgentProviderID();
+    EXPECT_FALSE(content().isChecking);
+    actions.checkAgents();
+    EXPECT_THAT(asking, ElementsAre("codex", "claude", "antigravity", "codex anew", "claude anew",
+                                    "antigravity anew"));
+    std::vector<AgentSettingContent> agents = content().agents;
+    EXPECT_EQ(agents[0].detail, "Codex CLI 0.61.0 · /usr/bin/codex");
+    EXPECT_EQ(agents[0].status, "logged in");
+    EXPECT_THAT(agents[0].wayOut.title, IsEmpty());
+    EXPECT_EQ(agents[1].wayOut.title, "Log in …");
+    EXPECT_EQ(agents[2].wayOut.title, "Install …");
+    EXPECT_EQ(agents[2].detail, "Antigravity CLI not found");
+    actions.enableAgent(antigravity, false);
+    EXPECT_THAT(content().agents[2].wayOut.title, IsEmpty()) << "nobody wants it";
+}
+
+TEST_F(SettingsPageTest, TakesOnlyProgramsThatCanBeRun) {
+    const std::filesystem::path program = directory / "my codex";
+    actions.chooseProgram(codex, program.string());
+    EXPECT_THAT(content().trouble, HasSubstr(program.string()));
+    EXPECT_THAT(content().programs[0].chosenPath, IsEmpty());
+
+    writeFile(program, "#!/bin/sh\n");
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    actions.chooseProgram(codex, program.string());
+    EXPECT_THAT(content().trouble, IsEmpty()) << "of the attempt before";
+    EXPECT_EQ(content().programs[0].chosenPath, program.string());
+    EXPECT_THAT(asking, testing::Contains("codex anew"));
+    isAnswered = true;
+    facts[0].toolPath.reset();
+    EXPECT_THAT(content().programs[0].explanation, HasSubstr("no longer"));
+    actions.chooseProgram(codex, {});
+    EXPECT_THAT(content().programs[0].chosenPath, IsEmpty());
+}
+
+TEST_F(SettingsPageTest, MeasuresAndShowsTheDataFolder) {
+    writeFile(machine.supportDirectory() / "usage-history.json", std::string(1'500'000, 'x'));
+    writeFile(machine.supportDirectory() / "deleted" / "old.json", std::string(900'000, 'x'));
+    EXPECT_THAT(row(settingsRow::dataFolder).explanation, Not(HasSubstr("MB")));
+    actions.appear();
+    EXPECT_THAT(row(settingsRow::dataFolder).explanation, HasSubstr("2.4 MB"));
+    actions.press(std::string(settingsRow::dataFolder));
+    EXPECT_EQ(shown, machine.supportDirectory());
+}
+
+TEST_F(SettingsPageTest, TellsWhenTheHistoryCannotBeDeleted) {
+    deletion = std::make_error_code(std::errc::no_space_on_device);
+    actions.press(std::string(settingsRow::history));
+    EXPECT_THAT(content().trouble, HasSubstr("could not be deleted"));
+    deletion.clear();
+    actions.press(std::string(settingsRow::history));
+    EXPECT_THAT(content().trouble, IsEmpty());
+    // An answer may come when the page's model has gone.
+    actions.press(std::string(settingsRow::history));
+    model.reset();
+    lastDone(std::error_code());
+}
+
+TEST_F(SettingsPageTest, ResetsAllButTheStartAtLogin) {
+    actions.change("launch-at-login", "on");
+    actions.change("language", "de");
+    actions.orderAgents({antigravity, codex, claude});
+    actions.enableAgent(codex, false);
+    actions.press(std::string(settingsRow::reset));
+    EXPECT_EQ(std::get<SettingChoices>(row("language").control).current, "system");
+    EXPECT_THAT(agentNames(), ElementsAre("Codex", "Claude", "Antigravity"));
+    EXPECT_TRUE(content().agents[0].isEnabled);
+    EXPECT_EQ(launchAtLogin.state(), State::needsApproval);
+}
+
+TEST_F(SettingsPageTest, SaysWhenAChangeIsNotOnDisk) {
+    // A file stands where the settings' folder would be.
+    preferences = makePreferencesFile(directory / "blocked" / "preferences.json");
+    writeFile(directory / "blocked", "");
+    model = std::make_unique<SettingsPageModel>(sources());
+    actions = model->actions();
+    actions.change("appearance", "dark");
+    EXPECT_EQ(std::get<SettingChoices>(row("appearance").control).current, "dark");
+    EXPECT_THAT(content().trouble, HasSubstr("could not be saved"));
+    std::filesystem::remove(directory / "blocked");
+    actions.change("appearance", "light");
+    EXPECT_THAT(content().trouble, IsEmpty());
+}
+
+} // namespace
+} // namespace vellmark::tests

@@ -1,0 +1,303 @@
+#include "screenshots/SampleSettings.h"
+#include "screenshots/SampleStates.h"
+#include "ui/QtEnvironment.h"
+#include "ui/kit/Button.h"
+#include "ui/kit/Choice.h"
+#include "ui/kit/Field.h"
+#include "ui/kit/FocusRing.h"
+#include "ui/kit/Form.h"
+#include "ui/kit/Label.h"
+#include "ui/kit/Question.h"
+#include "ui/kit/ReorderList.h"
+#include "ui/kit/ScrollArea.h"
+#include "ui/window/SettingsPage.h"
+
+#include <QMouseEvent>
+#include <QWheelEvent>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace vellmark {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using testing::pressKey;
+using testing::tabStops;
+using testing::waitUntil;
+
+/// The page with what it asks for written down.
+class SettingsPageTest : public ::testing::Test {
+protected:
+    void show(const SettingsPageState& state, const std::string& language = "en") {
+        page.setContent(settingsPageContent(state, samples::machine(), samples::words(language)));
+        page.show();
+        const std::vector<QWidget*> controls = page.controls();
+        for (std::size_t index = 1; index < controls.size(); ++index) {
+            QWidget::setTabOrder(controls[index - 1], controls[index]);
+        }
+    }
+    void activate() {
+        page.activateWindow();
+        ASSERT_TRUE(waitUntil([this] { return page.isActiveWindow(); }));
+    }
+    template<typename Widget>
+    Widget* named(const QString& name) {
+        for (QWidget* widget : page.findChildren<QWidget*>()) {
+            auto* found = dynamic_cast<Widget*>(widget);
+            if (found != nullptr && widget->isVisibleTo(&page) &&
+                widget->accessibleName() == name) {
+                return found;
+            }
+        }
+        return nullptr;
+    }
+    kit::Button* button(const QString& words) {
+        for (QWidget* widget : page.findChildren<QWidget*>()) {
+            auto* found = dynamic_cast<kit::Button*>(widget);
+            if (found != nullptr && widget->isVisibleTo(&page) && found->text() == words) {
+                return found;
+            }
+        }
+        return nullptr;
+    }
+    void press(QWidget* control, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        ASSERT_NE(control, nullptr);
+        control->setFocus(Qt::TabFocusReason);
+        pressKey(page, key, modifiers);
+    }
+    static void drag(QWidget* handle, int distance) {
+        const auto send = [&](QEvent::Type type, int y) {
+            const QPointF at(10, 10 + y);
+            QMouseEvent event(type, at, at, Qt::LeftButton,
+                              type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton,
+                              Qt::NoModifier);
+            QCoreApplication::sendEvent(handle, &event);
+        };
+        send(QEvent::MouseButtonPress, 0);
+        send(QEvent::MouseMove, distance / 2);
+        send(QEvent::MouseMove, distance);
+        send(QEvent::MouseButtonRelease, distance);
+    }
+
+    std::vector<std::string> calls;
+    SettingsPageActions actions{
+        .appear = [this] { calls.emplace_back("appear"); },
+        .enableAgent =
+            [this](const AgentProviderID& id, bool isEnabled) {
+                calls.push_back(id.rawValue + (isEnabled ? " on" : " off"));
+            },
+        .orderAgents =
+            [this](const std::vector<AgentProviderID>& order) {
+                std::string call = "order";
+                for (const AgentProviderID& id : order) {
+                    call += " " + id.rawValue;
+                }
+                calls.push_back(call);
+            },
+        .checkAgents = [this] { calls.emplace_back("check"); },
+        .chooseProgram =
+            [this](const AgentProviderID& id, const std::string& path) {
+                calls.push_back(id.rawValue + " path '" + path + "'");
+            },
+        .change = [this](const std::string& name,
+                         const std::string& value) { calls.push_back(name + " = " + value); },
+        .press = [this](const std::string& name) { calls.push_back("press " + name); }};
+    SettingsPage page{actions, [this] { calls.emplace_back("setup"); }, nullptr};
+};
+
+TEST_F(SettingsPageTest, EveryControlDoesWhatItSaysByKeyboardAlone) {
+    page.resize(900, 700);
+    show(samples::unreadySettings());
+    activate();
+    press(button("Open setup …"), Qt::Key_Space);
+    press(button("Check Again"), Qt::Key_Space);
+    press(named<QAbstractButton>("Move Codex"), Qt::Key_Down);
+    press(named<QAbstractButton>("Show Claude"), Qt::Key_Up, Qt::AltModifier);
+    press(named<QAbstractButton>("Show Codex"), Qt::Key_Space);
+    press(button("Log in …"), Qt::Key_Space);
+    press(button("Approve …"), Qt::Key_Space);
+    press(named<QAbstractButton>("Start at login"), Qt::Key_Space);
+    press(named<kit::Choice>("Language"), Qt::Key_Down);
+    press(button("Show in folder"), Qt::Key_Space);
+    EXPECT_THAT(calls, ElementsAre("setup", "check", "order claude codex antigravity",
+                                   "order claude codex antigravity", "codex on", "setup",
+                                   "press launch-at-login", "launch-at-login = off",
+                                   "language = de", "press data-folder"));
+}
+
+TEST_F(SettingsPageTest, ArrowsChooseAmongSegments) {
+    show(samples::settings());
+    activate();
+    for (QWidget* stop : tabStops(page)) {
+        auto* part = dynamic_cast<QAbstractButton*>(stop);
+        if (part != nullptr && part->autoExclusive() && part->isChecked()) {
+            press(part, Qt::Key_Right);
+        }
+    }
+    EXPECT_THAT(calls, ElementsAre("appearance = light", "first-figure = used", "interval = 10",
+                                   "last-window = quit", "status-ink = light"));
+}
+
+TEST_F(SettingsPageTest, EndsOfTheOrderAreEnds) {
+    show(samples::settings());
+    activate();
+    press(named<QAbstractButton>("Move Codex"), Qt::Key_Up);
+    press(named<QAbstractButton>("Move Antigravity"), Qt::Key_Down);
+    EXPECT_THAT(calls, IsEmpty());
+}
+
+TEST_F(SettingsPageTest, DraggingAHandleMovesItsRow) {
+    page.resize(900, 700);
+    show(samples::settings());
+    drag(named<QAbstractButton>("Move Codex"), 20);
+    EXPECT_THAT(calls, IsEmpty()) << "not past the middle of the next row";
+    drag(named<QAbstractButton>("Move Codex"), 70);
+    drag(named<QAbstractButton>("Move Antigravity"), -400);
+    EXPECT_THAT(calls,
+                ElementsAre("order claude codex antigravity", "order antigravity codex claude"));
+}
+
+TEST_F(SettingsPageTest, RowsKeepTheKeyboardWhileTheyChangePlaces) {
+    SettingsPageState state = samples::settings();
+    show(state);
+    activate();
+    auto* handle = named<QAbstractButton>("Move Codex");
+    handle->setFocus(Qt::TabFocusReason);
+    const int before = handle->mapTo(&page, QPoint()).y();
+    std::swap(state.order[0], state.order[1]);
+    show(state);
+    EXPECT_EQ(page.focusWidget(), handle);
+    EXPECT_GT(handle->mapTo(&page, QPoint()).y(), before);
+    EXPECT_TRUE(handle->accessibleDescription().startsWith("Place 2 of 3"));
+}
+
+TEST_F(SettingsPageTest, PathsAreTypedChosenAndTakenAway) {
+    show(samples::unreadySettings());
+    activate();
+    auto* field = named<kit::Field>("Codex CLI");
+    ASSERT_NE(field, nullptr);
+    field->setFocus(Qt::TabFocusReason);
+    field->insert("/opt/x");
+    // A refresh in between sweeps nothing away; Escape does.
+    show(samples::unreadySettings());
+    EXPECT_EQ(field->text(), "/opt/x");
+    pressKey(page, Qt::Key_Escape);
+    EXPECT_EQ(field->text(), "");
+    field->insert("/opt/codex");
+    pressKey(page, Qt::Key_Return);
+    press(named<QAbstractButton>("Claude Code CLI: Look for it again"), Qt::Key_Space);
+    QString asked;
+    page.setBrowse([&](QWidget*, const QString&, const QString& current,
+                       const std::function<void(const QString&)>& chosen) {
+        asked = current;
+        chosen("/usr/local/bin/claude");
+    });
+    press(named<QAbstractButton>("Claude Code CLI: Choose …"), Qt::Key_Space);
+    EXPECT_EQ(asked, "~/work/tools/claude-code/bin/claude");
+    EXPECT_THAT(calls, ElementsAre("codex path '/opt/codex'", "claude path ''",
+                                   "claude path '/usr/local/bin/claude'"));
+}
+
+TEST_F(SettingsPageTest, NothingIsDeletedUnlessTheQuestionIsAnsweredWithTheDeed) {
+    show(samples::settings());
+    activate();
+    press(button("Delete …"), Qt::Key_Space);
+    ASSERT_NE(page.question(), nullptr);
+    EXPECT_EQ(page.question()->focusWidget(), page.question()->cancelButton());
+    pressKey(*page.question(), Qt::Key_Return);
+    ASSERT_TRUE(waitUntil([this] { return page.question() == nullptr; }));
+    press(button("Delete …"), Qt::Key_Space);
+    pressKey(*page.question(), Qt::Key_Escape);
+    ASSERT_TRUE(waitUntil([this] { return page.question() == nullptr; }));
+    EXPECT_THAT(calls, IsEmpty());
+
+    press(button("Delete …"), Qt::Key_Space);
+    page.question()->deedButton()->setFocus(Qt::TabFocusReason);
+    pressKey(*page.question(), Qt::Key_Return);
+    ASSERT_TRUE(waitUntil([this] { return page.question() == nullptr; }));
+    press(button("Reset …"), Qt::Key_Space);
+    page.question()->deedButton()->click();
+    EXPECT_THAT(calls, ElementsAre("press history", "press reset"));
+}
+
+TEST_F(SettingsPageTest, TheWheelScrollsThePageAndChangesNothing) {
+    show(samples::settings());
+    auto* language = named<kit::Choice>("Language");
+    QWheelEvent turn(QPointF(5, 5), QPointF(5, 5), QPoint(), QPoint(0, -120), Qt::NoButton,
+                     Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(language, &turn);
+    EXPECT_EQ(language->currentIndex(), 0);
+    EXPECT_FALSE(turn.isAccepted());
+}
+
+TEST_F(SettingsPageTest, TheKeyboardComesToEveryControlAndItsRingIsSeenWhole) {
+    page.resize(792, 680);
+    show(samples::unreadySettings());
+    activate();
+    const std::vector<QWidget*> stops = tabStops(page);
+    EXPECT_GT(stops.size(), 25U);
+    for (QWidget* stop : stops) {
+        stop->setFocus(Qt::TabFocusReason);
+        const auto* words = dynamic_cast<QAbstractButton*>(stop);
+        EXPECT_TRUE(!stop->accessibleName().isEmpty() ||
+                    (words != nullptr && !words->text().isEmpty()));
+        const QString name = stop->accessibleName().isEmpty() && words != nullptr
+                                 ? words->text()
+                                 : stop->accessibleName();
+        EXPECT_TRUE(page.rect().contains(QRect(stop->mapTo(&page, QPoint()), stop->size())))
+            << name.toStdString();
+        const kit::FocusRing* ring = nullptr;
+        for (const QWidget* widget : page.findChildren<QWidget*>()) {
+            if (const auto* found = dynamic_cast<const kit::FocusRing*>(widget)) {
+                ring = found;
+            }
+        }
+        ASSERT_NE(ring, nullptr) << name.toStdString();
+        EXPECT_TRUE(ring->parentWidget()->rect().contains(ring->geometry())) << name.toStdString();
+    }
+}
+
+TEST_F(SettingsPageTest, NothingIsCutOffOrOverlapsInAnyLanguage) {
+    for (const int width : {470, 792, 2312}) {
+        page.resize(width, 700);
+        for (const char* language : {"de", "en", "fr", "it", "es"}) {
+            for (const SettingsPageState& state :
+                 {samples::settings(), samples::unreadySettings()}) {
+                show(state, language);
+                for (QWidget* widget : page.findChildren<QWidget*>()) {
+                    const auto* label = dynamic_cast<const kit::Label*>(widget);
+                    if (label != nullptr && label->isVisibleTo(&page) &&
+                        dynamic_cast<const kit::FormRow*>(label->parentWidget()) != nullptr) {
+                        EXPECT_FALSE(label->isShortened())
+                            << language << ", " << width << ": " << label->text().toStdString();
+                    }
+                    if (dynamic_cast<const kit::FormRow*>(widget) == nullptr) {
+                        continue;
+                    }
+                    const QObjectList& parts = widget->children();
+                    for (const QObject* first : parts) {
+                        const auto* one = qobject_cast<const QWidget*>(first);
+                        if (one == nullptr || one->isHidden()) {
+                            continue;
+                        }
+                        EXPECT_TRUE(widget->rect().contains(one->geometry()))
+                            << language << ", " << width;
+                        for (const QObject* second : parts) {
+                            const auto* other = qobject_cast<const QWidget*>(second);
+                            EXPECT_TRUE(other == nullptr || other == one || other->isHidden() ||
+                                        !one->geometry().intersects(other->geometry()))
+                                << language << ", " << width << ": "
+                                << one->accessibleName().toStdString() << " and "
+                                << other->accessibleName().toStdString();
+                        }
+                    }
+                }
+            }
+        }
+    }
+}
+
+} // namespace
+} // namespace vellmark
