@@ -34,6 +34,29 @@ void copyText(const std::string& text) {
     QGuiApplication::clipboard()->setText(qString(text));
 }
 
+/// Where the history is to be saved, its kind by the name's end; empty when nowhere.
+QString askWhereTo(const std::string& name, const Localization& words) {
+    const QStringList kinds{qString(words.text("history.export.csv")) + " (*.csv)",
+                            qString(words.text("history.export.json")) + " (*.json)",
+                            qString(words.text("history.export.picture")) + " (*.png)"};
+    QFileDialog dialog(QApplication::activeWindow(), {},
+                       QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation),
+                       kinds.join(QStringLiteral(";;")));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    const auto offer = [&](const QString& kind) {
+        // "Table (*.csv)" → "csv". The dialog itself then asks before it replaces a file.
+        const QString end = kind.section(QStringLiteral("*."), 1).chopped(1);
+        dialog.setDefaultSuffix(end);
+        dialog.selectFile(qString(name) + '.' + end);
+    };
+    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, offer);
+    offer(kinds.first());
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+        return {};
+    }
+    return dialog.selectedFiles().first();
+}
+
 } // namespace
 
 MainWindowPages::MainWindowPages(Sources sources)
@@ -198,22 +221,9 @@ HistoryPageActions MainWindowPages::historyActions() {
 void MainWindowPages::saveHistory(const std::function<std::string()>& picture) {
     const Localization& words = sources_.language.words();
     const Instant now = ReferenceClock::now();
-    const QStringList kinds{qString(words.text("history.export.csv")) + " (*.csv)",
-                            qString(words.text("history.export.json")) + " (*.json)",
-                            qString(words.text("history.export.picture")) + " (*.png)"};
-    const QString directory = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    QString kind;
-    QString path = QFileDialog::getSaveFileName(
-        QApplication::activeWindow(), {},
-        directory + '/' + qString(history_.exportName(now, words.timeZone())) + ".csv",
-        kinds.join(";;"), &kind);
+    const QString path = askWhereTo(history_.exportName(now, words.timeZone()), words);
     if (path.isEmpty()) {
         return;
-    }
-    if (const QString end = kind.section("*.", 1).chopped(1);
-        !kind.isEmpty() && kind != kinds.first() && !path.endsWith('.' + end)) {
-        // Another kind was chosen than the name offered.
-        path = (path.endsWith(".csv") ? path.chopped(4) : path) + '.' + end;
     }
     const HistoryExportFormat format = historyExportFormat(path.toStdString());
     const std::string data =

@@ -76,7 +76,7 @@ std::string nowText(const UsageWindow& window, const WindowStanding& standing,
     if (standing.kind == WindowStanding::Kind::due) {
         return words.text("health.due");
     }
-    return words.format("history.legend.now",
+    return words.format(standing.isOld ? "usage.remaining" : "history.legend.now",
                         {percentText(std::max(remainingPercent(window), 0.0), words)});
 }
 

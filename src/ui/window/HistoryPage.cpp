@@ -12,6 +12,7 @@
 #include "ui/window/HistoryCards.h"
 #include "ui/window/PageHead.h"
 
+#include <QPointer>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -22,7 +23,7 @@ namespace {
 constexpr int margin = PageHead::margin;
 constexpr int gap = 12;
 constexpr int leastChartHeight = 260;
-constexpr int mostChartHeight = 720;
+constexpr int mostChartHeight = 1100;
 constexpr double heatShare = 0.58;
 constexpr int mostHeatWidth = 600;
 } // namespace
@@ -40,8 +41,12 @@ HistoryPage::HistoryPage(const AgentUIActions& program, const HistoryPageActions
     scroller_->setWidget(column_);
     column_->setAutoFillBackground(false);
     head().addControl(export_);
-    connect(export_, &QAbstractButton::clicked, this,
-            [this] { actions_.save([this] { return chart_->pictureData(); }); });
+    connect(export_, &QAbstractButton::clicked, this, [this] {
+        // The window may be gone by the time that the user has answered.
+        actions_.save([chart = QPointer<HistoryChartCard>(chart_)] {
+            return chart ? chart->pictureData() : std::string();
+        });
+    });
     agents_->onChoose = [this](int index) {
         actions_.chooseAgent(agentIDs_.at(static_cast<std::size_t>(index)));
     };
