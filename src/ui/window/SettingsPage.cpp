@@ -280,6 +280,13 @@ void SettingsPage::scrollToTop() {
     scroller_->verticalScrollBar()->setValue(0);
 }
 
+/// A picture has nobody to ask.
+void SettingsPage::pageShown() {
+    if (actions_.appear) {
+        actions_.appear();
+    }
+}
+
 void SettingsPage::pageHidden() {
     delete question_;
 }
