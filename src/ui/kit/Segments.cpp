@@ -36,7 +36,7 @@ class Segments::Part : public QAbstractButton {
 public:
     Part(Size size, QWidget* parent)
         : QAbstractButton(parent), measures_(measures(size)),
-          interaction_(this, FocusShape{measures_.radius - inset, focusGap}) {
+          interaction_(this, FocusShape{measures_.radius - inset, 0}) {
         setCheckable(true);
         setAutoExclusive(true);
         setFocusPolicy(Qt::StrongFocus);
