@@ -128,8 +128,7 @@ bool ActivityListing::matches(const ActivityEntry& entry) const {
     if (entry.level < filter_.least || !matchesAgent(entry)) {
         return false;
     }
-    return foldedWords_.empty() || lowercased(entry.text).find(foldedWords_) != std::string::npos ||
-           lowercased(subjectText(entry)).find(foldedWords_) != std::string::npos;
+    return search_.empty() || search_.areIn(subjectText(entry) + " " + entry.text);
 }
 
 std::size_t ActivityListing::matchingIn(std::uint32_t first, std::uint32_t end) const {
