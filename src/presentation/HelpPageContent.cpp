@@ -149,6 +149,7 @@ HelpGroup windowKeys(const Localization& words) {
                 keyEntry(words.text("help.keys.forward"), {held(wayKey, "→")}),
                 keyEntry(words.text("help.keys.sides"), {"F6"}),
                 keyEntry(words.text("help.keys.search"), {held(Held::command, "F")}),
+
                 keyEntry(words.text("help.keys.next"), {words.text("key.tab")}),
                 keyEntry(words.text("help.keys.press"), {words.text("key.return")}),
             }};
@@ -159,8 +160,7 @@ HelpGroup popoverKeys(const Localization& words) {
     return {
         .title = words.text("help.keys.popover"),
         .entries = {
-            keyEntry(words.text("help.keys.tabs"), {shortcutText({Held::command, "1"}, words),
-                                                    shortcutText({Held::command, "9"}, words)}),
+            keyEntry(words.text("help.keys.tabs"), {shortcutText({Held::command, "1–9"}, words)}),
             keyEntry(words.text("help.keys.nextTab"), {"←", "→"}),
             keyEntry(words.text("help.keys.refresh"), {shortcutText({Held::command, "R"}, words)}),
             keyEntry(words.text("help.keys.close"), {words.text("key.escape")}),

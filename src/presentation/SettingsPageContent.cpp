@@ -70,6 +70,13 @@ std::string sizeText(std::uintmax_t bytes, const Localization& words) {
     return words.format("settings.size.gigabytes", {decimalText(kilobytes / kilo / kilo, words)});
 }
 
+/// What a setting does, where its name does not say it all.
+std::string hintText(const SettingItem& item, const Localization& words) {
+    const std::string key = item.wordsKey + ".hint";
+    std::string text = words.text(key);
+    return text == key ? std::string() : text;
+}
+
 // Agents
 
 ControlContent wayOut(const ProviderDescriptor& agent, const AgentFacts& facts,
@@ -149,7 +156,7 @@ SettingRowContent wayRow(const Value& setting, const std::string& agent,
     }
     return {.name = item.name,
             .label = words.format(item.wordsKey, {agent}),
-            .explanation = words.text(item.wordsKey + ".hint"),
+            .explanation = hintText(item, words),
             .control = std::move(choices)};
 }
 
@@ -197,7 +204,7 @@ SettingRowContent rowOf(const Value& setting, const SettingsPageState& state,
     const SettingItem& item = setting.item;
     SettingRowContent row{.name = item.name,
                           .label = words.text(item.wordsKey),
-                          .explanation = words.text(item.wordsKey + ".hint")};
+                          .explanation = hintText(item, words)};
     if (item.preferenceKey == figureKey) {
         row.control = SettingSwitch{.isOn = setting.value != item.values.front(),
                                     .onValue = item.values.back(),
