@@ -19,6 +19,7 @@ using vellmark::kit::Theme;
 struct Settings {
     QString directory;
     QString only;
+    Theme::Contrast contrast = Theme::Contrast::usual;
 };
 
 Settings parse(const QApplication& application) {
@@ -32,6 +33,9 @@ Settings parse(const QApplication& application) {
     const QCommandLineOption family(QStringLiteral("font"), QStringLiteral("Use this font family."),
                                     QStringLiteral("family"));
     parser.addOption(family);
+    const QCommandLineOption contrast(QStringLiteral("high-contrast"),
+                                      QStringLiteral("As for those who ask the system for it."));
+    parser.addOption(contrast);
     parser.process(application);
     if (parser.positionalArguments().isEmpty()) {
         parser.showHelp(1);
@@ -41,12 +45,13 @@ Settings parse(const QApplication& application) {
         font.setFamily(parser.value(family));
         QApplication::setFont(font);
     }
-    return {parser.positionalArguments().at(0), parser.positionalArguments().value(1)};
+    return {parser.positionalArguments().at(0), parser.positionalArguments().value(1),
+            parser.isSet(contrast) ? Theme::Contrast::high : Theme::Contrast::usual};
 }
 
 bool drawAll(const Settings& settings) {
     for (const auto appearance : {Theme::Appearance::light, Theme::Appearance::dark}) {
-        Theme::setCurrent(appearance);
+        Theme::setCurrent(appearance, Theme::systemHighlight(), settings.contrast);
         const char* look = appearance == Theme::Appearance::dark ? "dark" : "light";
         for (const vellmark::Scene& scene : vellmark::allScenes()) {
             const QString name = QString::fromStdString(scene.name);

@@ -6,7 +6,7 @@
 #include "ui/window/AgentMainWindowView.h"
 #include "ui/window/WindowPage.h"
 
-#include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QAccessible>
 #include <QApplication>
 #include <QKeyEvent>
@@ -179,8 +179,10 @@ protected:
     /// Tab leads once through everything that takes the keyboard, in the order that the page says,
     /// with the focus in sight.
     static void expectTabLeadsEverywhere(QWidget& window) {
-        window.activateWindow();
-        ASSERT_TRUE(eventually([&] { return window.isActiveWindow(); }));
+        ASSERT_TRUE(eventually([&] {
+            window.activateWindow();
+            return window.isActiveWindow();
+        }));
         if (window.focusWidget() != nullptr) {
             window.focusWidget()->clearFocus();
         }
@@ -194,8 +196,7 @@ protected:
                 break;
             }
             reached.push_back(focused);
-            EXPECT_TRUE(kit::FocusRing::isAnyShown()) << nameOf(*focused);
-            EXPECT_FALSE(focused->visibleRegion().isEmpty()) << nameOf(*focused);
+            expectFocusIsSeen(*focused);
         }
         for (QWidget* target : targets) {
             EXPECT_TRUE(std::ranges::find(reached, target) != reached.end()) << nameOf(*target);
@@ -203,6 +204,15 @@ protected:
         if (const auto* view = dynamic_cast<const AgentMainWindowView*>(&window)) {
             expectOrder(view->page()->controls(), reached);
         }
+    }
+
+    static void expectFocusIsSeen(QWidget& focused) {
+        // A list marks the row, not itself.
+        const auto* list = qobject_cast<QAbstractItemView*>(&focused);
+        EXPECT_TRUE(list != nullptr ? list->currentIndex().isValid() : kit::FocusRing::isAnyShown())
+            << nameOf(focused);
+        const QWidget& seen = list != nullptr ? *list->viewport() : focused;
+        EXPECT_FALSE(seen.visibleRegion().isEmpty()) << nameOf(focused);
     }
 
     static void expectOrder(std::vector<QWidget*> wanted, std::vector<QWidget*> reached) {

@@ -120,6 +120,9 @@ void Segments::setCurrent(int index) {
         part->setAutoExclusive(false);
         part->setChecked(static_cast<int>(each) == index);
         part->setAutoExclusive(true);
+        // Tab leads to the chosen part alone, to the first where none is, arrows from there on.
+        const bool isTabStop = part->isChecked() || (index < 0 && each == 0);
+        part->setFocusPolicy(isTabStop ? Qt::StrongFocus : Qt::ClickFocus);
     }
 }
 

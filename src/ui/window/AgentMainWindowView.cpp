@@ -4,6 +4,7 @@
 #include "ui/kit/Button.h"
 #include "ui/kit/FocusRing.h"
 #include "ui/kit/Theme.h"
+#include "ui/window/HeadOnlyPage.h"
 #include "ui/window/Sidebar.h"
 #include "ui/window/WindowPage.h"
 #include "ui/window/WindowPages.h"
@@ -38,7 +39,7 @@ void AgentMainWindowView::setContent(const MainWindowContent& content) {
     sidebar_->setItems(content.sidebar);
     sidebar_->setSelection(content.page);
     sidebar_->setMenuButton(content.menuButton);
-    WindowPage& page = pageOfKind(content.page.kind);
+    WindowPage& page = pageFor(content);
     setPageContent(page, content.content);
     page.setAccessibleName(page.title());
     if (&page != page_ || content.page != shown_) {
@@ -48,10 +49,12 @@ void AgentMainWindowView::setContent(const MainWindowContent& content) {
     orderTabs();
 }
 
-WindowPage& AgentMainWindowView::pageOfKind(AgentPage::Kind kind) {
-    WindowPage*& page = pages_[kind];
+WindowPage& AgentMainWindowView::pageFor(const MainWindowContent& content) {
+    WindowPage*& page = pages_[{content.page.kind, content.content.index()}];
     if (page == nullptr) {
-        page = makePage(kind, actions_, this);
+        page = std::holds_alternative<PageHeadContent>(content.content)
+                   ? new HeadOnlyPage(this)
+                   : makePage(content.page.kind, actions_, this);
     }
     return *page;
 }

@@ -8,6 +8,7 @@
 #include <QWidget>
 
 #include <map>
+#include <utility>
 
 namespace vellmark {
 
@@ -49,7 +50,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    WindowPage& pageOfKind(AgentPage::Kind kind);
+    WindowPage& pageFor(const MainWindowContent& content);
     void turnTo(WindowPage& page);
     bool handleCommandKey(int key);
     bool handleNavigationKey(QKeyEvent& event);
@@ -61,7 +62,8 @@ private:
     MainWindowActions actions_;
     AgentNavigationState& navigation_;
     Sidebar* sidebar_;
-    std::map<AgentPage::Kind, WindowPage*> pages_;
+    /// By the page's kind and that of its content: a page may have nothing but a head.
+    std::map<std::pair<AgentPage::Kind, std::size_t>, WindowPage*> pages_;
     WindowPage* page_ = nullptr;
     AgentPage shown_;
     /// Of each page, what had the keyboard when another took its place.

@@ -3,6 +3,7 @@
 #include "ui/Conversions.h"
 #include "ui/ProviderLogo.h"
 #include "ui/kit/Button.h"
+#include "ui/kit/FocusRing.h"
 #include "ui/kit/Label.h"
 #include "ui/kit/ScrollArea.h"
 #include "ui/kit/SidebarEntry.h"
@@ -134,6 +135,8 @@ void Sidebar::setSpokenName(const QString& name) {
 
 void Sidebar::setSelection(const AgentPage& page) {
     selection_ = page;
+    const QWidget* focused = window()->focusWidget();
+    const bool hasKeyboard = focused != nullptr && column_->isAncestorOf(focused);
     for (const Line& line : lines_) {
         if (line.entry == nullptr) {
             continue;
@@ -144,6 +147,10 @@ void Sidebar::setSelection(const AgentPage& page) {
         if (isSelected && !line.entry->isChecked()) {
             line.entry->setChecked(true);
             scroller_->ensureWidgetVisible(line.entry, 0, padding);
+        }
+        if (isSelected && hasKeyboard && line.entry != focused) {
+            line.entry->setFocus(kit::FocusRing::isAnyShown() ? Qt::ShortcutFocusReason
+                                                              : Qt::OtherFocusReason);
         }
     }
 }
