@@ -394,7 +394,7 @@ std::vector<Scene> allScenes() {
         activityScene("-loading", {}, AgentMainWindowView::firstSize, nullptr),
         agentScene("", samples::inspected),
         agentScene("-day", samples::normal, {.range = ChartRange::day}),
-        agentScene("-least", samples::inspected, {.size = AgentMainWindowView::leastSize}),
+        agentScene("-least", samples::readAlone, {.size = AgentMainWindowView::leastSize}),
         agentScene("-wide", samples::inspected, {.size = {2560, 1400}}),
         // The room that is left at type of 150 % on a small screen.
         agentScene("-narrow", samples::inspected, {.size = {910, 512}}),
