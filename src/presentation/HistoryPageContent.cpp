@@ -179,7 +179,7 @@ HeatMapContent heatMap(const AgentProviderID& agent, const HistoryStatistics& st
 
 std::string countWord(std::string_view one, std::string_view many, int count,
                       const Localization& words) {
-    return words.text(count == 1 ? one : many);
+    return words.text(words.takesSingular(count) ? one : many);
 }
 
 /// What is used a day beside what would be even; of a window shorter than a day, what is used of
@@ -226,8 +226,8 @@ void addFigures(HistoryPageContent& content, const UsageWindow& window,
     }
     if (statistics.endsSeen > 0) {
         add({percentText(full * statistics.endsWithRest / statistics.endsSeen, words),
-             words.format(statistics.endsSeen == 1 ? "history.unused.reset"
-                                                   : "history.unused.resets",
+             words.format(words.takesSingular(statistics.endsSeen) ? "history.unused.reset"
+                                                                   : "history.unused.resets",
                           {static_cast<std::int64_t>(statistics.endsSeen)}),
              words.format(
                  "history.unused",
