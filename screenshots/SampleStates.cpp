@@ -1,6 +1,7 @@
 #include "screenshots/SampleStates.h"
 
 #include <algorithm>
+#include <map>
 
 namespace vellmark::samples {
 
@@ -92,7 +93,11 @@ Instant now() {
 }
 
 Localization words(const std::string& languageCode) {
-    return Localization(languageCode, languageCode == "de" ? "de_DE" : "en_US", "Europe/Berlin");
+    static const std::map<std::string, const char*> regions{
+        {"de", "de_DE"}, {"es", "es_ES"}, {"fr", "fr_FR"}, {"it", "it_IT"}};
+    const auto region = regions.find(languageCode);
+    return Localization(languageCode, region == regions.end() ? "en_US" : region->second,
+                        "Europe/Berlin");
 }
 
 UsageState normal() {

@@ -11,7 +11,7 @@ namespace samples {
 
 /// 20 November 2025, 14:48 in Berlin.
 Instant now();
-/// German or English words with their formats, in that time zone.
+/// The words of one of the languages with its formats, in that time zone.
 Localization words(const std::string& languageCode);
 
 /// Three agents: one fine, one running low, one critical.

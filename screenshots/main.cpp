@@ -53,7 +53,7 @@ bool drawAll(const Settings& settings) {
             if (!name.contains(settings.only)) {
                 continue;
             }
-            for (const char* language : {"de", "en"}) {
+            for (const char* language : {"de", "en", "es", "fr", "it"}) {
                 for (const int scale : {1, 2}) {
                     const QString file = QStringLiteral("%1/%2-%3-%4@%5x.png")
                                              .arg(settings.directory, name, QLatin1String(look),

@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QKeyEvent>
 #include <QKeySequence>
 #include <QMenu>
 #include <QShortcut>
@@ -111,6 +112,11 @@ bool MainMenu::performInResponderChain(std::string_view action) {
         const QByteArray method = QByteArray(action.data(), qsizetype(action.size())) + "()";
         if (focus && focus->metaObject()->indexOfMethod(method) >= 0) {
             QMetaObject::invokeMethod(focus, std::string(action).c_str());
+        } else if (focus) {
+            // Our own controls know the key.
+            const Qt::Key key = action == menuAction::copy ? Qt::Key_C : Qt::Key_A;
+            QKeyEvent press(QEvent::KeyPress, key, Qt::ControlModifier);
+            QApplication::sendEvent(focus, &press);
         }
     } else {
         return false;

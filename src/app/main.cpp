@@ -130,6 +130,8 @@ int runProgram(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     noDisplay = words.text("desktop.error.noDisplay");
     const std::unique_ptr<QApplication> application = makeApplication(argc, argv);
+    // Nothing in our layouts mirrors, so nothing of the toolkit's may.
+    QApplication::setLayoutDirection(Qt::LeftToRight);
     kit::useToolTips();
     try {
         return runOnChosenMachine(*application, options, machine);

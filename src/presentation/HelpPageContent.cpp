@@ -142,8 +142,10 @@ HelpGroup windowKeys(const Localization& words) {
     return {.title = words.text("help.keys.window"),
             .entries = {
                 keyEntry(words.text("help.keys.refresh"), {held(Held::command, "R")}),
+                keyEntry(words.text("help.keys.pages"), {held(Held::command, "1–9")}),
                 keyEntry(words.text("help.keys.back"), {held(Held::alt, "←")}),
                 keyEntry(words.text("help.keys.forward"), {held(Held::alt, "→")}),
+                keyEntry(words.text("help.keys.sides"), {"F6"}),
                 keyEntry(words.text("help.keys.search"), {held(Held::command, "F")}),
                 keyEntry(words.text("help.keys.next"), {words.text("key.tab")}),
                 keyEntry(words.text("help.keys.press"), {words.text("key.return")}),
@@ -155,8 +157,7 @@ HelpGroup popoverKeys(const Localization& words) {
     return {
         .title = words.text("help.keys.popover"),
         .entries = {
-            keyEntry(words.text("help.keys.tabs"), {shortcutText({Held::command, "1"}, words),
-                                                    shortcutText({Held::command, "9"}, words)}),
+            keyEntry(words.text("help.keys.tabs"), {shortcutText({Held::command, "1–9"}, words)}),
             keyEntry(words.text("help.keys.nextTab"), {"←", "→"}),
             keyEntry(words.text("help.keys.refresh"), {shortcutText({Held::command, "R"}, words)}),
             keyEntry(words.text("help.keys.close"), {words.text("key.escape")}),

@@ -61,6 +61,13 @@ void LegalWindow::setContent(const LegalWindowContent& content) {
     }
     documents_->setChoices(choices);
     documents_->setCurrent(static_cast<int>(content.document));
+    QWidget* before = nullptr;
+    for (QWidget* part : documents_->findChildren<QAbstractButton*>()) {
+        setTabOrder(before, part);
+        before = part;
+    }
+    setTabOrder(before, close_);
+    setTabOrder(close_, accept_);
     version_->setWords(qString(content.version));
     text_->setBlocks(content.text.blocks);
     text_->setAccessibleName(qString(content.text.title));

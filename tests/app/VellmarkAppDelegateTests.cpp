@@ -220,6 +220,23 @@ TEST_F(VellmarkAppDelegateTest, OffersTheFirstRunWhenSomethingIsMissing) {
     EXPECT_TRUE(eventually([] { return visible<AgentMainWindowView>() != nullptr; }));
 }
 
+TEST_F(VellmarkAppDelegateTest, ExplainsTheSupportReportInTheHelp) {
+    launch();
+    delegate_->showSupportReportFromMenu();
+    auto* window = visible<AgentMainWindowView>();
+    ASSERT_TRUE(window);
+    const auto isChosen = [&](const char* title) {
+        for (const auto* part : window->findChildren<QAbstractButton*>()) {
+            if (part->text() == title && part->isVisible() && part->isCheckable()) {
+                return part->isChecked();
+            }
+        }
+        return false;
+    };
+    EXPECT_TRUE(isChosen("Help"));
+    EXPECT_TRUE(isChosen("Support"));
+}
+
 TEST_F(VellmarkAppDelegateTest, ShowsTheTermsOnceEverythingIsSetUpUntilTheyAreAccepted) {
     const auto press = [](const char* title) {
         for (auto* button : visible<LegalWindow>()->findChildren<QAbstractButton*>()) {

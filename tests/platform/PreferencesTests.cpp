@@ -98,7 +98,7 @@ TEST_F(PreferencesTest, MembersOfAListAreChangedOneByOne) {
     EXPECT_THAT(*terminal->strings("DisabledProviders"), ElementsAre("codex"));
 }
 
-constexpr int changesEach = 150;
+constexpr int changesEach = 60;
 
 /// What one of two programs does: values of its own, and members of a list that both change.
 void changeSettings(const fs::path& file, const std::string& who) {

@@ -46,11 +46,12 @@ protected:
     }
     std::vector<kit::SidebarEntry*> entries() {
         std::vector<kit::SidebarEntry*> result;
-        for (QWidget* stop : tabStops(view)) {
-            if (auto* entry = dynamic_cast<kit::SidebarEntry*>(stop)) {
+        for (auto* button : view.findChildren<QAbstractButton*>()) {
+            if (auto* entry = dynamic_cast<kit::SidebarEntry*>(button)) {
                 result.push_back(entry);
             }
         }
+        std::ranges::sort(result, {}, [](const QWidget* entry) { return entry->y(); });
         return result;
     }
     const kit::FocusRing* findRing() {

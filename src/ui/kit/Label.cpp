@@ -88,7 +88,8 @@ int Label::heightForWidth(int width) const {
 }
 
 SpokenAs Label::spokenAs() const {
-    return {isHeading_ ? QAccessible::Heading : QAccessible::StaticText};
+    const bool looksLikeOne = style_ == style::title || style_ == style::heading;
+    return {isHeading_ || looksLikeOne ? QAccessible::Heading : QAccessible::StaticText};
 }
 
 bool Label::event(QEvent* event) {

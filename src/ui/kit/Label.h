@@ -25,7 +25,8 @@ public:
     void setTextStyle(const TextStyle& style);
     void setColor(ColorRole color);
     void setMostLines(int lines);
-    /// Told as a heading, from which screen readers go to the next.
+    /// Told as a heading, from which screen readers go to the next; in the styles of titles and
+    /// headings it is one already.
     void setHeading(bool isHeading) { isHeading_ = isHeading; }
 
     const TextStyle& textStyle() const { return style_; }

@@ -135,7 +135,13 @@ void Sidebar::setSpokenName(const QString& name) {
 void Sidebar::setSelection(const AgentPage& page) {
     selection_ = page;
     for (const Line& line : lines_) {
-        if (line.entry != nullptr && line.page == page && !line.entry->isChecked()) {
+        if (line.entry == nullptr) {
+            continue;
+        }
+        // Tab leads to the selected entry alone, arrows from there to the others.
+        const bool isSelected = line.page == page;
+        line.entry->setFocusPolicy(isSelected ? Qt::StrongFocus : Qt::ClickFocus);
+        if (isSelected && !line.entry->isChecked()) {
             line.entry->setChecked(true);
             scroller_->ensureWidgetVisible(line.entry, 0, padding);
         }
