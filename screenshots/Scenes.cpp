@@ -451,7 +451,7 @@ std::vector<Scene> allScenes() {
         {"settings-question", drawSettingsQuestion},
         settingsScene("settings-checking", samples::uncheckedSettings),
         settingsScene("settings-unready", samples::unreadySettings, QSize(1120, 1620)),
-        settingsScene("settings-narrow", samples::unreadySettings, QSize(700, 1900)),
+        settingsScene("settings-unready-least", samples::unreadySettings, QSize(1040, 1700)),
 
         // help
         helpScene("reading", HelpSection::reading),

@@ -30,6 +30,7 @@ constexpr int headingAbove = 12;
 constexpr int headingHeight = 28;
 constexpr int headingBelow = 4;
 constexpr int hintAbove = 8;
+constexpr int below = 4;
 
 constexpr double liftedBlur = 18;
 constexpr double liftedOffset = 6;
@@ -282,8 +283,7 @@ void FormSection::setHint(const QString& words) {
 
 int FormSection::heightForWidth(int width) const {
     const int inner = width - 2 * sideRoom;
-    int height =
-        headingAbove + headingHeight + headingBelow + card_->heightForWidth(inner) + sideRoom;
+    int height = headingAbove + headingHeight + headingBelow + card_->heightForWidth(inner) + below;
     if (!hint_->isHidden()) {
         height += hintAbove + hint_->heightForWidth(inner - 2 * FormRow::padding);
     }
