@@ -46,11 +46,16 @@ public:
         if (action_) {
             return change(*preferences, context);
         }
-        const auto enabled = AgentSettings(*preferences, providerRegistry()).enabled();
+        const AgentSettings settings(*preferences, providerRegistry());
+        const auto enabled = settings.enabled();
         std::vector<AgentFacts> agents;
         if (const int status = gather(context, agents); status != ExitStatus::done) {
             return status;
         }
+        const std::vector<AgentProviderID> order = settings.order();
+        std::ranges::sort(agents, {}, [&](const AgentFacts& agent) {
+            return std::ranges::find(order, agent.id) - order.begin();
+        });
         if (json_) {
             writeJSON(agents, enabled, context);
         } else {

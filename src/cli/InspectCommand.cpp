@@ -3,11 +3,7 @@
 #include "cli/Subcommands.h"
 #include "cli/WrongArguments.h"
 #include "model/UsageJSON.h"
-#include "probes/antigravity/AntigravityReading.h"
-#include "probes/claude/ClaudeQuery.h"
-#include "probes/claude/ClaudeScreen.h"
-#include "probes/claude/ClaudeSessionInterpretation.h"
-#include "probes/codex/CodexReading.h"
+#include "probes/ProviderRegistry.h"
 #include "text/TerminalText.h"
 
 #include <nlohmann/json.hpp>
@@ -19,44 +15,6 @@
 
 namespace vellmark {
 namespace {
-
-/// What an agent's CLI left behind in an earlier run.
-struct SavedRun {
-    std::string output;
-    std::string log;
-    std::int32_t exitStatus = 0;
-    bool timedOut = false;
-    Instant now{};
-};
-
-/// A query's answer or a screen's capture, whichever it is.
-AgentUsageSnapshot interpretClaude(const SavedRun& run) {
-    if (!isClaudeQueryOutput(run.output)) {
-        return interpretClaudeSession(ClaudeScreen(run.output), {run.exitStatus, run.timedOut},
-                                      run.now);
-    }
-    const ClaudeQueryReply reply = parseClaudeQueryReply(run.output, std::nullopt);
-    if (reply.kind != ClaudeQueryReply::Kind::answered) {
-        throw UsageProviderError::claudeQueryFailed(reply.reason);
-    }
-    // Which version gave the answer is not in it: it is taken as today's.
-    return claudeQuerySnapshot(reply.answer, {}, std::nullopt, run.now);
-}
-
-AgentUsageSnapshot interpret(const AgentProviderID& agent, const SavedRun& run,
-                             const Machine& machine) {
-    if (agent == AgentProviderID::claude()) {
-        return interpretClaude(run);
-    }
-    if (agent == AgentProviderID::codex()) {
-        return codexSnapshot(run.output, run.now, machine.home.string());
-    }
-    return antigravitySnapshot({.output = AntigravityOutput::read(run.output, TimeZone::system()),
-                                .log = run.log,
-                                .exitStatus = run.exitStatus,
-                                .timedOut = run.timedOut},
-                               run.now);
-}
 
 /// Says what a probe makes of output that was saved earlier. Writes no file and runs nothing.
 class InspectCommand final : public Subcommand {
@@ -79,14 +37,15 @@ public:
 
     int run(const CommandContext& context) override {
         const AgentProviderID agent = agentArgument(agent_);
-        refuseWhatHasNoEffect(agent);
+        const SavedRunReader& reader = providerRegistration(agent)->savedRuns;
+        refuseWhatHasNoEffect(agent, reader);
         std::optional<SavedRun> run = savedRun(context);
         if (!run) {
             return ExitStatus::failed;
         }
         AgentUsageSnapshot snapshot{.id = agent, .updatedAt = run->now};
         try {
-            snapshot = interpret(agent, *run, context.machine);
+            snapshot = reader.read(*run, context.machine);
         } catch (const UsageProviderError& error) {
             snapshot.source = SnapshotSource::stale;
             snapshot.error = error;
@@ -101,15 +60,14 @@ public:
 
 private:
     /// Not every reading depends on all that can be told about a run.
-    void refuseWhatHasNoEffect(const AgentProviderID& agent) const {
-        const bool isCodex = agent == AgentProviderID::codex();
-        if (isCodex && exitStatus_) {
+    void refuseWhatHasNoEffect(const AgentProviderID& agent, const SavedRunReader& reader) const {
+        if (!reader.heedsEnd && exitStatus_) {
             throw WrongArguments("cli.error.noEffect", "--exit-status", agent.rawValue);
         }
-        if (isCodex && timedOut_) {
+        if (!reader.heedsEnd && timedOut_) {
             throw WrongArguments("cli.error.noEffect", "--timed-out", agent.rawValue);
         }
-        if (log_ && agent != AgentProviderID::antigravity()) {
+        if (!reader.heedsLog && log_) {
             throw WrongArguments("cli.error.noEffect", "--log", agent.rawValue);
         }
     }

@@ -54,8 +54,7 @@ public:
         } else if (item == nullptr) {
             writeTable(catalog, context);
         } else if (value_ || reset_) {
-            context.output.write(catalog.title(*item, context.words) + ": " +
-                                 catalog.valueText(*item, context.words) + "\n");
+            context.output.write(meaning(*item, catalog, context.words) + "\n");
         } else {
             context.output.write(singleLine(catalog.value(*item)) + "\n");
         }
@@ -118,6 +117,13 @@ private:
         context.output.writeData(serialized(item ? toJSON(*item, catalog) : document) + "\n");
     }
 
+    /// "Language: English".
+    static std::string meaning(const SettingItem& item, const SettingsCatalog& catalog,
+                               const Localization& words) {
+        return words.format("cli.settings.meaning",
+                            {catalog.title(item, words), catalog.valueText(item, words)});
+    }
+
     static void writeTable(const SettingsCatalog& catalog, const CommandContext& context) {
         const auto word = [&](const char* key) { return context.words.text(key); };
         Table table({{word("cli.settings.column.key")},
@@ -128,8 +134,7 @@ private:
             const bool isDefault = value == catalog.defaultValue(item);
             table.addRow({{item.name, TextStyle::strong},
                           {singleLine(value), isDefault ? TextStyle::dim : TextStyle::plain},
-                          {catalog.title(item, context.words) + ": " +
-                           catalog.valueText(item, context.words)}});
+                          {meaning(item, catalog, context.words)}});
         }
         context.output.write(table.text(context.output));
     }

@@ -344,7 +344,8 @@ std::string ActivityListing::countText() const {
     if (matching_ != total()) {
         return words_.format("activity.count.some", {static_cast<std::int64_t>(matching_), all});
     }
-    return all == 1 ? words_.text("activity.count.one") : words_.format("activity.count", {all});
+    return words_.format(words_.takesSingular(all) ? "activity.count.one" : "activity.count",
+                         {all});
 }
 
 std::string ActivityListing::linesText(std::span<const std::size_t> rows) const {

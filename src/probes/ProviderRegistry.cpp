@@ -2,11 +2,14 @@
 
 #include "probes/ExecutableLocator.h"
 #include "probes/antigravity/AntigravityLoginCheck.h"
+#include "probes/antigravity/AntigravityReading.h"
 #include "probes/antigravity/AntigravityUsageProvider.h"
 #include "probes/claude/ClaudeLoginCheck.h"
 #include "probes/claude/ClaudeModelWindow.h"
+#include "probes/claude/ClaudeSavedRun.h"
 #include "probes/claude/ClaudeUsageProvider.h"
 #include "probes/codex/CodexLoginCheck.h"
+#include "probes/codex/CodexReading.h"
 #include "probes/codex/CodexUsageProvider.h"
 
 #include <algorithm>
@@ -161,6 +164,18 @@ std::unique_ptr<AgentUsageProvider> make(const Machine& machine, const ReadingOp
     return std::make_unique<Provider>(machine);
 }
 
+AgentUsageSnapshot readSavedCodexRun(const SavedRun& run, const Machine& machine) {
+    return codexSnapshot(run.output, run.now, machine.home.string());
+}
+
+AgentUsageSnapshot readSavedAntigravityRun(const SavedRun& run, const Machine&) {
+    return antigravitySnapshot({.output = AntigravityOutput::read(run.output, TimeZone::system()),
+                                .log = run.log,
+                                .exitStatus = run.exitStatus,
+                                .timedOut = run.timedOut},
+                               run.now);
+}
+
 std::unique_ptr<AgentUsageProvider> makeClaude(const Machine& machine,
                                                const ReadingOptions& options) {
     return std::make_unique<ClaudeUsageProvider>(machine, ClaudeUsageProvider::defaultHardLimit,
@@ -171,18 +186,28 @@ std::unique_ptr<AgentUsageProvider> makeClaude(const Machine& machine,
 
 const std::vector<ProviderRegistration>& providerRegistry() {
     static const std::vector<ProviderRegistration> registry = {
-        {codexDescriptor(), make<CodexUsageProvider>},
-        {claudeDescriptor(), makeClaude},
-        {antigravityDescriptor(), make<AntigravityUsageProvider>},
+        {codexDescriptor(), make<CodexUsageProvider>, {.read = readSavedCodexRun}},
+        {claudeDescriptor(),
+         makeClaude,
+         {.read = [](const SavedRun& run, const Machine&) { return readSavedClaudeRun(run); },
+          .heedsEnd = true}},
+        {antigravityDescriptor(),
+         make<AntigravityUsageProvider>,
+         {.read = readSavedAntigravityRun, .heedsEnd = true, .heedsLog = true}},
     };
     return registry;
 }
 
-const ProviderDescriptor* providerDescriptor(const AgentProviderID& id) {
+const ProviderRegistration* providerRegistration(const AgentProviderID& id) {
     const auto& registry = providerRegistry();
     const auto found = std::find_if(registry.begin(), registry.end(),
                                     [&](const auto& entry) { return entry.descriptor.id == id; });
-    return found == registry.end() ? nullptr : &found->descriptor;
+    return found == registry.end() ? nullptr : &*found;
+}
+
+const ProviderDescriptor* providerDescriptor(const AgentProviderID& id) {
+    const ProviderRegistration* const registration = providerRegistration(id);
+    return registration ? &registration->descriptor : nullptr;
 }
 
 } // namespace vellmark

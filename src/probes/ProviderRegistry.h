@@ -4,6 +4,7 @@
 #include "platform/Machine.h"
 #include "probes/AgentUsageProvider.h"
 #include "probes/CLISetupInfo.h"
+#include "probes/SavedRun.h"
 
 #include <filesystem>
 #include <functional>
@@ -79,12 +80,14 @@ struct ProviderDescriptor {
 struct ProviderRegistration {
     ProviderDescriptor descriptor;
     std::function<std::unique_ptr<AgentUsageProvider>(const Machine&, const ReadingOptions&)> make;
+    SavedRunReader savedRuns = {};
 };
 
 /// The agents that can be monitored, in their fixed order: Codex, Claude, Antigravity.
 const std::vector<ProviderRegistration>& providerRegistry();
 
 /// Null when the agent is unknown.
+const ProviderRegistration* providerRegistration(const AgentProviderID& id);
 const ProviderDescriptor* providerDescriptor(const AgentProviderID& id);
 
 } // namespace vellmark

@@ -1,4 +1,5 @@
 #include "model/UsageJSON.h"
+#include "store/ActivityTexts.h"
 #include "store/StoreFixture.h"
 #include "store/UsageHistory.h"
 #include "store/UsageHistoryRecorder.h"
@@ -113,6 +114,39 @@ TEST_F(StoredFiles, TheActivityLogTellsWhatHappened) {
     const std::string exported = store->activityExportText(30);
     EXPECT_TRUE(exported.starts_with("Vellmark ")) << exported;
     EXPECT_NE(exported.find("info codex: Readable again"), std::string::npos);
+}
+
+TEST_F(StoredFiles, TheActivityLogCanBeFollowed) {
+    makeStore();
+    store->setAutomaticHoldUntil(executor.now() + Seconds(10));
+    std::vector<std::string> told;
+    auto subscription = store->followActivity(30, [&told](ActivityLog::News news) {
+        if (news.startsAnew) {
+            told.clear();
+        }
+        for (const ActivityEntry& entry : news.entries) {
+            told.push_back(entry.text);
+        }
+    });
+    settle();
+    EXPECT_EQ(told, std::vector<std::string>{"Woke from sleep, refreshing in 10 s"});
+    store->setEnabled(antigravity->id(), false);
+    settle();
+    ASSERT_EQ(told.size(), 2u);
+    EXPECT_EQ(told[1], "Settings changed: agent switched off");
+    // Another process writes in its own language.
+    ActivityLog other(machine.activityLogFile());
+    ActivityEntry theirs = ActivityTexts::refreshAborted(Localization("de"));
+    theirs.time = executor.now();
+    other.append(theirs, TimeZone::utc());
+    store->lookAtActivity();
+    settle();
+    EXPECT_EQ(told.back(), "Refresh aborted: Vellmark is quitting");
+    subscription.reset();
+    store->setEnabled(antigravity->id(), true);
+    ASSERT_TRUE(finishRefresh());
+    settle();
+    EXPECT_EQ(told.size(), 3u);
 }
 
 TEST_F(StoredFiles, AnAbortIsLoggedBeforeTheProgramEnds) {

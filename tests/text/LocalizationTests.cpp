@@ -1,5 +1,7 @@
 #include "support/TemporaryDirectory.h"
+#include "text/Catalog.h"
 #include "text/Localization.h"
+#include "text/Pattern.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -71,6 +73,23 @@ TEST(Localization, FrenchCountsNoneInTheSingular) {
         EXPECT_EQ(words.takesSingular(0), code == "fr");
         EXPECT_FALSE(words.takesSingular(2)) << code;
         EXPECT_FALSE(words.takesSingular(21)) << code;
+    }
+}
+
+TEST(Localization, TextsAreSetAsTheirLanguageDoes) {
+    const Pattern frenchBlank(" [:;!?»]|«[^\u00A0]|[^\u00A0]»|\u202F");
+    const Pattern typed(R"(\.\.\.|')");
+    const Pattern quoted("[«»„]");
+    for (const CatalogEntry& entry : catalogEntries()) {
+        for (std::size_t index = 0; index < catalogLanguages.size(); ++index) {
+            const std::string_view code = catalogLanguages[index];
+            const std::string text(entry.texts[index]);
+            const std::string where = std::string(entry.key) + ", " + std::string(code);
+            EXPECT_FALSE(code == "fr" && frenchBlank.search(text)) << where << ": " << text;
+            EXPECT_FALSE(code != "en" && typed.search(text)) << where << ": " << text;
+            EXPECT_FALSE((code == "it" || code == "es") && quoted.search(text)) << where;
+            EXPECT_EQ(text.find("  "), std::string::npos) << where;
+        }
     }
 }
 

@@ -123,7 +123,8 @@ TEST_F(PopoverView, NeverCutsTheTimeOfTheStatusLine) {
         QFont font = usual;
         font.setFamily(family);
         QApplication::setFont(font);
-        for (const std::string language : {"en", "de"}) {
+        for (const std::string_view code : Localization::languages()) {
+            const std::string language(code);
             const PopoverContent shown = content(state, "overview", language);
             show(shown);
             const kit::Label* line = nullptr;

@@ -35,7 +35,7 @@ public:
         if (enabled) {
             // Registered for where it was, it has to be taken out before it is registered anew.
             if ([service status] == SMAppServiceStatusEnabled) {
-                [service unregisterAndReturnError:nil];
+                [service unregisterAndReturnError:nullptr];
             }
             // Asked for and not yet allowed is no refusal: the state tells of it.
             if ([service registerAndReturnError:&error] ||

@@ -265,7 +265,7 @@ bool ActivityList::isOnMark(const QModelIndex& index, QPoint position) const {
         return false;
     }
     const ActivityRowContent content = model_->content(index.row());
-    return content.isFold ? position.x() < subjectLeft
+    return content.isFold ? position.x() >= padding + timeWidth && position.x() < subjectLeft
                           : position.x() > viewport()->width() - padding - chevronSide - chevronGap;
 }
 
@@ -308,11 +308,7 @@ void ActivityList::keyPressEvent(QKeyEvent* event) {
         return;
     case Qt::Key_Home:
     case Qt::Key_End:
-        QListView::keyPressEvent(event);
-        // Also past a day's name.
-        verticalScrollBar()->setValue(event->key() == Qt::Key_Home
-                                          ? verticalScrollBar()->minimum()
-                                          : verticalScrollBar()->maximum());
+        goToEnd(event);
         return;
     default:
         break;
@@ -325,6 +321,21 @@ void ActivityList::keyPressEvent(QKeyEvent* event) {
     } else {
         event->ignore(); // no search for a row by its first letters: there is a field for that
     }
+}
+
+/// To the first or the last row that can be current: days cannot. The view goes all the way.
+void ActivityList::goToEnd(QKeyEvent* event) {
+    const bool isHome = event->key() == Qt::Key_Home;
+    const int count = model_->rowCount();
+    for (int step = 0; step < count; ++step) {
+        const QModelIndex index = model_->index(isHome ? step : count - 1 - step);
+        if ((index.flags() & Qt::ItemIsEnabled) != 0) {
+            selectionModel()->setCurrentIndex(index, selectionCommand(index, event));
+            break;
+        }
+    }
+    verticalScrollBar()->setValue(isHome ? verticalScrollBar()->minimum()
+                                         : verticalScrollBar()->maximum());
 }
 
 void ActivityList::mousePressEvent(QMouseEvent* event) {

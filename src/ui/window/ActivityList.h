@@ -50,6 +50,7 @@ protected:
 private:
     class Painter;
     void toggle(int row);
+    void goToEnd(QKeyEvent* event);
     bool isOnMark(const QModelIndex& index, QPoint position) const;
     void scrolled();
     void stayAtEnd();

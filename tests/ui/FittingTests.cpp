@@ -1,0 +1,133 @@
+#include "presentation/MainWindowContent.h"
+#include "presentation/OverviewPageContent.h"
+#include "presentation/PopoverContent.h"
+#include "screenshots/SampleStates.h"
+#include "ui/ForecastLine.h"
+#include "ui/QtEnvironment.h"
+#include "ui/kit/FigureText.h"
+#include "ui/kit/Label.h"
+#include "ui/popover/AgentUsagePopoverView.h"
+#include "ui/window/AgentMainWindowView.h"
+
+#include <QAbstractButton>
+#include <QCoreApplication>
+#include <QTabBar>
+#include <gtest/gtest.h>
+
+namespace vellmark {
+namespace {
+
+using testing::RecordedActions;
+
+/// Room for the warning mark before the words of a forecast.
+constexpr int markRoom = 16;
+/// Room of an entry of the sidebar for its title and what stands at its end, and between both.
+constexpr double entryRoom = 224 - 2 * 10 - 20 - 10;
+constexpr double entryGap = 8;
+
+/// The states in which the words are the program's own, and none is made long on purpose.
+const std::pair<const char*, UsageState (*)()> states[] = {
+    {"normal", samples::normal},         {"healthy", samples::healthy},
+    {"loading", samples::loading},       {"refreshing", samples::refreshing},
+    {"stale", samples::stale},           {"overdue", samples::overdue},
+    {"used up", samples::usedUp},        {"all failed", samples::allFailed},
+    {"incomplete", samples::incomplete}, {"failed", samples::failed},
+    {"balances", samples::balances},     {"refusing", samples::refusing},
+    {"credited", samples::credited},     {"no agents", samples::noAgents},
+};
+
+/// Whether the place of a widget is too small for its words. A short form counts as fitting.
+bool isCut(const QWidget& widget) {
+    if (const auto* forecast = dynamic_cast<const ForecastLine*>(&widget)) {
+        // The tooltip has the long form where that does not fit.
+        return !forecast->toolTip().isEmpty() &&
+               kit::textWidth(forecast->text(), kit::style::smallMedium) >
+                   forecast->width() - markRoom;
+    }
+    if (const auto* label = dynamic_cast<const kit::Label*>(&widget)) {
+        return label->isShortened();
+    }
+    if (const auto* button = qobject_cast<const QAbstractButton*>(&widget)) {
+        return !button->text().isEmpty() && button->width() < button->minimumSizeHint().width();
+    }
+    if (const auto* tabs = qobject_cast<const QTabBar*>(&widget)) {
+        return tabs->count() > 0 && !tabs->rect().contains(tabs->tabRect(tabs->count() - 1));
+    }
+    return false;
+}
+
+void settle() {
+    for (int turn = 0; turn < 3; ++turn) {
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::processEvents();
+    }
+}
+
+void expectAllFits(const QWidget& view, const std::string& where) {
+    int looked = 0;
+    for (const QWidget* widget : view.findChildren<QWidget*>()) {
+        if (widget->isVisibleTo(&view)) {
+            ++looked;
+            EXPECT_FALSE(isCut(*widget))
+                << where << ": " << widget->metaObject()->className() << " "
+                << widget->property("text").toString().toStdString();
+        }
+    }
+    EXPECT_GT(looked, 10) << where;
+}
+
+class Fitting : public ::testing::TestWithParam<std::string_view> {
+protected:
+    const Localization words = samples::words(std::string(GetParam()));
+    RecordedActions recorded;
+};
+
+TEST_P(Fitting, Popover) {
+    AgentUsagePopoverView view(recorded.actions());
+    for (const auto& [name, make] : states) {
+        const UsageState state = make();
+        for (const char* tab :
+             {"overview", "provider:codex", "provider:claude", "provider:antigravity"}) {
+            view.setContent(popoverContent(state, tab, samples::now(), words));
+            view.resize(AgentUsagePopoverView::viewWidth, view.wantedHeight());
+            view.show();
+            settle();
+            expectAllFits(view, std::string(name) + ", " + tab);
+        }
+    }
+}
+
+TEST_P(Fitting, Overview) {
+    AgentNavigationState navigation;
+    AgentMainWindowView view(recorded.actions(), navigation);
+    view.resize(AgentMainWindowView::leastSize);
+    for (const auto& [name, make] : states) {
+        const UsageState state = make();
+        view.setContent({sidebarItems(state, samples::now(), words),
+                         AgentPage::of(AgentPage::Kind::overview),
+                         overviewPageContent(state, samples::now(), words, true)});
+        view.show();
+        settle();
+        expectAllFits(view, name);
+    }
+}
+
+TEST_P(Fitting, Sidebar) {
+    for (const auto& [name, make] : states) {
+        for (const SidebarItem& item : sidebarItems(make(), samples::now(), words)) {
+            const double wanted =
+                kit::textWidth(QString::fromStdString(item.title), kit::style::bodyMedium) +
+                entryGap +
+                kit::textWidth(QString::fromStdString(item.value), kit::style::smallMedium);
+            EXPECT_LE(wanted, entryRoom) << name << ": " << item.title << " " << item.value;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Languages, Fitting, ::testing::ValuesIn(Localization::languages()),
+                         [](const ::testing::TestParamInfo<std::string_view>& language) {
+                             return std::string(language.param);
+                         });
+
+} // namespace
+} // namespace vellmark
