@@ -5,8 +5,9 @@
 #include "ui/kit/SoftShadow.h"
 #include "ui/kit/TextStyle.h"
 
+#include <QLineF>
 #include <QPainter>
-#include <QPainterPath>
+#include <QPen>
 
 #include <algorithm>
 #include <cmath>
@@ -141,16 +142,48 @@ void drawVerticals(QPainter& painter, const ChartLook& look, const ChartLayout& 
     }
 }
 
+/// Calls `draw` with parts of a line that follow each other, each from where the last one ended:
+/// the painter's time rises steeply with the points of one path.
+template<class Draw>
+void forEachPart(const QPolygonF& points, const Draw& draw) {
+    constexpr qsizetype pointsInPart = 12;
+    for (qsizetype first = 0; first + 1 < points.size(); first += pointsInPart) {
+        draw(points.mid(first, pointsInPart + 1));
+    }
+}
+
 void drawArea(QPainter& painter, const QPolygonF& piece, const ChartLayout& layout,
               const QColor& ink) {
-    QPolygonF area = piece;
-    area << QPointF(piece.last().x(), layout.plot.bottom())
-         << QPointF(piece.first().x(), layout.plot.bottom());
     QColor fill = ink;
     fill.setAlphaF(areaOpacity);
+    painter.save();
+    // So that no seam shows between the parts.
+    painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setPen(Qt::NoPen);
     painter.setBrush(fill);
-    painter.drawPolygon(area);
+    forEachPart(piece, [&](QPolygonF area) {
+        const double right = area.last().x();
+        area << QPointF(right, layout.plot.bottom())
+             << QPointF(area.first().x(), layout.plot.bottom());
+        painter.drawPolygon(area);
+    });
+    painter.restore();
+}
+
+/// The dashes go on from part to part.
+void drawLine(QPainter& painter, const QPolygonF& piece, QPen pen) {
+    double length = 0;
+    painter.setBrush(Qt::NoBrush);
+    forEachPart(piece, [&](const QPolygonF& part) {
+        if (pen.style() == Qt::CustomDashLine) {
+            pen.setDashOffset(length / pen.widthF());
+            for (qsizetype index = 1; index < part.size(); ++index) {
+                length += QLineF(part[index - 1], part[index]).length();
+            }
+        }
+        painter.setPen(pen);
+        painter.drawPolyline(part);
+    });
 }
 
 /// Boxes with a line along their lower ends.
@@ -177,9 +210,7 @@ void drawLines(QPainter& painter, const ChartLook& look, const ChartLayout& layo
             if (line->stroke == ChartLook::Stroke::strong) {
                 drawArea(painter, points, layout, accent(look));
             }
-            painter.setPen(chartPen(look, line->stroke));
-            painter.setBrush(Qt::NoBrush);
-            painter.drawPolyline(points);
+            drawLine(painter, points, chartPen(look, line->stroke));
         }
     }
 }
