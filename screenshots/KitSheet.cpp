@@ -325,7 +325,7 @@ void KitSheet::addForm() {
     auto* path = new kit::PathField;
     path->setWords(QStringLiteral("Choose …"), QStringLiteral("Look for it again"));
     path->setPaths(QStringLiteral("~/bin/codex"), {});
-    paths->addControl(path);
+    paths->addControl(path, kit::PathField::ringRoom);
     card->setRows({choices, paths});
     auto* form = new kit::FormSection(card, this);
     form->setHeading(QStringLiteral("Form"));

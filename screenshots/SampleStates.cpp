@@ -245,8 +245,13 @@ UsageState inspected() {
                                                   .usageMs = 2900,
                                                   .quietMs = 1200,
                                                   .endMs = 600}}};
+    return state;
+}
+
+UsageState readAlone() {
+    UsageState state = inspected();
     state.isRefreshing = true;
-    state.reading = {snapshot.id};
+    state.reading = {AgentProviderID::claude()};
     return state;
 }
 

@@ -45,8 +45,10 @@ UsageState longTexts();
 UsageState manyAgents();
 /// Everything lasts.
 UsageState healthy();
-/// As `normal`; Claude was read by a session at the screen, has a balance, and is read again.
+/// As `normal`; Claude was read by a session at the screen, and has a balance.
 UsageState inspected();
+/// The same while Claude alone is read again.
+UsageState readAlone();
 /// An agent with a single window, which is read by hand only.
 UsageState oneWindow();
 

@@ -9,6 +9,7 @@
 #include "screenshots/SampleSettings.h"
 #include "screenshots/SampleStates.h"
 #include "ui/AboutWindow.h"
+#include "ui/ChartView.h"
 #include "ui/Conversions.h"
 #include "ui/LegalWindow.h"
 #include "ui/kit/Question.h"
@@ -16,6 +17,8 @@
 #include "ui/popover/AgentUsagePopoverView.h"
 #include "ui/popover/Popover.h"
 #include "ui/window/AgentMainWindowView.h"
+#include "ui/window/HistoryCards.h"
+#include "ui/window/HistoryPage.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -99,9 +102,11 @@ QImage drawWhole(QWidget& window, double scale) {
 using PageOfState = std::function<PageContent(const UsageState& state, const Localization& words)>;
 
 Scene pageScene(std::string name, AgentPage page, UsageState (*state)(), PageOfState content,
-                QSize size = AgentMainWindowView::firstSize) {
-    const auto draw = [page = std::move(page), state, content = std::move(content),
-                       size](const std::string& language, double scale) {
+                QSize size = AgentMainWindowView::firstSize,
+                std::function<void(AgentMainWindowView&)> beforeDrawing = {}) {
+    const auto draw = [page = std::move(page), state, content = std::move(content), size,
+                       beforeDrawing = std::move(beforeDrawing)](const std::string& language,
+                                                                 double scale) {
         AgentNavigationState navigation;
         AgentMainWindowView view({.program = noActions()}, navigation);
         const Localization words = samples::words(language);
@@ -111,6 +116,9 @@ Scene pageScene(std::string name, AgentPage page, UsageState (*state)(), PageOfS
         // A window is given less than its least size where the screen has no more.
         view.setMinimumSize(size.boundedTo(AgentMainWindowView::leastSize));
         view.resize(size);
+        if (beforeDrawing) {
+            beforeDrawing(view);
+        }
         return drawWhole(view, scale);
     };
     return {"window-" + std::move(name), draw};
@@ -161,6 +169,48 @@ Scene agentScene(std::string name, UsageState (*state)(), const AgentScene& scen
     };
     return pageScene("agent" + std::move(name), AgentPage::provider(scene.agent), state, content,
                      scene.size);
+}
+
+/// How the history page is drawn.
+struct HistoryScene {
+    AgentProviderID agent = AgentProviderID::claude();
+    ChartRange range = ChartRange::month;
+    bool comparesEarlier = false;
+    QSize size = AgentMainWindowView::firstSize;
+    void (*addHistory)(UsageHistory&, const UsageState&) = samples::addHistory;
+    /// Where the chart is read, as a share of it.
+    std::optional<double> readAt = std::nullopt;
+    /// In place of what the range has.
+    std::map<WindowKey, bool> shown = {};
+    /// The key of what is said of an export.
+    std::string_view exportKey = {};
+};
+
+Scene historyScene(std::string name, UsageState (*state)(), const HistoryScene& scene = {}) {
+    const auto content = [scene](const UsageState& shown,
+                                 const Localization& words) -> PageContent {
+        UsageHistory history;
+        scene.addHistory(history, shown);
+        HistoryPageContent page = historyPageContent(shown, history,
+                                                     {.agent = scene.agent,
+                                                      .range = scene.range,
+                                                      .shown = scene.shown,
+                                                      .comparesEarlier = scene.comparesEarlier},
+                                                     samples::now(), words);
+        if (!scene.exportKey.empty()) {
+            page.exportFailed = true;
+            page.exportNote = words.format(
+                scene.exportKey, {"/media/stick/Vellmark.csv", "No space left on device"});
+        }
+        return page;
+    };
+    const auto read = [scene](AgentMainWindowView& view) {
+        if (auto* page = view.findChild<QWidget*>("history"); page != nullptr && scene.readAt) {
+            dynamic_cast<HistoryPage&>(*page).chartCard()->chart()->readAt(scene.readAt);
+        }
+    };
+    return pageScene("history" + std::move(name), AgentPage::of(AgentPage::Kind::history), state,
+                     content, scene.size, read);
 }
 
 /// What is done on the page before it is drawn.
@@ -344,7 +394,7 @@ std::vector<Scene> allScenes() {
         activityScene("-loading", {}, AgentMainWindowView::firstSize, nullptr),
         agentScene("", samples::inspected),
         agentScene("-day", samples::normal, {.range = ChartRange::day}),
-        agentScene("-least", samples::inspected, {.size = AgentMainWindowView::leastSize}),
+        agentScene("-least", samples::readAlone, {.size = AgentMainWindowView::leastSize}),
         agentScene("-wide", samples::inspected, {.size = {2560, 1400}}),
         // The room that is left at type of 150 % on a small screen.
         agentScene("-narrow", samples::inspected, {.size = {910, 512}}),
@@ -366,6 +416,30 @@ std::vector<Scene> allScenes() {
         agentScene("-long-texts", samples::longTexts, {.agent = AgentProviderID::antigravity()}),
 
         // history
+        historyScene("", samples::normal, {.readAt = 0.245}),
+        historyScene("-day", samples::normal, {.range = ChartRange::day}),
+        historyScene("-week", samples::normal,
+                     {.agent = AgentProviderID::antigravity(), .range = ChartRange::week}),
+        historyScene("-earlier", samples::normal,
+                     {.agent = AgentProviderID::codex(), .comparesEarlier = true, .readAt = 0.7}),
+        historyScene("-session", samples::normal,
+                     {.range = ChartRange::quarter,
+                      .shown = {{{AgentProviderID::claude(), "session"}, true},
+                                {{AgentProviderID::claude(), "fable-weekly"}, false}}}),
+        historyScene("-year", samples::normal, {.range = ChartRange::year}),
+        historyScene("-least", samples::normal, {.size = AgentMainWindowView::leastSize}),
+        historyScene("-wide", samples::normal, {.size = {2560, 1400}, .readAt = 0.6}),
+        historyScene("-narrow", samples::normal, {.size = {910, 512}}),
+        historyScene("-first-day", samples::normal,
+                     {.range = ChartRange::day, .addHistory = samples::addFirstDay}),
+        historyScene("-nothing", samples::loading,
+                     {.addHistory = [](UsageHistory&, const UsageState&) {}}),
+        historyScene("-stale", samples::stale,
+                     {.agent = AgentProviderID::codex(), .range = ChartRange::day}),
+        historyScene(
+            "-long-texts", samples::longTexts,
+            {.agent = AgentProviderID::antigravity(), .exportKey = "history.export.failed"}),
+        historyScene("-no-agents", samples::noAgents),
 
         // activity
 
@@ -377,7 +451,7 @@ std::vector<Scene> allScenes() {
         {"settings-question", drawSettingsQuestion},
         settingsScene("settings-checking", samples::uncheckedSettings),
         settingsScene("settings-unready", samples::unreadySettings, QSize(1120, 1620)),
-        settingsScene("settings-narrow", samples::unreadySettings, QSize(700, 1900)),
+        settingsScene("settings-unready-least", samples::unreadySettings, QSize(1040, 1700)),
 
         // help
         helpScene("reading", HelpSection::reading),

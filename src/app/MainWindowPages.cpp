@@ -3,9 +3,13 @@
 #include "presentation/MainMenuContent.h"
 #include "ui/Conversions.h"
 
+#include <QApplication>
 #include <QClipboard>
 #include <QDesktopServices>
+#include <QFileDialog>
 #include <QGuiApplication>
+#include <QSaveFile>
+#include <QStandardPaths>
 #include <QUrl>
 
 #include <algorithm>
@@ -30,6 +34,29 @@ void copyText(const std::string& text) {
     QGuiApplication::clipboard()->setText(qString(text));
 }
 
+/// Where the history is to be saved, its kind by the name's end; empty when nowhere.
+QString askWhereTo(const std::string& name, const Localization& words) {
+    const QStringList kinds{qString(words.text("history.export.csv")) + " (*.csv)",
+                            qString(words.text("history.export.json")) + " (*.json)",
+                            qString(words.text("history.export.picture")) + " (*.png)"};
+    QFileDialog dialog(QApplication::activeWindow(), {},
+                       QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation),
+                       kinds.join(QStringLiteral(";;")));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    const auto offer = [&](const QString& kind) {
+        // "Table (*.csv)" → "csv". The dialog itself then asks before it replaces a file.
+        const QString end = kind.section(QStringLiteral("*."), 1).chopped(1);
+        dialog.setDefaultSuffix(end);
+        dialog.selectFile(qString(name) + '.' + end);
+    };
+    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, offer);
+    offer(kinds.first());
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+        return {};
+    }
+    return dialog.selectedFiles().first();
+}
+
 } // namespace
 
 MainWindowPages::MainWindowPages(Sources sources)
@@ -38,6 +65,7 @@ MainWindowPages::MainWindowPages(Sources sources)
                                                // Asked for while the page is being shown.
                                                sources_.executor.post(sources_.update);
                                            }),
+      history_(sources_.store, sources_.preferences),
       activity_(std::make_shared<ActivityFeed>(sources_.store, sources_.update)),
       settings_(settingsSources()) {}
 
@@ -49,6 +77,7 @@ MainWindowActions MainWindowPages::actions() {
     actions.agent = agentActions();
 
     // history
+    actions.history = historyActions();
 
     // activity
     actions.activity = {.save = sources_.saveActivity, .rest = [weak = std::weak_ptr(activity_)] {
@@ -154,7 +183,7 @@ PageContent MainWindowPages::contentOf(const AgentPage& page, Instant now) const
     case Kind::provider:
         return agentPage(page.providerID, now);
     case Kind::history:
-        return pageHead({"nav.history", {}}, words);
+        return history_.content(now, words);
     case Kind::activity:
         return activityContent(now);
     case Kind::settings:
@@ -165,6 +194,50 @@ PageContent MainWindowPages::contentOf(const AgentPage& page, Instant now) const
         return aboutPageContent(words);
     }
     return PageHeadContent();
+}
+
+// history
+
+HistoryPageActions MainWindowPages::historyActions() {
+    return {.chooseAgent =
+                [this](const AgentProviderID& agent) {
+                    history_.chooseAgent(agent);
+                    sources_.update();
+                },
+            .chooseRange =
+                [this](ChartRange range) {
+                    history_.chooseRange(range);
+                    sources_.update();
+                },
+            .toggle =
+                [this](const std::string& windowID) {
+                    history_.toggle(windowID);
+                    sources_.update();
+                },
+            .save = [this](const std::function<std::string()>& picture) { saveHistory(picture); },
+            .leave = [this] { history_.leave(); }};
+}
+
+void MainWindowPages::saveHistory(const std::function<std::string()>& picture) {
+    const Localization& words = sources_.language.words();
+    const Instant now = ReferenceClock::now();
+    const QString path = askWhereTo(history_.exportName(now, words.timeZone()), words);
+    if (path.isEmpty()) {
+        return;
+    }
+    const HistoryExportFormat format = historyExportFormat(path.toStdString());
+    const std::string data =
+        format == HistoryExportFormat::png ? picture() : history_.exportText(format, now);
+    QSaveFile file(path);
+    const auto size = static_cast<qint64>(data.size());
+    const bool isSaved =
+        file.open(QIODevice::WriteOnly) && file.write(data.data(), size) == size && file.commit();
+    history_.setExportNote(
+        isSaved ? words.format("history.export.done", {path.toStdString()})
+                : words.format("history.export.failed",
+                               {path.toStdString(), file.errorString().toStdString()}),
+        !isSaved);
+    sources_.update();
 }
 
 // provider

@@ -3,6 +3,7 @@
 #include "app/ActivityFeed.h"
 #include "platform/Preferences.h"
 #include "presentation/AppAppearance.h"
+#include "presentation/HistoryPageController.h"
 #include "presentation/LanguageManager.h"
 #include "presentation/MainWindowActions.h"
 #include "presentation/MainWindowContent.h"
@@ -61,6 +62,9 @@ private:
     AgentFactsCache facts_;
 
     // history
+    HistoryPageActions historyActions();
+    void saveHistory(const std::function<std::string()>& picture);
+    HistoryPageController history_;
 
     // activity
     std::shared_ptr<ActivityFeed> activity_;

@@ -273,7 +273,10 @@ void VellmarkAppDelegate::storeChanged() {
 }
 
 void VellmarkAppDelegate::observeLanguage() {
+    toolkitTexts_.setWords(words());
+    QCoreApplication::installTranslator(&toolkitTexts_);
     language_.onChange = [this] {
+        toolkitTexts_.setWords(words());
         reevaluateStatusItem();
         statusItem_->setMenu(statusItemMenuContent(words()));
         buildMainMenu();

@@ -5,6 +5,7 @@
 #include "app/QtDescriptorWatcher.h"
 #include "app/QtExecutor.h"
 #include "app/StatusItem.h"
+#include "app/ToolkitTexts.h"
 #include "app/WindowController.h"
 #include "platform/Machine.h"
 #include "platform/SingleInstance.h"
@@ -120,6 +121,7 @@ private:
     QtDescriptorWatcher loop_;
     std::unique_ptr<Preferences> preferences_;
     LanguageManager language_;
+    ToolkitTexts toolkitTexts_;
     AppAppearance appearance_;
     LegalModel legal_;
     LaunchAtLoginController launchAtLogin_;

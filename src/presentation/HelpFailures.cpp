@@ -71,7 +71,7 @@ HelpEntry entry(const ErrorCase& failure, const ProviderDescriptor* agent,
     std::string first = ellipsis;
     if (failure.kind == ErrorKind::executableMissing) {
         first = words.text(agent->sourceKey);
-    } else if (failure.kind == ErrorKind::timeout || failure.kind == ErrorKind::launchFailed) {
+    } else if (failure.kind == ErrorKind::timeout) {
         first = words.text("help.failures.anyAgent");
     }
     entry.title = words.format(failure.messageKey, {first, ellipsis});

@@ -139,17 +139,14 @@ HelpGroup windowKeys(const Localization& words) {
     const auto held = [&](Held modifier, const char* key) {
         return shortcutText({modifier, key}, words);
     };
-    const Held wayKey = commandKey() == CommandKey::control ? Held::alt : Held::command;
     return {.title = words.text("help.keys.window"),
             .entries = {
                 keyEntry(words.text("help.keys.refresh"), {held(Held::command, "R")}),
-                keyEntry(words.text("help.keys.pages"),
-                         {held(Held::command, "1"), held(Held::command, "9")}),
-                keyEntry(words.text("help.keys.back"), {held(wayKey, "←")}),
-                keyEntry(words.text("help.keys.forward"), {held(wayKey, "→")}),
+                keyEntry(words.text("help.keys.pages"), {held(Held::command, "1–9")}),
+                keyEntry(words.text("help.keys.back"), {held(Held::alt, "←")}),
+                keyEntry(words.text("help.keys.forward"), {held(Held::alt, "→")}),
                 keyEntry(words.text("help.keys.sides"), {"F6"}),
                 keyEntry(words.text("help.keys.search"), {held(Held::command, "F")}),
-
                 keyEntry(words.text("help.keys.next"), {words.text("key.tab")}),
                 keyEntry(words.text("help.keys.press"), {words.text("key.return")}),
             }};

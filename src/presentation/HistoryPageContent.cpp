@@ -76,7 +76,7 @@ std::string nowText(const UsageWindow& window, const WindowStanding& standing,
     if (standing.kind == WindowStanding::Kind::due) {
         return words.text("health.due");
     }
-    return words.format("history.legend.now",
+    return words.format(standing.isOld ? "usage.remaining" : "history.legend.now",
                         {percentText(std::max(remainingPercent(window), 0.0), words)});
 }
 
@@ -107,14 +107,15 @@ void addLegend(HistoryPageContent& content, const AgentUsageSnapshot& snapshot,
         content.legend.push_back(
             {.windowID = {},
              .name = words.format("chart.earlier", {rangeText(choice.range, words)}),
-             .value = choice.comparesEarlier ? std::string() : hidden,
+             .value = {},
              .role = ChartLine::Role::earlier,
              .isShown = choice.comparesEarlier,
              .canChange = true,
              .accessibilityText = {}});
     }
     for (HistoryLegendItem& item : content.legend) {
-        item.accessibilityText = item.value.empty() ? item.name : item.name + ", " + item.value;
+        const std::string& value = item.value.empty() && !item.isShown ? hidden : item.value;
+        item.accessibilityText = value.empty() ? item.name : item.name + ", " + value;
     }
     content.resetWord = words.text("history.legend.reset");
 }

@@ -5,6 +5,7 @@
 #include "presentation/AgentPageContent.h"
 #include "presentation/AgentUIActions.h"
 #include "presentation/HelpPageActions.h"
+#include "presentation/HistoryPageContent.h"
 #include "presentation/SettingsPageContent.h"
 
 namespace vellmark {
@@ -20,6 +21,7 @@ struct MainWindowActions {
     AgentPageActions agent = {};
 
     // history
+    HistoryPageActions history;
 
     // activity
     ActivityPageActions activity = {};

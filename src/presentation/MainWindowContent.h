@@ -5,6 +5,7 @@
 #include "presentation/AgentPage.h"
 #include "presentation/AgentPageContent.h"
 #include "presentation/HelpPageContent.h"
+#include "presentation/HistoryPageContent.h"
 #include "presentation/OverviewPageContent.h"
 #include "presentation/PageHeadContent.h"
 #include "presentation/SettingsPageContent.h"
@@ -26,6 +27,7 @@ using PageContent = std::variant<
     AgentPageContent,
 
     // history
+    HistoryPageContent,
 
     // activity
     ActivityPageContent,

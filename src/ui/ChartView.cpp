@@ -14,22 +14,8 @@ QPointF share(const ChartPoint& point) {
     return {point.x, point.y / full};
 }
 
-kit::ChartLook::Stroke strokeOf(ChartLine::Role role) {
-    switch (role) {
-    case ChartLine::Role::main:
-        return kit::ChartLook::Stroke::strong;
-    case ChartLine::Role::second:
-        return kit::ChartLook::Stroke::dotted;
-    case ChartLine::Role::further:
-        return kit::ChartLook::Stroke::thin;
-    case ChartLine::Role::earlier:
-        break;
-    }
-    return kit::ChartLook::Stroke::faint;
-}
-
 kit::ChartLook::Line lineLook(const ChartLine& line) {
-    kit::ChartLook::Line look{strokeOf(line.role), qString(line.name), {}, {}};
+    kit::ChartLook::Line look{chartStroke(line.role), qString(line.name), {}, {}};
     for (const std::vector<ChartPoint>& piece : line.pieces) {
         QPolygonF polygon;
         polygon.reserve(static_cast<qsizetype>(piece.size()));
@@ -65,12 +51,26 @@ std::optional<kit::ChartReadoutLook> readoutLook(const ChartContent& content, do
     for (const ChartReadout::Row& row : readout->rows) {
         look.rows.push_back({qString(row.name), qString(row.value),
                              row.y ? std::optional(*row.y / full) : std::nullopt,
-                             strokeOf(row.role)});
+                             chartStroke(row.role)});
     }
     return look;
 }
 
 } // namespace
+
+kit::ChartLook::Stroke chartStroke(ChartLine::Role role) {
+    switch (role) {
+    case ChartLine::Role::main:
+        return kit::ChartLook::Stroke::strong;
+    case ChartLine::Role::second:
+        return kit::ChartLook::Stroke::dotted;
+    case ChartLine::Role::further:
+        return kit::ChartLook::Stroke::thin;
+    case ChartLine::Role::earlier:
+        break;
+    }
+    return kit::ChartLook::Stroke::faint;
+}
 
 kit::ChartLook chartLook(const ChartContent& content, bool isLarge) {
     const kit::LogoLook& logo = providerLogo(content.agent);

@@ -22,6 +22,8 @@ private:
     ChartContent content_;
 };
 
+kit::ChartLook::Stroke chartStroke(ChartLine::Role role);
+
 /// The kit's form of a chart's content.
 kit::ChartLook chartLook(const ChartContent& content, bool isLarge);
 

@@ -26,11 +26,17 @@ constexpr int footHeight = 60;
 constexpr int controlHeight = 28;
 constexpr int gap = 12;
 
+/// With its parts, so that the keyboard comes to them before the buttons that are made after.
+kit::Segments* makeDocuments(QWidget* window) {
+    auto* documents = new kit::Segments(kit::Segments::Size::normal, window);
+    documents->setChoices({QString(), QString()});
+    return documents;
+}
+
 } // namespace
 
 LegalWindow::LegalWindow(Actions actions, QWidget* parent)
-    : QWidget(parent), actions_(std::move(actions)),
-      documents_(new kit::Segments(kit::Segments::Size::normal, this)),
+    : QWidget(parent), actions_(std::move(actions)), documents_(makeDocuments(this)),
       version_(new kit::Label(kit::style::text, kit::ColorRole::ink2, this)),
       scroller_(new kit::ScrollArea(this)), column_(new QWidget), text_(new DocumentView(column_)),
       notice_(new kit::Label(kit::style::text, kit::ColorRole::ink2, this)),

@@ -2,6 +2,8 @@
 #include "platform/Preferences.h"
 #include "process/RunningChildren.h"
 #include "support/AgentSandbox.h"
+#include "text/Catalog.h"
+#include "text/Localization.h"
 #include "ui/LegalWindow.h"
 #include "ui/kit/SidebarEntry.h"
 #include "ui/popover/AgentBlock.h"
@@ -13,6 +15,8 @@
 #include <QApplication>
 #include <QEventLoop>
 #include <QKeyEvent>
+#include <QSet>
+#include <QStringList>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -98,6 +102,37 @@ protected:
         return {};
     }
 
+    /// The texts of one language that are still to be seen, or told, though the other has others.
+    static QStringList textsLeftIn(const std::string& former, const std::string& current) {
+        QSet<QString> formers;
+        QSet<QString> currents;
+        for (const CatalogEntry& entry : catalogEntries()) {
+            formers << QString::fromStdString(Localization(former).text(entry.key));
+            currents << QString::fromStdString(Localization(current).text(entry.key));
+        }
+        QStringList left;
+        const auto look = [&](const QString& text) {
+            if (formers.contains(text) && !currents.contains(text)) {
+                left << text;
+            }
+        };
+        for (const QWidget* widget : QApplication::allWidgets()) {
+            if (!widget->isVisible()) {
+                continue;
+            }
+            for (const QString& text :
+                 {widget->windowTitle(), widget->toolTip(), widget->accessibleName(),
+                  widget->accessibleDescription(), widget->property("text").toString(),
+                  widget->property("placeholderText").toString()}) {
+                look(text);
+            }
+            for (const QAction* action : widget->actions()) {
+                look(action->text());
+            }
+        }
+        return left;
+    }
+
     AgentSandbox sandbox_;
     std::unique_ptr<VellmarkAppDelegate> delegate_;
     LaunchOutcome outcome_ = LaunchOutcome::launched;
@@ -117,6 +152,37 @@ TEST_F(VellmarkAppDelegateTest, ReadsTheAgentsAndSaysSoInTheChosenLanguage) {
     EXPECT_FALSE(visible<AgentMainWindowView>());
     delegate_->languageManager().choose("de");
     EXPECT_TRUE(eventually([] { return toolTip().contains("verbraucht"); }));
+}
+
+TEST_F(VellmarkAppDelegateTest, ChangesEverythingThatIsOpenWithTheLanguage) {
+    launch();
+    ASSERT_TRUE(eventually([] { return toolTip().contains("93% used"); }));
+    std::string before = "en";
+    const auto change = [&](const std::string& code, const QString& where) {
+        delegate_->languageManager().choose(code);
+        EXPECT_TRUE(eventually([&] { return textsLeftIn(before, code).isEmpty(); }))
+            << before << " to " << code << ", " << where.toStdString() << ": "
+            << textsLeftIn(before, code).join(" | ").toStdString();
+        EXPECT_EQ(QCoreApplication::translate("QLineEdit", "&Paste"),
+                  QString::fromStdString(Localization(code).text("toolkit.paste")));
+        before = code;
+    };
+    ASSERT_TRUE(opensPopover());
+    change("it", "popover");
+    delegate_->showAboutFromMenu();
+    delegate_->applicationShouldHandleReopen(false);
+    auto* window = visible<AgentMainWindowView>();
+    ASSERT_TRUE(window);
+    std::size_t next = 0;
+    QStringList pages;
+    for (auto* entry : window->findChildren<QAbstractButton*>()) {
+        if (dynamic_cast<kit::SidebarEntry*>(entry)) {
+            entry->click();
+            pages << entry->text();
+            change(std::string(catalogLanguages[next++ % catalogLanguages.size()]), pages.back());
+        }
+    }
+    EXPECT_GT(pages.size(), 5);
 }
 
 TEST_F(VellmarkAppDelegateTest, OpensAndClosesThePopoverAgainAndAgain) {
@@ -218,6 +284,23 @@ TEST_F(VellmarkAppDelegateTest, OffersTheFirstRunWhenSomethingIsMissing) {
     sandbox_.uninstall("codex");
     launch();
     EXPECT_TRUE(eventually([] { return visible<AgentMainWindowView>() != nullptr; }));
+}
+
+TEST_F(VellmarkAppDelegateTest, ExplainsTheSupportReportInTheHelp) {
+    launch();
+    delegate_->showSupportReportFromMenu();
+    auto* window = visible<AgentMainWindowView>();
+    ASSERT_TRUE(window);
+    const auto isChosen = [&](const char* title) {
+        for (const auto* part : window->findChildren<QAbstractButton*>()) {
+            if (part->text() == title && part->isVisible() && part->isCheckable()) {
+                return part->isChecked();
+            }
+        }
+        return false;
+    };
+    EXPECT_TRUE(isChosen("Help"));
+    EXPECT_TRUE(isChosen("Support"));
 }
 
 TEST_F(VellmarkAppDelegateTest, ShowsTheTermsOnceEverythingIsSetUpUntilTheyAreAccepted) {

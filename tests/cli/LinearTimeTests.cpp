@@ -325,7 +325,7 @@ Reader redactionReader() {
              repeated("domains", "b.", "a@"), repeated("names of addresses", "a.b+c_"),
              repeated("begun keys", "sk-"), repeated("bearers", "Bearer Authorization: ")},
             [](const std::string& text, const TemporaryDirectory&) -> Action {
-                return [&text] { redacted(text, "/home/anna", false); };
+                return [&text] { redacted(text, "/home/anna", RedactionOptions{}); };
             }};
 }
 

@@ -114,8 +114,8 @@ TEST(HelpPageContent, LooksInEverySectionAndSaysWhenThereIsNothing) {
 
 TEST(HelpPageContent, ListsEveryKeyOfTheMenusOnce) {
     std::multiset<std::string> listed;
-    for (const HelpEntry& entry :
-         helpPageContent(HelpSection::keyboard, {}, english).groups.front().entries) {
+    const HelpPageContent content = helpPageContent(HelpSection::keyboard, {}, english);
+    for (const HelpEntry& entry : content.groups.front().entries) {
         listed.insert(entry.title + " " + entry.keys.front());
     }
     for (const MenuContent& menu : mainMenuContent(english)) {

@@ -41,27 +41,28 @@ private:
 class SettingsPageTest : public testing::Test {
 protected:
     SettingsPageModel::Sources sources() {
-        return {.preferences = *preferences,
-                .machine = machine,
-                .launchAtLogin = launchAtLogin,
-                .words = [this]() -> const Localization& { return words; },
-                .systemLanguage = "fr",
-                .factsOf = [this](const AgentProviderID& id) -> const AgentFacts* {
-                    const auto found = std::ranges::find(facts, id, &AgentFacts::id);
-                    return isAnswered && found != facts.end() ? &*found : nullptr;
+        return {
+            .preferences = *preferences,
+            .machine = machine,
+            .launchAtLogin = launchAtLogin,
+            .words = [this]() -> const Localization& { return words; },
+            .systemLanguage = "fr",
+            .factsOf = [this](const AgentProviderID& id) -> const AgentFacts* {
+                const auto found = std::ranges::find(facts, id, &AgentFacts::id);
+                return isAnswered && found != facts.end() ? &*found : nullptr;
+            },
+            .isAsking = [this](const AgentProviderID& id) { return id == asked; },
+            .ask = [this](const AgentProviderID& id,
+                          bool anew) { asking.push_back(id.rawValue + (anew ? " anew" : "")); },
+            .changed = [this] { ++changes; },
+            .takeSettings = [this] { ++takings; },
+            .hasHistory = [] { return true; },
+            .deleteHistory =
+                [this](std::function<void(std::error_code)> done) {
+                    done(deletion);
+                    lastDone = std::move(done);
                 },
-                .isAsking = [this](const AgentProviderID& id) { return id == asked; },
-                .ask = [this](const AgentProviderID& id,
-                              bool anew) { asking.push_back(id.rawValue + (anew ? " anew" : "")); },
-                .changed = [this] { ++changes; },
-                .takeSettings = [this] { ++takings; },
-                .hasHistory = [] { return true; },
-                .deleteHistory =
-                    [this](std::function<void(std::error_code)> done) {
-                        done(deletion);
-                        lastDone = std::move(done);
-                    },
-                .showFolder = [this](const std::filesystem::path& folder) { shown = folder; }};
+            .showFolder = [this](const std::filesystem::path& folder) { shownFolder = folder; }};
     }
     SettingsPageContent content() { return model->content(); }
     std::vector<SettingRowContent> rows() {
@@ -101,7 +102,7 @@ protected:
                                   {antigravity, {}, {}, {}}};
     std::error_code deletion;
     std::function<void(std::error_code)> lastDone;
-    std::filesystem::path shown;
+    std::filesystem::path shownFolder;
     int changes = 0;
     int takings = 0;
     bool isAnswered = false;
@@ -247,7 +248,7 @@ TEST_F(SettingsPageTest, MeasuresAndShowsTheDataFolder) {
     actions.appear();
     EXPECT_THAT(row(settingsRow::dataFolder).explanation, HasSubstr("2.4 MB"));
     actions.press(std::string(settingsRow::dataFolder));
-    EXPECT_EQ(shown, machine.supportDirectory());
+    EXPECT_EQ(shownFolder, machine.supportDirectory());
 }
 
 TEST_F(SettingsPageTest, TellsWhenTheHistoryCannotBeDeleted) {

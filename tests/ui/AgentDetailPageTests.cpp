@@ -1,6 +1,5 @@
 #include "screenshots/SampleHistory.h"
 #include "screenshots/SampleStates.h"
-#include "ui/ChartView.h"
 #include "ui/QtEnvironment.h"
 #include "ui/kit/Button.h"
 #include "ui/kit/Label.h"
@@ -147,7 +146,7 @@ TEST_F(AgentDetail, KeepsCardsInPlaceWhileValuesChange) {
     show(samples::loading(), 0);
     for (const AgentWindowCard* card : shown<AgentWindowCard>()) {
         EXPECT_FALSE(card->hasContent());
-        EXPECT_TRUE(card->findChildren<ChartView*>().front()->isHidden());
+        EXPECT_TRUE(card->chart()->isHidden());
     }
     EXPECT_THAT(shown<kit::Segments>(), IsEmpty());
 }
@@ -165,8 +164,8 @@ TEST_F(AgentDetail, HasTwoColumnsOnlyWhereTwoFit) {
         for (const QRect& card : {first, second, reading}) {
             EXPECT_GE(card.left(), 28) << width;
             EXPECT_LE(card.right(), width - 28) << width;
-            EXPECT_GE(card.height(), AgentWindowCard::leastHeight);
         }
+        EXPECT_GE(first.height(), AgentWindowCard::leastHeight);
         if (hasTwo) {
             EXPECT_EQ(reading.top(), place(cards[2]).top());
             EXPECT_EQ(reading.bottom(), place(cards[2]).bottom());
@@ -174,10 +173,10 @@ TEST_F(AgentDetail, HasTwoColumnsOnlyWhereTwoFit) {
     }
 }
 
-TEST_F(AgentDetail, NoFigureIsShortenedAtTheLeastWidthInAnyLanguage) {
+TEST_F(AgentDetail, NothingIsShortenedAtTheLeastWidthInAnyLanguage) {
     for (const char* language : {"de", "en", "fr", "it", "es"}) {
-        for (const UsageState& state : {samples::inspected(), samples::usedUp()}) {
-            show(state, 1, {792, 680}, language);
+        for (const UsageState& state : {samples::readAlone(), samples::usedUp()}) {
+            show(state, 1, {662, 512}, language); // of a small screen with type of 150 %
             for (const kit::Label* label : shown<kit::Label>()) {
                 EXPECT_FALSE(label->isShortened())
                     << language << ": " << label->text().toStdString();

@@ -80,5 +80,14 @@ TEST_F(LegalWindowTest, AcceptsOnlyWhatIsDueAndBeginsAnotherTextAtItsTop) {
     EXPECT_FALSE(window_.isVisible());
 }
 
+TEST_F(LegalWindowTest, GoesFromTheTextsToTheButtonsByTab) {
+    show(LegalDocument::terms, true);
+    std::vector<QString> titles;
+    for (const QWidget* stop : testing::tabStops(window_)) {
+        titles.push_back(qobject_cast<const QAbstractButton*>(stop)->text());
+    }
+    EXPECT_THAT(titles, ElementsAre("Terms of Use", "Privacy", "Close", "Accept"));
+}
+
 } // namespace
 } // namespace vellmark

@@ -153,26 +153,6 @@ void drawArea(QPainter& painter, const QPolygonF& piece, const ChartLayout& layo
     painter.drawPolygon(area);
 }
 
-QPen linePen(const ChartLook& look, ChartLook::Stroke stroke) {
-    QPen pen(accent(look), lineWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
-    switch (stroke) {
-    case ChartLook::Stroke::strong:
-        pen.setWidthF(look.isLarge ? strongWidth : lineWidth);
-        break;
-    case ChartLook::Stroke::dotted:
-        pen.setDashPattern({1 / lineWidth, 3.5 / lineWidth});
-        break;
-    case ChartLook::Stroke::thin:
-        pen.setWidthF(1);
-        break;
-    case ChartLook::Stroke::faint:
-        pen.setWidthF(1);
-        pen.setColor(mixed(color(ColorRole::lineStrong), color(ColorRole::ink3), 0.6));
-        break;
-    }
-    return pen;
-}
-
 /// Boxes with a line along their lower ends.
 void drawBoxes(QPainter& painter, const ChartLook& look, const ChartLook::Line& line,
                const ChartLayout& layout) {
@@ -197,7 +177,7 @@ void drawLines(QPainter& painter, const ChartLook& look, const ChartLayout& layo
             if (line->stroke == ChartLook::Stroke::strong) {
                 drawArea(painter, points, layout, accent(look));
             }
-            painter.setPen(linePen(look, line->stroke));
+            painter.setPen(chartPen(look, line->stroke));
             painter.setBrush(Qt::NoBrush);
             painter.drawPolyline(points);
         }
@@ -313,6 +293,26 @@ void drawEndNames(QPainter& painter, const ChartLook& look, const ChartLayout& l
 }
 
 } // namespace
+
+QPen chartPen(const ChartLook& look, ChartLook::Stroke stroke) {
+    QPen pen(accent(look), lineWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+    switch (stroke) {
+    case ChartLook::Stroke::strong:
+        pen.setWidthF(look.isLarge ? strongWidth : lineWidth);
+        break;
+    case ChartLook::Stroke::dotted:
+        pen.setDashPattern({1 / lineWidth, 3.5 / lineWidth});
+        break;
+    case ChartLook::Stroke::thin:
+        pen.setWidthF(1);
+        break;
+    case ChartLook::Stroke::faint:
+        pen.setWidthF(1);
+        pen.setColor(mixed(color(ColorRole::lineStrong), color(ColorRole::ink3), 0.6));
+        break;
+    }
+    return pen;
+}
 
 ChartLayout chartLayout(const ChartLook& look, QSizeF size) {
     double names = 0;

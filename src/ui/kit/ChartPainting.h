@@ -5,6 +5,7 @@
 #include <QRectF>
 
 class QPainter;
+class QPen;
 
 namespace vellmark::kit {
 
@@ -20,6 +21,9 @@ struct ChartLayout {
     }
     double share(double x) const { return (x - plot.left()) / plot.width(); }
 };
+
+/// With which a line of the chart is drawn.
+QPen chartPen(const ChartLook& look, ChartLook::Stroke stroke);
 
 ChartLayout chartLayout(const ChartLook& look, QSizeF size);
 

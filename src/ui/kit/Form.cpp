@@ -30,6 +30,7 @@ constexpr int headingAbove = 12;
 constexpr int headingHeight = 28;
 constexpr int headingBelow = 4;
 constexpr int hintAbove = 8;
+constexpr int below = 4;
 
 constexpr double liftedBlur = 18;
 constexpr double liftedOffset = 6;
@@ -64,9 +65,9 @@ void FormRow::addLeading(QWidget* mark, const QMargins& reach) {
     leading_.push_back({mark, reach});
 }
 
-void FormRow::addControl(QWidget* control) {
+void FormRow::addControl(QWidget* control, int reach) {
     control->setParent(this);
-    controls_.push_back(control);
+    controls_.push_back({control, reach});
 }
 
 void FormRow::setLifted(bool isLifted) {
@@ -87,10 +88,10 @@ void FormRow::setLifted(bool isLifted) {
     update();
 }
 
-std::vector<QWidget*> FormRow::shownControls() const {
-    std::vector<QWidget*> shown;
+std::vector<FormRow::Control> FormRow::shownControls() const {
+    std::vector<Control> shown;
     std::ranges::copy_if(controls_, std::back_inserter(shown),
-                         [](const QWidget* control) { return !control->isHidden(); });
+                         [](const Control& control) { return !control.widget->isHidden(); });
     return shown;
 }
 
@@ -102,11 +103,11 @@ FormRow::Plan FormRow::plan(int width) const {
     }
     const int room = std::max(width - plan.wordsLeft - padding, 0);
     int leastControls = 0;
-    for (const QWidget* control : shownControls()) {
+    for (const Control& control : shownControls()) {
         const int between = plan.controlsWidth == 0 ? 0 : gap;
-        plan.controlsWidth += between + control->sizeHint().width();
-        leastControls += between + control->minimumSizeHint().width();
-        plan.controlsHeight = std::max(plan.controlsHeight, control->sizeHint().height());
+        plan.controlsWidth += between + control.wanted().width();
+        leastControls += between + control.least().width();
+        plan.controlsHeight = std::max(plan.controlsHeight, control.wanted().height());
     }
     const int wanted =
         std::max(label_->wantedWidth(), std::min(explanation_->wantedWidth(), leastWordsWidth));
@@ -158,21 +159,23 @@ void FormRow::arrange() {
     label_->setGeometry(plan.wordsLeft, top, plan.wordsWidth, plan.labelHeight);
     explanation_->setGeometry(plan.wordsLeft, top + plan.labelHeight, plan.wordsWidth,
                               plan.explanationHeight);
-    const std::vector<QWidget*> controls = shownControls();
+    const std::vector<Control> controls = shownControls();
     int tooWide = -plan.controlsWidth - gap;
-    for (const QWidget* control : controls) {
-        tooWide += control->sizeHint().width() + gap;
+    for (const Control& control : controls) {
+        tooWide += control.wanted().width() + gap;
     }
     left = plan.isBeside ? width() - padding - plan.controlsWidth : plan.wordsLeft;
     const int middle =
         plan.isBeside ? height() / 2 : top + words + stackGap + plan.controlsHeight / 2;
-    for (QWidget* control : controls) {
-        const QSize size = control->sizeHint();
-        const int mayLose = size.width() - control->minimumSizeHint().width();
+    for (const Control& control : controls) {
+        const QSize size = control.wanted();
+        const int mayLose = size.width() - control.least().width();
         const int loses = std::clamp(tooWide, 0, std::max(mayLose, 0));
         tooWide -= loses;
-        control->setGeometry(left, middle - size.height() / 2, size.width() - loses, size.height());
-        left += size.width() - loses + gap;
+        const QRect place(left, middle - size.height() / 2, size.width() - loses, size.height());
+        const int reach = control.reach;
+        control.widget->setGeometry(place.adjusted(-reach, -reach, reach, reach));
+        left += place.width() + gap;
     }
 }
 
@@ -280,8 +283,7 @@ void FormSection::setHint(const QString& words) {
 
 int FormSection::heightForWidth(int width) const {
     const int inner = width - 2 * sideRoom;
-    int height =
-        headingAbove + headingHeight + headingBelow + card_->heightForWidth(inner) + sideRoom;
+    int height = headingAbove + headingHeight + headingBelow + card_->heightForWidth(inner) + below;
     if (!hint_->isHidden()) {
         height += hintAbove + hint_->heightForWidth(inner - 2 * FormRow::padding);
     }

@@ -33,7 +33,8 @@ public:
     void addLeading(QWidget* mark, const QMargins& reach = {});
     /// Stands at the end; in reading order. A control whose least width is smaller than the wanted
     /// one gives way first.
-    void addControl(QWidget* control);
+    /// `reach` is how far it stands out of its place on every side.
+    void addControl(QWidget* control, int reach = 0);
 
     /// While it is dragged it has a ground and a shadow of its own.
     void setLifted(bool isLifted);
@@ -60,7 +61,18 @@ private:
         int height = 0;
     };
     Plan plan(int width) const;
-    std::vector<QWidget*> shownControls() const;
+    struct Control {
+        QWidget* widget;
+        int reach;
+        QSize wanted() const { return shrunk(widget->sizeHint()); }
+        /// As wanted where it names no least width.
+        QSize least() const {
+            const QSize size = widget->minimumSizeHint();
+            return size.width() > 0 ? shrunk(size) : wanted();
+        }
+        QSize shrunk(QSize size) const { return size - QSize(2 * reach, 2 * reach); }
+    };
+    std::vector<Control> shownControls() const;
 
     Label* label_;
     Label* explanation_;
@@ -70,7 +82,7 @@ private:
         int width() const { return widget->sizeHint().width() - reach.left() - reach.right(); }
     };
     std::vector<Mark> leading_;
-    std::vector<QWidget*> controls_;
+    std::vector<Control> controls_;
     int leastHeight_ = usualHeight;
     bool isLifted_ = false;
 };
@@ -100,9 +112,9 @@ private:
 /// A heading with an optional button at its end, a card of rows, and an optional hint under it.
 class FormSection : public QWidget {
 public:
-    /// The ring of a control at the card's edge needs room: the section reaches so far beyond the
-    /// card at each side.
-    static constexpr int sideRoom = 4;
+    /// The heading's button ends where the card does by its words: its ground, and the ring around
+    /// that, reach so far beyond the card. At both sides.
+    static constexpr int sideRoom = 12;
 
     /// `card` becomes the section's child.
     explicit FormSection(FormCard* card, QWidget* parent = nullptr);

@@ -101,20 +101,24 @@ bool PathField::eventFilter(QObject* watched, QEvent* event) {
 }
 
 QSize PathField::sizeHint() const {
-    return {wantedFieldWidth + gap + choose_->sizeHint().width(), field_->sizeHint().height()};
+    return {wantedFieldWidth + gap + choose_->sizeHint().width() + 2 * ringRoom,
+            field_->sizeHint().height() + 2 * ringRoom};
 }
 
 QSize PathField::minimumSizeHint() const {
-    return {leastFieldWidth + gap + choose_->sizeHint().width(), field_->sizeHint().height()};
+    return sizeHint() - QSize(wantedFieldWidth - leastFieldWidth, 0);
 }
 
 void PathField::resizeEvent(QResizeEvent* /*event*/) {
+    const QRect inside = rect().adjusted(ringRoom, ringRoom, -ringRoom, -ringRoom);
     const QSize choose = choose_->sizeHint();
-    choose_->setGeometry(width() - choose.width(), (height() - choose.height()) / 2, choose.width(),
-                         choose.height());
-    field_->setGeometry(0, 0, std::max(choose_->x() - gap, 0), height());
-    reset_->setGeometry(field_->width() - resetSide - resetInset, (height() - resetSide) / 2,
-                        resetSide, resetSide);
+    choose_->setGeometry(inside.right() + 1 - choose.width(), inside.top(), choose.width(),
+                         inside.height());
+    field_->setGeometry(inside.left(), inside.top(),
+                        std::max(choose_->x() - gap - inside.left(), 0), inside.height());
+    const QRect text = field_->geometry();
+    reset_->setGeometry(text.right() + 1 - resetSide - resetInset,
+                        text.top() + (text.height() - resetSide) / 2, resetSide, resetSide);
 }
 
 } // namespace vellmark::kit

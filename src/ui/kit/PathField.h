@@ -15,6 +15,9 @@ class Field;
 /// cross at its end.
 class PathField : public QWidget {
 public:
+    /// Around what is seen, for the rings of its controls.
+    static constexpr int ringRoom = 4;
+
     explicit PathField(QWidget* parent = nullptr);
 
     /// `chosen` is empty where none was chosen; `found` then stands in its place.

@@ -153,7 +153,7 @@ void ReorderList::drag(FormRow* row, int distance) {
 }
 
 void ReorderList::drop(bool isWanted) {
-    FormRow* row = std::exchange(dragged_, nullptr);
+    FormRow* row = std::exchange(dragged_, QPointer<FormRow>());
     if (row == nullptr) {
         return;
     }

@@ -64,7 +64,7 @@ private:
     void drop(bool isWanted);
     void step(FormRow* row, int places);
 
-    FormRow* dragged_ = nullptr;
+    QPointer<FormRow> dragged_;
     int distance_ = 0;
     /// Where the dragged row would stand.
     int target_ = 0;

@@ -9,11 +9,14 @@
 #include <QPainter>
 
 #include <cmath>
+#include <optional>
 
 namespace vellmark::kit {
 
 namespace {
 constexpr int inset = 2;
+constexpr int logoSide = 16;
+constexpr int logoGap = 8;
 
 struct Measures {
     int height;
@@ -33,15 +36,20 @@ class Segments::Part : public QAbstractButton {
 public:
     Part(Size size, QWidget* parent)
         : QAbstractButton(parent), measures_(measures(size)),
-          interaction_(this, FocusShape{measures_.radius - inset, focusGap}) {
+          interaction_(this, FocusShape{measures_.radius - inset, 0}) {
         setCheckable(true);
         setAutoExclusive(true);
         setFocusPolicy(Qt::StrongFocus);
     }
 
+    void setLogo(const std::optional<LogoLook>& logo) {
+        logo_ = logo;
+        update();
+    }
+
     QSize sizeHint() const override {
         const double words = textWidth(text(), measures_.words);
-        return {static_cast<int>(std::ceil(words)) + 2 * measures_.padding,
+        return {static_cast<int>(std::ceil(words)) + 2 * measures_.padding + logoRoom(),
                 measures_.height - 2 * inset};
     }
 
@@ -63,17 +71,25 @@ protected:
             painter.drawRoundedRect(rect(), corner, corner);
         }
         painter.setPen(color(isChecked() ? ColorRole::ink : ColorRole::ink2));
-        drawText(painter, rect(), Qt::AlignHCenter, text(), measures_.words);
+        drawText(painter, rect().adjusted(logoRoom(), 0, 0, 0), Qt::AlignHCenter, text(),
+                 measures_.words);
+        if (logo_) {
+            drawLogo(painter, QPointF(measures_.padding, (height() - logoSide) / 2.0), logoSide,
+                     *logo_);
+        }
     }
 
 private:
+    int logoRoom() const { return logo_ ? logoSide + logoGap : 0; }
+
+    std::optional<LogoLook> logo_;
     const Measures& measures_;
     Interaction interaction_;
 };
 
 Segments::Segments(Size size, QWidget* parent) : QWidget(parent), size_(size) {}
 
-void Segments::setChoices(const QStringList& choices) {
+void Segments::setChoices(const QStringList& choices, const std::vector<LogoLook>& logos) {
     while (static_cast<qsizetype>(parts_.size()) > choices.size()) {
         delete parts_.back();
         parts_.pop_back();
@@ -91,6 +107,7 @@ void Segments::setChoices(const QStringList& choices) {
     }
     for (std::size_t index = 0; index < parts_.size(); ++index) {
         parts_[index]->setText(choices[static_cast<qsizetype>(index)]);
+        parts_[index]->setLogo(index < logos.size() ? std::optional(logos[index]) : std::nullopt);
     }
     arrange();
     updateGeometry();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/kit/LogoTile.h"
+
 #include <QWidget>
 
 #include <functional>
@@ -15,7 +17,8 @@ public:
     enum class Size { normal, small };
 
     explicit Segments(Size size, QWidget* parent = nullptr);
-    void setChoices(const QStringList& choices);
+    /// Each with a logo before it where there are any.
+    void setChoices(const QStringList& choices, const std::vector<LogoLook>& logos = {});
     /// -1 for none.
     void setCurrent(int index);
     int current() const;

@@ -118,8 +118,7 @@ private:
         painter.setPen(kit::color(ColorRole::ink2));
         kit::drawText(painter, QRectF(padding, 0, timeWidth, rowHeight), Qt::AlignLeft,
                       qString(content.time), kit::style::text);
-        const QPointF mark(padding + timeWidth + (levelWidth - markSide) / 2.0 + 1,
-                           (rowHeight - markSide) / 2.0);
+        const QPointF mark(padding + timeWidth + 5, (rowHeight - markSide) / 2.0);
         const QRectF markBox(mark, QSizeF(markSide, markSide));
         if (content.isFold) {
             drawChevron(painter, markBox.center(), content.isUnfolded);

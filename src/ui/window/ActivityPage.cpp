@@ -107,7 +107,6 @@ void ActivityPage::setContent(const ActivityPageContent& content) {
 }
 
 void ActivityPage::setTexts(const ActivityPageContent& content) {
-    head().setContent(content.head);
     for (const auto& [button, control] :
          {std::pair(copy_, &content.copy), std::pair(save_, &content.save),
           std::pair(toNewest_, &content.toNewest), std::pair(showAll_, &content.showAll)}) {
@@ -115,6 +114,7 @@ void ActivityPage::setTexts(const ActivityPageContent& content) {
         button->setIconName(control->icon);
         button->setToolTip(qString(control->help));
     }
+    head().setContent(content.head); // which gives the buttons the room they need now
     search_->setPlaceholderText(qString(content.search));
     search_->setAccessibleName(qString(content.search));
     QStringList names;
@@ -238,7 +238,7 @@ void ActivityPage::arrange() {
 
     const QRect box = card();
     const auto title = [&](kit::Label* label, int from, int to) {
-        label->setGeometry(box.left() + from, box.top(), to - from, headHeight);
+        label->setGeometry(box.left() + line + from, box.top(), to - from, headHeight);
     };
     title(timeTitle_, ActivityList::padding, ActivityList::subjectLeft);
     title(subjectTitle_, ActivityList::subjectLeft, ActivityList::textLeft);
@@ -274,7 +274,7 @@ void ActivityPage::paintEvent(QPaintEvent* /*event*/) {
     painter.fillRect(QRect(box.left(), box.top() + headHeight, box.width(), line), hairline);
     painter.fillRect(QRect(box.left(), box.bottom() - footHeight, box.width(), line), hairline);
     if (list_->follows() && list_->isVisibleTo(this)) {
-        const QRectF mark(box.left() + ActivityList::padding,
+        const QRectF mark(box.left() + line + ActivityList::padding,
                           box.bottom() + 1 - footHeight / 2.0 - followIcon / 2.0, followIcon,
                           followIcon);
         kit::drawIcon(painter, mark, "checkmark", kit::color(ColorRole::ink2));

@@ -85,21 +85,31 @@ void PageHead::arrange() {
         control->setGeometry(right - size.width(), top, size.width(), size.height());
         right = control->x() - gap;
     }
-    const int age = age_->wantedWidth();
-    age_->setGeometry(right - age, top, age, refresh_->sizeHint().height());
     const int left = margin + titleInset_;
-    const int wide = std::max(age_->x() - gap - left, 0);
+    const int subtitleTop = top + kit::style::title.lineHeight + subtitleGap;
+    // The buttons end above it.
+    int subtitleRight = width() - margin;
+
     const QSize mark = titleMark_ != nullptr ? titleMark_->sizeHint() + QSize(gap, 0) : QSize(0, 0);
-    const int title = std::clamp(wide - mark.width(), 0, title_->wantedWidth());
+    const int age = age_->wantedWidth();
+    const bool fitsBeside = left + title_->wantedWidth() + mark.width() + gap <= right - age;
+    if (fitsBeside) {
+        age_->setGeometry(right - age, top, age, refresh_->sizeHint().height());
+        right -= age + gap;
+    } else {
+        // Where there is little room, the title goes before it.
+        age_->setGeometry(subtitleRight - age, subtitleTop, age, kit::style::text.lineHeight);
+        subtitleRight -= age + gap;
+    }
+    const int title = std::clamp(right - left - mark.width(), 0, title_->wantedWidth());
     title_->setGeometry(left, top, title, kit::style::title.lineHeight);
     if (titleMark_ != nullptr) {
         titleMark_->setGeometry(left + title + gap,
                                 top + (kit::style::title.lineHeight - mark.height()) / 2,
                                 mark.width() - gap, mark.height());
     }
-    // The buttons end above it.
-    subtitle_->setGeometry(left, top + kit::style::title.lineHeight + subtitleGap,
-                           std::max(width() - margin - left, 0), kit::style::text.lineHeight);
+    subtitle_->setGeometry(left, subtitleTop, std::max(subtitleRight - left, 0),
+                           kit::style::text.lineHeight);
 }
 
 } // namespace vellmark

@@ -14,6 +14,7 @@
 
 #include <QDir>
 #include <QFileDialog>
+#include <QFocusEvent>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -125,7 +126,7 @@ void SettingsPage::updatePrograms(const SettingsPageContent& content) {
             former.erase(known);
         } else {
             program = {agent.id, new kit::FormRow, new kit::PathField, {}};
-            program.row->addControl(program.field);
+            program.row->addControl(program.field, kit::PathField::ringRoom);
             program.field->onEnter = [this, id = agent.id](const QString& path) {
                 actions_.chooseProgram(id, path.toStdString());
             };
@@ -279,6 +280,13 @@ void SettingsPage::scrollToTop() {
     scroller_->verticalScrollBar()->setValue(0);
 }
 
+/// A picture has nobody to ask.
+void SettingsPage::pageShown() {
+    if (actions_.appear) {
+        actions_.appear();
+    }
+}
+
 void SettingsPage::pageHidden() {
     delete question_;
 }
@@ -287,7 +295,11 @@ void SettingsPage::pageHidden() {
 bool SettingsPage::eventFilter(QObject* watched, QEvent* event) {
     auto* control = qobject_cast<QWidget*>(watched);
     if (event->type() == QEvent::FocusIn && control != nullptr && column_->isAncestorOf(control)) {
-        scroller_->ensureWidgetVisible(control, 0, margin);
+        // What a click finds is in view, and must not move under the pointer.
+        const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+        if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason) {
+            scroller_->ensureWidgetVisible(control, 0, margin);
+        }
     }
     return WindowPage::eventFilter(watched, event);
 }

@@ -36,7 +36,7 @@ public:
     void setContent(const SettingsPageContent& content);
     std::vector<QWidget*> controls() const override;
     void scrollToTop() override;
-    void pageShown() override { actions_.appear(); }
+    void pageShown() override;
     void pageHidden() override;
 
     /// Asks for a file, at first beside the one at `current`; calls back with its path, or never.

@@ -5,6 +5,7 @@
 #include "ui/window/AgentDetailPage.h"
 #include "ui/window/HeadOnlyPage.h"
 #include "ui/window/HelpPage.h"
+#include "ui/window/HistoryPage.h"
 #include "ui/window/OverviewPage.h"
 #include "ui/window/SettingsPage.h"
 
@@ -27,6 +28,7 @@ struct Giver {
     void operator()(const AgentPageContent& content) const { give<AgentDetailPage>(page, content); }
 
     // history
+    void operator()(const HistoryPageContent& content) const { give<HistoryPage>(page, content); }
 
     // activity
     void operator()(const ActivityPageContent& content) const { give<ActivityPage>(page, content); }
@@ -49,7 +51,7 @@ WindowPage* makePage(AgentPage::Kind kind, const MainWindowActions& actions, QWi
     case Kind::provider:
         return new AgentDetailPage(actions.program, actions.agent, parent);
     case Kind::history:
-        return new HeadOnlyPage(parent);
+        return new HistoryPage(actions.program, actions.history, parent);
     case Kind::activity:
         return new ActivityPage(actions.activity, parent);
     case Kind::settings:

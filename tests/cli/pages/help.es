@@ -22,6 +22,9 @@ Comandos:
   agents
       Listar los agentes: activo,
       sesión, versión, programa
+  settings
+      Listar, mostrar o cambiar los
+      ajustes
   inspect
       Interpretar una salida guardada de
       un agente
@@ -57,7 +60,7 @@ Opciones:
   --sandbox DIR
       Para desarrolladores: examinar la
       carpeta DIR en lugar de este
-      equipo
+      ordenador
 
 Sin comando: usage. “vellmark help
 COMANDO” explica un comando.
@@ -110,7 +113,7 @@ Para todos los comandos:
   --sandbox DIR
       Para desarrolladores: examinar la
       carpeta DIR en lugar de este
-      equipo
+      ordenador
 
 Para informes de error: muestra en JSON
 lo que Vellmark lee de la salida. No
@@ -131,6 +134,7 @@ Comandos:
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión,
                    versión, programa
+  settings         Listar, mostrar o cambiar los ajustes
   inspect          Interpretar una salida guardada de un
                    agente
   setup            Instalar los agentes e iniciar sesión en
@@ -151,7 +155,7 @@ Opciones:
   --demo           Con agentes simulados en una carpeta
                    desechable
   --sandbox DIR    Para desarrolladores: examinar la carpeta
-                   DIR en lugar de este equipo
+                   DIR en lugar de este ordenador
 
 Sin comando: usage. “vellmark help COMANDO” explica un
 comando.
@@ -185,7 +189,7 @@ Para todos los comandos:
   --demo           Con agentes simulados en una carpeta
                    desechable
   --sandbox DIR    Para desarrolladores: examinar la carpeta
-                   DIR en lugar de este equipo
+                   DIR en lugar de este ordenador
 
 Para informes de error: muestra en JSON lo que Vellmark lee
 de la salida. No escribe archivos ni inicia nada. Termina
@@ -202,6 +206,7 @@ Comandos:
   history          El historial registrado
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión, versión, programa
+  settings         Listar, mostrar o cambiar los ajustes
   inspect          Interpretar una salida guardada de un agente
   setup            Instalar los agentes e iniciar sesión en ellos
   setup-script     Mostrar el script que instala un agente o inicia sesión en él
@@ -217,7 +222,7 @@ Opciones:
   --color WHEN     Colores: auto, always o never (auto)
   --demo           Con agentes simulados en una carpeta desechable
   --sandbox DIR    Para desarrolladores: examinar la carpeta DIR en lugar de
-                   este equipo
+                   este ordenador
 
 Sin comando: usage. “vellmark help COMANDO” explica un comando.
 Interpretar una salida guardada de un agente
@@ -246,7 +251,7 @@ Para todos los comandos:
   --color WHEN     Colores: auto, always o never (auto)
   --demo           Con agentes simulados en una carpeta desechable
   --sandbox DIR    Para desarrolladores: examinar la carpeta DIR en lugar de
-                   este equipo
+                   este ordenador
 
 Para informes de error: muestra en JSON lo que Vellmark lee de la salida. No
 escribe archivos ni inicia nada. Termina con 1 si no hay nada que leer.
@@ -262,6 +267,7 @@ Comandos:
   history          El historial registrado
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión, versión, programa
+  settings         Listar, mostrar o cambiar los ajustes
   inspect          Interpretar una salida guardada de un agente
   setup            Instalar los agentes e iniciar sesión en ellos
   setup-script     Mostrar el script que instala un agente o inicia sesión en él
@@ -275,7 +281,7 @@ Opciones:
   --language LANG  Idioma de la salida: de, en, fr, it o es (si no, el de los ajustes)
   --color WHEN     Colores: auto, always o never (auto)
   --demo           Con agentes simulados en una carpeta desechable
-  --sandbox DIR    Para desarrolladores: examinar la carpeta DIR en lugar de este equipo
+  --sandbox DIR    Para desarrolladores: examinar la carpeta DIR en lugar de este ordenador
 
 Sin comando: usage. “vellmark help COMANDO” explica un comando.
 Interpretar una salida guardada de un agente
@@ -301,7 +307,7 @@ Para todos los comandos:
   --language LANG  Idioma de la salida: de, en, fr, it o es (si no, el de los ajustes)
   --color WHEN     Colores: auto, always o never (auto)
   --demo           Con agentes simulados en una carpeta desechable
-  --sandbox DIR    Para desarrolladores: examinar la carpeta DIR en lugar de este equipo
+  --sandbox DIR    Para desarrolladores: examinar la carpeta DIR en lugar de este ordenador
 
 Para informes de error: muestra en JSON lo que Vellmark lee de la salida. No escribe archivos ni
 inicia nada. Termina con 1 si no hay nada que leer.
@@ -317,6 +323,7 @@ Comandos:
   history          El historial registrado
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión, versión, programa
+  settings         Listar, mostrar o cambiar los ajustes
   inspect          Interpretar una salida guardada de un agente
   setup            Instalar los agentes e iniciar sesión en ellos
   setup-script     Mostrar el script que instala un agente o inicia sesión en él
@@ -330,7 +337,7 @@ Opciones:
   --language LANG  Idioma de la salida: de, en, fr, it o es (si no, el de los ajustes)
   --color WHEN     Colores: auto, always o never (auto)
   --demo           Con agentes simulados en una carpeta desechable
-  --sandbox DIR    Para desarrolladores: examinar la carpeta DIR en lugar de este equipo
+  --sandbox DIR    Para desarrolladores: examinar la carpeta DIR en lugar de este ordenador
 
 Sin comando: usage. “vellmark help COMANDO” explica un comando.
 Interpretar una salida guardada de un agente
@@ -356,7 +363,7 @@ Para todos los comandos:
   --language LANG  Idioma de la salida: de, en, fr, it o es (si no, el de los ajustes)
   --color WHEN     Colores: auto, always o never (auto)
   --demo           Con agentes simulados en una carpeta desechable
-  --sandbox DIR    Para desarrolladores: examinar la carpeta DIR en lugar de este equipo
+  --sandbox DIR    Para desarrolladores: examinar la carpeta DIR en lugar de este ordenador
 
 Para informes de error: muestra en JSON lo que Vellmark lee de la salida. No escribe archivos ni
 inicia nada. Termina con 1 si no hay nada que leer.

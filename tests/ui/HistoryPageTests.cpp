@@ -1,0 +1,146 @@
+#include "screenshots/SampleHistory.h"
+#include "screenshots/SampleStates.h"
+#include "ui/ChartView.h"
+#include "ui/QtEnvironment.h"
+#include "ui/kit/HeatMap.h"
+#include "ui/window/HistoryCards.h"
+#include "ui/window/HistoryPage.h"
+
+#include <QAbstractButton>
+#include <QAccessible>
+#include <QImage>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace vellmark {
+namespace {
+
+class History : public ::testing::Test {
+protected:
+    History() {
+        actions.chooseAgent = [this](const AgentProviderID& id) { calls.push_back(id.rawValue); };
+        actions.chooseRange = [this](ChartRange range) { calls.emplace_back(storedText(range)); };
+        actions.toggle = [this](const std::string& id) { calls.push_back("toggle " + id); };
+        actions.save = [this](const std::function<std::string()>& drawn) { picture = drawn(); };
+        samples::addHistory(history, state);
+        show({.agent = AgentProviderID::claude()});
+    }
+
+    void show(const HistoryPageChoice& choice) {
+        page.resize(872, 760);
+        page.setContent(
+            historyPageContent(state, history, choice, samples::now(), samples::words("en")));
+        page.show();
+    }
+    QAbstractButton* button(const QString& name) {
+        for (QAbstractButton* candidate : page.findChildren<QAbstractButton*>()) {
+            if (candidate->text() == name) {
+                return candidate;
+            }
+        }
+        ADD_FAILURE() << "no button " << name.toStdString();
+        return nullptr;
+    }
+    static void press(QWidget* widget, int key) {
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+        QCoreApplication::sendEvent(widget, &event);
+    }
+    static void pointAt(QWidget* widget, QPointF place) {
+        QMouseEvent event(QEvent::MouseMove, place, widget->mapToGlobal(place), Qt::NoButton,
+                          Qt::NoButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(widget, &event);
+    }
+
+    AgentUIActions program;
+    HistoryPageActions actions;
+    std::vector<std::string> calls;
+    std::string picture;
+    UsageState state = samples::normal();
+    UsageHistory history;
+    HistoryPage page{program, actions, nullptr};
+};
+
+TEST_F(History, ControlsDoWhatTheySay) {
+    button("Antigravity")->click();
+    button("90 d")->click();
+    button("Session")->click();
+    button("30 d before")->click();
+    EXPECT_EQ(calls, (std::vector<std::string>{"antigravity", "90d", "toggle session", "toggle "}));
+    button("Export …")->click();
+    const QImage drawn = QImage::fromData(QByteArray::fromStdString(picture), "PNG");
+    EXPECT_EQ(drawn.size(), page.chartCard()->size() * 2);
+}
+
+TEST_F(History, TheChartIsReadByPointerAndByKeys) {
+    ChartView* chart = page.chartCard()->chart();
+    EXPECT_FALSE(chart->readout());
+    pointAt(chart, {chart->width() * 0.3, 100});
+    ASSERT_TRUE(chart->readout());
+    EXPECT_EQ(chart->readout()->rows.size(), 2u);
+    const double pointed = chart->readout()->x;
+    press(chart, Qt::Key_Left);
+    EXPECT_LT(chart->readout()->x, pointed);
+    press(chart, Qt::Key_Right);
+    EXPECT_NEAR(chart->readout()->x, pointed, 0.01);
+    press(chart, Qt::Key_End);
+    EXPECT_EQ(chart->readout()->x, 1);
+    EXPECT_EQ(chart->readout()->rows.at(0).value, "29% left");
+    const QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(chart);
+    EXPECT_EQ(spoken->role(), QAccessible::Chart);
+    EXPECT_TRUE(spoken->text(QAccessible::Name).startsWith("Claude, last 30 days"));
+    EXPECT_TRUE(spoken->text(QAccessible::Value).contains("Week 29% left"));
+    press(chart, Qt::Key_Escape);
+    EXPECT_FALSE(chart->readout());
+}
+
+TEST_F(History, TheHeatMapIsReadByPointerAndByKeys) {
+    kit::HeatMap* map = page.heatCard()->map();
+    const QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(map);
+    EXPECT_EQ(spoken->text(QAccessible::Name), "Use by weekday and hour");
+    press(map, Qt::Key_Down);
+    EXPECT_EQ(map->cell(), (kit::HeatMap::Cell{0, 0})) << "the first key reads the first cell";
+    press(map, Qt::Key_Down);
+    press(map, Qt::Key_End);
+    EXPECT_EQ(map->cell(), (kit::HeatMap::Cell{1, 23}));
+    press(map, Qt::Key_Right);
+    EXPECT_EQ(map->cell()->column, 23) << "no cell beyond";
+    EXPECT_TRUE(spoken->text(QAccessible::Value).startsWith("Mon, 11 PM: "));
+    pointAt(map, {map->width() / 2.0, 4});
+    EXPECT_EQ(map->cell()->row, 0);
+    pointAt(map, {2, 4});
+    EXPECT_FALSE(map->cell()) << "the names are no cells";
+}
+
+TEST_F(History, LetsThePointsGoWhenItIsLeft) {
+    EXPECT_FALSE(page.chartCard()->chart()->content().lines.empty());
+    page.hide();
+    page.pageHidden();
+    EXPECT_TRUE(page.chartCard()->chart()->content().lines.empty());
+    show({.agent = AgentProviderID::codex(), .range = ChartRange::year});
+    EXPECT_EQ(page.chartCard()->chart()->content().agent, AgentProviderID::codex());
+}
+
+TEST_F(History, EveryControlHasANameAndItsPlaceInTheOrder) {
+    for (QWidget* control : page.controls()) {
+        const QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(control);
+        if (control->isVisibleTo(&page)) {
+            EXPECT_FALSE(spoken->text(QAccessible::Name).isEmpty())
+                << control->metaObject()->className();
+        }
+    }
+    for (QWidget* widget : page.findChildren<QWidget*>()) {
+        if (widget->focusPolicy() == Qt::StrongFocus && widget->isVisibleTo(&page)) {
+            const auto controls = page.controls();
+            EXPECT_NE(std::ranges::find(controls, widget), controls.end())
+                << widget->accessibleName().toStdString();
+        }
+    }
+}
+
+} // namespace
+} // namespace vellmark
