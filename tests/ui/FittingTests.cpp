@@ -99,7 +99,7 @@ TEST_P(Fitting, Popover) {
 
 TEST_P(Fitting, Overview) {
     AgentNavigationState navigation;
-    AgentMainWindowView view(recorded.actions(), navigation);
+    AgentMainWindowView view({.program = recorded.actions()}, navigation);
     view.resize(AgentMainWindowView::leastSize);
     for (const auto& [name, make] : states) {
         const UsageState state = make();
