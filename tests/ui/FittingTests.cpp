@@ -32,8 +32,8 @@ const std::pair<const char*, UsageState (*)()> states[] = {
     {"stale", samples::stale},           {"overdue", samples::overdue},
     {"used up", samples::usedUp},        {"all failed", samples::allFailed},
     {"incomplete", samples::incomplete}, {"failed", samples::failed},
-    {"balances", samples::balances},     {"refusing", samples::refusing},
-    {"credited", samples::credited},     {"no agents", samples::noAgents},
+    {"balances", samples::balances},     {"credited", samples::credited},
+    {"no agents", samples::noAgents},
 };
 
 /// Whether the place of a widget is too small for its words. A short form counts as fitting.
