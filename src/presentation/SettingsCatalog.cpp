@@ -210,7 +210,8 @@ std::string SettingsCatalog::allowedText(const SettingItem& item) const {
     case Kind::minutes:
         break;
     }
-    return std::to_string(leastMinutes) + "-" + std::to_string(mostMinutes) + ", " + automatic;
+    std::string range = std::to_string(leastMinutes);
+    return range.append("-").append(std::to_string(mostMinutes)).append(", ").append(automatic);
 }
 
 std::string SettingsCatalog::title(const SettingItem& item, const Localization& words) const {
