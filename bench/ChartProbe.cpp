@@ -25,7 +25,7 @@ constexpr int sampleCount = 200'000;
 constexpr int runs = 9;
 constexpr double year = 365 * 86'400.0;
 constexpr double week = 7 * 86'400.0;
-constexpr QSize plotSize(1400, 700);
+constexpr QSize plotSize(784, 350);
 
 bool isEveryLimitKept = true;
 
@@ -99,7 +99,7 @@ void measure(const Made& made) {
         draw();
     });
     print("a year's chart from its samples", reduction, 100);
-    print("drawn, 1400 x 700 at two pixels a point", drawing, 100);
+    print("drawn, 784 x 350 at two pixels a point", drawing, 100);
     print("both together", reduction + drawing, 100);
     print("a frame while the pointer reads", frame, 1000.0 / 60);
     print("the page's content", median([&] {

@@ -37,6 +37,8 @@ void WindowController::show() {
     }
     fitToScreen();
     window_->show();
+    // Once more with the frame that it was given.
+    fitToScreen();
     window_->raise();
     window_->activateWindow();
     activateApplication();

@@ -358,7 +358,7 @@ ChartContent chartContent(const UsageState& state, const UsageHistory& history,
     content.nowX = request.looksAhead ? shareOfPast : 1;
     content.scale = {.from = now - past,
                      .to = now - past + past / content.nowX,
-                     .columns = request.looksAhead ? 400 : 1200,
+                     .columns = request.looksAhead ? 400 : 500,
                      .wholeSince = HistoryThinning::keptWholeSince(now)};
     const auto snapshot =
         std::ranges::find(state.snapshots, request.agent, &AgentUsageSnapshot::id);

@@ -1,9 +1,10 @@
 #include "text/SearchWords.h"
 
+#include "text/Characters.h"
+
 #include <unicode/normalizer2.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
-#include <unicode/utf8.h>
 
 #include <algorithm>
 #include <array>
@@ -75,11 +76,8 @@ std::string folded(std::string_view text) {
     static const FoldedCharacters characters;
     std::string result;
     result.reserve(text.size());
-    const auto length = static_cast<std::int32_t>(text.size());
-    for (std::int32_t index = 0; index < length;) {
-        UChar32 character = 0;
-        U8_NEXT(text.data(), index, length, character);
-        characters.append(character < 0 ? 0xFFFD : character, result);
+    for (std::size_t offset = 0; offset < text.size();) {
+        characters.append(static_cast<UChar32>(nextCharacter(text, offset)), result);
     }
     return result;
 }

@@ -17,9 +17,9 @@ const Localization english("en", "en_US", "UTC");
 constexpr double fiveHours = 300;
 constexpr double week = 7 * 24 * 60;
 
-class AgentPage : public testing::Test {
+class AgentsPage : public testing::Test {
 protected:
-    AgentPage() { machine.home = "/home/ann"; }
+    AgentsPage() { machine.home = "/home/ann"; }
 
     AgentPageContent content(std::size_t agent = 0) const {
         return agentPageContent(state.snapshots.at(agent),
@@ -46,7 +46,7 @@ protected:
     std::optional<AgentFacts> facts;
 };
 
-TEST_F(AgentPage, TellsInTheHeadWhoItIsAndHowOldTheFiguresAre) {
+TEST_F(AgentsPage, TellsInTheHeadWhoItIsAndHowOldTheFiguresAre) {
     state.snapshots[0].accountLabel = "name@example.org";
     state.snapshots[0].plan = "Max 20x";
     EXPECT_EQ(content().head.title, "Claude");
@@ -68,10 +68,10 @@ TEST_F(AgentPage, TellsInTheHeadWhoItIsAndHowOldTheFiguresAre) {
     EXPECT_EQ(content().agent.statusText, "34 min old");
     EXPECT_EQ(content().head.age, "Last tried 2 min ago");
     ASSERT_TRUE(content().agent.failure);
-    EXPECT_EQ(content().windows[0].statusText, "Healthy · 34 min old");
+    EXPECT_EQ(content().windows[0].statusText, "Running low · 34 min old");
 }
 
-TEST_F(AgentPage, ShowsEachWindowWithItsOwnHealthAndOutlook) {
+TEST_F(AgentsPage, ShowsEachWindowWithItsOwnHealthAndOutlook) {
     const AgentPageContent page = content();
     ASSERT_THAT(page.windows, SizeIs(2));
     EXPECT_THAT(page.agent.rows, IsEmpty()) << "they would be told twice";
@@ -101,7 +101,7 @@ TEST_F(AgentPage, ShowsEachWindowWithItsOwnHealthAndOutlook) {
     EXPECT_EQ(content().windows[0].statusText, "Reset due");
 }
 
-TEST_F(AgentPage, OffersNoRangeWhereThereIsNoCourse) {
+TEST_F(AgentsPage, OffersNoRangeWhereThereIsNoCourse) {
     EXPECT_THAT(content().ranges, SizeIs(2));
     state.snapshots[0].windows.clear();
     EXPECT_THAT(content().ranges, IsEmpty());
@@ -111,7 +111,7 @@ TEST_F(AgentPage, OffersNoRangeWhereThereIsNoCourse) {
     }
 }
 
-TEST_F(AgentPage, TellsHowTheAgentIsRead) {
+TEST_F(AgentsPage, TellsHowTheAgentIsRead) {
     EXPECT_EQ(fact("CLI"), "Claude Code CLI");
     EXPECT_EQ(fact("Path"), "Looking for it …");
     EXPECT_EQ(fact("Last read"), "2 min ago · 1:46 PM");
@@ -140,7 +140,7 @@ TEST_F(AgentPage, TellsHowTheAgentIsRead) {
     EXPECT_EQ(fact("Took"), "7.0 s · query") << "by the clock, with what stood around it";
 }
 
-TEST_F(AgentPage, TellsThePhasesThatCanBeSeen) {
+TEST_F(AgentsPage, TellsThePhasesThatCanBeSeen) {
     EXPECT_THAT(content().reading.phases, IsEmpty());
     state.snapshots[0].notes = {{SnapshotNote::ClaudeTiming{.waitMs = 0,
                                                             .startMs = 1100,
@@ -158,7 +158,7 @@ TEST_F(AgentPage, TellsThePhasesThatCanBeSeen) {
     EXPECT_DOUBLE_EQ(reading.phases.at(2).share, 2.9 / 5.8);
 }
 
-TEST_F(AgentPage, MovesTheAgentAmongThoseThatAreShown) {
+TEST_F(AgentsPage, MovesTheAgentAmongThoseThatAreShown) {
     EXPECT_EQ(content().reading.orderTitle, "") << "the only agent";
     state = stateOf({live(codex, {}), live(antigravity, {})});
     state.providerOrder = {codex, claude, antigravity}; // Claude is switched off
@@ -171,13 +171,13 @@ TEST_F(AgentPage, MovesTheAgentAmongThoseThatAreShown) {
     EXPECT_THAT(last.orderIfLater, IsEmpty());
 }
 
-TEST_F(AgentPage, SaysThatItIsReadByHandOnly) {
+TEST_F(AgentsPage, SaysThatItIsReadByHandOnly) {
     EXPECT_THAT(content().agent.notes, IsEmpty());
     state.readByHandOnly = {claude};
     EXPECT_THAT(content().agent.notes, SizeIs(1));
 }
 
-TEST_F(AgentPage, HasItsPlaceBeforeTheFirstReading) {
+TEST_F(AgentsPage, HasItsPlaceBeforeTheFirstReading) {
     state.snapshots[0] = {.id = claude};
     const AgentPageContent page = content();
     EXPECT_EQ(page.agent.boneRows, 3);

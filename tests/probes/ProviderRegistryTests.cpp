@@ -15,10 +15,11 @@ TEST(ProviderRegistry, OffersACompleteAgentInEveryPlace) {
     const TemporaryDirectory directory;
     const Machine machine = Machine::sandbox(directory.path());
     std::vector<std::string> ids;
-    for (const auto& [descriptor, make] : providerRegistry()) {
+    for (const auto& [descriptor, make, savedRuns] : providerRegistry()) {
         ids.push_back(descriptor.id.rawValue);
         EXPECT_EQ(make(machine, {})->id(), descriptor.id);
         EXPECT_EQ(providerDescriptor(descriptor.id), &descriptor);
+        EXPECT_TRUE(savedRuns.read);
         ASSERT_TRUE(descriptor.setup);
         EXPECT_TRUE(descriptor.setup->isLoggedIn);
         EXPECT_EQ(descriptor.executableLocator(machine), std::nullopt);

@@ -5,8 +5,9 @@
 #include "ui/kit/SoftShadow.h"
 #include "ui/kit/TextStyle.h"
 
+#include <QLineF>
 #include <QPainter>
-#include <QPainterPath>
+#include <QPen>
 
 #include <algorithm>
 #include <cmath>
@@ -132,25 +133,67 @@ void drawSpanLabel(QPainter& painter, const ChartLook::Span& span, const ChartLa
 }
 
 void drawVerticals(QPainter& painter, const ChartLook& look, const ChartLayout& layout) {
-    QPen pen(color(ColorRole::ink3), 1, Qt::CustomDashLine, Qt::RoundCap);
-    pen.setDashPattern({0.5, 3});
-    painter.setPen(pen);
+    constexpr double dotStep = 4;
+    painter.setRenderHint(QPainter::Antialiasing, false);
     for (const double vertical : look.verticals) {
-        const double x = crisp(layout.place({vertical, 0}).x());
-        painter.drawLine(QPointF(x, layout.plot.top()), QPointF(x, layout.plot.bottom()));
+        const double x = std::floor(layout.place({vertical, 0}).x());
+        for (double y = layout.plot.top(); y < layout.plot.bottom(); y += dotStep) {
+            painter.fillRect(QRectF(x, y, 1, 1), color(ColorRole::ink3));
+        }
+    }
+    painter.setRenderHint(QPainter::Antialiasing);
+}
+
+/// Calls `draw` with parts of a line that follow each other, each from where the last one ended:
+/// the painter's time rises steeply with the points of one path.
+template<class Draw>
+void forEachPart(const QPolygonF& points, const Draw& draw) {
+    constexpr qsizetype pointsInPart = 4;
+    for (qsizetype first = 0; first + 1 < points.size(); first += pointsInPart) {
+        draw(points.mid(first, pointsInPart + 1));
     }
 }
 
+/// Column by column, which costs the same for any number of points.
 void drawArea(QPainter& painter, const QPolygonF& piece, const ChartLayout& layout,
               const QColor& ink) {
-    QPolygonF area = piece;
-    area << QPointF(piece.last().x(), layout.plot.bottom())
-         << QPointF(piece.first().x(), layout.plot.bottom());
     QColor fill = ink;
     fill.setAlphaF(areaOpacity);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(fill);
-    painter.drawPolygon(area);
+    const double column = 1 / painter.deviceTransform().m11();
+    qsizetype next = 1;
+    if (piece.size() < 2) {
+        return;
+    }
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    const double begin =
+        std::ceil(std::max(piece.first().x(), layout.plot.left()) / column) * column;
+    for (double x = begin; x < std::min(piece.last().x(), layout.plot.right()); x += column) {
+        while (next + 1 < piece.size() && piece[next].x() <= x) {
+            ++next;
+        }
+        const QPointF& from = piece[next - 1];
+        const QPointF& to = piece[next];
+        const double share = to.x() > from.x() ? (x - from.x()) / (to.x() - from.x()) : 1;
+        const double y = from.y() + (to.y() - from.y()) * std::clamp(share, 0.0, 1.0);
+        painter.fillRect(QRectF(x, y, column, layout.plot.bottom() - y), fill);
+    }
+    painter.setRenderHint(QPainter::Antialiasing);
+}
+
+/// The dashes go on from part to part.
+void drawLine(QPainter& painter, const QPolygonF& piece, QPen pen) {
+    double length = 0;
+    painter.setBrush(Qt::NoBrush);
+    forEachPart(piece, [&](const QPolygonF& part) {
+        if (pen.style() == Qt::CustomDashLine) {
+            pen.setDashOffset(length / pen.widthF());
+            for (qsizetype index = 1; index < part.size(); ++index) {
+                length += QLineF(part[index - 1], part[index]).length();
+            }
+        }
+        painter.setPen(pen);
+        painter.drawPolyline(part);
+    });
 }
 
 /// Boxes with a line along their lower ends.
@@ -177,9 +220,7 @@ void drawLines(QPainter& painter, const ChartLook& look, const ChartLayout& layo
             if (line->stroke == ChartLook::Stroke::strong) {
                 drawArea(painter, points, layout, accent(look));
             }
-            painter.setPen(chartPen(look, line->stroke));
-            painter.setBrush(Qt::NoBrush);
-            painter.drawPolyline(points);
+            drawLine(painter, points, chartPen(look, line->stroke));
         }
     }
 }
