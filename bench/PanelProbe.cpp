@@ -185,8 +185,8 @@ public:
         event.event = focus->focus;
         event.state = XCB_MOD_MASK_CONTROL;
         event.same_screen = 1;
-        for (const std::uint8_t type : {XCB_KEY_PRESS, XCB_KEY_RELEASE}) {
-            event.response_type = type;
+        for (const int type : {XCB_KEY_PRESS, XCB_KEY_RELEASE}) {
+            event.response_type = static_cast<std::uint8_t>(type);
             xcb_send_event(connection_, 0, focus->focus, XCB_EVENT_MASK_KEY_PRESS,
                            reinterpret_cast<const char*>(&event));
         }

@@ -226,7 +226,9 @@ public:
     void setNumber(std::string_view, double) override {}
     void setString(std::string_view, std::string) override {}
     void setStrings(std::string_view, std::vector<std::string>) override {}
+    void setMember(std::string_view, std::string_view, bool) override {}
     void remove(std::string_view) override {}
+    void reload() override {}
     std::optional<std::error_code> writeError() const override { return {}; }
 };
 

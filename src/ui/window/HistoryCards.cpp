@@ -89,11 +89,11 @@ std::string HistoryChartCard::pictureData() {
     image.setDevicePixelRatio(pictureScale);
     image.fill(kit::color(kit::ColorRole::window));
     render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
-    QByteArray data;
-    QBuffer buffer(&data);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     image.save(&buffer, "PNG");
-    return data.toStdString();
+    return bytes.toStdString();
 }
 
 void HistoryChartCard::resizeEvent(QResizeEvent* /*event*/) {
