@@ -272,14 +272,15 @@ FiguresCard::FiguresCard(QWidget* parent)
     note_->setMostLines(3);
 }
 
+FiguresCard::~FiguresCard() = default;
+
 void FiguresCard::setContent(const HistoryPageContent& content) {
     title_->setWords(qString(content.figuresTitle));
     while (figures_.size() > content.figures.size()) {
-        delete figures_.back();
         figures_.pop_back();
     }
     while (figures_.size() < content.figures.size()) {
-        figures_.push_back(new Figure(this));
+        figures_.push_back(std::make_unique<Figure>(this));
     }
     for (std::size_t index = 0; index < figures_.size(); ++index) {
         figures_[index]->setContent(content.figures[index]);

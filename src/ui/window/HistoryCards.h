@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <string>
+#include <memory>
 #include <vector>
 
 namespace vellmark {
@@ -66,6 +67,7 @@ private:
 class FiguresCard : public QWidget {
 public:
     explicit FiguresCard(QWidget* parent);
+    ~FiguresCard() override;
     void setContent(const HistoryPageContent& content);
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
@@ -80,7 +82,7 @@ private:
     int arrange(int width, bool isReal) const;
 
     kit::Label* title_;
-    std::vector<Figure*> figures_;
+    std::vector<std::unique_ptr<Figure>> figures_;
     kit::Label* note_;
 };
 
