@@ -5,8 +5,8 @@
 #include <QWidget>
 
 #include <functional>
-#include <string>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace vellmark {
