@@ -2,6 +2,7 @@
 
 #include <QFontMetricsF>
 #include <QGuiApplication>
+#include <QHash>
 #include <QPainter>
 #include <QTextBoundaryFinder>
 
@@ -17,6 +18,9 @@ namespace vellmark::kit {
 
 namespace {
 
+/// Of one style; each is a short text. When there are as many all go.
+constexpr qsizetype keptWidths = 200;
+
 /// A font with the measures that tabular figures need. Lengths are of the font, which may be
 /// larger than the text: see `enlargement`.
 struct Face {
@@ -28,6 +32,8 @@ struct Face {
     std::array<double, 10> figureWidths;
     /// The font's own figures are of one width: plain drawing is the same and faster.
     bool isTabular;
+    /// What has been measured: a layout asks for the same few texts again and again.
+    mutable QHash<QString, double> widths;
 
     explicit Face(const TextStyle& textStyle)
         : style(textStyle), enlargement(textStyle.size == std::floor(textStyle.size) ? 1 : 2),
@@ -104,6 +110,17 @@ void drawAt(QPainter& painter, QPointF position, const QString& text, const Face
         });
 }
 
+double measuredWidth(const QString& text, const Face& font) {
+    if (font.isTabular) {
+        return font.metrics.horizontalAdvance(text) / font.enlargement;
+    }
+    double width = 0;
+    forEachPiece(
+        text, [&](QChar) { width += font.figureWidth; },
+        [&](const QString& words) { width += font.metrics.horizontalAdvance(words); });
+    return width / font.enlargement;
+}
+
 bool isWithin(double width, const QString& text, const TextStyle& style) {
     // A hundredth of a point is rounding, not overflow.
     return textWidth(text, style) <= width + 0.01;
@@ -128,6 +145,10 @@ std::vector<qsizetype> placesToBreak(const QString& text, qsizetype start, Bound
 /// The last of `places` up to which the text fits; absent when it does not even up to the first.
 template<typename Fits>
 std::optional<qsizetype> lastFitting(const std::vector<qsizetype>& places, const Fits& fits) {
+    // Most texts fit whole.
+    if (!places.empty() && fits(places.back())) {
+        return places.back();
+    }
     const auto end = std::partition_point(places.begin(), places.end(), fits);
     if (end == places.begin()) {
         return std::nullopt;
@@ -139,14 +160,14 @@ std::optional<qsizetype> lastFitting(const std::vector<qsizetype>& places, const
 
 double textWidth(const QString& text, const TextStyle& style) {
     const Face& font = face(style);
-    if (font.isTabular) {
-        return font.metrics.horizontalAdvance(text) / font.enlargement;
+    const auto known = font.widths.constFind(text);
+    if (known != font.widths.cend()) {
+        return *known;
     }
-    double width = 0;
-    forEachPiece(
-        text, [&](QChar) { width += font.figureWidth; },
-        [&](const QString& words) { width += font.metrics.horizontalAdvance(words); });
-    return width / font.enlargement;
+    if (font.widths.size() >= keptWidths) {
+        font.widths.clear();
+    }
+    return *font.widths.insert(text, measuredWidth(text, font));
 }
 
 double baseline(const TextStyle& style) {
