@@ -19,7 +19,7 @@ namespace vellmark::kit {
 namespace {
 
 /// Of one style; each is a short text. When there are as many all go.
-constexpr qsizetype keptWidths = 200;
+constexpr qsizetype keptWidths = 500;
 
 /// A font with the measures that tabular figures need. Lengths are of the font, which may be
 /// larger than the text: see `enlargement`.
@@ -126,12 +126,10 @@ bool isWithin(double width, const QString& text, const TextStyle& style) {
     return textWidth(text, style) <= width + 0.01;
 }
 
-using Boundary = QTextBoundaryFinder::BoundaryType;
-
-/// Where `text` may be broken behind `start`, up to its end or the first line end in it.
-std::vector<qsizetype> placesToBreak(const QString& text, qsizetype start, Boundary boundary) {
+/// The ends of the letters of `text` behind `start`.
+std::vector<qsizetype> letterEnds(const QString& text, qsizetype start) {
     std::vector<qsizetype> places;
-    QTextBoundaryFinder finder(boundary, text);
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
     finder.setPosition(start);
     while (finder.toNextBoundary() > start) {
         places.push_back(finder.position());
@@ -154,6 +152,30 @@ std::optional<qsizetype> lastFitting(const std::vector<qsizetype>& places, const
         return std::nullopt;
     }
     return *std::prev(end);
+}
+
+/// The last of `places` to break `text` behind `start` up to which a line fits; absent when it does
+/// not even up to the first. Every word is measured, and then the few lines that may be the
+/// longest: to search among whole lines would shape the text several times over.
+template<typename Fits>
+std::optional<qsizetype> endOfLine(const QString& text, qsizetype start,
+                                   QTextBoundaryFinder& places, const TextStyle& style,
+                                   double width, const Fits& fits) {
+    std::vector<qsizetype> ends;
+    double before = 0;
+    double words = 0;
+    places.setPosition(start);
+    for (qsizetype last = start; before <= width && places.toNextBoundary() > start;
+         last = places.position()) {
+        before = words;
+        words += textWidth(text.mid(last, places.position() - last), style);
+        ends.push_back(places.position());
+        if (text[places.position() - 1] == u'\n') {
+            break;
+        }
+    }
+    const auto end = std::find_if(ends.rbegin(), ends.rend(), fits);
+    return end == ends.rend() ? std::nullopt : std::optional(*end);
 }
 
 } // namespace
@@ -213,15 +235,16 @@ QString elidedText(const QString& text, const TextStyle& style, double width) {
         }
         return result + u'…';
     };
-    const auto length =
-        lastFitting(placesToBreak(text, 0, Boundary::Grapheme),
-                    [&](qsizetype place) { return isWithin(width, shortened(place), style); });
+    const auto length = lastFitting(letterEnds(text, 0), [&](qsizetype place) {
+        return isWithin(width, shortened(place), style);
+    });
     return shortened(length.value_or(0));
 }
 
 QStringList wrappedText(const QString& text, const TextStyle& style, double width, int mostLines) {
     QStringList lines;
     qsizetype start = 0;
+    QTextBoundaryFinder places(QTextBoundaryFinder::Line, text);
     const auto fits = [&](qsizetype place) {
         return isWithin(width, text.mid(start, place - start).trimmed(), style);
     };
@@ -231,10 +254,9 @@ QStringList wrappedText(const QString& text, const TextStyle& style, double widt
             lines << elidedText(rest, style, width);
             break;
         }
-        std::optional<qsizetype> end =
-            lastFitting(placesToBreak(text, start, Boundary::Line), fits);
+        auto end = endOfLine(text, start, places, style, width, fits);
         if (!end) {
-            const auto letters = placesToBreak(text, start, Boundary::Grapheme);
+            const auto letters = letterEnds(text, start);
             end = lastFitting(letters, fits).value_or(letters.front());
         }
         lines << text.mid(start, *end - start).trimmed();
