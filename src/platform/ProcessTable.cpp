@@ -34,7 +34,7 @@ std::optional<std::vector<ProcessHandle>> groupMemberHandles(pid_t group) {
 
 std::vector<ProcessHandle> ProcessHandle::directChildren() const {
     auto handles = directChildHandles(pid());
-    // Looked at only now: if the number is still taken by this process, it was all the while.
+    // Checked last: if this process still has the number, it had it all along.
     if (!signal(0)) {
         handles.clear();
     }
