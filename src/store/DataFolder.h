@@ -14,7 +14,7 @@ struct DataFolderSize {
     bool operator==(const DataFolderSize&) const = default;
 };
 
-/// Looks at the files' sizes now; a dozen of them. What cannot be looked at counts nothing.
+/// Reads the sizes of a dozen files, now. A file that cannot be looked at counts as nothing.
 DataFolderSize dataFolderSize(const Machine& machine);
 
 } // namespace vellmark
