@@ -32,13 +32,4 @@ std::optional<std::vector<ProcessHandle>> groupMemberHandles(pid_t group) {
     return handles;
 }
 
-std::vector<ProcessHandle> ProcessHandle::directChildren() const {
-    auto handles = directChildHandles(pid());
-    // Checked last: if this process still has the number, it had it all along.
-    if (!signal(0)) {
-        handles.clear();
-    }
-    return handles;
-}
-
 } // namespace vellmark

@@ -51,9 +51,6 @@ public:
     bool signal(int number) const;
     /// False for a zombie.
     bool isInGroup(pid_t group) const;
-    /// Handles of its direct children, without zombies; never those of a later process with its
-    /// number.
-    std::vector<ProcessHandle> directChildren() const;
 
 private:
     struct Identity;

@@ -21,7 +21,6 @@ struct ChildOutput {
     int descriptor = -1;
     std::size_t limit = 0;
 
-    static ChildOutput discarded() { return {}; }
     static ChildOutput toDescriptor(int fd) { return {Kind::descriptor, fd, 0}; }
     static ChildOutput recorded(int fd, std::size_t limit) { return {Kind::recording, fd, limit}; }
     static ChildOutput captured(std::size_t limit) { return {Kind::capture, -1, limit}; }
