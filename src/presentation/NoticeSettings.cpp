@@ -1,6 +1,7 @@
 #include "presentation/NoticeSettings.h"
 
 #include "store/AppSettings.h"
+#include "text/Formatting.h"
 
 #include <array>
 #include <cstdio>
@@ -52,6 +53,12 @@ std::string TimeOfDay::text() const {
     char form[16];
     std::snprintf(form, sizeof form, "%02d:%02d", minutes / minutesInHour, minutes % minutesInHour);
     return form;
+}
+
+std::string TimeOfDay::text(const Localization& words) const {
+    // On a day without a change of the clocks.
+    const CalendarDate date{.year = 2001, .month = 1, .day = 10, .minute = minutes};
+    return timeText(words.timeZone().instant(date), words);
 }
 
 NoticeSettings NoticeSettings::of(const Preferences& preferences) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Preferences.h"
+#include "text/Localization.h"
 #include "text/TimeZone.h"
 
 #include <optional>
@@ -21,6 +22,16 @@ enum class NoticeKind {
     reset,    ///< a window that was used has begun anew
 };
 
+/// Whether notices reach the user, as far as the system goes.
+enum class NoticeDelivery {
+    unknown, ///< nobody has looked yet
+    works,
+    unserved,  ///< nobody here shows notices
+    forbidden, ///< the user has forbidden them in the system's settings
+    unasked,   ///< the system asks before the first
+    notHere,   ///< a demo or a sandbox keeps to itself
+};
+
 /// A time of the day as settings keep it, "07:30".
 struct TimeOfDay {
     int minutes = 0; ///< since midnight
@@ -28,6 +39,8 @@ struct TimeOfDay {
     /// Absent where `text` is none between "00:00" and "23:59".
     static std::optional<TimeOfDay> parse(std::string_view text);
     std::string text() const;
+    /// As the user's clock writes it ("7:30 AM").
+    std::string text(const Localization& words) const;
     auto operator<=>(const TimeOfDay&) const = default;
 };
 

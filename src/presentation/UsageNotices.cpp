@@ -91,6 +91,18 @@ bool isSameExpiry(std::optional<Instant> said, Instant expiry) {
 
 } // namespace
 
+bool canMute(const NoticePost& post) {
+    return std::ranges::any_of(post.notices, [](const Notice& notice) {
+        return notice.kind == NoticeKind::usedUp || notice.kind == NoticeKind::runsOut ||
+               notice.kind == NoticeKind::critical;
+    });
+}
+
+bool isQuiet(const NoticePost& post) {
+    return std::ranges::all_of(
+        post.notices, [](const Notice& notice) { return notice.kind == NoticeKind::reset; });
+}
+
 NoticeChanges UsageNotices::look(const UsageState& state, const NoticeSettings& settings,
                                  const NoticeMoment& moment) {
     lookAtClocks(moment);
@@ -102,8 +114,9 @@ NoticeChanges UsageNotices::look(const UsageState& state, const NoticeSettings& 
     if (state.isRefreshing) {
         return changes;
     }
-    if (std::vector<Notice> notices = due(state, settings, moment.now);
-        !notices.empty() && !moment.isSilent) {
+    std::vector<Notice> notices = due(state, settings, moment.now);
+    changes.isWaiting = !notices.empty() && moment.isSilent;
+    if (!notices.empty() && !moment.isSilent) {
         for (const Notice& notice : notices) {
             noteSaid(notice, state);
         }
@@ -478,7 +491,10 @@ void UsageNotices::mute(const std::string& id) {
 std::optional<AgentProviderID> UsageNotices::agentOf(const std::string& id) const {
     const auto post = std::ranges::find(shown_, id, &NoticePost::id);
     if (post == shown_.end()) {
-        return std::nullopt;
+        // One that an earlier run has left on the screen.
+        const std::size_t end = id.find('/');
+        return end != std::string::npos ? std::optional(AgentProviderID(id.substr(0, end)))
+                                        : std::nullopt;
     }
     const AgentProviderID& agent = post->notices.front().agent;
     const bool isOfOne = std::ranges::all_of(

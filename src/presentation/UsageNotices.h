@@ -29,10 +29,18 @@ struct NoticePost {
     bool operator==(const NoticePost&) const = default;
 };
 
+/// Whether a period of a window can be muted by it: an expiry and an agent that cannot be read are
+/// told once anyway.
+bool canMute(const NoticePost& post);
+/// It need not interrupt anybody.
+bool isQuiet(const NoticePost& post);
+
 /// What is to be done on the screen: first to close, then to post.
 struct NoticeChanges {
     std::vector<std::string> closed;
     std::optional<NoticePost> post;
+    /// Something is to be told as soon as that is possible.
+    bool isWaiting = false;
 };
 
 /// A look at the clocks.
@@ -62,7 +70,7 @@ public:
 
     /// The user wants to hear no more of what the notice is about until the period is over.
     void mute(const std::string& id);
-    /// Whose page tells more about a notice that is shown; absent where it is about several agents.
+    /// Whose page tells more about a notice; absent where it is about several agents.
     std::optional<AgentProviderID> agentOf(const std::string& id) const;
     /// The notice has gone from the screen.
     void dismissed(const std::string& id);
