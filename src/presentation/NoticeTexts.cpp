@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <functional>
+#include <utility>
 #include <vector>
 
 namespace vellmark {
@@ -113,15 +115,22 @@ std::vector<std::string> alternativesWithin(const Subject& subject) {
     return names;
 }
 
+/// Those of which most is left first.
 std::vector<std::string> otherAgents(const Subject& subject) {
-    std::vector<std::string> names;
+    std::vector<std::pair<double, std::string>> agents;
     for (const AgentUsageSnapshot& other : subject.state.snapshots) {
         const auto usable = usableWindows(other, subject.now);
         if (other.id != subject.snapshot.id && other.source == SnapshotSource::live &&
             !other.error && !usable.empty()) {
-            names.push_back(agentShortName(other.id, subject.words) + " · " +
-                            figureText(*usable.front(), subject));
+            agents.emplace_back(remainingPercent(*usable.front()),
+                                agentShortName(other.id, subject.words) + " · " +
+                                    figureText(*usable.front(), subject));
         }
+    }
+    std::ranges::stable_sort(agents, std::greater(), &std::pair<double, std::string>::first);
+    std::vector<std::string> names;
+    for (auto& [left, name] : agents) {
+        names.push_back(std::move(name));
     }
     return names;
 }

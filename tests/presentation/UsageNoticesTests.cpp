@@ -213,8 +213,8 @@ TEST_F(UsageNoticesTest, UsedUpSaysWhatStillWorksAndWhenItIsBack) {
             continue;
         }
         EXPECT_THAT(takeTold(), ElementsAre("usedUp claude/fable-weekly", "usedUp claude/weekly"));
-        EXPECT_EQ(words(), "Claude · Week: used up\nBack Mon 20:18\nStill works: Antigravity · "
-                           "Gemini 60% left, Codex · Week 90% left");
+        EXPECT_EQ(words(), "Claude · Week: used up\nBack Mon 20:18\nStill works: Codex · Week "
+                           "90% left, Antigravity · Gemini 60% left");
     }
     EXPECT_EQ(told_, std::vector<std::string>());
 }
