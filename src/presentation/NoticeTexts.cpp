@@ -27,6 +27,8 @@ struct Parts {
     std::string fact;
     /// What to do.
     std::string more;
+    /// What stands behind the title among other notices.
+    std::string brief;
 };
 
 /// What a notice is about, as the state has it now.
@@ -166,6 +168,7 @@ Parts usedUp(const Subject& subject) {
     } else {
         parts.fact = subject.words.text("popover.reset.unknown");
     }
+    parts.brief = parts.fact;
     return parts;
 }
 
@@ -182,8 +185,8 @@ Parts runsOut(const Subject& subject) {
                 subject.words.format("notice.runsOut.empty",
                                      {instantText(*outlook->emptyAt, subject.now, subject.words)});
         }
-        parts.fact =
-            joined({valueText(*subject.window, subject), empty, resetMoment(subject)}, " · ");
+        parts.brief = valueText(*subject.window, subject);
+        parts.fact = joined({parts.brief, empty, resetMoment(subject)}, " · ");
     }
     return parts;
 }
@@ -194,15 +197,16 @@ Parts critical(const Subject& subject) {
                 {nameOf(subject), subject.window ? valueText(*subject.window, subject) : ""}),
             .fact = joined({healthText(UsageHealth::critical, subject.words), resetMoment(subject)},
                            " · "),
-            .more = {}};
+            .more = {},
+            .brief = {}};
 }
 
 Parts begunAnew(std::string_view key, const Subject& subject) {
+    const std::string value = subject.window ? valueText(*subject.window, subject) : "";
     return {.title = title(key, subject),
-            .fact = joined(
-                {subject.window ? valueText(*subject.window, subject) : "", resetMoment(subject)},
-                " · "),
-            .more = {}};
+            .fact = joined({value, resetMoment(subject)}, " · "),
+            .more = {},
+            .brief = value};
 }
 
 Parts expires(const Subject& subject) {
@@ -211,12 +215,14 @@ Parts expires(const Subject& subject) {
     if (!allowance || !allowance->bankedResetExpiresAt) {
         return parts;
     }
+    parts.brief = subject.words.format(
+        "notice.expires.when",
+        {instantText(*allowance->bankedResetExpiresAt, subject.now, subject.words)});
     const std::int64_t count = allowance->bankedResets.value_or(1);
-    parts.fact = joined(
-        {subject.words.format("notice.expires.when", {instantText(*allowance->bankedResetExpiresAt,
-                                                                  subject.now, subject.words)}),
-         count > 1 ? subject.words.format("notice.expires.count", {count}) : std::string()},
-        " · ");
+    parts.fact =
+        joined({parts.brief,
+                count > 1 ? subject.words.format("notice.expires.count", {count}) : std::string()},
+               " · ");
     return parts;
 }
 
@@ -296,9 +302,7 @@ NoticeText noticeText(const NoticePost& post, const UsageState& state, Instant n
     }
     std::vector<std::string> lines;
     for (std::size_t index = 0; index < std::min(all.size(), mostLines); ++index) {
-        // Why an agent cannot be read takes more than a line.
-        const bool isLong = post.notices[index].kind == NoticeKind::unread;
-        lines.push_back(joined({all[index].title, isLong ? "" : all[index].fact}, " · "));
+        lines.push_back(joined({all[index].title, all[index].brief}, " · "));
     }
     if (all.size() > mostLines) {
         lines.push_back(
