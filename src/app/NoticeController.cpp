@@ -20,6 +20,8 @@ constexpr auto muteAction = "mute";
 constexpr int iconSide = 64;
 /// Who shows notices tells when he comes; who can be started to does not.
 constexpr Seconds searchPause{30 * 60};
+/// A service that has refused a notice is left alone for as long.
+constexpr Seconds refusalPause{5 * 60};
 
 std::filesystem::path memoryFile(const Machine& machine) {
     return machine.supportDirectory() / "notices.json";
@@ -78,7 +80,14 @@ NotificationCenter::Handlers NoticeController::handlers() {
             },
         .chosen = [this](const std::string& id, const std::string& action) { choose(id, action); },
         .gone = [this](const std::string& id) { notices_.dismissed(id); },
-        .failed = [this](const std::string& id) { notices_.notShown(id); },
+        .failed =
+            [this](const std::string& id) {
+                notices_.notShown(id);
+                lastRefusal_ = continuousSeconds();
+                // The user may have forbidden them meanwhile.
+                center_->lookForService(false);
+            },
+
         .allGone = [this] { notices_.allGone(); }};
 }
 
@@ -103,8 +112,10 @@ void NoticeController::look() {
     const NoticeSettings settings = NoticeSettings::of(sources_.preferences);
     const bool isQuiet = settings.isQuiet(now, TimeZone::system());
     const bool isServed = center_->availability() == NotificationCenter::Availability::available;
+    const Seconds continuous = continuousSeconds();
+    const bool isRefused = lastRefusal_ && continuous - *lastRefusal_ < refusalPause;
     const NoticeMoment moment{
-        .now = now, .continuous = continuousSeconds(), .isSilent = isQuiet || !isServed};
+        .now = now, .continuous = continuous, .isSilent = isQuiet || !isServed || isRefused};
     const NoticeChanges changes = notices_.look(sources_.store.state(), settings, moment);
     for (const std::string& id : changes.closed) {
         center_->close(id);
@@ -112,7 +123,7 @@ void NoticeController::look() {
     if (changes.post) {
         show(*changes.post);
     }
-    if (changes.isWaiting && !isQuiet &&
+    if (changes.isWaiting && !isQuiet && !isServed &&
         (!lastSearch_ || moment.continuous - *lastSearch_ > searchPause)) {
         lastSearch_ = moment.continuous;
         center_->lookForService(true);

@@ -65,6 +65,7 @@ private:
     bool isLookPosted_ = false;
     bool hasEnded_ = false;
     std::optional<Seconds> lastSearch_;
+    std::optional<Seconds> lastRefusal_;
     std::error_code keepError_;
     /// Goes away with this, so that a look that was posted is dropped.
     std::shared_ptr<int> isAlive_ = std::make_shared<int>();
