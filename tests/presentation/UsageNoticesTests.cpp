@@ -193,6 +193,10 @@ TEST_F(UsageNoticesTest, UsedUpSaysWhatStillWorksAndWhenItIsBack) {
                        "Still works: Claude & GPT 64% left");
     EXPECT_EQ(words("de"), "Antigravity · Gemini · 5 Std.: aufgebraucht\nWieder ab 15:58\n"
                            "Geht noch: Claude & GPT 64 % übrig");
+    for (const double used : {98.0, 100.0, 97.0, 100.0}) {
+        read(antigravity, pools(used, 1.9));
+    }
+    EXPECT_THAT(takeTold(), IsEmpty()) << "a rounding brings nothing back";
     // The reset has come, and no reading yet.
     pass(2 * hour);
     look();
@@ -233,6 +237,11 @@ TEST_F(UsageNoticesTest, CodexIsBackWhenItSaysSo) {
     codexReads(0, 5, false);
     codexReads(0, 5, false);
     EXPECT_THAT(takeTold(), IsEmpty()) << "full again by its figures, and it refuses";
+    EXPECT_THAT(takeClosed(), IsEmpty());
+    arrive(codex, {quota("session", 0, 5, 5)}).allowance = UsageAllowance{.bankedResets = 1};
+    look();
+    pass(pause);
+    EXPECT_THAT(takeTold(), IsEmpty()) << "nothing said is no yes";
     codexReads(1, 4.9, true);
     EXPECT_THAT(takeTold(), ElementsAre("back codex/session"));
 
@@ -285,7 +294,14 @@ TEST_F(UsageNoticesTest, ACommonResetIsToldWhereThatIsWanted) {
     EXPECT_THAT(takeTold(), ElementsAre("reset claude/session"));
     reading(2, 4.85); // told to the minute: the reset wavers
     reading(2, 4.7);
+    reading(40, -0.3); // by a server that is behind
+    reading(3, 4.6);
     EXPECT_THAT(takeTold(), IsEmpty());
+    // One reading leaves the time out, and the next period is used as much.
+    read(claude, {windowWithoutReset("session", 3)});
+    pass(5 * hour);
+    reading(3, 4.5);
+    EXPECT_THAT(takeTold(), ElementsAre("reset claude/session"));
     settings_.kinds.erase(NoticeKind::reset);
     pass(5 * hour);
     reading(1, 5);
