@@ -447,11 +447,11 @@ std::vector<Scene> allScenes() {
         settingsScene("settings", samples::settings),
         settingsScene("settings-least", samples::settings, AgentMainWindowView::leastSize),
         settingsScene("settings-large", samples::settings, QSize(2560, 1400)),
-        settingsScene("settings-whole", samples::settings, QSize(1120, 1560)),
+        settingsScene("settings-whole", samples::settings, QSize(1120, 2150)),
         {"settings-question", drawSettingsQuestion},
         settingsScene("settings-checking", samples::uncheckedSettings),
-        settingsScene("settings-unready", samples::unreadySettings, QSize(1120, 1620)),
-        settingsScene("settings-unready-least", samples::unreadySettings, QSize(1040, 1700)),
+        settingsScene("settings-unready", samples::unreadySettings, QSize(1120, 2120)),
+        settingsScene("settings-unready-least", samples::unreadySettings, QSize(1040, 2200)),
 
         // help
         helpScene("reading", HelpSection::reading),

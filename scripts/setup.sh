@@ -24,7 +24,7 @@ debian_packages() {
                  libcli11-dev libsdbus-c++-dev libsystemd-dev expect" ;;
     desktop) echo "qt6-base-dev qt6-qpa-plugins libxcb1-dev" ;;
     tests) echo "libgtest-dev libgmock-dev libbenchmark-dev zsh dbus procps xvfb xauth xdotool imagemagick
-                 xfce4-panel fonts-inter git" ;;
+                 dunst xfce4-panel fonts-inter git" ;;
     checks) echo "clang-16 llvm-16 libc++-16-dev libc++abi-16-dev libclang-rt-16-dev gobjc++
                   libgnustep-gui-dev libblocksruntime-dev" ;;
     esac

@@ -126,7 +126,10 @@ SettingsPageModel::Sources MainWindowPages::settingsSources() {
                 [this](std::function<void(std::error_code)> done) {
                     sources_.store.deleteHistory(std::move(done));
                 },
-            .showFolder = showFolder};
+            .showFolder = showFolder,
+            .noticeDelivery = [this] { return sources_.notices.delivery(); },
+            .lookForNoticeService = [this] { sources_.notices.lookForService(); },
+            .allowNotices = [this] { sources_.notices.allow(); }};
 }
 
 void MainWindowPages::showHelp(HelpSection section) {

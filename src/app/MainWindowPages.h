@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/ActivityFeed.h"
+#include "app/NoticeController.h"
 #include "platform/Preferences.h"
 #include "presentation/AppAppearance.h"
 #include "presentation/HistoryPageController.h"
@@ -34,6 +35,7 @@ public:
         std::function<void()> update;
         std::function<void()> saveActivity;
         LaunchAtLoginController& launchAtLogin;
+        NoticeController& notices;
         /// What the preferences hold now holds in the whole program.
         std::function<void()> takeSettings;
     };

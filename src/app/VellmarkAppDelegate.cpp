@@ -131,6 +131,9 @@ void VellmarkAppDelegate::applicationWillTerminate() {
     }
     settingsWatch_.reset();
     loops_.reset();
+    if (notices_) {
+        notices_->end();
+    }
     mainWindow_.saveFrame();
     rememberPage();
     if (store_) {
@@ -213,6 +216,16 @@ void VellmarkAppDelegate::createStatusItem() {
                                        .registrations = providerRegistry(),
                                        .words = [this] { return words(); }},
         executor_, *preferences_);
+    notices_ = std::make_unique<NoticeController>(
+        NoticeController::Sources{.store = *store_,
+                                  .machine = machine_,
+                                  .executor = executor_,
+                                  .preferences = *preferences_,
+                                  .loop = loop_,
+                                  .words = [this]() -> const Localization& { return words(); },
+                                  .actions = actions_,
+                                  .update = [this] { updateMainWindow(); },
+                                  .posts = options_.postsNotices || !machine_.isSandbox()});
     std::function<void()> openMenu;
     if (!mainMenu_.isSystemBar()) {
         openMenu = [this] { mainMenu_.popUp(mainWindowView_->menuAnchor()); };
@@ -229,6 +242,7 @@ void VellmarkAppDelegate::createStatusItem() {
                                  .update = [this] { updateMainWindow(); },
                                  .saveActivity = [this] { saveActivityFromMenu(); },
                                  .launchAtLogin = launchAtLogin_,
+                                 .notices = *notices_,
                                  .takeSettings = [this] { takeSettings(); }});
     statusItem_ =
         makeStatusItem(loop_, *preferences_,
@@ -248,6 +262,14 @@ void VellmarkAppDelegate::configurePopover() {
     popover_->onOpenChange = [this](bool isOpen) {
         if (statusItem_) {
             statusItem_->setPopoverOpen(isOpen);
+        }
+        if (!isOpen) {
+            // A click in it may be opening a window.
+            executor_.post([this] {
+                if (!windowPresence_.hasOpenWindows() && !(popover_ && popover_->isVisible())) {
+                    yieldActivation();
+                }
+            });
         }
     };
     mainMenu_.attach(*popover_);
@@ -335,16 +357,20 @@ void VellmarkAppDelegate::takeSettings() {
     statusItem_->setInk(valueOf(*preferences_, setting::statusInk));
     loops_->setRefreshPeriod(length(valueOf(*preferences_, setting::readingInterval)));
     store_->takeSettings();
+    notices_->look();
     reevaluateStatusItem();
     updateVisibleViews();
 }
 
 void VellmarkAppDelegate::observeWake() {
-    wakeObserver_ = vellmark::observeWake(loop_, [this] {
-        if (loops_) {
-            loops_->systemDidWake();
-        }
-    });
+    wakeObserver_ = vellmark::observeWake(loop_, [this] { systemDidWake(); });
+}
+
+void VellmarkAppDelegate::systemDidWake() {
+    if (loops_) {
+        notices_->systemDidWake();
+        loops_->systemDidWake();
+    }
 }
 
 void VellmarkAppDelegate::runFirstRun() {
@@ -417,8 +443,9 @@ void VellmarkAppDelegate::minuteTick() {
     reevaluateStatusItem();
     updateVisibleViews();
     if (!wakeObserver_ && clockJump_.look(now(), steadySeconds())) {
-        loops_->systemDidWake();
+        systemDidWake();
     }
+    notices_->look();
 }
 
 void VellmarkAppDelegate::updateVisibleViews() {

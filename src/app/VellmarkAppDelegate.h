@@ -2,6 +2,7 @@
 
 #include "app/MainMenu.h"
 #include "app/MainWindowPages.h"
+#include "app/NoticeController.h"
 #include "app/QtDescriptorWatcher.h"
 #include "app/QtExecutor.h"
 #include "app/StatusItem.h"
@@ -107,6 +108,7 @@ private:
     void showPage(AgentPage page);
     void windowsCameOrWent(ActivationPolicy policy);
     void minuteTick();
+    void systemDidWake();
     void menuItemChosen(std::string_view action);
     void finishFirstRun(bool needsSetup);
     void showLegal(LegalDocument document);
@@ -138,6 +140,8 @@ private:
     std::unique_ptr<Popover> popover_;
     MainMenu mainMenu_;
     AgentNavigationState navigation_;
+    /// Made with the store.
+    std::unique_ptr<NoticeController> notices_;
     /// Made with the store.
     std::unique_ptr<MainWindowPages> pages_;
     WindowController mainWindow_;

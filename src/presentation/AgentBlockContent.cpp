@@ -14,21 +14,6 @@ namespace {
 
 using Kind = UsageProviderError::Kind;
 
-WayOut wayOut(const UsageProviderError& error) {
-    switch (error.kind()) {
-    case Kind::executableMissing:
-        return WayOut::install;
-    case Kind::claudeNotLoggedIn:
-    case Kind::codexNotLoggedIn:
-    case Kind::antigravityNotLoggedIn:
-        return WayOut::logIn;
-    case Kind::antigravityIneligible:
-        return WayOut::openSettings;
-    default:
-        return WayOut::readAgain;
-    }
-}
-
 std::string_view buttonKey(WayOut wayOut) {
     switch (wayOut) {
     case WayOut::readAgain:
@@ -48,7 +33,7 @@ std::string_view buttonKey(WayOut wayOut) {
 /// `restsUntil`: when the agent is asked again by itself, where that is later than usual.
 FailureContent failureContent(const UsageProviderError& error, std::optional<Instant> restsUntil,
                               Instant now, const Localization& words) {
-    const WayOut way = wayOut(error);
+    const WayOut way = wayOutOf(error);
     FailureContent failure{
         .reason = error.message(words), .wayOut = way, .buttonTitle = words.text(buttonKey(way))};
     if (restsUntil && *restsUntil > now) {
@@ -119,13 +104,9 @@ std::string_view reachedKey(const UsageAllowance& allowance) {
 /// "Used up", "Codex refuses until 4:15 PM".
 BalanceRowContent usedUpRow(const AgentUsageSnapshot& snapshot, Instant now,
                             const Localization& words) {
-    const std::string name = agentShortName(snapshot.id, words);
-    const std::optional<Instant> until = usedUpUntil(snapshot, now);
     return {.label = words.text("allowance.usedUp"),
             .value = {},
-            .detail = until ? words.format("allowance.usedUp.until",
-                                           {name, instantText(*until, now, words)})
-                            : words.format(reachedKey(*snapshot.allowance), {name}),
+            .detail = refusalText(snapshot, now, words),
             .warns = true};
 }
 
@@ -251,6 +232,29 @@ std::vector<std::string> notesOf(const AgentUsageSnapshot& snapshot, const Local
 }
 
 } // namespace
+
+std::string refusalText(const AgentUsageSnapshot& snapshot, Instant now,
+                        const Localization& words) {
+    const std::string name = agentShortName(snapshot.id, words);
+    const std::optional<Instant> until = usedUpUntil(snapshot, now);
+    return until ? words.format("allowance.usedUp.until", {name, instantText(*until, now, words)})
+                 : words.format(reachedKey(*snapshot.allowance), {name});
+}
+
+WayOut wayOutOf(const UsageProviderError& error) {
+    switch (error.kind()) {
+    case Kind::executableMissing:
+        return WayOut::install;
+    case Kind::claudeNotLoggedIn:
+    case Kind::codexNotLoggedIn:
+    case Kind::antigravityNotLoggedIn:
+        return WayOut::logIn;
+    case Kind::antigravityIneligible:
+        return WayOut::openSettings;
+    default:
+        return WayOut::readAgain;
+    }
+}
 
 std::string agentName(const AgentProviderID& id, const Localization& words) {
     const ProviderDescriptor* descriptor = providerDescriptor(id);
