@@ -239,7 +239,7 @@ std::error_code UsageHistoryFile::appendLines(const FileLock&, std::string_view 
     return {};
 }
 
-/// Drops the samples that the file already has, because an earlier takeover was interrupted.
+/// Those that the file has already: whoever took them over before was interrupted.
 void UsageHistoryFile::dropKnown(Texts& samples) const {
     if (descriptor_.isOpen() && !samples.empty()) {
         UsageHistoryReader::read(descriptor_.get(), [&](const StoredHistorySample& sample) {
@@ -345,7 +345,7 @@ std::error_code UsageHistoryFile::keepAside(fs::path& aside) const {
         if (::link(file_.c_str(), aside.c_str()) == 0) {
             break;
         }
-        // This file system has no links: a copy will do.
+        // A file system without links: a copy does as well.
         std::error_code error;
         fs::copy_file(file_, aside, error);
         return error;
