@@ -45,6 +45,7 @@ AgentUIActions noActions() {
             .openSettings = nothing,
             .showAbout = nothing,
             .startSetup = nothing,
+            .setUpAgent = [](const AgentProviderID&) {},
             .showLegal = [](LegalDocument) {},
             .showSupportReport = nothing,
             .quit = nothing};

@@ -568,6 +568,7 @@ AgentUIActions VellmarkAppDelegate::makeActions() {
         .openSettings = [this] { showSettingsFromMenu(); },
         .showAbout = [this] { showAbout(); },
         .startSetup = [this] { askForSetup(); },
+        .setUpAgent = [this](const AgentProviderID& /*id*/) { askForSetup(); },
         .showLegal = [this](LegalDocument document) { showLegal(document); },
         .showSupportReport = [this] { showSupportReportFromMenu(); },
         .quit = [] { QCoreApplication::quit(); },

@@ -270,9 +270,9 @@ TEST_F(MainWindow, LeadsToAgentsAndOutOfFailures) {
             pressKey(view, Qt::Key_Return);
         }
     }
-    EXPECT_THAT(recorded.calls,
-                ElementsAre("refresh", "openProvider codex", "startSetup", "openProvider claude",
-                            "startSetup", "openProvider antigravity"));
+    EXPECT_THAT(recorded.calls, ElementsAre("refresh", "openProvider codex", "setUpAgent codex",
+                                            "openProvider claude", "setUpAgent claude",
+                                            "openProvider antigravity"));
 }
 
 } // namespace
