@@ -128,11 +128,11 @@ Scene pageScene(std::string name, AgentPage page, UsageState (*state)(), PageOfS
 }
 
 Scene overviewScene(std::string name, UsageState (*state)(),
-                    QSize size = AgentMainWindowView::firstSize, bool asksForSetup = false) {
+                    QSize size = AgentMainWindowView::firstSize) {
     return pageScene(
         std::move(name), AgentPage::of(AgentPage::Kind::overview), state,
-        [asksForSetup](const UsageState& shown, const Localization& words) {
-            return overviewPageContent(shown, samples::now(), words, asksForSetup);
+        [](const UsageState& shown, const Localization& words) {
+            return overviewPageContent(shown, samples::now(), words);
         },
         size);
 }
@@ -324,7 +324,9 @@ Scene setupScene(std::string name, SetupOf state, QSize size = SetupAssistantVie
     return {"setup-" + std::move(name),
             [state = std::move(state), size](const std::string& language, double scale) {
                 const Localization words = samples::words(language);
-                SetupAssistantView view({});
+                SetupAssistantActions actions;
+                actions.lookAgain = [] {};
+                SetupAssistantView view(std::move(actions));
                 view.setContent(setupAssistantContent(state(words), samples::now(), words));
                 view.setMinimumSize(size.boundedTo(SetupAssistantView::leastSize));
                 view.resize(size);
@@ -400,7 +402,6 @@ std::vector<Scene> allScenes() {
         overviewScene("incomplete", samples::incomplete),
         overviewScene("failed", samples::failed),
         overviewScene("refusing", samples::refusing),
-        overviewScene("first-run", samples::failed, AgentMainWindowView::firstSize, true),
         overviewScene("no-agents", samples::noAgents),
         overviewScene("long-texts", samples::longTexts),
         overviewScene("many-agents", samples::manyAgents),

@@ -81,30 +81,8 @@ StatusColorRole dotOf(const std::optional<AgentSetupStatus>& status) {
 
 std::string outcomeText(const SetupOutcome& outcome, const std::string& toolName,
                         const Localization& words) {
-    const bool isLogin = outcome.task == Task::login;
-    switch (outcome.kind) {
-    case Outcome::none:
-        return {};
-    case Outcome::notStarted:
-        return words.format("setup.outcome.notStarted", {outcome.detail});
-    case Outcome::noWindow:
-        return words.text("setup.outcome.noWindow");
-    case Outcome::closed:
-        return words.text(isLogin ? "setup.outcome.loginClosed" : "setup.outcome.installClosed");
-    case Outcome::downloadFailed:
-        return words.text("setup.outcome.downloadFailed");
-    case Outcome::cancelled:
-        return words.text(isLogin ? "setup.outcome.loginCancelled"
-                                  : "setup.outcome.installCancelled");
-    case Outcome::failed:
-        return words.format(isLogin ? "setup.outcome.loginFailed" : "setup.outcome.installFailed",
-                            {outcome.detail});
-    case Outcome::toolNotFound:
-        return words.format("setup.outcome.toolNotFound", {toolName});
-    case Outcome::notLoggedIn:
-        break;
-    }
-    return words.text("setup.outcome.notLoggedIn");
+    const SetupMessage message = setupOutcomeMessage(outcome, toolName);
+    return message.key.empty() ? std::string() : words.format(message.key, message.arguments);
 }
 
 std::string statusText(const Agent& agent, const Localization& words) {
@@ -171,7 +149,9 @@ SetupToolContent toolContent(const Agent& agent, const AgentSettingContent& sett
     }
     content.guide = {words.text("setup.tool.guide"), "arrow.up.right",
                      isMissing ? setup.info.installDocsURL : setup.info.loginDocsURL};
-    content.leaveOut = {words.text("setup.tool.leaveOut"), "", ""};
+    if (!agent.run) {
+        content.leaveOut = {words.text("setup.tool.leaveOut"), "", ""};
+    }
     return content;
 }
 
@@ -273,6 +253,32 @@ SetupOutcome setupOutcome(SetupScriptPlan::Kind task, const SetupRun::State& sta
         outcome.detail = std::to_string(state.exitStatus);
     }
     return outcome;
+}
+
+SetupMessage setupOutcomeMessage(const SetupOutcome& outcome, const std::string& toolName) {
+    const bool isLogin = outcome.task == Task::login;
+    switch (outcome.kind) {
+    case Outcome::none:
+        return {};
+    case Outcome::notStarted:
+        return {"setup.outcome.notStarted", {outcome.detail}};
+    case Outcome::noWindow:
+        return {"setup.outcome.noWindow", {}};
+    case Outcome::closed:
+        return {isLogin ? "setup.outcome.loginClosed" : "setup.outcome.installClosed", {}};
+    case Outcome::downloadFailed:
+        return {"setup.outcome.downloadFailed", {}};
+    case Outcome::cancelled:
+        return {isLogin ? "setup.outcome.loginCancelled" : "setup.outcome.installCancelled", {}};
+    case Outcome::failed:
+        return {isLogin ? "setup.outcome.loginFailed" : "setup.outcome.installFailed",
+                {outcome.detail}};
+    case Outcome::toolNotFound:
+        return {"setup.outcome.toolNotFound", {toolName}};
+    case Outcome::notLoggedIn:
+        break;
+    }
+    return {"setup.outcome.notLoggedIn", {}};
 }
 
 SetupAssistantContent setupAssistantContent(const SetupAssistantState& state, Instant now,

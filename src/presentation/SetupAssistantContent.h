@@ -37,6 +37,15 @@ struct SetupOutcome {
 SetupOutcome setupOutcome(SetupScriptPlan::Kind task, const SetupRun::State& state,
                           AgentSetupStatus status);
 
+/// A text of the catalog and what is put into it; no key where there is nothing to say.
+struct SetupMessage {
+    std::string_view key;
+    std::vector<TextArgument> arguments;
+};
+
+/// An outcome in words, of an agent whose CLI is called `toolName`.
+SetupMessage setupOutcomeMessage(const SetupOutcome& outcome, const std::string& toolName);
+
 /// What the setup assistant knows.
 struct SetupAssistantState {
     struct Agent {
@@ -152,6 +161,8 @@ struct SetupAssistantActions {
     std::function<void(const std::string& name, const std::string& value)> change;
     /// A setting's button.
     std::function<void(const std::string& name)> press;
+    /// The window has got the keyboard.
+    std::function<void()> lookAgain;
 };
 
 } // namespace vellmark

@@ -1,5 +1,6 @@
 #include "presentation/SetupAssistantModel.h"
 
+#include "store/ActivityTexts.h"
 #include "text/SystemErrorText.h"
 
 #include <algorithm>
@@ -10,6 +11,7 @@
 namespace vellmark {
 namespace {
 
+using Level = ActivityEntry::Level;
 using Stage = SetupRun::Stage;
 
 constexpr std::array<std::pair<SetupStep, std::string_view>, 4> stepNames{
@@ -143,7 +145,8 @@ SetupAssistantActions SetupAssistantModel::actions() {
                     sources_.settings.actions().change(name, value);
                     sources_.changed();
                 },
-            .press = [this](const std::string& name) { sources_.settings.actions().press(name); }};
+            .press = [this](const std::string& name) { sources_.settings.actions().press(name); },
+            .lookAgain = [this] { lookAgain(); }};
 }
 
 // Steps
@@ -312,6 +315,7 @@ void SetupAssistantModel::land(const AgentProviderID& id, const AgentFacts& fact
     if (known.end) {
         known.outcome = setupOutcome(known.task, *known.end, *known.status);
         known.end.reset();
+        logOutcome(id);
     }
     if (known.status != AgentSetupStatus::missing) {
         known.takesAlternative = false;
@@ -323,6 +327,7 @@ void SetupAssistantModel::land(const AgentProviderID& id, const AgentFacts& fact
     if (!needsSetup(*known.status)) {
         known.outcome = {};
         if (former && needsSetup(*former)) {
+            log(Level::info, id, {"log.setup.ready", {}});
             sources_.readAgent(id);
         }
     }
@@ -369,12 +374,29 @@ void SetupAssistantModel::run(const AgentProviderID& id) {
         started.run =
             sources_.openTerminal(setupScript(plan, SetupScriptTexts::localized(sources_.words())));
         started.stage = Stage::opening;
+        log(Level::info, id,
+            {plan.kind == SetupScriptPlan::Kind::install ? "log.setup.install" : "log.setup.login",
+             {plan.command}});
         lookSoon();
     } catch (const std::system_error& error) {
         started.outcome.kind = SetupOutcome::Kind::notStarted;
         started.outcome.detail = systemErrorText(error.code(), sources_.words());
+        logOutcome(id);
     }
     sources_.changed();
+}
+
+void SetupAssistantModel::log(Level level, const AgentProviderID& id, const SetupMessage& message) {
+    sources_.log(ActivityTexts::entry(level, id, message.key, message.arguments, sources_.words()));
+}
+
+void SetupAssistantModel::logOutcome(const AgentProviderID& id) {
+    const Agent& ended = agent(id);
+    const SetupMessage message =
+        setupOutcomeMessage(ended.outcome, ended.descriptor->setup->info.toolName);
+    if (!message.key.empty()) {
+        log(Level::notice, id, message);
+    }
 }
 
 void SetupAssistantModel::lookSoon() {

@@ -3,6 +3,7 @@
 #include "platform/Preferences.h"
 #include "presentation/SettingsPageModel.h"
 #include "presentation/SetupAssistantContent.h"
+#include "store/ActivityEntry.h"
 #include "store/MainExecutor.h"
 
 #include <functional>
@@ -48,6 +49,8 @@ public:
         std::function<std::unique_ptr<SetupRun>(const std::string& script)> openTerminal;
         std::function<void(const AgentProviderID&)> readAgent;
         std::function<void()> refresh;
+        /// For the activity log.
+        std::function<void(ActivityEntry)> log;
         std::function<void(const std::string& url)> openURL;
         std::function<void(const std::string& text)> copy;
         /// What is shown has changed.
@@ -90,6 +93,8 @@ private:
     void land(const AgentProviderID& id, const AgentFacts& facts);
     void run(const AgentProviderID& id);
     SetupScriptPlan plan(const AgentProviderID& id);
+    void log(ActivityEntry::Level level, const AgentProviderID& id, const SetupMessage& message);
+    void logOutcome(const AgentProviderID& id);
     void look();
     void lookAt(const AgentProviderID& id);
     void lookSoon();

@@ -87,6 +87,11 @@ void SetupAssistantView::setContent(const SetupAssistantContent& content) {
         return;
     }
     const SetupAssistantContent former = std::exchange(content_, content);
+    const QPointer<QWidget> focused = focusWidget();
+    const auto card = std::ranges::find_if(
+        tools_, [&](const SetupToolCard* tool) { return focused && tool->isAncestorOf(focused); });
+    const auto place = static_cast<std::size_t>(card - tools_.begin());
+    const bool isInCard = card != tools_.end();
     steps_->setSteps(content.steps);
     title_->setWords(qString(content.title));
     subtitle_->setWords(qString(content.subtitle));
@@ -99,9 +104,11 @@ void SetupAssistantView::setContent(const SetupAssistantContent& content) {
     orderControls();
     if (content.step != former.step) {
         scroller_->verticalScrollBar()->setValue(0);
-        if (focusWidget() == nullptr || !focusWidget()->isVisibleTo(this)) {
+        if (isInCard || focusWidget() == nullptr || !focusWidget()->isVisibleTo(this)) {
             next_->setFocus(Qt::OtherFocusReason);
         }
+    } else if (isInCard) {
+        keepFocusNear(focused, place);
     }
     if (content.focus && content.focus != former.focus) {
         comeToAgent();
@@ -262,6 +269,22 @@ void SetupAssistantView::comeToAgent() {
     }
 }
 
+/// Where a control has gone that had the keyboard, what leads on from there gets it: in its card,
+/// else in one below.
+void SetupAssistantView::keepFocusNear(const QWidget* focused, std::size_t card) {
+    const bool isThere = std::ranges::any_of(
+        controls(), [&](const QWidget* control) { return control == focused; });
+    if (isThere && focused->isVisibleTo(this)) {
+        return;
+    }
+    for (std::size_t index = card; index < tools_.size(); ++index) {
+        if (QWidget* control = tools_[index]->mainControl()) {
+            return control->setFocus(Qt::TabFocusReason);
+        }
+    }
+    next_->setFocus(Qt::TabFocusReason);
+}
+
 void SetupAssistantView::resizeEvent(QResizeEvent* /*event*/) {
     arrange();
 }
@@ -331,6 +354,13 @@ void SetupAssistantView::paintEvent(QPaintEvent* /*event*/) {
     painter.fillRect(
         QRect(SetupStepList::width, height() - footHeight, width() - SetupStepList::width, 1),
         kit::color(kit::ColorRole::line));
+}
+
+void SetupAssistantView::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) {
+        actions_.lookAgain();
+    }
+    QWidget::changeEvent(event);
 }
 
 void SetupAssistantView::keyPressEvent(QKeyEvent* event) {

@@ -45,6 +45,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     struct AgentRow {
@@ -63,6 +64,7 @@ private:
     void arrangeFoot();
     void orderControls();
     void comeToAgent();
+    void keepFocusNear(const QWidget* focused, std::size_t card);
     std::vector<QWidget*> pageControls() const;
 
     SetupAssistantActions actions_;
