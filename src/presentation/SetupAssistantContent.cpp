@@ -101,7 +101,10 @@ std::string hintText(const Agent& agent, const ProviderSetup& setup, SetupMeans 
                                                        : "setup.means.noTerminal");
     }
     const bool isMissing = agent.status == AgentSetupStatus::missing;
-    const auto& key = isMissing ? setup.missingHintKey : setup.loginHintKey;
+    // How it could be had otherwise is no news once it is being installed.
+    const auto& key = !isMissing  ? setup.loginHintKey
+                      : agent.run ? std::optional<std::string>()
+                                  : setup.missingHintKey;
     std::string hint = key ? words.text(*key) : std::string();
     const std::string_view before = agent.run ? "setup.tool.followTerminal"
                                     : agent.status == AgentSetupStatus::unverifiable

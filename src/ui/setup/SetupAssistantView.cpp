@@ -19,9 +19,11 @@
 
 #include <QKeyEvent>
 #include <QPainter>
+#include <QPointer>
 #include <QScrollBar>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace vellmark {
@@ -101,7 +103,6 @@ void SetupAssistantView::setContent(const SetupAssistantContent& content) {
     updateSettings(content);
     updateFoot(content);
     arrange();
-    orderControls();
     if (content.step != former.step) {
         scroller_->verticalScrollBar()->setValue(0);
         if (isInCard || focusWidget() == nullptr || !focusWidget()->isVisibleTo(this)) {
@@ -246,15 +247,31 @@ std::vector<QWidget*> SetupAssistantView::controls() const {
     return result;
 }
 
-void SetupAssistantView::orderControls() {
-    const std::vector<QWidget*> wanted = controls();
-    if (std::ranges::equal(wanted, order_, {}, {}, &QPointer<QWidget>::data)) {
-        return;
+/// In the order of reading, whatever the order in which the parts of the steps were made; what the
+/// keyboard comes to is in sight.
+bool SetupAssistantView::focusNextPrevChild(bool next) {
+    std::vector<QWidget*> stops = controls();
+    std::erase_if(stops, [this](const QWidget* control) {
+        return !control->isVisibleTo(this) || !control->isEnabled() ||
+               (control->focusPolicy() & Qt::TabFocus) == 0;
+    });
+    if (stops.empty()) {
+        return false;
     }
-    order_.assign(wanted.begin(), wanted.end());
-    for (std::size_t index = 1; index < wanted.size(); ++index) {
-        setTabOrder(wanted[index - 1], wanted[index]);
+    const auto current = std::ranges::find(stops, focusWidget());
+    QWidget* wanted = nullptr;
+    if (next) {
+        const bool isLast = current == stops.end() || std::next(current) == stops.end();
+        wanted = isLast ? stops.front() : *std::next(current);
+    } else {
+        const bool isFirst = current == stops.end() || current == stops.begin();
+        wanted = isFirst ? stops.back() : *std::prev(current);
     }
+    wanted->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    if (column_->isAncestorOf(wanted)) {
+        scroller_->ensureWidgetVisible(wanted, 0, cardGap);
+    }
+    return true;
 }
 
 /// The card comes into sight with what leads on from it ready to be pressed.
@@ -272,8 +289,8 @@ void SetupAssistantView::comeToAgent() {
 /// Where a control has gone that had the keyboard, what leads on from there gets it: in its card,
 /// else in one below.
 void SetupAssistantView::keepFocusNear(const QWidget* focused, std::size_t card) {
-    const bool isThere = std::ranges::any_of(
-        controls(), [&](const QWidget* control) { return control == focused; });
+    const bool isThere =
+        std::ranges::any_of(controls(), [&](const QWidget* control) { return control == focused; });
     if (isThere && focused->isVisibleTo(this)) {
         return;
     }

@@ -2,7 +2,6 @@
 
 #include "presentation/SetupAssistantContent.h"
 
-#include <QPointer>
 #include <QWidget>
 
 #include <vector>
@@ -46,6 +45,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void changeEvent(QEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
 
 private:
     struct AgentRow {
@@ -62,7 +62,6 @@ private:
     void arrange();
     int arrangePage(int width);
     void arrangeFoot();
-    void orderControls();
     void comeToAgent();
     void keepFocusNear(const QWidget* focused, std::size_t card);
     std::vector<QWidget*> pageControls() const;
@@ -88,8 +87,6 @@ private:
     kit::Button* later_;
     kit::Button* back_;
     kit::Button* next_;
-    /// As Tab leads through them now.
-    std::vector<QPointer<QWidget>> order_;
 };
 
 } // namespace vellmark
