@@ -12,9 +12,18 @@
 #include <QGuiApplication>
 #include <QUrl>
 
+#include <algorithm>
 #include <utility>
 
 namespace vellmark {
+
+namespace {
+bool isAboutLogin(const UsageProviderError& error) {
+    using Kind = UsageProviderError::Kind;
+    return error.kind() == Kind::codexNotLoggedIn || error.kind() == Kind::claudeNotLoggedIn ||
+           error.kind() == Kind::antigravityNotLoggedIn;
+}
+} // namespace
 
 SetupAssistantWindowController::SetupAssistantWindowController(Sources sources)
     : sources_(std::move(sources)), model_(modelSources()),
@@ -40,6 +49,12 @@ SetupAssistantModel::Sources SetupAssistantWindowController::modelSources() {
         .isAsking = [&facts](const AgentProviderID& id) { return facts.isAsking(id); },
         .ask = [&facts](const AgentProviderID& id,
                         bool anew) { anew ? facts.recheck(id) : facts.need(id); },
+        .isDeniedByReading =
+            [this](const AgentProviderID& id) {
+                const auto& snapshots = sources_.store.state().snapshots;
+                const auto found = std::ranges::find(snapshots, id, &AgentUsageSnapshot::id);
+                return found != snapshots.end() && found->error && isAboutLogin(*found->error);
+            },
         .traces =
             [this](const ProviderDescriptor& agent) {
                 return setupTraces(sources_.machine, agent);

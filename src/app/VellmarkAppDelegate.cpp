@@ -125,6 +125,9 @@ void VellmarkAppDelegate::applicationWillTerminate() {
     loops_.reset();
     mainWindow_.saveFrame();
     rememberPage();
+    if (setup_) {
+        setup_->model().closed();
+    }
     if (store_) {
         store_->abortRefresh();
     }

@@ -53,6 +53,8 @@ bool isOver(Stage stage) {
 struct SetupAssistantModel::Agent {
     const ProviderDescriptor* descriptor = nullptr;
     std::optional<AgentSetupStatus> status;
+    /// At the last answer a reading had said otherwise; which of the two is right nobody knows.
+    bool isDoubted = false;
     /// An answer is on its way.
     bool isAwaited = false;
     /// What was asked before the last change tells nothing of it.
@@ -88,12 +90,19 @@ SetupAssistantModel::Agent& SetupAssistantModel::agent(const AgentProviderID& id
     return *agents_.at(id);
 }
 
+std::optional<AgentSetupStatus> SetupAssistantModel::statusOf(const AgentProviderID& id) const {
+    const Agent& agent = *agents_.at(id);
+    const bool isDenied = agent.status == AgentSetupStatus::ready && agent.isDoubted &&
+                          sources_.isDeniedByReading(id);
+    return isDenied ? AgentSetupStatus::unverifiable : agent.status;
+}
+
 SetupAssistantContent SetupAssistantModel::content() const {
     SetupAssistantState state{.step = step_, .agents = {}, .settings = sources_.settings.content()};
     for (const AgentSettingContent& setting : state.settings.agents) {
         const Agent& agent = *agents_.at(setting.id);
         state.agents.push_back({.id = setting.id,
-                                .status = agent.status,
+                                .status = statusOf(setting.id),
                                 .isChecking = agent.isAwaited,
                                 .run = agent.run ? std::optional(agent.stage) : std::nullopt,
                                 .takesAlternative = agent.takesAlternative,
@@ -312,6 +321,8 @@ void SetupAssistantModel::land(const AgentProviderID& id, const AgentFacts& fact
     known.isAwaited = false;
     known.traces = sources_.traces(*known.descriptor);
     checkedAt_ = sources_.now();
+    // A login that has just ended is newer than any reading.
+    known.isDoubted = !known.end && sources_.isDeniedByReading(id);
     if (known.end) {
         known.outcome = setupOutcome(known.task, *known.end, *known.status);
         known.end.reset();
@@ -323,6 +334,9 @@ void SetupAssistantModel::land(const AgentProviderID& id, const AgentFacts& fact
     if (former != known.status && known.outcome.task == SetupScriptPlan::Kind::install &&
         known.status != AgentSetupStatus::missing) {
         known.outcome = {};
+    }
+    if (former == AgentSetupStatus::missing && known.status == AgentSetupStatus::notLoggedIn) {
+        log(Level::info, id, {"log.setup.installed", {}});
     }
     if (!needsSetup(*known.status)) {
         known.outcome = {};
@@ -338,7 +352,7 @@ void SetupAssistantModel::lookAgain() {
         if (agent->run) {
             lookAt(id);
         } else if (agent->status && !agent->isAwaited) {
-            const bool isDoubtful = *agent->status != AgentSetupStatus::ready && isEnabled(id) &&
+            const bool isDoubtful = statusOf(id) != AgentSetupStatus::ready && isEnabled(id) &&
                                     sources_.now() - agent->askedAt >= lookInterval;
             if (isDoubtful || sources_.traces(*agent->descriptor) != agent->traces) {
                 check(id);

@@ -41,6 +41,8 @@ public:
         std::function<const AgentFacts*(const AgentProviderID&)> factsOf;
         std::function<bool(const AgentProviderID&)> isAsking;
         std::function<void(const AgentProviderID&, bool anew)> ask;
+        /// Whether the last reading of an agent says that nobody is logged in.
+        std::function<bool(const AgentProviderID&)> isDeniedByReading;
         /// What the files tell of an agent; see setupTraces.
         std::function<std::string(const ProviderDescriptor&)> traces;
         std::function<SetupMeans()> means;
@@ -84,6 +86,7 @@ public:
 private:
     struct Agent;
     Agent& agent(const AgentProviderID& id);
+    std::optional<AgentSetupStatus> statusOf(const AgentProviderID& id) const;
     bool isEnabled(const AgentProviderID& id) const;
     bool isSomethingLeft() const;
     bool isAnythingRunning() const;

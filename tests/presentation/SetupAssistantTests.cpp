@@ -64,6 +64,7 @@ protected:
                             ++questions[id];
                         }
                     },
+                .isDeniedByReading = [this](const AgentProviderID& id) { return denied == id; },
                 .traces = [this](const ProviderDescriptor& agent) { return traces[agent.id]; },
                 .means = [this] { return means; },
                 .hasHomebrew = [this] { return hasHomebrew; },
@@ -148,6 +149,7 @@ protected:
     std::vector<AgentProviderID> asked;
     std::map<AgentProviderID, int> questions;
     std::map<AgentProviderID, std::string> traces;
+    std::optional<AgentProviderID> denied;
     SetupMeans means = SetupMeans::available;
     bool hasHomebrew = false;
     std::optional<std::error_code> failure;
@@ -344,6 +346,23 @@ TEST_F(SetupAssistantTest, ComesByItselfUntilItWasFinishedOrPutOff) {
     EXPECT_EQ(firstRun(), std::nullopt);
     begin();
     EXPECT_EQ(model->content().step, SetupStep::tools) << "what is left to do";
+}
+
+// Somebody comes because a reading says that nobody is logged in, and the check says that somebody
+// is.
+TEST_F(SetupAssistantTest, BelievesNeitherACheckNorAReadingThatSayOtherwise) {
+    denied = codex;
+    begin(codex);
+    EXPECT_EQ(tool(codex).status, "Cannot be verified");
+    EXPECT_EQ(tool(codex).run.title, "Log in in Terminal");
+    actions.run(codex);
+    end({Stage::ended, 0});
+    EXPECT_EQ(tool(codex).status, "Ready") << "the login is newer than the reading";
+    actions.check();
+    answer();
+    EXPECT_EQ(tool(codex).status, "Cannot be verified");
+    denied.reset();
+    EXPECT_EQ(tool(codex).status, "Ready") << "it could be read after all";
 }
 
 TEST_F(SetupAssistantTest, FollowsAScriptWhileItIsClosed) {
