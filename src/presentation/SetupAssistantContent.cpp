@@ -121,8 +121,12 @@ SetupToolContent toolContent(const Agent& agent, const AgentSettingContent& sett
     SetupToolContent content{.id = agent.id, .name = setting.name, .detail = setting.detail};
     content.dot = dotOf(agent.status);
     content.status = statusText(agent, words);
+    if (!agent.status) {
+        content.detail.clear(); // says the same
+        return content;
+    }
     const ProviderDescriptor* descriptor = providerDescriptor(agent.id);
-    if (descriptor == nullptr || !descriptor->setup || !agent.status) {
+    if (descriptor == nullptr || !descriptor->setup) {
         return content;
     }
     const ProviderSetup& setup = *descriptor->setup;

@@ -48,7 +48,7 @@ protected:
             .change = [this](const std::string& name,
                              const std::string& value) { calls.push_back(name + " = " + value); },
             .press = [this](const std::string& name) { calls.push_back("press " + name); },
-            .lookAgain = [] {}};
+            .lookAgain = [this] { ++looks; }};
     }
     void show(const SetupAssistantState& state) {
         view.setContent(setupAssistantContent(state, samples::now(), words));
@@ -77,11 +77,13 @@ protected:
 
     Localization words = samples::words("en");
     std::vector<std::string> calls;
+    int looks = 0;
     SetupAssistantView view{recording()};
 };
 
 TEST_F(SetupAssistantViewTest, TheKeyboardComesToEverythingInTheOrderOfReading) {
     show(samples::setup(SetupStep::agents, words));
+    EXPECT_GT(looks, 0) << "with the keyboard comes another look";
     pressEverything();
     EXPECT_THAT(calls,
                 ElementsAre("codex off", "claude off", "antigravity off", "later", "back", "next"));
