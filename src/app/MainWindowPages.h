@@ -41,8 +41,6 @@ public:
 
     /// What the pages may ask for. Valid as long as this.
     MainWindowActions actions();
-    /// The section of the help to begin with.
-    void showHelp(HelpSection section);
     /// Whether the overview says that something is left to set up.
     void setAsksForSetup(bool asks) { asksForSetup_ = asks; }
     MainWindowContent content(const AgentPage& selection, Instant now) const;
@@ -73,6 +71,7 @@ private:
     SettingsPageModel settings_;
 
     // help
+    void showHelp(HelpSection section);
     HelpSection helpSection_ = HelpSection::reading;
     std::string helpQuery_;
     // about

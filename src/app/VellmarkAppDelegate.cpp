@@ -1,5 +1,6 @@
 #include "app/VellmarkAppDelegate.h"
 
+#include "app/SupportReportWindowController.h"
 #include "app/WindowMemory.h"
 #include "platform/ContinuousClock.h"
 #include "platform/InstanceIdentifier.h"
@@ -133,6 +134,9 @@ void VellmarkAppDelegate::applicationWillTerminate() {
     loops_.reset();
     mainWindow_.saveFrame();
     rememberPage();
+    if (supportReport_) {
+        supportReport_->cancel();
+    }
     if (store_) {
         store_->abortRefresh();
     }
@@ -230,6 +234,17 @@ void VellmarkAppDelegate::createStatusItem() {
                                  .saveActivity = [this] { saveActivityFromMenu(); },
                                  .launchAtLogin = launchAtLogin_,
                                  .takeSettings = [this] { takeSettings(); }});
+    supportReport_ = std::make_unique<SupportReportWindowController>(
+        SupportReportWindowController::Sources{.store = *store_,
+                                               .machine = machine_,
+                                               .executor = executor_,
+                                               .preferences = *preferences_,
+                                               .language = language_,
+                                               .presence = windowPresence_,
+                                               .prepare = [this](QWidget& window) {
+                                                   window.setWindowIcon(applicationIcon());
+                                                   mainMenu_.attach(window);
+                                               }});
     statusItem_ =
         makeStatusItem(loop_, *preferences_,
                        {.toggle = [this](const QRect& anchor) { togglePopoverAt(anchor); },
@@ -287,6 +302,7 @@ void VellmarkAppDelegate::observeLanguage() {
         }
         legalWindow_.retitle();
         updateLegalWindow();
+        supportReport_->retell();
         updateVisibleViews();
     };
 }
@@ -625,8 +641,7 @@ void VellmarkAppDelegate::saveActivityFromMenu() {
 }
 
 void VellmarkAppDelegate::showSupportReportFromMenu() {
-    pages_->showHelp(HelpSection::support);
-    showPage(AgentPage::of(AgentPage::Kind::help));
+    supportReport_->show();
 }
 
 void VellmarkAppDelegate::openWebsite() {

@@ -165,6 +165,7 @@ SupportReportContent supportReportContent(const SupportReportState& state,
     content.includeEmailsTitle = words.text("report.includeEmails");
     content.includesEmails = state.includesEmails;
     content.searchHint = words.text("report.search");
+    content.query = state.query;
     content.searchStatus = searchStatus(state, words);
     content.previousTitle = words.text("report.search.previous");
     content.nextTitle = words.text("report.search.next");

@@ -89,6 +89,7 @@ struct SupportReportContent {
     bool includesEmails = false;
 
     std::string searchHint;
+    std::string query;
     /// "2 of 14", or that nothing was found; empty while nothing is looked for.
     std::string searchStatus;
     std::string previousTitle;

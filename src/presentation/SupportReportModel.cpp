@@ -342,9 +342,7 @@ void SupportReportModel::saveTo(const fs::path& file, std::shared_ptr<const Reda
             isWriting_ = false;
             const Localization& words = sources_.words();
             if (error) {
-                tell(
-                    words.format("report.notSaved", {file.string(), systemErrorText(error, words)}),
-                    true);
+                tell(words.format("report.notSaved", {systemErrorText(error, words)}), true);
             } else {
                 tell(words.format("report.saved", {file.filename().string()}), false, file);
             }
@@ -428,6 +426,7 @@ void SupportReportModel::rest() {
     text_.reset();
     madeOf_.reset();
     query_.clear();
+    currentMatch_ = 0;
     matches_.reset();
     tell({}, false);
 }
