@@ -74,7 +74,7 @@ SupportReportState report(ReportMoment moment, const Localization& words) {
         state.noticeIsTrouble = true;
         return state;
     }
-    SupportReportInput input = reportInput(moment == ReportMoment::clean ? 0 : 1'280, words);
+    SupportReportInput input = reportInput(moment == ReportMoment::clean ? 0 : 240, words);
     if (moment == ReportMoment::clean) {
         for (SupportReportInput::Agent& agent : input.agents) {
             agent = {agent.name, false, std::nullopt, std::nullopt, std::nullopt, {}};

@@ -66,27 +66,36 @@ public:
 
     QString textAtOffset(int unit, QAccessible::TextBoundaryType kind, int* begin,
                          int* end) const override {
-        const std::size_t place = placeOf(unit);
-        const WrappedText::Row row = rows().row(rows().rowOf(place));
-        const int rowUnit = unitOf(row.begin);
-        const QString line = qString(rows().text().substr(row.begin, row.end - row.begin));
-        const auto [first, last] = boundsIn(line, unit - rowUnit, kind);
-        *begin = rowUnit + first;
-        *end = rowUnit + last;
+        const std::size_t row = rowOf(unit);
+        const QString line = lineOf(row);
+        const int start = starts()[row];
+        const auto [first, last] = boundsIn(line, unit - start, kind);
+        *begin = start + first;
+        *end = start + last;
         return line.mid(first, last - first);
     }
     QString textBeforeOffset(int unit, QAccessible::TextBoundaryType kind, int* begin,
                              int* end) const override {
+        const std::size_t row = rowOf(unit);
         textAtOffset(unit, kind, begin, end);
-        return *begin > 0 ? textAtOffset(*begin - 1, kind, begin, end) : none(begin, end);
+        if (*begin > starts()[row]) {
+            return textAtOffset(*begin - 1, kind, begin, end);
+        }
+        if (row == 0) {
+            return none(begin, end);
+        }
+        const auto length = static_cast<int>(lineOf(row - 1).size());
+        return textAtOffset(starts()[row - 1] + std::max(length - 1, 0), kind, begin, end);
     }
     QString textAfterOffset(int unit, QAccessible::TextBoundaryType kind, int* begin,
                             int* end) const override {
-        const int count = characterCount();
+        const std::size_t row = rowOf(unit);
         textAtOffset(unit, kind, begin, end);
-        // A row's end belongs to no piece of it.
-        const int next = std::max(*end, unit) + (*end <= unit ? 1 : 0);
-        return next < count ? textAtOffset(next, kind, begin, end) : none(begin, end);
+        if (*end < starts()[row] + lineOf(row).size()) {
+            return textAtOffset(*end, kind, begin, end);
+        }
+        return row + 1 < rows().rowCount() ? textAtOffset(starts()[row + 1], kind, begin, end)
+                                           : none(begin, end);
     }
 
     QRect characterRect(int unit) const override {
@@ -117,7 +126,11 @@ private:
     static std::pair<int, int> boundsIn(const QString& line, int unit,
                                         QAccessible::TextBoundaryType kind) {
         const auto length = static_cast<int>(line.size());
-        if (kind != QAccessible::CharBoundary && kind != QAccessible::WordBoundary) {
+        const bool isPart = kind == QAccessible::CharBoundary || kind == QAccessible::WordBoundary;
+        if (isPart && unit >= length) {
+            return {length, length};
+        }
+        if (!isPart) {
             return {0, length};
         }
         QTextBoundaryFinder finder(kind == QAccessible::CharBoundary ? QTextBoundaryFinder::Grapheme
@@ -150,12 +163,20 @@ private:
                static_cast<int>(unitsIn(rows().text().substr(begin, place - begin)));
     }
 
+    std::size_t rowOf(int unit) const {
+        const auto next = std::ranges::upper_bound(starts(), std::max(unit, 0));
+        return static_cast<std::size_t>(next - starts().begin()) - 1;
+    }
+
+    QString lineOf(std::size_t index) const {
+        const WrappedText::Row row = rows().row(index);
+        return qString(rows().text().substr(row.begin, row.end - row.begin));
+    }
+
     std::size_t placeOf(int unit) const {
-        const std::vector<int>& begins = starts();
-        const auto next = std::ranges::upper_bound(begins, std::max(unit, 0));
-        const auto row = static_cast<std::size_t>(next - begins.begin()) - 1;
+        const std::size_t row = rowOf(unit);
         std::size_t place = rows().row(row).begin;
-        for (int at = begins[row]; at < unit && place < rows().text().size();) {
+        for (int at = starts()[row]; at < unit && place < rows().text().size();) {
             const std::size_t after = rows().after(place);
             at += static_cast<int>(unitsIn(rows().text().substr(place, after - place)));
             place = after;

@@ -5,6 +5,7 @@
 #include "ui/ReportTextView.h"
 #include "ui/kit/Button.h"
 #include "ui/kit/Field.h"
+#include "ui/kit/FigureText.h"
 #include "ui/kit/Icon.h"
 #include "ui/kit/Label.h"
 #include "ui/kit/TextArea.h"
@@ -41,8 +42,6 @@ constexpr int insideGap = 4;
 constexpr int linkHeight = 20;
 constexpr int leastText = 60;
 constexpr int markSide = 14;
-/// Narrower, its two lines say too little.
-constexpr int leastNotice = 200;
 
 template<typename Control>
 Control* iconOnly(Control* control, const char* icon, int side) {
@@ -310,8 +309,9 @@ int SupportReportView::arrangeFoot(int end) {
     const bool hasFile = !content_.showFolderTitle.empty();
     const int around = markSide + controlGap + (hasFile ? controlHeight + insideGap : 0);
     if (!content_.notice.empty()) {
-        // Beside the buttons where there is room for it, else above them.
-        if (right - margin - around < std::min(leastNotice, notice_->wantedWidth())) {
+        // Beside the buttons where two lines have room for it, else above them.
+        const int room = std::max(right - margin - around, 1);
+        if (kit::wrappedText(notice_->text(), notice_->textStyle(), room).size() > 2) {
             right = width() - margin;
             y -= controlHeight + insideGap;
         }
@@ -339,8 +339,9 @@ int SupportReportView::arrangeNotes(int end) {
         left += button->isVisibleTo(this) ? wanted + insideGap : 0;
     }
     const int scope = std::max(scopeNote_->heightForWidth(wide), kit::style::small.lineHeight);
-    scopeNote_->setGeometry(margin, linkTop - scope, wide, scope);
-    return linkTop - scope;
+    const int scopeTop = linkTop - insideGap - scope;
+    scopeNote_->setGeometry(margin, scopeTop, wide, scope);
+    return scopeTop;
 }
 
 void SupportReportView::paintEvent(QPaintEvent* /*event*/) {
