@@ -95,6 +95,8 @@ void SupportReportWindowController::visibilityChanged() {
 void SupportReportWindowController::retell() {
     window_.retitle();
     if (window_.isVisible()) {
+        // No word of the former language stays while the facts are gathered.
+        model_.rest();
         model_.build();
     }
     update();

@@ -1,6 +1,8 @@
 #include "app/VellmarkAppDelegate.h"
 #include "process/RunningChildren.h"
 #include "support/AgentSandbox.h"
+#include "ui/ReportTextView.h"
+#include "ui/SupportReportView.h"
 #include "ui/kit/FocusRing.h"
 #include "ui/popover/Popover.h"
 #include "ui/window/AgentMainWindowView.h"
@@ -263,6 +265,19 @@ TEST_F(AccessibilityTest, EveryOtherWindowIsToldAndReachedByKeys) {
             }
         }
     }
+}
+
+TEST_F(AccessibilityTest, SupportReportIsToldAndReachedByKeys) {
+    delegate_->showSupportReportFromMenu();
+    auto* window = visible<SupportReportView>();
+    ASSERT_NE(window, nullptr);
+    expectEverythingIsTold(*window); // while it is being made, too
+    ASSERT_TRUE(eventually([&] { return window->text()->isVisible(); }));
+    expectEverythingIsTold(*window);
+    expectTabLeadsEverywhere(*window);
+    QAccessibleInterface* text = QAccessible::queryAccessibleInterface(window->text());
+    ASSERT_NE(text->textInterface(), nullptr);
+    EXPECT_EQ(text->textInterface()->text(0, 23), "Vellmark support report");
 }
 
 TEST_F(AccessibilityTest, EveryTabOfThePopoverIsTold) {
