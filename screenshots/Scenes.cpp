@@ -6,6 +6,7 @@
 #include "screenshots/KitSheet.h"
 #include "screenshots/SampleActivity.h"
 #include "screenshots/SampleHistory.h"
+#include "screenshots/SampleReport.h"
 #include "screenshots/SampleSettings.h"
 #include "screenshots/SampleSetup.h"
 #include "screenshots/SampleStates.h"
@@ -13,6 +14,8 @@
 #include "ui/ChartView.h"
 #include "ui/Conversions.h"
 #include "ui/LegalWindow.h"
+#include "ui/ReportTextView.h"
+#include "ui/SupportReportView.h"
 #include "ui/kit/Question.h"
 #include "ui/kit/Theme.h"
 #include "ui/popover/AgentUsagePopoverView.h"
@@ -338,6 +341,40 @@ SetupOf setupAt(SetupStep step) {
     return [step](const Localization& words) { return samples::setup(step, words); };
 }
 
+QImage drawReport(samples::ReportMoment moment, QSize size, const std::string& language,
+                  double scale) {
+    const Localization words = samples::words(language);
+    const SupportReportState state = samples::report(moment, words);
+    const auto nothing = [] {};
+    SupportReportView window({.type = [](const std::string&) {},
+                              .setIncludeEmails = [](bool) {},
+                              .lookFor = [](const std::string&) {},
+                              .goToMatch = [](int) {},
+                              .copy = nothing,
+                              .save = nothing,
+                              .mail = nothing,
+                              .showFile = nothing});
+    window.setMinimumSize(size.boundedTo(SupportReportView::leastSize));
+    window.resize(size);
+    window.show();
+    window.setContent(supportReportContent(state, words));
+    if (moment == samples::ReportMoment::mailed) {
+        // Somebody points at an address, and has scrolled to where there are some.
+        window.text()->goToNext(RemovedKind::address);
+        window.text()->setMarked(RemovedKind::address);
+    } else if (moment == samples::ReportMoment::saved) {
+        window.text()->select(20, 160);
+    }
+    return drawWhole(window, scale);
+}
+
+Scene reportScene(std::string name, samples::ReportMoment moment,
+                  QSize size = SupportReportView::firstSize) {
+    return {"report-" + std::move(name), [moment, size](const std::string& language, double scale) {
+                return drawReport(moment, size, language, scale);
+            }};
+}
+
 Scene helpScene(std::string name, HelpSection section, std::string query = {},
                 QSize size = AgentMainWindowView::firstSize) {
     return pageScene(
@@ -363,6 +400,18 @@ std::vector<Scene> allScenes() {
         {"about", drawAbout},
         legalScene("notice", LegalDocument::terms, true),
         legalScene("privacy", LegalDocument::privacy, false),
+        reportScene("building", samples::ReportMoment::building),
+        reportScene("ready", samples::ReportMoment::ready),
+        reportScene("least", samples::ReportMoment::mailed, SupportReportView::leastSize),
+        reportScene("wide", samples::ReportMoment::ready, {1600, 1000}),
+        reportScene("found", samples::ReportMoment::found),
+        reportScene("described", samples::ReportMoment::described),
+        reportScene("saved", samples::ReportMoment::saved),
+        reportScene("mailed", samples::ReportMoment::mailed),
+        reportScene("without-mail", samples::ReportMoment::withoutMail),
+        reportScene("not-saved", samples::ReportMoment::notSaved),
+        reportScene("clean", samples::ReportMoment::clean),
+        reportScene("failed", samples::ReportMoment::failed),
         popoverScene("overview", samples::normal),
         popoverScene("refreshing", samples::refreshing),
         popoverScene("healthy", samples::healthy),

@@ -144,6 +144,8 @@ void MainWindowPages::showHelp(HelpSection section) {
 
 void MainWindowPages::openHelpLink(HelpLink link) {
     switch (link) {
+    case HelpLink::supportReport:
+        return sources_.actions.showSupportReport();
     case HelpLink::supportPage:
         return openURL(supportURL(sources_.language.words()));
     case HelpLink::terms:

@@ -77,6 +77,7 @@ private:
     SettingsPageModel settings_;
 
     // help
+    void showHelp(HelpSection section);
     HelpSection helpSection_ = HelpSection::reading;
     std::string helpQuery_;
     // about

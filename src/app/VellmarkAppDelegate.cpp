@@ -1,5 +1,6 @@
 #include "app/VellmarkAppDelegate.h"
 
+#include "app/SupportReportWindowController.h"
 #include "app/WindowMemory.h"
 #include "platform/ContinuousClock.h"
 #include "platform/InstanceIdentifier.h"
@@ -131,6 +132,9 @@ void VellmarkAppDelegate::applicationWillTerminate() {
     if (setup_) {
         setup_->model().closed();
     }
+    if (supportReport_) {
+        supportReport_->cancel();
+    }
     if (store_) {
         store_->abortRefresh();
     }
@@ -247,6 +251,17 @@ void VellmarkAppDelegate::createStatusItem() {
             .presence = windowPresence_,
             .attachMenu = [this](QWidget& window) { mainMenu_.attach(window); },
             .onClose = [this] { setupClosed(); }});
+    supportReport_ = std::make_unique<SupportReportWindowController>(
+        SupportReportWindowController::Sources{.store = *store_,
+                                               .machine = machine_,
+                                               .executor = executor_,
+                                               .preferences = *preferences_,
+                                               .language = language_,
+                                               .presence = windowPresence_,
+                                               .prepare = [this](QWidget& window) {
+                                                   window.setWindowIcon(applicationIcon());
+                                                   mainMenu_.attach(window);
+                                               }});
     statusItem_ =
         makeStatusItem(loop_, *preferences_,
                        {.toggle = [this](const QRect& anchor) { togglePopoverAt(anchor); },
@@ -312,6 +327,7 @@ void VellmarkAppDelegate::observeLanguage() {
         legalWindow_.retitle();
         updateLegalWindow();
         setup_->retitle();
+        supportReport_->retell();
         updateVisibleViews();
     };
 }
@@ -655,8 +671,7 @@ void VellmarkAppDelegate::saveActivityFromMenu() {
 }
 
 void VellmarkAppDelegate::showSupportReportFromMenu() {
-    pages_->showHelp(HelpSection::support);
-    showPage(AgentPage::of(AgentPage::Kind::help));
+    supportReport_->show();
 }
 
 void VellmarkAppDelegate::openWebsite() {

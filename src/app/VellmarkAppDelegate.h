@@ -35,6 +35,7 @@ namespace vellmark {
 class AgentMainWindowView;
 class LegalWindow;
 class Popover;
+class SupportReportWindowController;
 
 /// The hub of the application: owns the status item, the popover, the menu, every window and the
 /// store, starts what runs for as long as the application does, and ends it. Lives for the whole
@@ -147,6 +148,8 @@ private:
     WindowController mainWindow_;
     WindowController aboutWindow_;
     WindowController legalWindow_;
+    /// Made with the store, and gone before it.
+    std::unique_ptr<SupportReportWindowController> supportReport_;
     LegalDocument shownLegal_ = LegalDocument::terms;
     /// Inside `mainWindow_`, and there while it is.
     QPointer<AgentMainWindowView> mainWindowView_;

@@ -1,6 +1,8 @@
 #include "app/VellmarkAppDelegate.h"
 #include "process/RunningChildren.h"
 #include "support/AgentSandbox.h"
+#include "ui/ReportTextView.h"
+#include "ui/SupportReportView.h"
 #include "ui/kit/FocusRing.h"
 #include "ui/kit/Label.h"
 #include "ui/popover/Popover.h"
@@ -290,6 +292,19 @@ TEST_F(AccessibilityTest, EveryStepOfTheSetupIsToldAndReachedByKeys) {
     }
     EXPECT_EQ(titles.size(), 4U);
     EXPECT_FALSE(assistant->isVisible()) << "the last step finishes it";
+}
+
+TEST_F(AccessibilityTest, SupportReportIsToldAndReachedByKeys) {
+    delegate_->showSupportReportFromMenu();
+    auto* window = visible<SupportReportView>();
+    ASSERT_NE(window, nullptr);
+    expectEverythingIsTold(*window); // while it is being made, too
+    ASSERT_TRUE(eventually([&] { return window->text()->isVisible(); }));
+    expectEverythingIsTold(*window);
+    expectTabLeadsEverywhere(*window);
+    QAccessibleInterface* text = QAccessible::queryAccessibleInterface(window->text());
+    ASSERT_NE(text->textInterface(), nullptr);
+    EXPECT_EQ(text->textInterface()->text(0, 23), "Vellmark support report");
 }
 
 TEST_F(AccessibilityTest, EveryTabOfThePopoverIsTold) {
