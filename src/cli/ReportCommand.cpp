@@ -3,14 +3,12 @@
 #include "cli/Subcommands.h"
 #include "platform/Descriptor.h"
 #include "platform/SystemError.h"
-#include "platform/WholeFile.h"
 #include "report/SupportReportFacts.h"
 #include "text/TerminalText.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -30,6 +28,7 @@ public:
 
     void declare(CommandOptions& options) override {
         options.flag("--include-emails", includeEmails_, "cli.option.includeEmails");
+        options.value("--what-happened", whatHappened_, "TEXT", "cli.report.whatHappened");
         options.value("-o,--output", output_, "FILE", "cli.report.output");
     }
 
@@ -42,6 +41,7 @@ public:
         if (status != ExitStatus::done) {
             return status;
         }
+        input.whatHappened = whatHappened_.value_or(std::string());
         reportUnreadable(LastSnapshots(context.machine.lastSnapshotsFile()).contents(), context);
         const auto text =
             supportReportText(input, context.machine.home.string(), includeEmails_, context.words);
@@ -65,7 +65,8 @@ private:
             return ExitStatus::done;
         }
         const bool isSpecial = exists && !S_ISREG(target.st_mode);
-        if (const auto error = isSpecial ? writeTo(*output_, text) : save(*output_, text)) {
+        if (const auto error =
+                isSpecial ? writeTo(*output_, text) : saveSupportReport(*output_, text)) {
             context.report(context.words.format(
                 "cli.error.notSaved",
                 {singleLine(*output_), systemErrorText(error, context.words)}));
@@ -88,17 +89,8 @@ private:
         return opened.isOpen() ? std::error_code() : lastSystemError();
     }
 
-    static std::error_code save(const std::filesystem::path& file, std::string_view text) {
-        std::error_code error;
-        const auto directory = file.has_parent_path() ? file.parent_path() : ".";
-        if (!std::filesystem::is_directory(directory, error)) {
-            // A mistyped path is no wish for a new directory.
-            return error ? error : std::make_error_code(std::errc::no_such_file_or_directory);
-        }
-        return replaceWholeFile(file, text, ReplacementFile::Mode::ownerAlone);
-    }
-
     bool includeEmails_ = false;
+    std::optional<std::string> whatHappened_;
     std::optional<std::string> output_;
 };
 

@@ -644,9 +644,15 @@ void AgentUsageStore::lookAtActivity() {
 }
 
 std::vector<ActivityEntry> AgentUsageStore::activity(int days) {
-    auto entries = d_->files.activity(d_->now() - days * day, d_->words().timeZone());
+    std::error_code ignored;
+    auto entries = d_->files.activity(d_->now() - days * day, d_->words().timeZone(), ignored);
     ActivityTexts::tell(entries, d_->words());
     return entries;
+}
+
+std::vector<ActivityEntry> AgentUsageStore::flushedActivity(Instant since, const TimeZone& zone,
+                                                            std::error_code& error) {
+    return d_->files.activity(since, zone, error);
 }
 
 std::string AgentUsageStore::activityExportText(int days) {

@@ -98,7 +98,12 @@ public:
     void lookAtActivity();
     /// The entries of the last `days` days in the language of now, oldest first. Reads the file.
     std::vector<ActivityEntry> activity(int days);
-    /// The same as text, with a header, for saving and copying.
+    /// The entries since `since`, oldest first, in the language in which they were written, behind
+    /// everything that was handed to the persistence thread before. Where the file cannot be read,
+    /// `error` says why. Waits for the disk; usable from any thread.
+    std::vector<ActivityEntry> flushedActivity(Instant since, const TimeZone& zone,
+                                               std::error_code& error);
+    /// The last `days` days as text, with a header, for saving and copying.
     std::string activityExportText(int days);
     /// Drops entries older than 30 days from the file; returns when that is done.
     void trimLog();
@@ -106,7 +111,7 @@ public:
     /// Recorded samples; usable from any thread. Filled a moment after the start.
     const UsageHistory& history() const;
 
-    /// Waits until everything handed to the persistence thread is on disk.
+    /// Waits until everything handed to the persistence thread is on disk. Any thread.
     void flush();
 
 private:

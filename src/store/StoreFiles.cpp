@@ -161,9 +161,10 @@ void StoreFiles::trim(Instant now, TimeZone zone) {
     });
 }
 
-std::vector<ActivityEntry> StoreFiles::activity(Instant since, const TimeZone& zone) {
+std::vector<ActivityEntry> StoreFiles::activity(Instant since, const TimeZone& zone,
+                                                std::error_code& error) {
     std::vector<ActivityEntry> entries;
-    d_->queue.run([&] { entries = d_->log.entries(since, zone); });
+    d_->queue.run([&] { entries = d_->log.entries(since, zone, error); });
     return entries;
 }
 

@@ -54,8 +54,9 @@ public:
 
     /// Drops old log lines, and thins out the history when that is due.
     void trim(Instant now, TimeZone zone);
-    /// Waits: the log's entries since `since`.
-    std::vector<ActivityEntry> activity(Instant since, const TimeZone& zone);
+    /// Waits: the log's entries since `since`; see ActivityLog::entries. Any thread.
+    std::vector<ActivityEntry> activity(Instant since, const TimeZone& zone,
+                                        std::error_code& error);
 
     class Follower;
     using TellActivity = std::function<void(ActivityLog::News)>;
