@@ -16,6 +16,9 @@ std::vector<std::unique_ptr<Subcommand>> allSubcommands() {
     all.push_back(makeSetupScriptCommand());
     all.push_back(makeReportCommand());
     all.push_back(makeRedactCommand());
+    all.push_back(makeCompletionsCommand());
+    all.push_back(makeCompleteCommand());
+    all.push_back(makeManCommand());
     return all;
 }
 

@@ -40,6 +40,12 @@ Comandos:
   redact
       Quitar de un texto secretos,
       nombres de usuario y direcciones
+  completions
+      Mostrar el script con el que una
+      shell completa argumentos
+  man
+      Mostrar la página de manual del
+      programa o de un comando
   help
       Esta ayuda o la de un comando
 
@@ -144,6 +150,10 @@ Comandos:
   report           Crear un informe de soporte sin secretos
   redact           Quitar de un texto secretos, nombres de
                    usuario y direcciones
+  completions      Mostrar el script con el que una shell
+                   completa argumentos
+  man              Mostrar la página de manual del programa
+                   o de un comando
   help             Esta ayuda o la de un comando
 
 Opciones:
@@ -212,6 +222,8 @@ Comandos:
   setup-script     Mostrar el script que instala un agente o inicia sesión en él
   report           Crear un informe de soporte sin secretos
   redact           Quitar de un texto secretos, nombres de usuario y direcciones
+  completions      Mostrar el script con el que una shell completa argumentos
+  man              Mostrar la página de manual del programa o de un comando
   help             Esta ayuda o la de un comando
 
 Opciones:
@@ -273,6 +285,8 @@ Comandos:
   setup-script     Mostrar el script que instala un agente o inicia sesión en él
   report           Crear un informe de soporte sin secretos
   redact           Quitar de un texto secretos, nombres de usuario y direcciones
+  completions      Mostrar el script con el que una shell completa argumentos
+  man              Mostrar la página de manual del programa o de un comando
   help             Esta ayuda o la de un comando
 
 Opciones:
@@ -329,6 +343,8 @@ Comandos:
   setup-script     Mostrar el script que instala un agente o inicia sesión en él
   report           Crear un informe de soporte sin secretos
   redact           Quitar de un texto secretos, nombres de usuario y direcciones
+  completions      Mostrar el script con el que una shell completa argumentos
+  man              Mostrar la página de manual del programa o de un comando
   help             Esta ayuda o la de un comando
 
 Opciones:
