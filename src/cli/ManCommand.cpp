@@ -53,7 +53,8 @@ private:
         }
         for (const std::string& name : names) {
             const auto file = std::filesystem::path(*directory_) / manPageFile(name);
-            if (const auto error = replaceWholeFile(file, manPage(program, name, context.words))) {
+            if (const auto error = replaceWholeFile(file, manPage(program, name, context.words),
+                                                    ReplacementFile::Mode::readableByAll)) {
                 context.report(context.words.format(
                     "cli.error.notSaved",
                     {singleLine(file.string()), systemErrorText(error, context.words)}));

@@ -14,6 +14,7 @@ std::unique_ptr<Subcommand> makeHistoryCommand();
 std::unique_ptr<Subcommand> makeInspectCommand();
 std::unique_ptr<Subcommand> makeLogCommand();
 std::unique_ptr<Subcommand> makeManCommand();
+std::unique_ptr<Subcommand> makeMetricsCommand();
 std::unique_ptr<Subcommand> makeRedactCommand();
 std::unique_ptr<Subcommand> makeReportCommand();
 std::unique_ptr<Subcommand> makeSettingsCommand();
