@@ -1,7 +1,7 @@
 #include "cli/CommandTest.h"
-
 #include "model/UsageJSON.h"
 #include "presentation/UsageStateMaker.h"
+#include "support/ProjectDirectories.h"
 #include "text/TerminalText.h"
 
 #include <cstdlib>
@@ -20,10 +20,11 @@ using testing::StartsWith;
 class Completion : public CommandTest {
 protected:
     Completion() {
-        writeFile(support / "last-snapshots.json",
-                  snapshotsDocument({live(AgentProviderID::codex(), {window("session", 1, 300, 60)}),
-                                     live(AgentProviderID::antigravity(),
-                                          {window("pool:Gemini Models|5h", 93, 300, 86)})}));
+        writeFile(
+            support / "last-snapshots.json",
+            snapshotsDocument({live(AgentProviderID::codex(), {window("session", 1, 300, 60)}),
+                               live(AgentProviderID::antigravity(),
+                                    {window("pool:Gemini Models|5h", 93, 300, 86)})}));
         writeFile(folder / "notes of mine.txt", "");
     }
 
@@ -34,7 +35,8 @@ protected:
             input += word + '\0';
         }
         std::vector<std::string> all;
-        for (const std::string_view line : nonEmptyLines(run({"complete"}, input).output)) {
+        const std::string output = run({"complete"}, input).output;
+        for (const std::string_view line : nonEmptyLines(output)) {
             all.emplace_back(line);
         }
         return all;
@@ -54,7 +56,7 @@ protected:
     /// and its own completions loaded from "completions". Returns what it printed.
     std::string inShell(const std::string& shell, const std::string& commands) {
         const std::string machine = sandbox.machine().home.parent_path().string();
-        writeFile(folder / "bin/vellmark", "#!/bin/sh\nexec '" + builtProgram("vellmark").string() +
+        writeFile(folder / "bin/vellmark", "#!/bin/sh\nexec '" + builtProgram("vellmark") +
                                                "' --sandbox '" + machine + "' \"$@\"\n");
         std::filesystem::permissions(folder / "bin/vellmark", std::filesystem::perms(0700));
         writeFile(folder / "completions", run({"completions", shell}).output);
@@ -96,9 +98,12 @@ TEST_F(Completion, KnowsEveryPlaceOfTheCommandLine) {
               (std::vector<std::string>{"session", "pool:Gemini Models|5h"}));
     EXPECT_EQ(words({"history", "--agent", "codex", "--window", ""}),
               std::vector<std::string>{"session"});
-    for (const auto& strange :
-         {std::vector<std::string>{}, {"history", "export", "x", ""}, {"--json", "=", ""},
-          {"log", "--json=x"}, {"nonsense", "--nonsense=", "--nonsense="}, {"settings", "no", ""}}) {
+    for (const auto& strange : {std::vector<std::string>{},
+                                {"history", "export", "x", ""},
+                                {"--json", "=", ""},
+                                {"log", "--json=x"},
+                                {"nonsense", "--nonsense=", "--nonsense="},
+                                {"settings", "no", ""}}) {
         EXPECT_THAT(lines(strange), testing::Each(Not(StartsWith("\t"))));
     }
 }
@@ -136,34 +141,28 @@ end
                       "notes of mine.txt\ninfo\nnotice\nerror\n");
 }
 
-/// zsh completes at its own prompt only: what stands there after Tab is taken from a terminal.
+/// zsh completes at its own prompt only, so a terminal types there. What then stands in the line is
+/// told by a command put before it.
 TEST_F(Completion, WorksInZsh) {
     if (!has("zsh") || !has("expect")) {
         GTEST_SKIP() << "zsh or expect is not installed";
     }
     writeFile(folder / "functions/_vellmark", run({"completions", "zsh"}).output);
-    const std::string output = inShell("expect", R"(
+    const std::string output = inShell("expect", R"expect(
 set timeout 40
-spawn zsh -f -i
-send "PS1='READY> '; fpath=(\$PWD/functions \$fpath); autoload -Uz compinit; compinit -u -D; unsetopt PROMPT_SP; echo LOADED\r"
-expect -re "\nLOADED" {} timeout { exit 3 }
-foreach {typed shown} {
-    "vellmark hist"                 "vellmark history "
-    "vellmark history --format=c"   "vellmark history --format=csv "
-    "vellmark history --window po"  "pool:Gemini\\ Models\\|5h "
-    "vellmark report -o no"         "notes\\ of\\ mine.txt "
+spawn -noecho zsh -f -i
+send "PS1='READY> '; fpath=(\$PWD/functions \$fpath); autoload -Uz compinit; compinit -u -D; unsetopt PROMPT_SP\r"
+foreach typed {
+    "vellmark hist" "vellmark history --format=c" "vellmark history --window po"
+    "vellmark report -o no"
 } {
     expect "READY> " {} timeout { exit 4 }
-    send "$typed\t"
-    expect $typed {} timeout { exit 5 }
-    # The line as zsh has it, not as it draws it.
-    send "\001print -r -- 'LINE:' \005\r"
-    send ""
+    send "$typed\t\001print -r -- 'LINE:' \005\r"
     expect -re "\nLINE: (\[^\r]*)\r" { puts "\nGOT $expect_out(1,string)" } timeout { exit 6 }
 }
 send "exit\r"
 expect eof
-)");
+)expect");
     EXPECT_THAT(output, HasSubstr("GOT vellmark history\n"));
     EXPECT_THAT(output, HasSubstr("GOT vellmark history --format=csv\n"));
     EXPECT_THAT(output, HasSubstr("GOT vellmark history --window pool:Gemini Models|5h\n"));
@@ -175,8 +174,7 @@ TEST_F(Completion, ManualPagesAreWithoutFaultInEveryLanguage) {
         const std::string language(code);
         const auto pages = folder / language;
         std::filesystem::create_directories(pages);
-        EXPECT_EQ(
-            run({"man", "--directory", pages.string(), "--language", language}).status, 0);
+        EXPECT_EQ(run({"man", "--directory", pages.string(), "--language", language}).status, 0);
         for (const char* page : {"vellmark.1", "vellmark-history.1", "vellmark-setup-script.1"}) {
             EXPECT_TRUE(std::filesystem::exists(pages / page)) << page;
         }

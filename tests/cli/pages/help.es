@@ -17,6 +17,9 @@ Comandos:
       el terminal
   history
       El historial registrado
+  metrics
+      Mostrar las últimas lecturas para
+      la supervisión (OpenMetrics)
   log
       El registro de actividad
   agents
@@ -137,6 +140,8 @@ Comandos:
   watch            Leer una y otra vez y mostrar en el
                    terminal
   history          El historial registrado
+  metrics          Mostrar las últimas lecturas para la
+                   supervisión (OpenMetrics)
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión,
                    versión, programa
@@ -214,6 +219,8 @@ Comandos:
   status           Una línea para barras de estado y prompts
   watch            Leer una y otra vez y mostrar en el terminal
   history          El historial registrado
+  metrics          Mostrar las últimas lecturas para la supervisión
+                   (OpenMetrics)
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión, versión, programa
   settings         Listar, mostrar o cambiar los ajustes
@@ -277,6 +284,7 @@ Comandos:
   status           Una línea para barras de estado y prompts
   watch            Leer una y otra vez y mostrar en el terminal
   history          El historial registrado
+  metrics          Mostrar las últimas lecturas para la supervisión (OpenMetrics)
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión, versión, programa
   settings         Listar, mostrar o cambiar los ajustes
@@ -335,6 +343,7 @@ Comandos:
   status           Una línea para barras de estado y prompts
   watch            Leer una y otra vez y mostrar en el terminal
   history          El historial registrado
+  metrics          Mostrar las últimas lecturas para la supervisión (OpenMetrics)
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión, versión, programa
   settings         Listar, mostrar o cambiar los ajustes
