@@ -249,6 +249,14 @@ void VellmarkAppDelegate::configurePopover() {
         if (statusItem_) {
             statusItem_->setPopoverOpen(isOpen);
         }
+        if (!isOpen) {
+            // A click in it may be opening a window.
+            executor_.post([this] {
+                if (!windowPresence_.hasOpenWindows() && !(popover_ && popover_->isVisible())) {
+                    yieldActivation();
+                }
+            });
+        }
     };
     mainMenu_.attach(*popover_);
     new WindowMemory(*popover_, [this] { return std::move(popover_); });
