@@ -3,6 +3,7 @@
 #include "model/AgentUsageSnapshot.h"
 #include "text/Instant.h"
 
+#include <optional>
 #include <vector>
 
 namespace vellmark {
@@ -14,6 +15,9 @@ struct ImplausibleFigure {
     UsageWindow window;
     Kind kind = Kind::used;
 };
+
+/// Whether a recorded sample can be true: a share and a reset within the same limits.
+bool isPlausibleSample(double usedPercent, std::optional<Instant> resetsAt, Instant capturedAt);
 
 /// Removes from a reading what cannot be true, so that nothing is computed with it, and returns
 /// what it removed: a window whose share is below nothing or far above everything goes, and the

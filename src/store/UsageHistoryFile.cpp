@@ -239,6 +239,18 @@ std::error_code UsageHistoryFile::appendLines(const FileLock&, std::string_view 
     return {};
 }
 
+std::error_code UsageHistoryFile::add(const FileLock&, const std::vector<std::string>& samples) {
+    if (scan_.samplesEnd != 0) {
+        const std::error_code error = ensureWritable();
+        return error ? error : rewrite({.dropped = {}, .added = samples, .leave = {}}, {});
+    }
+    std::string lines;
+    for (const std::string& sample : samples) {
+        lines += separatedLine(lines.empty(), sample);
+    }
+    return write(lines, samples.size());
+}
+
 /// Drops the samples that the file already has, because an earlier takeover was interrupted.
 void UsageHistoryFile::dropKnown(Texts& samples) const {
     if (descriptor_.isOpen() && !samples.empty()) {
@@ -485,7 +497,7 @@ std::error_code UsageHistoryFile::compact(const FileLock& held, Instant now,
     } else {
         listener.restart();
         error = rewrite({.dropped = dropped,
-                         .added = restored,
+                         .added = {restored.begin(), restored.end()},
                          .leave = [&](const StoredHistorySample& sample) { next.add(sample); },
                          .beforeCommit = [&] { return next.commit(); }},
                         listener);
