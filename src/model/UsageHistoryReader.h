@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/UUID.h"
+
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -12,6 +14,7 @@ namespace vellmark {
 
 /// A sample as it stands in a history file. The views are UTF-8 and valid during the visit only.
 struct StoredHistorySample {
+    UUID id;
     std::string_view provider;
     std::string_view windowID;
     /// Seconds since the reference date.

@@ -29,6 +29,10 @@ bool isPlausibleReset(Instant reset, Instant now) {
 
 } // namespace
 
+bool isPlausibleSample(double usedPercent, std::optional<Instant> resetsAt, Instant capturedAt) {
+    return isPlausibleShare(usedPercent) && (!resetsAt || isPlausibleReset(*resetsAt, capturedAt));
+}
+
 std::vector<ImplausibleFigure> removeImplausibleFigures(AgentUsageSnapshot& reading, Instant now) {
     std::vector<ImplausibleFigure> found;
     std::vector<UsageWindow> kept;
