@@ -130,6 +130,7 @@ void VellmarkAppDelegate::applicationWillTerminate() {
         return;
     }
     settingsWatch_.reset();
+    statusLineWatch_.reset();
     loops_.reset();
     mainWindow_.saveFrame();
     rememberPage();
@@ -326,6 +327,9 @@ void VellmarkAppDelegate::startLoops() {
         preferences_->reload();
         takeSettings();
     });
+    statusLineWatch_ =
+        watchFiles(loop_, machine_.supportDirectory(), {machine_.statusLineFile().filename()},
+                   [this] { store_->takeStatusLine(); });
 }
 
 /// What the preferences hold now holds in the whole program.
