@@ -237,7 +237,6 @@ void VellmarkAppDelegate::createStatusItem() {
                         .menuAction = [this](std::string_view action) { menuItemChosen(action); }});
     statusItem_->setPanelScheme(panelScheme_);
     statusItem_->setInk(valueOf(*preferences_, setting::statusInk));
-    statusItem_->setMenu(statusItemMenuContent(words()));
     reevaluateStatusItem();
 }
 
@@ -279,7 +278,6 @@ void VellmarkAppDelegate::observeLanguage() {
     language_.onChange = [this] {
         toolkitTexts_.setWords(words());
         reevaluateStatusItem();
-        statusItem_->setMenu(statusItemMenuContent(words()));
         buildMainMenu();
         mainWindow_.retitle();
         aboutWindow_.retitle();
@@ -402,6 +400,7 @@ void VellmarkAppDelegate::reevaluateStatusItem() {
         content.glyph = *drawnGlyph_;
     }
     statusItem_->show(content);
+    statusItem_->setMenu(statusMenuContent(store_->state(), now(), words()));
 }
 
 /// A window may follow the last one in the same turn of the loop.
@@ -597,6 +596,8 @@ void VellmarkAppDelegate::menuItemChosen(std::string_view action) {
         store_->refresh(RefreshTrigger::manual);
     } else if (action == menuAction::terminate) {
         QCoreApplication::quit();
+    } else if (const auto agent = agentOfMenuAction(action)) {
+        showPage(AgentPage::provider(*agent));
     } else {
         mainMenu_.performInResponderChain(action);
     }
