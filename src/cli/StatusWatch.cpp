@@ -42,12 +42,12 @@ public:
 
     int run() {
         context_.output.writeData(form_.streamHead());
-        reload();
         filesWatch_ = watchFiles(loop_, context_.machine.supportDirectory(),
                                  {context_.machine.lastSnapshotsFile().filename(),
                                   context_.machine.statusLineFile().filename()},
                                  [this] { reload(); });
         settingsWatch_ = watchPreferences(loop_, context_.machine, [this] { takeSettings(); });
+        reload(); // what changes from here is told
         std::unique_ptr<DescriptorWatch> reader;
         if (isPipe(STDOUT_FILENO)) {
             // Nobody writes there: it can only be that the other end was closed.
