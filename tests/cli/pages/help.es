@@ -15,6 +15,9 @@ Comandos:
   watch
       Leer una y otra vez y mostrar en
       el terminal
+  statusline
+      La línea de estado de Claude Code:
+      lo que queda, bajo la sesión
   history
       El historial registrado
   log
@@ -130,6 +133,8 @@ Comandos:
   status           Una línea para barras de estado y prompts
   watch            Leer una y otra vez y mostrar en el
                    terminal
+  statusline       La línea de estado de Claude Code: lo que
+                   queda, bajo la sesión
   history          El historial registrado
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión,
@@ -203,6 +208,8 @@ Comandos:
   usage            Leer todos los agentes y mostrar lo que queda
   status           Una línea para barras de estado y prompts
   watch            Leer una y otra vez y mostrar en el terminal
+  statusline       La línea de estado de Claude Code: lo que queda, bajo la
+                   sesión
   history          El historial registrado
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión, versión, programa
@@ -264,6 +271,7 @@ Comandos:
   usage            Leer todos los agentes y mostrar lo que queda
   status           Una línea para barras de estado y prompts
   watch            Leer una y otra vez y mostrar en el terminal
+  statusline       La línea de estado de Claude Code: lo que queda, bajo la sesión
   history          El historial registrado
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión, versión, programa
@@ -320,6 +328,7 @@ Comandos:
   usage            Leer todos los agentes y mostrar lo que queda
   status           Una línea para barras de estado y prompts
   watch            Leer una y otra vez y mostrar en el terminal
+  statusline       La línea de estado de Claude Code: lo que queda, bajo la sesión
   history          El historial registrado
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión, versión, programa
