@@ -2,6 +2,7 @@
 
 #include "platform/UnusedMemory.h"
 
+#include <QCoreApplication>
 #include <QEvent>
 
 #include <utility>
@@ -30,7 +31,9 @@ void WindowMemory::settle() {
         return;
     }
     QWidget* window = release_().release();
-    connect(window, &QObject::destroyed, releaseUnusedMemory);
+    // A window says that it goes before its contents go.
+    connect(window, &QObject::destroyed,
+            [] { QTimer::singleShot(0, QCoreApplication::instance(), releaseUnusedMemory); });
     window->deleteLater();
 }
 

@@ -4,6 +4,7 @@
 #include "platform/Preferences.h"
 #include "store/ActivityTexts.h"
 #include "store/StorageTrouble.h"
+#include "text/SystemErrorText.h"
 #include "text/TerminalText.h"
 
 #include <string>
@@ -15,8 +16,9 @@ void report(StorageTrouble& trouble, const CommandContext& context) {
     while (const auto news = trouble.takeNews()) {
         const bool isUnreadable = news->kind == StorageTrouble::Kind::failed;
         const std::string text =
-            isUnreadable ? context.words.format("cli.error.unreadable",
-                                                {news->file.string(), news->error.message()})
+            isUnreadable ? context.words.format(
+                               "cli.error.unreadable",
+                               {news->file.string(), systemErrorText(news->error, context.words)})
                          : ActivityTexts::storageTrouble(*news, context.words).text;
         context.report(singleLine(text));
     }

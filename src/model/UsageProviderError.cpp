@@ -1,6 +1,7 @@
 #include "model/UsageProviderError.h"
 
 #include "model/UsageProviderErrorCases.h"
+#include "text/SystemErrorText.h"
 #include "text/TerminalText.h"
 
 namespace vellmark {
@@ -98,6 +99,9 @@ std::string UsageProviderError::message(const Localization& words) const {
     }
     const auto detail = [&](std::size_t index) {
         const std::string text = index < texts_.size() ? detailText(texts_[index]) : std::string();
+        if (kind_ == Kind::launchFailed && index == 1) {
+            return systemReasonText(text, words);
+        }
         return kind_ == Kind::executableMissing ? programName(text, words) : text;
     };
     return endedSentence(errorCase.hasCode

@@ -2,8 +2,9 @@
 
 namespace vellmark {
 
-/// Gives back to the system the freed heap memory that a start, or a window that has been closed,
-/// leaves resident. Takes about a millisecond.
+/// Gives back to the system what a start, or a window that has been closed, leaves resident: freed
+/// heap memory, and on Linux the mapped pages of program text. Takes about a millisecond, and as
+/// long again when most of that text runs next.
 void releaseUnusedMemory();
 
 /// For the start of a program that runs for days: freed heap memory beyond a few hundred kilobytes

@@ -3,6 +3,7 @@
 #include "model/UsageRules.h"
 #include "model/UsageTexts.h"
 #include "presentation/AgentStanding.h"
+#include "probes/ProviderRegistry.h"
 #include "text/Formatting.h"
 #include "text/TerminalText.h"
 

@@ -2,6 +2,7 @@
 
 #include "model/UsageTexts.h"
 #include "presentation/AgentBlockContent.h"
+#include "probes/ProviderRegistry.h"
 #include "probes/VersionNumber.h"
 #include "text/Formatting.h"
 #include "text/TerminalText.h"

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "model/AgentUsageSnapshot.h"
-#include "probes/ProviderRegistry.h"
 
 namespace vellmark {
 
@@ -15,8 +14,5 @@ enum class StatusColorRole {
 };
 
 StatusColorRole statusColorRole(UsageHealth health);
-
-/// The colour on a light or dark ground. macOS takes its own colours for `none` and `refreshing`.
-ColorComponents statusColor(StatusColorRole role, bool onDark);
 
 } // namespace vellmark

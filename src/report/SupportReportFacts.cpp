@@ -10,6 +10,7 @@
 #include "store/AgentSettings.h"
 #include "store/LastSnapshots.h"
 #include "text/Dates.h"
+#include "text/SystemErrorText.h"
 #include "text/TerminalText.h"
 
 #include <algorithm>
@@ -67,7 +68,8 @@ std::string recentActivity(const Machine& machine, const Localization& words, In
         text += (text.empty() ? "" : "\n") + ActivityLines::text(entry, zone);
     }
     if (error) {
-        text += words.format("cli.error.unreadable", {file.string(), error.message()});
+        text +=
+            words.format("cli.error.unreadable", {file.string(), systemErrorText(error, words)});
     }
     return text;
 }

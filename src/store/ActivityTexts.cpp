@@ -4,6 +4,7 @@
 #include "model/UsageTexts.h"
 #include "probes/ProviderRegistry.h"
 #include "text/Formatting.h"
+#include "text/SystemErrorText.h"
 #include "text/TerminalText.h"
 
 #include <nlohmann/json.hpp>
@@ -136,12 +137,17 @@ std::optional<std::string> toldError(const JSON& value, const Localization& word
     return error.message(words);
 }
 
+std::optional<std::string> toldSystemReason(const JSON& value, const Localization& words) {
+    return value.is_string() ? std::optional(systemReasonText(value.get<std::string>(), words))
+                             : std::nullopt;
+}
+
 constexpr std::array argumentKinds{
     ArgumentKind{"seconds", toldSeconds}, ArgumentKind{"wholeSeconds", toldWholeSeconds},
     ArgumentKind{"word", toldWord},       ArgumentKind{"way", toldWay},
     ArgumentKind{"agents", toldAgents},   ArgumentKind{"window", toldWindow},
     ArgumentKind{"left", toldRemaining},  ArgumentKind{"figures", toldFigures},
-    ArgumentKind{"error", toldError},
+    ArgumentKind{"error", toldError},     ArgumentKind{"systemReason", toldSystemReason},
 };
 
 std::optional<TextArgument> toldArgument(const JSON& argument, const Localization& words) {
@@ -437,7 +443,8 @@ ActivityEntry storageTrouble(const StorageTrouble::News& news, const Localizatio
     };
     switch (news.kind) {
     case StorageTrouble::Kind::failed:
-        return about(Level::error, "log.storage.failed", JSON::array({news.error.message()}));
+        return about(Level::error, "log.storage.failed",
+                     JSON::array({argument("systemReason", news.error.message())}));
     case StorageTrouble::Kind::inTheWay:
         return about(Level::error, "log.storage.inTheWay", JSON::array({news.file.string()}));
     case StorageTrouble::Kind::recovered:

@@ -9,7 +9,7 @@
 namespace vellmark {
 namespace {
 
-constexpr std::array<std::pair<std::errc, std::string_view>, 15> keys{{
+constexpr std::array<std::pair<std::errc, std::string_view>, 18> keys{{
     {std::errc::bad_file_descriptor, "system.badDescriptor"},
     {std::errc::device_or_resource_busy, "system.busy"},
     {std::errc::permission_denied, "system.denied"},
@@ -19,7 +19,10 @@ constexpr std::array<std::pair<std::errc, std::string_view>, 15> keys{{
     {std::errc::no_such_file_or_directory, "system.missing"},
     {std::errc::filename_too_long, "system.nameTooLong"},
     {std::errc::not_a_directory, "system.noDirectory"},
+    {std::errc::not_enough_memory, "system.noMemory"},
+    {std::errc::resource_unavailable_try_again, "system.unavailable"},
     {std::errc::no_space_on_device, "system.noSpace"},
+    {std::errc::executable_format_error, "system.notExecutable"},
     {std::errc::read_only_file_system, "system.readOnly"},
     {std::errc::file_too_large, "system.tooLarge"},
     {std::errc::too_many_files_open, "system.tooManyFiles"},
@@ -36,6 +39,17 @@ std::string systemErrorText(std::error_code error, const Localization& words) {
         }
     }
     return words.format("system.other", {singleLine(error.message())});
+}
+
+std::string systemReasonText(std::string_view reason, const Localization& words) {
+    const std::size_t colon = reason.rfind(": ");
+    const std::size_t start = colon == std::string_view::npos ? 0 : colon + 2;
+    for (const auto& [condition, key] : keys) {
+        if (reason.substr(start) == std::make_error_code(condition).message()) {
+            return singleLine(reason.substr(0, start)) + words.text(key);
+        }
+    }
+    return words.format("system.other", {singleLine(reason)});
 }
 
 } // namespace vellmark

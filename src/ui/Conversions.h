@@ -2,6 +2,7 @@
 
 #include "presentation/AgentBlockContent.h"
 #include "presentation/StatusColor.h"
+#include "probes/ProviderRegistry.h"
 #include "ui/kit/HealthDot.h"
 #include "ui/kit/Theme.h"
 

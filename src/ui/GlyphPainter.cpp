@@ -1,6 +1,7 @@
 #include "ui/GlyphPainter.h"
 
 #include "ui/Conversions.h"
+#include "ui/kit/Theme.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -99,7 +100,7 @@ QIcon applicationIcon() {
 }
 
 QColor statusQColor(StatusColorRole role, bool onDark) {
-    return qColor(statusColor(role, onDark));
+    return (onDark ? kit::Theme::dark() : kit::Theme::light()).color(dotColor(role));
 }
 
 } // namespace vellmark

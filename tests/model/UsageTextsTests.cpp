@@ -165,6 +165,14 @@ TEST(UsageProviderError, SaysWhatHappened) {
     for (const auto& [error, text] : cases) {
         EXPECT_EQ(error.message(english), text);
     }
+    // The system's reasons are in the user's words where there are such, and quoted otherwise.
+    EXPECT_EQ(
+        Error::launchFailed("Codex", "/usr/bin/node: No such file or directory").message(german),
+        "Codex ließ sich nicht starten: /usr/bin/node: Datei oder Verzeichnis nicht vorhanden");
+    EXPECT_EQ(Error::launchFailed("Codex", "Exec format error").message(german),
+              "Codex ließ sich nicht starten: Das ist kein ausführbares Programm");
+    EXPECT_EQ(Error::launchFailed("Codex", "spawn failed").message(german),
+              "Codex ließ sich nicht starten: „spawn failed“");
     EXPECT_EQ(Error::executableMissing("Codex CLI").message(german), "Codex-CLI nicht gefunden.");
     std::string talkative;
     for (int line = 0; line < 5000; ++line) {

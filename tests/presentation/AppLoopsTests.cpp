@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,6 +25,7 @@ protected:
                 .refresh =
                     [this](RefreshTrigger trigger) {
                         note(trigger == RefreshTrigger::wake ? "wake" : "timer");
+                        onRefresh_();
                     },
                 .trimLog = [this] { note("trim"); },
                 .holdAutomaticRefreshesUntil =
@@ -45,6 +47,7 @@ protected:
     /// How long the timers stood still.
     Seconds slept_{0};
     Record done_;
+    std::function<void()> onRefresh_ = [] {};
     std::unique_ptr<AppLoops> loops_;
 };
 
@@ -112,6 +115,13 @@ TEST_F(AppLoopsTest, DoNothingAfterTheyHaveStopped) {
     executor_.advance(Seconds(90000));
     EXPECT_EQ(glyphTicks_, 0);
     EXPECT_TRUE(done_.empty());
+
+    // A turn may end them.
+    onRefresh_ = [this] { loops_->stop(); };
+    loops_->start();
+    executor_.advance(Seconds(90000));
+    EXPECT_EQ(done_, (Record{"timer 90300"}));
+    EXPECT_EQ(executor_.timerCount(), 0U);
 
     loops_->start();
     loops_->systemDidWake();

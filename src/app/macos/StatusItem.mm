@@ -2,6 +2,7 @@
 
 #include "platform/macos/Retained.h"
 #include "presentation/GlyphDrawing.h"
+#include "ui/GlyphPainter.h"
 
 #import <AppKit/AppKit.h>
 #include <optional>
@@ -95,8 +96,11 @@ NSColor* dotColor(StatusColorRole role, bool onDark) {
     if (role == StatusColorRole::refreshing) {
         return [NSColor systemBlueColor];
     }
-    const ColorComponents color = statusColor(role, onDark);
-    return [NSColor colorWithSRGBRed:color.red green:color.green blue:color.blue alpha:color.alpha];
+    const QColor color = statusQColor(role, onDark);
+    return [NSColor colorWithSRGBRed:color.redF()
+                               green:color.greenF()
+                                blue:color.blueF()
+                               alpha:color.alphaF()];
 }
 
 class MenuBarItem final : public StatusItem {

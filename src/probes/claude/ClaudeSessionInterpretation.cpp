@@ -88,6 +88,9 @@ AgentUsageSnapshot interpretClaudeSession(const ClaudeScreen& screen, const Clau
         if (staleness && !staleness->isRefreshing) {
             throw UsageProviderError::claudeServiceRefused(staleness->phrase);
         }
+        if (end.outputCapped) {
+            throw UsageProviderError::claudeReadFailed(end.status, "too much output");
+        }
         if (incomplete) {
             throw UsageProviderError::timeout("Claude");
         }

@@ -16,6 +16,8 @@ struct ClaudeSessionEnd {
     std::int32_t status = 0;
     /// It ran out of time or was ended by a signal.
     bool cutOff = false;
+    /// It was stopped because it wrote more than is recorded.
+    bool outputCapped = false;
 };
 
 /// What a session showed, as a snapshot with `updatedAt` set to `now`, or the reason why there is
@@ -23,9 +25,9 @@ struct ClaudeSessionEnd {
 ///
 /// Figures that the page itself does not call the service's of now are `stale`; `updatedAt` is then
 /// as long ago as the page tells, or as the CLI keeps figures at most. A capture that was cut off
-/// but holds a window is a good reading; one without is a time-out, or `claudePageError` where the
-/// page says that the service refused. A complete capture without a window is `claudeNoQuotas`: the
-/// caller may have more to say.
+/// but holds a window is a good reading; one without is a time-out, `claudeReadFailed` where there
+/// was too much of it, or `claudePageError` where the page says that the service refused. A complete
+/// capture without a window is `claudeNoQuotas`: the caller may have more to say.
 AgentUsageSnapshot interpretClaudeSession(const ClaudeScreen& screen, const ClaudeSessionEnd& end,
                                           Instant now);
 

@@ -52,7 +52,8 @@ AgentUsageSnapshot ClaudeSessionReader::read(const std::filesystem::path& claude
                                       claude)
                 : *reason);
     }
-    const ClaudeSessionEnd end{result.terminationStatus, result.timedOut || result.uncaughtSignal};
+    const ClaudeSessionEnd end{result.terminationStatus, result.timedOut || result.uncaughtSignal,
+                               result.outputCapped};
     AgentUsageSnapshot snapshot = interpret(screen, end, *log);
     if (auto note = claudeTimingNote(screen, times)) {
         snapshot.notes.push_back(std::move(*note));

@@ -2,6 +2,7 @@
 
 #include <QFontMetricsF>
 #include <QGuiApplication>
+#include <QHash>
 #include <QPainter>
 #include <QTextBoundaryFinder>
 
@@ -17,6 +18,9 @@ namespace vellmark::kit {
 
 namespace {
 
+/// Of one style; each is a short text. When there are as many all go.
+constexpr qsizetype keptWidths = 500;
+
 /// A font with the measures that tabular figures need. Lengths are of the font, which may be
 /// larger than the text: see `enlargement`.
 struct Face {
@@ -28,6 +32,8 @@ struct Face {
     std::array<double, 10> figureWidths;
     /// The font's own figures are of one width: plain drawing is the same and faster.
     bool isTabular;
+    /// What has been measured: a layout asks for the same few texts again and again.
+    mutable QHash<QString, double> widths;
 
     explicit Face(const TextStyle& textStyle)
         : style(textStyle), enlargement(textStyle.size == std::floor(textStyle.size) ? 1 : 2),
@@ -104,17 +110,26 @@ void drawAt(QPainter& painter, QPointF position, const QString& text, const Face
         });
 }
 
+double measuredWidth(const QString& text, const Face& font) {
+    if (font.isTabular) {
+        return font.metrics.horizontalAdvance(text) / font.enlargement;
+    }
+    double width = 0;
+    forEachPiece(
+        text, [&](QChar) { width += font.figureWidth; },
+        [&](const QString& words) { width += font.metrics.horizontalAdvance(words); });
+    return width / font.enlargement;
+}
+
 bool isWithin(double width, const QString& text, const TextStyle& style) {
     // A hundredth of a point is rounding, not overflow.
     return textWidth(text, style) <= width + 0.01;
 }
 
-using Boundary = QTextBoundaryFinder::BoundaryType;
-
-/// Where `text` may be broken behind `start`, up to its end or the first line end in it.
-std::vector<qsizetype> placesToBreak(const QString& text, qsizetype start, Boundary boundary) {
+/// The ends of the letters of `text` behind `start`.
+std::vector<qsizetype> letterEnds(const QString& text, qsizetype start) {
     std::vector<qsizetype> places;
-    QTextBoundaryFinder finder(boundary, text);
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
     finder.setPosition(start);
     while (finder.toNextBoundary() > start) {
         places.push_back(finder.position());
@@ -128,6 +143,10 @@ std::vector<qsizetype> placesToBreak(const QString& text, qsizetype start, Bound
 /// The last of `places` up to which the text fits; absent when it does not even up to the first.
 template<typename Fits>
 std::optional<qsizetype> lastFitting(const std::vector<qsizetype>& places, const Fits& fits) {
+    // Most texts fit whole.
+    if (!places.empty() && fits(places.back())) {
+        return places.back();
+    }
     const auto end = std::partition_point(places.begin(), places.end(), fits);
     if (end == places.begin()) {
         return std::nullopt;
@@ -135,18 +154,42 @@ std::optional<qsizetype> lastFitting(const std::vector<qsizetype>& places, const
     return *std::prev(end);
 }
 
+/// The last of `places` to break `text` behind `start` up to which a line fits; absent when it does
+/// not even up to the first. Every word is measured, and then the few lines that may be the
+/// longest: to search among whole lines would shape the text several times over.
+template<typename Fits>
+std::optional<qsizetype> endOfLine(const QString& text, qsizetype start,
+                                   QTextBoundaryFinder& places, const TextStyle& style,
+                                   double width, const Fits& fits) {
+    std::vector<qsizetype> ends;
+    double before = 0;
+    double words = 0;
+    places.setPosition(start);
+    for (qsizetype last = start; before <= width && places.toNextBoundary() > start;
+         last = places.position()) {
+        before = words;
+        words += textWidth(text.mid(last, places.position() - last), style);
+        ends.push_back(places.position());
+        if (text[places.position() - 1] == u'\n') {
+            break;
+        }
+    }
+    const auto end = std::find_if(ends.rbegin(), ends.rend(), fits);
+    return end == ends.rend() ? std::nullopt : std::optional(*end);
+}
+
 } // namespace
 
 double textWidth(const QString& text, const TextStyle& style) {
     const Face& font = face(style);
-    if (font.isTabular) {
-        return font.metrics.horizontalAdvance(text) / font.enlargement;
+    const auto known = font.widths.constFind(text);
+    if (known != font.widths.cend()) {
+        return *known;
     }
-    double width = 0;
-    forEachPiece(
-        text, [&](QChar) { width += font.figureWidth; },
-        [&](const QString& words) { width += font.metrics.horizontalAdvance(words); });
-    return width / font.enlargement;
+    if (font.widths.size() >= keptWidths) {
+        font.widths.clear();
+    }
+    return *font.widths.insert(text, measuredWidth(text, font));
 }
 
 double baseline(const TextStyle& style) {
@@ -192,15 +235,16 @@ QString elidedText(const QString& text, const TextStyle& style, double width) {
         }
         return result + u'…';
     };
-    const auto length =
-        lastFitting(placesToBreak(text, 0, Boundary::Grapheme),
-                    [&](qsizetype place) { return isWithin(width, shortened(place), style); });
+    const auto length = lastFitting(letterEnds(text, 0), [&](qsizetype place) {
+        return isWithin(width, shortened(place), style);
+    });
     return shortened(length.value_or(0));
 }
 
 QStringList wrappedText(const QString& text, const TextStyle& style, double width, int mostLines) {
     QStringList lines;
     qsizetype start = 0;
+    QTextBoundaryFinder places(QTextBoundaryFinder::Line, text);
     const auto fits = [&](qsizetype place) {
         return isWithin(width, text.mid(start, place - start).trimmed(), style);
     };
@@ -210,10 +254,9 @@ QStringList wrappedText(const QString& text, const TextStyle& style, double widt
             lines << elidedText(rest, style, width);
             break;
         }
-        std::optional<qsizetype> end =
-            lastFitting(placesToBreak(text, start, Boundary::Line), fits);
+        auto end = endOfLine(text, start, places, style, width, fits);
         if (!end) {
-            const auto letters = placesToBreak(text, start, Boundary::Grapheme);
+            const auto letters = letterEnds(text, start);
             end = lastFitting(letters, fits).value_or(letters.front());
         }
         lines << text.mid(start, *end - start).trimmed();

@@ -44,6 +44,7 @@ void Label::setChangingWords(const QString& words) {
 void Label::setTextStyle(const TextStyle& style) {
     if (style_ != style) {
         style_ = style;
+        forgetLines();
         updateGeometry();
         update();
     }
@@ -58,6 +59,7 @@ void Label::setColor(ColorRole color) {
 
 void Label::setMostLines(int lines) {
     mostLines_ = lines;
+    forgetLines();
     updateGeometry();
     update();
 }
@@ -79,7 +81,10 @@ QSize Label::minimumSizeHint() const {
 }
 
 QStringList Label::linesOf(const QString& words, int width) const {
-    return wrappedText(words, style_, width, mostLines_);
+    if (broken_.width != width || broken_.words != words) {
+        broken_ = {words, width, wrappedText(words, style_, width, mostLines_)};
+    }
+    return broken_.lines;
 }
 
 int Label::heightForWidth(int width) const {
@@ -96,6 +101,9 @@ bool Label::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip && toolTip().isEmpty() && isShortened()) {
         showToolTip(this, static_cast<QHelpEvent*>(event)->globalPos(), text());
         return true;
+    }
+    if (event->type() == QEvent::FontChange) {
+        forgetLines();
     }
     return QLabel::event(event);
 }

@@ -45,13 +45,23 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    /// Words in the lines that a width has for them.
+    struct Broken {
+        QString words;
+        int width = -1;
+        QStringList lines;
+    };
+
     QStringList linesOf(const QString& words, int width) const;
+    void forgetLines() { broken_ = {}; }
     void drawWords(QPainter& painter, const QString& words) const;
 
     TextStyle style_;
     ColorRole color_;
     int mostLines_ = 1;
     bool isHeading_ = false;
+    /// The last that were asked for: layouts ask several times, and drawing once more.
+    mutable Broken broken_;
     QString formerWords_;
     /// Made when words first change before the user's eyes.
     std::unique_ptr<Transition> change_;

@@ -56,6 +56,11 @@ TEST(ClaudeSession, IsAReadingOrItsReason) {
         // Cut off, with a window and without.
         {page, {15, true}, {}, {}},
         {"Loading", {15, true}, timeout, {}},
+        {page, {15, true, true}, {}, {}},
+        {"Loading",
+         {15, true, true},
+         UsageProviderError::claudeReadFailed(15, "too much output"),
+         {}},
         {page, {143, false}, {}, {}},
         // The script's own ends: no prompt, no blocks, gone within the usage screen.
         {"", {124, false}, timeout, {}},
