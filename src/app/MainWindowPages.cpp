@@ -1,5 +1,6 @@
 #include "app/MainWindowPages.h"
 
+#include "platform/ProgramPath.h"
 #include "presentation/MainMenuContent.h"
 #include "ui/Conversions.h"
 
@@ -126,7 +127,8 @@ SettingsPageModel::Sources MainWindowPages::settingsSources() {
                 [this](std::function<void(std::error_code)> done) {
                     sources_.store.deleteHistory(std::move(done));
                 },
-            .showFolder = showFolder};
+            .showFolder = showFolder,
+            .terminalProgram = programPath().parent_path() / "vellmark"};
 }
 
 void MainWindowPages::showHelp(HelpSection section) {

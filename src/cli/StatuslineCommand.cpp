@@ -8,7 +8,6 @@
 #include "platform/Preferences.h"
 #include "platform/ProgramPath.h"
 #include "platform/UnnamedFile.h"
-#include "platform/WholeFile.h"
 #include "presentation/AgentBlockContent.h"
 #include "presentation/SessionLine.h"
 #include "probes/AgentWorkspace.h"
@@ -26,6 +25,7 @@
 #include <optional>
 #include <poll.h>
 #include <string>
+#include <system_error>
 #include <unistd.h>
 #include <vector>
 
@@ -37,7 +37,6 @@ constexpr std::size_t longestInput = std::size_t{1} << 20;
 /// Who writes the input does so at once. Nobody waits for one that does not come.
 constexpr int inputPatienceMs = 500;
 constexpr std::size_t pieceSize = std::size_t{1} << 16;
-constexpr std::size_t largestSettings = std::size_t{16} << 20;
 
 /// The agent whose sessions show it.
 AgentProviderID sessionAgent() {
@@ -210,57 +209,44 @@ private:
     // --- the settings of Claude Code
 
     int changeSettings(const CommandContext& context) const {
+        using Change = ClaudeSettingsChange;
         const Localization& words = context.words;
-        const std::filesystem::path file = claudeSettingsFile(context.machine);
-        const std::string shownFile = singleLine(context.machine.abbreviated(file));
-        std::error_code error;
-        const auto before = readRegularFileBehindLinks(file, error);
-        if (!before) {
-            context.reportUnreadable(shownFile, error);
-            return ExitStatus::failed;
-        }
-        std::optional<std::string> after;
+        const std::string file =
+            singleLine(context.machine.abbreviated(claudeSettingsFile(context.machine)));
+        std::optional<Change> change;
         try {
-            after = install_ ? withStatusLine(*before, programPath()) : withoutStatusLine(*before);
+            change =
+                Change::of(context.machine, install_ ? Change::Wish::install : Change::Wish::remove,
+                           programPath());
+        } catch (const std::system_error& error) {
+            context.reportUnreadable(file, error.code());
+            return ExitStatus::failed;
         } catch (const ClaudeSettingsFault& fault) {
             const bool isUnknown = fault.kind == ClaudeSettingsFault::Kind::unknownStatusLine;
             context.report(
                 words.format(isUnknown ? "cli.statusline.unknown" : "cli.statusline.notJSON",
-                             {shownFile, singleLine(fault.what())}));
+                             {file, singleLine(fault.what())}));
             return ExitStatus::failed;
         }
-        if (!after) {
+        if (!change) {
             context.note(words.format(
-                install_ ? "cli.statusline.isThere" : "cli.statusline.isNotThere", {shownFile}));
+                install_ ? "cli.statusline.isThere" : "cli.statusline.isNotThere", {file}));
             return ExitStatus::done;
         }
-        showChange(*before, *after, shownFile, context);
+        showChange(*change, file, context);
         if (!yes_) {
             if (const auto status = refusal(context)) {
                 return *status;
             }
         }
-        return writeSettings(file, *before, *after, context);
+        return make(*change, file, context);
     }
 
-    /// No file is an empty one.
-    static std::optional<std::string> readRegularFileBehindLinks(const std::filesystem::path& file,
-                                                                 std::error_code& error) {
-        std::error_code ignored;
-        const auto target = std::filesystem::weakly_canonical(file, ignored);
-        auto text = readRegularFile(target.empty() ? file : target, largestSettings, error);
-        if (!text && error == std::errc::no_such_file_or_directory) {
-            error.clear();
-            text = std::string();
-        }
-        return text;
-    }
-
-    static void showChange(const std::string& before, const std::string& after,
-                           const std::string& shownFile, const CommandContext& context) {
+    static void showChange(const ClaudeSettingsChange& change, const std::string& file,
+                           const CommandContext& context) {
         TerminalOutput& output = context.output;
-        std::string text = output.styled(TextStyle::strong, shownFile) + "\n";
-        for (const ChangedLine& line : changedLines(before, after)) {
+        std::string text = output.styled(TextStyle::strong, file) + "\n";
+        for (const ChangedLine& line : changedLines(change.before, change.after)) {
             const std::string shown = singleLine(line.text);
             switch (line.kind) {
             case ChangedLine::Kind::same:
@@ -297,25 +283,17 @@ private:
         return ExitStatus::done;
     }
 
-    static int writeSettings(const std::filesystem::path& file, const std::string& before,
-                             const std::string& after, const CommandContext& context) {
+    static int make(const ClaudeSettingsChange& change, const std::string& file,
+                    const CommandContext& context) {
         const Localization& words = context.words;
-        std::error_code error;
-        if (readRegularFileBehindLinks(file, error) != before) {
-            context.report(words.format("cli.statusline.changedMeanwhile",
-                                        {singleLine(context.machine.abbreviated(file))}));
+        const auto [error, hasChangedMeanwhile, backup] = change.make();
+        if (hasChangedMeanwhile) {
+            context.report(words.format("cli.statusline.changedMeanwhile", {file}));
             return ExitStatus::failed;
         }
-        std::filesystem::path backup;
-        if (!before.empty()) {
-            backup = backupName(file);
-            error = replaceWholeFile(backup, before);
-        }
-        if (!error) {
-            error = replaceWholeFile(file, after);
-        }
         if (error) {
-            context.report(words.format("cli.error.unwritable", {systemErrorText(error, words)}));
+            context.report(
+                words.format("cli.statusline.unwritable", {file, systemErrorText(error, words)}));
             return ExitStatus::failed;
         }
         context.note(backup.empty()

@@ -2,6 +2,7 @@
 
 #include "text/SystemErrorText.h"
 
+#include <exception>
 #include <system_error>
 #include <utility>
 
@@ -49,6 +50,11 @@ SettingsPageState SettingsPageModel::state() const {
     state.dataFolder = sources_.machine.abbreviated(sources_.machine.supportDirectory());
     state.dataSize = dataSize_;
     state.hasHistory = sources_.hasHistory();
+    if (statusLine_) {
+        state.statusLine = {.isThere = hasStatusLine_,
+                            .file = sources_.machine.abbreviated(statusLine_->file),
+                            .change = changedLines(statusLine_->before, statusLine_->after)};
+    }
     state.trouble = trouble_;
     return state;
 }
@@ -80,6 +86,7 @@ SettingsPageActions SettingsPageModel::actions() {
 /// The folder holds a handful of files: they are measured sooner than a thread begins.
 void SettingsPageModel::look(bool anew) {
     dataSize_ = sizeOf(sources_.machine.supportDirectory());
+    lookAtStatusLine();
     for (const AgentProviderID& id : agents_.order()) {
         sources_.ask(id, anew);
     }
@@ -106,6 +113,8 @@ void SettingsPageModel::press(const std::string& name) {
         sources_.showFolder(sources_.machine.supportDirectory());
     } else if (name == settingsRow::history) {
         deleteHistory();
+    } else if (name == settingsRow::statusLine) {
+        changeStatusLine();
     } else if (name == settingsRow::reset) {
         catalog_.resetAll();
         finish();
@@ -126,6 +135,45 @@ void SettingsPageModel::deleteHistory() {
                          : std::string();
         look(false);
     });
+}
+
+/// Claude Code's settings are there once it has been used.
+void SettingsPageModel::lookAtStatusLine() {
+    using Wish = ClaudeSettingsChange::Wish;
+    const std::filesystem::path& program = sources_.terminalProgram;
+    const std::filesystem::path settings = claudeSettingsFile(sources_.machine);
+    std::error_code ignored;
+    statusLine_.reset();
+    if (!std::filesystem::exists(program, ignored) ||
+        !std::filesystem::exists(settings.parent_path(), ignored)) {
+        return;
+    }
+    try {
+        statusLine_ = ClaudeSettingsChange::of(sources_.machine, Wish::remove, program);
+        hasStatusLine_ = statusLine_.has_value();
+        if (!hasStatusLine_) {
+            statusLine_ = ClaudeSettingsChange::of(sources_.machine, Wish::install, program);
+        }
+    } catch (const std::exception&) {
+        // What is not understood is left alone, and nothing is offered.
+    }
+}
+
+void SettingsPageModel::changeStatusLine() {
+    if (!statusLine_) {
+        return;
+    }
+    const Localization& words = sources_.words();
+    const std::string file = sources_.machine.abbreviated(statusLine_->file);
+    const auto outcome = statusLine_->make();
+    trouble_.clear();
+    if (outcome.hasChangedMeanwhile) {
+        trouble_ = words.format("cli.statusline.changedMeanwhile", {file});
+    } else if (outcome.error) {
+        trouble_ = words.format("cli.statusline.unwritable",
+                                {file, systemErrorText(outcome.error, words)});
+    }
+    look(false);
 }
 
 void SettingsPageModel::finish(const std::optional<SettingRefusal>& refusal) {

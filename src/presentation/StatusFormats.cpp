@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 
 namespace vellmark {
 namespace {
@@ -53,16 +52,19 @@ std::string escapedForMenuLine(std::string_view text) {
     return result.starts_with('-') ? "–" + result.substr(1) : result;
 }
 
-/// "#fab333", as panels with a dark ground show it.
+/// The colour of a health where the reader has no names for any: those of the status dots.
 std::string hexColor(UsageHealth health, bool onDark = true) {
-    const ColorComponents color = statusColor(statusColorRole(health), onDark);
-    const auto byte = [](double share) { return static_cast<int>(std::lround(share * 255)); };
-    std::array<char, 8> text{};
-    std::snprintf(text.data(), text.size(), "#%02x%02x%02x",
-                  static_cast<unsigned>(byte(color.red)) & 0xFFu,
-                  static_cast<unsigned>(byte(color.green)) & 0xFFu,
-                  static_cast<unsigned>(byte(color.blue)) & 0xFFu);
-    return text.data();
+    switch (health) {
+    case UsageHealth::healthy:
+        return onDark ? "#26d173" : "#0f8540";
+    case UsageHealth::attention:
+        return onDark ? "#fab333" : "#b87500";
+    case UsageHealth::critical:
+        return onDark ? "#ed4047" : "#cc242e";
+    case UsageHealth::unavailable:
+        break;
+    }
+    return onDark ? "#9c9ea6" : "#6e7078";
 }
 
 /// "Claude 7% left ↻ 1 h 26 min · 34 min old", for a reader of that format.

@@ -1,5 +1,6 @@
 #include "setup/ClaudeStatusLine.h"
 
+#include "platform/WholeFile.h"
 #include "setup/SetupScript.h"
 #include "text/BoundedJSON.h"
 
@@ -18,6 +19,7 @@ using Fault = ClaudeSettingsFault;
 constexpr std::string_view memberName = "statusLine";
 constexpr std::string_view ourArguments = " statusline --color always";
 constexpr std::string_view chaining = " --then ";
+constexpr std::size_t largestSettings = std::size_t{16} << 20;
 constexpr std::string_view blanks = " \t\r\n";
 
 /// A member of the outermost object, by its place in the text.
@@ -235,6 +237,28 @@ std::vector<std::string> linesOf(std::string_view text) {
     return lines;
 }
 
+/// A name that nothing has yet.
+fs::path backupName(const fs::path& file) {
+    const std::string name = file.string() + ".before-vellmark";
+    fs::path free = name;
+    std::error_code ignored;
+    for (int number = 2; fs::exists(fs::symlink_status(free, ignored)); ++number) {
+        free = name + "-" + std::to_string(number);
+    }
+    return free;
+}
+
+/// Also behind a link. Throws std::system_error.
+std::string settingsIn(const fs::path& file) {
+    std::error_code error;
+    const fs::path target = fs::weakly_canonical(file, error);
+    const auto text = readRegularFile(target.empty() ? file : target, largestSettings, error);
+    if (!text && error != std::errc::no_such_file_or_directory) {
+        throw std::system_error(error, file.string());
+    }
+    return text.value_or(std::string());
+}
+
 } // namespace
 
 fs::path claudeSettingsFile(const Machine& machine) {
@@ -277,14 +301,6 @@ std::optional<std::string> withoutStatusLine(std::string_view text) {
     return settings.withValue(value);
 }
 
-bool hasStatusLine(std::string_view text) {
-    try {
-        return withoutStatusLine(text).has_value();
-    } catch (const Fault&) {
-        return false;
-    }
-}
-
 std::vector<ChangedLine> changedLines(std::string_view before, std::string_view after) {
     constexpr std::ptrdiff_t around = 2;
     const std::vector<std::string> old = linesOf(before);
@@ -310,14 +326,37 @@ std::vector<ChangedLine> changedLines(std::string_view before, std::string_view 
     return lines;
 }
 
-fs::path backupName(const fs::path& file) {
-    const std::string name = file.string() + ".before-vellmark";
-    fs::path free = name;
-    std::error_code ignored;
-    for (int number = 2; fs::exists(fs::symlink_status(free, ignored)); ++number) {
-        free = name + "-" + std::to_string(number);
+std::optional<ClaudeSettingsChange> ClaudeSettingsChange::of(const Machine& machine, Wish wish,
+                                                             const fs::path& program) {
+    ClaudeSettingsChange change{.file = claudeSettingsFile(machine)};
+    change.before = settingsIn(change.file);
+    const auto after = wish == Wish::install ? withStatusLine(change.before, program)
+                                             : withoutStatusLine(change.before);
+    if (!after) {
+        return std::nullopt;
     }
-    return free;
+    change.after = *after;
+    return change;
+}
+
+ClaudeSettingsChange::Outcome ClaudeSettingsChange::make() const {
+    Outcome outcome;
+    try {
+        outcome.hasChangedMeanwhile = settingsIn(file) != before;
+    } catch (const std::system_error& error) {
+        outcome.error = error.code();
+    }
+    if (outcome.error || outcome.hasChangedMeanwhile) {
+        return outcome;
+    }
+    if (!before.empty()) {
+        outcome.backup = backupName(file);
+        outcome.error = replaceWholeFile(outcome.backup, before);
+    }
+    if (!outcome.error) {
+        outcome.error = replaceWholeFile(file, after);
+    }
+    return outcome;
 }
 
 } // namespace vellmark

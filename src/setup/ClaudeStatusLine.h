@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 namespace vellmark {
@@ -34,8 +35,6 @@ std::optional<std::string> withStatusLine(std::string_view settings,
                                           const std::filesystem::path& program);
 /// The settings as they were without it. Absent when it is not there. Throws ClaudeSettingsFault.
 std::optional<std::string> withoutStatusLine(std::string_view settings);
-/// Whether it is there, of whatever path. Throws nothing: what is no settings has none.
-bool hasStatusLine(std::string_view settings);
 
 /// A line of a comparison.
 struct ChangedLine {
@@ -47,7 +46,27 @@ struct ChangedLine {
 /// What differs, with a few lines around it.
 std::vector<ChangedLine> changedLines(std::string_view before, std::string_view after);
 
-/// A name beside `file` that nothing has yet: "settings.json.before-vellmark".
-std::filesystem::path backupName(const std::filesystem::path& file);
+/// A change of Claude Code's settings file that the user is to see before it is made.
+struct ClaudeSettingsChange {
+    std::filesystem::path file;
+    std::string before;
+    std::string after;
+
+    enum class Wish { install, remove };
+    /// Absent when there is nothing to change. Throws ClaudeSettingsFault, and std::system_error
+    /// for a file that cannot be read; one that is not there is empty.
+    static std::optional<ClaudeSettingsChange> of(const Machine& machine, Wish wish,
+                                                  const std::filesystem::path& program);
+
+    struct Outcome {
+        std::error_code error;
+        /// Somebody else has changed the file since it was read: nothing was written.
+        bool hasChangedMeanwhile = false;
+        /// Where the settings are as they were; empty when there were none.
+        std::filesystem::path backup;
+    };
+    /// Makes it, and keeps the file as it was beside it ("settings.json.before-vellmark").
+    Outcome make() const;
+};
 
 } // namespace vellmark

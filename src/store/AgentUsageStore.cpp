@@ -207,8 +207,9 @@ void AgentUsageStore::State::takeStatusLine() {
     if (told == toldWindows) {
         return;
     }
+    const bool isShown = state.enabledProviderIDs.contains(AgentProviderID::claude());
     for (const UsageWindow& window : told) {
-        if (std::ranges::find(toldWindows, window) == toldWindows.end()) {
+        if (isShown && std::ranges::find(toldWindows, window) == toldWindows.end()) {
             AgentUsageSnapshot reading;
             reading.id = AgentProviderID::claude();
             reading.source = SnapshotSource::live;

@@ -41,28 +41,28 @@ private:
 class SettingsPageTest : public testing::Test {
 protected:
     SettingsPageModel::Sources sources() {
-        return {
-            .preferences = *preferences,
-            .machine = machine,
-            .launchAtLogin = launchAtLogin,
-            .words = [this]() -> const Localization& { return words; },
-            .systemLanguage = "fr",
-            .factsOf = [this](const AgentProviderID& id) -> const AgentFacts* {
-                const auto found = std::ranges::find(facts, id, &AgentFacts::id);
-                return isAnswered && found != facts.end() ? &*found : nullptr;
-            },
-            .isAsking = [this](const AgentProviderID& id) { return id == asked; },
-            .ask = [this](const AgentProviderID& id,
-                          bool anew) { asking.push_back(id.rawValue + (anew ? " anew" : "")); },
-            .changed = [this] { ++changes; },
-            .takeSettings = [this] { ++takings; },
-            .hasHistory = [] { return true; },
-            .deleteHistory =
-                [this](std::function<void(std::error_code)> done) {
-                    done(deletion);
-                    lastDone = std::move(done);
+        return {.preferences = *preferences,
+                .machine = machine,
+                .launchAtLogin = launchAtLogin,
+                .words = [this]() -> const Localization& { return words; },
+                .systemLanguage = "fr",
+                .factsOf = [this](const AgentProviderID& id) -> const AgentFacts* {
+                    const auto found = std::ranges::find(facts, id, &AgentFacts::id);
+                    return isAnswered && found != facts.end() ? &*found : nullptr;
                 },
-            .showFolder = [this](const std::filesystem::path& folder) { shownFolder = folder; }};
+                .isAsking = [this](const AgentProviderID& id) { return id == asked; },
+                .ask = [this](const AgentProviderID& id,
+                              bool anew) { asking.push_back(id.rawValue + (anew ? " anew" : "")); },
+                .changed = [this] { ++changes; },
+                .takeSettings = [this] { ++takings; },
+                .hasHistory = [] { return true; },
+                .deleteHistory =
+                    [this](std::function<void(std::error_code)> done) {
+                        done(deletion);
+                        lastDone = std::move(done);
+                    },
+                .showFolder = [this](const std::filesystem::path& folder) { shownFolder = folder; },
+                .terminalProgram = directory.path() / "vellmark"};
     }
     SettingsPageContent content() { return model->content(); }
     std::vector<SettingRowContent> rows() {
@@ -288,6 +288,36 @@ TEST_F(SettingsPageTest, SaysWhenAChangeIsNotOnDisk) {
     std::filesystem::remove(directory / "blocked");
     actions.change("appearance", "light");
     EXPECT_THAT(content().trouble, IsEmpty());
+}
+
+TEST_F(SettingsPageTest, PutsTheStatusLineIntoClaudesSettingsAndOutAgain) {
+    const auto file = machine.home / ".claude/settings.json";
+    const auto look = [&] { model->actions().appear(); };
+    directory.write("vellmark", "");
+    look();
+    EXPECT_THAT(row(settingsRow::statusLine).name, IsEmpty()) << "Claude Code was never used";
+    writeFile(file, "{\n  \"model\": \"opus\"\n}\n");
+    look();
+    EXPECT_EQ(row(settingsRow::statusLine).button.title, "Set up …");
+    EXPECT_THAT(content().statusLineQuestion.text, HasSubstr("~/.claude/settings.json"));
+    EXPECT_THAT(content().statusLineQuestion.text, HasSubstr("\n+ \"statusLine\": {"));
+
+    writeFile(file, "{\n  \"model\": \"haiku\"\n}\n");
+    model->actions().press(std::string(settingsRow::statusLine));
+    EXPECT_THAT(content().trouble, HasSubstr("changed meanwhile"));
+    EXPECT_THAT(contentOf(file), Not(HasSubstr("statusLine")));
+
+    model->actions().press(std::string(settingsRow::statusLine));
+    EXPECT_THAT(content().trouble, IsEmpty());
+    EXPECT_THAT(contentOf(file), HasSubstr((directory.path() / "vellmark").string()));
+    EXPECT_THAT(contentOf(file.string() + ".before-vellmark"), HasSubstr("haiku"));
+    EXPECT_EQ(row(settingsRow::statusLine).button.title, "Remove …");
+    model->actions().press(std::string(settingsRow::statusLine));
+    EXPECT_EQ(contentOf(file), "{\n  \"model\": \"haiku\"\n}\n");
+
+    writeFile(file, "{ // mine");
+    look();
+    EXPECT_THAT(row(settingsRow::statusLine).name, IsEmpty());
 }
 
 } // namespace

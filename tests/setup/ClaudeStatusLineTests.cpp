@@ -34,8 +34,7 @@ TEST(ClaudeStatusLine, GoesInAndOutOfAnySettings) {
         EXPECT_EQ(changed, expected) << with;
         EXPECT_EQ(changed["statusLine"]["command"],
                   "'/opt/it'\\''s here/vellmark' statusline --color always");
-        EXPECT_TRUE(hasStatusLine(with));
-        EXPECT_FALSE(hasStatusLine(settings));
+        EXPECT_FALSE(withoutStatusLine(settings));
         EXPECT_EQ(installed(with), "there already");
         EXPECT_EQ(withoutStatusLine(with), settings);
     }
@@ -60,8 +59,8 @@ TEST(ClaudeStatusLine, KeepsWhatWasThere) {
     const std::string moved = withStatusLine(with, "/elsewhere/vellmark").value();
     EXPECT_EQ(json::parse(*withoutStatusLine(moved)), json::parse(mine));
     // The last of two members of a name counts, also one that is written in escapes.
-    EXPECT_TRUE(hasStatusLine("{\"statusLine\": null, \"status\\u004cine\": " +
-                              json::parse(with)["statusLine"].dump() + "}"));
+    EXPECT_TRUE(withoutStatusLine("{\"statusLine\": null, \"status\\u004cine\": " +
+                                  json::parse(with)["statusLine"].dump() + "}"));
     EXPECT_FALSE(withoutStatusLine(mine)) << "not ours";
 }
 

@@ -17,7 +17,7 @@ Comandos:
       el terminal
   statusline
       La línea de estado de Claude Code:
-      lo que queda, bajo la sesión
+      lo que queda
   history
       El historial registrado
   log
@@ -134,7 +134,7 @@ Comandos:
   watch            Leer una y otra vez y mostrar en el
                    terminal
   statusline       La línea de estado de Claude Code: lo que
-                   queda, bajo la sesión
+                   queda
   history          El historial registrado
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión,
@@ -208,8 +208,7 @@ Comandos:
   usage            Leer todos los agentes y mostrar lo que queda
   status           Una línea para barras de estado y prompts
   watch            Leer una y otra vez y mostrar en el terminal
-  statusline       La línea de estado de Claude Code: lo que queda, bajo la
-                   sesión
+  statusline       La línea de estado de Claude Code: lo que queda
   history          El historial registrado
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión, versión, programa
@@ -271,7 +270,7 @@ Comandos:
   usage            Leer todos los agentes y mostrar lo que queda
   status           Una línea para barras de estado y prompts
   watch            Leer una y otra vez y mostrar en el terminal
-  statusline       La línea de estado de Claude Code: lo que queda, bajo la sesión
+  statusline       La línea de estado de Claude Code: lo que queda
   history          El historial registrado
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión, versión, programa
@@ -328,7 +327,7 @@ Comandos:
   usage            Leer todos los agentes y mostrar lo que queda
   status           Una línea para barras de estado y prompts
   watch            Leer una y otra vez y mostrar en el terminal
-  statusline       La línea de estado de Claude Code: lo que queda, bajo la sesión
+  statusline       La línea de estado de Claude Code: lo que queda
   history          El historial registrado
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión, versión, programa
