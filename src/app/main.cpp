@@ -2,6 +2,7 @@
 #include "app/RenderGlyph.h"
 #include "app/TerminationSignals.h"
 #include "app/VellmarkAppDelegate.h"
+#include "platform/ActivationPolicy.h"
 #include "platform/Machine.h"
 #include "platform/ProgramEnd.h"
 #include "platform/SessionBus.h"
@@ -34,7 +35,7 @@ constexpr int wrongUse = 2;
 
 constexpr auto usage =
     "usage: vellmark-desktop [--show-window | --show-about | --show-popover] [--demo]\n"
-    "                        [--sandbox DIR] [--language de|en|fr|it|es]\n"
+    "                        [--sandbox DIR] [--notices] [--language de|en|fr|it|es]\n"
     "       vellmark-desktop --render-glyph USED ELAPSED SIZE FILE.png\n";
 
 void report(const std::string& message) {
@@ -128,6 +129,7 @@ int runProgram(int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("Vellmark"));
     QApplication::setDesktopFileName(QStringLiteral("app.vellmark.Vellmark"));
     QApplication::setQuitOnLastWindowClosed(false);
+    startInBackground();
     noDisplay = words.text("desktop.error.noDisplay");
     const std::unique_ptr<QApplication> application = makeApplication(argc, argv);
     // Nothing in our layouts mirrors, so nothing of the toolkit's may.

@@ -41,6 +41,10 @@ public:
         options.flag("--json", json_, "cli.option.json");
     }
 
+    std::vector<std::string> choices(const std::string& option) const override {
+        return StatusForm::choices(option);
+    }
+
     bool startsChildren() const override { return !cached_ && !snapshots_; }
 
     int run(const CommandContext& context) override {

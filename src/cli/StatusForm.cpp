@@ -7,7 +7,6 @@
 #include "text/TerminalText.h"
 
 #include <filesystem>
-#include <vector>
 
 namespace vellmark {
 namespace {
@@ -58,6 +57,11 @@ void StatusForm::declare(CommandOptions& options) {
     options.value("--escape", reader_, "FORMAT", "cli.status.escape");
     options.value("--agent", agent_, "ID", "cli.status.agent");
     options.value("--window", window_, "ID", "cli.status.window");
+}
+
+std::vector<std::string> StatusForm::choices(const std::string& name) {
+    return name == "--format" || name == "--escape" ? statusFormatNames()
+                                                    : std::vector<std::string>();
 }
 
 void StatusForm::understand(bool asJSON) {

@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace vellmark {
 
@@ -12,6 +13,8 @@ namespace vellmark {
 class StatusForm {
 public:
     void declare(CommandOptions& options);
+    /// The values that an option of these may have; see Subcommand.
+    static std::vector<std::string> choices(const std::string& name);
     /// A form was asked for.
     bool isGiven() const { return format_ || agent_ || window_ || reader_; }
     /// Makes sense of the values; throws WrongArguments. `asJSON`: another argument asks for that.

@@ -107,7 +107,7 @@ public:
         options.flag("--install", install_, "cli.statusline.install");
         options.flag("--remove", remove_, "cli.statusline.remove");
         options.flag("--yes", yes_, "cli.statusline.yes");
-        options.value("--then", then_, "COMMAND", "cli.statusline.then");
+        options.value("--then", then_, "SCRIPT", "cli.statusline.then");
         options.value("--now", now_, "T", "cli.option.now");
     }
 

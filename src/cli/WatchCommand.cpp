@@ -377,6 +377,10 @@ public:
         form_.declare(options);
     }
 
+    std::vector<std::string> choices(const std::string& option) const override {
+        return StatusForm::choices(option);
+    }
+
     /// Followed as lines, it reads agents only where nobody else does.
     bool startsChildren() const override { return !form_.isGiven(); }
 

@@ -34,7 +34,11 @@ public:
         sometime, ///< the file too; for what is soon told again by somebody who must not wait
     };
     /// The mode where there is a target already.
-    enum class Mode { kept, ownerAlone };
+    enum class Mode {
+        kept,
+        ownerAlone,
+        readableByAll, ///< kept too, but 0644 where there is none
+    };
 
     ReplacementFile(const std::filesystem::path& target, Name name, Links links,
                     Mode mode = Mode::kept);

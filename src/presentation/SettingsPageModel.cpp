@@ -1,5 +1,6 @@
 #include "presentation/SettingsPageModel.h"
 
+#include "store/AppSettings.h"
 #include "text/SystemErrorText.h"
 
 #include <exception>
@@ -38,6 +39,7 @@ SettingsPageState SettingsPageModel::state() const {
         state.settings.push_back({item, catalog_.value(item)});
     }
     state.launchAtLogin = sources_.launchAtLogin.state();
+    state.noticeDelivery = sources_.noticeDelivery();
     state.order = agents_.order();
     state.enabled = agents_.enabled();
     for (const AgentProviderID& id : state.order) {
@@ -87,6 +89,7 @@ SettingsPageActions SettingsPageModel::actions() {
 void SettingsPageModel::look(bool anew) {
     dataSize_ = sizeOf(sources_.machine.supportDirectory());
     lookAtStatusLine();
+    sources_.lookForNoticeService();
     for (const AgentProviderID& id : agents_.order()) {
         sources_.ask(id, anew);
     }
@@ -122,6 +125,8 @@ void SettingsPageModel::press(const std::string& name) {
     } else if (const SettingItem* item = catalog_.find(name);
                item != nullptr && item->kind == SettingItem::Kind::loginItem) {
         sources_.launchAtLogin.openSystemSettings();
+    } else if (item != nullptr && item->preferenceKey == setting::notices.key) {
+        sources_.allowNotices();
     }
 }
 

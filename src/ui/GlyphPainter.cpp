@@ -80,21 +80,24 @@ QImage glyphImage(const MenuBarGlyph& glyph, int side, const QColor& ink,
     return image.convertToFormat(QImage::Format_ARGB32);
 }
 
+QImage applicationImage(int side) {
+    QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(tileColor);
+    painter.drawRoundedRect(image.rect(), tileRadius * side, tileRadius * side);
+    const double glyphSide = glyphShare * side;
+    const double inset = (side - glyphSide) / 2;
+    paintGlyph(painter, {inset, inset}, glyphSide, emblem, Qt::white);
+    return image;
+}
+
 QIcon applicationIcon() {
     QIcon icon;
     for (const int side : {16, 32, 48, 128}) {
-        QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
-        image.fill(Qt::transparent);
-        QPainter painter(&image);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(tileColor);
-        painter.drawRoundedRect(image.rect(), tileRadius * side, tileRadius * side);
-        const double glyphSide = glyphShare * side;
-        const double inset = (side - glyphSide) / 2;
-        paintGlyph(painter, {inset, inset}, glyphSide, emblem, Qt::white);
-        painter.end();
-        icon.addPixmap(QPixmap::fromImage(image));
+        icon.addPixmap(QPixmap::fromImage(applicationImage(side)));
     }
     return icon;
 }

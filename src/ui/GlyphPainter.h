@@ -26,7 +26,10 @@ void paintGlyph(QPainter& painter, const QPointF& origin, double side, const Men
 QImage glyphImage(const MenuBarGlyph& glyph, int side, const QColor& ink,
                   const std::optional<QColor>& dot = std::nullopt);
 
-/// The application's icon for task bars and window lists: a glyph on a tile.
+/// The application's icon of `side` pixels: a glyph on a tile. Needs no application object.
+QImage applicationImage(int side);
+
+/// The same for task bars and window lists.
 QIcon applicationIcon();
 
 QColor statusQColor(StatusColorRole role, bool onDark);

@@ -35,11 +35,18 @@ NSString* text(const std::string& words) {
     return [NSString stringWithUTF8String:words.c_str()];
 }
 
-/// What the window in front or the system's own application object answers; null for all others.
-/// Copying is answered by Qt's widgets, which are no responders.
+/// What the view with the keys, the window in front or the system's own application object answers;
+/// null for all others. Qt's view passes the editing actions on to its widgets, and the system's
+/// own panels answer them too.
 SEL responderAction(std::string_view action) {
     if (action == menuAction::hide) {
         return @selector(hide:);
+    }
+    if (action == menuAction::copy) {
+        return @selector(copy:);
+    }
+    if (action == menuAction::selectAll) {
+        return @selector(selectAll:);
     }
     if (action == menuAction::closeWindow) {
         return @selector(performClose:);

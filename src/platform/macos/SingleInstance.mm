@@ -24,12 +24,20 @@
     std::function<void()> onShow;
 }
 - (void)show:(NSNotification*)notification;
+- (void)receiveReopen;
 - (void)handleReopen:(NSAppleEventDescriptor*)event withReply:(NSAppleEventDescriptor*)reply;
 @end
 
 @implementation VellmarkShowReceiver
 - (void)show:(NSNotification*)notification {
     onShow();
+}
+- (void)receiveReopen {
+    [[NSAppleEventManager sharedAppleEventManager] setEventHandler:self
+                                                       andSelector:@selector(handleReopen:
+                                                                                withReply:)
+                                                     forEventClass:kCoreEventClass
+                                                        andEventID:kAEReopenApplication];
 }
 - (void)handleReopen:(NSAppleEventDescriptor*)event withReply:(NSAppleEventDescriptor*)reply {
     onShow();
@@ -43,12 +51,19 @@ NSString* showNotification(const SingleInstanceRequest& request) {
     return [NSString stringWithFormat:@"%s.Show", request.identifier.c_str()];
 }
 
-/// False when another process holds the lock; a lock that cannot be made is nobody's.
-bool lockFile(Descriptor& lock, const std::filesystem::path& directory) {
+enum class LockState { held, anothers, unknown };
+
+LockState lockFile(Descriptor& lock, const std::filesystem::path& directory) {
     std::error_code ignored;
     makePrivateDirectory(directory);
     lock = openRegularFile(directory / "instance.lock", O_RDWR | O_CREAT, ignored);
-    return !lock.isOpen() || ::flock(lock.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+    if (!lock.isOpen()) {
+        return LockState::unknown;
+    }
+    if (::flock(lock.get(), LOCK_EX | LOCK_NB) == 0) {
+        return LockState::held;
+    }
+    return errno == EWOULDBLOCK ? LockState::anothers : LockState::unknown;
 }
 
 /// Null when no other process of this bundle runs, or this one has none (run from a build tree).
@@ -72,17 +87,19 @@ public:
         : lock_(std::move(lock)),
           receiver_(Retained<VellmarkShowReceiver*>::adopt([[VellmarkShowReceiver alloc] init])) {
         receiver_.get()->onShow = request.onShow;
-        [[NSDistributedNotificationCenter defaultCenter] addObserver:receiver_.get()
-                                                            selector:@selector(show:)
-                                                                name:showNotification(request)
-                                                              object:nil];
-        [[NSAppleEventManager sharedAppleEventManager] setEventHandler:receiver_.get()
-                                                           andSelector:@selector(handleReopen:
-                                                                                    withReply:)
-                                                         forEventClass:kCoreEventClass
-                                                            andEventID:kAEReopenApplication];
+        // At once, also while the program is not in front.
+        [[NSDistributedNotificationCenter defaultCenter]
+                   addObserver:receiver_.get()
+                      selector:@selector(show:)
+                          name:showNotification(request)
+                        object:nil
+            suspensionBehavior:NSNotificationSuspensionBehaviorDeliverImmediately];
+        // In the first turn of the loop: the application installs a handler of its own while it
+        // finishes launching, in place of any earlier one.
+        [receiver_.get() performSelector:@selector(receiveReopen) withObject:nil afterDelay:0];
     }
     ~OnlyInstance() override {
+        [NSObject cancelPreviousPerformRequestsWithTarget:receiver_.get()];
         [[NSDistributedNotificationCenter defaultCenter] removeObserver:receiver_.get()];
         [[NSAppleEventManager sharedAppleEventManager]
             removeEventHandlerForEventClass:kCoreEventClass
@@ -99,12 +116,16 @@ private:
 std::unique_ptr<SingleInstance> claimSingleInstance(DescriptorWatcher& /*loop*/,
                                                     SingleInstanceRequest request) {
     Descriptor lock;
-    if (lockFile(lock, request.directory)) {
+    const LockState state = lockFile(lock, request.directory);
+    // Without a lock that tells, the list of running programs has to.
+    if (state == LockState::held || (state == LockState::unknown && runningInstance() == nil)) {
         return std::make_unique<OnlyInstance>(std::move(lock), request);
     }
     [runningInstance() activateWithOptions:0];
     [[NSDistributedNotificationCenter defaultCenter] postNotificationName:showNotification(request)
-                                                                   object:nil];
+                                                                   object:nil
+                                                                 userInfo:nil
+                                                       deliverImmediately:YES];
     return nullptr;
 }
 

@@ -3,6 +3,8 @@
 #include "platform/macos/Retained.h"
 
 #import <AppKit/AppKit.h>
+#include <tuple>
+#include <utility>
 
 /// Calls back when the application's effective appearance or the accessibility options for the
 /// display have changed.
@@ -34,7 +36,12 @@ public:
     explicit EffectiveAppearance(std::function<void()> onChange)
         : observer_(Retained<VellmarkAppearanceObserver*>::adopt(
               [[VellmarkAppearanceObserver alloc] init])) {
-        observer_.get()->onChange = std::move(onChange);
+        observer_.get()->onChange = [this, onChange = std::move(onChange)] {
+            // The system tells of more than what is asked for here, some of it several times.
+            if (std::exchange(told_, state()) != state()) {
+                onChange();
+            }
+        };
         [NSApp addObserver:observer_.get() forKeyPath:keyPath options:0 context:nullptr];
         [[[NSWorkspace sharedWorkspace] notificationCenter]
             addObserver:observer_.get()
@@ -65,6 +72,10 @@ public:
     }
 
 private:
+    using State = std::tuple<ColorScheme, bool, bool>;
+    State state() const { return {colorScheme(), reducesMotion(), increasesContrast()}; }
+
+    State told_ = state();
     Retained<VellmarkAppearanceObserver*> observer_;
 };
 

@@ -20,6 +20,9 @@ Comandos:
       lo que queda
   history
       El historial registrado
+  metrics
+      Mostrar las últimas lecturas para
+      la supervisión (OpenMetrics)
   log
       El registro de actividad
   agents
@@ -43,6 +46,12 @@ Comandos:
   redact
       Quitar de un texto secretos,
       nombres de usuario y direcciones
+  completions
+      Mostrar el script con el que una
+      shell completa argumentos
+  man
+      Mostrar la página de manual del
+      programa o de un comando
   help
       Esta ayuda o la de un comando
 
@@ -136,6 +145,8 @@ Comandos:
   statusline       La línea de estado de Claude Code: lo que
                    queda
   history          El historial registrado
+  metrics          Mostrar las últimas lecturas para la
+                   supervisión (OpenMetrics)
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión,
                    versión, programa
@@ -149,6 +160,10 @@ Comandos:
   report           Crear un informe de soporte sin secretos
   redact           Quitar de un texto secretos, nombres de
                    usuario y direcciones
+  completions      Mostrar el script con el que una shell
+                   completa argumentos
+  man              Mostrar la página de manual del programa
+                   o de un comando
   help             Esta ayuda o la de un comando
 
 Opciones:
@@ -210,6 +225,8 @@ Comandos:
   watch            Leer una y otra vez y mostrar en el terminal
   statusline       La línea de estado de Claude Code: lo que queda
   history          El historial registrado
+  metrics          Mostrar las últimas lecturas para la supervisión
+                   (OpenMetrics)
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión, versión, programa
   settings         Listar, mostrar o cambiar los ajustes
@@ -218,6 +235,8 @@ Comandos:
   setup-script     Mostrar el script que instala un agente o inicia sesión en él
   report           Crear un informe de soporte sin secretos
   redact           Quitar de un texto secretos, nombres de usuario y direcciones
+  completions      Mostrar el script con el que una shell completa argumentos
+  man              Mostrar la página de manual del programa o de un comando
   help             Esta ayuda o la de un comando
 
 Opciones:
@@ -272,6 +291,7 @@ Comandos:
   watch            Leer una y otra vez y mostrar en el terminal
   statusline       La línea de estado de Claude Code: lo que queda
   history          El historial registrado
+  metrics          Mostrar las últimas lecturas para la supervisión (OpenMetrics)
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión, versión, programa
   settings         Listar, mostrar o cambiar los ajustes
@@ -280,6 +300,8 @@ Comandos:
   setup-script     Mostrar el script que instala un agente o inicia sesión en él
   report           Crear un informe de soporte sin secretos
   redact           Quitar de un texto secretos, nombres de usuario y direcciones
+  completions      Mostrar el script con el que una shell completa argumentos
+  man              Mostrar la página de manual del programa o de un comando
   help             Esta ayuda o la de un comando
 
 Opciones:
@@ -329,6 +351,7 @@ Comandos:
   watch            Leer una y otra vez y mostrar en el terminal
   statusline       La línea de estado de Claude Code: lo que queda
   history          El historial registrado
+  metrics          Mostrar las últimas lecturas para la supervisión (OpenMetrics)
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión, versión, programa
   settings         Listar, mostrar o cambiar los ajustes
@@ -337,6 +360,8 @@ Comandos:
   setup-script     Mostrar el script que instala un agente o inicia sesión en él
   report           Crear un informe de soporte sin secretos
   redact           Quitar de un texto secretos, nombres de usuario y direcciones
+  completions      Mostrar el script con el que una shell completa argumentos
+  man              Mostrar la página de manual del programa o de un comando
   help             Esta ayuda o la de un comando
 
 Opciones:
