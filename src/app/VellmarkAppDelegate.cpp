@@ -644,6 +644,8 @@ void VellmarkAppDelegate::menuItemChosen(std::string_view action) {
         QCoreApplication::quit();
     } else if (const auto agent = agentOfMenuAction(action)) {
         showPage(AgentPage::provider(*agent));
+    } else if (const auto unready = agentToSetUp(action)) {
+        showSetup(unready);
     } else {
         mainMenu_.performInResponderChain(action);
     }

@@ -11,6 +11,7 @@ namespace vellmark {
 namespace {
 
 constexpr std::string_view agentPrefix = "agent/";
+constexpr std::string_view setupPrefix = "setup/";
 /// Some agents name their windows themselves.
 constexpr std::size_t longestTitle = 120;
 
@@ -65,6 +66,13 @@ std::string agentTitle(const AgentUsageSnapshot& snapshot, const UsageState& sta
                                          : "health.unavailable");
 }
 
+/// The agent after a prefix of ours.
+std::optional<AgentProviderID> agentAfter(std::string_view prefix, std::string_view action) {
+    return action.starts_with(prefix)
+               ? std::optional(AgentProviderID(std::string(action.substr(prefix.size()))))
+               : std::nullopt;
+}
+
 StatusMenuItem agentItem(const AgentUsageSnapshot& snapshot, const UsageState& state, Instant now,
                          const Localization& words) {
     const AgentStanding standing = standingOf(snapshot, state, now);
@@ -77,6 +85,11 @@ StatusMenuItem agentItem(const AgentUsageSnapshot& snapshot, const UsageState& s
     }
     if (snapshot.error) {
         item.items.push_back({titleOf(snapshot.error->message(words)), action});
+        const auto failure = agentBlockContent(snapshot, state, now, words).failure;
+        if (failure && (failure->wayOut == WayOut::install || failure->wayOut == WayOut::logIn)) {
+            item.items.push_back(
+                {failure->buttonTitle, std::string(setupPrefix) + snapshot.id.rawValue});
+        }
     }
     if (!item.items.empty()) {
         item.action.clear();
@@ -108,9 +121,11 @@ std::vector<StatusMenuItem> statusMenuContent(const UsageState& state, Instant n
 }
 
 std::optional<AgentProviderID> agentOfMenuAction(std::string_view action) {
-    return action.starts_with(agentPrefix)
-               ? std::optional(AgentProviderID(std::string(action.substr(agentPrefix.size()))))
-               : std::nullopt;
+    return agentAfter(agentPrefix, action);
+}
+
+std::optional<AgentProviderID> agentToSetUp(std::string_view action) {
+    return agentAfter(setupPrefix, action);
 }
 
 } // namespace vellmark

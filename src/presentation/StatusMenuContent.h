@@ -32,4 +32,8 @@ std::vector<StatusMenuItem> statusMenuContent(const UsageState& state, Instant n
 /// The agent whose line was chosen; absent for other actions.
 std::optional<AgentProviderID> agentOfMenuAction(std::string_view action);
 
+/// The agent whose way out of a failure was chosen, where that is to install it or to log in to it;
+/// absent for other actions.
+std::optional<AgentProviderID> agentToSetUp(std::string_view action);
+
 } // namespace vellmark

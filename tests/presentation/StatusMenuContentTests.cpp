@@ -46,6 +46,20 @@ TEST(StatusMenuContent, HoldsTheFiguresAndWhatCanBeDone) {
     EXPECT_EQ(menu, statusMenuContent(state, noon + Seconds(60), english));
 }
 
+TEST(StatusMenuContent, LeadsToWhatIsLeftToInstallOrToLogInTo) {
+    using Kind = UsageProviderError::Kind;
+    const auto menu = statusMenuContent(
+        stateOf({failed(claude, UsageProviderError(Kind::claudeNotLoggedIn)),
+                 failed(codex, UsageProviderError::executableMissing("Codex CLI"))}),
+        noon, english);
+    EXPECT_THAT(titles(menu[0].items), ElementsAre("Not logged in to Claude.", "Log in …"));
+    EXPECT_EQ(agentToSetUp(menu[0].items[1].action), claude);
+    EXPECT_FALSE(agentOfMenuAction(menu[0].items[1].action));
+    EXPECT_THAT(titles(menu[1].items), ElementsAre("Codex CLI not found.", "Install …"));
+    EXPECT_EQ(agentToSetUp(menu[1].items[1].action), codex);
+    EXPECT_FALSE(agentToSetUp(menu[1].items[0].action));
+}
+
 TEST(StatusMenuContent, TellsWhatCannotBeUsed) {
     const UsageState state =
         stateOf({live(claude, {window("session", 10, 300, 87), window("weekly", 100, 10'080, 900)}),
