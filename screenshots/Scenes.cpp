@@ -8,6 +8,7 @@
 #include "screenshots/SampleHistory.h"
 #include "screenshots/SampleReport.h"
 #include "screenshots/SampleSettings.h"
+#include "screenshots/SampleSetup.h"
 #include "screenshots/SampleStates.h"
 #include "ui/AboutWindow.h"
 #include "ui/ChartView.h"
@@ -19,6 +20,7 @@
 #include "ui/kit/Theme.h"
 #include "ui/popover/AgentUsagePopoverView.h"
 #include "ui/popover/Popover.h"
+#include "ui/setup/SetupAssistantView.h"
 #include "ui/window/AgentMainWindowView.h"
 #include "ui/window/HistoryCards.h"
 #include "ui/window/HistoryPage.h"
@@ -48,6 +50,7 @@ AgentUIActions noActions() {
             .openSettings = nothing,
             .showAbout = nothing,
             .startSetup = nothing,
+            .setUpAgent = [](const AgentProviderID&) {},
             .showLegal = [](LegalDocument) {},
             .showSupportReport = nothing,
             .quit = nothing};
@@ -128,11 +131,11 @@ Scene pageScene(std::string name, AgentPage page, UsageState (*state)(), PageOfS
 }
 
 Scene overviewScene(std::string name, UsageState (*state)(),
-                    QSize size = AgentMainWindowView::firstSize, bool asksForSetup = false) {
+                    QSize size = AgentMainWindowView::firstSize) {
     return pageScene(
         std::move(name), AgentPage::of(AgentPage::Kind::overview), state,
-        [asksForSetup](const UsageState& shown, const Localization& words) {
-            return overviewPageContent(shown, samples::now(), words, asksForSetup);
+        [](const UsageState& shown, const Localization& words) {
+            return overviewPageContent(shown, samples::now(), words);
         },
         size);
 }
@@ -318,6 +321,26 @@ Scene legalScene(std::string name, LegalDocument document, bool needsNotice) {
             }};
 }
 
+using SetupOf = std::function<SetupAssistantState(const Localization& words)>;
+
+Scene setupScene(std::string name, SetupOf state, QSize size = SetupAssistantView::firstSize) {
+    return {"setup-" + std::move(name),
+            [state = std::move(state), size](const std::string& language, double scale) {
+                const Localization words = samples::words(language);
+                SetupAssistantActions actions;
+                actions.lookAgain = [] {};
+                SetupAssistantView view(std::move(actions));
+                view.setContent(setupAssistantContent(state(words), samples::now(), words));
+                view.setMinimumSize(size.boundedTo(SetupAssistantView::leastSize));
+                view.resize(size);
+                return drawWhole(view, scale);
+            }};
+}
+
+SetupOf setupAt(SetupStep step) {
+    return [step](const Localization& words) { return samples::setup(step, words); };
+}
+
 QImage drawReport(samples::ReportMoment moment, QSize size, const std::string& language,
                   double scale) {
     const Localization words = samples::words(language);
@@ -428,7 +451,6 @@ std::vector<Scene> allScenes() {
         overviewScene("incomplete", samples::incomplete),
         overviewScene("failed", samples::failed),
         overviewScene("refusing", samples::refusing),
-        overviewScene("first-run", samples::failed, AgentMainWindowView::firstSize, true),
         overviewScene("no-agents", samples::noAgents),
         overviewScene("long-texts", samples::longTexts),
         overviewScene("many-agents", samples::manyAgents),
@@ -496,12 +518,28 @@ std::vector<Scene> allScenes() {
         settingsScene("settings", samples::settings),
         settingsScene("settings-least", samples::settings, AgentMainWindowView::leastSize),
         settingsScene("settings-large", samples::settings, QSize(2560, 1400)),
-        settingsScene("settings-whole", samples::settings, QSize(1120, 1560)),
+        settingsScene("settings-whole", samples::settings, QSize(1120, 2150)),
         {"settings-question", drawSettingsQuestion},
         settingsScene("settings-checking", samples::uncheckedSettings),
-        settingsScene("settings-unready", samples::unreadySettings, QSize(1120, 1620)),
-        settingsScene("settings-unready-least", samples::unreadySettings, QSize(1040, 1700)),
+        settingsScene("settings-unready", samples::unreadySettings, QSize(1120, 2120)),
+        settingsScene("settings-unready-least", samples::unreadySettings, QSize(1040, 2200)),
 
+        // setup
+        setupScene("welcome", setupAt(SetupStep::welcome)),
+        setupScene("agents", setupAt(SetupStep::agents)),
+        setupScene("tools", setupAt(SetupStep::tools)),
+        setupScene("tools-least", samples::failedSetup, SetupAssistantView::leastSize),
+        // What 1366 by 768 leaves where type is at 150 %.
+        setupScene("tools-small-screen", samples::runningSetup, QSize(780, 440)),
+        setupScene("checking", samples::checkingSetup),
+        setupScene("running", samples::runningSetup),
+        setupScene("failed", samples::failedSetup),
+        setupScene("closed", samples::closedSetup, QSize(820, 680)),
+        setupScene("without-terminal", samples::setupWithoutTerminal),
+        setupScene("without-shell", samples::setupWithoutShell),
+        setupScene("nobody", samples::setupOfNobody),
+        setupScene("left", setupAt(SetupStep::finish)),
+        setupScene("finished", samples::finishedSetup),
         // help
         helpScene("reading", HelpSection::reading),
         helpScene("marks", HelpSection::marks),

@@ -1,20 +1,12 @@
 #include "cli/InterruptibleWork.h"
+#include "cli/OutputFile.h"
 #include "cli/StorageNews.h"
 #include "cli/Subcommands.h"
-#include "platform/Descriptor.h"
-#include "platform/SystemError.h"
 #include "report/SupportReportFacts.h"
 #include "text/TerminalText.h"
 
-#include <algorithm>
-#include <cerrno>
-#include <fcntl.h>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <sys/stat.h>
-#include <system_error>
-#include <unistd.h>
 
 namespace vellmark {
 namespace {
@@ -49,46 +41,20 @@ public:
             context.report(context.words.text("cli.error.notRedacted"));
             return ExitStatus::failed;
         }
-        return deliver(*text + "\n", context);
-    }
-
-private:
-    int deliver(const std::string& text, const CommandContext& context) const {
-        struct stat target {};
-        struct stat output {};
-        const bool exists = output_ && ::stat(output_->c_str(), &target) == 0;
-        // "/dev/stdout", for instance; a second opening would write over what is there.
-        const bool isOutput = exists && ::fstat(STDOUT_FILENO, &output) == 0 &&
-                              output.st_dev == target.st_dev && output.st_ino == target.st_ino;
-        if (!output_ || *output_ == "-" || isOutput) {
-            context.output.writeData(text);
-            return ExitStatus::done;
-        }
-        const bool isSpecial = exists && !S_ISREG(target.st_mode);
-        if (const auto error =
-                isSpecial ? writeTo(*output_, text) : saveSupportReport(*output_, text)) {
-            context.report(context.words.format(
-                "cli.error.notSaved",
-                {singleLine(*output_), systemErrorText(error, context.words)}));
+        switch (deliver(*text + "\n", output_, ReplacementFile::Mode::ownerAlone, context)) {
+        case Delivery::failed:
             return ExitStatus::failed;
+        case Delivery::saved:
+            context.output.write(context.words.format("report.saved", {singleLine(*output_)}) +
+                                 "\n");
+            break;
+        case Delivery::printed:
+            break;
         }
-        context.output.write(context.words.format("report.saved", {singleLine(*output_)}) + "\n");
         return ExitStatus::done;
     }
 
-    /// A pipe or a device, which stays what it is.
-    static std::error_code writeTo(const std::string& file, std::string_view text) {
-        const Descriptor opened(::open(file.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC));
-        while (opened.isOpen() && !text.empty()) {
-            const ssize_t count = ::write(opened.get(), text.data(), text.size());
-            if (count < 0 && errno != EINTR) {
-                return lastSystemError();
-            }
-            text.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-        }
-        return opened.isOpen() ? std::error_code() : lastSystemError();
-    }
-
+private:
     bool includeEmails_ = false;
     std::optional<std::string> whatHappened_;
     std::optional<std::string> output_;

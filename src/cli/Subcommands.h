@@ -8,9 +8,13 @@
 namespace vellmark {
 
 std::unique_ptr<Subcommand> makeAgentsCommand();
+std::unique_ptr<Subcommand> makeCompleteCommand();
+std::unique_ptr<Subcommand> makeCompletionsCommand();
 std::unique_ptr<Subcommand> makeHistoryCommand();
 std::unique_ptr<Subcommand> makeInspectCommand();
 std::unique_ptr<Subcommand> makeLogCommand();
+std::unique_ptr<Subcommand> makeManCommand();
+std::unique_ptr<Subcommand> makeMetricsCommand();
 std::unique_ptr<Subcommand> makeRedactCommand();
 std::unique_ptr<Subcommand> makeReportCommand();
 std::unique_ptr<Subcommand> makeSettingsCommand();

@@ -82,8 +82,10 @@ void ReplacementFile::open(Name name, Mode mode) {
     }
     if (!descriptor_.isOpen()) {
         error_ = lastSystemError();
-    } else if (exists && mode == Mode::kept) {
+    } else if (exists && mode != Mode::ownerAlone) {
         ::fchmod(descriptor_.get(), present.st_mode & 0777);
+    } else if (mode == Mode::readableByAll) {
+        ::fchmod(descriptor_.get(), 0644);
     }
 }
 

@@ -29,7 +29,11 @@ public:
         refused,
     };
     /// The mode where there is a target already.
-    enum class Mode { kept, ownerAlone };
+    enum class Mode {
+        kept,
+        ownerAlone,
+        readableByAll, ///< kept too, but 0644 where there is none
+    };
 
     ReplacementFile(const std::filesystem::path& target, Name name, Links links,
                     Mode mode = Mode::kept);

@@ -41,8 +41,7 @@ public:
     StoreFiles& operator=(const StoreFiles&) = delete;
 
     const UsageHistory& history() const;
-    /// Reads the file at once; to be asked before anything is saved. What cannot be understood of
-    /// it is told.
+    /// Reads the file at once; call it before anything is saved. Reports what it cannot understand.
     std::vector<AgentUsageSnapshot> lastSnapshots();
 
     void record(AgentUsageSnapshot reading);

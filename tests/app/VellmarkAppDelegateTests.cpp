@@ -11,6 +11,7 @@
 #include "ui/kit/TextArea.h"
 #include "ui/popover/AgentBlock.h"
 #include "ui/popover/Popover.h"
+#include "ui/setup/SetupAssistantView.h"
 #include "ui/window/AgentMainWindowView.h"
 
 #include <QAbstractButton>
@@ -319,10 +320,46 @@ TEST_F(VellmarkAppDelegateTest, LetsGoOfWhatHasBeenClosedForAWhileAndShowsItAgai
     }
 }
 
-TEST_F(VellmarkAppDelegateTest, OffersTheFirstRunWhenSomethingIsMissing) {
+TEST_F(VellmarkAppDelegateTest, BeginsWithTheSetupAndThenTheTermsWhereSomethingIsMissing) {
     sandbox_.uninstall("codex");
     launch();
-    EXPECT_TRUE(eventually([] { return visible<AgentMainWindowView>() != nullptr; }));
+    ASSERT_TRUE(eventually([] { return visible<SetupAssistantView>() != nullptr; }));
+    EXPECT_FALSE(visible<AgentMainWindowView>());
+    EXPECT_FALSE(visible<LegalWindow>());
+    EXPECT_EQ(visible<SetupAssistantView>()->windowTitle(), "Set Up Vellmark");
+    delegate_->languageManager().choose("it");
+    EXPECT_EQ(visible<SetupAssistantView>()->windowTitle(), "Configura Vellmark");
+    visible<SetupAssistantView>()->close();
+    ASSERT_TRUE(visible<LegalWindow>());
+    delegate_.reset();
+    RunningChildren::reopen();
+    launch(); // put off: the terms alone
+    ASSERT_TRUE(eventually([] { return visible<LegalWindow>() != nullptr; }));
+    EXPECT_FALSE(visible<SetupAssistantView>());
+
+    // The way out of the failure leads back, to what is left to do.
+    ASSERT_TRUE(opensPopover());
+    const auto wayOut = [] {
+        for (auto* button : visible<Popover>()->findChildren<QAbstractButton*>()) {
+            if (button->isVisible() && button->text() == "Install …") {
+                return button;
+            }
+        }
+        return static_cast<QAbstractButton*>(nullptr);
+    };
+    ASSERT_TRUE(eventually([&] { return wayOut() != nullptr; }));
+    wayOut()->click();
+    EXPECT_FALSE(visible<Popover>());
+    auto* assistant = visible<SetupAssistantView>();
+    ASSERT_TRUE(assistant);
+    EXPECT_TRUE(eventually([&] {
+        for (const auto* button : assistant->findChildren<QAbstractButton*>()) {
+            if (button->isVisible() && button->accessibleName() == "Copy command") {
+                return button->accessibleDescription().startsWith("curl");
+            }
+        }
+        return false;
+    }));
 }
 
 TEST_F(VellmarkAppDelegateTest, HelpLeadsToTheSupportReport) {

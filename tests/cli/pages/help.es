@@ -17,6 +17,9 @@ Comandos:
       el terminal
   history
       El historial registrado
+  metrics
+      Mostrar las últimas lecturas para
+      la supervisión (OpenMetrics)
   log
       El registro de actividad
   agents
@@ -40,6 +43,12 @@ Comandos:
   redact
       Quitar de un texto secretos,
       nombres de usuario y direcciones
+  completions
+      Mostrar el script con el que una
+      shell completa argumentos
+  man
+      Mostrar la página de manual del
+      programa o de un comando
   help
       Esta ayuda o la de un comando
 
@@ -131,6 +140,8 @@ Comandos:
   watch            Leer una y otra vez y mostrar en el
                    terminal
   history          El historial registrado
+  metrics          Mostrar las últimas lecturas para la
+                   supervisión (OpenMetrics)
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión,
                    versión, programa
@@ -144,6 +155,10 @@ Comandos:
   report           Crear un informe de soporte sin secretos
   redact           Quitar de un texto secretos, nombres de
                    usuario y direcciones
+  completions      Mostrar el script con el que una shell
+                   completa argumentos
+  man              Mostrar la página de manual del programa
+                   o de un comando
   help             Esta ayuda o la de un comando
 
 Opciones:
@@ -204,6 +219,8 @@ Comandos:
   status           Una línea para barras de estado y prompts
   watch            Leer una y otra vez y mostrar en el terminal
   history          El historial registrado
+  metrics          Mostrar las últimas lecturas para la supervisión
+                   (OpenMetrics)
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión, versión, programa
   settings         Listar, mostrar o cambiar los ajustes
@@ -212,6 +229,8 @@ Comandos:
   setup-script     Mostrar el script que instala un agente o inicia sesión en él
   report           Crear un informe de soporte sin secretos
   redact           Quitar de un texto secretos, nombres de usuario y direcciones
+  completions      Mostrar el script con el que una shell completa argumentos
+  man              Mostrar la página de manual del programa o de un comando
   help             Esta ayuda o la de un comando
 
 Opciones:
@@ -265,6 +284,7 @@ Comandos:
   status           Una línea para barras de estado y prompts
   watch            Leer una y otra vez y mostrar en el terminal
   history          El historial registrado
+  metrics          Mostrar las últimas lecturas para la supervisión (OpenMetrics)
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión, versión, programa
   settings         Listar, mostrar o cambiar los ajustes
@@ -273,6 +293,8 @@ Comandos:
   setup-script     Mostrar el script que instala un agente o inicia sesión en él
   report           Crear un informe de soporte sin secretos
   redact           Quitar de un texto secretos, nombres de usuario y direcciones
+  completions      Mostrar el script con el que una shell completa argumentos
+  man              Mostrar la página de manual del programa o de un comando
   help             Esta ayuda o la de un comando
 
 Opciones:
@@ -321,6 +343,7 @@ Comandos:
   status           Una línea para barras de estado y prompts
   watch            Leer una y otra vez y mostrar en el terminal
   history          El historial registrado
+  metrics          Mostrar las últimas lecturas para la supervisión (OpenMetrics)
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión, versión, programa
   settings         Listar, mostrar o cambiar los ajustes
@@ -329,6 +352,8 @@ Comandos:
   setup-script     Mostrar el script que instala un agente o inicia sesión en él
   report           Crear un informe de soporte sin secretos
   redact           Quitar de un texto secretos, nombres de usuario y direcciones
+  completions      Mostrar el script con el que una shell completa argumentos
+  man              Mostrar la página de manual del programa o de un comando
   help             Esta ayuda o la de un comando
 
 Opciones:
