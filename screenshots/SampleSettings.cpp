@@ -20,6 +20,20 @@ Value choice(std::string name, std::string preferenceKey, std::string wordsKey,
     return value;
 }
 
+Value toggle(std::string name, std::string preferenceKey, std::string wordsKey, bool isOn = true) {
+    Value value = choice(std::move(name), std::move(preferenceKey), std::move(wordsKey),
+                         {isOn ? "on" : "off", isOn ? "off" : "on"});
+    value.item.kind = Kind::toggle;
+    return value;
+}
+
+Value time(std::string name, std::string preferenceKey, std::string wordsKey, std::string value) {
+    Value result =
+        choice(std::move(name), std::move(preferenceKey), std::move(wordsKey), {std::move(value)});
+    result.item.kind = Kind::timeOfDay;
+    return result;
+}
+
 Value program(const AgentProviderID& id, std::string path) {
     return {{.name = id.rawValue + "-path",
              .kind = Kind::executable,
@@ -78,11 +92,23 @@ SettingsPageState settings() {
         choice("status-ink", "StatusItemInk", "settings.statusInk", {"automatic", "light", "dark"}),
         choice("status-figure", "StatusItemFigure", "settings.statusFigure",
                {"none", "least-left"}),
+        toggle("notices", "Notices", "settings.notices"),
+        toggle("notice-used-up", "NoticeUsedUp", "settings.noticeUsedUp"),
+        toggle("notice-runs-out", "NoticeRunsOut", "settings.noticeRunsOut"),
+        toggle("notice-critical", "NoticeCritical", "settings.noticeCritical"),
+        toggle("notice-back", "NoticeBack", "settings.noticeBack"),
+        toggle("notice-reset", "NoticeReset", "settings.noticeReset", false),
+        toggle("notice-expires", "NoticeExpires", "settings.noticeExpires"),
+        toggle("notice-unread", "NoticeUnread", "settings.noticeUnread"),
+        toggle("quiet-hours", "QuietHours", "settings.quietHours"),
+        time("quiet-from", "QuietHoursFrom", "settings.quietFrom", "22:00"),
+        time("quiet-until", "QuietHoursUntil", "settings.quietUntil", "07:00"),
         program(AgentProviderID::codex(), "automatic"),
         program(AgentProviderID::claude(), "automatic"),
         program(AgentProviderID::antigravity(), "automatic"),
         readingWay()};
     state.launchAtLogin = LaunchAtLoginController::State::on;
+    state.noticeDelivery = NoticeDelivery::works;
     state.order = {AgentProviderID::codex(), AgentProviderID::claude(),
                    AgentProviderID::antigravity()};
     state.enabled = {state.order.begin(), state.order.end()};
@@ -118,6 +144,9 @@ SettingsPageState unreadySettings() {
     state.agents[1].toolPath = "/home/robin/work/tools/claude-code/bin/claude";
     valueOf(state, "antigravity-path").value = "/opt/antigravity/agy";
     valueOf(state, "status-figure").value = "least-left";
+    valueOf(state, "notices").value = "off";
+    valueOf(state, "quiet-hours").value = "off";
+    state.noticeDelivery = NoticeDelivery::unserved;
     state.trouble = "/home/robin/.config/Vellmark/preferences.json: No space left on device";
     return state;
 }

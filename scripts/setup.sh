@@ -23,8 +23,8 @@ debian_packages() {
     build) echo "cmake ninja-build g++ ccache pkg-config nlohmann-json3-dev libre2-dev libicu-dev
                  libcli11-dev libsdbus-c++-dev libsystemd-dev expect" ;;
     desktop) echo "qt6-base-dev qt6-qpa-plugins libxcb1-dev" ;;
-    tests) echo "libgtest-dev libgmock-dev libbenchmark-dev zsh dbus procps xvfb xauth xdotool imagemagick
-                 xfce4-panel fonts-inter git fish mandoc" ;;
+    tests) echo "libgtest-dev libgmock-dev libbenchmark-dev zsh fish dbus procps xvfb xauth xdotool xterm
+                 imagemagick dunst xfce4-panel fonts-inter git mandoc" ;;
     metrics) echo "prometheus python3" ;;
     checks) echo "clang-16 llvm-16 libc++-16-dev libc++abi-16-dev libclang-rt-16-dev gobjc++
                   libgnustep-gui-dev libblocksruntime-dev" ;;

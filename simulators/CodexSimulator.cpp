@@ -232,8 +232,9 @@ private:
             return std::string(R"({"id":"a","resetType":"codexRateLimits","status":")") + status +
                    R"(","expiresAt":)" + std::to_string(expiry) + "}";
         };
+        const double next = scenario_.number("reset-expires-in", 9 * days);
         return "{\"availableCount\":2,\"credits\":[" + credit("available", 21 * days) + "," +
-               credit("redeemed", 2 * days) + "," + credit("available", 9 * days) + "]}";
+               credit("redeemed", 2 * days) + "," + credit("available", next) + "]}";
     }
 
     void sendUntilHuge() const {

@@ -1,5 +1,6 @@
 #include "app/VellmarkAppDelegate.h"
 
+#include "app/SupportReportWindowController.h"
 #include "app/WindowMemory.h"
 #include "platform/ContinuousClock.h"
 #include "platform/InstanceIdentifier.h"
@@ -8,7 +9,6 @@
 #include "presentation/LegalWindowContent.h"
 #include "presentation/PopoverContent.h"
 #include "process/BoundedProcess.h"
-#include "setup/AgentSetupStatus.h"
 #include "store/AppSettings.h"
 #include "text/TerminalText.h"
 #include "ui/AboutWindow.h"
@@ -39,7 +39,6 @@ namespace {
 
 constexpr std::string_view popoverTabKey = "PopoverSelectedTab";
 constexpr std::string_view pageKey = "MainWindowPage";
-constexpr std::string_view setupCompletedKey = "SetupAssistantCompleted";
 constexpr Seconds terminationGrace{1.0};
 /// The status item is drawn, and nobody has found it yet.
 constexpr Seconds popoverRehearsal{0.5};
@@ -53,12 +52,6 @@ Instant now() {
 
 Seconds steadySeconds() {
     return std::chrono::duration_cast<Seconds>(std::chrono::steady_clock::now().time_since_epoch());
-}
-
-bool isEveryAgentRead(const UsageState& state) {
-    return std::ranges::all_of(state.snapshots, [](const AgentUsageSnapshot& snapshot) {
-        return snapshot.source == SnapshotSource::live && !snapshot.error;
-    });
 }
 
 } // namespace
@@ -131,15 +124,21 @@ void VellmarkAppDelegate::applicationWillTerminate() {
     }
     settingsWatch_.reset();
     loops_.reset();
+    if (notices_) {
+        notices_->end();
+    }
     mainWindow_.saveFrame();
     rememberPage();
+    if (setup_) {
+        setup_->model().closed();
+    }
+    if (supportReport_) {
+        supportReport_->cancel();
+    }
     if (store_) {
         store_->abortRefresh();
     }
     terminateAllChildren(terminationGrace);
-    if (setupCheck_.joinable()) {
-        setupCheck_.join();
-    }
 }
 
 bool VellmarkAppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/) {
@@ -213,6 +212,16 @@ void VellmarkAppDelegate::createStatusItem() {
                                        .registrations = providerRegistry(),
                                        .words = [this] { return words(); }},
         executor_, *preferences_);
+    notices_ = std::make_unique<NoticeController>(
+        NoticeController::Sources{.store = *store_,
+                                  .machine = machine_,
+                                  .executor = executor_,
+                                  .preferences = *preferences_,
+                                  .loop = loop_,
+                                  .words = [this]() -> const Localization& { return words(); },
+                                  .actions = actions_,
+                                  .update = [this] { updateMainWindow(); },
+                                  .posts = options_.postsNotices || !machine_.isSandbox()});
     std::function<void()> openMenu;
     if (!mainMenu_.isSystemBar()) {
         openMenu = [this] { mainMenu_.popUp(mainWindowView_->menuAnchor()); };
@@ -229,7 +238,30 @@ void VellmarkAppDelegate::createStatusItem() {
                                  .update = [this] { updateMainWindow(); },
                                  .saveActivity = [this] { saveActivityFromMenu(); },
                                  .launchAtLogin = launchAtLogin_,
+                                 .notices = *notices_,
                                  .takeSettings = [this] { takeSettings(); }});
+    setup_ =
+        std::make_unique<SetupAssistantWindowController>(SetupAssistantWindowController::Sources{
+            .store = *store_,
+            .machine = machine_,
+            .executor = executor_,
+            .preferences = *preferences_,
+            .language = language_,
+            .pages = *pages_,
+            .presence = windowPresence_,
+            .attachMenu = [this](QWidget& window) { mainMenu_.attach(window); },
+            .onClose = [this] { setupClosed(); }});
+    supportReport_ = std::make_unique<SupportReportWindowController>(
+        SupportReportWindowController::Sources{.store = *store_,
+                                               .machine = machine_,
+                                               .executor = executor_,
+                                               .preferences = *preferences_,
+                                               .language = language_,
+                                               .presence = windowPresence_,
+                                               .prepare = [this](QWidget& window) {
+                                                   window.setWindowIcon(applicationIcon());
+                                                   mainMenu_.attach(window);
+                                               }});
     statusItem_ =
         makeStatusItem(loop_, *preferences_,
                        {.toggle = [this](const QRect& anchor) { togglePopoverAt(anchor); },
@@ -274,7 +306,6 @@ void VellmarkAppDelegate::storeChanged() {
     }
     executor_.post([this] {
         isReevaluationPosted_ = false;
-        asksForSetup_ = asksForSetup_ && !isEveryAgentRead(store_->state());
         reevaluateStatusItem();
         updateVisibleViews();
     });
@@ -295,6 +326,8 @@ void VellmarkAppDelegate::observeLanguage() {
         }
         legalWindow_.retitle();
         updateLegalWindow();
+        setup_->retitle();
+        supportReport_->retell();
         updateVisibleViews();
     };
 }
@@ -343,41 +376,38 @@ void VellmarkAppDelegate::takeSettings() {
     statusItem_->setInk(valueOf(*preferences_, setting::statusInk));
     loops_->setRefreshPeriod(length(valueOf(*preferences_, setting::readingInterval)));
     store_->takeSettings();
+    notices_->look();
     reevaluateStatusItem();
     updateVisibleViews();
 }
 
 void VellmarkAppDelegate::observeWake() {
-    wakeObserver_ = vellmark::observeWake(loop_, [this] {
-        if (loops_) {
-            loops_->systemDidWake();
-        }
-    });
+    wakeObserver_ = vellmark::observeWake(loop_, [this] { systemDidWake(); });
+}
+
+void VellmarkAppDelegate::systemDidWake() {
+    if (loops_) {
+        notices_->systemDidWake();
+        loops_->systemDidWake();
+    }
 }
 
 void VellmarkAppDelegate::runFirstRun() {
-    if (preferences_->boolean(setupCompletedKey).value_or(false)) {
+    if (setup_->model().isCompleted()) {
         showLegalNotice();
         return;
     }
-    setupCheck_ = std::thread([this] {
-        const std::vector<AgentSetupStatus> statuses =
-            agentSetupStatuses(machine_, providerRegistry());
-        const bool isNeeded = std::ranges::any_of(statuses, vellmark::needsSetup);
-        executor_.post([this, isNeeded] { finishFirstRun(isNeeded); });
+    setup_->model().decideFirstRun([this](bool isNeeded) {
+        if (hasTerminated_) {
+            return;
+        }
+        if (isNeeded) {
+            isFirstRun_ = true;
+            showSetup();
+        } else {
+            showLegalNotice();
+        }
     });
-}
-
-void VellmarkAppDelegate::finishFirstRun(bool needsSetup) {
-    if (hasTerminated_) {
-        return;
-    }
-    if (needsSetup) {
-        askForSetup();
-        return;
-    }
-    preferences_->setBoolean(setupCompletedKey, true);
-    showLegalNotice();
 }
 
 /// A demo is gone in a minute, with whatever was accepted in it.
@@ -387,9 +417,15 @@ void VellmarkAppDelegate::showLegalNotice() {
     }
 }
 
-void VellmarkAppDelegate::askForSetup() {
-    asksForSetup_ = true;
-    showPage(AgentPage::of(AgentPage::Kind::overview));
+void VellmarkAppDelegate::showSetup(const std::optional<AgentProviderID>& agent) {
+    closePopover();
+    setup_->show(agent);
+}
+
+void VellmarkAppDelegate::setupClosed() {
+    if (std::exchange(isFirstRun_, false) && !hasTerminated_) {
+        showLegalNotice();
+    }
 }
 
 // Showing
@@ -425,8 +461,9 @@ void VellmarkAppDelegate::minuteTick() {
     reevaluateStatusItem();
     updateVisibleViews();
     if (!wakeObserver_ && clockJump_.look(now(), steadySeconds())) {
-        loops_->systemDidWake();
+        systemDidWake();
     }
+    notices_->look();
 }
 
 void VellmarkAppDelegate::updateVisibleViews() {
@@ -434,13 +471,13 @@ void VellmarkAppDelegate::updateVisibleViews() {
         updatePopover();
     }
     updateMainWindow();
+    setup_->update();
 }
 
 void VellmarkAppDelegate::updateMainWindow() {
     if (mainWindow_.isVisible()) {
         // The page of an agent that is no longer shown leaves its place for good.
         navigation_.replaceSelection(shownPage(navigation_.selection(), store_->state()));
-        pages_->setAsksForSetup(asksForSetup_);
         mainWindowView_->setContent(pages_->content(navigation_.selection(), now()));
     }
 }
@@ -575,7 +612,8 @@ AgentUIActions VellmarkAppDelegate::makeActions() {
         .openProvider = [this](const AgentProviderID& id) { showPage(AgentPage::provider(id)); },
         .openSettings = [this] { showSettingsFromMenu(); },
         .showAbout = [this] { showAbout(); },
-        .startSetup = [this] { askForSetup(); },
+        .startSetup = [this] { showSetup(); },
+        .setUpAgent = [this](const AgentProviderID& id) { showSetup(id); },
         .showLegal = [this](LegalDocument document) { showLegal(document); },
         .showSupportReport = [this] { showSupportReportFromMenu(); },
         .quit = [] { QCoreApplication::quit(); },
@@ -633,8 +671,7 @@ void VellmarkAppDelegate::saveActivityFromMenu() {
 }
 
 void VellmarkAppDelegate::showSupportReportFromMenu() {
-    pages_->showHelp(HelpSection::support);
-    showPage(AgentPage::of(AgentPage::Kind::help));
+    supportReport_->show();
 }
 
 void VellmarkAppDelegate::openWebsite() {

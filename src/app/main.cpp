@@ -35,7 +35,7 @@ constexpr int wrongUse = 2;
 
 constexpr auto usage =
     "usage: vellmark-desktop [--show-window | --show-about | --show-popover] [--demo]\n"
-    "                        [--sandbox DIR] [--language de|en|fr|it|es]\n"
+    "                        [--sandbox DIR] [--notices] [--language de|en|fr|it|es]\n"
     "       vellmark-desktop --render-glyph USED ELAPSED SIZE FILE.png\n";
 
 void report(const std::string& message) {

@@ -20,6 +20,7 @@ public:
 
     void declare(CommandOptions& options) override {
         options.flag("--include-emails", includeEmails_, "cli.option.includeEmails");
+        options.value("--what-happened", whatHappened_, "TEXT", "cli.report.whatHappened");
         options.value("-o,--output", output_, "FILE", "cli.report.output");
     }
 
@@ -32,6 +33,7 @@ public:
         if (status != ExitStatus::done) {
             return status;
         }
+        input.whatHappened = whatHappened_.value_or(std::string());
         reportUnreadable(LastSnapshots(context.machine.lastSnapshotsFile()).contents(), context);
         const auto text =
             supportReportText(input, context.machine.home.string(), includeEmails_, context.words);
@@ -54,6 +56,7 @@ public:
 
 private:
     bool includeEmails_ = false;
+    std::optional<std::string> whatHappened_;
     std::optional<std::string> output_;
 };
 

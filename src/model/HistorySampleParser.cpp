@@ -123,7 +123,8 @@ bool isOfType(const JSON& value, unsigned field) {
                   : value.is_number() || (field == resetsField && value.is_null());
 }
 
-/// Whether one flipped bit, or one other character, can have made `name` of a required field's.
+/// Whether `name` could be the name of a required field with one bit flipped or one character
+/// changed.
 bool isNearlyName(std::string_view name, unsigned field) {
     for (const std::string_view own : {"id", "provider", "windowID", "capturedAt", "usedPercent"}) {
         if (fieldNamed(own) != field || own.size() != name.size()) {
@@ -136,7 +137,7 @@ bool isNearlyName(std::string_view name, unsigned field) {
     return false;
 }
 
-/// Of an object that is no sample.
+/// The form of an object that is no sample.
 HistoryObjectForm formOf(const JSON& json) {
     HistoryObjectForm form;
     unsigned seen = 0;

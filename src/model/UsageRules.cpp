@@ -47,6 +47,10 @@ std::string_view scopeOf(const UsageWindow& window) {
     return id.ends_with("-weekly") ? id : std::string_view();
 }
 
+bool isOfModel(const UsageWindow& window) {
+    return window.id.ends_with("-weekly");
+}
+
 double clampedPercent(double percent) {
     return std::clamp(percent, 0.0, full);
 }
@@ -120,8 +124,12 @@ bool covers(const UsageWindow& wider, const UsageWindow& other) {
     if (scopeOf(wider) == scopeOf(other)) {
         return length > otherLength;
     }
-    const bool isOfModel = other.id.ends_with("-weekly");
-    return scopeOf(wider).empty() && isOfModel && length >= otherLength;
+    return scopeOf(wider).empty() && isOfModel(other) && length >= otherLength;
+}
+
+bool blocks(const UsageWindow& empty, const UsageWindow& other) {
+    const std::string_view scope = scopeOf(empty);
+    return scope == scopeOf(other) || (scope.empty() && isOfModel(other));
 }
 
 std::optional<double> timeRemainingPercent(const UsageWindow& window, Instant now) {

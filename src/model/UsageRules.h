@@ -23,6 +23,10 @@ bool isDue(const UsageWindow& window, Instant now);
 /// quota, or one of all models beside that of a single model.
 bool covers(const UsageWindow& wider, const UsageWindow& other);
 
+/// Whether what `other` counts cannot be used while `empty` is used up: both are windows of one
+/// quota, or `empty` counts all models and `other` a single one.
+bool blocks(const UsageWindow& empty, const UsageWindow& other);
+
 /// The share of the window's time that is left, in percent; absent without a reset time or a
 /// positive duration. Negative once the reset is past, above 100 when it is too far away.
 std::optional<double> timeRemainingPercent(const UsageWindow& window, Instant now);

@@ -28,7 +28,7 @@ struct Machine {
     Environment environment;
     /// Answers whether a credential exists, without reading it.
     std::shared_ptr<const CredentialStore> credentials;
-    /// As the settings have it; null where nobody has asked them.
+    /// The user's choices from the settings; null means none.
     std::shared_ptr<ChosenExecutables> chosenExecutables;
 
     bool isSandbox() const { return !root.empty(); }

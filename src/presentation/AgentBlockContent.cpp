@@ -14,21 +14,6 @@ namespace {
 
 using Kind = UsageProviderError::Kind;
 
-WayOut wayOut(const UsageProviderError& error) {
-    switch (error.kind()) {
-    case Kind::executableMissing:
-        return WayOut::install;
-    case Kind::claudeNotLoggedIn:
-    case Kind::codexNotLoggedIn:
-    case Kind::antigravityNotLoggedIn:
-        return WayOut::logIn;
-    case Kind::antigravityIneligible:
-        return WayOut::openSettings;
-    default:
-        return WayOut::readAgain;
-    }
-}
-
 std::string_view buttonKey(WayOut wayOut) {
     switch (wayOut) {
     case WayOut::readAgain:
@@ -46,11 +31,14 @@ std::string_view buttonKey(WayOut wayOut) {
 }
 
 /// `restsUntil`: when the agent is asked again by itself, where that is later than usual.
-FailureContent failureContent(const UsageProviderError& error, std::optional<Instant> restsUntil,
-                              Instant now, const Localization& words) {
-    const WayOut way = wayOut(error);
-    FailureContent failure{
-        .reason = error.message(words), .wayOut = way, .buttonTitle = words.text(buttonKey(way))};
+FailureContent failureContent(const AgentProviderID& agent, const UsageProviderError& error,
+                              std::optional<Instant> restsUntil, Instant now,
+                              const Localization& words) {
+    const WayOut way = wayOutOf(error);
+    FailureContent failure{.agent = agent,
+                           .reason = error.message(words),
+                           .wayOut = way,
+                           .buttonTitle = words.text(buttonKey(way))};
     if (restsUntil && *restsUntil > now) {
         if (!failure.reason.ends_with('.')) {
             failure.reason += ".";
@@ -119,13 +107,9 @@ std::string_view reachedKey(const UsageAllowance& allowance) {
 /// "Used up", "Codex refuses until 4:15 PM".
 BalanceRowContent usedUpRow(const AgentUsageSnapshot& snapshot, Instant now,
                             const Localization& words) {
-    const std::string name = agentShortName(snapshot.id, words);
-    const std::optional<Instant> until = usedUpUntil(snapshot, now);
     return {.label = words.text("allowance.usedUp"),
             .value = {},
-            .detail = until ? words.format("allowance.usedUp.until",
-                                           {name, instantText(*until, now, words)})
-                            : words.format(reachedKey(*snapshot.allowance), {name}),
+            .detail = refusalText(snapshot, now, words),
             .warns = true};
 }
 
@@ -252,6 +236,29 @@ std::vector<std::string> notesOf(const AgentUsageSnapshot& snapshot, const Local
 
 } // namespace
 
+std::string refusalText(const AgentUsageSnapshot& snapshot, Instant now,
+                        const Localization& words) {
+    const std::string name = agentShortName(snapshot.id, words);
+    const std::optional<Instant> until = usedUpUntil(snapshot, now);
+    return until ? words.format("allowance.usedUp.until", {name, instantText(*until, now, words)})
+                 : words.format(reachedKey(*snapshot.allowance), {name});
+}
+
+WayOut wayOutOf(const UsageProviderError& error) {
+    switch (error.kind()) {
+    case Kind::executableMissing:
+        return WayOut::install;
+    case Kind::claudeNotLoggedIn:
+    case Kind::codexNotLoggedIn:
+    case Kind::antigravityNotLoggedIn:
+        return WayOut::logIn;
+    case Kind::antigravityIneligible:
+        return WayOut::openSettings;
+    default:
+        return WayOut::readAgain;
+    }
+}
+
 std::string agentName(const AgentProviderID& id, const Localization& words) {
     const ProviderDescriptor* descriptor = providerDescriptor(id);
     return descriptor ? words.text(descriptor->nameKey) : singleLine(id.rawValue);
@@ -285,8 +292,8 @@ AgentBlockContent agentBlockContent(const AgentUsageSnapshot& snapshot, const Us
     }
     block.notes = notesOf(snapshot, words);
     if (snapshot.error) {
-        block.failure =
-            failureContent(*snapshot.error, state.restsUntilOf(snapshot.id), now, words);
+        block.failure = failureContent(snapshot.id, *snapshot.error,
+                                       state.restsUntilOf(snapshot.id), now, words);
     }
     if (block.state == AgentBlockContent::State::live ||
         block.state == AgentBlockContent::State::stale) {

@@ -16,6 +16,7 @@ enum class WayOut { none, readAgain, logIn, install, openSettings };
 
 /// Why an agent could not be read, and the way out of it.
 struct FailureContent {
+    AgentProviderID agent;
     std::string reason;
     WayOut wayOut = WayOut::none;
     /// The button's words; empty for `none`.
@@ -79,6 +80,12 @@ struct AgentBlockContent {
 AgentBlockContent agentBlockContent(const AgentUsageSnapshot& snapshot, const UsageState& state,
                                     Instant now, const Localization& words,
                                     std::string_view loadingKey = "popover.loadingValues");
+
+/// What helps against a failure.
+WayOut wayOutOf(const UsageProviderError& error);
+
+/// That an agent which refuses to work does so, and until when: "Codex refuses until 4:15 PM".
+std::string refusalText(const AgentUsageSnapshot& snapshot, Instant now, const Localization& words);
 
 /// The badge on an agent's logo: only `attention` and `critical` have one.
 std::optional<UsageHealth> badgeOf(UsageHealth health);

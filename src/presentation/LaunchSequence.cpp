@@ -29,6 +29,8 @@ LaunchOptions LaunchOptions::parse(std::span<const std::string> arguments,
             options.showsPopover = true;
         } else if (argument == "--demo") {
             options.isDemo = true;
+        } else if (argument == "--notices") {
+            options.postsNotices = true;
         } else if (!value("--sandbox", options.sandbox) && !value("--language", options.language) &&
                    argument.starts_with("--")) {
             options.offendingArgument = argument;

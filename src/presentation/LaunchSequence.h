@@ -17,6 +17,8 @@ struct LaunchOptions {
     bool showsPopover = false;
     /// Simulated agents in a throw-away home.
     bool isDemo = false;
+    /// Posts notices to the desktop in a demo and in a sandbox too.
+    bool postsNotices = false;
     /// A directory that stands in for this machine; empty for the machine itself.
     std::string sandbox;
     /// Overrides the language for this run; empty for the setting.

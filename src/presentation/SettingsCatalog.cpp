@@ -3,6 +3,7 @@
 #include "platform/SystemFacts.h"
 #include "presentation/LanguageManager.h"
 #include "presentation/LaunchAtLoginController.h"
+#include "presentation/NoticeSettings.h"
 #include "probes/ExecutableLocator.h"
 #include "probes/ProviderRegistry.h"
 #include "store/AgentSettings.h"
@@ -34,6 +35,35 @@ SettingItem choiceItem(std::string name, std::string wordsKey,
         item.values.emplace_back(form);
     }
     return item;
+}
+
+SettingItem toggleItem(std::string name, std::string wordsKey,
+                       const setting::SwitchSetting& toggle) {
+    SettingItem item = choiceItem(std::move(name), std::move(wordsKey), toggle);
+    item.kind = Kind::toggle;
+    return item;
+}
+
+std::vector<SettingItem> noticeItems() {
+    return {toggleItem("notices", "settings.notices", setting::notices),
+            toggleItem("notice-used-up", "settings.noticeUsedUp", setting::noticeUsedUp),
+            toggleItem("notice-runs-out", "settings.noticeRunsOut", setting::noticeRunsOut),
+            toggleItem("notice-critical", "settings.noticeCritical", setting::noticeCritical),
+            toggleItem("notice-back", "settings.noticeBack", setting::noticeBack),
+            toggleItem("notice-reset", "settings.noticeReset", setting::noticeReset),
+            toggleItem("notice-expires", "settings.noticeExpires", setting::noticeExpires),
+            toggleItem("notice-unread", "settings.noticeUnread", setting::noticeUnread),
+            toggleItem("quiet-hours", "settings.quietHours", setting::quietHours),
+            {.name = "quiet-from",
+             .kind = Kind::timeOfDay,
+             .preferenceKey = std::string(setting::quietFromKey),
+             .wordsKey = "settings.quietFrom",
+             .values = {std::string(setting::quietFromDefault)}},
+            {.name = "quiet-until",
+             .kind = Kind::timeOfDay,
+             .preferenceKey = std::string(setting::quietUntilKey),
+             .wordsKey = "settings.quietUntil",
+             .values = {std::string(setting::quietUntilDefault)}}};
 }
 
 std::vector<SettingItem> agentItems(const ProviderDescriptor& agent) {
@@ -85,6 +115,7 @@ std::vector<SettingItem> allItems() {
         choiceItem("status-ink", "settings.statusInk", setting::statusInk),
         choiceItem("status-figure", "settings.statusFigure", setting::statusFigure),
         choiceItem("last-window", "settings.lastWindow", setting::lastWindow)};
+    std::ranges::move(noticeItems(), std::back_inserter(items));
     for (const ProviderRegistration& registration : providerRegistry()) {
         std::ranges::move(agentItems(registration.descriptor), std::back_inserter(items));
     }
@@ -142,9 +173,16 @@ std::string SettingsCatalog::value(const SettingItem& item) const {
     std::vector<std::string> names;
     switch (item.kind) {
     case Kind::choice:
+    case Kind::toggle:
     case Kind::way:
         if (const auto stored = preferences_.string(item.preferenceKey);
             stored && std::ranges::find(item.values, *stored) != item.values.end()) {
+            return *stored;
+        }
+        break;
+    case Kind::timeOfDay:
+        if (const auto stored = preferences_.string(item.preferenceKey);
+            stored && TimeOfDay::parse(*stored)) {
             return *stored;
         }
         break;
@@ -180,6 +218,8 @@ std::string SettingsCatalog::value(const SettingItem& item) const {
 std::string SettingsCatalog::defaultValue(const SettingItem& item) const {
     switch (item.kind) {
     case Kind::choice:
+    case Kind::toggle:
+    case Kind::timeOfDay:
     case Kind::way:
         return item.values.front();
     case Kind::loginItem:
@@ -199,6 +239,9 @@ std::string SettingsCatalog::allowedText(const SettingItem& item) const {
     case Kind::choice:
     case Kind::way:
         return joined(item.values, ", ");
+    case Kind::timeOfDay:
+        return "00:00-23:59";
+    case Kind::toggle:
     case Kind::loginItem:
         return std::string(on) + ", " + off;
     case Kind::order:
@@ -226,6 +269,10 @@ std::string SettingsCatalog::valueText(const SettingItem& item, const Localizati
     case Kind::choice:
     case Kind::way:
         return words.text(item.wordsKey + "." + value);
+    case Kind::toggle:
+        return words.text("settings.switch." + value);
+    case Kind::timeOfDay:
+        return TimeOfDay::parse(value)->text(words);
     case Kind::loginItem:
         switch (launchAtLogin_.state()) {
         case LaunchAtLoginController::State::unavailable:
@@ -274,6 +321,7 @@ std::optional<SettingRefusal> SettingsCatalog::set(const SettingItem& item,
                                                    const std::string& text) {
     switch (item.kind) {
     case Kind::choice:
+    case Kind::toggle:
     case Kind::way:
         if (std::ranges::find(item.values, text) == item.values.end()) {
             return notAllowed(item, text);
@@ -284,6 +332,8 @@ std::optional<SettingRefusal> SettingsCatalog::set(const SettingItem& item,
             preferences_.setString(item.preferenceKey, text);
         }
         return std::nullopt;
+    case Kind::timeOfDay:
+        return setTimeOfDay(item, text);
     case Kind::loginItem:
         return setLoginItem(item, text);
     case Kind::order:
@@ -346,6 +396,17 @@ std::optional<SettingRefusal> SettingsCatalog::setExecutable(const SettingItem& 
         return SettingRefusal{"settings.refused.notExecutable", singleLine(text), {}};
     }
     agents.chooseExecutable(*item.agent, path.lexically_normal());
+    return std::nullopt;
+}
+
+std::optional<SettingRefusal> SettingsCatalog::setTimeOfDay(const SettingItem& item,
+                                                            const std::string& text) {
+    // "7:30" is meant as well.
+    const auto time = TimeOfDay::parse(text.size() == 4 ? "0" + text : text);
+    if (!time) {
+        return notAllowed(item, text);
+    }
+    preferences_.setString(item.preferenceKey, time->text());
     return std::nullopt;
 }
 

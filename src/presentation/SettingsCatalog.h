@@ -19,6 +19,8 @@ class LaunchAtLoginController;
 struct SettingItem {
     enum class Kind {
         choice,     ///< one of `values`
+        toggle,     ///< "on" or "off"
+        timeOfDay,  ///< "22:00"
         loginItem,  ///< "on" or "off", as the system has it
         order,      ///< the agents' identifiers, with commas between them
         agents,     ///< the identifiers of those that are shown, or "none"
@@ -34,6 +36,7 @@ struct SettingItem {
     /// What it is called; with ".hint", what it does; with "." and a value, what that is called.
     std::string wordsKey;
     /// The values of a choice, the default first.
+    /// Of a time of the day, the default alone.
     std::vector<std::string> values;
     /// Whose setting it is; absent for the program's own.
     std::optional<AgentProviderID> agent;
@@ -82,6 +85,7 @@ public:
     void resetAll();
 
 private:
+    std::optional<SettingRefusal> setTimeOfDay(const SettingItem& item, const std::string& text);
     std::optional<SettingRefusal> setMinutes(const SettingItem& item, const std::string& text);
     std::optional<SettingRefusal> setExecutable(const SettingItem& item, const std::string& text);
     std::optional<SettingRefusal> setLoginItem(const SettingItem& item, const std::string& text);

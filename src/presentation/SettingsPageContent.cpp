@@ -11,6 +11,8 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <ranges>
+#include <set>
 
 namespace vellmark {
 namespace {
@@ -27,6 +29,14 @@ constexpr std::string_view automaticValue = "automatic";
 constexpr std::array<std::string_view, 5> generalKeys{languageKey, "AppAppearance", "FirstFigure",
                                                       "ReadingInterval", "LastWindow"};
 constexpr std::array<std::string_view, 2> statusItemKeys{"StatusItemInk", figureKey};
+
+constexpr std::array<std::string_view, 7> noticeKeys{
+    "NoticeUsedUp", "NoticeRunsOut", "NoticeCritical", "NoticeBack",
+    "NoticeReset",  "NoticeExpires", "NoticeUnread"};
+constexpr std::string_view noticesKey = "Notices";
+constexpr std::string_view quietHoursKey = "QuietHours";
+constexpr std::array<std::string_view, 2> quietKeys{"QuietHoursFrom", "QuietHoursUntil"};
+constexpr const char* onValue = "on";
 
 const Value* find(const SettingsPageState& state, std::string_view preferenceKey) {
     const auto found = std::ranges::find_if(state.settings, [&](const Value& value) {
@@ -200,12 +210,37 @@ std::string choiceTitle(const SettingItem& item, const std::string& value,
     return words.text(item.wordsKey + "." + value);
 }
 
+/// Each half hour, and another time that the terminal has set.
+SettingChoices timesOfDay(const std::string& current, const Localization& words) {
+    constexpr int halfHour = 30;
+    SettingChoices choices{.choices = {}, .current = current, .form = SettingChoices::Form::popUp};
+    std::set<TimeOfDay> times;
+    for (TimeOfDay time; time.minutes < 24 * 60; time.minutes += halfHour) {
+        times.insert(time);
+    }
+    if (const auto time = TimeOfDay::parse(current)) {
+        times.insert(*time);
+    }
+    for (const TimeOfDay& time : times) {
+        choices.choices.push_back({time.text(), time.text(words)});
+    }
+    return choices;
+}
+
 SettingRowContent rowOf(const Value& setting, const SettingsPageState& state,
                         const Localization& words) {
     const SettingItem& item = setting.item;
     SettingRowContent row{.name = item.name,
                           .label = words.text(item.wordsKey),
                           .explanation = hintText(item, words)};
+    if (item.kind == Kind::toggle) {
+        row.control = SettingSwitch{.isOn = setting.value == onValue};
+        return row;
+    }
+    if (item.kind == Kind::timeOfDay) {
+        row.control = timesOfDay(setting.value, words);
+        return row;
+    }
     if (item.preferenceKey == figureKey) {
         row.control = SettingSwitch{.isOn = setting.value != item.values.front(),
                                     .onValue = item.values.back(),
@@ -248,6 +283,58 @@ void addRows(SettingsSectionContent& section, const std::array<std::string_view,
             section.rows.push_back(rowOf(*setting, state, words));
         }
     }
+}
+
+/// Whether notices come at all, and what to do where they cannot.
+SettingRowContent noticesRow(const Value& setting, NoticeDelivery delivery,
+                             const Localization& words) {
+    SettingRowContent row = {.name = setting.item.name,
+                             .label = words.text(setting.item.wordsKey),
+                             .explanation = hintText(setting.item, words),
+                             .control = SettingSwitch{.isOn = setting.value == onValue}};
+    switch (delivery) {
+    case NoticeDelivery::unserved:
+        row.explanation = words.text("settings.notices.unserved");
+        row.button = {words.text("settings.cli.recheck"), {}, ""};
+        break;
+    case NoticeDelivery::forbidden:
+        row.explanation = words.text("settings.notices.forbidden");
+        row.button = {words.text("settings.notices.allow"), {}, ""};
+        break;
+    case NoticeDelivery::unasked:
+        row.explanation = words.text("settings.notices.unasked");
+        break;
+    case NoticeDelivery::notHere:
+        row.explanation = words.text("settings.notices.notHere");
+        break;
+    case NoticeDelivery::unknown:
+    case NoticeDelivery::works:
+        break;
+    }
+    return row;
+}
+
+SettingsSectionContent noticeSection(const SettingsPageState& state, const Localization& words) {
+    SettingsSectionContent section{.heading = words.text("settings.section.notices")};
+    const Value* notices = find(state, noticesKey);
+    const Value* quietHours = find(state, quietHoursKey);
+    if (notices == nullptr || quietHours == nullptr) {
+        return section;
+    }
+    section.rows.push_back(noticesRow(*notices, state.noticeDelivery, words));
+    addRows(section, noticeKeys, state, words);
+    section.rows.push_back(rowOf(*quietHours, state, words));
+    if (quietHours->value == onValue) {
+        addRows(section, quietKeys, state, words);
+    }
+    if (notices->value != onValue) {
+        for (SettingRowContent& row : section.rows | std::views::drop(1)) {
+            if (auto* control = std::get_if<SettingSwitch>(&row.control)) {
+                control->isEnabled = false;
+            }
+        }
+    }
+    return section;
 }
 
 SettingRowContent buttonRow(std::string_view name, std::string_view key, ControlContent button,
@@ -316,7 +403,8 @@ SettingsPageContent settingsPageContent(const SettingsPageState& state, const Ma
     addRows(general, generalKeys, state, words);
     SettingsSectionContent statusItem{.heading = words.text("settings.section.statusItem")};
     addRows(statusItem, statusItemKeys, state, words);
-    content.firstSections = {std::move(general), std::move(statusItem)};
+    content.firstSections = {std::move(general), std::move(statusItem),
+                             noticeSection(state, words)};
     content.programsHeading = words.text("settings.section.programs");
     content.choosePath = {words.text("settings.program.choose"), "", ""};
     content.resetPath = {words.text("settings.program.reset"), "", ""};

@@ -2,6 +2,7 @@
 
 #include "model/AgentProviderID.h"
 #include "presentation/LaunchAtLoginController.h"
+#include "presentation/NoticeSettings.h"
 #include "presentation/PageHeadContent.h"
 #include "presentation/SettingsCatalog.h"
 #include "probes/AgentFacts.h"
@@ -120,6 +121,7 @@ struct SettingsPageState {
     /// All settings with the values that hold.
     std::vector<Value> settings;
     LaunchAtLoginController::State launchAtLogin = LaunchAtLoginController::State::unavailable;
+    NoticeDelivery noticeDelivery = NoticeDelivery::unknown;
     /// In the user's order.
     std::vector<AgentProviderID> order;
     std::set<AgentProviderID> enabled;

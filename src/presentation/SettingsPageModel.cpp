@@ -1,5 +1,6 @@
 #include "presentation/SettingsPageModel.h"
 
+#include "store/AppSettings.h"
 #include "text/SystemErrorText.h"
 
 #include <system_error>
@@ -37,6 +38,7 @@ SettingsPageState SettingsPageModel::state() const {
         state.settings.push_back({item, catalog_.value(item)});
     }
     state.launchAtLogin = sources_.launchAtLogin.state();
+    state.noticeDelivery = sources_.noticeDelivery();
     state.order = agents_.order();
     state.enabled = agents_.enabled();
     for (const AgentProviderID& id : state.order) {
@@ -80,6 +82,7 @@ SettingsPageActions SettingsPageModel::actions() {
 /// The folder holds a handful of files: they are measured sooner than a thread begins.
 void SettingsPageModel::look(bool anew) {
     dataSize_ = sizeOf(sources_.machine.supportDirectory());
+    sources_.lookForNoticeService();
     for (const AgentProviderID& id : agents_.order()) {
         sources_.ask(id, anew);
     }
@@ -113,6 +116,8 @@ void SettingsPageModel::press(const std::string& name) {
     } else if (const SettingItem* item = catalog_.find(name);
                item != nullptr && item->kind == SettingItem::Kind::loginItem) {
         sources_.launchAtLogin.openSystemSettings();
+    } else if (item != nullptr && item->preferenceKey == setting::notices.key) {
+        sources_.allowNotices();
     }
 }
 

@@ -35,6 +35,11 @@ public:
         /// `done` is called with the reason where it did not work.
         std::function<void(std::function<void(std::error_code)> done)> deleteHistory;
         std::function<void(const std::filesystem::path& folder)> showFolder;
+        std::function<NoticeDelivery()> noticeDelivery;
+        /// Looks who shows notices.
+        std::function<void()> lookForNoticeService;
+        /// Leads to where notices are allowed, or looks again who shows them.
+        std::function<void()> allowNotices;
     };
     explicit SettingsPageModel(Sources sources);
     SettingsPageModel(const SettingsPageModel&) = delete;

@@ -38,7 +38,7 @@ struct AgentUsageStore::State {
     void note(ActivityEntry entry);
     void note(std::vector<ActivityEntry> entries);
     void noteTrouble(StoreFiles::File file, const StorageTrouble::News& news);
-    /// The settings are written by whoever changes them; this looks whether that went well.
+    /// The settings are written by whoever changes them; this checks whether that worked.
     void noteSettings();
 
     bool mayStart(RefreshTrigger trigger) const;
@@ -142,14 +142,14 @@ RefreshRun::Agent AgentUsageStore::State::madeAgent(const ProviderRegistration& 
 
 // --- settings
 
-/// The agents that are read in another way now, or with another program.
+/// The agents whose way of reading or whose program has changed.
 std::vector<AgentProviderID> AgentUsageStore::State::takeReadingSettings() {
     const std::set<AgentProviderID> moved = settings.applyExecutables(config.machine);
     std::vector<AgentProviderID> changed;
     for (const ProviderRegistration& registration : config.registrations) {
         const AgentProviderID& id = registration.descriptor.id;
         if (moved.contains(id) || options.at(id) != readingOptions(registration.descriptor)) {
-            // What a provider knows of its program is not true of another one.
+            // What a provider knows about its program does not hold for another one.
             agents.at(id) = madeAgent(registration);
             changed.push_back(id);
         }
@@ -210,7 +210,7 @@ void AgentUsageStore::State::note(std::vector<ActivityEntry> entries) {
 }
 
 void AgentUsageStore::State::noteTrouble(StoreFiles::File file, const StorageTrouble::News& news) {
-    // A full disk fails every file; one entry says so, and one that it is over.
+    // A full disk fails every file: one entry says so, and one that it is over.
     using Kind = StorageTrouble::Kind;
     if (news.kind == Kind::recovered) {
         if (failingFiles.erase(file) == 0 || !failingFiles.empty()) {
@@ -255,7 +255,7 @@ bool AgentUsageStore::State::mayStart(RefreshTrigger trigger) const {
            !isWithinPause(*state.lastRefreshCompletedAt);
 }
 
-/// Whether it is too early for opening a window to read anew what was read at `ended`.
+/// Whether what was read at `ended` is still too recent to be read again because a window opens.
 bool AgentUsageStore::State::isWithinPause(Instant ended) const {
     const Seconds age = now() - ended;
     return age >= Seconds(0) && age < windowRefreshPause; // the clock may have been set back
@@ -311,8 +311,8 @@ void AgentUsageStore::State::begin(RefreshTrigger trigger,
 void AgentUsageStore::State::join(RefreshTrigger trigger, const std::vector<AgentProviderID>& ids) {
     std::vector<AgentProviderID> missing;
     for (const AgentProviderID& id : ids) {
-        // Also one that this refresh has already read: who asks now wants to know how it is now,
-        // whatever holds up another agent.
+        // Even one that this refresh has already read: whoever asks now wants to know how things
+        // are now, whatever holds up another agent.
         if (!run->isReading(id)) {
             missing.push_back(id);
         }
@@ -450,7 +450,7 @@ void AgentUsageStore::State::finishIfDone() {
             state.lastRefreshCompletedAt = now();
         }
     });
-    // What the agents have said is gone by the next turn; what it took is not needed for long.
+    // By the next turn the agents' output has been freed; the memory it took is not needed soon.
     executor.post(releaseUnusedMemory);
 }
 
@@ -644,9 +644,15 @@ void AgentUsageStore::lookAtActivity() {
 }
 
 std::vector<ActivityEntry> AgentUsageStore::activity(int days) {
-    auto entries = d_->files.activity(d_->now() - days * day, d_->words().timeZone());
+    std::error_code ignored;
+    auto entries = d_->files.activity(d_->now() - days * day, d_->words().timeZone(), ignored);
     ActivityTexts::tell(entries, d_->words());
     return entries;
+}
+
+std::vector<ActivityEntry> AgentUsageStore::flushedActivity(Instant since, const TimeZone& zone,
+                                                            std::error_code& error) {
+    return d_->files.activity(since, zone, error);
 }
 
 std::string AgentUsageStore::activityExportText(int days) {

@@ -20,6 +20,9 @@ enum class LastWindow { keepsRunning, quits };
 /// How often all agents are read.
 enum class ReadingInterval { fiveMinutes, tenMinutes, thirtyMinutes };
 
+/// Whether something is done.
+enum class Switch { on, off };
+
 /// A setting that is one of a few values: the preference that keeps it and what each value is
 /// called there and in the terminal. The first one holds where none is kept, or none that is known.
 template<typename Value, std::size_t count>
@@ -45,6 +48,30 @@ inline constexpr ChoiceSetting<StatusFigure, 2> statusFigure{
     "StatusItemFigure", {{{StatusFigure::none, "none"}, {StatusFigure::leastLeft, "least-left"}}}};
 inline constexpr ChoiceSetting<LastWindow, 2> lastWindow{
     "LastWindow", {{{LastWindow::keepsRunning, "keep-running"}, {LastWindow::quits, "quit"}}}};
+
+using SwitchSetting = ChoiceSetting<Switch, 2>;
+constexpr SwitchSetting onUnlessOff(std::string_view key) {
+    return {key, {{{Switch::on, "on"}, {Switch::off, "off"}}}};
+}
+constexpr SwitchSetting offUnlessOn(std::string_view key) {
+    return {key, {{{Switch::off, "off"}, {Switch::on, "on"}}}};
+}
+
+/// Whether the desktop program tells anything by itself, and of what.
+inline constexpr SwitchSetting notices = onUnlessOff("Notices");
+inline constexpr SwitchSetting noticeCritical = onUnlessOff("NoticeCritical");
+inline constexpr SwitchSetting noticeRunsOut = onUnlessOff("NoticeRunsOut");
+inline constexpr SwitchSetting noticeUsedUp = onUnlessOff("NoticeUsedUp");
+inline constexpr SwitchSetting noticeBack = onUnlessOff("NoticeBack");
+inline constexpr SwitchSetting noticeReset = offUnlessOn("NoticeReset");
+inline constexpr SwitchSetting noticeExpires = onUnlessOff("NoticeExpires");
+inline constexpr SwitchSetting noticeUnread = onUnlessOff("NoticeUnread");
+/// A time of the day in which nothing is told, from one minute of the day to another.
+inline constexpr SwitchSetting quietHours = offUnlessOn("QuietHours");
+inline constexpr std::string_view quietFromKey = "QuietHoursFrom";
+inline constexpr std::string_view quietUntilKey = "QuietHoursUntil";
+inline constexpr std::string_view quietFromDefault = "22:00";
+inline constexpr std::string_view quietUntilDefault = "07:00";
 
 } // namespace setting
 

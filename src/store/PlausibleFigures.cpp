@@ -13,7 +13,7 @@ constexpr double longestMinutes = 10 * 366 * 24 * 60.0;
 constexpr double leastUsed = -0.5;
 constexpr double mostUsed = 1000;
 
-// Each is false for what is no number.
+// All of these are false for NaN.
 
 bool isPlausibleShare(double used) {
     return used >= leastUsed && used <= mostUsed;

@@ -251,7 +251,7 @@ std::error_code UsageHistoryFile::add(const FileLock&, const std::vector<std::st
     return write(lines, samples.size());
 }
 
-/// Those that the file has already: whoever took them over before was interrupted.
+/// Drops the samples that the file already has, because an earlier takeover was interrupted.
 void UsageHistoryFile::dropKnown(Texts& samples) const {
     if (descriptor_.isOpen() && !samples.empty()) {
         UsageHistoryReader::read(descriptor_.get(), [&](const StoredHistorySample& sample) {
@@ -357,7 +357,7 @@ std::error_code UsageHistoryFile::keepAside(fs::path& aside) const {
         if (::link(file_.c_str(), aside.c_str()) == 0) {
             break;
         }
-        // A file system without links: a copy does as well.
+        // This file system has no links: a copy will do.
         std::error_code error;
         fs::copy_file(file_, aside, error);
         return error;

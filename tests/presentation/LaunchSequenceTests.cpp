@@ -76,6 +76,7 @@ TEST(LaunchOptions, ReadsTheCommandLine) {
               (LaunchOptions{.showsWindow = true, .isDemo = true}));
     EXPECT_EQ(parse({"--sandbox", "/a b", "--language=de"}),
               (LaunchOptions{.sandbox = "/a b", .language = "de"}));
+    EXPECT_TRUE(parse({"--demo", "--notices"}).postsNotices);
     EXPECT_EQ(parse({"-platform", "offscreen"}), LaunchOptions());
     EXPECT_EQ(parse({"--sandbox"}).offendingArgument, "--sandbox");
     EXPECT_EQ(parse({"--sandboxes=/x"}).offendingArgument, "--sandboxes=/x");

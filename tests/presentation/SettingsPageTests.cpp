@@ -41,28 +41,30 @@ private:
 class SettingsPageTest : public testing::Test {
 protected:
     SettingsPageModel::Sources sources() {
-        return {
-            .preferences = *preferences,
-            .machine = machine,
-            .launchAtLogin = launchAtLogin,
-            .words = [this]() -> const Localization& { return words; },
-            .systemLanguage = "fr",
-            .factsOf = [this](const AgentProviderID& id) -> const AgentFacts* {
-                const auto found = std::ranges::find(facts, id, &AgentFacts::id);
-                return isAnswered && found != facts.end() ? &*found : nullptr;
-            },
-            .isAsking = [this](const AgentProviderID& id) { return id == asked; },
-            .ask = [this](const AgentProviderID& id,
-                          bool anew) { asking.push_back(id.rawValue + (anew ? " anew" : "")); },
-            .changed = [this] { ++changes; },
-            .takeSettings = [this] { ++takings; },
-            .hasHistory = [] { return true; },
-            .deleteHistory =
-                [this](std::function<void(std::error_code)> done) {
-                    done(deletion);
-                    lastDone = std::move(done);
+        return {.preferences = *preferences,
+                .machine = machine,
+                .launchAtLogin = launchAtLogin,
+                .words = [this]() -> const Localization& { return words; },
+                .systemLanguage = "fr",
+                .factsOf = [this](const AgentProviderID& id) -> const AgentFacts* {
+                    const auto found = std::ranges::find(facts, id, &AgentFacts::id);
+                    return isAnswered && found != facts.end() ? &*found : nullptr;
                 },
-            .showFolder = [this](const std::filesystem::path& folder) { shownFolder = folder; }};
+                .isAsking = [this](const AgentProviderID& id) { return id == asked; },
+                .ask = [this](const AgentProviderID& id,
+                              bool anew) { asking.push_back(id.rawValue + (anew ? " anew" : "")); },
+                .changed = [this] { ++changes; },
+                .takeSettings = [this] { ++takings; },
+                .hasHistory = [] { return true; },
+                .deleteHistory =
+                    [this](std::function<void(std::error_code)> done) {
+                        done(deletion);
+                        lastDone = std::move(done);
+                    },
+                .showFolder = [this](const std::filesystem::path& folder) { shownFolder = folder; },
+                .noticeDelivery = [this] { return delivery; },
+                .lookForNoticeService = [this] { ++noticeLooks; },
+                .allowNotices = [this] { ++allowings; }};
     }
     SettingsPageContent content() { return model->content(); }
     std::vector<SettingRowContent> rows() {
@@ -103,6 +105,9 @@ protected:
     std::error_code deletion;
     std::function<void(std::error_code)> lastDone;
     std::filesystem::path shownFolder;
+    NoticeDelivery delivery = NoticeDelivery::works;
+    int noticeLooks = 0;
+    int allowings = 0;
     int changes = 0;
     int takings = 0;
     bool isAnswered = false;
@@ -183,10 +188,52 @@ TEST_F(SettingsPageTest, ShowsTheLoginItemAsTheSystemHasIt) {
                                    .takeSettings = here.takeSettings,
                                    .hasHistory = [] { return false; },
                                    .deleteHistory = here.deleteHistory,
-                                   .showFolder = here.showFolder});
+                                   .showFolder = here.showFolder,
+                                   .noticeDelivery = here.noticeDelivery,
+                                   .lookForNoticeService = here.lookForNoticeService,
+                                   .allowNotices = here.allowNotices});
     EXPECT_FALSE(shownSwitch().isEnabled);
     EXPECT_THAT(row(name).explanation, Not(IsEmpty()));
     EXPECT_THAT(row(settingsRow::history).button.title, IsEmpty()) << "there is nothing to delete";
+}
+
+TEST_F(SettingsPageTest, NoticesAreChosenByKindAndSayWhyTheyDoNotCome) {
+    const auto isOn = [&](const char* name) {
+        return std::get<SettingSwitch>(row(name).control).isOn;
+    };
+    EXPECT_TRUE(isOn("notices"));
+    EXPECT_TRUE(isOn("notice-used-up"));
+    EXPECT_FALSE(isOn("notice-reset"));
+    EXPECT_EQ(NoticeSettings::of(*preferences).kinds.size(), 6U);
+    actions.change("notice-used-up", "off");
+    actions.change("notice-reset", "on");
+    EXPECT_FALSE(NoticeSettings::of(*preferences).tells(NoticeKind::usedUp));
+    EXPECT_TRUE(NoticeSettings::of(*preferences).tells(NoticeKind::reset));
+
+    EXPECT_THAT(row("quiet-from").name, IsEmpty()) << "there are no quiet hours";
+    EXPECT_FALSE(NoticeSettings::of(*preferences).quietHours);
+    actions.change("quiet-hours", "on");
+    actions.change("quiet-until", "6:45");
+    EXPECT_EQ(NoticeSettings::of(*preferences).quietHours,
+              (NoticeSettings::QuietHours{{22 * 60}, {6 * 60 + 45}}));
+    const auto until = std::get<SettingChoices>(row("quiet-until").control);
+    EXPECT_EQ(until.current, "06:45");
+    EXPECT_EQ(until.choices.size(), 49U) << "each half hour, and what the terminal has set";
+    EXPECT_EQ(until.choices[14].title, "6:45 AM");
+    actions.change("quiet-until", "25:00");
+    EXPECT_THAT(content().trouble, HasSubstr("00:00-23:59"));
+
+    actions.change("notices", "off");
+    EXPECT_THAT(NoticeSettings::of(*preferences).kinds, IsEmpty());
+    EXPECT_FALSE(std::get<SettingSwitch>(row("notice-back").control).isEnabled);
+
+    EXPECT_THAT(row("notices").button.title, IsEmpty());
+    delivery = NoticeDelivery::unserved;
+    EXPECT_THAT(row("notices").explanation, HasSubstr("Nobody shows notices here"));
+    actions.press("notices");
+    EXPECT_EQ(allowings, 1);
+    actions.appear();
+    EXPECT_EQ(noticeLooks, 1);
 }
 
 TEST_F(SettingsPageTest, PutsAgentsInOrderAndSwitchesThemOff) {

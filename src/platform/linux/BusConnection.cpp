@@ -32,7 +32,7 @@ std::shared_ptr<BusConnection> BusConnection::open(DescriptorWatcher& loop, Mess
 
 std::shared_ptr<BusConnection> BusConnection::session(DescriptorWatcher& loop) {
     static std::weak_ptr<BusConnection> shared;
-    if (auto existing = shared.lock()) {
+    if (auto existing = shared.lock(); existing && existing->isOpen()) {
         return existing;
     }
     const auto opened = open(loop, MessageBus::session);
