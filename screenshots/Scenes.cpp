@@ -283,17 +283,27 @@ Scene settingsScene(std::string name, SettingsPageState (*settings)(),
         size);
 }
 
-QImage drawSettingsQuestion(const std::string& language, double scale) {
-    const SettingsPageContent content =
-        settingsPageContent(samples::settings(), samples::machine(), samples::words(language));
+QImage drawQuestion(const QuestionContent& content, double scale) {
     QWidget over;
     kit::Question* question = kit::Question::ask(&over,
-                                                 {.title = qString(content.deleteQuestion.title),
-                                                  .words = qString(content.deleteQuestion.text),
-                                                  .deed = qString(content.deleteQuestion.deed),
-                                                  .cancel = qString(content.deleteQuestion.cancel)},
+                                                 {.title = qString(content.title),
+                                                  .words = qString(content.text),
+                                                  .deed = qString(content.deed),
+                                                  .cancel = qString(content.cancel)},
                                                  {});
     return drawWhole(*question, scale);
+}
+
+SettingsPageContent settingsContent(const std::string& language) {
+    return settingsPageContent(samples::settings(), samples::machine(), samples::words(language));
+}
+
+QImage drawSettingsQuestion(const std::string& language, double scale) {
+    return drawQuestion(settingsContent(language).deleteQuestion, scale);
+}
+
+QImage drawStatusLineQuestion(const std::string& language, double scale) {
+    return drawQuestion(settingsContent(language).statusLineQuestion, scale);
 }
 
 QImage drawKit(const std::string& /*language*/, double scale) {
@@ -520,6 +530,7 @@ std::vector<Scene> allScenes() {
         settingsScene("settings-large", samples::settings, QSize(2560, 1400)),
         settingsScene("settings-whole", samples::settings, QSize(1120, 2150)),
         {"settings-question", drawSettingsQuestion},
+        {"settings-status-line-question", drawStatusLineQuestion},
         settingsScene("settings-checking", samples::uncheckedSettings),
         settingsScene("settings-unready", samples::unreadySettings, QSize(1120, 2120)),
         settingsScene("settings-unready-least", samples::unreadySettings, QSize(1040, 2200)),

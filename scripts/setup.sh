@@ -104,7 +104,7 @@ install_with_homebrew() {
     export CMAKE_PREFIX_PATH="$prefix/opt/qt${CMAKE_PREFIX_PATH:+:$CMAKE_PREFIX_PATH}"
 }
 
-# configure PRESET [-DNAME=VALUE...]: only when the build directory was configured otherwise.
+# configure PRESET [-DNAME=VALUE...]: only if the build directory is configured differently.
 configure() {
     local preset="$1" cache setting configured=yes messages
     shift

@@ -1,5 +1,6 @@
 #include "app/MainWindowPages.h"
 
+#include "platform/ProgramPath.h"
 #include "presentation/MainMenuContent.h"
 #include "ui/Conversions.h"
 
@@ -134,7 +135,8 @@ SettingsPageModel::Sources MainWindowPages::settingsSources() {
             .showFolder = showFolder,
             .noticeDelivery = [this] { return sources_.notices.delivery(); },
             .lookForNoticeService = [this] { sources_.notices.lookForService(); },
-            .allowNotices = [this] { sources_.notices.allow(); }};
+            .allowNotices = [this] { sources_.notices.allow(); },
+            .terminalProgram = programPath().parent_path() / "vellmark"};
 }
 
 void MainWindowPages::showHelp(HelpSection section) {

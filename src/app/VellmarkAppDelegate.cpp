@@ -123,6 +123,7 @@ void VellmarkAppDelegate::applicationWillTerminate() {
         return;
     }
     settingsWatch_.reset();
+    statusLineWatch_.reset();
     loops_.reset();
     if (notices_) {
         notices_->end();
@@ -268,7 +269,6 @@ void VellmarkAppDelegate::createStatusItem() {
                         .menuAction = [this](std::string_view action) { menuItemChosen(action); }});
     statusItem_->setPanelScheme(panelScheme_);
     statusItem_->setInk(valueOf(*preferences_, setting::statusInk));
-    statusItem_->setMenu(statusItemMenuContent(words()));
     reevaluateStatusItem();
 }
 
@@ -317,7 +317,6 @@ void VellmarkAppDelegate::observeLanguage() {
     language_.onChange = [this] {
         toolkitTexts_.setWords(words());
         reevaluateStatusItem();
-        statusItem_->setMenu(statusItemMenuContent(words()));
         buildMainMenu();
         mainWindow_.retitle();
         aboutWindow_.retitle();
@@ -367,6 +366,9 @@ void VellmarkAppDelegate::startLoops() {
         preferences_->reload();
         takeSettings();
     });
+    statusLineWatch_ =
+        watchFiles(loop_, machine_.supportDirectory(), {machine_.statusLineFile().filename()},
+                   [this] { store_->takeStatusLine(); });
 }
 
 /// What the preferences hold now holds in the whole program.
@@ -442,6 +444,7 @@ void VellmarkAppDelegate::reevaluateStatusItem() {
         content.glyph = *drawnGlyph_;
     }
     statusItem_->show(content);
+    statusItem_->setMenu(statusMenuContent(store_->state(), now(), words()));
 }
 
 /// A window may follow the last one in the same turn of the loop.
@@ -639,6 +642,8 @@ void VellmarkAppDelegate::menuItemChosen(std::string_view action) {
         store_->refresh(RefreshTrigger::manual);
     } else if (action == menuAction::terminate) {
         QCoreApplication::quit();
+    } else if (const auto agent = agentOfMenuAction(action)) {
+        showPage(AgentPage::provider(*agent));
     } else {
         mainMenu_.performInResponderChain(action);
     }

@@ -9,6 +9,7 @@
 #include "app/StatusItem.h"
 #include "app/ToolkitTexts.h"
 #include "app/WindowController.h"
+#include "platform/FileWatch.h"
 #include "platform/Machine.h"
 #include "platform/SingleInstance.h"
 #include "platform/SystemAppearance.h"
@@ -156,6 +157,7 @@ private:
     std::unique_ptr<AppLoops> loops_;
     std::unique_ptr<WakeObserver> wakeObserver_;
     std::unique_ptr<PreferencesWatch> settingsWatch_;
+    std::unique_ptr<FileWatch> statusLineWatch_;
     ClockJump clockJump_;
     std::shared_ptr<AgentUsageStore::Subscription> storeSubscription_;
     bool isReevaluationPosted_ = false;

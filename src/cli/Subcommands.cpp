@@ -7,6 +7,7 @@ std::vector<std::unique_ptr<Subcommand>> allSubcommands() {
     all.push_back(makeUsageCommand());
     all.push_back(makeStatusCommand());
     all.push_back(makeWatchCommand());
+    all.push_back(makeStatuslineCommand());
     all.push_back(makeHistoryCommand());
     all.push_back(makeMetricsCommand());
     all.push_back(makeLogCommand());

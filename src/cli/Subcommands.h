@@ -21,6 +21,7 @@ std::unique_ptr<Subcommand> makeSettingsCommand();
 std::unique_ptr<Subcommand> makeSetupCommand();
 std::unique_ptr<Subcommand> makeSetupScriptCommand();
 std::unique_ptr<Subcommand> makeStatusCommand();
+std::unique_ptr<Subcommand> makeStatuslineCommand();
 std::unique_ptr<Subcommand> makeUsageCommand();
 std::unique_ptr<Subcommand> makeWatchCommand();
 

@@ -95,8 +95,12 @@ struct SnapshotNote {
         std::string text;
         bool operator==(const AgentSays&) const = default;
     };
+    /// Some windows are as the agent's own session has told them to its status line since.
+    struct StatusLine {
+        bool operator==(const StatusLine&) const = default;
+    };
     std::variant<ClaudeEndMarkerMissing, ClaudeTiming, ReadingWay, AgeNotTold, ReadingCosts,
-                 AgentSays>
+                 AgentSays, StatusLine>
         value;
     bool operator==(const SnapshotNote&) const = default;
 };

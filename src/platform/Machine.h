@@ -40,6 +40,8 @@ struct Machine {
     std::filesystem::path lastSnapshotsFile() const {
         return supportDirectory() / "last-snapshots.json";
     }
+    /// What sessions of the agents have told; see StatusLineReadings.
+    std::filesystem::path statusLineFile() const { return supportDirectory() / "status-line.json"; }
     std::filesystem::path activityLogFile() const { return supportDirectory() / "activity.log"; }
 
     /// `path` as it is to be opened: "~/…" below home, an absolute one below `root`.

@@ -114,15 +114,18 @@ void ReplacementFile::writeOut() {
     buffer_.clear();
 }
 
-std::error_code ReplacementFile::commit() {
+std::error_code ReplacementFile::commit(Durability durability) {
     writeOut();
-    if (!error_ &&
-        (::fsync(descriptor_.get()) != 0 || ::rename(temporary_.c_str(), target_.c_str()) != 0)) {
+    const bool syncs = durability == Durability::synced;
+    if (!error_ && ((syncs && ::fsync(descriptor_.get()) != 0) ||
+                    ::rename(temporary_.c_str(), target_.c_str()) != 0)) {
         error_ = lastSystemError();
     }
     if (!error_) {
         descriptor_.reset();
-        syncDirectory(target_.parent_path());
+        if (syncs) {
+            syncDirectory(target_.parent_path());
+        }
     }
     return error_;
 }

@@ -226,6 +226,8 @@ std::vector<std::string> notesOf(const AgentUsageSnapshot& snapshot, const Local
             notes.push_back(words.format("log.agent.ageNotTold", {singleLine(untold->version)}));
         } else if (const auto* said = std::get_if<SnapshotNote::AgentSays>(&note.value)) {
             notes.push_back(words.format("log.agent.says", {singleLine(said->text)}));
+        } else if (std::holds_alternative<SnapshotNote::StatusLine>(note.value)) {
+            notes.push_back(words.text("statusLine.note"));
         }
     }
     if (snapshot.isIncomplete && !saysWhatIsMissing) {

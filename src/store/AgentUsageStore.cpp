@@ -8,8 +8,10 @@
 #include "store/AppSettings.h"
 #include "store/PlausibleFigures.h"
 #include "store/ReadingSchedule.h"
+#include "store/ReadingTime.h"
 #include "store/RefreshRun.h"
 #include "store/StateObservers.h"
+#include "store/StatusLineReadings.h"
 #include "store/StoreFiles.h"
 #include "store/UsageFetcher.h"
 #include "store/UsageHistory.h"
@@ -65,6 +67,7 @@ struct AgentUsageStore::State {
     void show(const AgentProviderID& id, bool enabled);
     void arrange(std::vector<AgentProviderID> order);
     void takeLastSnapshots();
+    void takeStatusLine();
     /// Makes `state.snapshots` of what is known, for the enabled agents in their order.
     void publishSnapshots();
     void publishSchedule();
@@ -80,6 +83,8 @@ struct AgentUsageStore::State {
     std::map<AgentProviderID, RefreshRun::Agent> agents;
     std::map<AgentProviderID, ReadingOptions> options; ///< with which `agents` were made
     AgentReadings readings;
+    StatusLineReadings statusLine;
+    std::vector<UsageWindow> toldWindows; ///< Claude's, by its sessions
     ReadingSchedule schedule;
     std::map<AgentProviderID, int> failedAttempts;
     std::map<AgentProviderID, Instant> lastEnds; ///< of readings, good or bad
@@ -98,6 +103,7 @@ AgentUsageStore::State::State(Configuration configuration, MainExecutor& mainExe
     : config(std::move(configuration)), executor(mainExecutor), preferences(userPreferences),
       settings(preferences, config.registrations),
       settingsTrouble(config.machine.configuration / "Vellmark/preferences.json"),
+      statusLine(config.machine.statusLineFile()),
       files(config.machine, mainExecutor, config.now(), words().timeZone(),
             {.historyChanged =
                  [this] {
@@ -117,6 +123,7 @@ AgentUsageStore::State::State(Configuration configuration, MainExecutor& mainExe
     state.providerOrder = settings.order();
     state.enabledProviderIDs = config.agents ? *config.agents : settings.enabled();
     takeLastSnapshots();
+    toldWindows = newestWindows(statusLine.read(), now());
     publishSnapshots();
 }
 
@@ -193,6 +200,29 @@ void AgentUsageStore::State::takeLastSnapshots() {
         state.lastSuccess[snapshot.id] = snapshot.updatedAt;
         readings.restore(std::move(snapshot));
     }
+}
+
+void AgentUsageStore::State::takeStatusLine() {
+    std::vector<UsageWindow> told = newestWindows(statusLine.read(), now());
+    if (told == toldWindows) {
+        return;
+    }
+    const bool isShown = state.enabledProviderIDs.contains(AgentProviderID::claude());
+    for (const UsageWindow& window : told) {
+        if (isShown && std::ranges::find(toldWindows, window) == toldWindows.end()) {
+            AgentUsageSnapshot reading;
+            reading.id = AgentProviderID::claude();
+            reading.source = SnapshotSource::live;
+            reading.updatedAt = *window.readAt;
+            reading.windows.push_back(window);
+            files.record(std::move(reading));
+        }
+    }
+    observers.around([&] {
+        toldWindows = std::move(told);
+        publishSnapshots();
+        publishRecentPoints();
+    });
 }
 
 // --- the log
@@ -456,6 +486,11 @@ void AgentUsageStore::State::finishIfDone() {
 
 void AgentUsageStore::State::publishSnapshots() {
     state.snapshots = readings.shown(state.providerOrder, state.enabledProviderIDs);
+    for (AgentUsageSnapshot& snapshot : state.snapshots) {
+        if (snapshot.id == AgentProviderID::claude()) {
+            takeNewerWindows(snapshot, toldWindows, readingTimeOf(state, snapshot));
+        }
+    }
     state.reading.clear();
     for (const AgentProviderID& id : state.providerOrder) {
         if (run && run->isReading(id)) {
@@ -605,6 +640,10 @@ void AgentUsageStore::takeSettings() {
     if (!toRead.empty()) {
         refresh(RefreshTrigger::settings, toRead);
     }
+}
+
+void AgentUsageStore::takeStatusLine() {
+    d_->takeStatusLine();
 }
 
 void AgentUsageStore::deleteHistory(std::function<void(std::error_code)> done) {

@@ -79,6 +79,10 @@ public:
     /// shown first. Reads those agents that need a new reading because of it.
     void takeSettings();
 
+    /// Takes over what the agents' own sessions have told of their windows since: it stands in the
+    /// place of older figures and is recorded.
+    void takeStatusLine();
+
     /// Removes all recorded samples, those of readings that have just ended too. They are kept in a
     /// folder beside the history until `discardDeletedHistory`; failing that, nothing is deleted.
     /// `done` is called on the main thread, with the reason where it did not work.

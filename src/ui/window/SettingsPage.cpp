@@ -209,6 +209,8 @@ void SettingsPage::press(const std::string& name) {
         ask(content_.deleteQuestion, name);
     } else if (name == settingsRow::reset) {
         ask(content_.resetQuestion, name);
+    } else if (name == settingsRow::statusLine) {
+        ask(content_.statusLineQuestion, name);
     } else {
         actions_.press(name);
     }

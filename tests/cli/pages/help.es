@@ -15,6 +15,9 @@ Comandos:
   watch
       Leer una y otra vez y mostrar en
       el terminal
+  statusline
+      La línea de estado de Claude Code:
+      lo que queda
   history
       El historial registrado
   metrics
@@ -139,6 +142,8 @@ Comandos:
   status           Una línea para barras de estado y prompts
   watch            Leer una y otra vez y mostrar en el
                    terminal
+  statusline       La línea de estado de Claude Code: lo que
+                   queda
   history          El historial registrado
   metrics          Mostrar las últimas lecturas para la
                    supervisión (OpenMetrics)
@@ -218,6 +223,7 @@ Comandos:
   usage            Leer todos los agentes y mostrar lo que queda
   status           Una línea para barras de estado y prompts
   watch            Leer una y otra vez y mostrar en el terminal
+  statusline       La línea de estado de Claude Code: lo que queda
   history          El historial registrado
   metrics          Mostrar las últimas lecturas para la supervisión
                    (OpenMetrics)
@@ -283,6 +289,7 @@ Comandos:
   usage            Leer todos los agentes y mostrar lo que queda
   status           Una línea para barras de estado y prompts
   watch            Leer una y otra vez y mostrar en el terminal
+  statusline       La línea de estado de Claude Code: lo que queda
   history          El historial registrado
   metrics          Mostrar las últimas lecturas para la supervisión (OpenMetrics)
   log              El registro de actividad
@@ -342,6 +349,7 @@ Comandos:
   usage            Leer todos los agentes y mostrar lo que queda
   status           Una línea para barras de estado y prompts
   watch            Leer una y otra vez y mostrar en el terminal
+  statusline       La línea de estado de Claude Code: lo que queda
   history          El historial registrado
   metrics          Mostrar las últimas lecturas para la supervisión (OpenMetrics)
   log              El registro de actividad
