@@ -1,8 +1,11 @@
-// What the pages of the window cost: the activity page with 50,000 entries, listed one by one.
+// What windows cost: the activity page with 50,000 entries, listed one by one; the setup assistant
+// from nothing to its first picture.
 
 #include "screenshots/SampleActivity.h"
+#include "screenshots/SampleSetup.h"
 #include "screenshots/SampleStates.h"
 #include "ui/kit/Motion.h"
+#include "ui/setup/SetupAssistantView.h"
 #include "ui/window/ActivityList.h"
 #include "ui/window/ActivityPage.h"
 
@@ -116,6 +119,22 @@ void followActivity(benchmark::State& state) {
     }
 }
 BENCHMARK(followActivity)->Unit(benchmark::kMillisecond);
+
+void openSetup(benchmark::State& state) {
+    const Localization words = samples::words("de");
+    const SetupAssistantState setup = samples::failedSetup(words);
+    for (auto _ : state) {
+        SetupAssistantActions actions;
+        actions.lookAgain = [] {};
+        SetupAssistantView view(std::move(actions));
+        view.setContent(setupAssistantContent(setup, samples::now(), words));
+        view.show();
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::processEvents();
+        view.repaint();
+    }
+}
+BENCHMARK(openSetup)->Unit(benchmark::kMillisecond);
 
 } // namespace
 } // namespace vellmark

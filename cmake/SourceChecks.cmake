@@ -1,7 +1,7 @@
 # Two checks that stand in for a Mac where there is none; they compile nothing that is run.
 #
 #   check-macos    type-checks src/**/macos against cmake/apple-declarations and GNUstep's headers,
-#                  and wants an answer there to everything that is answered in a linux/ folder
+#                  and requires that everything answered in a linux/ folder is answered there too
 #   check-libcxx   compiles the core's sources with clang and libc++, the library of Apple's tools
 #
 # A target whose compiler or headers are missing says so and succeeds.
@@ -9,7 +9,7 @@
 find_program(VELLMARK_CHECK_COMPILER NAMES clang++-16 clang++)
 set(check_warnings -Wall -Wextra -Wconversion -Wshadow -Werror)
 
-# vellmark_skipped_check(NAME REASON): the target in place of a check that cannot be made here.
+# vellmark_skipped_check(NAME REASON): stands in for a check that cannot be made here.
 function(vellmark_skipped_check name reason)
     add_custom_target(${name} COMMAND ${CMAKE_COMMAND} -E echo "${name} skipped: ${reason}" VERBATIM)
 endfunction()
@@ -43,7 +43,7 @@ $<$<BOOL:${definitions}>:'-D$<JOIN:${definitions},'\n'-D>'>\n")
     set(${result} @${file} PARENT_SCOPE)
 endfunction()
 
-# The headers that a source in linux/ answers and none in macos/ beside it does.
+# Headers with a source in linux/ but none in the macos/ folder beside it.
 function(vellmark_unanswered_questions linux_sources result)
     foreach(source IN LISTS linux_sources)
         cmake_path(GET source STEM name)

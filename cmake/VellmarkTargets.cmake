@@ -1,4 +1,4 @@
-# One function for each kind of target, so that every folder is built and warned about alike.
+# One function for each kind of target, so that all folders have the same build and warnings.
 
 # Designated initializers name the fields that matter; the others have their defaults. g++ complains
 # of these too and cannot tell them from forgotten ones; newer clangs have a warning for each.

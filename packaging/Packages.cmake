@@ -49,6 +49,11 @@ set(CPACK_RPM_DESKTOP_PACKAGE_DESCRIPTION "${about}")
 # Shared with other packages.
 set(CPACK_RPM_EXCLUDE_FROM_AUTO_FILELIST_ADDITION
     /usr/libexec /usr/lib/systemd /usr/lib/systemd/user /usr/share/applications /usr/share/metainfo
-    /usr/share/icons /usr/share/icons/hicolor /usr/share/man /usr/share/man/man1)
+    /usr/share/icons /usr/share/icons/hicolor /usr/share/man /usr/share/man/man1
+    /usr/share/man/de /usr/share/man/de/man1 /usr/share/man/es /usr/share/man/es/man1
+    /usr/share/man/fr /usr/share/man/fr/man1 /usr/share/man/it /usr/share/man/it/man1
+    /usr/share/bash-completion /usr/share/bash-completion/completions
+    /usr/share/fish /usr/share/fish/vendor_completions.d
+    /usr/share/zsh /usr/share/zsh/site-functions /usr/share/zsh/vendor-completions)
 
 include(CPack)

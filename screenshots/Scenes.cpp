@@ -6,16 +6,21 @@
 #include "screenshots/KitSheet.h"
 #include "screenshots/SampleActivity.h"
 #include "screenshots/SampleHistory.h"
+#include "screenshots/SampleReport.h"
 #include "screenshots/SampleSettings.h"
+#include "screenshots/SampleSetup.h"
 #include "screenshots/SampleStates.h"
 #include "ui/AboutWindow.h"
 #include "ui/ChartView.h"
 #include "ui/Conversions.h"
 #include "ui/LegalWindow.h"
+#include "ui/ReportTextView.h"
+#include "ui/SupportReportView.h"
 #include "ui/kit/Question.h"
 #include "ui/kit/Theme.h"
 #include "ui/popover/AgentUsagePopoverView.h"
 #include "ui/popover/Popover.h"
+#include "ui/setup/SetupAssistantView.h"
 #include "ui/window/AgentMainWindowView.h"
 #include "ui/window/HistoryCards.h"
 #include "ui/window/HistoryPage.h"
@@ -45,6 +50,7 @@ AgentUIActions noActions() {
             .openSettings = nothing,
             .showAbout = nothing,
             .startSetup = nothing,
+            .setUpAgent = [](const AgentProviderID&) {},
             .showLegal = [](LegalDocument) {},
             .showSupportReport = nothing,
             .quit = nothing};
@@ -125,11 +131,11 @@ Scene pageScene(std::string name, AgentPage page, UsageState (*state)(), PageOfS
 }
 
 Scene overviewScene(std::string name, UsageState (*state)(),
-                    QSize size = AgentMainWindowView::firstSize, bool asksForSetup = false) {
+                    QSize size = AgentMainWindowView::firstSize) {
     return pageScene(
         std::move(name), AgentPage::of(AgentPage::Kind::overview), state,
-        [asksForSetup](const UsageState& shown, const Localization& words) {
-            return overviewPageContent(shown, samples::now(), words, asksForSetup);
+        [](const UsageState& shown, const Localization& words) {
+            return overviewPageContent(shown, samples::now(), words);
         },
         size);
 }
@@ -277,17 +283,27 @@ Scene settingsScene(std::string name, SettingsPageState (*settings)(),
         size);
 }
 
-QImage drawSettingsQuestion(const std::string& language, double scale) {
-    const SettingsPageContent content =
-        settingsPageContent(samples::settings(), samples::machine(), samples::words(language));
+QImage drawQuestion(const QuestionContent& content, double scale) {
     QWidget over;
     kit::Question* question = kit::Question::ask(&over,
-                                                 {.title = qString(content.deleteQuestion.title),
-                                                  .words = qString(content.deleteQuestion.text),
-                                                  .deed = qString(content.deleteQuestion.deed),
-                                                  .cancel = qString(content.deleteQuestion.cancel)},
+                                                 {.title = qString(content.title),
+                                                  .words = qString(content.text),
+                                                  .deed = qString(content.deed),
+                                                  .cancel = qString(content.cancel)},
                                                  {});
     return drawWhole(*question, scale);
+}
+
+SettingsPageContent settingsContent(const std::string& language) {
+    return settingsPageContent(samples::settings(), samples::machine(), samples::words(language));
+}
+
+QImage drawSettingsQuestion(const std::string& language, double scale) {
+    return drawQuestion(settingsContent(language).deleteQuestion, scale);
+}
+
+QImage drawStatusLineQuestion(const std::string& language, double scale) {
+    return drawQuestion(settingsContent(language).statusLineQuestion, scale);
 }
 
 QImage drawKit(const std::string& /*language*/, double scale) {
@@ -312,6 +328,60 @@ Scene legalScene(std::string name, LegalDocument document, bool needsNotice) {
     return {"legal-" + std::move(name),
             [document, needsNotice](const std::string& language, double scale) {
                 return drawLegal(document, needsNotice, language, scale);
+            }};
+}
+
+using SetupOf = std::function<SetupAssistantState(const Localization& words)>;
+
+Scene setupScene(std::string name, SetupOf state, QSize size = SetupAssistantView::firstSize) {
+    return {"setup-" + std::move(name),
+            [state = std::move(state), size](const std::string& language, double scale) {
+                const Localization words = samples::words(language);
+                SetupAssistantActions actions;
+                actions.lookAgain = [] {};
+                SetupAssistantView view(std::move(actions));
+                view.setContent(setupAssistantContent(state(words), samples::now(), words));
+                view.setMinimumSize(size.boundedTo(SetupAssistantView::leastSize));
+                view.resize(size);
+                return drawWhole(view, scale);
+            }};
+}
+
+SetupOf setupAt(SetupStep step) {
+    return [step](const Localization& words) { return samples::setup(step, words); };
+}
+
+QImage drawReport(samples::ReportMoment moment, QSize size, const std::string& language,
+                  double scale) {
+    const Localization words = samples::words(language);
+    const SupportReportState state = samples::report(moment, words);
+    const auto nothing = [] {};
+    SupportReportView window({.type = [](const std::string&) {},
+                              .setIncludeEmails = [](bool) {},
+                              .lookFor = [](const std::string&) {},
+                              .goToMatch = [](int) {},
+                              .copy = nothing,
+                              .save = nothing,
+                              .mail = nothing,
+                              .showFile = nothing});
+    window.setMinimumSize(size.boundedTo(SupportReportView::leastSize));
+    window.resize(size);
+    window.show();
+    window.setContent(supportReportContent(state, words));
+    if (moment == samples::ReportMoment::mailed) {
+        // Somebody points at an address, and has scrolled to where there are some.
+        window.text()->goToNext(RemovedKind::address);
+        window.text()->setMarked(RemovedKind::address);
+    } else if (moment == samples::ReportMoment::saved) {
+        window.text()->select(20, 160);
+    }
+    return drawWhole(window, scale);
+}
+
+Scene reportScene(std::string name, samples::ReportMoment moment,
+                  QSize size = SupportReportView::firstSize) {
+    return {"report-" + std::move(name), [moment, size](const std::string& language, double scale) {
+                return drawReport(moment, size, language, scale);
             }};
 }
 
@@ -340,6 +410,18 @@ std::vector<Scene> allScenes() {
         {"about", drawAbout},
         legalScene("notice", LegalDocument::terms, true),
         legalScene("privacy", LegalDocument::privacy, false),
+        reportScene("building", samples::ReportMoment::building),
+        reportScene("ready", samples::ReportMoment::ready),
+        reportScene("least", samples::ReportMoment::mailed, SupportReportView::leastSize),
+        reportScene("wide", samples::ReportMoment::ready, {1600, 1000}),
+        reportScene("found", samples::ReportMoment::found),
+        reportScene("described", samples::ReportMoment::described),
+        reportScene("saved", samples::ReportMoment::saved),
+        reportScene("mailed", samples::ReportMoment::mailed),
+        reportScene("without-mail", samples::ReportMoment::withoutMail),
+        reportScene("not-saved", samples::ReportMoment::notSaved),
+        reportScene("clean", samples::ReportMoment::clean),
+        reportScene("failed", samples::ReportMoment::failed),
         popoverScene("overview", samples::normal),
         popoverScene("refreshing", samples::refreshing),
         popoverScene("healthy", samples::healthy),
@@ -379,7 +461,6 @@ std::vector<Scene> allScenes() {
         overviewScene("incomplete", samples::incomplete),
         overviewScene("failed", samples::failed),
         overviewScene("refusing", samples::refusing),
-        overviewScene("first-run", samples::failed, AgentMainWindowView::firstSize, true),
         overviewScene("no-agents", samples::noAgents),
         overviewScene("long-texts", samples::longTexts),
         overviewScene("many-agents", samples::manyAgents),
@@ -449,10 +530,27 @@ std::vector<Scene> allScenes() {
         settingsScene("settings-large", samples::settings, QSize(2560, 1400)),
         settingsScene("settings-whole", samples::settings, QSize(1120, 2150)),
         {"settings-question", drawSettingsQuestion},
+        {"settings-status-line-question", drawStatusLineQuestion},
         settingsScene("settings-checking", samples::uncheckedSettings),
         settingsScene("settings-unready", samples::unreadySettings, QSize(1120, 2120)),
         settingsScene("settings-unready-least", samples::unreadySettings, QSize(1040, 2200)),
 
+        // setup
+        setupScene("welcome", setupAt(SetupStep::welcome)),
+        setupScene("agents", setupAt(SetupStep::agents)),
+        setupScene("tools", setupAt(SetupStep::tools)),
+        setupScene("tools-least", samples::failedSetup, SetupAssistantView::leastSize),
+        // What 1366 by 768 leaves where type is at 150 %.
+        setupScene("tools-small-screen", samples::runningSetup, QSize(780, 440)),
+        setupScene("checking", samples::checkingSetup),
+        setupScene("running", samples::runningSetup),
+        setupScene("failed", samples::failedSetup),
+        setupScene("closed", samples::closedSetup, QSize(820, 680)),
+        setupScene("without-terminal", samples::setupWithoutTerminal),
+        setupScene("without-shell", samples::setupWithoutShell),
+        setupScene("nobody", samples::setupOfNobody),
+        setupScene("left", setupAt(SetupStep::finish)),
+        setupScene("finished", samples::finishedSetup),
         // help
         helpScene("reading", HelpSection::reading),
         helpScene("marks", HelpSection::marks),

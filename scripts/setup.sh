@@ -17,14 +17,15 @@ fail() {
     exit 1
 }
 
-# Names of packages for one purpose: build, desktop, tests, checks.
+# Names of packages for one purpose: build, desktop, tests, metrics, checks.
 debian_packages() {
     case "$1" in
     build) echo "cmake ninja-build g++ ccache pkg-config nlohmann-json3-dev libre2-dev libicu-dev
                  libcli11-dev libsdbus-c++-dev libsystemd-dev expect" ;;
     desktop) echo "qt6-base-dev qt6-qpa-plugins libxcb1-dev" ;;
-    tests) echo "libgtest-dev libgmock-dev libbenchmark-dev zsh dbus procps xvfb xauth xdotool imagemagick
-                 dunst xfce4-panel fonts-inter git" ;;
+    tests) echo "libgtest-dev libgmock-dev libbenchmark-dev zsh fish dbus procps xvfb xauth xdotool xterm
+                 imagemagick dunst xfce4-panel fonts-inter git mandoc" ;;
+    metrics) echo "prometheus python3" ;;
     checks) echo "clang-16 llvm-16 libc++-16-dev libc++abi-16-dev libclang-rt-16-dev gobjc++
                   libgnustep-gui-dev libblocksruntime-dev" ;;
     esac
@@ -35,6 +36,7 @@ homebrew_packages() {
     build) echo "cmake ninja ccache pkgconf nlohmann-json re2 icu4c cli11" ;;
     desktop) echo "qt" ;;
     tests) echo "googletest google-benchmark" ;;
+    metrics) echo "prometheus python3" ;;
     checks) echo "" ;;
     esac
 }
@@ -102,7 +104,7 @@ install_with_homebrew() {
     export CMAKE_PREFIX_PATH="$prefix/opt/qt${CMAKE_PREFIX_PATH:+:$CMAKE_PREFIX_PATH}"
 }
 
-# configure PRESET [-DNAME=VALUE...]: only when the build directory was configured otherwise.
+# configure PRESET [-DNAME=VALUE...]: only if the build directory is configured differently.
 configure() {
     local preset="$1" cache setting configured=yes messages
     shift

@@ -3,3 +3,4 @@
 #include_next <fcntl.h>
 
 #define F_SETNOSIGPIPE 73
+#define O_EVTONLY 0x00008000

@@ -22,6 +22,8 @@ class Vellmark < Formula
     system "cmake", "--build", "build"
     prefix.install "build/bin/Vellmark.app"
     bin.install_symlink prefix/"Vellmark.app/Contents/Helpers/vellmark"
+    man1.install Dir["build/man/man1/*"]
+    generate_completions_from_executable(bin/"vellmark", "completions")
   end
 
   test do

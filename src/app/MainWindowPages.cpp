@@ -1,5 +1,6 @@
 #include "app/MainWindowPages.h"
 
+#include "platform/ProgramPath.h"
 #include "presentation/MainMenuContent.h"
 #include "ui/Conversions.h"
 
@@ -63,7 +64,12 @@ MainWindowPages::MainWindowPages(Sources sources)
     : sources_(std::move(sources)), facts_({.machine = sources_.machine}, sources_.executor,
                                            [this] {
                                                // Asked for while the page is being shown.
-                                               sources_.executor.post(sources_.update);
+                                               sources_.executor.post([this] {
+                                                   sources_.update();
+                                                   if (onFactsChange) {
+                                                       onFactsChange();
+                                                   }
+                                               });
                                            }),
       history_(sources_.store, sources_.preferences),
       activity_(std::make_shared<ActivityFeed>(sources_.store, sources_.update)),
@@ -129,7 +135,8 @@ SettingsPageModel::Sources MainWindowPages::settingsSources() {
             .showFolder = showFolder,
             .noticeDelivery = [this] { return sources_.notices.delivery(); },
             .lookForNoticeService = [this] { sources_.notices.lookForService(); },
-            .allowNotices = [this] { sources_.notices.allow(); }};
+            .allowNotices = [this] { sources_.notices.allow(); },
+            .terminalProgram = programPath().parent_path() / "vellmark"};
 }
 
 void MainWindowPages::showHelp(HelpSection section) {
@@ -139,6 +146,8 @@ void MainWindowPages::showHelp(HelpSection section) {
 
 void MainWindowPages::openHelpLink(HelpLink link) {
     switch (link) {
+    case HelpLink::supportReport:
+        return sources_.actions.showSupportReport();
     case HelpLink::supportPage:
         return openURL(supportURL(sources_.language.words()));
     case HelpLink::terms:
@@ -182,7 +191,7 @@ PageContent MainWindowPages::contentOf(const AgentPage& page, Instant now) const
     const Localization& words = sources_.language.words();
     switch (page.kind) {
     case Kind::overview:
-        return overviewPageContent(state, now, words, asksForSetup_);
+        return overviewPageContent(state, now, words);
     case Kind::provider:
         return agentPage(page.providerID, now);
     case Kind::history:

@@ -45,10 +45,13 @@ public:
     MainWindowActions actions();
     /// The section of the help to begin with.
     void showHelp(HelpSection section);
-    /// Whether the overview says that something is left to set up.
-    void setAsksForSetup(bool asks) { asksForSetup_ = asks; }
     MainWindowContent content(const AgentPage& selection, Instant now) const;
     ActivityFeed& activity() { return *activity_; }
+    /// What is known of the agents' programs, and the settings, for other windows.
+    AgentFactsCache& facts() { return facts_; }
+    SettingsPageModel& settings() { return settings_; }
+    /// Called from the executor when the former has changed; may be empty.
+    std::function<void()> onFactsChange;
 
 private:
     PageContent contentOf(const AgentPage& page, Instant now) const;
@@ -57,7 +60,6 @@ private:
     ActivityPageContent activityContent(Instant now) const;
 
     Sources sources_;
-    bool asksForSetup_ = false;
     // provider
     PageContent agentPage(const AgentProviderID& id, Instant now) const;
     AgentPageActions agentActions();
@@ -75,6 +77,7 @@ private:
     SettingsPageModel settings_;
 
     // help
+    void showHelp(HelpSection section);
     HelpSection helpSection_ = HelpSection::reading;
     std::string helpQuery_;
     // about

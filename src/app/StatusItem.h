@@ -3,8 +3,8 @@
 #include "platform/DescriptorWatcher.h"
 #include "platform/Preferences.h"
 #include "platform/SystemAppearance.h"
-#include "presentation/MainMenuContent.h"
 #include "presentation/StatusItemContent.h"
+#include "presentation/StatusMenuContent.h"
 #include "store/AppSettings.h"
 
 #include <QRect>
@@ -32,7 +32,8 @@ public:
 
     /// Draws only what differs from the last call.
     virtual void show(const StatusItemContent& content) = 0;
-    virtual void setMenu(std::vector<MenuItemContent> items) = 0;
+    /// Changes nothing where the items are the same.
+    virtual void setMenu(std::vector<StatusMenuItem> items) = 0;
     /// The colour scheme that the panel probably follows; never `noPreference`.
     virtual void setPanelScheme(ColorScheme scheme) = 0;
     /// The glyph's ink; `automatic` follows the panel's ground.

@@ -1,5 +1,6 @@
 #include "app/VellmarkAppDelegate.h"
 
+#include "app/SupportReportWindowController.h"
 #include "app/WindowMemory.h"
 #include "platform/ContinuousClock.h"
 #include "platform/InstanceIdentifier.h"
@@ -8,7 +9,6 @@
 #include "presentation/LegalWindowContent.h"
 #include "presentation/PopoverContent.h"
 #include "process/BoundedProcess.h"
-#include "setup/AgentSetupStatus.h"
 #include "store/AppSettings.h"
 #include "text/TerminalText.h"
 #include "ui/AboutWindow.h"
@@ -39,7 +39,6 @@ namespace {
 
 constexpr std::string_view popoverTabKey = "PopoverSelectedTab";
 constexpr std::string_view pageKey = "MainWindowPage";
-constexpr std::string_view setupCompletedKey = "SetupAssistantCompleted";
 constexpr Seconds terminationGrace{1.0};
 /// The status item is drawn, and nobody has found it yet.
 constexpr Seconds popoverRehearsal{0.5};
@@ -53,12 +52,6 @@ Instant now() {
 
 Seconds steadySeconds() {
     return std::chrono::duration_cast<Seconds>(std::chrono::steady_clock::now().time_since_epoch());
-}
-
-bool isEveryAgentRead(const UsageState& state) {
-    return std::ranges::all_of(state.snapshots, [](const AgentUsageSnapshot& snapshot) {
-        return snapshot.source == SnapshotSource::live && !snapshot.error;
-    });
 }
 
 } // namespace
@@ -130,19 +123,23 @@ void VellmarkAppDelegate::applicationWillTerminate() {
         return;
     }
     settingsWatch_.reset();
+    statusLineWatch_.reset();
     loops_.reset();
     if (notices_) {
         notices_->end();
     }
     mainWindow_.saveFrame();
     rememberPage();
+    if (setup_) {
+        setup_->model().closed();
+    }
+    if (supportReport_) {
+        supportReport_->cancel();
+    }
     if (store_) {
         store_->abortRefresh();
     }
     terminateAllChildren(terminationGrace);
-    if (setupCheck_.joinable()) {
-        setupCheck_.join();
-    }
 }
 
 bool VellmarkAppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/) {
@@ -244,13 +241,34 @@ void VellmarkAppDelegate::createStatusItem() {
                                  .launchAtLogin = launchAtLogin_,
                                  .notices = *notices_,
                                  .takeSettings = [this] { takeSettings(); }});
+    setup_ =
+        std::make_unique<SetupAssistantWindowController>(SetupAssistantWindowController::Sources{
+            .store = *store_,
+            .machine = machine_,
+            .executor = executor_,
+            .preferences = *preferences_,
+            .language = language_,
+            .pages = *pages_,
+            .presence = windowPresence_,
+            .attachMenu = [this](QWidget& window) { mainMenu_.attach(window); },
+            .onClose = [this] { setupClosed(); }});
+    supportReport_ = std::make_unique<SupportReportWindowController>(
+        SupportReportWindowController::Sources{.store = *store_,
+                                               .machine = machine_,
+                                               .executor = executor_,
+                                               .preferences = *preferences_,
+                                               .language = language_,
+                                               .presence = windowPresence_,
+                                               .prepare = [this](QWidget& window) {
+                                                   window.setWindowIcon(applicationIcon());
+                                                   mainMenu_.attach(window);
+                                               }});
     statusItem_ =
         makeStatusItem(loop_, *preferences_,
                        {.toggle = [this](const QRect& anchor) { togglePopoverAt(anchor); },
                         .menuAction = [this](std::string_view action) { menuItemChosen(action); }});
     statusItem_->setPanelScheme(panelScheme_);
     statusItem_->setInk(valueOf(*preferences_, setting::statusInk));
-    statusItem_->setMenu(statusItemMenuContent(words()));
     reevaluateStatusItem();
 }
 
@@ -288,7 +306,6 @@ void VellmarkAppDelegate::storeChanged() {
     }
     executor_.post([this] {
         isReevaluationPosted_ = false;
-        asksForSetup_ = asksForSetup_ && !isEveryAgentRead(store_->state());
         reevaluateStatusItem();
         updateVisibleViews();
     });
@@ -300,7 +317,6 @@ void VellmarkAppDelegate::observeLanguage() {
     language_.onChange = [this] {
         toolkitTexts_.setWords(words());
         reevaluateStatusItem();
-        statusItem_->setMenu(statusItemMenuContent(words()));
         buildMainMenu();
         mainWindow_.retitle();
         aboutWindow_.retitle();
@@ -309,6 +325,8 @@ void VellmarkAppDelegate::observeLanguage() {
         }
         legalWindow_.retitle();
         updateLegalWindow();
+        setup_->retitle();
+        supportReport_->retell();
         updateVisibleViews();
     };
 }
@@ -348,6 +366,9 @@ void VellmarkAppDelegate::startLoops() {
         preferences_->reload();
         takeSettings();
     });
+    statusLineWatch_ =
+        watchFiles(loop_, machine_.supportDirectory(), {machine_.statusLineFile().filename()},
+                   [this] { store_->takeStatusLine(); });
 }
 
 /// What the preferences hold now holds in the whole program.
@@ -374,28 +395,21 @@ void VellmarkAppDelegate::systemDidWake() {
 }
 
 void VellmarkAppDelegate::runFirstRun() {
-    if (preferences_->boolean(setupCompletedKey).value_or(false)) {
+    if (setup_->model().isCompleted()) {
         showLegalNotice();
         return;
     }
-    setupCheck_ = std::thread([this] {
-        const std::vector<AgentSetupStatus> statuses =
-            agentSetupStatuses(machine_, providerRegistry());
-        const bool isNeeded = std::ranges::any_of(statuses, vellmark::needsSetup);
-        executor_.post([this, isNeeded] { finishFirstRun(isNeeded); });
+    setup_->model().decideFirstRun([this](bool isNeeded) {
+        if (hasTerminated_) {
+            return;
+        }
+        if (isNeeded) {
+            isFirstRun_ = true;
+            showSetup();
+        } else {
+            showLegalNotice();
+        }
     });
-}
-
-void VellmarkAppDelegate::finishFirstRun(bool needsSetup) {
-    if (hasTerminated_) {
-        return;
-    }
-    if (needsSetup) {
-        askForSetup();
-        return;
-    }
-    preferences_->setBoolean(setupCompletedKey, true);
-    showLegalNotice();
 }
 
 /// A demo is gone in a minute, with whatever was accepted in it.
@@ -405,9 +419,15 @@ void VellmarkAppDelegate::showLegalNotice() {
     }
 }
 
-void VellmarkAppDelegate::askForSetup() {
-    asksForSetup_ = true;
-    showPage(AgentPage::of(AgentPage::Kind::overview));
+void VellmarkAppDelegate::showSetup(const std::optional<AgentProviderID>& agent) {
+    closePopover();
+    setup_->show(agent);
+}
+
+void VellmarkAppDelegate::setupClosed() {
+    if (std::exchange(isFirstRun_, false) && !hasTerminated_) {
+        showLegalNotice();
+    }
 }
 
 // Showing
@@ -424,6 +444,7 @@ void VellmarkAppDelegate::reevaluateStatusItem() {
         content.glyph = *drawnGlyph_;
     }
     statusItem_->show(content);
+    statusItem_->setMenu(statusMenuContent(store_->state(), now(), words()));
 }
 
 /// A window may follow the last one in the same turn of the loop.
@@ -453,13 +474,13 @@ void VellmarkAppDelegate::updateVisibleViews() {
         updatePopover();
     }
     updateMainWindow();
+    setup_->update();
 }
 
 void VellmarkAppDelegate::updateMainWindow() {
     if (mainWindow_.isVisible()) {
         // The page of an agent that is no longer shown leaves its place for good.
         navigation_.replaceSelection(shownPage(navigation_.selection(), store_->state()));
-        pages_->setAsksForSetup(asksForSetup_);
         mainWindowView_->setContent(pages_->content(navigation_.selection(), now()));
     }
 }
@@ -594,7 +615,8 @@ AgentUIActions VellmarkAppDelegate::makeActions() {
         .openProvider = [this](const AgentProviderID& id) { showPage(AgentPage::provider(id)); },
         .openSettings = [this] { showSettingsFromMenu(); },
         .showAbout = [this] { showAbout(); },
-        .startSetup = [this] { askForSetup(); },
+        .startSetup = [this] { showSetup(); },
+        .setUpAgent = [this](const AgentProviderID& id) { showSetup(id); },
         .showLegal = [this](LegalDocument document) { showLegal(document); },
         .showSupportReport = [this] { showSupportReportFromMenu(); },
         .quit = [] { QCoreApplication::quit(); },
@@ -620,6 +642,8 @@ void VellmarkAppDelegate::menuItemChosen(std::string_view action) {
         store_->refresh(RefreshTrigger::manual);
     } else if (action == menuAction::terminate) {
         QCoreApplication::quit();
+    } else if (const auto agent = agentOfMenuAction(action)) {
+        showPage(AgentPage::provider(*agent));
     } else {
         mainMenu_.performInResponderChain(action);
     }
@@ -652,8 +676,7 @@ void VellmarkAppDelegate::saveActivityFromMenu() {
 }
 
 void VellmarkAppDelegate::showSupportReportFromMenu() {
-    pages_->showHelp(HelpSection::support);
-    showPage(AgentPage::of(AgentPage::Kind::help));
+    supportReport_->show();
 }
 
 void VellmarkAppDelegate::openWebsite() {

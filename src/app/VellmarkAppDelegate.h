@@ -5,9 +5,11 @@
 #include "app/NoticeController.h"
 #include "app/QtDescriptorWatcher.h"
 #include "app/QtExecutor.h"
+#include "app/SetupAssistantWindowController.h"
 #include "app/StatusItem.h"
 #include "app/ToolkitTexts.h"
 #include "app/WindowController.h"
+#include "platform/FileWatch.h"
 #include "platform/Machine.h"
 #include "platform/SingleInstance.h"
 #include "platform/SystemAppearance.h"
@@ -28,13 +30,13 @@
 
 #include <memory>
 #include <optional>
-#include <thread>
 
 namespace vellmark {
 
 class AgentMainWindowView;
 class LegalWindow;
 class Popover;
+class SupportReportWindowController;
 
 /// The hub of the application: owns the status item, the popover, the menu, every window and the
 /// store, starts what runs for as long as the application does, and ends it. Lives for the whole
@@ -110,11 +112,11 @@ private:
     void minuteTick();
     void systemDidWake();
     void menuItemChosen(std::string_view action);
-    void finishFirstRun(bool needsSetup);
     void showLegal(LegalDocument document);
     void showLegalNotice();
     void updateLegalWindow();
-    void askForSetup();
+    void showSetup(const std::optional<AgentProviderID>& agent = std::nullopt);
+    void setupClosed();
 
     LaunchOptions options_;
     bool isRunningTests_;
@@ -147,19 +149,22 @@ private:
     WindowController mainWindow_;
     WindowController aboutWindow_;
     WindowController legalWindow_;
+    /// Made with the store, and gone before it.
+    std::unique_ptr<SupportReportWindowController> supportReport_;
     LegalDocument shownLegal_ = LegalDocument::terms;
     /// Inside `mainWindow_`, and there while it is.
     QPointer<AgentMainWindowView> mainWindowView_;
     std::unique_ptr<AppLoops> loops_;
     std::unique_ptr<WakeObserver> wakeObserver_;
     std::unique_ptr<PreferencesWatch> settingsWatch_;
+    std::unique_ptr<FileWatch> statusLineWatch_;
     ClockJump clockJump_;
     std::shared_ptr<AgentUsageStore::Subscription> storeSubscription_;
     bool isReevaluationPosted_ = false;
-    /// Something is left to install or to log in to, and the user has been or is to be told.
-    bool asksForSetup_ = false;
-    /// Asks every agent's CLI whether somebody is logged in.
-    std::thread setupCheck_;
+    /// Made with the store.
+    std::unique_ptr<SetupAssistantWindowController> setup_;
+    /// The setup assistant came up by itself; the terms are shown after it.
+    bool isFirstRun_ = false;
     bool hasTerminated_ = false;
 };
 

@@ -38,6 +38,11 @@ public:
         options.flag("--json", json_, "cli.option.json");
     }
 
+    std::vector<std::string> choices(const std::string& name) const override {
+        return name == "ACTION" ? std::vector<std::string>{"enable", "disable", "order"}
+                                : std::vector<std::string>();
+    }
+
     bool startsChildren() const override { return !action_; }
 
     int run(const CommandContext& context) override {

@@ -13,71 +13,50 @@ namespace {
 
 constexpr const char* defaultSubcommand = "usage";
 
-/// Declares to CLI11, and keeps for the help what was declared.
+/// Declares to CLI11, with what the help says.
 class ParserOptions final : public CommandOptions {
 public:
     ParserOptions(CLI::App& app, const Localization& words) : app_(app), words_(words) {}
 
     void flag(const std::string& name, bool& place, const std::string& helpKey) override {
-        app_.add_flag(name, place);
-        describe(name, helpKey);
+        app_.add_flag(name, place, words_.text(helpKey));
     }
     void value(const std::string& name, std::optional<std::string>& place,
                const std::string& placeholder, const std::string& helpKey) override {
-        add(name, place)->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
-        describe(name, helpKey, placeholder);
+        add(name, place, helpKey)
+            ->type_name(placeholder)
+            ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     }
     void values(const std::string& name, std::vector<std::string>& places,
                 const std::string& placeholder, const std::string& helpKey) override {
         // One value each time, so that a following positional argument is not swallowed.
-        app_.add_option(name, places)
+        app_.add_option(name, places, words_.text(helpKey))
+            ->type_name(placeholder)
             ->expected(1)
             ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-        describe(name, helpKey, placeholder);
     }
     void positional(const std::string& placeholder, std::string& place,
                     const std::string& helpKey) override {
-        app_.add_option(placeholder, place)->required();
-        arguments_.push_back({placeholder, words_.text(helpKey)});
-        synopsis_ += " " + placeholder;
+        app_.add_option(placeholder, place, words_.text(helpKey))->required();
     }
     void optionalPositional(const std::string& placeholder, std::optional<std::string>& place,
                             const std::string& helpKey) override {
-        add(placeholder, place);
-        arguments_.push_back({placeholder, words_.text(helpKey)});
-        synopsis_ += " [" + placeholder + "]";
+        add(placeholder, place, helpKey);
     }
     void optionalPositionals(const std::string& placeholder, std::vector<std::string>& places,
                              const std::string& helpKey) override {
-        app_.add_option(placeholder, places);
-        arguments_.push_back({placeholder, words_.text(helpKey)});
-        synopsis_ += " [" + placeholder + " …]";
+        app_.add_option(placeholder, places, words_.text(helpKey));
     }
-
-    /// An option that the parser itself knows.
-    void describe(const std::string& names, const std::string& helpKey,
-                  const std::string& placeholder = {}) {
-        const std::string term = replacedText(names, ",", ", ");
-        options_.push_back(
-            {placeholder.empty() ? term : term + " " + placeholder, words_.text(helpKey)});
-    }
-
-    const std::vector<HelpPage::Entry>& arguments() const { return arguments_; }
-    const std::vector<HelpPage::Entry>& options() const { return options_; }
-    /// " TASK [FILE]".
-    const std::string& synopsis() const { return synopsis_; }
 
 private:
-    CLI::Option* add(const std::string& name, std::optional<std::string>& place) {
+    CLI::Option* add(const std::string& name, std::optional<std::string>& place,
+                     const std::string& helpKey) {
         return app_.add_option_function<std::string>(
-            name, [&place](const std::string& text) { place = text; });
+            name, [&place](const std::string& text) { place = text; }, words_.text(helpKey));
     }
 
     CLI::App& app_;
     const Localization& words_;
-    std::vector<HelpPage::Entry> arguments_;
-    std::vector<HelpPage::Entry> options_;
-    std::string synopsis_;
 };
 
 constexpr const char* helpSubcommand = "help";
@@ -105,17 +84,10 @@ bool meansDefault(const std::vector<std::string>& arguments,
     return true;
 }
 
-/// A subcommand with its options as they were declared.
-struct ParsedSubcommand {
-    Subcommand* subcommand;
-    ParserOptions options;
-};
-
 struct Parser {
     CLI::App app{"", "vellmark"};
     const Localization& words;
-    ParserOptions global{app, words};
-    std::vector<ParsedSubcommand> subcommands;
+    const std::vector<std::unique_ptr<Subcommand>>& subcommands;
     std::optional<std::string> helpTopic;
     std::optional<std::string> language;
     std::optional<std::string> color;
@@ -123,11 +95,10 @@ struct Parser {
     bool demo = false;
 
     Parser(const std::vector<std::unique_ptr<Subcommand>>& all, const Localization& theWords)
-        : words(theWords) {
-        app.set_help_flag("-h,--help");
-        global.describe("-h,--help", "cli.help.help");
-        app.set_version_flag("-V,--version", "");
-        global.describe("-V,--version", "cli.help.version");
+        : words(theWords), subcommands(all) {
+        app.set_help_flag("-h,--help", words.text("cli.help.help"));
+        app.set_version_flag("-V,--version", "")->description(words.text("cli.help.version"));
+        ParserOptions global(app, words);
         global.value("--language", language, "LANG", "cli.help.language");
         global.value("--color", color, "WHEN", "cli.help.color");
         global.flag("--demo", demo, "cli.help.demo");
@@ -135,9 +106,8 @@ struct Parser {
         app.require_subcommand(1);
         app.fallthrough();
         for (const auto& subcommand : all) {
-            subcommands.push_back(
-                {subcommand.get(), {*app.add_subcommand(subcommand->name()), words}});
-            subcommand->declare(subcommands.back().options);
+            ParserOptions options(*app.add_subcommand(subcommand->name()), words);
+            subcommand->declare(options);
         }
         ParserOptions(*app.add_subcommand(helpSubcommand), words)
             .optionalPositional("COMMAND", helpTopic, "cli.help.command");
@@ -148,41 +118,88 @@ struct Parser {
         return parsed.empty() ? std::string() : parsed.front()->get_name();
     }
 
-    const ParsedSubcommand* find(const std::string& name) const {
-        const auto found = std::ranges::find_if(
-            subcommands, [&](const auto& one) { return one.subcommand->name() == name; });
-        return found == subcommands.end() ? nullptr : &*found;
+    Subcommand* find(const std::string& name) const {
+        const auto found =
+            std::ranges::find_if(subcommands, [&](const auto& one) { return one->name() == name; });
+        return found == subcommands.end() ? nullptr : found->get();
+    }
+
+    ProgramDescription description() const {
+        ProgramDescription program{.summary = words.text("cli.help.description"),
+                                   .detail = words.text("cli.help.footer"),
+                                   .options = optionsOf(app),
+                                   .commands = {}};
+        for (const auto& subcommand : subcommands) {
+            const std::string detailKey = subcommand->detailKey();
+            const CLI::App& declared = *app.get_subcommand(subcommand->name());
+            CommandDescription command{.name = subcommand->name(),
+                                       .summary = words.text(subcommand->summaryKey()),
+                                       .detail = detailKey.empty() ? std::string()
+                                                                   : words.text(detailKey),
+                                       .arguments = argumentsOf(declared),
+                                       .options = optionsOf(declared),
+                                       .isHidden = subcommand->isHidden()};
+            for (OptionDescription& option : command.options) {
+                option.choices = subcommand->choices(option.names.back());
+            }
+            for (ArgumentDescription& argument : command.arguments) {
+                argument.choices = subcommand->choices(argument.placeholder);
+            }
+            program.commands.push_back(std::move(command));
+        }
+        program.commands.push_back({.name = helpSubcommand,
+                                    .summary = words.text("cli.help.summary"),
+                                    .detail = {},
+                                    .arguments = argumentsOf(*app.get_subcommand(helpSubcommand)),
+                                    .options = {},
+                                    .isHidden = false});
+        return program;
     }
 
     HelpPage help() const {
-        HelpPage page{.summary = words.text("cli.help.description"),
+        const ProgramDescription program = description();
+        HelpPage page{.summary = program.summary,
                       .usage = usage(words.text("cli.help.label.options") + "] [" +
                                      words.text("cli.help.label.command") + " [" +
                                      words.text("cli.help.label.arguments") + "]"),
                       .sections = {},
-                      .detail = words.text("cli.help.footer")};
+                      .detail = program.detail};
         HelpPage::Section commands{words.text("cli.help.group.subcommands"), {}};
-        for (const auto& [subcommand, options] : subcommands) {
-            commands.entries.push_back({subcommand->name(), words.text(subcommand->summaryKey())});
+        for (const CommandDescription& command : program.commands) {
+            if (!command.isHidden) {
+                commands.entries.push_back({command.name, command.summary});
+            }
         }
-        commands.entries.push_back({helpSubcommand, words.text("cli.help.summary")});
         page.sections = {std::move(commands),
-                         {words.text("cli.help.group.options"), global.options()}};
+                         {words.text("cli.help.group.options"), entriesOf(program.options)}};
         return page;
     }
 
-    HelpPage help(const ParsedSubcommand& one) const {
-        const std::string detailKey = one.subcommand->detailKey();
-        return {.summary = words.text(one.subcommand->summaryKey()),
-                .usage = usage(words.text("cli.help.label.options"), " " + one.subcommand->name(),
-                               one.options.synopsis()),
-                .sections = {{words.text("cli.help.group.arguments"), one.options.arguments()},
-                             {words.text("cli.help.group.options"), one.options.options()},
-                             {words.text("cli.help.group.global"), global.options()}},
-                .detail = detailKey.empty() ? std::string() : words.text(detailKey)};
+    HelpPage help(const std::string& name) const {
+        const ProgramDescription program = description();
+        const CommandDescription& command = *program.find(name);
+        HelpPage::Section arguments{words.text("cli.help.group.arguments"), {}};
+        for (const ArgumentDescription& argument : command.arguments) {
+            arguments.entries.push_back({argument.placeholder, argument.text});
+        }
+        return {.summary = command.summary,
+                .usage = usage(words.text("cli.help.label.options"), " " + command.name,
+                               command.synopsis()),
+                .sections = {std::move(arguments),
+                             {words.text("cli.help.group.options"), entriesOf(command.options)},
+                             {words.text("cli.help.group.global"), entriesOf(program.options)}},
+                .detail = command.detail};
     }
 
 private:
+    static std::vector<HelpPage::Entry> entriesOf(const std::vector<OptionDescription>& options) {
+        std::vector<HelpPage::Entry> entries;
+        for (const OptionDescription& option : options) {
+            entries.push_back({option.term(), option.text});
+        }
+        return entries;
+    }
+
     std::string usage(const std::string& options, const std::string& name = {},
                       const std::string& synopsis = {}) const {
         return words.format("cli.help.label.usage",
@@ -211,23 +228,24 @@ std::string unknownText(const std::string& key, const std::string& typed,
 
 std::vector<std::string> subcommandNames(const Parser& parser) {
     std::vector<std::string> names{helpSubcommand};
-    for (const auto& [subcommand, options] : parser.subcommands) {
-        names.push_back(subcommand->name());
+    for (const auto& subcommand : parser.subcommands) {
+        if (!subcommand->isHidden()) {
+            names.push_back(subcommand->name());
+        }
     }
     return names;
 }
 
 /// The options that the chosen subcommand takes, "--help" and not "-h".
 std::vector<std::string> optionNames(const Parser& parser) {
-    std::vector<HelpPage::Entry> entries = parser.global.options();
-    if (const ParsedSubcommand* chosen = parser.find(parser.chosen())) {
-        const auto& own = chosen->options.options();
-        entries.insert(entries.end(), own.begin(), own.end());
+    std::vector<OptionDescription> options = optionsOf(parser.app);
+    if (const std::string chosen = parser.chosen(); !chosen.empty()) {
+        const auto own = optionsOf(*parser.app.get_subcommand(chosen));
+        options.insert(options.end(), own.begin(), own.end());
     }
     std::vector<std::string> names;
-    for (const auto& [term, text] : entries) {
-        const std::size_t begin = term.find("--");
-        names.push_back(term.substr(begin, term.find(' ', begin) - begin));
+    for (const OptionDescription& option : options) {
+        names.push_back(option.names.back());
     }
     return names;
 }
@@ -266,8 +284,8 @@ CommandLineFault faultOf(const CLI::ParseError& error, const std::vector<std::st
 }
 
 HelpPage helpAbout(const std::string& topic, const Parser& parser) {
-    if (const ParsedSubcommand* about = parser.find(topic)) {
-        return parser.help(*about);
+    if (parser.find(topic) != nullptr) {
+        return parser.help(topic);
     }
     if (topic.empty() || topic == helpSubcommand) {
         return parser.help();
@@ -312,6 +330,11 @@ void checkGlobalOptions(const Parser& parser, const Subcommand* subcommand) {
 
 } // namespace
 
+ProgramDescription describeProgram(const std::vector<std::unique_ptr<Subcommand>>& subcommands,
+                                   const Localization& words) {
+    return Parser(subcommands, words).description();
+}
+
 std::optional<std::string> requestedLanguage(const std::vector<std::string>& arguments) {
     const std::string prefix = "--language=";
     std::optional<std::string> language;
@@ -348,13 +371,13 @@ CommandLine parseCommandLine(std::vector<std::string> arguments,
     } catch (const CLI::ParseError& error) {
         throw faultOf(error, arguments, isDefault, parser);
     }
-    const ParsedSubcommand* chosen = parser.find(parser.chosen());
-    checkGlobalOptions(parser, chosen != nullptr ? chosen->subcommand : nullptr);
+    Subcommand* const chosen = parser.find(parser.chosen());
+    checkGlobalOptions(parser, chosen);
     const ColorChoice colors = colorChoice(parser);
     if (chosen == nullptr) {
         return {.help = helpAbout(parser.helpTopic.value_or(""), parser)};
     }
-    return {.subcommand = chosen->subcommand,
+    return {.subcommand = chosen,
             .help = {},
             .sandbox = parser.sandbox,
             .demo = parser.demo,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/CommandDescription.h"
 #include "cli/HelpPage.h"
 #include "cli/Subcommand.h"
 #include "text/Localization.h"
@@ -34,6 +35,11 @@ std::optional<std::string> requestedLanguage(const std::vector<std::string>& arg
 
 /// The hint that goes with a fault of `subcommand` (of the whole program when it is empty).
 std::string helpHint(const std::string& subcommand, const Localization& words);
+
+/// The command line that these subcommands make. They are declared anew and take no more arguments
+/// than before.
+ProgramDescription describeProgram(const std::vector<std::unique_ptr<Subcommand>>& subcommands,
+                                   const Localization& words);
 
 /// Understands `arguments` (without the program's name). Without a subcommand among them it is
 /// "usage". Throws CommandLineFault.

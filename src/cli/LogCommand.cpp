@@ -102,6 +102,11 @@ public:
         options.flag("--json", json_, "cli.option.json");
     }
 
+    std::vector<std::string> choices(const std::string& name) const override {
+        return name == "--level" ? std::vector<std::string>{"info", "notice", "error"}
+                                 : std::vector<std::string>();
+    }
+
     bool startsChildren() const override { return false; }
 
     int run(const CommandContext& context) override {

@@ -1,22 +1,12 @@
 #include "cli/InterruptibleWork.h"
+#include "cli/OutputFile.h"
 #include "cli/StorageNews.h"
 #include "cli/Subcommands.h"
-#include "platform/Descriptor.h"
-#include "platform/SystemError.h"
-#include "platform/WholeFile.h"
 #include "report/SupportReportFacts.h"
 #include "text/TerminalText.h"
 
-#include <algorithm>
-#include <cerrno>
-#include <fcntl.h>
-#include <filesystem>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <sys/stat.h>
-#include <system_error>
-#include <unistd.h>
 
 namespace vellmark {
 namespace {
@@ -30,6 +20,7 @@ public:
 
     void declare(CommandOptions& options) override {
         options.flag("--include-emails", includeEmails_, "cli.option.includeEmails");
+        options.value("--what-happened", whatHappened_, "TEXT", "cli.report.whatHappened");
         options.value("-o,--output", output_, "FILE", "cli.report.output");
     }
 
@@ -42,6 +33,7 @@ public:
         if (status != ExitStatus::done) {
             return status;
         }
+        input.whatHappened = whatHappened_.value_or(std::string());
         reportUnreadable(LastSnapshots(context.machine.lastSnapshotsFile()).contents(), context);
         const auto text =
             supportReportText(input, context.machine.home.string(), includeEmails_, context.words);
@@ -49,56 +41,22 @@ public:
             context.report(context.words.text("cli.error.notRedacted"));
             return ExitStatus::failed;
         }
-        return deliver(*text + "\n", context);
-    }
-
-private:
-    int deliver(const std::string& text, const CommandContext& context) const {
-        struct stat target {};
-        struct stat output {};
-        const bool exists = output_ && ::stat(output_->c_str(), &target) == 0;
-        // "/dev/stdout", for instance; a second opening would write over what is there.
-        const bool isOutput = exists && ::fstat(STDOUT_FILENO, &output) == 0 &&
-                              output.st_dev == target.st_dev && output.st_ino == target.st_ino;
-        if (!output_ || *output_ == "-" || isOutput) {
-            context.output.writeData(text);
-            return ExitStatus::done;
-        }
-        const bool isSpecial = exists && !S_ISREG(target.st_mode);
-        if (const auto error = isSpecial ? writeTo(*output_, text) : save(*output_, text)) {
-            context.report(context.words.format(
-                "cli.error.notSaved",
-                {singleLine(*output_), systemErrorText(error, context.words)}));
+        switch (deliver(*text + "\n", output_, ReplacementFile::Mode::ownerAlone, context)) {
+        case Delivery::failed:
             return ExitStatus::failed;
+        case Delivery::saved:
+            context.output.write(context.words.format("report.saved", {singleLine(*output_)}) +
+                                 "\n");
+            break;
+        case Delivery::printed:
+            break;
         }
-        context.output.write(context.words.format("report.saved", {singleLine(*output_)}) + "\n");
         return ExitStatus::done;
     }
 
-    /// A pipe or a device, which stays what it is.
-    static std::error_code writeTo(const std::string& file, std::string_view text) {
-        const Descriptor opened(::open(file.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC));
-        while (opened.isOpen() && !text.empty()) {
-            const ssize_t count = ::write(opened.get(), text.data(), text.size());
-            if (count < 0 && errno != EINTR) {
-                return lastSystemError();
-            }
-            text.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-        }
-        return opened.isOpen() ? std::error_code() : lastSystemError();
-    }
-
-    static std::error_code save(const std::filesystem::path& file, std::string_view text) {
-        std::error_code error;
-        const auto directory = file.has_parent_path() ? file.parent_path() : ".";
-        if (!std::filesystem::is_directory(directory, error)) {
-            // A mistyped path is no wish for a new directory.
-            return error ? error : std::make_error_code(std::errc::no_such_file_or_directory);
-        }
-        return replaceWholeFile(file, text, ReplacementFile::Mode::ownerAlone);
-    }
-
+private:
     bool includeEmails_ = false;
+    std::optional<std::string> whatHappened_;
     std::optional<std::string> output_;
 };
 

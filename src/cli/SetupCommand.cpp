@@ -9,6 +9,7 @@
 #include "probes/ProviderRegistry.h"
 #include "setup/AgentSetupStatus.h"
 #include "setup/SetupScript.h"
+#include "setup/SetupTraces.h"
 #include "setup/TerminalScript.h"
 #include "text/TerminalText.h"
 
@@ -173,12 +174,6 @@ private:
                                                                 : std::nullopt)});
         }
         return result;
-    }
-
-    static bool hasHomebrew(const Machine& machine) {
-        return std::ranges::any_of(
-            std::vector{"/opt/homebrew/bin/brew", "/usr/local/bin/brew"},
-            [&](const char* path) { return access(machine.resolved(path).c_str(), X_OK) == 0; });
     }
 
     static void writeTasks(const std::vector<SetupTask>& tasks, const CommandContext& context) {

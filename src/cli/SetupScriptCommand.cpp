@@ -25,6 +25,11 @@ public:
         options.value("--tool-path", toolPath_, "PATH", "cli.setupScript.toolPath");
     }
 
+    std::vector<std::string> choices(const std::string& name) const override {
+        return name == "TASK" ? std::vector<std::string>{"install", "login"}
+                              : std::vector<std::string>();
+    }
+
     bool startsChildren() const override { return false; }
     bool hasDemo() const override { return false; }
 

@@ -9,6 +9,7 @@
 
 #include <string>
 #include <system_error>
+#include <vector>
 
 namespace vellmark {
 
@@ -48,6 +49,11 @@ public:
     /// Text below the options; empty for none.
     virtual std::string detailKey() const { return {}; }
     virtual void declare(CommandOptions& options) = 0;
+    /// All words that may be given for an option ("--level") or argument ("TASK") of its own;
+    /// empty where they are not a few, or follow from the placeholder ("AGENT", "FILE").
+    virtual std::vector<std::string> choices(const std::string& /*name*/) const { return {}; }
+    /// Asked by programs, not typed: the help leaves it out.
+    virtual bool isHidden() const { return false; }
     /// The machine that a demonstration of it needs.
     virtual DemoSandbox::Agents demoAgents() const { return DemoSandbox::Agents::ready; }
     /// Whether it looks at the machine at all: else there is nothing to demonstrate.

@@ -33,6 +33,11 @@ public:
         options.flag("--json", json_, "cli.option.json");
     }
 
+    std::vector<std::string> choices(const std::string& name) const override {
+        return name == "--by" ? std::vector<std::string>{"query", "session"}
+                              : std::vector<std::string>();
+    }
+
     int run(const CommandContext& context) override {
         UsageState state;
         const auto agents = namedAgents();

@@ -1,12 +1,15 @@
 #include "cli/ArgumentValues.h"
 #include "cli/CompactView.h"
 #include "cli/DisplayWidth.h"
+#include "cli/StatusForm.h"
+#include "cli/StatusWatch.h"
 #include "cli/Subcommands.h"
 #include "cli/TerminalKeys.h"
 #include "cli/TerminalLoop.h"
 #include "cli/TerminalScreen.h"
 #include "cli/UsageRefresh.h"
 #include "cli/UsageView.h"
+#include "cli/WrongArguments.h"
 #include "platform/Preferences.h"
 #include "presentation/UsageVerdict.h"
 #include "probes/ProviderRegistry.h"
@@ -371,7 +374,15 @@ public:
     void declare(CommandOptions& options) override {
         options.value("--interval", interval_, "SECONDS", "cli.watch.interval");
         options.flag("--compact", isCompact_, "cli.watch.compact");
+        form_.declare(options);
     }
+
+    std::vector<std::string> choices(const std::string& option) const override {
+        return StatusForm::choices(option);
+    }
+
+    /// Followed as lines, it reads agents only where nobody else does.
+    bool startsChildren() const override { return !form_.isGiven(); }
 
     int run(const CommandContext& context) override {
         std::optional<Seconds> interval;
@@ -379,12 +390,20 @@ public:
             interval =
                 Seconds(static_cast<double>(integerArgument("--interval", *interval_, 1, 86'400)));
         }
-        return Watch(context, interval, isCompact_).run();
+        if (!form_.isGiven()) {
+            return Watch(context, interval, isCompact_).run();
+        }
+        if (isCompact_) {
+            throw WrongArguments("cli.error.noEffect", "--compact", "--format");
+        }
+        form_.understand(false);
+        return watchStatus(context, form_, interval);
     }
 
 private:
     std::optional<std::string> interval_;
     bool isCompact_ = false;
+    StatusForm form_;
 };
 
 } // namespace

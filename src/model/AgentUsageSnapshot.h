@@ -14,7 +14,7 @@
 
 namespace vellmark {
 
-/// The balance that is what is left of the extra usage that an account may pay for.
+/// Identifies the balance that tells what is left of the extra usage an account may pay for.
 inline constexpr const char* extraUsageBalanceID = "extra-usage";
 
 /// A money balance of the agent's account.
@@ -44,8 +44,8 @@ struct CreditInfo {
     static CreditInfo available() { return {Available{}}; }
 };
 
-/// What an agent says about being allowed to work at all, beside its windows. Absent where it says
-/// nothing.
+/// What an agent says, apart from its windows, about being allowed to work at all. Absent where it
+/// says nothing.
 struct UsageAllowance {
     /// False: a quota is used up and the agent refuses; true, alone, means that it is back.
     std::optional<bool> ordinaryUsageAllowed;
@@ -95,8 +95,12 @@ struct SnapshotNote {
         std::string text;
         bool operator==(const AgentSays&) const = default;
     };
+    /// Some windows are as the agent's own session has told them to its status line since.
+    struct StatusLine {
+        bool operator==(const StatusLine&) const = default;
+    };
     std::variant<ClaudeEndMarkerMissing, ClaudeTiming, ReadingWay, AgeNotTold, ReadingCosts,
-                 AgentSays>
+                 AgentSays, StatusLine>
         value;
     bool operator==(const SnapshotNote&) const = default;
 };
@@ -125,7 +129,7 @@ struct AgentUsageSnapshot {
     SnapshotSource source = SnapshotSource::loading;
     /// The time of the reading, or of the attempt where it failed.
     Instant updatedAt{};
-    /// The agent may have more windows than this reading got to see.
+    /// The agent may have more windows than this reading saw.
     bool isIncomplete = false;
     /// The figures are from some time after `updatedAt`: the agent's CLI had kept them and did not
     /// say since when.

@@ -89,6 +89,12 @@ bool plainText(const char*& position, const char* end, std::string_view& text) {
     return take(position, end, '"');
 }
 
+bool take(std::string_view text, UUID& id) {
+    const auto parsed = UUID::parse(text);
+    id = parsed.value_or(UUID());
+    return parsed.has_value();
+}
+
 /// The length of the object at the beginning of `text`; 0 when it does not end there.
 std::size_t objectLength(std::string_view text) {
     int depth = 0;
@@ -117,7 +123,8 @@ bool isOfType(const JSON& value, unsigned field) {
                   : value.is_number() || (field == resetsField && value.is_null());
 }
 
-/// Whether one flipped bit, or one other character, can have made `name` of a required field's.
+/// Whether `name` could be the name of a required field with one bit flipped or one character
+/// changed.
 bool isNearlyName(std::string_view name, unsigned field) {
     for (const std::string_view own : {"id", "provider", "windowID", "capturedAt", "usedPercent"}) {
         if (fieldNamed(own) != field || own.size() != name.size()) {
@@ -130,7 +137,7 @@ bool isNearlyName(std::string_view name, unsigned field) {
     return false;
 }
 
-/// Of an object that is no sample.
+/// The form of an object that is no sample.
 HistoryObjectForm formOf(const JSON& json) {
     HistoryObjectForm form;
     unsigned seen = 0;
@@ -202,7 +209,7 @@ bool HistorySampleParser::parsePlainForm(std::string_view text, StoredHistorySam
         bool read = false;
         switch (field) {
         case idField:
-            read = plainText(position, end, value) && UUID::parse(value);
+            read = plainText(position, end, value) && take(value, sample.id);
             break;
         case providerField:
             read = plainText(position, end, sample.provider);
@@ -306,6 +313,7 @@ HistorySampleParser::Result HistorySampleParser::parseByLibrary(std::string_view
     }
     sample.hasUnknownFields =
         !std::ranges::all_of(json.items(), [](const auto& item) { return fieldNamed(item.key()); });
+    sample.id = decoded_.id;
     sample.provider = decoded_.provider.rawValue;
     sample.windowID = decoded_.windowID;
     sample.capturedAt = decoded_.capturedAt.time_since_epoch().count();

@@ -147,6 +147,12 @@ struct RecordFields<SnapshotNote::ReadingCosts> {
 };
 
 template<>
+struct RecordFields<SnapshotNote::StatusLine> {
+    static constexpr const char* caseName = "statusLine";
+    static constexpr std::tuple<> all{};
+};
+
+template<>
 struct RecordFields<SnapshotNote::AgentSays> {
     static constexpr const char* caseName = "agentSays";
     static constexpr std::tuple all{field("text", &SnapshotNote::AgentSays::text)};

@@ -126,8 +126,8 @@ private:
         return false;
     }
 
-    /// The bracket stands on a line of its own; with a sample on the next one, something else there
-    /// is a bracket no more.
+    /// The bracket stands on a line of its own. If a sample follows on the next line, whatever
+    /// stands in its place is a spoilt bracket.
     bool isBracketSpoilt() {
         while (stream_.rest().size() < longestSample && stream_.fill()) {
         }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/UUID.h"
+
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -12,6 +14,7 @@ namespace vellmark {
 
 /// A sample as it stands in a history file. The views are UTF-8 and valid during the visit only.
 struct StoredHistorySample {
+    UUID id;
     std::string_view provider;
     std::string_view windowID;
     /// Seconds since the reference date.
@@ -29,7 +32,7 @@ struct StoredHistorySample {
 struct HistoryObjectForm {
     /// Its members' names and kinds of value.
     std::string signature;
-    /// One spoilt character in a sample explains it.
+    /// A sample with one spoilt character would look like this.
     bool isDamagedSample = false;
     /// Its text; valid during the visit only.
     std::string_view text;
@@ -51,13 +54,14 @@ struct HistoryFileScan {
     /// The file could not be read to its end.
     std::error_code error;
 
-    /// Whether an object that is no sample was written so by a newer version: other objects of the
-    /// file have the same form, which damage cannot bring about. Such ones belong into the file.
+    /// Whether an object that is no sample was written that way by a newer version: other objects
+    /// in the file have the same form, which damage cannot bring about. Such objects belong in the
+    /// file.
     bool isNewerForm(const HistoryObjectForm& object) const {
         const auto found = unreadForms.find(object.signature);
         return !object.isDamagedSample && found != unreadForms.end() && found->second > 1;
     }
-    /// How often each form was met that is no sample's, by signature, of the first hundred forms.
+    /// How often each form that is no sample's was met, by signature; only the first hundred forms.
     std::map<std::string, int> unreadForms;
 };
 
@@ -67,13 +71,14 @@ struct HistoryFileScan {
 namespace UsageHistoryReader {
 
 using Visitor = std::function<void(const StoredHistorySample&)>;
-/// For the objects that are no samples, in the order of the file among these.
+/// Called for the objects that are no samples, in the order of the file.
 using UnreadVisitor = std::function<void(const HistoryObjectForm&)>;
 
 /// Reads the open file from its beginning.
 HistoryFileScan read(int descriptor, const Visitor& visit, const UnreadVisitor& visitUnread = {});
 
-/// Reads on from the `samplesEnd` of an earlier scan of the same file, to what was appended since.
+/// Continues from the `samplesEnd` of an earlier scan of the same file: reads what was appended
+/// since.
 HistoryFileScan readOn(int descriptor, const HistoryFileScan& earlier, const Visitor& visit);
 
 /// Looks through the open file, whatever it is, for samples at any place. Returns how many it

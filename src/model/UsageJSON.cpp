@@ -176,7 +176,7 @@ void decodeMember(const JSON& json, const char* name, Value& value) {
     at(memberPlace(name), [&] { decode(*member, value); });
 }
 
-/// A yes that is not there is a no.
+/// A missing yes means no.
 void decodeMember(const JSON& json, const char* name, bool& value) {
     const JSON* const member = findMember(json, name);
     value = false;
@@ -229,7 +229,8 @@ std::string payloadName(std::size_t index) {
     return std::string("_").append(std::to_string(index));
 }
 
-// Encoding. JSON has no infinities: the largest number stands for them, zero for what is none.
+// Encoding. JSON has no infinities and no NaN: the largest number stands for the former, zero for
+// the latter.
 
 double encoded(double number) {
     if (std::isfinite(number)) {

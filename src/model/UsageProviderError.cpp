@@ -17,7 +17,8 @@ std::string endedSentence(std::string message) {
     return message;
 }
 
-/// The words of another program, on one line. Of many, the last: the reason comes at the end.
+/// Another program's words on one line. If there are many, the last of them: the reason comes at
+/// the end.
 std::string detailText(const std::string& text) {
     constexpr std::size_t mostCharacters = 300;
     constexpr std::size_t mostBytes = 16 * mostCharacters; // so that not all of it is segmented

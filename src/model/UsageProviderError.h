@@ -78,7 +78,7 @@ public:
     /// The message in the user's language, on one line; the text of `other` as it stands.
     std::string message(const Localization& words) const;
 
-    /// The agent's service refused or could not be reached: to ask again at once is of no use.
+    /// The agent's service refused or could not be reached: asking again at once is useless.
     bool isOfService() const;
 
     /// The case's name, for debuggers and test output.

@@ -137,7 +137,8 @@ std::string windowLabel(const UsageWindow& window, const Localization& words, bo
         const std::string length = minutes       ? lengthLabel(*minutes, words)
                                    : key.empty() ? singleLine(side)
                                                  : words.text(key);
-        // Where room is little, names are cut at their end: what tells the two sides apart stays.
+        // Where space is short, names are cut at their end: what tells the two sides apart must
+        // survive.
         return brief ? length + " · " + name : name + " · " + length;
     }
     if (id.ends_with(modelSuffix)) {

@@ -19,7 +19,7 @@ std::string windowLabel(const UsageWindow& window, const Localization& words, bo
 /// The same for a window of which only the identifier is known.
 std::string windowLabel(std::string_view windowID, const Localization& words, bool brief = false);
 
-/// The plan by the name that people know it by; one that is not known as the agent gave it.
+/// The plan under the name that people know it by; an unknown plan as the agent gave it.
 std::string planText(const AgentUsageSnapshot& snapshot);
 
 std::string healthText(UsageHealth health, const Localization& words);
@@ -31,13 +31,13 @@ std::string forecastText(const Forecast& forecast, const UsageWindow& window, In
                          const Localization& words, bool brief = false);
 /// "Used up · back Wed 8:53 PM", as far as the reset is known.
 std::string usedUpText(const UsageWindow& window, Instant now, const Localization& words);
-/// "Waits for the week": what a window says that `wider` keeps from being used.
+/// "Waits for the week": shown for a window that `wider` keeps from being used.
 std::string waitingText(const UsageWindow& wider, const Localization& words);
 /// "Resets in 1 h 27 min · 4:15 PM", "Reset due at 2:15 PM, not confirmed" once it is past; empty
 /// without a reset time.
 std::string resetText(const UsageWindow& window, Instant now, const Localization& words);
-/// The credit line in the agent's own words, made safe to print on one line. Those are English: the
-/// form that is known ("$3.20 / $20.00 spent") is told in the user's language.
+/// The credit line in the agent's own words, made safe to print on one line. Those words are
+/// English; the one known form ("$3.20 / $20.00 spent") is told in the user's language.
 std::string creditText(const CreditInfo& credit, const Localization& words);
 
 } // namespace vellmark

@@ -22,8 +22,8 @@ struct UsageWindow {
     /// The agent's own name for what the window is about (a model, a further limit), where `id`
     /// alone does not tell it.
     std::optional<std::string> label = std::nullopt;
-    /// When the figures were read, where that was before the snapshot's own time: the agent left
-    /// the window out this time.
+    /// When the figures were read, where that was not at the snapshot's own time: before it when
+    /// the agent left the window out this time, after it when a session has told them since.
     std::optional<Instant> readAt = std::nullopt;
 
     bool operator==(const UsageWindow&) const = default;

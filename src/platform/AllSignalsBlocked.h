@@ -4,8 +4,8 @@
 
 namespace vellmark {
 
-/// Blocks every signal for its thread while it lives; what is born meanwhile, a thread or a child,
-/// begins with them blocked.
+/// Blocks every signal on its thread while it lives. Threads and children created meanwhile start
+/// with all signals blocked.
 class AllSignalsBlocked {
 public:
     AllSignalsBlocked() {

@@ -36,8 +36,8 @@ private:
     std::vector<char*> pointers_;
 };
 
-/// The child between its birth and the program. Made before the birth: other threads may have held
-/// any lock at that moment, so the child may do only what a signal handler may.
+/// The child between fork and exec. Made before the fork: other threads may have held any lock at
+/// that moment, so the child may do only what a signal handler may.
 class Newborn {
 public:
     Newborn(const ChildLaunch& launch, int failure)
@@ -121,7 +121,7 @@ private:
     std::vector<Descriptor> moved_;
 };
 
-/// What the child reports in the place of running its program; 0 when it runs it.
+/// The error that the child reports instead of running its program; 0 when it runs it.
 int reportedFailure(int descriptor) {
     int error = 0;
     ssize_t count = 0;

@@ -28,8 +28,8 @@ struct ChildLaunch {
         begins, ///< right before the program
         failed, ///< the program cannot be run and the child ends
     };
-    /// Called in the child, where a program that is killed at this moment can no longer speak for
-    /// it: may do only what a signal handler may. SIGPIPE is ignored meanwhile.
+    /// Called in the child, because a program that is killed at this moment can no longer report
+    /// it. May do only what a signal handler may. SIGPIPE is ignored meanwhile.
     void (*announce)(Stage) = nullptr;
 };
 

@@ -8,9 +8,9 @@
 
 namespace vellmark {
 
-/// The programs that the user has chosen to be run in place of those that are found, by the
-/// identifier of their agent. Every copy of a Machine has the same ones, so that a choice holds
-/// everywhere at once. Safe to use from any thread.
+/// The programs that the user has chosen to run instead of those that are found, by agent
+/// identifier. All copies of a Machine share them, so that a choice takes effect everywhere at
+/// once. Safe to use from any thread.
 class ChosenExecutables {
 public:
     std::optional<std::filesystem::path> of(const std::string& agent) const {
@@ -19,7 +19,7 @@ public:
         return found == paths_.end() ? std::nullopt : std::optional(found->second);
     }
 
-    /// True when that is another one than before.
+    /// True when the choice has changed.
     bool choose(const std::string& agent, std::optional<std::filesystem::path> path) {
         const std::scoped_lock guard(lock_);
         const auto found = paths_.find(agent);

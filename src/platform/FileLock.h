@@ -34,9 +34,9 @@ private:
     Descriptor descriptor_;
 };
 
-/// A lock that one asks for again and again. It is waited for, but after a wait in vain no more
-/// until it was free once: a stopped process that holds it costs one wait, not one for each write
-/// that is left at the end of the program.
+/// A lock that is taken again and again. Taking it waits; but after one wait in vain, no longer
+/// until the lock has been free once: a stopped process that holds it costs one wait rather than
+/// one for each write that is left at the end of the program.
 class LockFile {
 public:
     explicit LockFile(std::filesystem::path path, FileLock::Seconds patience)

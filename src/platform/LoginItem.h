@@ -19,10 +19,10 @@ public:
     };
 
     virtual ~LoginItem() = default;
-    /// As the system has it now.
+    /// What the system says now.
     virtual State state() const = 0;
-    /// Also where it is so already: the entry is written anew. The system's reason when it refuses;
-    /// empty otherwise.
+    /// Writes the entry anew even if it is as wanted already. Returns the system's reason when it
+    /// refuses, otherwise an empty text.
     virtual std::string setEnabled(bool enabled) = 0;
     /// The program or bundle that is to be started.
     virtual std::filesystem::path program() const = 0;

@@ -28,7 +28,7 @@ struct Machine {
     Environment environment;
     /// Answers whether a credential exists, without reading it.
     std::shared_ptr<const CredentialStore> credentials;
-    /// As the settings have it; null where nobody has asked them.
+    /// The user's choices from the settings; null means none.
     std::shared_ptr<ChosenExecutables> chosenExecutables;
 
     bool isSandbox() const { return !root.empty(); }
@@ -40,6 +40,8 @@ struct Machine {
     std::filesystem::path lastSnapshotsFile() const {
         return supportDirectory() / "last-snapshots.json";
     }
+    /// What sessions of the agents have told; see StatusLineReadings.
+    std::filesystem::path statusLineFile() const { return supportDirectory() / "status-line.json"; }
     std::filesystem::path activityLogFile() const { return supportDirectory() / "activity.log"; }
 
     /// `path` as it is to be opened: "~/…" below home, an absolute one below `root`.

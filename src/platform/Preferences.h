@@ -31,7 +31,7 @@ public:
     virtual void setNumber(std::string_view key, double value) = 0;
     virtual void setString(std::string_view key, std::string value) = 0;
     virtual void setStrings(std::string_view key, std::vector<std::string> value) = 0;
-    /// Takes `member` into the list at its end, or out of it; the other members stay as they are on
+    /// Adds `member` to the list at its end, or removes it; the other members stay as they are on
     /// disk.
     virtual void setMember(std::string_view key, std::string_view member, bool isIn) = 0;
     virtual void remove(std::string_view key) = 0;
@@ -55,8 +55,8 @@ public:
     virtual ~PreferencesWatch() = default;
 };
 
-/// Calls `changed` after any process, this one too, has changed the machine's settings; what has
-/// changed stands in them after `Preferences::reload`. Costs nothing while nobody changes them.
+/// Calls `changed` after any process, including this one, has changed the machine's settings;
+/// `Preferences::reload` then brings the new values in. Costs nothing while nobody changes them.
 /// Null where the system cannot tell.
 std::unique_ptr<PreferencesWatch> watchPreferences(DescriptorWatcher& loop, const Machine& machine,
                                                    std::function<void()> changed);

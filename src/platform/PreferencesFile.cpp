@@ -18,7 +18,7 @@ namespace {
 
 using Document = JSON;
 
-/// Absent when `text` is no JSON object, or one that is not of a preferences file's making.
+/// Absent when `text` is no JSON object, or one that cannot be a preferences file.
 std::optional<Document> objectIn(std::string_view text) {
     try {
         Document document = parsedJSON(text);
@@ -28,13 +28,13 @@ std::optional<Document> objectIn(std::string_view text) {
     }
 }
 
-/// A click waits no longer than that.
+/// A click never waits longer than this.
 constexpr FileLock::Seconds lockPatience{0.2};
 constexpr std::size_t mostBytes = std::size_t{16} << 20;
 
 /// Another process (the terminal front end, the desktop application) may change the file at any
 /// time, so a change is made to what the file holds at that moment, not to what was read at start,
-/// under a lock. Where somebody keeps that to himself, the change waits on disk beside the file.
+/// under a lock. If somebody holds on to the lock, the change waits on disk beside the file.
 class PreferencesFile final : public Preferences {
 public:
     PreferencesFile(fs::path file, std::function<void()> written)
@@ -99,10 +99,10 @@ private:
         change({key, Document(std::move(value))});
     }
 
-    /// A change is an array: the key and its value; the key alone where it goes; the key, a member
-    /// of its list, and whether that is to be in it.
+    /// A change is an array: the key and its value; the key alone to remove it; or the key, a
+    /// member of its list, and whether that is to be in it.
     void change(Document change) {
-        // A whole value makes the earlier ones of its key void.
+        // A whole value overrides the earlier changes of its key.
         if (change.size() < 3) {
             std::erase_if(unsaved_, [&](const Document& earlier) {
                 return earlier.front() == change.front();
@@ -126,8 +126,8 @@ private:
         }
     }
 
-    /// With the changes that wait on disk, which then wait no more. Where those cannot be had now,
-    /// the new ones wait behind them: applied later, the older ones would undo them.
+    /// Includes the changes that wait on disk, which are then done with. If those cannot be read
+    /// now, the new ones queue up behind them: applied later, the older ones would undo the newer.
     std::error_code write() {
         std::error_code error;
         bool isWritten = false;
@@ -145,11 +145,12 @@ private:
                           : waiting_.add(unsavedLines());
     }
 
-    /// Takes over what the file holds, with the changes on top that wait to be written. A file that
-    /// is there and cannot be read is an error: writing would destroy it unseen.
+    /// Takes over what the file holds, with the waiting changes on top. A file that exists but
+    /// cannot be read is an error: writing would destroy it unseen.
     std::error_code read() {
         std::error_code error;
-        // Before the file: whoever takes the lines over writes that first and removes them then.
+        // Before the file: whoever takes the lines over writes the file first and then removes
+        // them.
         const std::string waiting = waiting_.lines();
         const auto contents = readRegularFile(file_, mostBytes, error);
         if (contents) {

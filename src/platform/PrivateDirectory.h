@@ -5,7 +5,7 @@
 
 namespace vellmark {
 
-/// Makes `directory`, and those above it, where they are missing; what it makes is the user's alone
+/// Creates `directory` and any missing directories above it; what it creates is the user's alone
 /// (0700), whatever the umask.
 std::error_code makePrivateDirectory(const std::filesystem::path& directory);
 

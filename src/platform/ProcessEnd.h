@@ -6,9 +6,9 @@
 
 namespace vellmark {
 
-/// The end of one child of this program as an event: a descriptor that is readable, for `poll`,
-/// from the moment when the child has ended (it may be a zombie then, or still become one in the
-/// next instant). Works for a child that has ended already as long as nobody has collected it.
+/// The end of one child of this program as an event: a descriptor for `poll` that becomes readable
+/// when the child ends (which may be a zombie by then, or become one in the next instant). Works
+/// even for a child that has already ended, as long as nobody has collected it.
 class ProcessEnd {
 public:
     /// Throws std::system_error when the system has no descriptors left.

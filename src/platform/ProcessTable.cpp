@@ -32,13 +32,4 @@ std::optional<std::vector<ProcessHandle>> groupMemberHandles(pid_t group) {
     return handles;
 }
 
-std::vector<ProcessHandle> ProcessHandle::directChildren() const {
-    auto handles = directChildHandles(pid());
-    // Looked at only now: if the number is still taken by this process, it was all the while.
-    if (!signal(0)) {
-        handles.clear();
-    }
-    return handles;
-}
-
 } // namespace vellmark

@@ -37,7 +37,7 @@ public:
     /// The same, and absent as well when `pid` is no child of `parent`.
     static std::optional<ProcessHandle> openChild(pid_t pid, pid_t parent);
 
-    /// Of the process that had the number at that moment: a later one began later.
+    /// The process that had the number at that moment: any other with that number began later.
     static std::optional<ProcessHandle> openBegunBy(pid_t pid, ProcessTime time);
 
     ProcessHandle(ProcessHandle&&) noexcept;
@@ -51,9 +51,6 @@ public:
     bool signal(int number) const;
     /// False for a zombie.
     bool isInGroup(pid_t group) const;
-    /// Handles of its direct children, without zombies; never those of a later process with its
-    /// number.
-    std::vector<ProcessHandle> directChildren() const;
 
 private:
     struct Identity;
@@ -61,13 +58,13 @@ private:
     std::unique_ptr<Identity> identity_;
 };
 
-/// Handles of the direct children of `parent`, without zombies. For who knows that the number is
-/// taken: a child of this program that has not been collected.
+/// Handles of the direct children of `parent`, without zombies. Only for callers that know the
+/// number to be taken: by a child of this program that has not been collected.
 std::vector<ProcessHandle> directChildHandles(pid_t parent);
 
-/// Handles of the members of a group, without zombies; absent when the table cannot be read. For
-/// who knows, or finds out afterwards, that the number was taken by the group meant: by a leader
-/// that has not been collected or by a living member.
+/// Handles of the members of a group, without zombies; absent when the table cannot be read. Only
+/// for callers that know, or find out afterwards, that the number belonged to the group they mean:
+/// through a leader that has not been collected, or a living member.
 std::optional<std::vector<ProcessHandle>> groupMemberHandles(pid_t group);
 
 } // namespace vellmark

@@ -2,11 +2,11 @@
 
 namespace vellmark {
 
-/// A thread had to be left behind in something that does not end.
+/// Notes that a thread had to be left behind in something that does not end.
 void noteThreadLeftBehind();
 
-/// Ends the program like exit(), but, when a thread was left behind, without destroying what that
-/// may still be using.
+/// Ends the program like exit(); but if a thread was left behind, without destroying anything that
+/// it may still be using.
 [[noreturn]] void endProgram(int status);
 
 } // namespace vellmark

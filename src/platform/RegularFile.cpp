@@ -29,7 +29,7 @@ std::error_code notRegularFile() {
 Descriptor openRegularFile(const fs::path& file, int flags, std::error_code& error) {
     error.clear();
     const bool writes = (flags & O_ACCMODE) != O_RDONLY;
-    // Without blocking also a pipe opens at once, and can be looked at then.
+    // Without blocking, even a pipe opens at once and can then be examined.
     Descriptor opened(::open(file.c_str(),
                              flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | (writes ? O_NOFOLLOW : 0),
                              S_IRUSR | S_IWUSR));

@@ -20,16 +20,16 @@ namespace vellmark {
 Descriptor openRegularFile(const std::filesystem::path& file, int flags, std::error_code& error);
 
 /// The contents, at most the first `limit` bytes, of a file that another program may have made;
-/// absent, with `error`, when there is none or it cannot be read. As `openRegularFile`, but what is
-/// no regular file is not even opened, which can do something to a device.
+/// absent, with `error`, when there is none or it cannot be read. Unlike with `openRegularFile`,
+/// anything but a regular file is not even opened, since opening a device can have effects.
 std::optional<std::string> readRegularFile(const std::filesystem::path& file,
                                            std::error_code& error, std::size_t limit);
 
 /// Something is in the way of a file: a pipe, a device, a directory, a link.
 std::error_code notRegularFile();
 
-/// What stands in the way of `file` or of one of those beside it that belong to it (its lock, for
-/// instance: the name up to the first dot is the same); `file` itself where nothing does.
+/// What is in the way of `file`, or of a file beside it that belongs to it (such as its lock: the
+/// name up to the first dot is the same); `file` itself when nothing is.
 std::filesystem::path fileInTheWay(const std::filesystem::path& file);
 
 } // namespace vellmark

@@ -82,8 +82,10 @@ void ReplacementFile::open(Name name, Mode mode) {
     }
     if (!descriptor_.isOpen()) {
         error_ = lastSystemError();
-    } else if (exists && mode == Mode::kept) {
+    } else if (exists && mode != Mode::ownerAlone) {
         ::fchmod(descriptor_.get(), present.st_mode & 0777);
+    } else if (mode == Mode::readableByAll) {
+        ::fchmod(descriptor_.get(), 0644);
     }
 }
 
@@ -112,15 +114,18 @@ void ReplacementFile::writeOut() {
     buffer_.clear();
 }
 
-std::error_code ReplacementFile::commit() {
+std::error_code ReplacementFile::commit(Durability durability) {
     writeOut();
-    if (!error_ &&
-        (::fsync(descriptor_.get()) != 0 || ::rename(temporary_.c_str(), target_.c_str()) != 0)) {
+    const bool syncs = durability == Durability::synced;
+    if (!error_ && ((syncs && ::fsync(descriptor_.get()) != 0) ||
+                    ::rename(temporary_.c_str(), target_.c_str()) != 0)) {
         error_ = lastSystemError();
     }
     if (!error_) {
         descriptor_.reset();
-        syncDirectory(target_.parent_path());
+        if (syncs) {
+            syncDirectory(target_.parent_path());
+        }
     }
     return error_;
 }

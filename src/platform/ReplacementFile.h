@@ -28,8 +28,17 @@ public:
         followed, ///< it stays, and what it leads to is replaced or made
         refused,
     };
+    /// What a power loss may cost.
+    enum class Durability {
+        synced,
+        sometime, ///< the file too; for what is soon told again by somebody who must not wait
+    };
     /// The mode where there is a target already.
-    enum class Mode { kept, ownerAlone };
+    enum class Mode {
+        kept,
+        ownerAlone,
+        readableByAll, ///< kept too, but 0644 where there is none
+    };
 
     ReplacementFile(const std::filesystem::path& target, Name name, Links links,
                     Mode mode = Mode::kept);
@@ -40,7 +49,7 @@ public:
 
     void write(std::string_view bytes);
     /// Syncs and renames. Tells the first error since the beginning, if there was one.
-    std::error_code commit();
+    std::error_code commit(Durability durability = Durability::synced);
 
 private:
     void open(Name name, Mode mode);

@@ -2,8 +2,8 @@
 
 namespace vellmark {
 
-/// Makes this process go on as without a session bus unless there is one that answers within 2 s:
-/// the libraries that it uses would wait for a stopped one without end.
+/// Makes this process behave as if there were no session bus, unless one answers within 2 s: the
+/// libraries that it uses would wait for a stopped one without end.
 ///
 /// Changes the environment of the process, so: call at the start of `main`, before other threads
 /// run. Does nothing where the system has no such bus.

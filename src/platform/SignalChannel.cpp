@@ -51,7 +51,7 @@ SignalChannel::~SignalChannel() {
 
 void SignalChannel::add(int signal) {
     if (signal == SIGCONT) {
-        handle(signal); // that it is ignored has never kept a program stopped
+        handle(signal); // a program is continued even if it ignores this
     } else {
         handleUnlessIgnored(signal);
     }

@@ -37,7 +37,7 @@ private:
     std::vector<std::pair<int, struct sigaction>> savedActions_;
 };
 
-/// A reader that goes away then shows as an error of the write alone. For the start of a program.
+/// Makes a write to a reader that has gone away a mere error. Call when the program starts.
 void ignoreBrokenPipes();
 
 } // namespace vellmark

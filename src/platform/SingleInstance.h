@@ -22,7 +22,7 @@ struct SingleInstanceRequest {
     std::filesystem::path directory;
     /// Called on the main thread when a later launch asks this instance to show itself.
     std::function<void()> onShow;
-    /// Called likewise when it is asked for its popover; `onShow` stands in for it.
+    /// The same when it is asked for its popover; without it, `onShow` is called.
     std::function<void()> onShowPopover = {};
     /// What this launch asks of another instance: its popover instead of its window. The system has
     /// a way of its own to the status item where it shows a menu bar; there it is the window.

@@ -14,7 +14,7 @@ enum class ColorScheme { noPreference, light, dark };
 class SystemAppearance {
 public:
     virtual ~SystemAppearance() = default;
-    /// `noPreference` also while the answer is not there yet.
+    /// `noPreference` also until the answer has arrived.
     virtual ColorScheme colorScheme() const = 0;
     /// The user has asked the system for less motion.
     virtual bool reducesMotion() const = 0;

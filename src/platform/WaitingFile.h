@@ -8,11 +8,11 @@
 
 namespace vellmark {
 
-/// What is to go into a file that cannot be written now, kept on disk so that the end of the
-/// program loses none of it: whole lines in "x.waiting" beside "x.json".
+/// What is to go into a file that cannot be written now, kept on disk so that nothing is lost when
+/// the program ends: whole lines in "x.waiting" beside "x.json".
 ///
-/// Every process adds to the same one. Whoever can write the file next takes the lines over. It has
-/// a lock of its own, held for the moment of a write, and at most 4 MB.
+/// All processes add to the same file. Whoever can write the real one next takes the lines over. It
+/// has a lock of its own, held only while writing, and at most 4 MB.
 class WaitingFile {
 public:
     static constexpr std::size_t mostBytes = std::size_t{4} << 20;
@@ -23,9 +23,9 @@ public:
     std::error_code add(std::string_view lines) const;
     /// The lines that wait; empty when there are none.
     std::string lines() const;
-    /// Hands the lines to `take`, and removes them when that answers that they are safe elsewhere.
-    /// Does nothing where none wait, or where somebody is just adding to them. For whoever holds
-    /// the lock of the file that they are for. False when somebody is just adding to them.
+    /// Passes the lines to `take`, and removes them if it returns that they are safe elsewhere.
+    /// Does nothing when none wait. Call it while holding the lock of the file that they are for.
+    /// False when somebody is adding to them right now, and nothing was done.
     bool takeOver(const std::function<bool(std::string_view lines)>& take) const;
 
 private:

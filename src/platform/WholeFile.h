@@ -15,7 +15,7 @@ namespace vellmark {
 std::optional<std::string> readWholeFile(const std::filesystem::path& file, std::error_code& error,
                                          std::size_t limit = std::string::npos);
 
-/// The same of an open descriptor, from where it stands.
+/// The same for an open descriptor, from its current position.
 std::optional<std::string> readToEnd(int descriptor, std::error_code& error,
                                      std::size_t limit = std::string::npos);
 

@@ -94,8 +94,7 @@ public:
 
     const std::vector<ActivityRow>& rows() const { return rows_; }
     ActivityRowContent content(const ActivityRow& row, Instant now) const;
-    /// Entries that the filter lets through, and all there are.
-    std::size_t matching() const { return matching_; }
+    /// All entries, also those that the filter hides.
     std::size_t total() const { return kinds_.size(); }
     /// "1,284 entries", "12 of 1,284 entries".
     std::string countText() const;

@@ -31,11 +31,14 @@ std::string_view buttonKey(WayOut wayOut) {
 }
 
 /// `restsUntil`: when the agent is asked again by itself, where that is later than usual.
-FailureContent failureContent(const UsageProviderError& error, std::optional<Instant> restsUntil,
-                              Instant now, const Localization& words) {
+FailureContent failureContent(const AgentProviderID& agent, const UsageProviderError& error,
+                              std::optional<Instant> restsUntil, Instant now,
+                              const Localization& words) {
     const WayOut way = wayOutOf(error);
-    FailureContent failure{
-        .reason = error.message(words), .wayOut = way, .buttonTitle = words.text(buttonKey(way))};
+    FailureContent failure{.agent = agent,
+                           .reason = error.message(words),
+                           .wayOut = way,
+                           .buttonTitle = words.text(buttonKey(way))};
     if (restsUntil && *restsUntil > now) {
         if (!failure.reason.ends_with('.')) {
             failure.reason += ".";
@@ -223,6 +226,8 @@ std::vector<std::string> notesOf(const AgentUsageSnapshot& snapshot, const Local
             notes.push_back(words.format("log.agent.ageNotTold", {singleLine(untold->version)}));
         } else if (const auto* said = std::get_if<SnapshotNote::AgentSays>(&note.value)) {
             notes.push_back(words.format("log.agent.says", {singleLine(said->text)}));
+        } else if (std::holds_alternative<SnapshotNote::StatusLine>(note.value)) {
+            notes.push_back(words.text("statusLine.note"));
         }
     }
     if (snapshot.isIncomplete && !saysWhatIsMissing) {
@@ -289,8 +294,8 @@ AgentBlockContent agentBlockContent(const AgentUsageSnapshot& snapshot, const Us
     }
     block.notes = notesOf(snapshot, words);
     if (snapshot.error) {
-        block.failure =
-            failureContent(*snapshot.error, state.restsUntilOf(snapshot.id), now, words);
+        block.failure = failureContent(snapshot.id, *snapshot.error,
+                                       state.restsUntilOf(snapshot.id), now, words);
     }
     if (block.state == AgentBlockContent::State::live ||
         block.state == AgentBlockContent::State::stale) {

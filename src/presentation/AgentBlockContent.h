@@ -16,6 +16,7 @@ enum class WayOut { none, readAgain, logIn, install, openSettings };
 
 /// Why an agent could not be read, and the way out of it.
 struct FailureContent {
+    AgentProviderID agent;
     std::string reason;
     WayOut wayOut = WayOut::none;
     /// The button's words; empty for `none`.

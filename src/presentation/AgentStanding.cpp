@@ -23,10 +23,10 @@ const UsageWindow* holderOf(const UsageWindow& window, const AgentUsageSnapshot&
 }
 
 WindowStanding windowStanding(const UsageWindow& window, const AgentUsageSnapshot& snapshot,
-                              const UsageState& state, bool isSnapshotOld, Instant now) {
+                              const UsageState& state, Instant now) {
     using Kind = WindowStanding::Kind;
     WindowStanding standing{.readAt = readingTimeOf(state, snapshot, window),
-                            .isOld = isSnapshotOld || window.readAt};
+                            .isOld = isOldReading(state, snapshot, window, now)};
     standing.judgedAt = standing.isOld ? std::min(standing.readAt, now) : now;
     standing.health = health(window, standing.judgedAt);
     if (isDue(window, now)) {
@@ -72,7 +72,7 @@ AgentStanding standingOf(const AgentUsageSnapshot& snapshot, const UsageState& s
         standing.health = UsageHealth::healthy;
     }
     for (const UsageWindow& window : snapshot.windows) {
-        standing.windows.push_back(windowStanding(window, snapshot, state, standing.isOld, now));
+        standing.windows.push_back(windowStanding(window, snapshot, state, now));
         standing.health = worse(standing.health, standing.windows.back().health);
     }
     if (isUsedUp(snapshot)) {
@@ -81,7 +81,8 @@ AgentStanding standingOf(const AgentUsageSnapshot& snapshot, const UsageState& s
     return standing;
 }
 
-std::optional<PressingWindow> mostPressingWindow(const UsageState& state, Instant now) {
+std::optional<PressingWindow> mostPressingWindow(const UsageState& state, Instant now,
+                                                 const WindowChoice& accepts) {
     std::optional<PressingWindow> most;
     for (const AgentUsageSnapshot& snapshot : state.snapshots) {
         const AgentStanding agent = standingOf(snapshot, state, now);
@@ -89,6 +90,7 @@ std::optional<PressingWindow> mostPressingWindow(const UsageState& state, Instan
             const PressingWindow candidate{&snapshot, &snapshot.windows[index],
                                            agent.windows[index]};
             if (candidate.standing.health != UsageHealth::unavailable &&
+                (!accepts || accepts(snapshot, *candidate.window)) &&
                 (!most || urgency(candidate) > urgency(*most))) {
                 most = candidate;
             }

@@ -4,6 +4,7 @@
 #include "store/UsageState.h"
 #include "text/Localization.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -54,7 +55,10 @@ struct PressingWindow {
     const UsageWindow* window = nullptr;
     WindowStanding standing;
 };
-std::optional<PressingWindow> mostPressingWindow(const UsageState& state, Instant now);
+/// The same of those windows alone that are accepted; of all without a function.
+using WindowChoice = std::function<bool(const AgentUsageSnapshot&, const UsageWindow&)>;
+std::optional<PressingWindow> mostPressingWindow(const UsageState& state, Instant now,
+                                                 const WindowChoice& accepts = {});
 
 /// "34 min old", or "At most 60 min old" for figures that the agent's CLI had kept.
 std::string ageText(const AgentUsageSnapshot& snapshot, Instant readAt, Instant now,

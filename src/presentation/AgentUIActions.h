@@ -15,6 +15,8 @@ struct AgentUIActions {
     std::function<void()> openSettings;
     std::function<void()> showAbout;
     std::function<void()> startSetup;
+    /// The same, on what is left to install or to log in to for one agent.
+    std::function<void(const AgentProviderID&)> setUpAgent;
     std::function<void(LegalDocument)> showLegal;
     std::function<void()> showSupportReport;
     std::function<void()> quit;

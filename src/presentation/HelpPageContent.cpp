@@ -171,7 +171,7 @@ std::vector<HelpGroup> support(const Localization& words) {
         result.buttons = std::move(buttons);
         return result;
     };
-    HelpEntry report = topic("report", {});
+    HelpEntry report = topic("report", {{words.text("menu.help.report"), HelpLink::supportReport}});
     report.commands = {"vellmark report -o vellmark-report.txt"};
     HelpGroup group;
     group.entries = {

@@ -26,7 +26,7 @@ using HelpMark =
     std::variant<std::monostate, StatusColorRole, UsageBarContent, MenuBarGlyph, HelpIcon>;
 
 /// Where a help entry may lead.
-enum class HelpLink { none, supportPage, terms, privacy };
+enum class HelpLink { none, supportReport, supportPage, terms, privacy };
 
 struct HelpButton {
     std::string title;

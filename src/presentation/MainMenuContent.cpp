@@ -35,17 +35,6 @@ std::vector<MenuContent> mainMenuContent(const Localization& words) {
     };
 }
 
-std::vector<MenuItemContent> statusItemMenuContent(const Localization& words) {
-    return {
-        {words.text("menu.statusItem.open"), menuAction::openWindow},
-        {words.text("menu.statusItem.refresh"), menuAction::refresh},
-        {},
-        {words.text("menu.settings"), menuAction::showSettings},
-        {},
-        {words.text("menu.quit"), menuAction::terminate},
-    };
-}
-
 bool isMenuItemEnabled(std::string_view action, bool isMainWindowVisible,
                        const AgentPage& shownPage) {
     if (action == menuAction::saveActivity) {

@@ -54,9 +54,6 @@ struct MenuContent {
 /// The main menu, left to right.
 std::vector<MenuContent> mainMenuContent(const Localization& words);
 
-/// The menu of the status item where the desktop shows one (right click).
-std::vector<MenuItemContent> statusItemMenuContent(const Localization& words);
-
 /// Whether a menu item may be chosen now.
 bool isMenuItemEnabled(std::string_view action, bool isMainWindowVisible,
                        const AgentPage& shownPage);

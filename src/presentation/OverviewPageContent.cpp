@@ -93,14 +93,11 @@ std::string spokenVerdict(const VerdictContent& verdict, const Localization& wor
 } // namespace
 
 OverviewPageContent overviewPageContent(const UsageState& state, Instant now,
-                                        const Localization& words, bool asksForSetup) {
+                                        const Localization& words) {
     OverviewPageContent content;
     content.head = refreshablePageHead({"nav.overview", "overview.subtitle"}, state, words);
     content.verdict = verdict(state, now, words);
     content.verdict.accessibilityText = spokenVerdict(content.verdict, words);
-    if (asksForSetup) {
-        content.setupHint = words.text("overview.firstRun");
-    }
     for (const AgentUsageSnapshot& snapshot : state.snapshots) {
         content.cards.push_back(
             agentBlockContent(snapshot, state, now, words, "overview.loadingQuotas"));

@@ -26,16 +26,13 @@ struct VerdictContent {
 struct OverviewPageContent {
     PageHeadContent head;
     VerdictContent verdict;
-    /// That something is left to install or to log in to; empty when nothing is.
-    std::string setupHint;
     std::vector<AgentBlockContent> cards;
     std::optional<NoAgentsContent> noAgents;
 
     bool operator==(const OverviewPageContent&) const = default;
 };
 
-/// `asksForSetup` adds the hint about what is left to set up.
 OverviewPageContent overviewPageContent(const UsageState& state, Instant now,
-                                        const Localization& words, bool asksForSetup = false);
+                                        const Localization& words);
 
 } // namespace vellmark

@@ -367,11 +367,40 @@ SettingsSectionContent dataSection(const SettingsPageState& state, const Localiz
     return section;
 }
 
+SettingRowContent statusLineRow(const SettingsPageState::StatusLine& line,
+                                const Localization& words) {
+    return buttonRow(
+        settingsRow::statusLine, "settings.statusLine",
+        {words.text(line.isThere ? "settings.statusLine.remove" : "settings.statusLine.add"), "",
+         ""},
+        words.text(line.isThere ? "settings.statusLine.isThere" : "settings.statusLine.hint"),
+        words);
+}
+
 QuestionContent question(const std::string& key, const Localization& words) {
     return {.title = words.text(key + ".title"),
             .text = words.text(key + ".text"),
             .deed = words.text(key + ".deed"),
             .cancel = words.text("settings.cancel")};
+}
+
+/// With the lines that go and come.
+QuestionContent statusLineQuestion(const SettingsPageState::StatusLine& line,
+                                   const Localization& words) {
+    const std::string key =
+        line.isThere ? "settings.statusLine.remove.question" : "settings.statusLine.add.question";
+    QuestionContent content{.title = words.text(key + ".title"),
+                            .text = words.format("settings.statusLine.question.text", {line.file}),
+                            .deed = words.text(key + ".deed"),
+                            .cancel = words.text("settings.cancel")};
+    content.text += "\n";
+    for (const ChangedLine& each : line.change) {
+        if (each.kind != ChangedLine::Kind::same) {
+            content.text += (each.kind == ChangedLine::Kind::added ? "\n+ " : "\n– ") +
+                            std::string(trimmed(singleLine(each.text)));
+        }
+    }
+    return content;
 }
 
 } // namespace
@@ -403,6 +432,10 @@ SettingsPageContent settingsPageContent(const SettingsPageState& state, const Ma
     addRows(general, generalKeys, state, words);
     SettingsSectionContent statusItem{.heading = words.text("settings.section.statusItem")};
     addRows(statusItem, statusItemKeys, state, words);
+    if (state.statusLine) {
+        statusItem.rows.push_back(statusLineRow(*state.statusLine, words));
+        content.statusLineQuestion = statusLineQuestion(*state.statusLine, words);
+    }
     content.firstSections = {std::move(general), std::move(statusItem),
                              noticeSection(state, words)};
     content.programsHeading = words.text("settings.section.programs");

@@ -6,6 +6,7 @@
 #include "presentation/PageHeadContent.h"
 #include "presentation/SettingsCatalog.h"
 #include "probes/AgentFacts.h"
+#include "setup/ClaudeStatusLine.h"
 
 #include <cstdint>
 #include <functional>
@@ -22,6 +23,7 @@ namespace vellmark {
 namespace settingsRow {
 inline constexpr std::string_view dataFolder = "data-folder";
 inline constexpr std::string_view history = "history";
+inline constexpr std::string_view statusLine = "status-line";
 inline constexpr std::string_view reset = "reset";
 } // namespace settingsRow
 
@@ -136,6 +138,15 @@ struct SettingsPageState {
     std::optional<std::uintmax_t> dataSize;
     /// There are samples to delete.
     bool hasHistory = true;
+    /// What would put Vellmark into Claude Code's status line, or take it out.
+    struct StatusLine {
+        bool isThere = false;
+        /// As the user writes it.
+        std::string file;
+        std::vector<ChangedLine> change;
+    };
+    /// Absent where Claude Code has never been used, or has settings that are not understood.
+    std::optional<StatusLine> statusLine;
     /// Why the last change was refused or is not on disk, in words; empty when it holds.
     std::string trouble;
 };
@@ -161,6 +172,7 @@ struct SettingsPageContent {
     std::vector<SettingsSectionContent> lastSections;
     QuestionContent deleteQuestion;
     QuestionContent resetQuestion;
+    QuestionContent statusLineQuestion;
 
     bool operator==(const SettingsPageContent&) const = default;
 };

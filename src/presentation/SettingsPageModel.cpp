@@ -3,6 +3,7 @@
 #include "store/AppSettings.h"
 #include "text/SystemErrorText.h"
 
+#include <exception>
 #include <system_error>
 #include <utility>
 
@@ -51,6 +52,11 @@ SettingsPageState SettingsPageModel::state() const {
     state.dataFolder = sources_.machine.abbreviated(sources_.machine.supportDirectory());
     state.dataSize = dataSize_;
     state.hasHistory = sources_.hasHistory();
+    if (statusLine_) {
+        state.statusLine = {.isThere = hasStatusLine_,
+                            .file = sources_.machine.abbreviated(statusLine_->file),
+                            .change = changedLines(statusLine_->before, statusLine_->after)};
+    }
     state.trouble = trouble_;
     return state;
 }
@@ -82,6 +88,7 @@ SettingsPageActions SettingsPageModel::actions() {
 /// The folder holds a handful of files: they are measured sooner than a thread begins.
 void SettingsPageModel::look(bool anew) {
     dataSize_ = sizeOf(sources_.machine.supportDirectory());
+    lookAtStatusLine();
     sources_.lookForNoticeService();
     for (const AgentProviderID& id : agents_.order()) {
         sources_.ask(id, anew);
@@ -109,6 +116,8 @@ void SettingsPageModel::press(const std::string& name) {
         sources_.showFolder(sources_.machine.supportDirectory());
     } else if (name == settingsRow::history) {
         deleteHistory();
+    } else if (name == settingsRow::statusLine) {
+        changeStatusLine();
     } else if (name == settingsRow::reset) {
         catalog_.resetAll();
         finish();
@@ -131,6 +140,45 @@ void SettingsPageModel::deleteHistory() {
                          : std::string();
         look(false);
     });
+}
+
+/// Claude Code's settings are there once it has been used.
+void SettingsPageModel::lookAtStatusLine() {
+    using Wish = ClaudeSettingsChange::Wish;
+    const std::filesystem::path& program = sources_.terminalProgram;
+    const std::filesystem::path settings = claudeSettingsFile(sources_.machine);
+    std::error_code ignored;
+    statusLine_.reset();
+    if (!std::filesystem::exists(program, ignored) ||
+        !std::filesystem::exists(settings.parent_path(), ignored)) {
+        return;
+    }
+    try {
+        statusLine_ = ClaudeSettingsChange::of(sources_.machine, Wish::remove, program);
+        hasStatusLine_ = statusLine_.has_value();
+        if (!hasStatusLine_) {
+            statusLine_ = ClaudeSettingsChange::of(sources_.machine, Wish::install, program);
+        }
+    } catch (const std::exception&) {
+        // What is not understood is left alone, and nothing is offered.
+    }
+}
+
+void SettingsPageModel::changeStatusLine() {
+    if (!statusLine_) {
+        return;
+    }
+    const Localization& words = sources_.words();
+    const std::string file = sources_.machine.abbreviated(statusLine_->file);
+    const auto outcome = statusLine_->make();
+    trouble_.clear();
+    if (outcome.hasChangedMeanwhile) {
+        trouble_ = words.format("cli.statusline.changedMeanwhile", {file});
+    } else if (outcome.error) {
+        trouble_ = words.format("cli.statusline.unwritable",
+                                {file, systemErrorText(outcome.error, words)});
+    }
+    look(false);
 }
 
 void SettingsPageModel::finish(const std::optional<SettingRefusal>& refusal) {

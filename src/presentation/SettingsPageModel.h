@@ -40,6 +40,8 @@ public:
         std::function<void()> lookForNoticeService;
         /// Leads to where notices are allowed, or looks again who shows them.
         std::function<void()> allowNotices;
+        /// `vellmark`, for Claude Code to run; without it no status line is offered.
+        std::filesystem::path terminalProgram = {};
     };
     explicit SettingsPageModel(Sources sources);
     SettingsPageModel(const SettingsPageModel&) = delete;
@@ -56,6 +58,8 @@ private:
     void chooseProgram(const AgentProviderID& id, const std::string& path);
     void press(const std::string& name);
     void deleteHistory();
+    void lookAtStatusLine();
+    void changeStatusLine();
     /// Takes the last change over, tells why it does not hold, if it does not, and shows what does.
     void finish(const std::optional<SettingRefusal>& refusal = std::nullopt);
 
@@ -64,6 +68,9 @@ private:
     AgentSettings agents_;
     std::string trouble_;
     std::optional<std::uintmax_t> dataSize_;
+    /// What the user was shown of Claude Code's settings; absent when there is nothing to change.
+    std::optional<ClaudeSettingsChange> statusLine_;
+    bool hasStatusLine_ = false;
     /// Goes away with the model, so that an answer that comes later is dropped.
     std::shared_ptr<int> isAlive_ = std::make_shared<int>();
 };

@@ -51,7 +51,7 @@ std::string resetLine(const UsageWindow& window, const WindowStanding& standing,
     std::string line = standing.kind == Kind::held ? waitingText(*standing.holder, words)
                        : window.resetsAt           ? resetText(window, now, words)
                                                    : words.text("popover.reset.unknown");
-    if (!window.readAt || *window.readAt >= now) {
+    if (!window.readAt || !standing.isOld || *window.readAt >= now) {
         return line;
     }
     // Beside the age there is no room for a span.

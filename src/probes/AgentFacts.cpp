@@ -11,7 +11,7 @@ namespace {
 using Version = std::optional<std::string>;
 using Login = std::optional<bool>;
 
-/// Where no thread is to be had, a check runs on the caller's when it is asked for its result.
+/// If no thread can be started, a check runs on the caller's thread when its result is asked for.
 constexpr auto checkPolicy = std::launch::async | std::launch::deferred;
 
 /// The checks of one agent while they run.
@@ -47,7 +47,7 @@ std::optional<bool> agentIsLoggedIn(const Machine& machine, const ProviderDescri
     try {
         return agent.setup->isLoggedIn(machine, tool);
     } catch (const std::exception&) {
-        return std::nullopt; // one agent's check does not cost the answers of all others
+        return std::nullopt; // one agent's failed check must not cost all other answers
     }
 }
 

@@ -12,7 +12,7 @@ namespace vellmark {
 struct ReadingPace {
     /// At least this long between two automatic readings; zero leaves it to the refreshes.
     Seconds interval{0};
-    /// False: an automatic reading would cost the user something and is not to be made.
+    /// False: an automatic reading would cost the user something and must not be made.
     bool automatic = true;
     bool operator==(const ReadingPace&) const = default;
 };
@@ -39,7 +39,7 @@ public:
     virtual AgentUsageSnapshot fetch() = 0;
     /// A fetch that the user has not asked for: as `fetch`, but it may refuse to spend quota.
     virtual AgentUsageSnapshot fetchAutomatically() { return fetch(); }
-    /// By what is known of the agent so far. Called on the main thread; must not wait.
+    /// Judged by what is known of the agent so far. Called on the main thread; must not wait.
     virtual ReadingPace pace() const { return {}; }
 };
 

@@ -23,7 +23,7 @@ constexpr const char* simulatorName = "vellmark-simulator";
 constexpr const char* lockName = "lock";
 constexpr int lockFlags = O_RDWR | O_CLOEXEC | O_NOFOLLOW;
 
-/// Held before it has its name, so that another program that is tidying up never finds it free.
+/// Locked before it gets its name, so that another program that is tidying up never finds it free.
 Descriptor makeLock(const fs::path& directory) {
     const fs::path unnamed = directory / "lock.new";
     Descriptor lock(open(unnamed.c_str(), lockFlags | O_CREAT | O_EXCL, 0600));
@@ -32,8 +32,8 @@ Descriptor makeLock(const fs::path& directory) {
     return lock;
 }
 
-/// Removes a sandbox, its lock last: where a child of a killed program still writes meanwhile, the
-/// directory stays with its lock, and the next sweep finds it.
+/// Removes a sandbox, its lock last: if a child of a killed program is still writing there, the
+/// directory stays, lock and all, and the next sweep finds it.
 void removeSandbox(const fs::path& directory) {
     const auto isLock = [](const fs::path& path) { return path.filename() == lockName; };
     std::error_code error;
@@ -50,7 +50,7 @@ void removeSandbox(const fs::path& directory) {
     fs::remove_all(directory, error);
 }
 
-/// No link to elsewhere, and nobody else's.
+/// Not a link to somewhere else, and not somebody else's.
 bool isOwnDirectory(const fs::path& path) {
     struct stat status = {};
     return lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&

@@ -6,9 +6,9 @@
 
 namespace vellmark {
 
-/// Why `program` could not be started, for UsageProviderError::launchFailed. The system says that a
-/// script is missing when the interpreter is that its first line names; then the interpreter stands
-/// before the reason.
+/// Why `program` could not be started, for UsageProviderError::launchFailed. When the interpreter
+/// named in a script's first line is missing, the system says that the script is; then the
+/// interpreter is put before the reason.
 std::string launchFailureReason(std::error_code error, const std::filesystem::path& program);
 
 } // namespace vellmark

@@ -1,5 +1,6 @@
 #include "probes/ProviderRegistry.h"
 
+#include "platform/SystemDirectories.h"
 #include "probes/ExecutableLocator.h"
 #include "probes/antigravity/AntigravityLoginCheck.h"
 #include "probes/antigravity/AntigravityReading.h"
@@ -63,6 +64,12 @@ CLISetupInfo antigravityCLI() {
 
 // The fallback letters are the initials of the vendors, not of the agents.
 
+/// The directory that a variable names, else the usual one.
+std::filesystem::path directoryOf(const Machine& machine, const char* variable, const char* usual) {
+    const auto named = absolutePathVariable(machine.environment, variable);
+    return named.empty() ? machine.resolved(usual) : named;
+}
+
 ProviderDescriptor codexDescriptor() {
     return {
         .id = AgentProviderID::codex(),
@@ -81,14 +88,16 @@ ProviderDescriptor codexDescriptor() {
         .windowKinds = {WindowKind::session, WindowKind::week},
         .executableLocator = locateCodex,
         .cliHintKey = "settings.cli.codexHint",
-        .setup =
-            ProviderSetup{
-                .info = codexCLI(),
-                .missingHintKey = "setup.codex.chatgptHint",
-                .isLoggedIn = [](const Machine& machine,
-                                 const auto& path) { return codexIsLoggedIn(machine, path); },
-                .loginHintKey = {},
+        .setup = ProviderSetup{
+            .info = codexCLI(),
+            .missingHintKey = "setup.codex.chatgptHint",
+            .isLoggedIn = [](const Machine& machine,
+                             const auto& path) { return codexIsLoggedIn(machine, path); },
+            .loginHintKey = {},
+            .loginTraces = [](const Machine& machine) -> std::vector<std::filesystem::path> {
+                return {directoryOf(machine, "CODEX_HOME", "~/.codex") / "auth.json"};
             },
+        },
         .showsSourceAsSubtitle = true,
         .readingWays = {},
         .remembersWindow = {},
@@ -111,16 +120,20 @@ ProviderDescriptor claudeDescriptor() {
         .windowKinds = {WindowKind::session, WindowKind::week, WindowKind::model},
         .executableLocator = locateClaude,
         .cliHintKey = "settings.cli.claudeHint",
-        .setup =
-            ProviderSetup{
-                .info = claudeCLI(),
-                .missingHintKey = {},
-                .isLoggedIn =
-                    [](const Machine& machine, const std::filesystem::path& executable) {
-                        return claudeLogin(machine, executable).isLoggedIn;
-                    },
-                .loginHintKey = {},
+        .setup = ProviderSetup{
+            .info = claudeCLI(),
+            .missingHintKey = {},
+            .isLoggedIn =
+                [](const Machine& machine, const std::filesystem::path& executable) {
+                    return claudeLogin(machine, executable).isLoggedIn;
+                },
+            .loginHintKey = {},
+            .loginTraces = [](const Machine& machine) -> std::vector<std::filesystem::path> {
+                return {directoryOf(machine, "CLAUDE_CONFIG_DIR", "~/.claude") /
+                            ".credentials.json",
+                        machine.resolved("~/.claude.json")};
             },
+        },
         .showsSourceAsSubtitle = true,
         .readingWays = {claudeQueryWay, claudeSessionWay},
         .remembersWindow = claudeRemembersWindow,
@@ -144,14 +157,17 @@ ProviderDescriptor antigravityDescriptor() {
         .windowKinds = {WindowKind::model, WindowKind::session, WindowKind::week, WindowKind::day},
         .executableLocator = locateAntigravity,
         .cliHintKey = "settings.cli.antigravityHint",
-        .setup =
-            ProviderSetup{
-                .info = antigravityCLI(),
-                .missingHintKey = {},
-                .isLoggedIn = [](const Machine& machine,
-                                 const auto&) { return antigravityIsLoggedIn(machine); },
-                .loginHintKey = "setup.antigravity.exitHint",
+        .setup = ProviderSetup{
+            .info = antigravityCLI(),
+            .missingHintKey = {},
+            .isLoggedIn = [](const Machine& machine,
+                             const auto&) { return antigravityIsLoggedIn(machine); },
+            .loginHintKey = "setup.antigravity.exitHint",
+            .loginTraces = [](const Machine& machine) -> std::vector<std::filesystem::path> {
+                return {machine.resolved("~/.gemini/antigravity-cli/antigravity-oauth-token"),
+                        machine.resolved("~/.gemini/oauth_creds.json")};
             },
+        },
         .showsSourceAsSubtitle = false,
         .readingWays = {},
         .remembersWindow = {},

@@ -44,6 +44,9 @@ struct ProviderSetup {
     /// told. Blocks for as long as the check's own limits allow.
     std::function<std::optional<bool>(const Machine&, const std::filesystem::path&)> isLoggedIn;
     std::optional<std::string> loginHintKey;
+    /// The files that change when somebody logs in or out. Nobody reads them: that one has changed
+    /// is a reason to ask.
+    std::function<std::vector<std::filesystem::path>(const Machine&)> loginTraces = {};
 };
 
 /// Everything that is known about an agent without running it.

@@ -24,7 +24,7 @@ struct SavedRun {
 struct SavedRunReader {
     /// As the agent's provider would: a snapshot, or UsageProviderError thrown.
     std::function<AgentUsageSnapshot(const SavedRun&, const Machine&)> read;
-    /// What of a run the reading depends on, beside the output.
+    /// What the reading depends on besides the output.
     bool heedsEnd = false; ///< exit status and time-out
     bool heedsLog = false;
 };

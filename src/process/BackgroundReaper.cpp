@@ -15,7 +15,7 @@ namespace vellmark {
 namespace {
 
 constexpr Seconds killGrace{3};
-/// How often, in milliseconds, is looked whether those who outlive their parent have gone.
+/// How often, in milliseconds, to check whether the processes that outlived their parent are gone.
 constexpr int survivorStep = 100;
 
 class Reaper {

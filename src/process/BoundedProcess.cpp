@@ -23,7 +23,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// For how long a pipe is read that outlives the child.
+/// How long to go on reading a pipe that outlives the child.
 constexpr std::chrono::milliseconds readingAfterEnd{100};
 constexpr std::chrono::milliseconds terminationStep{50};
 
@@ -39,8 +39,8 @@ Descriptor filledPipe(const std::string& text) {
     return std::move(pipe.readEnd);
 }
 
-/// The direct children of `child`, as soon as it has some; none when it ends before. Looks at
-/// growing distances, since an interpreter starts its program at once or much later.
+/// The direct children of `child`, as soon as it has any; none if it ends first. Looks at growing
+/// intervals, since an interpreter starts its program at once or much later.
 std::vector<ProcessHandle> awaitDirectChildren(const LaunchedChild& child, ChildOutputs& outputs) {
     std::chrono::milliseconds distance{100};
     for (;; distance *= 2) {
@@ -57,8 +57,8 @@ bool isAnyAlive(const std::vector<ProcessHandle>& processes) {
     return std::ranges::any_of(processes, &ProcessHandle::isAlive);
 }
 
-/// A child that is stopped at termination. Others may collect it meanwhile, so that its number
-/// means nothing any more.
+/// A child that is being stopped at termination. Somebody else may collect it meanwhile; after that
+/// its number means nothing.
 class StoppedChild {
 public:
     explicit StoppedChild(pid_t pid)
@@ -69,7 +69,7 @@ public:
               if (*handle && !(*handle)->signal(0)) {
                   return false;
               }
-              // Also without a descriptor for a handle, and also its group.
+              // The registry also works without a handle, and reaches the whole group.
               return RunningChildren::signal(target, number) ||
                      (target > 0 && *handle && (*handle)->signal(number));
           }) {
@@ -117,8 +117,8 @@ int stopAll(std::span<const pid_t> pids, const std::vector<ProcessHandle>& told,
     return killed;
 }
 
-/// Collects an ended child, or leaves that to the reaper while someone lives who was told to stop
-/// with it or is told now.
+/// Collects a child that has ended, or leaves that to the reaper while any process that was told to
+/// stop with it, before or just now, is still alive.
 void letGo(LaunchedChild child, std::unique_ptr<ChildLimit> limit,
            std::vector<ProcessHandle> leftBehind) {
     if (!leftBehind.empty()) {
@@ -179,7 +179,7 @@ int BoundedProcess::terminateAll(std::span<const pid_t> pids, Seconds grace) {
 
 int terminateAllChildren(Seconds grace) {
     RunningChildren::close();
-    // In this order a child that is just being left to the reaper is seen in one of the two.
+    // In this order, a child that is just being handed to the reaper is seen in one of the two.
     std::vector<pid_t> pids = RunningChildren::snapshot();
     std::ranges::copy(BackgroundReaper::snapshot(), std::back_inserter(pids));
     std::ranges::sort(pids);

@@ -21,17 +21,16 @@ struct ChildOutput {
     int descriptor = -1;
     std::size_t limit = 0;
 
-    static ChildOutput discarded() { return {}; }
     static ChildOutput toDescriptor(int fd) { return {Kind::descriptor, fd, 0}; }
     static ChildOutput recorded(int fd, std::size_t limit) { return {Kind::recording, fd, limit}; }
     static ChildOutput captured(std::size_t limit) { return {Kind::capture, -1, limit}; }
 };
 
-/// What to run and how it is connected. Nothing is inherited but what is named here: every other
-/// descriptor is closed in the child, signals are handled by default and none is blocked. The child
-/// leads a session and a process group of its own: Ctrl-C in a terminal reaches the program alone,
-/// which then stops its children in order, and a child that asks for the terminal finds none, where
-/// it would be stopped for reaching for the program's.
+/// What to run and how it is connected. The child inherits only what is named here: every other
+/// descriptor is closed in it, signals have their default handling and none is blocked. It leads a
+/// session and a process group of its own. So Ctrl-C in a terminal reaches the program alone, which
+/// then stops its children in order, and a child that asks for the terminal finds none; reaching
+/// for the program's would get it stopped.
 struct ChildConfiguration {
     std::filesystem::path executable;
     /// Without the program's own name.
@@ -47,11 +46,11 @@ struct ChildConfiguration {
     ChildOutput standardError;
     /// Standard error goes where standard output goes.
     bool mergesStandardError = false;
-    /// Direct children that outlive the child are told to stop as at its limit, and killed after
-    /// the grace: for an interpreter whose program may ignore that its terminal has gone.
+    /// Direct children that outlive the child are told to stop, as at its limit, and killed after
+    /// the grace: for an interpreter whose program may ignore that its terminal is gone.
     bool stopsSurvivingChildren = false;
-    /// The child stays in the program's session, with a process group of its own: for what the user
-    /// is meant to see and to answer.
+    /// The child stays in the program's session, in a process group of its own: for programs that
+    /// the user is meant to see and answer.
     bool sharesTerminal = false;
 };
 

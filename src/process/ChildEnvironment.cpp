@@ -7,11 +7,11 @@
 namespace vellmark {
 namespace {
 
-/// Folders of their own that an agent's user may have chosen; they win over every rule below.
+/// Folders that the user may have chosen for an agent; these override every rule below.
 constexpr std::array<std::string_view, 2> kept{"CLAUDE_CONFIG_DIR", "CODEX_HOME"};
-/// With a key an agent would bill by use and show other limits than the subscription's.
+/// Given a key, an agent bills by use and shows other limits than the subscription's.
 constexpr std::array<std::string_view, 2> dropped{"ANTHROPIC_API_KEY", "OPENAI_API_KEY"};
-/// What an agent's session leaves for its own children: an agent takes itself for nested there.
+/// Set by an agent's session for its own children: an agent that finds these believes it is nested.
 constexpr std::array<std::string_view, 5> droppedPrefixes{
     "CLAUDECODE", "CLAUDE_CODE_", "CLAUDE_AGENT_", "CODEX_", "ANTIGRAVITY_"};
 

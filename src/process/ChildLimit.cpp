@@ -108,7 +108,7 @@ private:
 
 namespace {
 
-/// Spans that no clock can count from now are as good as for ever.
+/// A span too long for any clock to count from now is as good as for ever.
 ChildLimit::Clock::duration boundedSpan(Seconds span) {
     constexpr Seconds longest{1e9};
     return std::chrono::duration_cast<ChildLimit::Clock::duration>(

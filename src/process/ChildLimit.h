@@ -10,12 +10,12 @@
 namespace vellmark {
 
 /// The wall-clock limit of one child: its family is told to stop at the soft stop and killed
-/// `killGrace` later. One thread fires the limits of all children; a soft stop that is due already
+/// `killGrace` later. One thread fires the limits of all children; a soft stop that is already due
 /// fires within the constructor.
 ///
-/// The child must stay uncollected until `cancel` or the destructor has returned; from then on
-/// nobody is signalled any more. Who wants the family to be killed after the child has ended keeps
-/// both until `hasSurvivors` is false.
+/// The child must stay uncollected until `cancel` or the destructor has returned; after that,
+/// nothing is signalled any more. To have the family killed after the child has ended, keep both
+/// until `hasSurvivors` is false.
 class ChildLimit {
 public:
     using Clock = std::chrono::steady_clock;
@@ -25,22 +25,22 @@ public:
     ChildLimit(const ChildLimit&) = delete;
     ChildLimit& operator=(const ChildLimit&) = delete;
 
-    /// The soft stop now, if it has not been. Does not count as having found the child running when
-    /// the limit expired.
+    /// Makes the soft stop now unless it has happened. Does not count as finding the child still
+    /// running when the limit expired.
     void stop();
-    /// Once the child has ended: those of `processes` that still live are told to stop and killed
-    /// after the grace.
+    /// Once the child has ended: tells those of `processes` that are still alive to stop, and kills
+    /// them after the grace.
     void stopLeftBehind(std::vector<ProcessHandle> processes);
 
-    /// Once the child has ended: whether someone who was told to stop lives and will be killed. A
-    /// limit that has not told anybody does not any more.
+    /// Once the child has ended: whether anything that was told to stop is still alive and will be
+    /// killed. A limit that has not told anything to stop by then never will.
     bool hasSurvivors();
     /// True when the soft stop has found the child running.
     bool hasTimedOut();
     void cancel();
 
-    /// Takes over every process that was told to stop and has not been killed yet; who has them
-    /// ends them (the program is ending).
+    /// Takes over every process that was told to stop and has not been killed yet; ending them is
+    /// now up to the caller (the program is ending).
     static std::vector<ProcessHandle> takeTold();
 
 private:

@@ -19,10 +19,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t errorTextLimit = 64 * 1024;
-/// More reads of the error pipe in a row find what was written meanwhile: a pipe holds 1 MB at
-/// most.
+/// A pipe holds 1 MB at most, so further reads in a row would only find what was written meanwhile.
 constexpr int mostDrains = 16;
-/// For how long output is awaited that a grandchild may still write after the child's end.
+/// How long after the child's end to wait for output that a grandchild may still write.
 constexpr std::chrono::milliseconds readingAfterEnd{100};
 
 /// Rounded up, so that a wait never ends before its time; bounded for `poll`.
@@ -68,7 +67,7 @@ struct ChildSession::State {
 
     int errorDescriptor() const { return error ? error->descriptor() : -1; }
 
-    /// What is on the error pipe now. Comes to an end also when the child never stops writing.
+    /// Reads what is on the error pipe now. Returns even if the child never stops writing.
     void drainErrors() {
         for (int count = 0; count < mostDrains && error && error->drain(); ++count) {
         }

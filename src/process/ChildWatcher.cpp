@@ -24,12 +24,12 @@ using Event = ChildWatcherMessage::Event;
 
 constexpr std::chrono::seconds shortestPause{1};
 constexpr std::chrono::seconds longestPause{600};
-/// A watcher that has run for so long ended by a mishap that need not happen again.
+/// A watcher that has run this long was ended by some mishap that need not happen again.
 constexpr std::chrono::seconds longLife{60};
 
-/// The pipe to the watcher, open for as long as the program runs, whatever ends it: that is the
-/// message. The number stays the same for good, so that who is about to write always reaches the
-/// watcher that runs now.
+/// The pipe to the watcher. It stays open for as long as the program runs and closes whatever ends
+/// it: that is the message. Its number never changes, so that a write always reaches the watcher
+/// that is running now.
 std::atomic<int> lifeline{-1};
 static_assert(std::atomic<int>::is_always_lock_free,
               "read between a child's birth and its program");

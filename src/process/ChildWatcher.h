@@ -7,10 +7,10 @@
 
 namespace vellmark {
 
-/// Starts a small process beside this one that outlives it in every case: when the program is
-/// killed, it ends the children that are running then, within 2 s, and goes. It is told through a
-/// pipe of each child, by the child itself before that runs its program, and of each process that
-/// may outlive a child; it does nothing while the program lives. One that dies is started again.
+/// Starts a small process that outlives this one in every case: when the program is killed, it ends
+/// the children that are running then, within 2 s, and exits. It learns through a pipe of each
+/// child, from the child itself before that runs its program, and of each process that may outlive
+/// a child; it does nothing while the program lives. If it dies, it is started again.
 ///
 /// Call once, before the first child is launched. False when the watcher cannot be started; the
 /// program then works as it does without one.

@@ -27,7 +27,7 @@ struct ChildExit {
 /// registry from the launch until `collect` or `handOver`. Destroying it earlier kills it.
 class LaunchedChild {
 public:
-    /// `configuration`'s output settings are not looked at. Throws std::system_error; with
+    /// Ignores `configuration`'s output settings. Throws std::system_error; with
     /// std::errc::operation_canceled when the registry is closed.
     LaunchedChild(const ChildConfiguration& configuration, const ChildStreams& streams);
     ~LaunchedChild();
@@ -40,8 +40,8 @@ public:
 
     /// Waits for the end; the child stays uncollected.
     ChildExit awaitEnd() const;
-    /// Waits for the end, leaves the registry and gives the number back to the system. Nobody may
-    /// be about to signal the child or its group any more.
+    /// Waits for the end, leaves the registry and gives the number back to the system. Nothing may
+    /// be about to signal the child or its group at that point.
     ChildExit collect();
     /// Leaves the registry although the child is not collected; whoever holds this object looks
     /// after it.

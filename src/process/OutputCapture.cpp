@@ -77,7 +77,7 @@ void OutputCapture::keepEnd(std::string_view bytes) {
     if (text_.size() <= limit_) {
         return;
     }
-    // Not in the middle of a character of UTF-8: what begins so is no text.
+    // Do not begin in the middle of a UTF-8 character: that would be no text.
     std::size_t cut = text_.size() - limit_;
     for (int step = 0; step < 3 && cut < text_.size() && isContinuation(text_[cut]); ++step) {
         ++cut;

@@ -33,7 +33,9 @@ bool isAbandoned(const Descriptor& lock) {
            status.st_mtime < std::time(nullptr) - lockedAfterSeconds;
 }
 
-void removeAbandoned(const fs::path& parent, std::string_view prefix) {
+} // namespace
+
+void PrivateTemporaryDirectory::removeAbandoned(const fs::path& parent, std::string_view prefix) {
     std::error_code error;
     std::error_code ignored;
     for (fs::directory_iterator entry(parent, error), end; !error && entry != end;
@@ -47,8 +49,6 @@ void removeAbandoned(const fs::path& parent, std::string_view prefix) {
         }
     }
 }
-
-} // namespace
 
 std::optional<PrivateTemporaryDirectory>
 PrivateTemporaryDirectory::create(const fs::path& parent, std::string_view prefix) {

@@ -18,6 +18,9 @@ public:
     static std::optional<PrivateTemporaryDirectory> create(const std::filesystem::path& parent,
                                                            std::string_view prefix);
 
+    /// Removes now what killed programs have left.
+    static void removeAbandoned(const std::filesystem::path& parent, std::string_view prefix);
+
     PrivateTemporaryDirectory(PrivateTemporaryDirectory&& other) noexcept
         : path_(std::exchange(other.path_, {})), lock_(std::move(other.lock_)) {}
     PrivateTemporaryDirectory& operator=(PrivateTemporaryDirectory&&) = delete;

@@ -25,7 +25,7 @@ public:
     /// Not inherited by children on its own.
     int descriptor() const { return descriptor_.get(); }
 
-    /// More could be written: where not, what stands in the file may not be all there was to say.
+    /// Whether more could be written. If not, the end of the output may be missing.
     bool hasRoom() const;
 
     /// Everything that was written; empty when the file cannot be read.

@@ -10,8 +10,8 @@
 namespace vellmark {
 namespace {
 
-/// Who does not come to a standstill in so many milliseconds hangs in the system and has no
-/// children meanwhile.
+/// A process that has not come to a standstill after this many milliseconds hangs in the system and
+/// has no children meanwhile.
 constexpr int mostLooks = 50;
 
 } // namespace

@@ -9,32 +9,34 @@
 
 namespace vellmark {
 
-/// A process that leads a group, with what ends with it when it must be stopped: its direct
-/// children, wherever they are, and the members of its group. What has left both on purpose is not
-/// of the family.
+/// A process that leads a group, together with what ends with it when it must be stopped: its
+/// direct children, wherever they are, and the members of its group. What has left both on purpose
+/// is not part of the family.
 ///
-/// Everyone who was asked to stop is remembered and never mistaken for a later process with the
+/// Every process that was asked to stop is remembered and never mistaken for a later one with the
 /// same number. One thread at a time.
 class ProcessFamily {
 public:
-    /// Sends a signal to `target`, the leader, or with the leader's number below zero to its whole
-    /// group. False when nobody is there any more or it cannot be known who is.
+    /// Sends a signal to `target`: the leader or, if negative, the leader's whole group. False when
+    /// nothing is there any more, or when it is unclear what is.
     using Send = std::function<bool(pid_t target, int number)>;
 
     ProcessFamily(pid_t leader, Send send);
 
-    /// Asks all to stop: the direct children, then the leader, then the rest. The leader stands
-    /// still meanwhile, so that nobody is born unseen; who was stopped before goes on and can obey.
+    /// Asks all to stop: the direct children, then the leader, then the rest. The leader is held
+    /// still meanwhile, so that nothing is born unseen; a process that was stopped before is
+    /// continued, so that it can obey.
     void tell();
-    /// Asks `processes`, which an ended leader has left behind, to stop, and nobody else.
+    /// Asks `processes`, left behind by a leader that has ended, to stop, and nothing else.
     void tellLeftBehind(std::vector<ProcessHandle> processes);
 
-    /// Kills whoever was told, and after `tell` also who has joined the family since.
+    /// Kills whatever was told to stop and, after `tell`, whatever has joined the family since.
     void kill();
     /// Kills all, told or not.
     void killAll();
 
-    /// Whether someone who is to end lives on after the leader, which has not been collected.
+    /// Whether anything that is to end is still alive after the leader, which has not been
+    /// collected.
     bool outlivesLeader() const;
 
     const std::vector<ProcessHandle>& told() const { return told_; }

@@ -23,7 +23,7 @@ public:
 
     /// A child that has not been collected.
     struct Child {
-        const ChildGroup* group = nullptr; ///< that it was launched in; null for none
+        const ChildGroup* group = nullptr; ///< the one it was launched in; null for none
         ProcessTime at = 0;
         bool isHandedOver = false;
         std::vector<Report> attached;
@@ -54,7 +54,7 @@ public:
         report({Report::Event::ended, pid, 0});
     }
 
-    /// Those that count as running: a child that was handed over is another's business.
+    /// The children that count as running: one that was handed over is somebody else's business.
     template<typename Condition>
     std::vector<pid_t> running(Condition&& condition) const {
         std::vector<pid_t> pids;

@@ -55,7 +55,7 @@ struct Report {
 using Observer = std::function<void(const Report&)>;
 void setObserver(Observer observer);
 
-/// `process` is to end with `child`, though nothing else may lead to it once that has ended.
+/// `process` must end with `child`, even if nothing else leads to it once that has ended.
 void attach(pid_t child, const ProcessHandle& process);
 
 /// Takes `pid` out of the set while it is not collected; it stays known.

@@ -1,8 +1,11 @@
 #include "report/SupportReport.h"
 
+#include "platform/WholeFile.h"
 #include "text/Dates.h"
 #include "text/Formatting.h"
-#include "text/Redaction.h"
+#include "text/TerminalText.h"
+
+#include <utility>
 
 namespace vellmark {
 namespace {
@@ -53,11 +56,8 @@ void addAgent(ReportLines& lines, const SupportReportInput::Agent& agent,
                  agent.lastSuccess ? dateTimeText(*agent.lastSuccess, words) : none);
 }
 
-} // namespace
-
-std::optional<std::string> supportReportText(const SupportReportInput& input,
-                                             std::string_view homeDirectory, bool includeEmails,
-                                             const Localization& words) {
+std::string reportLines(const SupportReportInput& input, bool includeEmails,
+                        const Localization& words) {
     ReportLines lines(words);
     lines.add("report.title", {});
     lines.add("report.created", {dateTimeText(input.date, words)});
@@ -65,6 +65,10 @@ std::optional<std::string> supportReportText(const SupportReportInput& input,
     lines.add("report.macos", {input.osVersion});
     lines.add("report.arch", {input.architecture});
     lines.add("report.language", {input.languageCode, input.region});
+    if (const std::string_view happened = trimmed(input.whatHappened); !happened.empty()) {
+        lines.heading("report.happened");
+        lines.add(std::string(happened));
+    }
     lines.heading("report.agents");
     for (const auto& agent : input.agents) {
         addAgent(lines, agent, words);
@@ -72,11 +76,36 @@ std::optional<std::string> supportReportText(const SupportReportInput& input,
     lines.heading("report.log");
     lines.add(input.logText.empty() ? words.text("report.log.empty") : input.logText);
     lines.heading(includeEmails ? "report.privacy.withEmails" : "report.privacy.note");
-    return redacted(lines.take(), homeDirectory, {.includeEmails = includeEmails});
+    return lines.take();
+}
+
+} // namespace
+
+std::optional<RedactedText> supportReport(const SupportReportInput& input,
+                                          std::string_view homeDirectory, bool includeEmails,
+                                          const Localization& words) {
+    return redactedWithPlaces(reportLines(input, includeEmails, words), homeDirectory,
+                              {.includeEmails = includeEmails});
+}
+
+std::optional<std::string> supportReportText(const SupportReportInput& input,
+                                             std::string_view homeDirectory, bool includeEmails,
+                                             const Localization& words) {
+    auto report = supportReport(input, homeDirectory, includeEmails, words);
+    return report ? std::optional(std::move(report->text)) : std::nullopt;
 }
 
 std::string supportReportFileName(Instant date, const Localization& words) {
     return "Vellmark-Support-Bericht-" + formatDate(date, "yyyy-MM-dd", words.timeZone()) + ".txt";
+}
+
+std::error_code saveSupportReport(const std::filesystem::path& file, std::string_view text) {
+    std::error_code error;
+    const auto folder = file.has_parent_path() ? file.parent_path() : ".";
+    if (!std::filesystem::is_directory(folder, error)) {
+        return error ? error : std::make_error_code(std::errc::no_such_file_or_directory);
+    }
+    return replaceWholeFile(file, text, ReplacementFile::Mode::ownerAlone);
 }
 
 } // namespace vellmark

@@ -14,6 +14,7 @@
 #include "text/TerminalText.h"
 
 #include <algorithm>
+#include <future>
 #include <system_error>
 
 namespace vellmark {
@@ -31,10 +32,31 @@ std::optional<Instant> lastSuccess(const AgentProviderID& id,
     return found == readings.end() ? std::nullopt : std::optional(found->updatedAt);
 }
 
+/// Each on its own, so that it is told of as soon as it has answered.
+std::vector<AgentFacts> askAgents(const Machine& machine, const SupportReportGathering& gathering) {
+    constexpr auto policy = std::launch::async | std::launch::deferred;
+    std::vector<std::future<AgentFacts>> inquiries;
+    for (const ProviderRegistration& registration : providerRegistry()) {
+        inquiries.push_back(std::async(policy, [&machine, &gathering, registration] {
+            AgentFacts facts = gatherAgentFacts(machine, {registration}).front();
+            if (gathering.answered) {
+                gathering.answered(facts);
+            }
+            return facts;
+        }));
+    }
+    std::vector<AgentFacts> result;
+    for (auto& inquiry : inquiries) {
+        result.push_back(inquiry.get());
+    }
+    return result;
+}
+
 std::vector<SupportReportInput::Agent> gatherAgents(const Machine& machine,
-                                                    const Localization& words) {
+                                                    const Localization& words,
+                                                    const SupportReportGathering& gathering) {
     const auto readings = LastSnapshots(machine.lastSnapshotsFile()).read();
-    const auto facts = gatherAgentFacts(machine);
+    const auto facts = askAgents(machine, gathering);
     const auto preferences = makePreferences(machine);
     const auto enabled = AgentSettings(*preferences, providerRegistry()).enabled();
 
@@ -56,13 +78,15 @@ std::vector<SupportReportInput::Agent> gatherAgents(const Machine& machine,
     return agents;
 }
 
-std::string recentActivity(const Machine& machine, const Localization& words, Instant now) {
+std::string recentActivity(const Machine& machine, const Localization& words, Instant now,
+                           const SupportReportGathering& gathering) {
     const auto zone = words.timeZone();
     const auto since = now - Seconds(86400.0 * ActivityLog::daysKept);
     std::string text;
     const auto file = machine.activityLogFile();
     std::error_code error;
-    auto entries = ActivityLog(file).entries(since, zone, error);
+    auto entries = gathering.activity ? gathering.activity(since, zone, error)
+                                      : ActivityLog(file).entries(since, zone, error);
     ActivityTexts::tell(entries, words);
     for (const ActivityEntry& entry : entries) {
         text += (text.empty() ? "" : "\n") + ActivityLines::text(entry, zone);
@@ -77,7 +101,7 @@ std::string recentActivity(const Machine& machine, const Localization& words, In
 } // namespace
 
 SupportReportInput gatherSupportReport(const Machine& machine, const Localization& words,
-                                       Instant now) {
+                                       Instant now, const SupportReportGathering& gathering) {
     SupportReportInput input;
     const auto system = systemFacts();
     input.version = VELLMARK_VERSION;
@@ -88,8 +112,10 @@ SupportReportInput gatherSupportReport(const Machine& machine, const Localizatio
     const auto region = regionOf(UserLocale::of(machine.environment).formatIdentifier);
     input.region = region.empty() ? words.text("report.none") : region;
     input.date = now;
-    input.agents = gatherAgents(machine, words);
-    input.logText = recentActivity(machine, words, now);
+    input.agents = gatherAgents(machine, words, gathering);
+    if (!gathering.isCancelled || !gathering.isCancelled()) {
+        input.logText = recentActivity(machine, words, now, gathering);
+    }
     return input;
 }
 

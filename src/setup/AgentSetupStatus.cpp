@@ -1,7 +1,5 @@
 #include "setup/AgentSetupStatus.h"
 
-#include "probes/AgentFacts.h"
-
 #include <functional>
 #include <future>
 
@@ -21,17 +19,25 @@ std::string_view setupStatusKey(AgentSetupStatus status) {
     return "setup.status.unverifiable";
 }
 
-AgentSetupStatus agentSetupStatus(const Machine& machine, const ProviderDescriptor& descriptor) {
-    const auto executable =
-        descriptor.executableLocator ? descriptor.executableLocator(machine) : std::nullopt;
-    if (!executable) {
+AgentSetupStatus setupStatusOf(const AgentFacts& facts) {
+    if (!facts.toolPath) {
         return AgentSetupStatus::missing;
     }
-    const auto loggedIn = agentIsLoggedIn(machine, descriptor, *executable);
-    if (!loggedIn) {
+    if (!facts.loggedIn) {
         return AgentSetupStatus::unverifiable;
     }
-    return *loggedIn ? AgentSetupStatus::ready : AgentSetupStatus::notLoggedIn;
+    return *facts.loggedIn ? AgentSetupStatus::ready : AgentSetupStatus::notLoggedIn;
+}
+
+AgentSetupStatus agentSetupStatus(const Machine& machine, const ProviderDescriptor& descriptor) {
+    AgentFacts facts{.id = descriptor.id, .toolPath = {}, .toolVersion = {}, .loggedIn = {}};
+    if (descriptor.executableLocator) {
+        facts.toolPath = descriptor.executableLocator(machine);
+    }
+    if (facts.toolPath) {
+        facts.loggedIn = agentIsLoggedIn(machine, descriptor, *facts.toolPath);
+    }
+    return setupStatusOf(facts);
 }
 
 std::vector<AgentSetupStatus>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Machine.h"
+#include "probes/AgentFacts.h"
 #include "probes/ProviderRegistry.h"
 
 #include <string_view>
@@ -21,6 +22,9 @@ enum class SetupStep { welcome, agents, tools, finish };
 
 /// The key of the text that shows `status`.
 std::string_view setupStatusKey(AgentSetupStatus status);
+
+/// What the facts say of an agent that can be set up.
+AgentSetupStatus setupStatusOf(const AgentFacts& facts);
 
 /// Looks for the CLI and runs its login check. Blocks for as long as the check may take.
 AgentSetupStatus agentSetupStatus(const Machine& machine, const ProviderDescriptor& descriptor);

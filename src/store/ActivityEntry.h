@@ -16,7 +16,7 @@ struct ActivityEntry {
     Level level = Level::info;
     /// The agent concerned; absent when the entry is about the program itself.
     std::optional<AgentProviderID> agent;
-    /// In the language of the moment it was written in; one line.
+    /// One line, in the language that was set when it was written.
     std::string text;
     /// To the second once it has been through the file.
     Instant time{};

@@ -141,7 +141,7 @@ struct TrimmingNote {
     }
 };
 
-/// How much of what was read last tells a file from another one in its place.
+/// How many of the last bytes read are remembered, to recognise a file that another has replaced.
 constexpr std::size_t placeMark = 80;
 
 /// Whether `place` was found in this very file.
@@ -189,7 +189,7 @@ std::error_code ActivityLog::writeWaiting() {
         if (error != std::errc::resource_unavailable_try_again) {
             return error;
         }
-        // Whoever has the lock for so long is no disk error; the lines wait.
+        // A lock that somebody else holds this long is not a disk error; the lines wait.
         if (!onDisk_.add(waiting_)) {
             waiting_.clear();
         }

@@ -20,9 +20,9 @@ namespace vellmark {
 /// written now wait on disk beside the file where another process keeps it locked, else in memory,
 /// and are written with the next. Not for use by several threads.
 ///
-/// Lines go after 30 days, counted from what RecordedDays says of the log's own dates, by way of
-/// "activity.removed.log": there they are until a later day agrees, and from there they come back
-/// when it says that they were not old.
+/// Lines are dropped after 30 days, counted by what RecordedDays makes of the log's own dates. They
+/// go to "activity.removed.log" first, stay there until a later day agrees, and come back if that
+/// day finds that they were not old.
 class ActivityLog {
 public:
     static constexpr int daysKept = 30;
@@ -49,14 +49,14 @@ public:
         bool startsAnew = true;
         std::vector<ActivityEntry> entries;
     };
-    /// Up to where somebody has read.
+    /// How far somebody has read.
     struct Place {
         unsigned long long file = 0;
         long long offset = 0;
-        /// What stands before the offset, by which a file that was replaced is told.
+        /// The bytes before the offset, by which a file that was replaced is recognised.
         std::string before;
     };
-    /// Moves `place` on. Entries that wait to be written make everything be told anew.
+    /// Advances `place`. While entries wait to be written, everything is told anew.
     News news(Place& place, Instant since, const TimeZone& zone) const;
 
 private:

@@ -54,7 +54,7 @@ std::optional<std::string> toldWord(const JSON& value, const Localization& words
     return text == key ? std::nullopt : std::optional(std::move(text));
 }
 
-/// The name of a way of reading; one that has none is called as it is.
+/// The name of a way of reading, or its identifier when it has no name.
 std::optional<std::string> toldWay(const JSON& value, const Localization& words) {
     if (!value.is_string()) {
         return std::nullopt;

@@ -54,7 +54,7 @@ private:
     MainExecutor& executor_;
     std::function<void()> onChange_;
     std::map<AgentProviderID, std::unique_ptr<Entry>> entries_;
-    /// What is posted finds nothing of this once it has gone.
+    /// Posted tasks hold it weakly and do nothing once this object is gone.
     std::shared_ptr<int> isAlive_ = std::make_shared<int>();
 };
 

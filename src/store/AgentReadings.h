@@ -25,9 +25,9 @@ public:
     void fallBack(AgentUsageSnapshot reading, Instant attemptedAt);
     /// The last good figures stay, as stale and with the error.
     void fail(const AgentProviderID& id, UsageProviderError error, Instant attemptedAt);
-    /// Adds to a reading the windows that the last good one had and this one left out, with their
-    /// age: all that are not over where the reading is incomplete, else those that are younger than
-    /// `remembers` says of them (empty: none).
+    /// Adds the windows that the last good reading had and this one left out, with their age: if
+    /// the reading is incomplete, all that are not over; otherwise those younger than `remembers`
+    /// says for them (empty: none).
     void keepAbsentWindows(AgentUsageSnapshot& reading,
                            const std::function<Seconds(std::string_view)>& remembers) const;
     /// The attempt was dropped: nothing is loading any more.

@@ -76,7 +76,7 @@ AgentSettings::completed(const std::vector<AgentProviderID>& wanted) const {
 ReadingOptions AgentSettings::readingOptions(const ProviderDescriptor& agent) const {
     ReadingOptions options;
     const auto way = preferences_.string(wayKey(agent.id));
-    // A way that only another version has is no way.
+    // Ignore a way that only another version has.
     if (way && std::ranges::find(agent.readingWays, *way) != agent.readingWays.end()) {
         options.way = *way;
     }

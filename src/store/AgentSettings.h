@@ -45,7 +45,7 @@ public:
     std::optional<std::filesystem::path> chosenExecutable(const AgentProviderID& id) const;
     void chooseExecutable(const AgentProviderID& id,
                           const std::optional<std::filesystem::path>& path);
-    /// Tells the machine of the chosen programs. Answers whose is another one than before.
+    /// Tells the machine which programs are chosen. Returns the agents whose choice has changed.
     std::set<AgentProviderID> applyExecutables(const Machine& machine) const;
 
     std::set<AgentProviderID> enabled() const;

@@ -8,8 +8,10 @@
 #include "store/AppSettings.h"
 #include "store/PlausibleFigures.h"
 #include "store/ReadingSchedule.h"
+#include "store/ReadingTime.h"
 #include "store/RefreshRun.h"
 #include "store/StateObservers.h"
+#include "store/StatusLineReadings.h"
 #include "store/StoreFiles.h"
 #include "store/UsageFetcher.h"
 #include "store/UsageHistory.h"
@@ -38,7 +40,7 @@ struct AgentUsageStore::State {
     void note(ActivityEntry entry);
     void note(std::vector<ActivityEntry> entries);
     void noteTrouble(StoreFiles::File file, const StorageTrouble::News& news);
-    /// The settings are written by whoever changes them; this looks whether that went well.
+    /// The settings are written by whoever changes them; this checks whether that worked.
     void noteSettings();
 
     bool mayStart(RefreshTrigger trigger) const;
@@ -65,6 +67,7 @@ struct AgentUsageStore::State {
     void show(const AgentProviderID& id, bool enabled);
     void arrange(std::vector<AgentProviderID> order);
     void takeLastSnapshots();
+    void takeStatusLine();
     /// Makes `state.snapshots` of what is known, for the enabled agents in their order.
     void publishSnapshots();
     void publishSchedule();
@@ -80,6 +83,8 @@ struct AgentUsageStore::State {
     std::map<AgentProviderID, RefreshRun::Agent> agents;
     std::map<AgentProviderID, ReadingOptions> options; ///< with which `agents` were made
     AgentReadings readings;
+    StatusLineReadings statusLine;
+    std::vector<UsageWindow> toldWindows; ///< Claude's, by its sessions
     ReadingSchedule schedule;
     std::map<AgentProviderID, int> failedAttempts;
     std::map<AgentProviderID, Instant> lastEnds; ///< of readings, good or bad
@@ -98,6 +103,7 @@ AgentUsageStore::State::State(Configuration configuration, MainExecutor& mainExe
     : config(std::move(configuration)), executor(mainExecutor), preferences(userPreferences),
       settings(preferences, config.registrations),
       settingsTrouble(config.machine.configuration / "Vellmark/preferences.json"),
+      statusLine(config.machine.statusLineFile()),
       files(config.machine, mainExecutor, config.now(), words().timeZone(),
             {.historyChanged =
                  [this] {
@@ -117,6 +123,7 @@ AgentUsageStore::State::State(Configuration configuration, MainExecutor& mainExe
     state.providerOrder = settings.order();
     state.enabledProviderIDs = config.agents ? *config.agents : settings.enabled();
     takeLastSnapshots();
+    toldWindows = newestWindows(statusLine.read(), now());
     publishSnapshots();
 }
 
@@ -142,14 +149,14 @@ RefreshRun::Agent AgentUsageStore::State::madeAgent(const ProviderRegistration& 
 
 // --- settings
 
-/// The agents that are read in another way now, or with another program.
+/// The agents whose way of reading or whose program has changed.
 std::vector<AgentProviderID> AgentUsageStore::State::takeReadingSettings() {
     const std::set<AgentProviderID> moved = settings.applyExecutables(config.machine);
     std::vector<AgentProviderID> changed;
     for (const ProviderRegistration& registration : config.registrations) {
         const AgentProviderID& id = registration.descriptor.id;
         if (moved.contains(id) || options.at(id) != readingOptions(registration.descriptor)) {
-            // What a provider knows of its program is not true of another one.
+            // What a provider knows about its program does not hold for another one.
             agents.at(id) = madeAgent(registration);
             changed.push_back(id);
         }
@@ -195,6 +202,29 @@ void AgentUsageStore::State::takeLastSnapshots() {
     }
 }
 
+void AgentUsageStore::State::takeStatusLine() {
+    std::vector<UsageWindow> told = newestWindows(statusLine.read(), now());
+    if (told == toldWindows) {
+        return;
+    }
+    const bool isShown = state.enabledProviderIDs.contains(AgentProviderID::claude());
+    for (const UsageWindow& window : told) {
+        if (isShown && std::ranges::find(toldWindows, window) == toldWindows.end()) {
+            AgentUsageSnapshot reading;
+            reading.id = AgentProviderID::claude();
+            reading.source = SnapshotSource::live;
+            reading.updatedAt = *window.readAt;
+            reading.windows.push_back(window);
+            files.record(std::move(reading));
+        }
+    }
+    observers.around([&] {
+        toldWindows = std::move(told);
+        publishSnapshots();
+        publishRecentPoints();
+    });
+}
+
 // --- the log
 
 void AgentUsageStore::State::note(ActivityEntry entry) {
@@ -210,7 +240,7 @@ void AgentUsageStore::State::note(std::vector<ActivityEntry> entries) {
 }
 
 void AgentUsageStore::State::noteTrouble(StoreFiles::File file, const StorageTrouble::News& news) {
-    // A full disk fails every file; one entry says so, and one that it is over.
+    // A full disk fails every file: one entry says so, and one that it is over.
     using Kind = StorageTrouble::Kind;
     if (news.kind == Kind::recovered) {
         if (failingFiles.erase(file) == 0 || !failingFiles.empty()) {
@@ -255,7 +285,7 @@ bool AgentUsageStore::State::mayStart(RefreshTrigger trigger) const {
            !isWithinPause(*state.lastRefreshCompletedAt);
 }
 
-/// Whether it is too early for opening a window to read anew what was read at `ended`.
+/// Whether what was read at `ended` is still too recent to be read again because a window opens.
 bool AgentUsageStore::State::isWithinPause(Instant ended) const {
     const Seconds age = now() - ended;
     return age >= Seconds(0) && age < windowRefreshPause; // the clock may have been set back
@@ -311,8 +341,8 @@ void AgentUsageStore::State::begin(RefreshTrigger trigger,
 void AgentUsageStore::State::join(RefreshTrigger trigger, const std::vector<AgentProviderID>& ids) {
     std::vector<AgentProviderID> missing;
     for (const AgentProviderID& id : ids) {
-        // Also one that this refresh has already read: who asks now wants to know how it is now,
-        // whatever holds up another agent.
+        // Even one that this refresh has already read: whoever asks now wants to know how things
+        // are now, whatever holds up another agent.
         if (!run->isReading(id)) {
             missing.push_back(id);
         }
@@ -450,12 +480,17 @@ void AgentUsageStore::State::finishIfDone() {
             state.lastRefreshCompletedAt = now();
         }
     });
-    // What the agents have said is gone by the next turn; what it took is not needed for long.
+    // By the next turn the agents' output has been freed; the memory it took is not needed soon.
     executor.post(releaseUnusedMemory);
 }
 
 void AgentUsageStore::State::publishSnapshots() {
     state.snapshots = readings.shown(state.providerOrder, state.enabledProviderIDs);
+    for (AgentUsageSnapshot& snapshot : state.snapshots) {
+        if (snapshot.id == AgentProviderID::claude()) {
+            takeNewerWindows(snapshot, toldWindows, readingTimeOf(state, snapshot));
+        }
+    }
     state.reading.clear();
     for (const AgentProviderID& id : state.providerOrder) {
         if (run && run->isReading(id)) {
@@ -607,6 +642,10 @@ void AgentUsageStore::takeSettings() {
     }
 }
 
+void AgentUsageStore::takeStatusLine() {
+    d_->takeStatusLine();
+}
+
 void AgentUsageStore::deleteHistory(std::function<void(std::error_code)> done) {
     d_->files.deleteHistory([d = d_.get(), done = std::move(done)](std::error_code error) {
         if (!error) {
@@ -644,9 +683,15 @@ void AgentUsageStore::lookAtActivity() {
 }
 
 std::vector<ActivityEntry> AgentUsageStore::activity(int days) {
-    auto entries = d_->files.activity(d_->now() - days * day, d_->words().timeZone());
+    std::error_code ignored;
+    auto entries = d_->files.activity(d_->now() - days * day, d_->words().timeZone(), ignored);
     ActivityTexts::tell(entries, d_->words());
     return entries;
+}
+
+std::vector<ActivityEntry> AgentUsageStore::flushedActivity(Instant since, const TimeZone& zone,
+                                                            std::error_code& error) {
+    return d_->files.activity(since, zone, error);
 }
 
 std::string AgentUsageStore::activityExportText(int days) {

@@ -33,7 +33,7 @@ public:
         std::function<Instant()> now = [] { return ReferenceClock::now(); };
         /// When set, these agents count as enabled and no others, whatever the preferences say.
         std::optional<std::set<AgentProviderID>> agents;
-        /// When set, agents that can be read in this way are, whatever the preferences say.
+        /// When set, agents that can be read in this way are read so, whatever the preferences say.
         std::optional<std::string> way;
         /// Told on the main thread, in the user's words, of whatever the log says about files that
         /// cannot be read or written; for a front that does not show the log.
@@ -75,9 +75,13 @@ public:
     /// Enabling reads the agent at once (trigger `settings`); disabling drops a reading under way.
     void setEnabled(const AgentProviderID& id, bool enabled);
     void setProviderOrder(std::vector<AgentProviderID> order);
-    /// Takes over what the preferences say now: agents, their order, ways and programs, and what is
-    /// shown first. Reads the agents of which that asks for a new reading.
+    /// Applies the preferences as they are now: agents, their order, ways and programs, and what is
+    /// shown first. Reads those agents that need a new reading because of it.
     void takeSettings();
+
+    /// Takes over what the agents' own sessions have told of their windows since: it stands in the
+    /// place of older figures and is recorded.
+    void takeStatusLine();
 
     /// Removes all recorded samples, those of readings that have just ended too. They are kept in a
     /// folder beside the history until `discardDeletedHistory`; failing that, nothing is deleted.
@@ -94,11 +98,16 @@ public:
     /// destroyed, which may outlive the store.
     [[nodiscard]] std::shared_ptr<ActivitySubscription>
     followActivity(int days, std::function<void(ActivityLog::News)> tell);
-    /// Has the followers told of what another process has added.
+    /// Tells the followers what another process has added.
     void lookAtActivity();
     /// The entries of the last `days` days in the language of now, oldest first. Reads the file.
     std::vector<ActivityEntry> activity(int days);
-    /// The same as text, with a header, for saving and copying.
+    /// The entries since `since`, oldest first, in the language in which they were written, behind
+    /// everything that was handed to the persistence thread before. Where the file cannot be read,
+    /// `error` says why. Waits for the disk; usable from any thread.
+    std::vector<ActivityEntry> flushedActivity(Instant since, const TimeZone& zone,
+                                               std::error_code& error);
+    /// The last `days` days as text, with a header, for saving and copying.
     std::string activityExportText(int days);
     /// Drops entries older than 30 days from the file; returns when that is done.
     void trimLog();
@@ -106,7 +115,7 @@ public:
     /// Recorded samples; usable from any thread. Filled a moment after the start.
     const UsageHistory& history() const;
 
-    /// Waits until everything handed to the persistence thread is on disk.
+    /// Waits until everything handed to the persistence thread is on disk. Any thread.
     void flush();
 
 private:

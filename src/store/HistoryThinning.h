@@ -19,7 +19,7 @@ public:
     static constexpr int daysKeptWhole = 35;
     static constexpr int daysKept = 400;
 
-    /// The age of everything up to that day makes no difference.
+    /// All samples from then on are kept.
     static Instant keptWholeSince(Instant reference);
 
     explicit HistoryThinning(Instant reference);

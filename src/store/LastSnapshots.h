@@ -22,7 +22,7 @@ public:
 
     struct Contents {
         std::vector<AgentUsageSnapshot> readings;
-        /// The agents whose readings cannot be understood; "?" for one without a name.
+        /// The agents whose readings cannot be understood; "?" stands for one without a name.
         std::vector<std::string> undecoded;
         /// Nothing in the file can be understood: it is no JSON array.
         bool isDamaged = false;

@@ -13,7 +13,7 @@ constexpr double longestMinutes = 10 * 366 * 24 * 60.0;
 constexpr double leastUsed = -0.5;
 constexpr double mostUsed = 1000;
 
-// Each is false for what is no number.
+// All of these are false for NaN.
 
 bool isPlausibleShare(double used) {
     return used >= leastUsed && used <= mostUsed;
@@ -28,6 +28,10 @@ bool isPlausibleReset(Instant reset, Instant now) {
 }
 
 } // namespace
+
+bool isPlausibleSample(double usedPercent, std::optional<Instant> resetsAt, Instant capturedAt) {
+    return isPlausibleShare(usedPercent) && (!resetsAt || isPlausibleReset(*resetsAt, capturedAt));
+}
 
 std::vector<ImplausibleFigure> removeImplausibleFigures(AgentUsageSnapshot& reading, Instant now) {
     std::vector<ImplausibleFigure> found;

@@ -18,7 +18,7 @@ class ReadingSchedule {
 public:
     void attempted(const AgentProviderID& id, Instant now);
     void succeeded(const AgentProviderID& id, const ReadingPace& pace);
-    /// `backsOff`: asking again at once would be of no use.
+    /// `backsOff`: asking again at once would be useless.
     void failed(const AgentProviderID& id, const ReadingPace& pace, bool backsOff);
 
     bool isDue(const AgentProviderID& id, Instant now) const;

@@ -28,4 +28,12 @@ bool isOldReading(const UsageState& state, const AgentUsageSnapshot& snapshot, I
     return success != state.lastSuccess.end() && now - success->second > newEnough;
 }
 
+bool isOldReading(const UsageState& state, const AgentUsageSnapshot& snapshot,
+                  const UsageWindow& window, Instant now) {
+    if (window.readAt && *window.readAt >= readingTimeOf(state, snapshot)) {
+        return now - *window.readAt > newEnough;
+    }
+    return window.readAt || isOldReading(state, snapshot, now);
+}
+
 } // namespace vellmark

@@ -16,5 +16,9 @@ Instant readingTimeOf(const UsageState& state, const AgentUsageSnapshot& snapsho
 /// Whether the agent's figures are old: nothing new came of the last attempt, or nobody has asked
 /// the agent for so long that what they say about now is a guess.
 bool isOldReading(const UsageState& state, const AgentUsageSnapshot& snapshot, Instant now);
+/// The same of one window: one that the last reading left out is old, one that was told since is
+/// as old as that.
+bool isOldReading(const UsageState& state, const AgentUsageSnapshot& snapshot,
+                  const UsageWindow& window, Instant now);
 
 } // namespace vellmark

@@ -14,8 +14,8 @@ public:
     void add(Instant instant);
 
     /// The moment from which age is counted: `now`, unless that is more than a week later than the
-    /// last day that counts. Behind a gap of more than a week, days count once there are seven of
-    /// them: until then a clock that was set wrong explains them as well.
+    /// last day that counts. After a gap of more than a week, days count only once there are seven
+    /// of them: until then, a clock that was set wrong would explain them as well.
     Instant reference(Instant now) const;
 
     /// Whether there are days that are over at `instant`.

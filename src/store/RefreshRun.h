@@ -22,7 +22,7 @@ class RefreshRun {
 public:
     struct Agent {
         AgentProviderID id;
-        /// What a fetch that does not come to its end is called.
+        /// What to call a fetch that never ends.
         std::string name;
         std::shared_ptr<AgentUsageProvider> provider;
         std::optional<Seconds> timeoutRetryDelay;

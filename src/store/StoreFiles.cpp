@@ -11,7 +11,7 @@
 
 namespace vellmark {
 
-/// Belongs to whoever follows the log; what the persistence thread keeps of it is its own.
+/// Owned by whoever follows the log; the persistence thread's `Reader` is that thread's alone.
 class StoreFiles::Follower {
 public:
     /// On the persistence thread only.
@@ -73,7 +73,7 @@ struct StoreFiles::State {
             return;
         }
         ActivityTexts::tell(news.entries, reader.words);
-        // Handed over, for the main thread alone.
+        // From here on the news belongs to the main thread.
         executor.post([tell, news = std::make_shared<ActivityLog::News>(std::move(news))] {
             if (const auto alive = tell.lock()) {
                 (*alive)(std::move(*news));
@@ -161,9 +161,10 @@ void StoreFiles::trim(Instant now, TimeZone zone) {
     });
 }
 
-std::vector<ActivityEntry> StoreFiles::activity(Instant since, const TimeZone& zone) {
+std::vector<ActivityEntry> StoreFiles::activity(Instant since, const TimeZone& zone,
+                                                std::error_code& error) {
     std::vector<ActivityEntry> entries;
-    d_->queue.run([&] { entries = d_->log.entries(since, zone); });
+    d_->queue.run([&] { entries = d_->log.entries(since, zone, error); });
     return entries;
 }
 

@@ -41,8 +41,7 @@ public:
     StoreFiles& operator=(const StoreFiles&) = delete;
 
     const UsageHistory& history() const;
-    /// Reads the file at once; to be asked before anything is saved. What cannot be understood of
-    /// it is told.
+    /// Reads the file at once; call it before anything is saved. Reports what it cannot understand.
     std::vector<AgentUsageSnapshot> lastSnapshots();
 
     void record(AgentUsageSnapshot reading);
@@ -55,8 +54,9 @@ public:
 
     /// Drops old log lines, and thins out the history when that is due.
     void trim(Instant now, TimeZone zone);
-    /// Waits: the log's entries since `since`.
-    std::vector<ActivityEntry> activity(Instant since, const TimeZone& zone);
+    /// Waits: the log's entries since `since`; see ActivityLog::entries. Any thread.
+    std::vector<ActivityEntry> activity(Instant since, const TimeZone& zone,
+                                        std::error_code& error);
 
     class Follower;
     using TellActivity = std::function<void(ActivityLog::News)>;

@@ -26,7 +26,7 @@ constexpr Seconds stopGrace{1};
 /// Nobody waits for this limit to the second; the system can join wake-ups.
 constexpr Seconds limitTolerance{5};
 
-/// Without what a CLI may have let slip: what is told of a failure is shown, logged and kept.
+/// Removes what a CLI may have let slip: a failure's words are shown, logged and kept.
 FetchOutcome fetchOutcome(AgentUsageProvider& provider, UsageFetcher::Occasion occasion,
                           const std::string& home) {
     const auto redact = [&home](const std::string& words) { return redactedWords(words, home); };
@@ -119,7 +119,7 @@ struct UsageFetcher::State : std::enable_shared_from_this<State> {
         }
     }
 
-    /// On the main thread, when the fetch has had all its time.
+    /// On the main thread, when the fetch has used up its time.
     void abandon(Ticket ticket) {
         Worker& worker = workers.at(ticket); // whose end cancels the timer
         worker.limit.reset();

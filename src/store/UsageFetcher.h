@@ -29,14 +29,13 @@ class UsageFetcher {
 public:
     using Ticket = std::uint64_t;
     using Completion = std::function<void(FetchOutcome)>;
-    /// Beyond the limits of every probe's children, which are the ones to be met.
+    /// Longer than the limits of every probe's children, which should come first.
     static constexpr Seconds fetchLimit{90};
     static constexpr Seconds exitPatience{3};
-    /// So many stuck fetches of one provider are left alone; a further one times out at once.
+    /// This many stuck fetches of one provider are tolerated; the next one times out at once.
     static constexpr int mostStuck = 3;
 
-    /// What a failure tells of `homeDirectory` and of secrets is removed from the outcomes
-    /// (`redactedWords`).
+    /// Failures lose whatever they tell of `homeDirectory` and of secrets (`redactedWords`).
     UsageFetcher(MainExecutor& executor, std::string homeDirectory);
     ~UsageFetcher();
     UsageFetcher(const UsageFetcher&) = delete;

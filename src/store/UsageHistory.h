@@ -64,8 +64,8 @@ public:
     std::size_t sampleCount() const;
     std::size_t bytesHeld() const;
 
-    /// The newest sample of a window that is not younger than `until`; for whoever decides about
-    /// the next. One from a time when the clock was ahead is not it.
+    /// The newest sample of a window up to `until`, for deciding whether to record the next. One
+    /// from a time when the clock was ahead does not count.
     std::optional<HistoryPoint> last(const WindowKey& key, Instant until) const;
     /// Whether this very sample is there.
     bool contains(const UsageHistorySample& sample) const;

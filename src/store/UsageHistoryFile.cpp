@@ -239,7 +239,19 @@ std::error_code UsageHistoryFile::appendLines(const FileLock&, std::string_view 
     return {};
 }
 
-/// Those that the file has already: whoever took them over before was interrupted.
+std::error_code UsageHistoryFile::add(const FileLock&, const std::vector<std::string>& samples) {
+    if (scan_.samplesEnd != 0) {
+        const std::error_code error = ensureWritable();
+        return error ? error : rewrite({.dropped = {}, .added = samples, .leave = {}}, {});
+    }
+    std::string lines;
+    for (const std::string& sample : samples) {
+        lines += separatedLine(lines.empty(), sample);
+    }
+    return write(lines, samples.size());
+}
+
+/// Drops the samples that the file already has, because an earlier takeover was interrupted.
 void UsageHistoryFile::dropKnown(Texts& samples) const {
     if (descriptor_.isOpen() && !samples.empty()) {
         UsageHistoryReader::read(descriptor_.get(), [&](const StoredHistorySample& sample) {
@@ -345,7 +357,7 @@ std::error_code UsageHistoryFile::keepAside(fs::path& aside) const {
         if (::link(file_.c_str(), aside.c_str()) == 0) {
             break;
         }
-        // A file system without links: a copy does as well.
+        // This file system has no links: a copy will do.
         std::error_code error;
         fs::copy_file(file_, aside, error);
         return error;
@@ -485,7 +497,7 @@ std::error_code UsageHistoryFile::compact(const FileLock& held, Instant now,
     } else {
         listener.restart();
         error = rewrite({.dropped = dropped,
-                         .added = restored,
+                         .added = {restored.begin(), restored.end()},
                          .leave = [&](const StoredHistorySample& sample) { next.add(sample); },
                          .beforeCommit = [&] { return next.commit(); }},
                         listener);

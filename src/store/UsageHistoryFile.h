@@ -69,6 +69,9 @@ public:
     /// yet are appended and told.
     std::error_code appendLines(const FileLock& held, std::string_view lines,
                                 const UsageHistoryReader::Visitor& visit);
+    /// The same with many samples in the persisted form, each of one line and not in the file yet:
+    /// by an atomic replace, so that all are there or none.
+    std::error_code add(const FileLock& held, const std::vector<std::string>& samples);
     /// Waits until what was appended would survive a power loss.
     void sync();
 
@@ -93,7 +96,7 @@ private:
     std::error_code write(std::string_view lines, std::size_t count);
     struct Changes {
         Offsets dropped; ///< in order
-        Texts added;
+        std::vector<std::string> added;
         UsageHistoryReader::Visitor leave; ///< told of those that are dropped
         std::function<std::error_code()> beforeCommit;
     };

@@ -81,7 +81,7 @@ bool UsageHistoryRecorder::compact(Instant now) {
         takeOverWaiting(*held);
         if (const auto failure = file_.compact(*held, now, listener())) {
             trouble_.failed(failure);
-            reloaded_.reset(); // told in part; memory stays as it is, like the file
+            reloaded_.reset(); // told in part; keep memory as it is, like the file
         }
         takeOver();
     }
@@ -162,7 +162,7 @@ void UsageHistoryRecorder::discardDeleted() {
 bool UsageHistoryRecorder::catchUp(const FileLock* held) {
     const auto status = file_.catchUp(held, listener());
     if (status.state == UsageHistoryFile::State::unreadable && history_->sampleCount() > 0) {
-        reloaded_.reset(); // what was read before is more
+        reloaded_.reset(); // what was read before is more than this
     }
     takeOver();
     switch (status.state) {
@@ -264,8 +264,7 @@ bool UsageHistoryRecorder::takeOverWaiting(const FileLock& held) {
     return !error;
 }
 
-/// What is in no file yet goes to the one that waits; where that is not possible either it stays in
-/// memory.
+/// What is in no file yet goes to the waiting one; if that is impossible too, it stays in memory.
 void UsageHistoryRecorder::holdBack() {
     if (heldBack_.empty()) {
         return;

@@ -19,7 +19,7 @@ namespace vellmark {
 /// On the persistence thread only; the history in memory is shared with everybody.
 class UsageHistoryRecorder {
 public:
-    /// What waits in memory at most; beyond that the oldest is given up. Weeks of readings.
+    /// How much may wait in memory; beyond that the oldest is given up. Weeks of readings.
     static constexpr std::size_t mostHeldBack = 10'000;
 
     UsageHistoryRecorder(std::filesystem::path file, std::shared_ptr<UsageHistory> history);

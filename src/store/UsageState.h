@@ -53,7 +53,7 @@ struct UsageState {
     std::set<AgentProviderID> readByHandOnly;
     /// Null when the agent shows no such window. Valid until the state changes.
     const UsageWindow* window(const AgentProviderID& agent, const std::string& windowID) const;
-    /// The last two hours of history of each window shown, oldest first: grounds of its forecast.
+    /// The last two hours of history of each window shown, oldest first: the basis of its forecast.
     std::map<WindowKey, std::vector<UsagePoint>> recentPoints;
     /// Those of one window; empty without any. Valid until the state changes.
     std::span<const UsagePoint> recentPointsOf(const AgentProviderID& agent,

@@ -12,15 +12,15 @@ namespace vellmark {
 /// Keeps the order of members, so that what is read and written again looks as it did.
 using JSON = nlohmann::ordered_json;
 
-/// Why a text is not the document that it should be, with the path to the place where there is one.
+/// Why a text is not the document that it should be, with the path to the fault where there is one.
 class JSONDecodingError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Parses a document of another's making, such as a file or an agent's answer, in linear time. With
-/// `names`, only members of these names are built, wherever they stand; what the others hold costs
-/// no memory.
+/// Parses a document that somebody else made, such as a file or an agent's answer, in linear time.
+/// With `names`, only members with these names are built, wherever they stand; the contents of the
+/// others cost no memory.
 ///
 /// Throws JSONDecodingError, also for a document that nests deeper than 512, has an object with
 /// more than 1,000 members or holds more than a million values: a hostile one must not cost much

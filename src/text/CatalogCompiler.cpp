@@ -105,8 +105,7 @@ std::map<std::size_t, std::string> placeholders(const std::string& text, const s
     return found;
 }
 
-/// A text that takes other arguments than the first language's would lose one, or show a
-/// placeholder.
+/// A text whose arguments differ from the first language's would lose one, or show a placeholder.
 void checkPlaceholders(const Entry& entry) {
     const auto wanted = placeholders(entry.texts[0], placeOf(entry.key, catalogLanguages[0]));
     for (std::size_t index = 1; index < catalogLanguages.size(); ++index) {

@@ -214,7 +214,7 @@ std::string moneyText(double amount, const std::string& currencyCode, const Loca
     return formatted(number::NumberFormatter::with().unit(currency), shown, words);
 }
 
-std::string durationText(Seconds span, const Localization& words) {
+std::string durationText(Seconds span, const Localization& words, SpanForm form) {
     const std::int64_t days = wholeUnits(span, day);
     const std::int64_t hours = wholeUnits(span, hour);
     const std::int64_t minutes = wholeUnits(span, minute);
@@ -222,7 +222,7 @@ std::string durationText(Seconds span, const Localization& words) {
         return secondCount == 0 ? first : first + ' ' + unitText(second, secondCount, words);
     };
     if (days > 0) {
-        return both(daysText(days, words, SpanForm::afterPreposition), "duration.hours",
+        return both(daysText(days, words, form), "duration.hours",
                     hours - days * 24);
     }
     if (hours > 0) {

@@ -32,8 +32,9 @@ std::string moneyText(double amount, const std::string& currencyCode, const Loca
 enum class SpanForm { afterPreposition, alone };
 
 /// A span in at most two units, rounded down to the smaller one: "1 h 27 min", "3 d 18 h",
-/// "1 Std. 27 Min."; less than a minute is "under 1 min" by its own text. After a preposition.
-std::string durationText(Seconds span, const Localization& words);
+/// "1 Std. 27 Min."; less than a minute is "under 1 min" by its own text.
+std::string durationText(Seconds span, const Localization& words,
+                         SpanForm form = SpanForm::afterPreposition);
 
 /// A span in one unit: minutes up to 90, then hours up to 48, then days. Used where two units would
 /// claim a precision that is not there.

@@ -46,8 +46,8 @@ public:
     }
     std::string format(std::string_view key, std::span<const TextArgument> arguments) const;
 
-    /// Whether the language says `count` things in the singular: one, and in French none, too. A
-    /// text that names a count has a key for each of both forms.
+    /// Whether the language uses the singular for `count` things: for one and, in French, for none.
+    /// A text that names a count has a key for each form.
     bool takesSingular(std::int64_t count) const;
 
     bool operator==(const Localization&) const = default;

@@ -112,19 +112,66 @@ void forEachMatch(const RE2& expression, std::string_view text, Visit visit) {
     }
 }
 
-void appendReplacement(std::string& result, std::string_view replacement,
-                       const std::vector<re2::StringPiece>& groups) {
-    for (std::size_t index = 0; index < replacement.size(); ++index) {
-        const char next = index + 1 < replacement.size() ? replacement[index + 1] : '\0';
-        const std::size_t group = next >= '0' && next <= '9' ? std::size_t(next - '0') : SIZE_MAX;
-        if (replacement[index] == '$' && group < groups.size()) {
-            result.append(groups[group].data(), groups[group].size());
-            ++index;
-        } else {
-            result += replacement[index];
+/// Writes a result and, where that is asked for, what of it is new.
+class ReplacementWriter {
+public:
+    ReplacementWriter(std::string_view searched, std::vector<Pattern::Edit>* edits)
+        : searched_(searched), edits_(edits) {}
+
+    void replace(std::size_t begin, const std::vector<re2::StringPiece>& groups,
+                 std::string_view replacement) {
+        result_.append(searched_.substr(done_, begin - done_));
+        done_ = begin;
+        newBegin_ = result_.size();
+        for (std::size_t index = 0; index < replacement.size(); ++index) {
+            const char next = index + 1 < replacement.size() ? replacement[index + 1] : '\0';
+            const std::size_t group =
+                next >= '0' && next <= '9' ? std::size_t(next - '0') : SIZE_MAX;
+            if (replacement[index] == '$' && group < groups.size()) {
+                keep(groups[group]);
+                ++index;
+            } else {
+                result_ += replacement[index];
+            }
         }
+        tell(begin + groups[0].size());
     }
-}
+
+    std::string finish() {
+        result_.append(searched_.substr(done_));
+        return std::move(result_);
+    }
+
+private:
+    void keep(const re2::StringPiece& group) {
+        if (group.empty()) {
+            return;
+        }
+        const auto begin = static_cast<std::size_t>(group.data() - searched_.data());
+        // One that stands before what was kept already counts as new.
+        if (begin >= done_) {
+            tell(begin);
+            done_ = begin + group.size();
+            newBegin_ = result_.size() + group.size();
+        }
+        result_.append(group.data(), group.size());
+    }
+
+    /// Everything from what was kept last up to `oldEnd` has gone.
+    void tell(std::size_t oldEnd) {
+        if (edits_ != nullptr && (oldEnd > done_ || result_.size() > newBegin_)) {
+            edits_->push_back({done_, oldEnd, newBegin_, result_.size()});
+        }
+        done_ = oldEnd;
+    }
+
+    std::string_view searched_;
+    std::vector<Pattern::Edit>* edits_;
+    std::string result_;
+    /// How far the searched text is in the result, or replaced.
+    std::size_t done_ = 0;
+    std::size_t newBegin_ = 0;
+};
 
 } // namespace
 
@@ -168,20 +215,26 @@ bool Pattern::matches(std::string_view text) const {
 
 std::optional<std::string> Pattern::replaceAll(std::string_view text,
                                                std::string_view replacement) const {
+    return replaced(text, replacement, nullptr);
+}
+
+std::optional<std::string> Pattern::replaceAll(std::string_view text, std::string_view replacement,
+                                               std::vector<Edit>& edits) const {
+    return replaced(text, replacement, &edits);
+}
+
+std::optional<std::string> Pattern::replaced(std::string_view text, std::string_view replacement,
+                                             std::vector<Edit>* edits) const {
     if (!isValid()) {
         return std::nullopt;
     }
     const std::string_view searched = text.data() == nullptr ? std::string_view("") : text;
-    std::string result;
-    std::size_t kept = 0;
+    ReplacementWriter writer(searched, edits);
     forEachMatch(*expression_, searched,
                  [&](std::size_t begin, const std::vector<re2::StringPiece>& groups) {
-                     result.append(searched.substr(kept, begin - kept));
-                     appendReplacement(result, replacement, groups);
-                     kept = begin + groups[0].size();
+                     writer.replace(begin, groups, replacement);
                  });
-    result.append(searched.substr(kept));
-    return result;
+    return writer.finish();
 }
 
 } // namespace vellmark

@@ -53,7 +53,22 @@ public:
     std::optional<std::string> replaceAll(std::string_view text,
                                           std::string_view replacement) const;
 
+    /// Bytes of the searched text and what stands for them in the result. What a group keeps is no
+    /// part of it.
+    struct Edit {
+        std::size_t oldBegin = 0;
+        std::size_t oldEnd = 0;
+        std::size_t newBegin = 0;
+        std::size_t newEnd = 0;
+    };
+    /// The same; adds to `edits`, in their order, what was changed.
+    std::optional<std::string> replaceAll(std::string_view text, std::string_view replacement,
+                                          std::vector<Edit>& edits) const;
+
 private:
+    std::optional<std::string> replaced(std::string_view text, std::string_view replacement,
+                                        std::vector<Edit>* edits) const;
+
     std::unique_ptr<re2::RE2> expression_;
 };
 

@@ -17,6 +17,7 @@ namespace {
 struct Rule {
     Pattern pattern;
     std::string_view replacement;
+    RemovedKind kind = RemovedKind::key;
 };
 
 // A key word begins where no word character of any script stands before it: "Übertoken" only ends
@@ -30,7 +31,7 @@ Pattern atWordStart(std::string_view expression, std::string_view flags = {}) {
 }
 
 const Rule& userPaths() {
-    static const Rule rule{Pattern(R"(/Users/[^/\s"'«»“”)\]]+)"), "~"};
+    static const Rule rule{Pattern(R"(/Users/[^/\s"'«»“”)\]]+)"), "~", RemovedKind::path};
     return rule;
 }
 
@@ -57,7 +58,8 @@ const Rule& prefixedKeys() {
 }
 
 const Rule& emailAddresses() {
-    static const Rule rule{Pattern(R"([A-Za-z0-9._%+\-]+@[A-Za-z0-9.\-]+\.[A-Za-z]{2,})"), "…@…"};
+    static const Rule rule{Pattern(R"([A-Za-z0-9._%+\-]+@[A-Za-z0-9.\-]+\.[A-Za-z]{2,})"), "…@…",
+                           RemovedKind::address};
     return rule;
 }
 
@@ -76,8 +78,9 @@ const Pattern& openPrivateKey() {
 const std::vector<Rule>& furtherRules() {
     static const std::vector<Rule> rules = [] {
         std::vector<Rule> made;
-        const auto add = [&made](Pattern pattern, std::string_view replacement) {
-            made.push_back({std::move(pattern), replacement});
+        const auto add = [&made](Pattern pattern, std::string_view replacement,
+                                 RemovedKind kind = RemovedKind::key) {
+            made.push_back({std::move(pattern), replacement, kind});
         };
         // All but this one stay within a line, so that a text can be redacted as it comes
         // (`redactionBoundary`). A block without an end goes as far as it looks like one.
@@ -113,8 +116,8 @@ const std::vector<Rule>& furtherRules() {
             "<redacted>");
         add(Pattern(R"(([A-Za-z][A-Za-z0-9+.\-]*://)[^/?#\s@"'<>]+@)"), "$1<redacted>@");
         add(Pattern(R"((^|[\s"'=:(\[{<>«“,;|/])(?:/(?:var|export))?/home/[^/\s"'«»“”)\]:,;]+)"),
-            "$1~");
-        add(Pattern(R"((?i)\b[a-z]:[\\/]+users[\\/]+[^\\/\s"'«»“”)\]]+)"), "~");
+            "$1~", RemovedKind::path);
+        add(Pattern(R"((?i)\b[a-z]:[\\/]+users[\\/]+[^\\/\s"'«»“”)\]]+)"), "~", RemovedKind::path);
         return made;
     }();
     return rules;
@@ -186,10 +189,23 @@ std::string carryingBytes(std::string_view text) {
     return result;
 }
 
-std::string carriedBytes(std::string_view text) {
+std::string carriedBytes(std::string_view text, std::vector<RemovedPlace>* places) {
     std::string result;
     result.reserve(text.size());
+    // A place begins and ends beside a carrier, never in it: beginnings and ends come in turn.
+    std::size_t next = 0;
+    const auto moveBounds = [&](std::size_t at) {
+        for (; places != nullptr && next < 2 * places->size(); ++next) {
+            RemovedPlace& place = (*places)[next / 2];
+            std::size_t& bound = next % 2 == 0 ? place.begin : place.end;
+            if (bound > at) {
+                break;
+            }
+            bound = result.size();
+        }
+    };
     for (std::size_t i = 0; i < text.size(); ++i) {
+        moveBounds(i);
         if (isCarrier(text.substr(i, 4))) {
             const int high = (static_cast<unsigned char>(text[i + 2]) - 0xBC) << 6;
             const int low = static_cast<unsigned char>(text[i + 3]) & 0x3F;
@@ -199,46 +215,147 @@ std::string carriedBytes(std::string_view text) {
             result += text[i];
         }
     }
+    moveBounds(text.size());
     return result;
 }
 
-std::optional<std::string> applied(const Rule& rule, std::optional<std::string> text) {
+std::vector<Pattern::Edit> editsOf(std::string_view text, std::string_view what,
+                                   std::string_view replacement) {
+    std::vector<Pattern::Edit> edits;
+    std::size_t written = 0;
+    std::size_t read = 0;
+    for (auto at = text.find(what); at != std::string_view::npos; at = text.find(what, read)) {
+        written += at - read;
+        edits.push_back({at, at + what.size(), written, written + replacement.size()});
+        written += replacement.size();
+        read = at + what.size();
+    }
+    return edits;
+}
+
+/// Where something was removed, while one rule after the other changes the text.
+class RemovedPlaces {
+public:
+    /// `text` is what the edits have led to.
+    void take(const std::vector<Pattern::Edit>& edits, RemovedKind kind, std::string_view text) {
+        if (edits.empty()) {
+            return;
+        }
+        std::vector<RemovedPlace> result;
+        result.reserve(places_.size() + edits.size());
+        auto place = places_.cbegin();
+        std::size_t oldAt = 0;
+        std::size_t newAt = 0;
+        const auto moveOn = [&] {
+            result.push_back(
+                {place->begin - oldAt + newAt, place->end - oldAt + newAt, place->kind});
+            ++place;
+        };
+        for (const Pattern::Edit& edit : edits) {
+            while (place != places_.cend() && place->end <= edit.oldBegin) {
+                moveOn();
+            }
+            while (place != places_.cend() && place->begin < edit.oldEnd) {
+                ++place;
+            }
+            const bool hasBlank = edit.newBegin < edit.newEnd && text[edit.newBegin] == ' ';
+            const std::size_t begin = edit.newBegin + (hasBlank ? 1 : 0);
+            if (begin < edit.newEnd) {
+                result.push_back({begin, edit.newEnd, kind});
+            }
+            oldAt = edit.oldEnd;
+            newAt = edit.newEnd;
+        }
+        while (place != places_.cend()) {
+            moveOn();
+        }
+        places_ = std::move(result);
+    }
+
+    std::vector<RemovedPlace> finish() { return std::move(places_); }
+
+private:
+    std::vector<RemovedPlace> places_;
+};
+
+/// `places` may be null.
+std::optional<std::string> applied(const Rule& rule, std::optional<std::string> text,
+                                   RemovedPlaces* places = nullptr) {
     if (!text || !rule.pattern.isValid()) {
         return std::nullopt;
     }
-    return rule.pattern.replaceAll(*text, rule.replacement);
+    if (places == nullptr) {
+        return rule.pattern.replaceAll(*text, rule.replacement);
+    }
+    std::vector<Pattern::Edit> edits;
+    auto result = rule.pattern.replaceAll(*text, rule.replacement, edits);
+    if (result) {
+        places->take(edits, rule.kind, *result);
+    }
+    return result;
 }
 
 std::optional<std::string> redactedCharacters(std::string text, std::string_view homeDirectory,
-                                              const RedactionOptions& options) {
+                                              const RedactionOptions& options,
+                                              RemovedPlaces* places) {
     if (characterCount(homeDirectory) >= 2) {
-        text = replacedText(text, homeDirectory, "~");
+        constexpr std::string_view home = "~";
+        std::string replaced = replacedText(text, homeDirectory, home);
+        if (places != nullptr) {
+            places->take(editsOf(text, homeDirectory, home), RemovedKind::path, replaced);
+        }
+        text = std::move(replaced);
     }
     std::optional<std::string> result = std::move(text);
-    result = applied(userPaths(), std::move(result));
-    result = applied(namedSecrets(), std::move(result));
-    result = applied(prefixedKeys(), std::move(result));
+    result = applied(userPaths(), std::move(result), places);
+    result = applied(namedSecrets(), std::move(result), places);
+    result = applied(prefixedKeys(), std::move(result), places);
     if (!options.includeEmails) {
-        result = applied(emailAddresses(), std::move(result));
+        result = applied(emailAddresses(), std::move(result), places);
     }
     if (!options.strictRules) {
         for (const Rule& rule : furtherRules()) {
-            result = applied(rule, std::move(result));
+            result = applied(rule, std::move(result), places);
         }
     }
     return result;
+}
+
+/// `places`, which may be null, receives where something was removed.
+std::optional<std::string> redactedBytes(std::string_view text, std::string_view homeDirectory,
+                                         const RedactionOptions& options,
+                                         std::vector<RemovedPlace>* places) {
+    RemovedPlaces tracked;
+    RemovedPlaces* const tracking = places != nullptr ? &tracked : nullptr;
+    // Also by the home directory, so that each line is treated as the whole text would be.
+    const bool isCarried = !isValidUTF8(text) || !isValidUTF8(homeDirectory);
+    auto result = isCarried
+                      ? redactedCharacters(carryingBytes(text), carryingBytes(homeDirectory),
+                                           options, tracking)
+                      : redactedCharacters(std::string(text), homeDirectory, options, tracking);
+    if (places != nullptr) {
+        *places = tracked.finish();
+    }
+    return result && isCarried ? std::optional(carriedBytes(*result, places)) : std::move(result);
 }
 
 } // namespace
 
 std::optional<std::string> redacted(std::string_view text, std::string_view homeDirectory,
                                     const RedactionOptions& options) {
-    // Also by the home directory, so that each line is treated as the whole text would be.
-    if (isValidUTF8(text) && isValidUTF8(homeDirectory)) {
-        return redactedCharacters(std::string(text), homeDirectory, options);
+    return redactedBytes(text, homeDirectory, options, nullptr);
+}
+
+std::optional<RedactedText> redactedWithPlaces(std::string_view text,
+                                               std::string_view homeDirectory,
+                                               const RedactionOptions& options) {
+    RedactedText result;
+    auto redactedText = redactedBytes(text, homeDirectory, options, &result.places);
+    if (!redactedText) {
+        return std::nullopt;
     }
-    auto result = redactedCharacters(carryingBytes(text), carryingBytes(homeDirectory), options);
-    return result ? std::optional(carriedBytes(*result)) : std::nullopt;
+    result.text = std::move(*redactedText);
+    return result;
 }
 
 std::string redactedWords(std::string_view words, std::string_view homeDirectory) {

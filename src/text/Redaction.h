@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vellmark {
 
@@ -26,6 +27,32 @@ struct RedactionOptions {
 /// outside what is replaced. Fails closed: absent when a rule could not be applied.
 std::optional<std::string> redacted(std::string_view text, std::string_view homeDirectory,
                                     const RedactionOptions& options = {});
+
+/// What kind of thing was removed.
+enum class RemovedKind {
+    path,    ///< the home directory, or a user's name in a path
+    address, ///< an e-mail address
+    key,     ///< a token, a key, a password
+};
+
+/// Where it stood: the bytes of the redacted text that stand for it now.
+struct RemovedPlace {
+    std::size_t begin = 0;
+    std::size_t end = 0;
+    RemovedKind kind = RemovedKind::path;
+    bool operator==(const RemovedPlace&) const = default;
+};
+
+struct RedactedText {
+    std::string text;
+    /// In their order. A place that lies in what was removed later is none.
+    std::vector<RemovedPlace> places;
+};
+
+/// The same text, with the places where something was removed.
+std::optional<RedactedText> redactedWithPlaces(std::string_view text,
+                                               std::string_view homeDirectory,
+                                               const RedactionOptions& options = {});
 
 /// What another program said about a failure, as one line that may be shown and kept: `redacted`,
 /// e-mail addresses included, and without queries of URLs and runs of characters that are no words.

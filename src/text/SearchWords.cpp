@@ -41,8 +41,8 @@ std::string foldedCharacter(UChar32 character) {
     return utf8;
 }
 
-/// The letters of Latin writing and common punctuation, folded once: a search goes through tens of
-/// thousands of texts at each key.
+/// Latin letters and common punctuation, folded once: a search goes through tens of thousands of
+/// texts at every key press.
 class FoldedCharacters {
 public:
     FoldedCharacters() {

@@ -6,13 +6,13 @@
 
 namespace vellmark {
 
-/// What somebody looks for, word by word: found in a text that holds every word, whatever the case,
-/// accents and order. Safe to use from any thread.
+/// What somebody searches for, word by word: matches a text that contains every word, whatever the
+/// case, accents and order. Safe to use from any thread.
 class SearchWords {
 public:
     explicit SearchWords(std::string_view query);
 
-    /// Nothing is looked for: everything matches.
+    /// Nothing to search for: everything matches.
     bool empty() const { return words_.empty(); }
     bool areIn(std::string_view text) const;
 

@@ -8,12 +8,12 @@
 
 namespace vellmark {
 
-/// A reason of the system in the user's words; one that has none is quoted as the system gives it,
+/// A system error in the user's words; one without a translation is quoted as the system gives it,
 /// in English. Safe to use from any thread.
 std::string systemErrorText(std::error_code error, const Localization& words);
 
-/// The same for what was kept of such a reason: the system's own message, which may stand behind
-/// what it is about ("/usr/bin/node: No such file or directory").
+/// The same for a stored reason: the system's own message, possibly behind what it is about
+/// ("/usr/bin/node: No such file or directory").
 std::string systemReasonText(std::string_view reason, const Localization& words);
 
 } // namespace vellmark

@@ -398,8 +398,8 @@ void Terminal::switchScreen(bool toAlternate) {
     }
 }
 
-/// Nothing is left, also of what has left the screen: an old page above a new one could be taken
-/// for a part of it. The screen begins where the sheet begins.
+/// Clears everything, including what has scrolled off: an old page above a new one could be taken
+/// for part of it. The screen begins where the sheet begins.
 void Terminal::clear() {
     sheet().eraseRowsFrom(0);
     for (Place* place : {&screen_->cursor, &screen_->saved}) {

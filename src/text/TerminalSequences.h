@@ -25,7 +25,7 @@ struct TerminalEvent {
     std::array<std::uint32_t, 4> parameters{};
 };
 
-/// Takes what a program sends to its terminal apart. Strings for the terminal (titles, device
+/// Takes apart what a program sends to its terminal. Strings for the terminal (titles, device
 /// control) and what is no sequence are left out, ill-formed UTF-8 is U+FFFD.
 class TerminalSequences {
 public:

@@ -42,7 +42,7 @@ public:
     void eraseRowsBefore(std::size_t row);
     void eraseRowsFrom(std::size_t row);
 
-    /// Takes note of work that no byte of the output stands for; false when there was too much.
+    /// Counts work that no byte of the output accounts for; false when it becomes too much.
     bool spend(std::size_t cells);
 
     /// The rows with line feeds between them, without the blanks at their ends.
@@ -64,7 +64,7 @@ private:
 
     Cell* cellsOf(const Row& row) { return cells_.data() + row.begin; }
     bool makeRow(std::size_t row);
-    /// Blanks are added up to `length`; false when there is no room.
+    /// Pads the row with blanks up to `length`; false when there is no room.
     bool extend(Row& row, std::size_t length);
     /// A wide character that reaches over the border before `column` becomes blank.
     void part(Row& row, std::size_t column);

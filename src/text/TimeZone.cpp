@@ -85,8 +85,8 @@ constexpr std::array abbreviations{
 };
 static_assert(std::ranges::is_sorted(abbreviations, {}, &Abbreviation::name));
 
-/// Where the system keeps its choice of zone; looking costs a microsecond, finding out anew which
-/// zone that is may cost milliseconds.
+/// Where the system keeps its choice of zone. Looking there costs a microsecond; working out which
+/// zone it is may cost milliseconds.
 struct SystemZoneChoice {
     std::string variable;
     std::string link;
@@ -210,8 +210,8 @@ Instant TimeZone::instant(const CalendarDate& date) const {
     std::int32_t rawOffset = 0;
     std::int32_t dstOffset = 0;
     UErrorCode status = U_ZERO_ERROR;
-    // By the offset before a change of the clocks: a skipped time comes out later by the step, of
-    // a repeated one the first is taken.
+    // Uses the offset from before a change of the clocks: a skipped time comes out later by the
+    // step, and of a repeated one the first is taken.
     rules_->icuZone->getOffsetFromLocal(local * millisecondsPerSecond, UCAL_TZ_LOCAL_FORMER,
                                         UCAL_TZ_LOCAL_FORMER, rawOffset, dstOffset, status);
     return instantFromUnixSeconds(local - (rawOffset + dstOffset) / millisecondsPerSecond);

@@ -26,7 +26,7 @@ struct TimeZoneRules;
 /// safe to use from several threads at once.
 class TimeZone {
 public:
-    /// The zone that the system is set to now, also when it was changed while the program runs.
+    /// The zone that the system is set to now, even if that changed while the program was running.
     static TimeZone system();
     static TimeZone utc();
     /// Absent when `identifier` is unknown.
@@ -40,7 +40,7 @@ public:
     /// Instants further away than some 28,000 years are taken as that far away.
     CalendarDate calendarDate(Instant instant) const;
     /// Fields out of range are carried over (day 32 is the next month's first); a local time that
-    /// does not exist is moved forward, of two equal ones the earlier is meant.
+    /// does not exist is moved forward, and one that exists twice means the earlier.
     Instant instant(const CalendarDate& date) const;
 
 private:

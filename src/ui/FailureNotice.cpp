@@ -13,6 +13,7 @@ FailureNotice::FailureNotice(const AgentUIActions& actions, QWidget* parent)
 void FailureNotice::setContent(const std::optional<FailureContent>& failure) {
     wayOut_ = failure ? failure->wayOut : WayOut::none;
     if (failure) {
+        agent_ = failure->agent;
         Look look;
         look.words = qString(failure->reason);
         look.buttonWords = qString(failure->buttonTitle);
@@ -32,7 +33,7 @@ void FailureNotice::takeWayOut() const {
         break;
     case WayOut::logIn:
     case WayOut::install:
-        actions_.startSetup();
+        actions_.setUpAgent(agent_);
         break;
     case WayOut::openSettings:
         actions_.openSettings();

@@ -22,6 +22,7 @@ private:
     void takeWayOut() const;
 
     const AgentUIActions& actions_;
+    AgentProviderID agent_;
     WayOut wayOut_ = WayOut::none;
 };
 

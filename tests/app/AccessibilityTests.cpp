@@ -1,8 +1,12 @@
 #include "app/VellmarkAppDelegate.h"
 #include "process/RunningChildren.h"
 #include "support/AgentSandbox.h"
+#include "ui/ReportTextView.h"
+#include "ui/SupportReportView.h"
 #include "ui/kit/FocusRing.h"
+#include "ui/kit/Label.h"
 #include "ui/popover/Popover.h"
+#include "ui/setup/SetupAssistantView.h"
 #include "ui/window/AgentMainWindowView.h"
 #include "ui/window/WindowPage.h"
 
@@ -263,6 +267,44 @@ TEST_F(AccessibilityTest, EveryOtherWindowIsToldAndReachedByKeys) {
             }
         }
     }
+}
+
+TEST_F(AccessibilityTest, EveryStepOfTheSetupIsToldAndReachedByKeys) {
+    // Codex is ready; one can be installed, at another somebody can log in.
+    delegate_.reset();
+    RunningChildren::reopen();
+    sandbox_.uninstall("claude");
+    sandbox_.signOutOfAntigravity();
+    SetUp();
+    ASSERT_TRUE(eventually([] { return visible<SetupAssistantView>() != nullptr; }));
+    auto* assistant = visible<SetupAssistantView>();
+    std::set<QString> titles;
+    for (int step = 0; step < 4; ++step) {
+        const QString title = assistant->findChild<kit::Label*>()->text();
+        SCOPED_TRACE(title.toStdString());
+        titles.insert(title);
+        expectEverythingIsTold(*assistant);
+        EXPECT_TRUE(SpokenTree(*assistant).headings().contains(title.toStdString()));
+        expectTabLeadsEverywhere(*assistant);
+        assistant->controls().back()->setFocus(Qt::TabFocusReason);
+        press(*assistant, Qt::Key_Return, Qt::NoModifier);
+        eventually([] { return true; });
+    }
+    EXPECT_EQ(titles.size(), 4U);
+    EXPECT_FALSE(assistant->isVisible()) << "the last step finishes it";
+}
+
+TEST_F(AccessibilityTest, SupportReportIsToldAndReachedByKeys) {
+    delegate_->showSupportReportFromMenu();
+    auto* window = visible<SupportReportView>();
+    ASSERT_NE(window, nullptr);
+    expectEverythingIsTold(*window); // while it is being made, too
+    ASSERT_TRUE(eventually([&] { return window->text()->isVisible(); }));
+    expectEverythingIsTold(*window);
+    expectTabLeadsEverywhere(*window);
+    QAccessibleInterface* text = QAccessible::queryAccessibleInterface(window->text());
+    ASSERT_NE(text->textInterface(), nullptr);
+    EXPECT_EQ(text->textInterface()->text(0, 23), "Vellmark support report");
 }
 
 TEST_F(AccessibilityTest, EveryTabOfThePopoverIsTold) {

@@ -5,9 +5,13 @@
 #include "text/Catalog.h"
 #include "text/Localization.h"
 #include "ui/LegalWindow.h"
+#include "ui/ReportTextView.h"
+#include "ui/SupportReportView.h"
 #include "ui/kit/SidebarEntry.h"
+#include "ui/kit/TextArea.h"
 #include "ui/popover/AgentBlock.h"
 #include "ui/popover/Popover.h"
+#include "ui/setup/SetupAssistantView.h"
 #include "ui/window/AgentMainWindowView.h"
 
 #include <QAbstractButton>
@@ -180,6 +184,8 @@ TEST_F(VellmarkAppDelegateTest, ChangesEverythingThatIsOpenWithTheLanguage) {
     ASSERT_NE(terms, actions.end());
     (*terms)->trigger();
     ASSERT_TRUE(visible<LegalWindow>());
+    delegate_->showSupportReportFromMenu();
+    ASSERT_TRUE(eventually([] { return visible<SupportReportView>()->text()->isVisible(); }));
     std::size_t next = 0;
     QStringList pages;
     for (auto* entry : window->findChildren<QAbstractButton*>()) {
@@ -190,6 +196,33 @@ TEST_F(VellmarkAppDelegateTest, ChangesEverythingThatIsOpenWithTheLanguage) {
         }
     }
     EXPECT_GT(pages.size(), 5);
+}
+
+TEST_F(VellmarkAppDelegateTest, ReportTellsWhatTheStoreKnowsAndNothingOfItStays) {
+    const auto left = sandbox_.machine().temporary / "vellmark-support-of-a-killed-run";
+    std::filesystem::create_directory(left);
+    launch();
+    EXPECT_TRUE(eventually([&] { return !std::filesystem::exists(left); }));
+    delegate_->showSupportReportFromMenu();
+    auto* window = visible<SupportReportView>();
+    ASSERT_TRUE(window);
+    window->findChild<kit::TextArea*>()->setPlainText("It hung.");
+    const auto text = [window] { return std::string(window->text()->rows().text()); };
+    EXPECT_TRUE(eventually([&] { return text().find("What happened?\nIt hung.") < 2000; }));
+    // Behind everything that the store still had to write, in the words of now.
+    EXPECT_NE(text().find("vellmark: Refresh started"), std::string::npos);
+    window->close();
+    EXPECT_EQ(text(), "");
+    delegate_->showSupportReportFromMenu();
+    EXPECT_TRUE(eventually([&] { return text().find("It hung.") < 2000; }))
+        << "a closed window loses no words";
+
+    // While the agents are being asked, the program ends at once.
+    window->close();
+    delegate_->showSupportReportFromMenu();
+    const auto start = std::chrono::steady_clock::now();
+    delegate_.reset();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
 }
 
 TEST_F(VellmarkAppDelegateTest, OpensAndClosesThePopoverAgainAndAgain) {
@@ -287,10 +320,46 @@ TEST_F(VellmarkAppDelegateTest, LetsGoOfWhatHasBeenClosedForAWhileAndShowsItAgai
     }
 }
 
-TEST_F(VellmarkAppDelegateTest, OffersTheFirstRunWhenSomethingIsMissing) {
+TEST_F(VellmarkAppDelegateTest, BeginsWithTheSetupAndThenTheTermsWhereSomethingIsMissing) {
     sandbox_.uninstall("codex");
     launch();
-    EXPECT_TRUE(eventually([] { return visible<AgentMainWindowView>() != nullptr; }));
+    ASSERT_TRUE(eventually([] { return visible<SetupAssistantView>() != nullptr; }));
+    EXPECT_FALSE(visible<AgentMainWindowView>());
+    EXPECT_FALSE(visible<LegalWindow>());
+    EXPECT_EQ(visible<SetupAssistantView>()->windowTitle(), "Set Up Vellmark");
+    delegate_->languageManager().choose("it");
+    EXPECT_EQ(visible<SetupAssistantView>()->windowTitle(), "Configura Vellmark");
+    visible<SetupAssistantView>()->close();
+    ASSERT_TRUE(visible<LegalWindow>());
+    delegate_.reset();
+    RunningChildren::reopen();
+    launch(); // put off: the terms alone
+    ASSERT_TRUE(eventually([] { return visible<LegalWindow>() != nullptr; }));
+    EXPECT_FALSE(visible<SetupAssistantView>());
+
+    // The way out of the failure leads back, to what is left to do.
+    ASSERT_TRUE(opensPopover());
+    const auto wayOut = [] {
+        for (auto* button : visible<Popover>()->findChildren<QAbstractButton*>()) {
+            if (button->isVisible() && button->text() == "Install …") {
+                return button;
+            }
+        }
+        return static_cast<QAbstractButton*>(nullptr);
+    };
+    ASSERT_TRUE(eventually([&] { return wayOut() != nullptr; }));
+    wayOut()->click();
+    EXPECT_FALSE(visible<Popover>());
+    auto* assistant = visible<SetupAssistantView>();
+    ASSERT_TRUE(assistant);
+    EXPECT_TRUE(eventually([&] {
+        for (const auto* button : assistant->findChildren<QAbstractButton*>()) {
+            if (button->isVisible() && button->accessibleName() == "Copy command") {
+                return button->accessibleDescription().startsWith("curl");
+            }
+        }
+        return false;
+    }));
 }
 
 TEST_F(VellmarkAppDelegateTest, ExplainsTheSupportReportInTheHelp) {

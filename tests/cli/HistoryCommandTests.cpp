@@ -50,6 +50,113 @@ TEST_F(StoredFilesCommands, HistoryGivesTheSamplesOldestFirst) {
     EXPECT_THAT(table, HasSubstr("▄")) << "a course that ends at 40% left";
 }
 
+TEST_F(StoredFilesCommands, HistoryIsCutByDatesAsPeopleWriteThem) {
+    JSON document = JSON::array();
+    // 10 January 2026, 13:48 UTC, and the five days before.
+    for (int ago = 5; ago >= 0; --ago) {
+        auto made = sample("codex", "session", 0, 10.0 * ago);
+        made.capturedAt = Instant(Seconds(789'745'680.0 - ago * 86'400.0));
+        document.push_back(toJSON(made));
+    }
+    writeFile(support / "usage-history.json", serialized(document));
+    const auto days = [&](std::vector<std::string> span) {
+        ProgramRun::Setting wanted =
+            setting({"history", "export", "--now", "2026-01-10T14:00:00Z"});
+        wanted.arguments.insert(wanted.arguments.end(), span.begin(), span.end());
+        wanted.environment = {{"TZ", "America/Los_Angeles"}};
+        std::string ago;
+        for (const UsageHistorySample& one : samplesOf(ProgramRun::of(wanted).output)) {
+            ago += std::to_string(static_cast<int>(one.usedPercent) / 10);
+        }
+        return ago;
+    };
+    EXPECT_EQ(days({"--since", "2026-01-08"}), "210");
+    EXPECT_EQ(days({"--until", "2026-01-08"}), "5432") << "the whole day, there";
+    EXPECT_EQ(days({"--since", "2026-01-08 05:48", "--until", "2026-01-09T05:48"}), "2");
+    EXPECT_EQ(days({"--since", "05:47"}), "0") << "today";
+    EXPECT_EQ(days({"--since", "36h"}), "10");
+    EXPECT_EQ(days({"--since", "2d", "--until", "1767967679"}), "1") << "seconds since 1970";
+    for (const char* wrong : {"yesterday", "2026-02-30", "25:00", "-3d", "m", "2026-01-08 5"}) {
+        EXPECT_EQ(run({"history", "--since", wrong}).status, 2) << wrong;
+    }
+    EXPECT_EQ(run({"history", "--since", "1d", "--days", "2"}).status, 2);
+}
+
+TEST_F(StoredFilesCommands, AnotherHistoryIsTakenIn) {
+    const auto ours = sample("codex", "session", 3, 10);
+    auto sameMoment = ours;
+    sameMoment.id = UUID::make();
+    const auto theirs = sample("claude", "weekly", 2, 33.25);
+    const auto future = sample("claude", "weekly", -2, 5);
+    const auto impossible = sample("claude", "weekly", 1, -50);
+    writeFile(support / "usage-history.json", serialized(JSON::array({toJSON(ours)})));
+    JSON other = JSON::array();
+    for (const auto& one : {theirs, ours, sameMoment, future, impossible}) {
+        other.push_back(toJSON(one));
+    }
+    const auto file = sandbox.machine().home / "other.json";
+    writeFile(file, serialized(other));
+    const auto all = [&] { return samplesOf(contentOf(support / "usage-history.json")); };
+
+    const auto first = run({"history", "import", file.string()});
+    EXPECT_EQ(first.status, 0) << first.errors;
+    EXPECT_THAT(first.output, HasSubstr("Taken: 1. Already there: 2. Refused: 2.\n"));
+    EXPECT_EQ(all(), (std::vector{ours, theirs}));
+    const auto again = run({"history", "import", "-"}, contentOf(file));
+    EXPECT_THAT(again.output, HasSubstr("Taken: 0. Already there: 3."));
+    EXPECT_EQ(all(), (std::vector{ours, theirs}));
+
+    const auto cutOff = sample("codex", "weekly", 1, 70);
+    const auto damaged =
+        run({"history", "import", "-"}, "[\n" + serialized(toJSON(cutOff), -1) + ",\n{\"id\":\"A");
+    EXPECT_THAT(damaged.output, HasSubstr("Taken: 1."));
+    EXPECT_THAT(damaged.errors, HasSubstr("standard input is damaged"));
+    const std::string before = contentOf(support / "usage-history.json");
+    for (const std::string foreign : {"", "hello", "{\"version\":2}", "capturedAt,provider\n"}) {
+        const auto refused = run({"history", "import", "-"}, foreign);
+        EXPECT_EQ(refused.output.find("Taken: 1"), std::string::npos);
+        EXPECT_EQ(refused.status, foreign.empty() ? 0 : 1) << foreign;
+        EXPECT_EQ(contentOf(support / "usage-history.json"), before);
+    }
+    EXPECT_EQ(run({"history", "import"}).status, 2);
+    EXPECT_EQ(run({"history", "import", (file.string() + ".gone")}).status, 1);
+    EXPECT_EQ(run({"history", "import", file.string(), "--agent", "codex"}).status, 2);
+    {
+        std::error_code error;
+        const auto held = FileLock::acquire(support / "usage-history.lock", Seconds(1), error);
+        const auto busy = run({"history", "import", file.string()});
+        EXPECT_EQ(busy.status, 1);
+        EXPECT_THAT(busy.errors, HasSubstr("Another program is holding on to the history"));
+    }
+    writeFile(support / "usage-history.json", R"({"version":2})");
+    EXPECT_EQ(run({"history", "import", file.string()}).status, 1);
+    EXPECT_EQ(contentOf(support / "usage-history.json"), R"({"version":2})") << "untouched";
+}
+
+TEST_F(StoredFilesCommands, MetricsTellTheLastReadingsAndAreReplacedAtOnce) {
+    const std::string readings = R"([{"id":"codex","accountLabel":"me@example.org","plan":"Plus",
+        "windows":[{"id":"session","usedPercent":40,"windowDurationMinutes":300,"resetsAt":7200}],
+        "balances":[],"notes":[],"source":"live","updatedAt":0,"isIncomplete":false}])";
+    writeFile(support / "last-snapshots.json", readings);
+    const auto file = sandbox.machine().home / "vellmark.prom";
+    const auto written =
+        run({"metrics", "--output", file.string(), "--now", "2001-01-01T00:10:00Z"});
+    EXPECT_EQ(written.status, 0) << written.errors;
+    EXPECT_EQ(written.output, "");
+    const std::string text = contentOf(file);
+    EXPECT_EQ(text, run({"metrics", "--now", "2001-01-01T00:10:00Z"}).output);
+    EXPECT_THAT(text, AllOf(HasSubstr("vellmark_window_left_ratio{agent=\"codex\",window="
+                                      "\"session\"} 0.6\n"),
+                            HasSubstr("vellmark_up{agent=\"claude\"} 0.0\n"),
+                            Not(HasSubstr("example.org")), testing::EndsWith("\n# EOF\n")));
+    EXPECT_THAT(run({"metrics", "--accounts"}).output, HasSubstr("account=\"me@example.org\""));
+    struct stat status {};
+    ASSERT_EQ(::stat(file.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0644u) << "a collector is another user";
+    EXPECT_EQ(run({"metrics", "-o", (file.parent_path() / "none/x.prom").string()}).status, 1);
+    expectNothingLeft();
+}
+
 TEST_F(StoredFilesCommands, HistoryTellsWhatItCannotRead) {
     const auto empty = run({"history"});
     EXPECT_EQ(empty.status, 0) << "no file is an empty history";
@@ -87,7 +194,6 @@ TEST_F(StoredFilesCommands, TheWayOutOfAForeignHistoryIsNamedAndWorks) {
     std::filesystem::rename(support / "usage-history.json", support / "aside.json");
     EXPECT_EQ(run({"usage", "--agent", "codex"}).errors, "");
     EXPECT_FALSE(samplesOf(run({"history", "export"}).output).empty());
-    EXPECT_EQ(run({"history", "import"}).status, 2);
 
     writeFile(support / "usage-history.json", "nothing of ours");
     const auto nothing = run({"history", "export"});

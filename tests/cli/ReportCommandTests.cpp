@@ -40,6 +40,8 @@ TEST_F(ReportCommand, TellsTheStateOfThisMachine) {
                       Not(HasSubstr(sandbox.machine().home.string())), Not(HasSubstr("@example"))));
     EXPECT_THAT(run({"report", "--include-emails"}).output,
                 HasSubstr("e-mail addresses were left in"));
+    EXPECT_THAT(run({"report", "--what-happened", "It hung in /Users/berta/x"}).output,
+                HasSubstr("\n\nWhat happened?\nIt hung in ~/x\n\nAgents\n"));
 }
 
 TEST_F(ReportCommand, SavesForTheUserAloneOrNotAtAll) {

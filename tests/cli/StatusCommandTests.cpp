@@ -1,11 +1,16 @@
 #include "cli/CommandTest.h"
 #include "model/UsageJSON.h"
 #include "presentation/UsageStateMaker.h"
+#include "support/ProjectDirectories.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace vellmark::tests {
@@ -43,9 +48,12 @@ TEST_F(StatusCommand, GradesSnapshotsFromAFile) {
                                    {"elapsedPercent", 50.0},
                                    {"providerID", "claude"},
                                    {"windowID", "session"}}));
-    EXPECT_EQ(told["agents"], json({{{"id", "codex"}, {"health", "healthy"}},
-                                    {{"id", "claude"}, {"health", "attention"}},
+    EXPECT_EQ(told["agents"], json({{{"id", "codex"}, {"health", "healthy"}, {"age", 120.0}},
+                                    {{"id", "claude"}, {"health", "attention"}, {"age", 120.0}},
                                     {{"id", "antigravity"}, {"health", "unavailable"}}}));
+    EXPECT_EQ(told["window"]["id"], "session");
+    EXPECT_EQ(told["window"]["age"], 120.0);
+    EXPECT_EQ(told["window"]["forecast"]["lasts"], false);
     EXPECT_EQ(told["tooltip"], "Vellmark: Claude Code, Session, 60% used, 50% of the time elapsed");
 }
 
@@ -89,6 +97,108 @@ TEST_F(StatusCommand, RemembersTheLastReadings) {
     const json told = json::parse(status({"--cached", "--json"}).output);
     EXPECT_EQ(told["agents"].size(), 3u);
     EXPECT_TRUE(told["glyph"].contains("usedPercent"));
+}
+
+TEST_F(StatusCommand, TellsTheHealthByItsExitStatus) {
+    const auto statusOf = [&](double used, std::vector<std::string> more) {
+        std::vector<std::string> arguments{"--snapshots", "-", "--now", "2025-11-20T13:48:00Z"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return status(arguments,
+                      snapshotsDocument({live(codex, {window("session", used, 300, 150)})}))
+            .status;
+    };
+    EXPECT_EQ(statusOf(97, {}), 0);
+    EXPECT_EQ(statusOf(10, {"--exit-status"}), 0);
+    EXPECT_EQ(statusOf(60, {"--exit-status", "--format", "waybar"}), 10);
+    EXPECT_EQ(statusOf(97, {"--exit-status", "--format", "{left}"}), 11);
+    EXPECT_EQ(statusOf(97, {"--exit-status", "--agent", "claude"}), 12);
+    EXPECT_EQ(statusOf(97, {"--format", "i3blocks"}), 33);
+    EXPECT_EQ(statusOf(60, {"--format", "i3blocks"}), 0);
+    EXPECT_EQ(statusOf(97, {"--format", "i3blocks", "--exit-status"}), 2);
+}
+
+/// Lines for programs that go on reading.
+class StatusWatch : public StatusCommand {
+protected:
+    void read(double used, double minutesAgo = 0) {
+        AgentUsageSnapshot reading = live(claude, {});
+        reading.updatedAt = ReferenceClock::now() - Seconds(minutesAgo * 60);
+        reading.windows = {{.id = "session",
+                            .usedPercent = used,
+                            .windowDurationMinutes = 300,
+                            .resetsAt = reading.updatedAt + Seconds(2.5 * 3600 + 30)}};
+        // As the store does it: the file is replaced.
+        writeFile(support / "new", snapshotsDocument({reading}));
+        std::filesystem::rename(support / "new", support / "last-snapshots.json");
+        writeFile(support / "activity.log", "somebody has just read\n");
+    }
+    ProgramRun::Setting watching(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), "watch");
+        return setting(std::move(arguments), 200);
+    }
+};
+
+TEST_F(StatusWatch, FollowsTheReadingsOfOthers) {
+    read(60);
+    ProgramRun watch(watching({"--format", "i3bar", "--agent", "claude"}));
+    EXPECT_TRUE(watch.shows("{\"version\":1}"));
+    EXPECT_TRUE(watch.shows("[\r\n[{\"name\""));
+    EXPECT_TRUE(watch.shows("Claude 40% left"));
+    read(60); // the same figures: nothing to write
+    read(70);
+    EXPECT_TRUE(watch.shows("Claude 30% left"));
+    setPreferences(R"({"FirstFigure":"used"})");
+    EXPECT_TRUE(watch.shows("Claude 70% used"));
+    writeFile(support / "status-line.json", "[]");
+    ::kill(watch.pid(), SIGTERM);
+    const auto result = watch.wait();
+    EXPECT_EQ(result.status, 128 + SIGTERM);
+    // Who follows starts no agent.
+    expectNothingLeft();
+    EXPECT_EQ(contentOf(support / "activity.log"), "somebody has just read\n");
+}
+
+TEST_F(StatusWatch, WritesOnlyWhatIsNew) {
+    read(60);
+    ProgramRun::Setting wanted = watching({"--format", "{left}", "--agent", "claude"});
+    wanted.columns = 0;
+    wanted.outputPath = (support.parent_path() / "lines").string();
+    ProgramRun watch(wanted);
+    const auto lines = [&] { return contentOf(wanted.outputPath); };
+    const auto has = [&](const std::string& text) {
+        for (int turn = 0; turn < 600 && lines() != text; ++turn) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        }
+        return lines() == text;
+    };
+    EXPECT_TRUE(has("40%\n")) << lines();
+    read(60);
+    read(60);
+    read(80);
+    EXPECT_TRUE(has("40%\n20%\n")) << lines();
+    ::kill(watch.pid(), SIGTERM);
+    watch.wait();
+}
+
+/// A bar that has gone leaves nobody behind, and where nobody reads the agents, this does.
+TEST_F(StatusWatch, ReadsByItselfAndEndsWithItsReader) {
+    read(60, 30);
+    std::filesystem::remove(support / "activity.log");
+    const std::string program = builtProgram("vellmark");
+    const std::string directory = sandbox.machine().home.parent_path().string();
+    const std::string command = "'" + program + "' --sandbox '" + directory +
+                                "' watch --format '{agent} {age}' --interval 5 | head -n 2";
+    std::FILE* const pipe = ::popen(command.c_str(), "r");
+    ASSERT_NE(pipe, nullptr);
+    std::string told;
+    for (int character = 0; (character = std::fgetc(pipe)) != EOF;) {
+        told += static_cast<char>(character);
+    }
+    // The shell waits for both, so it has ended.
+    EXPECT_EQ(::pclose(pipe), 0);
+    EXPECT_THAT(told, testing::StartsWith("Claude Code 30 min old\n"));
+    EXPECT_EQ(std::ranges::count(told, '\n'), 2) << told;
+    expectNothingLeft();
 }
 
 } // namespace

@@ -59,11 +59,6 @@ TEST(Overview, SaysWhenItWasReadAndWhatIsWorst) {
     EXPECT_THAT(content.verdict.text,
                 testing::MatchesRegex("runs out in .*, .* before it resets.*"));
     EXPECT_EQ(content.cards.size(), 2U);
-    EXPECT_EQ(content.setupHint, "");
-    // What is left to set up is said beside it.
-    const OverviewPageContent asking = overviewPageContent(state, noon, english, true);
-    EXPECT_THAT(asking.setupHint, testing::HasSubstr("vellmark setup"));
-    EXPECT_EQ(asking.verdict, content.verdict);
     EXPECT_EQ(content.head.refresh.title, "Refresh");
 
     state.isRefreshing = true;

@@ -64,7 +64,8 @@ protected:
                 .showFolder = [this](const std::filesystem::path& folder) { shownFolder = folder; },
                 .noticeDelivery = [this] { return delivery; },
                 .lookForNoticeService = [this] { ++noticeLooks; },
-                .allowNotices = [this] { ++allowings; }};
+                .allowNotices = [this] { ++allowings; },
+                .terminalProgram = directory.path() / "vellmark"};
     }
     SettingsPageContent content() { return model->content(); }
     std::vector<SettingRowContent> rows() {
@@ -335,6 +336,36 @@ TEST_F(SettingsPageTest, SaysWhenAChangeIsNotOnDisk) {
     std::filesystem::remove(directory / "blocked");
     actions.change("appearance", "light");
     EXPECT_THAT(content().trouble, IsEmpty());
+}
+
+TEST_F(SettingsPageTest, PutsTheStatusLineIntoClaudesSettingsAndOutAgain) {
+    const auto file = machine.home / ".claude/settings.json";
+    const auto look = [&] { model->actions().appear(); };
+    directory.write("vellmark", "");
+    look();
+    EXPECT_THAT(row(settingsRow::statusLine).name, IsEmpty()) << "Claude Code was never used";
+    writeFile(file, "{\n  \"model\": \"opus\"\n}\n");
+    look();
+    EXPECT_EQ(row(settingsRow::statusLine).button.title, "Set up …");
+    EXPECT_THAT(content().statusLineQuestion.text, HasSubstr("~/.claude/settings.json"));
+    EXPECT_THAT(content().statusLineQuestion.text, HasSubstr("\n+ \"statusLine\": {"));
+
+    writeFile(file, "{\n  \"model\": \"haiku\"\n}\n");
+    model->actions().press(std::string(settingsRow::statusLine));
+    EXPECT_THAT(content().trouble, HasSubstr("changed meanwhile"));
+    EXPECT_THAT(contentOf(file), Not(HasSubstr("statusLine")));
+
+    model->actions().press(std::string(settingsRow::statusLine));
+    EXPECT_THAT(content().trouble, IsEmpty());
+    EXPECT_THAT(contentOf(file), HasSubstr((directory.path() / "vellmark").string()));
+    EXPECT_THAT(contentOf(file.string() + ".before-vellmark"), HasSubstr("haiku"));
+    EXPECT_EQ(row(settingsRow::statusLine).button.title, "Remove …");
+    model->actions().press(std::string(settingsRow::statusLine));
+    EXPECT_EQ(contentOf(file), "{\n  \"model\": \"haiku\"\n}\n");
+
+    writeFile(file, "{ // mine");
+    look();
+    EXPECT_THAT(row(settingsRow::statusLine).name, IsEmpty());
 }
 
 } // namespace

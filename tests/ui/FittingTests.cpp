@@ -1,12 +1,14 @@
 #include "presentation/MainWindowContent.h"
 #include "presentation/OverviewPageContent.h"
 #include "presentation/PopoverContent.h"
+#include "screenshots/SampleSetup.h"
 #include "screenshots/SampleStates.h"
 #include "ui/ForecastLine.h"
 #include "ui/QtEnvironment.h"
 #include "ui/kit/FigureText.h"
 #include "ui/kit/Label.h"
 #include "ui/popover/AgentUsagePopoverView.h"
+#include "ui/setup/SetupAssistantView.h"
 #include "ui/window/AgentMainWindowView.h"
 
 #include <QAbstractButton>
@@ -106,10 +108,39 @@ TEST_P(Fitting, Overview) {
         const UsageState state = make();
         view.setContent({sidebarItems(state, samples::now(), words),
                          AgentPage::of(AgentPage::Kind::overview),
-                         overviewPageContent(state, samples::now(), words, true)});
+                         overviewPageContent(state, samples::now(), words)});
         view.show();
         settle();
         expectAllFits(view, name);
+    }
+}
+
+TEST_P(Fitting, SetupAssistant) {
+    SetupAssistantActions actions;
+    actions.lookAgain = [] {};
+    SetupAssistantView view(actions);
+    const auto expectFits = [&](const SetupAssistantState& state, const std::string& where) {
+        view.setContent(setupAssistantContent(state, samples::now(), words));
+        view.show();
+        settle();
+        expectAllFits(view, where);
+    };
+    for (const SetupStep step :
+         {SetupStep::welcome, SetupStep::agents, SetupStep::tools, SetupStep::finish}) {
+        expectFits(samples::setup(step, words), std::to_string(static_cast<int>(step)));
+    }
+    expectFits(samples::runningSetup(words), "running");
+    expectFits(samples::failedSetup(words), "failed");
+    expectFits(samples::closedSetup(words), "closed");
+    expectFits(samples::setupWithoutTerminal(words), "without terminal");
+    expectFits(samples::setupWithoutShell(words), "without shell");
+    // All that can come of a script.
+    for (int kind = 0; kind <= static_cast<int>(SetupOutcome::Kind::notLoggedIn); ++kind) {
+        SetupAssistantState state = samples::failedSetup(words);
+        for (SetupAssistantState::Agent& agent : state.agents) {
+            agent.outcome.kind = static_cast<SetupOutcome::Kind>(kind);
+        }
+        expectFits(state, "outcome " + std::to_string(kind));
     }
 }
 

@@ -26,17 +26,17 @@ using testing::waitUntil;
 
 class MainWindow : public ::testing::Test {
 protected:
-    void show(const UsageState& state, bool asksForSetup = false) {
-        navigation.onChange = [this, state, asksForSetup] { fill(state, asksForSetup); };
-        fill(state, asksForSetup);
+    void show(const UsageState& state) {
+        navigation.onChange = [this, state] { fill(state); };
+        fill(state);
         view.show();
     }
-    void fill(const UsageState& state, bool asksForSetup) {
+    void fill(const UsageState& state) {
         const Localization words = samples::words("en");
         const AgentPage page = shownPage(navigation.selection(), state);
         PageContent content = PageHeadContent{.title = "Page"};
         if (page.kind == AgentPage::Kind::overview) {
-            content = overviewPageContent(state, samples::now(), words, asksForSetup);
+            content = overviewPageContent(state, samples::now(), words);
         }
         MainWindowContent shown{sidebarItems(state, samples::now(), words), page, content};
         if (hasMenuButton) {
@@ -79,14 +79,6 @@ protected:
             }
         }
         return nullptr;
-    }
-    int firstCardTop() {
-        for (const QWidget* stop : tabStops(view)) {
-            if (dynamic_cast<const AgentSummaryCard*>(stop) != nullptr) {
-                return stop->mapTo(&view, QPoint(0, 0)).y();
-            }
-        }
-        return 0;
     }
 
     RecordedActions recorded;
@@ -250,18 +242,6 @@ TEST_F(MainWindow, TakesTheFocusRingBackFromAnotherWindowUnlessAPressHadRemovedI
     EXPECT_EQ(findRing(), nullptr);
 }
 
-TEST_F(MainWindow, KeepsTheVerdictBesideTheHintAboutTheSetup) {
-    const OverviewPageContent asking =
-        overviewPageContent(samples::normal(), samples::now(), samples::words("en"), true);
-    show(samples::normal(), true);
-    EXPECT_TRUE(says(QString::fromStdString(asking.verdict.text)));
-    EXPECT_TRUE(says(QString::fromStdString(asking.setupHint)));
-    const int withHint = firstCardTop();
-    show(samples::normal());
-    EXPECT_FALSE(says(QString::fromStdString(asking.setupHint)));
-    EXPECT_LT(firstCardTop(), withHint);
-}
-
 TEST_F(MainWindow, LeadsToAgentsAndOutOfFailures) {
     show(samples::failed());
     for (QWidget* stop : tabStops(view)) {
@@ -270,9 +250,9 @@ TEST_F(MainWindow, LeadsToAgentsAndOutOfFailures) {
             pressKey(view, Qt::Key_Return);
         }
     }
-    EXPECT_THAT(recorded.calls,
-                ElementsAre("refresh", "openProvider codex", "startSetup", "openProvider claude",
-                            "startSetup", "openProvider antigravity"));
+    EXPECT_THAT(recorded.calls, ElementsAre("refresh", "openProvider codex", "setUpAgent codex",
+                                            "openProvider claude", "setUpAgent claude",
+                                            "openProvider antigravity"));
 }
 
 } // namespace

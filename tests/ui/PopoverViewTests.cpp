@@ -229,9 +229,9 @@ TEST_F(PopoverView, ReachesEveryControlByTabAndPressesItByReturn) {
         pressKey(view, Qt::Key_Return);
     }
     EXPECT_THAT(recorded.calls,
-                ElementsAre("refresh", "openProvider codex", "startSetup", "openProvider claude",
-                            "startSetup", "openProvider antigravity", "openWindow", "showAbout",
-                            "quit"));
+                ElementsAre("refresh", "openProvider codex", "setUpAgent codex",
+                            "openProvider claude", "setUpAgent claude", "openProvider antigravity",
+                            "openWindow", "showAbout", "quit"));
 }
 
 TEST_F(PopoverView, KeepsTheKeyboardNearWhenItsControlGoesOutOfSight) {

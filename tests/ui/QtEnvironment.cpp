@@ -66,6 +66,8 @@ AgentUIActions RecordedActions::actions() {
         .openSettings = note("openSettings"),
         .showAbout = note("showAbout"),
         .startSetup = note("startSetup"),
+        .setUpAgent =
+            [this](const AgentProviderID& id) { calls.push_back("setUpAgent " + id.rawValue); },
         .showLegal = [this](LegalDocument) { calls.emplace_back("showLegal"); },
         .showSupportReport = note("showSupportReport"),
         .quit = note("quit")};

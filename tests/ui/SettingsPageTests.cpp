@@ -125,7 +125,15 @@ protected:
         .change = [this](const std::string& name,
                          const std::string& value) { calls.push_back(name + " = " + value); },
         .press = [this](const std::string& name) { calls.push_back("press " + name); }};
-    SettingsPage page{actions, [this] { calls.emplace_back("setup"); }, nullptr};
+    AgentUIActions program = [this] {
+        AgentUIActions way;
+        way.startSetup = [this] { calls.emplace_back("setup"); };
+        way.setUpAgent = [this](const AgentProviderID& id) {
+            calls.push_back("set up " + id.rawValue);
+        };
+        return way;
+    }();
+    SettingsPage page{actions, program, nullptr};
 };
 
 TEST_F(SettingsPageTest, EveryControlDoesWhatItSaysByKeyboardAlone) {
@@ -143,7 +151,7 @@ TEST_F(SettingsPageTest, EveryControlDoesWhatItSaysByKeyboardAlone) {
     press(named<kit::Choice>("Language"), Qt::Key_Down);
     press(button("Show in folder"), Qt::Key_Space);
     EXPECT_THAT(calls, ElementsAre("setup", "check", "order claude codex antigravity",
-                                   "order claude codex antigravity", "codex on", "setup",
+                                   "order claude codex antigravity", "codex on", "set up claude",
                                    "press launch-at-login", "launch-at-login = off",
                                    "language = de", "press data-folder"));
 }

@@ -30,6 +30,16 @@ extern NSString* const NSWorkspaceAccessibilityDisplayOptionsDidChangeNotificati
 - (BOOL)accessibilityDisplayShouldIncreaseContrast;
 @end
 
+extern NSString* const NSSharingServiceNameComposeEmail;
+
+@interface NSSharingService (VellmarkDeclarations)
++ (NSSharingService*)sharingServiceNamed:(NSString*)serviceName;
+- (BOOL)canPerformWithItems:(NSArray*)items;
+- (void)performWithItems:(NSArray*)items;
+- (void)setRecipients:(NSArray*)recipients;
+- (void)setSubject:(NSString*)subject;
+@end
+
 @interface NSView (VellmarkDeclarations)
 - (NSAppearance*)effectiveAppearance;
 - (void)setAccessibilityLabel:(NSString*)accessibilityLabel;

@@ -4,6 +4,7 @@
 #include <time.h>
 
 #define EVFILT_READ (-1)
+#define EVFILT_VNODE (-4)
 #define EVFILT_PROC (-5)
 #define EVFILT_USER (-10)
 
@@ -12,6 +13,7 @@
 #define EV_ONESHOT 0x0010
 #define EV_CLEAR 0x0020
 
+#define NOTE_WRITE 0x00000002
 #define NOTE_TRIGGER 0x01000000
 #define NOTE_EXIT 0x80000000
 

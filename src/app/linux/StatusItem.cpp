@@ -48,6 +48,7 @@ class LinuxStatusItem final : public QObject, public StatusItem {
 public:
     LinuxStatusItem(DescriptorWatcher& loop, Preferences& preferences, Events events)
         : preferences_(preferences), events_(std::move(events)) {
+        connect(&menu_, &QMenu::aboutToShow, this, [this] { fillMenu(); });
         notifier_ = StatusNotifierItem::create(
             loop, "vellmark", "Vellmark",
             {.activate = [this](int x, int y) { events_.toggle(pointerOr(x, y)); },
@@ -89,21 +90,17 @@ public:
         }
     }
 
-    void setMenu(std::vector<MenuItemContent> items) override {
-        menu_.clear();
-        std::vector<NotifierMenuItem> forPanel;
-        for (const MenuItemContent& item : items) {
-            forPanel.push_back({item.title, std::string(item.action)});
-            if (item.isSeparator()) {
-                menu_.addSeparator();
-                continue;
-            }
-            QAction* action = menu_.addAction(QString::fromStdString(item.title));
-            connect(action, &QAction::triggered, this,
-                    [this, name = item.action] { events_.menuAction(name); });
+    void setMenu(std::vector<StatusMenuItem> items) override {
+        if (items == items_) {
+            return;
         }
+        items_ = std::move(items);
         if (notifier_) {
-            notifier_->setMenu(std::move(forPanel));
+            notifier_->setMenu(forPanel(items_));
+        }
+        // Not under the pointer.
+        if (!menu_.isVisible()) {
+            fillMenu();
         }
     }
 
@@ -133,6 +130,37 @@ public:
     }
 
 private:
+    static std::vector<NotifierMenuItem> forPanel(const std::vector<StatusMenuItem>& items) {
+        std::vector<NotifierMenuItem> lines;
+        for (const StatusMenuItem& item : items) {
+            lines.push_back({item.title, item.action, true, forPanel(item.items)});
+        }
+        return lines;
+    }
+
+    void fillMenu() {
+        menu_.clear();
+        submenus_.clear();
+        fill(menu_, items_);
+    }
+
+    void fill(QMenu& menu, const std::vector<StatusMenuItem>& items) {
+        for (const StatusMenuItem& item : items) {
+            // An ampersand would mark the letter of a shortcut.
+            const QString title = QString::fromStdString(item.title).replace('&', "&&");
+            if (item.isSeparator()) {
+                menu.addSeparator();
+            } else if (!item.items.empty()) {
+                submenus_.push_back(std::make_unique<QMenu>(title));
+                menu.addMenu(submenus_.back().get());
+                fill(*submenus_.back(), item.items);
+            } else {
+                connect(menu.addAction(title), &QAction::triggered, this,
+                        [this, action = item.action] { events_.menuAction(action); });
+            }
+        }
+    }
+
     /// An old-style tray draws its ground where the icon lets it through.
     void lookAtTray() {
         const QRect place = tray_ ? tray_->geometry() : QRect();
@@ -274,7 +302,9 @@ private:
     std::optional<bool> isHosted_;
     /// As its ground shows; absent before the first look.
     std::optional<bool> isTrayDark_;
+    std::vector<StatusMenuItem> items_;
     QMenu menu_;
+    std::vector<std::unique_ptr<QMenu>> submenus_; ///< gone before the menu that shows them
     std::unique_ptr<StatusNotifierItem> notifier_;
     std::unique_ptr<QSystemTrayIcon> tray_;
     std::unique_ptr<EdgeStrip> strip_;

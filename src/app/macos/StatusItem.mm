@@ -145,7 +145,7 @@ public:
     }
 
     // The menu bar's own conventions hold on macOS: a click opens the popover, nothing else.
-    void setMenu(std::vector<MenuItemContent> /*items*/) override {}
+    void setMenu(std::vector<StatusMenuItem> /*items*/) override {}
     // The button tells its appearance itself.
     void setPanelScheme(ColorScheme /*scheme*/) override {}
 

@@ -144,7 +144,7 @@ private:
         return found == members.end() ? std::string() : found->second;
     }
 
-    /// With "TryExec" a desktop says nothing where the program has been removed.
+    /// "TryExec" keeps a desktop silent when the program has been removed.
     std::string contents() const {
         return "[Desktop Entry]\n"
                "Type=Application\n"

@@ -15,8 +15,8 @@ namespace vellmark {
 /// calls on the connection then throw sdbus::Error as they did before.
 class BusConnection : public std::enable_shared_from_this<BusConnection> {
 public:
-    /// The session bus, shared by everyone who asks while somebody holds it and it is not lost; null
-    /// when there is none or it does not answer.
+    /// The session bus, shared by everyone who asks while somebody holds it and it is not lost;
+    /// null when there is none or it does not answer.
     static std::shared_ptr<BusConnection> session(DescriptorWatcher& loop);
     /// The system bus; null when there is none or it does not answer.
     static std::shared_ptr<BusConnection> system(DescriptorWatcher& loop);

@@ -29,7 +29,7 @@ bool anyItemMatches(sdbus::IProxy& secrets, const Attributes& attributes,
     std::vector<sdbus::ObjectPath> locked;
     secrets.callMethod("SearchItems")
         .onInterface("org.freedesktop.Secret.Service")
-        // No time left is still a limit; none at all would stand for the library's own.
+        // Zero would mean the library's own limit, so even with no time left some is given.
         .withTimeout(std::max(left, std::chrono::microseconds(1)))
         .withArguments(attributes)
         .storeResultsTo(unlocked, locked);

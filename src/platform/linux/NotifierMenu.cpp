@@ -46,12 +46,26 @@ void NotifierMenu::setItems(std::vector<NotifierMenuItem> items) {
     if (items == items_) {
         return;
     }
-    firstID_ += static_cast<std::int32_t>(items_.size());
+    firstID_ += static_cast<std::int32_t>(lines_.size());
     items_ = std::move(items);
+    lines_.clear();
+    topmost_ = enter(items_);
     ++revision_;
     object_->emitSignal("LayoutUpdated")
         .onInterface(menuInterface)
         .withArguments(revision_, rootID);
+}
+
+std::vector<std::int32_t> NotifierMenu::enter(const std::vector<NotifierMenuItem>& items) {
+    std::vector<std::int32_t> ids;
+    for (const NotifierMenuItem& item : items) {
+        const std::size_t place = lines_.size();
+        ids.push_back(firstID_ + static_cast<std::int32_t>(place));
+        lines_.push_back({&item, {}});
+        auto below = enter(item.items);
+        lines_[place].below = std::move(below);
+    }
+    return ids;
 }
 
 void NotifierMenu::registerMethods() {
@@ -68,12 +82,12 @@ void NotifierMenu::registerMethods() {
         .implementedAs([this](std::vector<std::int32_t> ids, const std::vector<std::string>&) {
             std::vector<ItemProperties> answer;
             if (ids.empty()) {
-                for (std::size_t index = 0; index < items_.size(); ++index) {
+                for (std::size_t index = 0; index < lines_.size(); ++index) {
                     ids.push_back(firstID_ + static_cast<std::int32_t>(index));
                 }
             }
             for (const std::int32_t id : ids) {
-                if (id == rootID || item(id) != nullptr) {
+                if (id == rootID || line(id) != nullptr) {
                     answer.emplace_back(id, properties(id));
                 }
             }
@@ -129,47 +143,54 @@ void NotifierMenu::registerProperties() {
     });
 }
 
-const NotifierMenuItem* NotifierMenu::item(std::int32_t id) const {
+const NotifierMenu::Line* NotifierMenu::line(std::int32_t id) const {
     const std::int32_t index = id - firstID_;
-    if (id == rootID || index < 0 || index >= static_cast<std::int32_t>(items_.size())) {
+    if (id == rootID || index < 0 || index >= static_cast<std::int32_t>(lines_.size())) {
         return nullptr;
     }
-    return &items_[static_cast<std::size_t>(index)];
+    return &lines_[static_cast<std::size_t>(index)];
 }
 
 NotifierMenu::Properties NotifierMenu::properties(std::int32_t id) const {
+    const auto submenu = [] { return sdbus::Variant(std::string("submenu")); };
     if (id == rootID) {
-        return {{"children-display", sdbus::Variant(std::string("submenu"))}};
+        return {{"children-display", submenu()}};
     }
-    const NotifierMenuItem* found = item(id);
+    const Line* found = line(id);
     if (found == nullptr) {
         return {};
     }
-    if (found->action.empty()) {
+    if (found->item->label.empty()) {
         return {{"type", sdbus::Variant(std::string("separator"))}};
     }
-    return {{"label", sdbus::Variant(escapedLabel(found->label))},
-            {"enabled", sdbus::Variant(found->isEnabled)}};
+    Properties properties{{"label", sdbus::Variant(escapedLabel(found->item->label))},
+                          {"enabled", sdbus::Variant(found->item->isEnabled)}};
+    if (!found->below.empty()) {
+        properties.emplace("children-display", submenu());
+    }
+    return properties;
 }
 
+/// `depth`: how many levels below it; below 0 for all.
 NotifierMenu::Layout NotifierMenu::layout(std::int32_t parent, std::int32_t depth) const {
     std::vector<sdbus::Variant> children;
-    if (parent == rootID && depth != 0) {
-        for (std::size_t index = 0; index < items_.size(); ++index) {
-            const std::int32_t id = firstID_ + static_cast<std::int32_t>(index);
-            children.emplace_back(Layout{id, properties(id), std::vector<sdbus::Variant>()});
+    const Line* const found = line(parent);
+    if (depth != 0 && (parent == rootID || found != nullptr)) {
+        for (const std::int32_t id : parent == rootID ? topmost_ : found->below) {
+            children.emplace_back(layout(id, depth - 1));
         }
     }
     return Layout{parent, properties(parent), std::move(children)};
 }
 
 bool NotifierMenu::handleEvent(std::int32_t id, const std::string& event) {
-    const NotifierMenuItem* found = item(id);
+    const Line* found = line(id);
     if (found == nullptr) {
         return id == rootID;
     }
-    if (event == "clicked" && found->isEnabled && !found->action.empty()) {
-        onChosen_(std::string(found->action));
+    const NotifierMenuItem& item = *found->item;
+    if (event == "clicked" && item.isEnabled && !item.action.empty()) {
+        onChosen_(std::string(item.action));
     }
     return true;
 }

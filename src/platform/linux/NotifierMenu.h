@@ -13,8 +13,8 @@
 
 namespace vellmark {
 
-/// A flat menu that panels show for the item, over the interface "com.canonical.dbusmenu".
-/// Main thread.
+/// The menu that panels show for the item, with its submenus, over the interface
+/// "com.canonical.dbusmenu". Main thread.
 class NotifierMenu {
 public:
     NotifierMenu(sdbus::IConnection& bus, const std::string& path,
@@ -30,13 +30,22 @@ private:
 
     void registerMethods();
     void registerProperties();
+    /// A line of the menu, with the identifiers of those below it.
+    struct Line {
+        const NotifierMenuItem* item = nullptr;
+        std::vector<std::int32_t> below;
+    };
+    /// Gives the items and all below them identifiers, which it returns.
+    std::vector<std::int32_t> enter(const std::vector<NotifierMenuItem>& items);
     /// Null for the root and for identifiers of an earlier menu.
-    const NotifierMenuItem* item(std::int32_t id) const;
+    const Line* line(std::int32_t id) const;
     Properties properties(std::int32_t id) const;
     Layout layout(std::int32_t parent, std::int32_t depth) const;
     bool handleEvent(std::int32_t id, const std::string& event);
 
     std::vector<NotifierMenuItem> items_;
+    std::vector<Line> lines_;           ///< of `items_` and all below them, by identifier
+    std::vector<std::int32_t> topmost_; ///< the identifiers of `items_`
     /// Identifiers are never used again, so that a click on an old menu hits nothing else.
     std::int32_t firstID_ = 1;
     std::uint32_t revision_ = 1;

@@ -33,9 +33,9 @@ bool hasUnsentMessages(const sdbus::IConnection& connection) {
 
 } // namespace
 
-// The library waits up to a minute and a half for a bus to let it in and cannot be told to wait
-// less. So a thread waits that is left behind when this takes too long; it ends with the library's
-// patience, or with the program.
+// The library waits up to a minute and a half for a bus to let it in, and cannot be told to wait
+// less. So the waiting is done on a thread that is left behind if it takes too long; it ends when
+// the library gives up, or with the program.
 Connection openBus(MessageBus which) {
     try {
         std::packaged_task<Connection()> task([which] { return connect(which); });
@@ -45,12 +45,12 @@ Connection openBus(MessageBus which) {
             return connection.get();
         }
     } catch (const std::system_error&) {
-        // No thread is to be had.
+        // No thread could be started.
     }
     return nullptr;
 }
 
-// The library waits until everything is sent, so where that may take long a thread is left behind.
+// The library waits until everything is sent; a thread that may be left behind does that.
 void closeBus(Connection connection) {
     if (!connection || !hasUnsentMessages(*connection)) {
         return;
@@ -58,7 +58,7 @@ void closeBus(Connection connection) {
     try {
         std::thread([unsent = std::move(connection)] {}).detach();
     } catch (const std::system_error&) {
-        // No thread is to be had.
+        // No thread could be started.
     }
 }
 

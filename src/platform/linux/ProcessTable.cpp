@@ -188,7 +188,7 @@ std::optional<ProcessHandle> ProcessHandle::openChild(pid_t pid, pid_t parent) {
     if (!handle) {
         return std::nullopt;
     }
-    // Looked at only now: whatever process the handle holds, if it still lives it is this one.
+    // Checked last: whatever process the handle holds, if it is still alive it is this one.
     const auto status = statusOf(pid);
     return status && status->parent == parent ? std::move(handle) : std::nullopt;
 }
@@ -213,7 +213,7 @@ bool ProcessHandle::isAlive() const {
 
 bool ProcessHandle::isInGroup(pid_t group) const {
     const auto status = statusOf(pid());
-    // Looked at only now: if this process still lives, it was the one with the number.
+    // Checked last: if this process is still alive, it was the one with the number.
     return status && status->group == group && isAlive();
 }
 

@@ -187,7 +187,7 @@ void knock(const std::filesystem::path& socketPath, bool asksForPopover) {
     }
 }
 
-/// The right held by somebody who could not lock: no file system to do so. Starting is better than
+/// The right, held without a lock because the file system has none. Starting is better than
 /// refusing to.
 class Unguarded final : public SingleInstance {};
 

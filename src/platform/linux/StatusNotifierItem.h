@@ -17,11 +17,12 @@ struct NotifierPixmap {
     bool operator==(const NotifierPixmap&) const = default;
 };
 
-/// A line of the item's menu; a separator has no action.
+/// A line of the item's menu; a separator has no label. One with a submenu has no action.
 struct NotifierMenuItem {
     std::string label;
     std::string action;
     bool isEnabled = true;
+    std::vector<NotifierMenuItem> items = {};
     bool operator==(const NotifierMenuItem&) const = default;
 };
 

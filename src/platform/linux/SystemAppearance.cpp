@@ -122,7 +122,7 @@ private:
 } // namespace
 
 void setApplicationAppearance(ColorScheme /*scheme*/) {
-    // The window manager and the desktop's dialogs take no orders.
+    // The window manager and the desktop's dialogs cannot be told.
 }
 
 std::unique_ptr<SystemAppearance> observeSystemAppearance(DescriptorWatcher& loop,

@@ -12,7 +12,7 @@ Descriptor openUnnamedFile(const std::filesystem::path& directory) {
     if (file.isOpen() || errno == ENOENT || errno == EACCES || errno == EROFS) {
         return file;
     }
-    // A file system that does not know such files.
+    // This file system has no unnamed files.
     std::string path = (directory / ".vellmark-XXXXXX").string();
     file.reset(::mkostemp(path.data(), O_APPEND | O_CLOEXEC));
     if (file.isOpen()) {

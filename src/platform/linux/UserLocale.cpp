@@ -27,8 +27,8 @@ std::string languageOf(std::string_view identifier) {
     return std::string(identifier.substr(0, identifier.find_first_of("_.@")));
 }
 
-/// LANGUAGE lists languages ("fr_CH:de") that are wanted before that of the locale. As gettext has
-/// it, the "C" locale wants none.
+/// LANGUAGE lists languages ("fr_CH:de") that are preferred to the locale's. As with gettext, it
+/// does not count in the "C" locale.
 std::vector<std::string> languagesOf(const Environment& environment) {
     const std::string locale = localeName(environment, {"LC_ALL", "LC_MESSAGES", "LANG"});
     if (locale.empty()) {

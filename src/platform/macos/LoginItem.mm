@@ -33,11 +33,11 @@ public:
         SMAppService* const service = [SMAppService mainAppService];
         NSError* error = nil;
         if (enabled) {
-            // Registered for where it was, it has to be taken out before it is registered anew.
+            // Registered at its old place, it must be taken out before it is registered again.
             if ([service status] == SMAppServiceStatusEnabled) {
                 [service unregisterAndReturnError:nullptr];
             }
-            // Asked for and not yet allowed is no refusal: the state tells of it.
+            // Waiting for approval is not a refusal: the state tells about it.
             if ([service registerAndReturnError:&error] ||
                 [service status] == SMAppServiceStatusRequiresApproval) {
                 return {};

@@ -10,7 +10,7 @@ namespace vellmark {
 
 namespace {
 
-/// Who has changed a setting posts a notification, see UserDefaults.
+/// Whoever changes a setting posts a notification, see UserDefaults.
 class NotificationWatch final : public PreferencesWatch {
 public:
     NotificationWatch(DescriptorWatcher& loop, int token, int descriptor,

@@ -132,8 +132,8 @@ bool ProcessHandle::isInGroup(pid_t group) const {
 }
 
 bool ProcessHandle::signal(int number) const {
-    // The system has no way to name a process but its number; what is left between the look and the
-    // signal is too short for the numbers to come round.
+    // A process can only be named by its number here; the time between the check and the signal is
+    // too short for the numbers to come round.
     return isAlive() && ::kill(identity_->pid, number) == 0;
 }
 

@@ -52,7 +52,7 @@ bool settingsHoldKey(const std::filesystem::path& file) {
 }
 
 bool anotherWayIsAtHand(const Machine& machine) {
-    // A variable that the CLI is not given is none of its ways.
+    // A variable that is withheld from the CLI is no way to log in.
     const Environment environment = childEnvironment(machine);
     std::error_code ignored;
     return std::ranges::any_of(keyVariables,

@@ -17,7 +17,7 @@ namespace vellmark {
 
 namespace {
 
-/// What the CLI says of a quota that has nothing else to tell: all of it is left.
+/// What the CLI prints in place of figures for a quota of which everything is left.
 constexpr std::string_view notUsedYet = "not used yet";
 
 bool saysNotUsedYet(std::string_view text) {
@@ -189,8 +189,8 @@ std::optional<std::vector<AntigravityQuotaRow>> readGroups(const JSON& document,
     return rows;
 }
 
-/// The first lines of `text`, about 1 MB, which are taken off it: those of a flood are not all held
-/// at once.
+/// Removes the first lines of `text`, about 1 MB, and returns them, so that the lines of a flood
+/// are never all held at once.
 std::string_view takeLines(std::string_view& text) {
     constexpr std::size_t size = 1u << 20;
     const std::size_t end = text.size() > size ? text.find('\n', size) : std::string_view::npos;

@@ -13,7 +13,7 @@ namespace vellmark {
 
 /// What `agy -p /usage --output-format json` printed, read.
 struct AntigravityOutput {
-    /// More are no quotas but a flood; the rest is not read.
+    /// More rows than this are a flood, not quotas; the rest is not read.
     static constexpr std::size_t maximumRows = 1000;
 
     std::vector<AntigravityQuotaRow> rows;

@@ -22,8 +22,8 @@ bool containsAny(const std::string& text, std::initializer_list<const char*> phr
                        [&](const char* phrase) { return text.find(phrase) != std::string::npos; });
 }
 
-/// Why there are no quotas. The words go before the time limit: a login prompt hangs until it is
-/// stopped. But a model's words are about nothing: it may write of any limit and any login.
+/// Why there are no quotas. The output counts before the time limit: a login prompt hangs until it
+/// is stopped. But a model's words prove nothing: it may write of any limit and any login.
 UsageProviderError failure(const AntigravityRun& run) {
     const AntigravityOutput& output = run.output;
     if (output.tookTurn) {

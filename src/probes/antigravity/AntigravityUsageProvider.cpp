@@ -28,7 +28,7 @@ constexpr VersionNumber firstFreeOfCharge{{1, 1, 11}};
 
 /// The answer has some kilobytes; a child that prints more than this is stopped.
 constexpr std::size_t outputLimit = 32u << 20;
-/// What the log is read for stands near its beginning.
+/// The part of the log that matters is near its beginning.
 constexpr std::size_t logReadLimit = 16u << 20;
 
 /// `fallback` where the workspace cannot be made.

@@ -14,8 +14,8 @@ namespace vellmark {
 /// Reads the Antigravity CLI by one non-interactive run of its usage command.
 ///
 /// Versions before 1.1.11 hand that command to a model, which spends quota and answers in prose.
-/// They are read when the user asks, but not automatically; nor is an executable whose last answer
-/// told of a turn, whatever its version, until another takes its place.
+/// They are read when the user asks, but not automatically. The same holds for an executable of any
+/// version whose last answer reported a model's turn, until another takes its place.
 class AntigravityUsageProvider final : public AgentUsageProvider {
 public:
     explicit AntigravityUsageProvider(const Machine& machine, Seconds limit = Seconds(30),
@@ -28,7 +28,7 @@ public:
     ReadingPace pace() const override;
 
 private:
-    /// What has been learnt of an executable.
+    /// What has been learnt about an executable.
     struct Experience {
         std::optional<ExecutableIdentity> executable;
         /// As the user is told it: "?" when the CLI does not say. Absent before it was asked.

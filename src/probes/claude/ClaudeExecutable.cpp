@@ -13,7 +13,7 @@ ClaudeExecutable::Facts ClaudeExecutable::facts(const Machine& machine,
             return facts_;
         }
     }
-    // Not under the lock: whoever else reads must not wait for a child.
+    // Not under the lock: other readers must not wait for a child.
     const auto text = toolVersion(machine, executable);
     const Facts found{.version = text ? VersionNumber::parse(*text) : std::nullopt,
                       .refusesQuery = false};

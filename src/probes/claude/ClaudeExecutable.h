@@ -20,7 +20,7 @@ public:
         /// It has been seen not to know the usage query.
         bool refusesQuery = false;
 
-        /// By all that is known: worth asking.
+        /// Worth asking, by all that is known.
         bool mayHaveQuery() const {
             return !refusesQuery && (!version || !(*version < claudeQueryVersion));
         }

@@ -19,8 +19,8 @@ inline constexpr double claudeModelWindowMinutes = 10080;
 /// there is no letter and no digit.
 std::optional<std::string> claudeModelWindowIDFor(std::string_view modelName);
 
-/// A model's window may be missing from one answer and there again in the next: for how long it
-/// still counts. Zero for the other windows.
+/// How long a model's window still counts after it was seen: it may be missing from one answer and
+/// back in the next. Zero for the other windows.
 Seconds claudeRemembersWindow(std::string_view windowID);
 
 } // namespace vellmark

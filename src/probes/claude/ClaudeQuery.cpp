@@ -21,10 +21,10 @@ using Kind = ClaudeQueryReply::Kind;
 
 constexpr double sessionMinutes = 300;
 constexpr double weekMinutes = 10080;
-/// More models are no answer but a flood.
+/// More models than this are a flood, not an answer.
 constexpr std::size_t mostModelWindows = 50;
 
-/// Everything that is read of an answer; the rest of a line is passed over unbuilt.
+/// Every member that is read from an answer; the rest of a line is skipped without being built.
 constexpr std::array<std::string_view, 27> readMembers = {
     "type",
     "response",
@@ -106,8 +106,8 @@ void addModelWindow(std::vector<UsageWindow>& windows, const std::optional<std::
     }
 }
 
-/// The same windows stand in several places of an answer, in some of them rounded, and not every
-/// version has every place: the most exact one counts.
+/// An answer gives the same windows in several places, rounded in some, and not every version has
+/// every place: the most exact one counts.
 std::vector<UsageWindow> windowsOf(const JSON& limits) {
     const JSON& rows = member(limits, "limits");
     std::vector<UsageWindow> windows;

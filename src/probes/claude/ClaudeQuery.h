@@ -18,8 +18,8 @@ namespace vellmark {
 // the form was found by trying versions 2.1.80 to 2.1.330, so whatever is unknown is passed over.
 // All functions are pure and linear in their input.
 
-/// Without the user's own additions (hooks, servers, a status line), which a reading must not set
-/// off.
+/// Leaves out the user's own additions (hooks, servers, a status line), which a reading must not
+/// set off.
 std::vector<std::string> claudeQueryArguments();
 
 /// The line to send, with its line feed.
@@ -29,7 +29,7 @@ std::string claudeQueryRequest(std::string_view requestID);
 struct ClaudeUsageAnswer {
     /// "max", "pro"; absent without a subscription, with an API key and when not logged in.
     std::optional<std::string> subscription;
-    /// False: nobody is logged in whose limits could be asked for.
+    /// False: nobody is logged in, so there are no limits to ask for.
     bool hasLogin = true;
     /// The CLI got figures, if only empty ones, from its service or from what it had kept.
     bool hasLimits = false;
@@ -37,7 +37,7 @@ struct ClaudeUsageAnswer {
     std::optional<std::string> refusal;
     /// Session, week, and a week for every model that is named, in this order.
     std::vector<UsageWindow> windows;
-    /// The rows are there that only the service's own answer has.
+    /// It has the rows that only the service's own answer contains.
     bool hasRows = false;
     /// Extra usage that is switched on: "$15.40 / $50.00 spent", and what is left of it.
     std::optional<CreditInfo> credit;

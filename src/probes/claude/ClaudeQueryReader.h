@@ -16,7 +16,7 @@ public:
         Seconds killGrace{3.0};
     };
 
-    /// What the child left, as far as it tells whether to look for another way.
+    /// What the child left that tells whether to try another way.
     struct Result {
         ClaudeQueryReply reply;
         bool timedOut = false;

@@ -9,7 +9,7 @@ namespace vellmark {
 
 namespace {
 
-/// A capture by who wrote it. The script does not know where the CLI left the cursor.
+/// A capture, split by who wrote it. The script does not know where the CLI left the cursor.
 struct CaptureParts {
     std::string drawn;
     std::string scriptLines;

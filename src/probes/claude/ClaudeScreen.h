@@ -7,12 +7,12 @@
 namespace vellmark {
 
 /// What Claude's terminal shows after one session: the raw capture laid out as a terminal would,
-/// and its non-empty lines, trimmed. The CLI draws its pages anew from the first line that changed,
-/// by going back over the lines, so that in the order in which they came old figures stand beside
-/// new ones. The lines that the script printed between the CLI's come last.
+/// and its non-empty lines, trimmed. The CLI redraws its pages from the first line that changed, by
+/// moving back over the lines, so in the raw order old figures stand next to new ones. The lines
+/// that the script printed between the CLI's come last.
 ///
-/// A capture that is no UTF-8 counts as empty. Costs a few times the capture's size and time linear
-/// in it.
+/// A capture that is not UTF-8 counts as empty. Takes a few times the capture's size, and time
+/// linear in it.
 class ClaudeScreen {
 public:
     explicit ClaudeScreen(std::string_view capture);

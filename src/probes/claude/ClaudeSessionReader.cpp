@@ -44,7 +44,7 @@ AgentUsageSnapshot ClaudeSessionReader::read(const std::filesystem::path& claude
     times.launch = result.launch;
     const ClaudeScreen screen(log->contents());
     if (const auto reason = claudeLaunchFailure(screen)) {
-        // The interpreter's words say the same of a program without its own interpreter.
+        // The interpreter says the same when it is the program's own interpreter that is missing.
         throw UsageProviderError::launchFailed(
             "Claude Code",
             reason->ends_with("no such file or directory")

@@ -42,13 +42,13 @@ public:
     /// Blocks for as long as the budget, plus `Limits::killGrace`. Throws UsageProviderError.
     AgentUsageSnapshot read(const std::filesystem::path& claude, const Budget& budget);
 
-    /// The model's window was read in another way.
+    /// The model's window was seen in a reading made another way.
     void markModelWindowSeen(Instant now) { modelWindows_.markSeen(now); }
 
 private:
     BoundedProcessResult runScript(const std::filesystem::path& claude,
                                    const PrivateTemporaryFile& log, const Budget& budget);
-    /// As interpretClaudeSession, remembering and keeping what is to be.
+    /// Like interpretClaudeSession; also remembers and keeps what it should.
     AgentUsageSnapshot interpret(const ClaudeScreen& screen, const ClaudeSessionEnd& end,
                                  const PrivateTemporaryFile& log);
     std::filesystem::path diagnostics() const;

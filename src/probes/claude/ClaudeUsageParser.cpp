@@ -168,13 +168,13 @@ std::optional<CreditInfo> credit(const ClaudeScreen& screen) {
 }
 
 const TimeZone& zurich() {
-    // The zone belongs to the data that every ICU brings along; UTC is only a guard.
+    // Every ICU ships this zone; UTC is only a guard.
     static const TimeZone zone = TimeZone::named("Europe/Zurich").value_or(TimeZone::utc());
     return zone;
 }
 
 /// The fields of a text without a year. They are read in UTC, because the year that stands in for
-/// the missing one has its clock changes on other days.
+/// the missing one changes its clocks on other days.
 std::optional<CalendarDate> parsedFields(const std::string& text,
                                          std::initializer_list<std::string_view> formats) {
     for (const std::string_view format : formats) {
@@ -354,7 +354,7 @@ std::optional<Instant> resetDate(std::string_view line, Instant now) {
 }
 
 std::optional<Stamps> stamps(const ClaudeScreen& screen) {
-    // More digits than a session can have milliseconds are none of the script's.
+    // A number with more digits than a session can have milliseconds is not the script's.
     static const Pattern pattern("^VELLMARK_TIMING (-?[0-9]{1,12}) (-?[0-9]{1,12}) (-?[0-9]{1,12}) "
                                  "(-?[0-9]{1,12})$");
     for (auto line = screen.lines().rbegin(); line != screen.lines().rend(); ++line) {

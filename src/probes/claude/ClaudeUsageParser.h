@@ -24,13 +24,13 @@ namespace ClaudeUsageParser {
 /// UsageProviderError::Kind::claudeNoQuotas when there is no window.
 AgentUsageSnapshot parseUsage(const ClaudeScreen& screen, Instant now);
 
-/// Why the figures that a page shows are not the service's of now.
+/// Why the figures on a page are not the service's current ones.
 struct Staleness {
     /// What the page says, a line of it.
     std::string phrase;
     /// How old the figures are at least, where the page tells.
     std::optional<Seconds> age;
-    /// The service is still being asked; else it did not answer or refused.
+    /// The service is still being asked; otherwise it did not answer, or refused.
     bool isRefreshing = false;
     bool operator==(const Staleness&) const = default;
 };
@@ -42,8 +42,8 @@ std::optional<std::string> hitLimit(const ClaudeScreen& screen);
 /// True when the page says that usage credits are off.
 bool creditsAreOff(const ClaudeScreen& screen);
 
-/// The command-line option ("--restricted") that the CLI did not know and ended for: it is older
-/// than the options of the session.
+/// The command-line option ("--restricted") that the CLI did not know and quit over: it is older
+/// than the session's options.
 std::optional<std::string> refusedOption(const ClaudeScreen& screen);
 
 /// The phrase by which the page says that it could not be loaded.

@@ -44,7 +44,7 @@ AgentUsageSnapshot ClaudeUsageProvider::fetch() {
     madeAgentWorkspace(machine_, "Claude");
     const ClaudeLogin login =
         claudeLogin(machine_, *claude, limits_.loginCheck, limits_.loginCheckGrace);
-    // Not knowing is no reason to give up: the reading will tell.
+    // Not knowing is no reason to give up: the reading will show.
     if (login.isLoggedIn == false) {
         throw UsageProviderError(Kind::claudeNotLoggedIn);
     }
@@ -118,7 +118,7 @@ AgentUsageSnapshot ClaudeUsageProvider::readBySession(const std::filesystem::pat
                                                       const ClaudeLogin& login,
                                                       const Budget& budget) {
     if (login.lacksSubscription && login.isLoggedIn == true) {
-        // The CLI would ask again and again whether to trust the folder until the time is over.
+        // Otherwise the CLI would keep asking whether to trust the folder until time is up.
         throw UsageProviderError(Kind::claudeNoSubscription);
     }
     readsBySession_ = true;

@@ -44,8 +44,8 @@ void appendIndividualLimit(std::vector<UsageWindow>& windows,
     }
 }
 
-/// The limits besides the main one, by their identifiers: the CLI sends them in another order each
-/// time.
+/// The limits besides the main one, sorted by identifier: the CLI sends them in a different order
+/// each time.
 void appendFurtherLimits(std::vector<UsageWindow>& windows, const CodexReply& reply) {
     std::map<std::string_view, const CodexRateLimits*> limits;
     for (const CodexRateLimits& limit : reply.limits) {

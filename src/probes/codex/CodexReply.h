@@ -9,9 +9,9 @@
 
 namespace vellmark {
 
-// What a line of `codex app-server` says, as far as it is of interest; the members are called as in
-// the schema that the CLI prints of its protocol. All others are ignored. A number may also be
-// written as a decimal text, and times are seconds since 1970-01-01 00:00 UTC.
+// What matters in a line of `codex app-server`. Members are named as in the protocol's schema,
+// which the CLI can print; all others are ignored. A number may also be written as a decimal text,
+// and times are seconds since 1970-01-01 00:00 UTC.
 
 struct CodexWindow {
     std::optional<double> usedPercent;

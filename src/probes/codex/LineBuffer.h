@@ -10,7 +10,7 @@ namespace vellmark {
 /// holds at most one unfinished line.
 class LineBuffer {
 public:
-    /// A longer line is no answer but a flood.
+    /// A longer line is a flood, not an answer.
     static constexpr std::size_t maximumLine = 32u << 20;
 
     /// Hands each line that `bytes` completes to `take`, without its line feed. False when the

@@ -9,8 +9,8 @@
 
 namespace vellmark {
 
-/// The children of the watched program that are running now, and what is to end with them, each
-/// remembered for good: a process that got the number of one that has ended is never touched.
+/// The children of the watched program that are running now, and what must end with them. Each is
+/// remembered for good: a process that reuses the number of one that has ended is never touched.
 class WatchedChildren {
 public:
     /// `at` is a moment at which the process had the number.

@@ -35,7 +35,7 @@ bool readMessage(ChildWatcherMessage& message) {
 } // namespace
 
 int main() {
-    // What ends the program's group must not end this process before it has worked.
+    // A signal that ends the program's group must not end this process before it has done its work.
     for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGPIPE}) {
         ::signal(signal, SIG_IGN);
     }

@@ -12,11 +12,6 @@ Card::Card(QWidget* parent)
     setFocusPolicy(Qt::StrongFocus);
 }
 
-void Card::takeKeyboard() {
-    setFocus(Qt::ShortcutFocusReason);
-    interaction_.showFocus();
-}
-
 void Card::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);

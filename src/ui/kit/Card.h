@@ -11,8 +11,6 @@ namespace vellmark::kit {
 class Card : public QAbstractButton, public ChangingGround {
 public:
     explicit Card(QWidget* parent = nullptr);
-    /// Gives it the keyboard and shows so, whatever had it before.
-    void takeKeyboard();
     double groundChange() const override { return isDown() ? 1 : 0; }
 
 protected:

@@ -33,8 +33,6 @@ public:
     /// In reading order.
     std::vector<QWidget*> controls() const;
     Field* field() const { return field_; }
-    Button* chooseButton() const { return choose_; }
-    Button* resetButton() const { return reset_; }
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;

@@ -36,8 +36,7 @@ kit::Notice::Kind noticeKind(UsageHealth tone) {
 OverviewPage::OverviewPage(const AgentUIActions& actions, QWidget* parent)
     : WindowPage([&actions] { actions.refresh(); }, parent), actions_(actions),
       scroller_(new kit::ScrollArea(this)), column_(new QWidget),
-      verdict_(new kit::Notice(column_)), setupHint_(new kit::Notice(column_)),
-      noAgents_(new NoAgentsHint(column_)) {
+      verdict_(new kit::Notice(column_)), noAgents_(new NoAgentsHint(column_)) {
     scroller_->setWidget(column_);
     column_->setAutoFillBackground(false);
     noAgents_->onOpenSettings = [this] { actions_.openSettings(); };
@@ -51,8 +50,6 @@ void OverviewPage::setContent(const OverviewPageContent& content) {
                        .words = qString(content.verdict.text),
                        .spokenWords = qString(content.verdict.accessibilityText)});
     verdict_->setVisible(!content.noAgents);
-    setupHint_->setLook({.iconName = "info.circle", .words = qString(content.setupHint)});
-    setupHint_->setVisible(!content.setupHint.empty());
     if (content.noAgents) {
         noAgents_->setContent(*content.noAgents);
     }
@@ -84,12 +81,9 @@ void OverviewPage::arrange() {
     const int wide = std::max(width() - 2 * margin, 0);
     scroller_->setGeometry(body());
     int top = 0;
-    for (kit::Notice* notice : {verdict_, setupHint_}) {
-        if (!notice->isVisibleTo(column_)) {
-            continue;
-        }
-        const int height = notice->heightForWidth(wide);
-        notice->setGeometry(margin, top, wide, height);
+    if (verdict_->isVisibleTo(column_)) {
+        const int height = verdict_->heightForWidth(wide);
+        verdict_->setGeometry(margin, top, wide, height);
         top += height + gap;
     }
     for (AgentSummaryCard* card : cards_) {

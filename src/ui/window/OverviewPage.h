@@ -32,7 +32,6 @@ private:
     kit::ScrollArea* scroller_;
     QWidget* column_;
     kit::Notice* verdict_;
-    kit::Notice* setupHint_;
     std::vector<AgentSummaryCard*> cards_;
     NoAgentsHint* noAgents_;
 };

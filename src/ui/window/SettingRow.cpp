@@ -120,7 +120,7 @@ std::vector<QWidget*> SettingRow::controls() const {
 }
 
 AgentSettingRow::AgentSettingRow(const AgentProviderID& id, const SettingsPageActions& actions,
-                                 const std::function<void()>& openSetup, kit::ReorderList& list)
+                                 const AgentUIActions& program, kit::ReorderList& list)
     : id_(id), handle_(list.addHandle(this)), logo_(new kit::LogoTile(logoSide, this)),
       status_(new kit::Label(kit::style::small, kit::ColorRole::ink2, this)),
       wayOut_(new kit::Button(kit::Button::Kind::normal, this)), switch_(new kit::Switch(this)) {
@@ -131,7 +131,8 @@ AgentSettingRow::AgentSettingRow(const AgentProviderID& id, const SettingsPageAc
     addControl(status_);
     addControl(wayOut_);
     addControl(switch_);
-    connect(wayOut_, &QAbstractButton::clicked, this, [openSetup] { openSetup(); });
+    connect(wayOut_, &QAbstractButton::clicked, this,
+            [this, &program] { program.setUpAgent(id_); });
     connect(switch_, &QAbstractButton::clicked, this,
             [this, &actions](bool isOn) { actions.enableAgent(id_, isOn); });
 }

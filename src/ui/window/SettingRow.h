@@ -1,5 +1,6 @@
 #pragma once
 
+#include "presentation/AgentUIActions.h"
 #include "presentation/SettingsPageContent.h"
 #include "ui/kit/Form.h"
 
@@ -51,7 +52,7 @@ private:
 class AgentSettingRow : public kit::FormRow {
 public:
     AgentSettingRow(const AgentProviderID& id, const SettingsPageActions& actions,
-                    const std::function<void()>& openSetup, kit::ReorderList& list);
+                    const AgentUIActions& program, kit::ReorderList& list);
 
     const AgentProviderID& agent() const { return id_; }
     void setContent(const AgentSettingContent& content);

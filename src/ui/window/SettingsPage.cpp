@@ -52,19 +52,19 @@ void browseFiles(QWidget* over, const QString& title, const QString& current,
 
 } // namespace
 
-SettingsPage::SettingsPage(const SettingsPageActions& actions, std::function<void()> openSetup,
+SettingsPage::SettingsPage(const SettingsPageActions& actions, const AgentUIActions& program,
                            QWidget* parent)
-    : WindowPage([] {}, parent), actions_(actions), openSetup_(std::move(openSetup)),
-      browse_(browseFiles), openSetupButton_(new kit::Button(kit::Button::Kind::normal)),
-      trouble_(new kit::Notice(this)), scroller_(new kit::ScrollArea(this)), column_(new QWidget),
-      agentList_(new kit::ReorderList), agentSection_(new kit::FormSection(agentList_, column_)),
+    : WindowPage([] {}, parent), actions_(actions), program_(program), browse_(browseFiles),
+      openSetupButton_(new kit::Button(kit::Button::Kind::normal)), trouble_(new kit::Notice(this)),
+      scroller_(new kit::ScrollArea(this)), column_(new QWidget), agentList_(new kit::ReorderList),
+      agentSection_(new kit::FormSection(agentList_, column_)),
       programSection_(new kit::FormSection(new kit::FormCard, column_)) {
     head().addControl(openSetupButton_);
     scroller_->setWidget(column_);
     column_->setAutoFillBackground(false);
     trouble_->hide();
     agentList_->onMove = [this](int from, int to) { moveAgent(from, to); };
-    connect(openSetupButton_, &QAbstractButton::clicked, this, [this] { openSetup_(); });
+    connect(openSetupButton_, &QAbstractButton::clicked, this, [this] { program_.startSetup(); });
     connect(agentSection_->headingButton(), &QAbstractButton::clicked, this,
             [this] { actions_.checkAgents(); });
 }
@@ -102,7 +102,7 @@ void SettingsPage::updateAgents(const SettingsPageContent& content) {
             row = *known;
             former.erase(known);
         } else {
-            row = new AgentSettingRow(agent.id, actions_, openSetup_, *agentList_);
+            row = new AgentSettingRow(agent.id, actions_, program_, *agentList_);
         }
         row->setContent(agent);
         agents_.push_back(row);
@@ -209,6 +209,8 @@ void SettingsPage::press(const std::string& name) {
         ask(content_.deleteQuestion, name);
     } else if (name == settingsRow::reset) {
         ask(content_.resetQuestion, name);
+    } else if (name == settingsRow::statusLine) {
+        ask(content_.statusLineQuestion, name);
     } else {
         actions_.press(name);
     }

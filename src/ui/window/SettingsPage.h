@@ -1,5 +1,6 @@
 #pragma once
 
+#include "presentation/AgentUIActions.h"
 #include "presentation/SettingsPageContent.h"
 #include "ui/window/WindowPage.h"
 
@@ -29,8 +30,8 @@ class SettingRow;
 /// programs, the program's data. Every change is told at once; what is shown is what holds.
 class SettingsPage : public WindowPage {
 public:
-    /// `openSetup` leads to what is left to install or to log in to.
-    SettingsPage(const SettingsPageActions& actions, std::function<void()> openSetup,
+    /// `program` leads to what is left to install or to log in to. Both must outlive the page.
+    SettingsPage(const SettingsPageActions& actions, const AgentUIActions& program,
                  QWidget* parent);
 
     void setContent(const SettingsPageContent& content);
@@ -77,7 +78,7 @@ private:
     std::vector<kit::FormSection*> sections() const;
 
     const SettingsPageActions& actions_;
-    std::function<void()> openSetup_;
+    const AgentUIActions& program_;
     Browse browse_;
     SettingsPageContent content_;
     kit::Button* openSetupButton_;

@@ -55,7 +55,7 @@ WindowPage* makePage(AgentPage::Kind kind, const MainWindowActions& actions, QWi
     case Kind::activity:
         return new ActivityPage(actions.activity, parent);
     case Kind::settings:
-        return new SettingsPage(actions.settings, actions.program.startSetup, parent);
+        return new SettingsPage(actions.settings, actions.program, parent);
     case Kind::help:
         return new HelpPage(actions.help, parent);
     case Kind::about:

@@ -15,8 +15,14 @@ Comandos:
   watch
       Leer una y otra vez y mostrar en
       el terminal
+  statusline
+      La línea de estado de Claude Code:
+      lo que queda
   history
       El historial registrado
+  metrics
+      Mostrar las últimas lecturas para
+      la supervisión (OpenMetrics)
   log
       El registro de actividad
   agents
@@ -40,6 +46,12 @@ Comandos:
   redact
       Quitar de un texto secretos,
       nombres de usuario y direcciones
+  completions
+      Mostrar el script con el que una
+      shell completa argumentos
+  man
+      Mostrar la página de manual del
+      programa o de un comando
   help
       Esta ayuda o la de un comando
 
@@ -130,7 +142,11 @@ Comandos:
   status           Una línea para barras de estado y prompts
   watch            Leer una y otra vez y mostrar en el
                    terminal
+  statusline       La línea de estado de Claude Code: lo que
+                   queda
   history          El historial registrado
+  metrics          Mostrar las últimas lecturas para la
+                   supervisión (OpenMetrics)
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión,
                    versión, programa
@@ -144,6 +160,10 @@ Comandos:
   report           Crear un informe de soporte sin secretos
   redact           Quitar de un texto secretos, nombres de
                    usuario y direcciones
+  completions      Mostrar el script con el que una shell
+                   completa argumentos
+  man              Mostrar la página de manual del programa
+                   o de un comando
   help             Esta ayuda o la de un comando
 
 Opciones:
@@ -203,7 +223,10 @@ Comandos:
   usage            Leer todos los agentes y mostrar lo que queda
   status           Una línea para barras de estado y prompts
   watch            Leer una y otra vez y mostrar en el terminal
+  statusline       La línea de estado de Claude Code: lo que queda
   history          El historial registrado
+  metrics          Mostrar las últimas lecturas para la supervisión
+                   (OpenMetrics)
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión, versión, programa
   settings         Listar, mostrar o cambiar los ajustes
@@ -212,6 +235,8 @@ Comandos:
   setup-script     Mostrar el script que instala un agente o inicia sesión en él
   report           Crear un informe de soporte sin secretos
   redact           Quitar de un texto secretos, nombres de usuario y direcciones
+  completions      Mostrar el script con el que una shell completa argumentos
+  man              Mostrar la página de manual del programa o de un comando
   help             Esta ayuda o la de un comando
 
 Opciones:
@@ -264,7 +289,9 @@ Comandos:
   usage            Leer todos los agentes y mostrar lo que queda
   status           Una línea para barras de estado y prompts
   watch            Leer una y otra vez y mostrar en el terminal
+  statusline       La línea de estado de Claude Code: lo que queda
   history          El historial registrado
+  metrics          Mostrar las últimas lecturas para la supervisión (OpenMetrics)
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión, versión, programa
   settings         Listar, mostrar o cambiar los ajustes
@@ -273,6 +300,8 @@ Comandos:
   setup-script     Mostrar el script que instala un agente o inicia sesión en él
   report           Crear un informe de soporte sin secretos
   redact           Quitar de un texto secretos, nombres de usuario y direcciones
+  completions      Mostrar el script con el que una shell completa argumentos
+  man              Mostrar la página de manual del programa o de un comando
   help             Esta ayuda o la de un comando
 
 Opciones:
@@ -320,7 +349,9 @@ Comandos:
   usage            Leer todos los agentes y mostrar lo que queda
   status           Una línea para barras de estado y prompts
   watch            Leer una y otra vez y mostrar en el terminal
+  statusline       La línea de estado de Claude Code: lo que queda
   history          El historial registrado
+  metrics          Mostrar las últimas lecturas para la supervisión (OpenMetrics)
   log              El registro de actividad
   agents           Listar los agentes: activo, sesión, versión, programa
   settings         Listar, mostrar o cambiar los ajustes
@@ -329,6 +360,8 @@ Comandos:
   setup-script     Mostrar el script que instala un agente o inicia sesión en él
   report           Crear un informe de soporte sin secretos
   redact           Quitar de un texto secretos, nombres de usuario y direcciones
+  completions      Mostrar el script con el que una shell completa argumentos
+  man              Mostrar la página de manual del programa o de un comando
   help             Esta ayuda o la de un comando
 
 Opciones:

@@ -122,7 +122,10 @@ TEST_F(StatusNotifierItemTest, TellsTheClicksPlace) {
 }
 
 TEST_F(StatusNotifierItemTest, OffersItsMenu) {
-    item_->setMenu({{"Open_it", "open"}, {}, {"Quit", "quit"}});
+    item_->setMenu({{"Open_it", "open"},
+                    {},
+                    {"Quit", "quit"},
+                    {"Claude", "", true, {{"Session", "agent/claude"}, {"Week", "week"}}}});
     const auto layout = [&] {
         std::uint32_t revision = 0;
         Layout root;
@@ -142,13 +145,20 @@ TEST_F(StatusNotifierItemTest, OffersItsMenu) {
         });
     };
     const std::vector<sdbus::Variant> children = layout().get<2>();
-    ASSERT_EQ(children.size(), 3U);
+    ASSERT_EQ(children.size(), 4U);
     const Layout open = children[0].get<Layout>();
     EXPECT_EQ(open.get<1>().at("label").get<std::string>(), "Open__it");
     EXPECT_EQ(children[1].get<Layout>().get<1>().at("type").get<std::string>(), "separator");
     click(open.get<0>());
     click(children[1].get<Layout>().get<0>());
     EXPECT_THAT(chosen_, ElementsAre("open"));
+    const Layout agent = children[3].get<Layout>();
+    EXPECT_EQ(agent.get<1>().at("children-display").get<std::string>(), "submenu");
+    ASSERT_EQ(agent.get<2>().size(), 2U);
+    click(agent.get<0>()); // it only opens
+    click(agent.get<2>()[1].get<Layout>().get<0>());
+    EXPECT_THAT(chosen_, ElementsAre("open", "week"));
+    chosen_ = {"open"};
 
     // A click that was meant for the menu before hits nothing in the new one.
     item_->setMenu({{"Beenden", "quit"}});

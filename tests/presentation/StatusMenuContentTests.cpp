@@ -1,0 +1,62 @@
+#include "presentation/MainMenuContent.h"
+#include "presentation/StatusMenuContent.h"
+#include "presentation/UsageStateMaker.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <vector>
+
+namespace vellmark::tests {
+namespace {
+
+using testing::ElementsAre;
+
+const auto codex = AgentProviderID::codex();
+const auto claude = AgentProviderID::claude();
+const auto antigravity = AgentProviderID::antigravity();
+const Localization english("en", "en_US", "UTC");
+
+std::vector<std::string> titles(const std::vector<StatusMenuItem>& items) {
+    std::vector<std::string> all;
+    for (const StatusMenuItem& item : items) {
+        all.push_back(item.isSeparator() ? "-" : item.title);
+    }
+    return all;
+}
+
+TEST(StatusMenuContent, HoldsTheFiguresAndWhatCanBeDone) {
+    const UsageState state = stateOf(
+        {live(claude, {window("session", 10, 300, 87), window("weekly", 96, 10'080, 900)}),
+         failed(codex, UsageProviderError::timeout("Codex"), {window("session", 96, 300, 87)}),
+         failed(antigravity, UsageProviderError::timeout("Antigravity"))});
+    const auto menu = statusMenuContent(state, noon, english);
+    EXPECT_THAT(titles(menu), ElementsAre("Claude · Week 4% left", "Codex · Session 4% left",
+                                          "Antigravity · Unavailable", "-", "Open Vellmark",
+                                          "Refresh", "-", "Settings …", "-", "Quit Vellmark"));
+    EXPECT_THAT(titles(menu[0].items), ElementsAre("Session: 90% left · Resets 3:15 PM",
+                                                   "Week: 4% left · Resets Fri 4:48 AM"));
+    EXPECT_THAT(titles(menu[1].items),
+                ElementsAre("Session: 4% left · Resets 3:15 PM · as of 1:46 PM",
+                            "Codex did not answer in time."));
+    EXPECT_EQ(agentOfMenuAction(menu[0].items[1].action), claude);
+    EXPECT_TRUE(menu[0].action.empty());
+    EXPECT_FALSE(agentOfMenuAction(menuAction::refresh));
+    // A minute later nothing has changed in it.
+    EXPECT_EQ(menu, statusMenuContent(state, noon + Seconds(60), english));
+}
+
+TEST(StatusMenuContent, TellsWhatCannotBeUsed) {
+    const UsageState state =
+        stateOf({live(claude, {window("session", 10, 300, 87), window("weekly", 100, 10'080, 900)}),
+                 live(codex, {window("session", 96, 300, -3)})});
+    const auto menu = statusMenuContent(state, noon, english);
+    EXPECT_THAT(titles(menu[0].items), ElementsAre("Session: 90% left · Waits for the week",
+                                                   "Week: 0% left · Used up · back Fri 4:48 AM"));
+    EXPECT_EQ(menu[1].title, "Codex · Reset due");
+    EXPECT_EQ(statusMenuContent(UsageState(), noon, english).front().action,
+              menuAction::openWindow);
+}
+
+} // namespace
+} // namespace vellmark::tests
