@@ -85,8 +85,9 @@ std::optional<Instant> expiryOf(const AgentUsageSnapshot& snapshot) {
                                                                 : std::nullopt;
 }
 
-bool isSameExpiry(std::optional<Instant> said, Instant expiry) {
-    return said && *said - expiry < expirySlack && expiry - *said < expirySlack;
+bool isSameExpiry(const AgentMemory& agent, Instant expiry) {
+    return agent.saidExpiry && *agent.saidExpiry - expiry < expirySlack &&
+           expiry - *agent.saidExpiry < expirySlack;
 }
 
 } // namespace
@@ -377,17 +378,17 @@ std::optional<NoticeKind> UsageNotices::dueKind(const WindowKey& key,
 
 bool UsageNotices::isExpiryDue(const AgentUsageSnapshot& snapshot, Instant now) {
     const auto expiry = expiryOf(snapshot);
-    const auto known = memory_.agents.find(snapshot.id);
-    const auto said = known != memory_.agents.end() ? known->second.saidExpiry : std::nullopt;
     if (!expiry || *expiry <= now) {
         return false;
     }
-    if (*expiry - now > expiryNotice + expirySlack && isSameExpiry(said, *expiry)) {
+    AgentMemory& agent = memory_.agents[snapshot.id];
+    const bool isSaid = isSameExpiry(agent, *expiry);
+    if (isSaid && *expiry - now > expiryNotice + expirySlack) {
         // The clock was wrong when it was told.
-        known->second.saidExpiry.reset();
+        agent.saidExpiry.reset();
         isChanged_ = true;
     }
-    return *expiry - now <= expiryNotice && !isSameExpiry(said, *expiry);
+    return *expiry - now <= expiryNotice && !isSaid;
 }
 
 /// One that has never been read is not in use: what it needs, the setup tells.
