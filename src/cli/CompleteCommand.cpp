@@ -71,6 +71,7 @@ Completions valuesOf(const SettingItem& item, const Localization& words) {
         std::ranges::for_each(item.values, add);
         break;
     case SettingItem::Kind::loginItem:
+    case SettingItem::Kind::toggle:
         add("on");
         add("off");
         break;
@@ -88,6 +89,8 @@ Completions valuesOf(const SettingItem& item, const Localization& words) {
     case SettingItem::Kind::minutes:
         add("automatic");
         break;
+    case SettingItem::Kind::timeOfDay:
+        break; // any
     }
     return values;
 }
