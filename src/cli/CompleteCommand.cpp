@@ -70,8 +70,8 @@ Completions valuesOf(const SettingItem& item, const Localization& words) {
     case SettingItem::Kind::way:
         std::ranges::for_each(item.values, add);
         break;
-    case SettingItem::Kind::loginItem:
     case SettingItem::Kind::toggle:
+    case SettingItem::Kind::loginItem:
         add("on");
         add("off");
         break;
@@ -90,7 +90,7 @@ Completions valuesOf(const SettingItem& item, const Localization& words) {
         add("automatic");
         break;
     case SettingItem::Kind::timeOfDay:
-        break; // any
+        break;
     }
     return values;
 }
