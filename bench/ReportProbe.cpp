@@ -17,6 +17,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <fstream>
 #include <functional>
 
@@ -37,7 +38,7 @@ void writeLog(const std::filesystem::path& file, std::size_t size) {
         const Seconds age(29.0 * 86400 * static_cast<double>(lines - line) /
                           static_cast<double>(lines));
         ActivityEntry entry;
-        entry.instant = now - age;
+        entry.time = now - age;
         entry.level = line % 20 == 0 ? ActivityEntry::Level::error : ActivityEntry::Level::info;
         entry.agent = AgentProviderID::codex();
         entry.text = line % 20 == 0 ? "anna@example.org: /Users/anna/.codex/auth.json was refused, "
@@ -47,27 +48,44 @@ void writeLog(const std::filesystem::path& file, std::size_t size) {
     }
 }
 
+/// What this thread, or the whole program, has computed: the same however busy the machine is.
+Milliseconds computed(clockid_t clock = CLOCK_THREAD_CPUTIME_ID) {
+    timespec spent{};
+    ::clock_gettime(clock, &spent);
+    return std::chrono::seconds(spent.tv_sec) + std::chrono::nanoseconds(spent.tv_nsec);
+}
+
 /// Lets the window's loop turn until `isDone`, and tells how long one turn took at most.
 struct Waiting {
     Milliseconds total{};
     Milliseconds longest{};
+    Milliseconds longestComputed{};
+    Milliseconds elsewhere{};
 
     explicit Waiting(const std::function<void()>& deed, const std::function<bool()>& isDone) {
         const auto start = Clock::now();
         auto turn = start;
+        auto computedBefore = computed();
+        const auto others = [] { return computed(CLOCK_PROCESS_CPUTIME_ID) - computed(); };
+        const auto othersBefore = others();
         deed();
         do {
             QCoreApplication::processEvents(QEventLoop::AllEvents);
             QCoreApplication::sendPostedEvents();
             const auto now = Clock::now();
             longest = std::max<Milliseconds>(longest, now - turn);
+            longestComputed = std::max(longestComputed, computed() - computedBefore);
             turn = now;
+            computedBefore = computed();
         } while (!isDone());
         total = Clock::now() - start;
+        elsewhere = others() - othersBefore;
     }
     void report(const char* what) const {
-        std::printf("%-34s %8.1f ms   longest turn %6.1f ms\n", what, total.count(),
-                    longest.count());
+        std::printf("%-20s %7.1f ms, computed elsewhere %6.1f ms; longest turn %5.1f ms, "
+                    "computing %5.1f ms\n",
+                    what, total.count(), elsewhere.count(), longest.count(),
+                    longestComputed.count());
     }
 };
 
@@ -97,7 +115,7 @@ void measure(std::size_t size) {
     const auto hasText = [&model] { return model.text() != nullptr; };
     Waiting([&controller] { controller.show(); }, [] { return true; }).report("open the window");
     Waiting([] {}, hasText).report("build the report");
-    std::printf("%-34s %8.1f MB, %zu places\n", "",
+    std::printf("%-20s %7.1f MB, %zu places\n", "",
                 static_cast<double>(model.text()->text.size()) / 1e6, model.text()->places.size());
 
     const auto* former = model.text().get();

@@ -43,8 +43,6 @@ public:
 
     /// What the pages may ask for. Valid as long as this.
     MainWindowActions actions();
-    /// The section of the help to begin with.
-    void showHelp(HelpSection section);
     MainWindowContent content(const AgentPage& selection, Instant now) const;
     ActivityFeed& activity() { return *activity_; }
     /// What is known of the agents' programs, and the settings, for other windows.

@@ -17,6 +17,7 @@ namespace {
 
 constexpr auto openAction = "open";
 constexpr auto muteAction = "mute";
+constexpr auto setupAction = "setup";
 constexpr int iconSide = 64;
 /// Who shows notices tells when he comes; who can be started to does not.
 constexpr Seconds searchPause{30 * 60};
@@ -134,10 +135,14 @@ void NoticeController::look() {
 void NoticeController::show(const NoticePost& post) {
     const Localization& words = sources_.words();
     NoticeText text = noticeText(post, sources_.store.state(), ReferenceClock::now(), words);
-    NotificationContent content{.id = post.id,
-                                .title = std::move(text.title),
-                                .body = std::move(text.body),
-                                .actions = {{openAction, words.text("notice.action.open")}}};
+    NotificationContent content{
+        .id = post.id, .title = std::move(text.title), .body = std::move(text.body), .actions = {}};
+    if (const WayOut way = setupOf(post, sources_.store.state()); way != WayOut::none) {
+        content.actions.push_back(
+            {setupAction, words.text(way == WayOut::logIn ? "popover.failure.logIn"
+                                                          : "popover.failure.install")});
+    }
+    content.actions.push_back({openAction, words.text("notice.action.open")});
     if (canMute(post)) {
         content.actions.push_back({muteAction, words.text("notice.action.mute")});
     }
@@ -150,7 +155,8 @@ void NoticeController::choose(const std::string& id, const std::string& action) 
         notices_.mute(id);
         keep();
     } else if (const auto agent = notices_.agentOf(id)) {
-        sources_.actions.openProvider(*agent);
+        action == setupAction ? sources_.actions.setUpAgent(*agent)
+                              : sources_.actions.openProvider(*agent);
     } else {
         sources_.actions.openWindow();
     }

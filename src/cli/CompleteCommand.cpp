@@ -70,6 +70,7 @@ Completions valuesOf(const SettingItem& item, const Localization& words) {
     case SettingItem::Kind::way:
         std::ranges::for_each(item.values, add);
         break;
+    case SettingItem::Kind::toggle:
     case SettingItem::Kind::loginItem:
         add("on");
         add("off");
@@ -87,6 +88,8 @@ Completions valuesOf(const SettingItem& item, const Localization& words) {
         break;
     case SettingItem::Kind::minutes:
         add("automatic");
+        break;
+    case SettingItem::Kind::timeOfDay:
         break;
     }
     return values;

@@ -23,6 +23,8 @@ public:
 
     /// Null before a command is named.
     const CommandDescription* command() const { return command_; }
+    /// A word stands in the place of the command that is none.
+    bool isUnknown() const { return isUnknown_; }
     /// The option whose value comes next; null when there is none.
     const OptionDescription* open() const { return open_; }
     const std::vector<std::string>& arguments() const { return arguments_; }
@@ -67,6 +69,7 @@ private:
             arguments_.push_back(word);
         } else {
             command_ = program_.find(word);
+            isUnknown_ = command_ == nullptr;
         }
     }
 
@@ -92,6 +95,7 @@ private:
 
     const ProgramDescription& program_;
     const CommandDescription* command_ = nullptr;
+    bool isUnknown_ = false;
     const OptionDescription* open_ = nullptr;
     std::vector<std::string> arguments_;
     std::set<std::string, std::less<>> given_;
@@ -140,7 +144,7 @@ Completions valuesOf(const std::string& placeholder, const std::string& name,
     if (placeholder == "VALUE" && !line.arguments().empty()) {
         return sources.settingValues(line.arguments().front());
     }
-    if (placeholder == "COMMAND") {
+    if (placeholder == "COMMAND" && name.empty()) {
         return {commandsOf(program), Files::none};
     }
     if (placeholder == "LANG") {
@@ -196,6 +200,9 @@ Completions completionsOf(const ProgramDescription& program, const std::vector<s
                           const CompletionSources& sources) {
     const TypedLine line(program, typed);
     const std::string current = typed.empty() ? std::string() : typed.back();
+    if (line.isUnknown()) {
+        return {};
+    }
     if (line.open() != nullptr) {
         return valuesOf(*line.open(), line, program, sources);
     }

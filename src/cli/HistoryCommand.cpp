@@ -425,8 +425,8 @@ private:
 
     struct Recorded {
         HistorySeries series;
-        /// The windows and the first sample of each.
-        std::map<WindowKey, double> since;
+        /// The windows and where each begins: the time, and the place among those of that time.
+        std::map<WindowKey, std::pair<double, std::size_t>> since;
         double first = std::numeric_limits<double>::infinity();
         double last = -std::numeric_limits<double>::infinity();
     };
@@ -441,14 +441,15 @@ private:
             all.last = std::max(all.last, sample.capturedAt);
             const auto [window, isNew] = all.since.try_emplace(
                 {AgentProviderID(std::string(sample.provider)), std::string(sample.windowID)},
-                sample.capturedAt);
-            window->second = std::min(window->second, sample.capturedAt);
+                sample.capturedAt, all.since.size());
+            window->second.first = std::min(window->second.first, sample.capturedAt);
         });
         return all;
     }
 
     /// The windows by agent in the registry's order, each agent's as they were first recorded.
-    static std::vector<WindowKey> inOrder(const std::map<WindowKey, double>& since) {
+    static std::vector<WindowKey>
+    inOrder(const std::map<WindowKey, std::pair<double, std::size_t>>& since) {
         std::vector<WindowKey> keys;
         for (const auto& [key, first] : since) {
             keys.push_back(key);

@@ -1,44 +1,16 @@
 #include "cli/ArgumentValues.h"
+#include "cli/LastState.h"
 #include "cli/OutputFile.h"
 #include "cli/StorageNews.h"
 #include "cli/Subcommands.h"
 #include "platform/Preferences.h"
 #include "presentation/UsageMetrics.h"
-#include "probes/ProviderRegistry.h"
-#include "store/AgentSettings.h"
-#include "store/LastSnapshots.h"
 
-#include <algorithm>
 #include <optional>
 #include <string>
 
 namespace vellmark {
 namespace {
-
-/// The last good readings of the enabled agents.
-UsageState lastReadings(const CommandContext& context) {
-    const auto preferences = makePreferences(context.machine);
-    reportUnreadable(*preferences, context);
-    const AgentSettings settings(*preferences, providerRegistry());
-    const auto contents = LastSnapshots(context.machine.lastSnapshotsFile()).contents();
-    reportUnreadable(contents, context);
-    UsageState state;
-    state.providerOrder = settings.order();
-    state.enabledProviderIDs = settings.enabled();
-    for (const AgentProviderID& id : state.providerOrder) {
-        if (!state.enabledProviderIDs.contains(id)) {
-            continue;
-        }
-        const auto reading = std::ranges::find(contents.readings, id, &AgentUsageSnapshot::id);
-        AgentUsageSnapshot& snapshot = state.snapshots.emplace_back();
-        snapshot.id = id;
-        if (reading != contents.readings.end()) {
-            snapshot = *reading;
-            state.lastSuccess[id] = reading->updatedAt;
-        }
-    }
-    return state;
-}
 
 /// The last readings for a monitoring system. Starts nothing.
 class MetricsCommand final : public Subcommand {
@@ -59,7 +31,10 @@ public:
 
     int run(const CommandContext& context) override {
         const Instant now = now_ ? instantArgument("--now", *now_) : ReferenceClock::now();
-        const std::string text = UsageMetrics::text(lastReadings(context), now, withAccounts_);
+        const auto preferences = makePreferences(context.machine);
+        reportUnreadable(*preferences, context);
+        const UsageState state = lastState(*preferences, context, now);
+        const std::string text = UsageMetrics::text(state, now, withAccounts_);
         // A collector often runs as another user.
         return deliver(text, output_, ReplacementFile::Mode::readableByAll, context) ==
                        Delivery::failed

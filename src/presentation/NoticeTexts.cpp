@@ -285,6 +285,19 @@ std::string severalTitle(const NoticePost& post, const Localization& words) {
 
 } // namespace
 
+WayOut setupOf(const NoticePost& post, const UsageState& state) {
+    if (post.notices.size() != 1 || post.notices.front().kind != NoticeKind::unread) {
+        return WayOut::none;
+    }
+    const auto snapshot =
+        std::ranges::find(state.snapshots, post.notices.front().agent, &AgentUsageSnapshot::id);
+    if (snapshot == state.snapshots.end() || !snapshot->error) {
+        return WayOut::none;
+    }
+    const WayOut way = wayOutOf(*snapshot->error);
+    return way == WayOut::install || way == WayOut::logIn ? way : WayOut::none;
+}
+
 NoticeText noticeText(const NoticePost& post, const UsageState& state, Instant now,
                       const Localization& words) {
     std::vector<Parts> all;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "presentation/AgentBlockContent.h"
 #include "presentation/UsageNotices.h"
 #include "text/Localization.h"
 
@@ -19,5 +20,8 @@ struct NoticeText {
 /// each. Figures are those of the state; all times are moments, since a notice may stand for hours.
 NoticeText noticeText(const NoticePost& post, const UsageState& state, Instant now,
                       const Localization& words);
+
+/// What can be installed or logged in to against what the notice tells; `none` for any other.
+WayOut setupOf(const NoticePost& post, const UsageState& state);
 
 } // namespace vellmark

@@ -35,11 +35,11 @@ public:
         /// `done` is called with the reason where it did not work.
         std::function<void(std::function<void(std::error_code)> done)> deleteHistory;
         std::function<void(const std::filesystem::path& folder)> showFolder;
-        std::function<NoticeDelivery()> noticeDelivery;
+        std::function<NoticeDelivery()> noticeDelivery = [] { return NoticeDelivery::unknown; };
         /// Looks who shows notices.
-        std::function<void()> lookForNoticeService;
+        std::function<void()> lookForNoticeService = [] {};
         /// Leads to where notices are allowed, or looks again who shows them.
-        std::function<void()> allowNotices;
+        std::function<void()> allowNotices = [] {};
         /// `vellmark`, for Claude Code to run; without it no status line is offered.
         std::filesystem::path terminalProgram = {};
     };

@@ -2,6 +2,7 @@
 
 #include "model/UsageRules.h"
 #include "presentation/AgentStanding.h"
+#include "store/ReadingTime.h"
 
 #include <algorithm>
 #include <utility>
@@ -22,6 +23,8 @@ constexpr double backShare = 5;
 constexpr double leastUse = 1;
 
 constexpr int settledReadings = 2;
+/// Readings that lie closer together are one.
+constexpr Seconds leastReadingPause{60};
 
 constexpr Seconds unreadLimit{3600};
 /// Timers are joined with others.
@@ -38,6 +41,10 @@ constexpr const char* groupID = "several";
 Seconds resetSlack(const UsageWindow& window) {
     const Seconds length(window.windowDurationMinutes.value_or(0) * 60);
     return std::clamp(length / 10, leastResetSlack, mostResetSlack);
+}
+
+bool isApart(Instant first, Instant second) {
+    return second - first >= leastReadingPause || first - second >= leastReadingPause;
 }
 
 /// Whether a reading of the window belongs to another period than the one remembered.
@@ -85,8 +92,9 @@ std::optional<Instant> expiryOf(const AgentUsageSnapshot& snapshot) {
                                                                 : std::nullopt;
 }
 
-bool isSameExpiry(std::optional<Instant> said, Instant expiry) {
-    return said && *said - expiry < expirySlack && expiry - *said < expirySlack;
+bool isSameExpiry(const AgentMemory& agent, Instant expiry) {
+    return agent.saidExpiry && *agent.saidExpiry - expiry < expirySlack &&
+           expiry - *agent.saidExpiry < expirySlack;
 }
 
 } // namespace
@@ -108,6 +116,7 @@ NoticeChanges UsageNotices::look(const UsageState& state, const NoticeSettings& 
     lookAtClocks(moment);
     for (const AgentUsageSnapshot& snapshot : state.snapshots) {
         takeAttempt(snapshot, state, moment);
+        takeFigures(snapshot, state);
     }
     forgetWhatIsNotWanted(settings);
     NoticeChanges changes;
@@ -185,6 +194,7 @@ void UsageNotices::takeFailure(const AgentUsageSnapshot& snapshot, const NoticeM
 void UsageNotices::takeReading(const AgentUsageSnapshot& snapshot, const UsageState& state) {
     AgentWatch& watch = agents_[snapshot.id];
     ++watch.readings;
+    watch.readAt = snapshot.updatedAt;
     watch.lastFailure.reset();
     if (AgentMemory& agent = memory_.agents[snapshot.id];
         agent.unreadFor > Seconds(0) || agent.saidUnread) {
@@ -202,16 +212,36 @@ void UsageNotices::takeReading(const AgentUsageSnapshot& snapshot, const UsageSt
     memory_.forgetOldest();
 }
 
+/// What an agent tells between its readings is newer than they are, and may come with each of its
+/// answers: of what lies close together one counts.
+void UsageNotices::takeFigures(const AgentUsageSnapshot& snapshot, const UsageState& state) {
+    for (const UsageWindow& window : snapshot.windows) {
+        if (!window.readAt || *window.readAt <= readingTimeOf(state, snapshot) ||
+            windows_[{snapshot.id, window.id}].readAt == window.readAt) {
+            continue;
+        }
+        AgentWatch& watch = agents_[snapshot.id];
+        if (!watch.readAt || isApart(*watch.readAt, *window.readAt)) {
+            watch.readAt = window.readAt;
+            ++watch.readings;
+        }
+        takeWindow(snapshot, window, state);
+    }
+}
+
 void UsageNotices::takeWindow(const AgentUsageSnapshot& snapshot, const UsageWindow& window,
                               const UsageState& state) {
     const WindowKey key(snapshot.id, window.id);
-    const Instant readAt = snapshot.updatedAt;
+    const Instant readAt = window.readAt.value_or(snapshot.updatedAt);
     WindowWatch& watch = windows_[key];
     if (isDue(window, readAt)) {
         // The figures of a period that is over: they say nothing of this one.
-        watch = WindowWatch{.resetsAt = window.resetsAt};
+        watch = WindowWatch();
+        watch.readAt = readAt;
+        watch.resetsAt = window.resetsAt;
         return;
     }
+    watch.readAt = readAt;
     watch.resetsAt = window.resetsAt;
     const bool isFirst = !memory_.windows.contains(key);
     PeriodMemory& period = memory_.windows[key];
@@ -248,12 +278,12 @@ void UsageNotices::takeWindow(const AgentUsageSnapshot& snapshot, const UsageWin
     const auto outlook = kind == Kind::counts
                              ? forecast(window, readAt, state.recentPointsOf(key.first, key.second))
                              : std::nullopt;
-    if (outlook && outlook->emptyAt) {
-        ++watch.runsOutReadings;
-        watch.lastingReadings = 0;
-    } else {
-        watch.runsOutReadings = 0;
-        ++watch.lastingReadings;
+    const int count = !watch.countedAt || isApart(*watch.countedAt, readAt) ? 1 : 0;
+    const bool runsOut = outlook && outlook->emptyAt;
+    watch.runsOutReadings = runsOut ? watch.runsOutReadings + count : 0;
+    watch.lastingReadings = runsOut ? 0 : watch.lastingReadings + count;
+    if (count > 0) {
+        watch.countedAt = readAt;
     }
     if (isUsedUp(window)) {
         isChanged_ = isChanged_ || !period.wasUsedUp || period.isBack;
@@ -319,8 +349,8 @@ std::vector<Notice> UsageNotices::due(const UsageState& state, const NoticeSetti
             continue;
         }
         const bool isSettled = watch->second.attempts >= settledReadings;
-        if (watch->second.readings >= settledReadings && !snapshot.error) {
-            addWindows(notices, snapshot, settings, now);
+        if (watch->second.readings >= settledReadings) {
+            addWindows(notices, snapshot, state, settings, now);
         }
         if (isSettled && settings.tells(NoticeKind::expires) && isExpiryDue(snapshot, now)) {
             notices.push_back({NoticeKind::expires, snapshot.id, {}});
@@ -334,13 +364,15 @@ std::vector<Notice> UsageNotices::due(const UsageState& state, const NoticeSetti
 }
 
 void UsageNotices::addWindows(std::vector<Notice>& notices, const AgentUsageSnapshot& snapshot,
-                              const NoticeSettings& settings, Instant now) {
-    if (const auto kind = dueKind({snapshot.id, ""}, settings)) {
+                              const UsageState& state, const NoticeSettings& settings,
+                              Instant now) {
+    if (const auto kind = dueKind({snapshot.id, ""}, settings);
+        kind && !isOldReading(state, snapshot, now)) {
         notices.push_back({*kind, snapshot.id, {}});
     }
     for (const UsageWindow& window : snapshot.windows) {
         const auto kind = dueKind({snapshot.id, window.id}, settings);
-        if (kind && !window.readAt && !isDue(window, now)) {
+        if (kind && !isOldReading(state, snapshot, window, now) && !isDue(window, now)) {
             notices.push_back({*kind, snapshot.id, window.id});
         }
     }
@@ -377,17 +409,17 @@ std::optional<NoticeKind> UsageNotices::dueKind(const WindowKey& key,
 
 bool UsageNotices::isExpiryDue(const AgentUsageSnapshot& snapshot, Instant now) {
     const auto expiry = expiryOf(snapshot);
-    const auto known = memory_.agents.find(snapshot.id);
-    const auto said = known != memory_.agents.end() ? known->second.saidExpiry : std::nullopt;
     if (!expiry || *expiry <= now) {
         return false;
     }
-    if (*expiry - now > expiryNotice + expirySlack && isSameExpiry(said, *expiry)) {
+    AgentMemory& agent = memory_.agents[snapshot.id];
+    const bool isSaid = isSameExpiry(agent, *expiry);
+    if (isSaid && *expiry - now > expiryNotice + expirySlack) {
         // The clock was wrong when it was told.
-        known->second.saidExpiry.reset();
+        agent.saidExpiry.reset();
         isChanged_ = true;
     }
-    return *expiry - now <= expiryNotice && !isSameExpiry(said, *expiry);
+    return *expiry - now <= expiryNotice && !isSaid;
 }
 
 /// One that has never been read is not in use: what it needs, the setup tells.

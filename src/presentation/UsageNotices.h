@@ -97,6 +97,9 @@ private:
         /// How often in a row it was said to run out before its reset, and to last.
         int runsOutReadings = 0;
         int lastingReadings = 0;
+        /// Of the last reading, and of the last that counts in a row.
+        std::optional<Instant> readAt;
+        std::optional<Instant> countedAt;
         std::optional<Instant> resetsAt;
     };
     struct AgentWatch {
@@ -105,6 +108,8 @@ private:
         /// Since the start or the last wake.
         int readings = 0;
         int attempts = 0;
+        /// Of the last that counts as one, by whatever way.
+        std::optional<Instant> readAt;
         std::optional<Seconds> lastFailure; ///< by the continuous clock
         /// The clock was set since the last reading: what is over by the clock may not be.
         bool isClockSet = false;
@@ -114,6 +119,7 @@ private:
     void takeAttempt(const AgentUsageSnapshot& snapshot, const UsageState& state,
                      const NoticeMoment& moment);
     void takeReading(const AgentUsageSnapshot& snapshot, const UsageState& state);
+    void takeFigures(const AgentUsageSnapshot& snapshot, const UsageState& state);
     void takeFailure(const AgentUsageSnapshot& snapshot, const NoticeMoment& moment);
     void takeWindow(const AgentUsageSnapshot& snapshot, const UsageWindow& window,
                     const UsageState& state);
@@ -122,7 +128,7 @@ private:
 
     std::vector<Notice> due(const UsageState& state, const NoticeSettings& settings, Instant now);
     void addWindows(std::vector<Notice>& notices, const AgentUsageSnapshot& snapshot,
-                    const NoticeSettings& settings, Instant now);
+                    const UsageState& state, const NoticeSettings& settings, Instant now);
     std::optional<NoticeKind> dueKind(const WindowKey& key, const NoticeSettings& settings) const;
     bool isExpiryDue(const AgentUsageSnapshot& snapshot, Instant now);
     bool isUnreadDue(const AgentUsageSnapshot& snapshot, const UsageState& state);

@@ -362,21 +362,21 @@ TEST_F(VellmarkAppDelegateTest, BeginsWithTheSetupAndThenTheTermsWhereSomethingI
     }));
 }
 
-TEST_F(VellmarkAppDelegateTest, ExplainsTheSupportReportInTheHelp) {
+TEST_F(VellmarkAppDelegateTest, HelpLeadsToTheSupportReport) {
     launch();
-    delegate_->showSupportReportFromMenu();
+    delegate_->applicationShouldHandleReopen(false);
     auto* window = visible<AgentMainWindowView>();
     ASSERT_TRUE(window);
-    const auto isChosen = [&](const char* title) {
-        for (const auto* part : window->findChildren<QAbstractButton*>()) {
-            if (part->text() == title && part->isVisible() && part->isCheckable()) {
-                return part->isChecked();
-            }
-        }
-        return false;
-    };
-    EXPECT_TRUE(isChosen("Help"));
-    EXPECT_TRUE(isChosen("Support"));
+    for (const char* title : {"Help", "Support", "Support Report …"}) {
+        const auto buttons = window->findChildren<QAbstractButton*>();
+        const auto button = std::ranges::find_if(buttons, [title](const QAbstractButton* each) {
+            return each->isVisible() && each->text() == title;
+        });
+        ASSERT_NE(button, buttons.end()) << title;
+        (*button)->click();
+        QApplication::processEvents();
+    }
+    EXPECT_TRUE(visible<SupportReportView>());
 }
 
 TEST_F(VellmarkAppDelegateTest, ShowsTheTermsOnceEverythingIsSetUpUntilTheyAreAccepted) {

@@ -98,6 +98,7 @@ TEST_F(Completion, KnowsEveryPlaceOfTheCommandLine) {
               (std::vector<std::string>{"session", "pool:Gemini Models|5h"}));
     EXPECT_EQ(words({"history", "--agent", "codex", "--window", ""}),
               std::vector<std::string>{"session"});
+    EXPECT_THAT(words({"nonsense", ""}), IsEmpty());
     for (const auto& strange : {std::vector<std::string>{},
                                 {"history", "export", "x", ""},
                                 {"--json", "=", ""},

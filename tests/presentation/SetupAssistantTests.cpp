@@ -48,7 +48,10 @@ protected:
                 .takeSettings = [] {},
                 .hasHistory = [] { return false; },
                 .deleteHistory = [](const std::function<void(std::error_code)>&) {},
-                .showFolder = [](const std::filesystem::path&) {}};
+                .showFolder = [](const std::filesystem::path&) {},
+                .noticeDelivery = [] { return NoticeDelivery::works; },
+                .lookForNoticeService = [] {},
+                .allowNotices = [] {}};
     }
     SetupAssistantModel::Sources sources() {
         return {.preferences = *preferences,

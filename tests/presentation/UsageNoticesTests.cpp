@@ -194,6 +194,7 @@ TEST_F(UsageNoticesTest, UsedUpSaysWhatStillWorksAndWhenItIsBack) {
     EXPECT_EQ(words("de"), "Antigravity · Gemini · 5 Std.: aufgebraucht\nWieder ab 15:58\n"
                            "Geht noch: Claude & GPT 64 % übrig");
     for (const double used : {98.0, 100.0, 97.0, 100.0}) {
+        pass(minute);
         read(antigravity, pools(used, 1.9));
     }
     EXPECT_THAT(takeTold(), IsEmpty()) << "a rounding brings nothing back";
@@ -217,7 +218,7 @@ TEST_F(UsageNoticesTest, UsedUpSaysWhatStillWorksAndWhenItIsBack) {
             continue;
         }
         EXPECT_THAT(takeTold(), ElementsAre("usedUp claude/fable-weekly", "usedUp claude/weekly"));
-        EXPECT_EQ(words(), "Claude · Week: used up\nBack Mon 20:18\nStill works: Codex · Week "
+        EXPECT_EQ(words(), "Claude · Week: used up\nBack Mon 20:22\nStill works: Codex · Week "
                            "90% left, Antigravity · Gemini 60% left");
     }
     EXPECT_EQ(told_, std::vector<std::string>());
@@ -476,6 +477,45 @@ TEST_F(UsageNoticesTest, SeveralAtOnceAreOneAndEachGoesItsOwnWay) {
     look();
     EXPECT_THAT(takeClosed(), ElementsAre("codex/weekly", "claude/session"))
         << "agents that were switched off";
+}
+
+TEST_F(UsageNoticesTest, WhatAnAgentTellsBetweenItsReadingsCounts) {
+    for (int reading = 0; reading < 2; ++reading) {
+        read(claude, {quota("session", 60, 5, 2), quota("weekly", 20, 168, 90)});
+        pass(pause);
+    }
+    // Its service refuses, and its sessions go on telling, several times a minute.
+    const auto tell = [&](double used) {
+        UsageWindow& window = snapshot(claude).windows.front();
+        window.usedPercent = used;
+        window.readAt = now_;
+        look();
+        pass(Seconds(10));
+    };
+    fail(claude);
+    EXPECT_THAT(takeTold(), IsEmpty());
+    tell(99);
+    EXPECT_THAT(takeTold(), ElementsAre("critical claude/session"));
+    tell(100);
+    tell(100);
+    EXPECT_THAT(takeTold(), ElementsAre("usedUp claude/session"));
+    restart();
+    tell(100);
+    pass(pause);
+    tell(100);
+    EXPECT_THAT(takeTold(), IsEmpty());
+
+    // Three messages within a minute are not three readings.
+    notices_ = std::make_unique<UsageNotices>(NoticeMemory());
+    tell(96);
+    tell(96);
+    tell(96);
+    EXPECT_THAT(takeTold(), IsEmpty());
+    pass(minute);
+    tell(97);
+    EXPECT_EQ(takeTold().size(), 1U);
+    // A window that is only kept from before tells nothing.
+    EXPECT_FALSE(notices_->memory().windows.contains({claude, "weekly"}));
 }
 
 TEST_F(UsageNoticesTest, WhatNobodyShowedIsToldAgain) {

@@ -208,9 +208,8 @@ private:
     void send(Shown& shown, const NotificationContent& content) {
         std::vector<std::string> actions;
         if (can("actions")) {
-            // Services that show it as a button call it by its first title.
-            actions = {defaultAction,
-                       content.actions.empty() ? content.title : content.actions.front().title};
+            // Services that show it as a button as well have a name for it.
+            actions = {defaultAction, content.title};
             for (const NotificationContent::Action& action : content.actions) {
                 actions.insert(actions.end(), {action.name, action.title});
             }

@@ -55,7 +55,7 @@ TEST_F(NotificationCenterTest, ShowsReplacesClosesAndTellsWhatIsChosen) {
     EXPECT_EQ(server.shown()[0].title, "Claude & <co>");
     EXPECT_EQ(server.shown()[0].body, "left &lt; 5 &amp; more");
     EXPECT_THAT(server.shown()[0].actions,
-                ElementsAre("default", "Open", "open", "Open", "mute", "Not again"));
+                ElementsAre("default", "Claude & <co>", "open", "Open", "mute", "Not again"));
     EXPECT_TRUE(server.shown()[0].hasPicture);
     // The next of the same window takes its place, another one does not, whoever is faster.
     center_->post({.id = "a", .title = "again", .body = {}});
