@@ -278,7 +278,8 @@ void UsageNotices::takeWindow(const AgentUsageSnapshot& snapshot, const UsageWin
     const auto outlook = kind == Kind::counts
                              ? forecast(window, readAt, state.recentPointsOf(key.first, key.second))
                              : std::nullopt;
-    const int count = !watch.countedAt || isApart(*watch.countedAt, readAt) ? 1 : 0;
+    const bool isMessage = window.readAt && watch.countedAt && !isApart(*watch.countedAt, readAt);
+    const int count = isMessage ? 0 : 1;
     const bool runsOut = outlook && outlook->emptyAt;
     watch.runsOutReadings = runsOut ? watch.runsOutReadings + count : 0;
     watch.lastingReadings = runsOut ? 0 : watch.lastingReadings + count;
