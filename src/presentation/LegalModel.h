@@ -8,7 +8,7 @@ namespace vellmark {
 class LegalModel {
 public:
     /// Goes up when the texts in resources/legal change in substance: everybody is shown them anew.
-    static constexpr int textsVersion = 1;
+    static constexpr int textsVersion = 2;
 
     explicit LegalModel(Preferences& preferences) : preferences_(preferences) {}
 
