@@ -89,29 +89,28 @@ std::vector<Member> membersOf(std::string_view text) {
 
 /// The settings with the status line as it stands in them.
 struct Settings {
-    explicit Settings(std::string_view text)
-        : text(text.find_first_not_of(blanks) == std::string_view::npos ? "{}" : text) {
+    explicit Settings(std::string_view given)
+        : text(given.find_first_not_of(blanks) == std::string_view::npos ? "{}" : given) {
         try {
-            const JSON document = parsedJSON(this->text);
+            const JSON document = parsedJSON(text);
             if (!document.is_object()) {
                 throw Fault(Fault::Kind::notJSON, "no object");
             }
         } catch (const JSONDecodingError& error) {
             throw Fault(Fault::Kind::notJSON, error.what());
         }
-        members = membersOf(this->text);
+        members = membersOf(text);
         // The last one of a name counts.
         for (const Member& each : members) {
-            const auto name =
-                std::string_view(this->text).substr(each.begin, each.value - each.begin);
+            const auto name = std::string_view(text).substr(each.begin, each.value - each.begin);
             if (parsedJSON("[" + std::string(name.substr(0, afterString(name, 0))) + "]")[0] ==
                 memberName) {
                 statusLine = each;
             }
         }
         if (statusLine) {
-            value = parsedJSON(std::string_view(this->text)
-                                   .substr(statusLine->value, statusLine->end - statusLine->value));
+            value = parsedJSON(std::string_view(text).substr(statusLine->value,
+                                                             statusLine->end - statusLine->value));
         }
     }
 

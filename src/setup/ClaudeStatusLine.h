@@ -24,8 +24,8 @@ std::filesystem::path claudeSettingsFile(const Machine& machine);
 class ClaudeSettingsFault : public std::runtime_error {
 public:
     enum class Kind { notJSON, unknownStatusLine };
-    ClaudeSettingsFault(Kind kind, const std::string& reason)
-        : std::runtime_error(reason), kind(kind) {}
+    ClaudeSettingsFault(Kind what, const std::string& reason)
+        : std::runtime_error(reason), kind(what) {}
     Kind kind;
 };
 

@@ -103,7 +103,7 @@ TEST_F(HelpPageTest, AsksForWhatIsChosenTypedCopiedAndOpened) {
     testing::pressKey(page_, Qt::Key_Escape);
     EXPECT_THAT(calls_,
                 ElementsAre("choose 2", "copy curl -fsSL https://chatgpt.com/codex/install.sh | sh",
-                            "open 3", "search q", "search qu", "search "));
+                            "open 4", "search q", "search qu", "search "));
 }
 
 TEST_F(HelpPageTest, ChoosesNoSectionWhileItLooksInAll) {
