@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <filesystem>
 #include <system_error>
 #include <unistd.h>
@@ -16,9 +17,11 @@ std::string traceOf(const fs::path& file) {
     std::error_code error;
     const auto changedAt = fs::last_write_time(file, error);
     const auto size = error ? 0 : fs::file_size(file, error);
+    // Of a fixed width: the clock of files counts in more bits on some systems.
+    const auto microseconds =
+        std::chrono::duration_cast<std::chrono::microseconds>(changedAt.time_since_epoch());
     return error ? "-\n"
-                 : std::to_string(changedAt.time_since_epoch().count()) + " " +
-                       std::to_string(size) + "\n";
+                 : std::to_string(microseconds.count()) + " " + std::to_string(size) + "\n";
 }
 
 } // namespace
