@@ -122,11 +122,11 @@ SettingsPageState settings() {
     state.dataSize = 3'420'000;
     state.statusLine = {
         .file = "~/.claude/settings.json",
-        .change = {
-            {ChangedLine::Kind::same, "  \"model\": \"opus\","},
-            {ChangedLine::Kind::removed, "    \"command\": \"git branch --show-current\""},
-            {ChangedLine::Kind::added, "    \"command\": \"'/usr/bin/vellmark' statusline --color "
-                                       "always --then 'git branch --show-current'\""}}};
+        .change = {{ChangedLine::Kind::same, "  \"model\": \"opus\","},
+                   {ChangedLine::Kind::removed, "    \"command\": \"git branch --show-current\""},
+                   {ChangedLine::Kind::added,
+                    "    \"command\": \"'/usr/bin/vellmark' statusline --color "
+                    "always --then 'git branch --show-current'\""}}};
     return state;
 }
 

@@ -56,8 +56,7 @@ public:
             return static_cast<char>(std::toupper(character));
         });
         text_ += ".\\\" -*- coding: UTF-8 -*-\n.TH " + title +
-                 " 1 " VELLMARK_DATE " \"Vellmark " VELLMARK_VERSION
-                 "\"\n.nh\n.ad l\n";
+                 " 1 " VELLMARK_DATE " \"Vellmark " VELLMARK_VERSION "\"\n.nh\n.ad l\n";
         section("man.section.name");
         text_ += replacedHyphens(name) + " \\- " + literal(summary) + "\n";
     }

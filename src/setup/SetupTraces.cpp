@@ -20,8 +20,7 @@ std::string traceOf(const fs::path& file) {
     // Of a fixed width: the clock of files counts in more bits on some systems.
     const auto microseconds =
         std::chrono::duration_cast<std::chrono::microseconds>(changedAt.time_since_epoch());
-    return error ? "-\n"
-                 : std::to_string(microseconds.count()) + " " + std::to_string(size) + "\n";
+    return error ? "-\n" : std::to_string(microseconds.count()) + " " + std::to_string(size) + "\n";
 }
 
 } // namespace

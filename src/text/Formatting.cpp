@@ -222,8 +222,7 @@ std::string durationText(Seconds span, const Localization& words, SpanForm form)
         return secondCount == 0 ? first : first + ' ' + unitText(second, secondCount, words);
     };
     if (days > 0) {
-        return both(daysText(days, words, form), "duration.hours",
-                    hours - days * 24);
+        return both(daysText(days, words, form), "duration.hours", hours - days * 24);
     }
     if (hours > 0) {
         return both(unitText("duration.hours", hours, words), "duration.minutes",

@@ -11,10 +11,8 @@ protected:
     const Instant reset = executor.now() + Seconds(2 * 3600);
 
     void tell(double used, const std::string& turn) {
-        const UsageWindow session{.id = "session",
-                                  .usedPercent = used,
-                                  .windowDurationMinutes = 300,
-                                  .resetsAt = reset};
+        const UsageWindow session{
+            .id = "session", .usedPercent = used, .windowDurationMinutes = 300, .resetsAt = reset};
         const StatusLineReadings readings(machine.statusLineFile());
         EXPECT_FALSE(readings.keep(
             {.session = "a", .turn = turn, .toldAt = {}, .windows = {session}}, executor.now()));

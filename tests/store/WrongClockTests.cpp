@@ -43,10 +43,10 @@ protected:
             for (int part = 0; part < 4; ++part) {
                 history.push_back(toJSON(sample(today - age * day + part * Seconds(600), part)));
             }
-            log +=
-                ActivityLines::text({.text = "day " + std::to_string(age), .time = today - age * day},
-                                  TimeZone::utc()) +
-                "\n";
+            log += ActivityLines::text(
+                       {.text = "day " + std::to_string(age), .time = today - age * day},
+                       TimeZone::utc()) +
+                   "\n";
         }
         writeFile(machine.usageHistoryFile(), serialized(history));
         writeFile(machine.activityLogFile(), log);

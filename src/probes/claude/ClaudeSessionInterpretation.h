@@ -26,8 +26,8 @@ struct ClaudeSessionEnd {
 /// Figures that the page itself does not call the service's of now are `stale`; `updatedAt` is then
 /// as long ago as the page tells, or as the CLI keeps figures at most. A capture that was cut off
 /// but holds a window is a good reading; one without is a time-out, `claudeReadFailed` where there
-/// was too much of it, or `claudePageError` where the page says that the service refused. A complete
-/// capture without a window is `claudeNoQuotas`: the caller may have more to say.
+/// was too much of it, or `claudePageError` where the page says that the service refused. A
+/// complete capture without a window is `claudeNoQuotas`: the caller may have more to say.
 AgentUsageSnapshot interpretClaudeSession(const ClaudeScreen& screen, const ClaudeSessionEnd& end,
                                           Instant now);
 
