@@ -147,8 +147,8 @@ SettingsPageState unreadySettings() {
     state.agents[0].toolPath.reset();
     state.agents[1].loggedIn = false;
     state.agents[2].toolPath.reset();
-    valueOf(state, "claude-path").value = "/home/robin/work/tools/claude-code/bin/claude";
-    state.agents[1].toolPath = "/home/robin/work/tools/claude-code/bin/claude";
+    valueOf(state, "claude-path").value = "/home/robin/tools/claude-code/bin/claude";
+    state.agents[1].toolPath = "/home/robin/tools/claude-code/bin/claude";
     valueOf(state, "antigravity-path").value = "/opt/antigravity/agy";
     valueOf(state, "status-figure").value = "least-left";
     valueOf(state, "notices").value = "off";

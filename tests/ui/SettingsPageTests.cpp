@@ -228,7 +228,7 @@ TEST_F(SettingsPageTest, PathsAreTypedChosenAndTakenAway) {
         chosen("/usr/local/bin/claude");
     });
     press(named<QAbstractButton>("Claude Code CLI: Choose …"), Qt::Key_Space);
-    EXPECT_EQ(asked, "~/work/tools/claude-code/bin/claude");
+    EXPECT_EQ(asked, "~/tools/claude-code/bin/claude");
     EXPECT_THAT(calls, ElementsAre("codex path '/opt/codex'", "claude path ''",
                                    "claude path '/usr/local/bin/claude'"));
 }
