@@ -156,7 +156,7 @@ private:
     QPointer<AgentMainWindowView> mainWindowView_;
     std::unique_ptr<AppLoops> loops_;
     std::unique_ptr<WakeObserver> wakeObserver_;
-    std::unique_ptr<PreferencesWatch> settingsWatch_;
+    std::unique_ptr<FileWatch> settingsWatch_;
     std::unique_ptr<FileWatch> statusLineWatch_;
     ClockJump clockJump_;
     std::shared_ptr<AgentUsageStore::Subscription> storeSubscription_;

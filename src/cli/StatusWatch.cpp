@@ -163,7 +163,7 @@ private:
     /// The end of the last reading of this program's own.
     std::optional<Instant> readAt_;
     std::unique_ptr<FileWatch> filesWatch_;
-    std::unique_ptr<PreferencesWatch> settingsWatch_;
+    std::unique_ptr<FileWatch> settingsWatch_;
     std::unique_ptr<AgentUsageStore> store_; ///< once it has to read
     std::shared_ptr<AgentUsageStore::Subscription> subscription_;
 };

@@ -356,7 +356,7 @@ private:
     std::unique_ptr<Preferences> preferences_;
     AgentUsageStore store_;
     std::unique_ptr<DescriptorWatch> keys_;
-    std::unique_ptr<PreferencesWatch> settingsWatch_;
+    std::unique_ptr<FileWatch> settingsWatch_;
     std::optional<MainExecutor::Timer> refreshTimer_;
     TerminalKeys decoder_;
     std::optional<Instant> shown_;

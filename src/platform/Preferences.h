@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/DescriptorWatcher.h"
+#include "platform/FileWatch.h"
 #include "platform/Machine.h"
 
 #include <functional>
@@ -49,16 +49,10 @@ public:
 /// machine's configuration directory on Linux and in every sandbox.
 std::unique_ptr<Preferences> makePreferences(const Machine& machine);
 
-/// Ends the watch when destroyed.
-class PreferencesWatch {
-public:
-    virtual ~PreferencesWatch() = default;
-};
-
 /// Calls `changed` after any process, including this one, has changed the machine's settings;
 /// `Preferences::reload` then brings the new values in. Costs nothing while nobody changes them.
 /// Null where the system cannot tell.
-std::unique_ptr<PreferencesWatch> watchPreferences(DescriptorWatcher& loop, const Machine& machine,
-                                                   std::function<void()> changed);
+std::unique_ptr<FileWatch> watchPreferences(DescriptorWatcher& loop, const Machine& machine,
+                                            std::function<void()> changed);
 
 } // namespace vellmark

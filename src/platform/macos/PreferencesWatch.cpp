@@ -11,7 +11,7 @@ namespace vellmark {
 namespace {
 
 /// Whoever changes a setting posts a notification, see UserDefaults.
-class NotificationWatch final : public PreferencesWatch {
+class NotificationWatch final : public FileWatch {
 public:
     NotificationWatch(DescriptorWatcher& loop, int token, int descriptor,
                       std::function<void()> changed)
@@ -43,8 +43,8 @@ std::string preferencesChangeName(const Machine& machine) {
     return instanceIdentifier(machine) + ".SettingsChanged";
 }
 
-std::unique_ptr<PreferencesWatch> watchPreferences(DescriptorWatcher& loop, const Machine& machine,
-                                                   std::function<void()> changed) {
+std::unique_ptr<FileWatch> watchPreferences(DescriptorWatcher& loop, const Machine& machine,
+                                            std::function<void()> changed) {
     int token = 0;
     int descriptor = -1;
     if (notify_register_file_descriptor(preferencesChangeName(machine).c_str(), &descriptor, 0,
