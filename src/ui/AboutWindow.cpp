@@ -6,6 +6,7 @@
 #include "ui/kit/FigureText.h"
 #include "ui/kit/Label.h"
 #include "ui/kit/Theme.h"
+#include "ui/kit/WindowKeys.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -80,13 +81,7 @@ void AboutWindow::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void AboutWindow::keyPressEvent(QKeyEvent* event) {
-    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    auto* focused = qobject_cast<QAbstractButton*>(focusWidget());
-    if (event->key() == Qt::Key_Escape) {
-        close();
-    } else if (isReturn && focused != nullptr) {
-        focused->click();
-    } else {
+    if (!kit::handleWindowKey(*this, *event)) {
         QWidget::keyPressEvent(event);
     }
 }

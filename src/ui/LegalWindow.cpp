@@ -7,6 +7,7 @@
 #include "ui/kit/ScrollArea.h"
 #include "ui/kit/Segments.h"
 #include "ui/kit/Theme.h"
+#include "ui/kit/WindowKeys.h"
 
 #include <QAbstractButton>
 #include <QKeyEvent>
@@ -121,13 +122,7 @@ void LegalWindow::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void LegalWindow::keyPressEvent(QKeyEvent* event) {
-    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    auto* focused = qobject_cast<QAbstractButton*>(focusWidget());
-    if (event->key() == Qt::Key_Escape) {
-        close();
-    } else if (isReturn && focused != nullptr) {
-        focused->click();
-    } else if (!scroller_->scrollByKey(event->key())) {
+    if (!kit::handleWindowKey(*this, *event) && !scroller_->scrollByKey(event->key())) {
         QWidget::keyPressEvent(event);
     }
 }

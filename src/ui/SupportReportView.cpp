@@ -11,6 +11,7 @@
 #include "ui/kit/TextArea.h"
 #include "ui/kit/Theme.h"
 #include "ui/kit/Toggle.h"
+#include "ui/kit/WindowKeys.h"
 
 #include <QKeyEvent>
 #include <QPainter>
@@ -236,13 +237,7 @@ bool SupportReportView::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void SupportReportView::keyPressEvent(QKeyEvent* event) {
-    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    auto* focused = qobject_cast<QAbstractButton*>(focusWidget());
-    if (event->key() == Qt::Key_Escape) {
-        close();
-    } else if (isReturn && focused != nullptr) {
-        focused->click();
-    } else {
+    if (!kit::handleWindowKey(*this, *event)) {
         QWidget::keyPressEvent(event);
     }
 }

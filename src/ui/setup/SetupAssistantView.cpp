@@ -12,6 +12,7 @@
 #include "ui/kit/ScrollArea.h"
 #include "ui/kit/Theme.h"
 #include "ui/kit/Toggle.h"
+#include "ui/kit/WindowKeys.h"
 #include "ui/setup/SetupPoints.h"
 #include "ui/setup/SetupStepList.h"
 #include "ui/setup/SetupToolCard.h"
@@ -381,12 +382,11 @@ void SetupAssistantView::changeEvent(QEvent* event) {
 }
 
 void SetupAssistantView::keyPressEvent(QKeyEvent* event) {
-    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    auto* focused = qobject_cast<QAbstractButton*>(focusWidget());
-    if (event->key() == Qt::Key_Escape) {
-        close();
-    } else if (isReturn) {
-        (focused != nullptr ? focused : next_)->click();
+    if (kit::handleWindowKey(*this, *event)) {
+        return;
+    }
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        next_->click();
     } else if (!scroller_->scrollByKey(event->key())) {
         QWidget::keyPressEvent(event);
     }
