@@ -111,7 +111,7 @@ void NoticeController::look() {
     }
     const Instant now = ReferenceClock::now();
     const NoticeSettings settings = NoticeSettings::of(sources_.preferences);
-    const bool isQuiet = settings.isQuiet(now, TimeZone::system());
+    const bool isQuiet = settings.isQuiet(now, TimeZone::system()) || sources_.isFirstRun();
     const bool isServed = center_->availability() == NotificationCenter::Availability::available;
     const Seconds continuous = continuousSeconds();
     const bool isRefused = lastRefusal_ && continuous - *lastRefusal_ < refusalPause;

@@ -30,6 +30,8 @@ public:
         AgentUIActions actions;
         /// Shows the settings anew, after the delivery has changed.
         std::function<void()> update;
+        /// The user is being asked for the first time what he wants to be told.
+        std::function<bool()> isFirstRun = [] { return false; };
         /// Off: nothing is told, nothing kept.
         bool posts = true;
     };

@@ -221,7 +221,8 @@ void VellmarkAppDelegate::createStatusItem() {
                                   .loop = loop_,
                                   .words = [this]() -> const Localization& { return words(); },
                                   .actions = actions_,
-                                  .update = [this] { updateMainWindow(); },
+                                  .update = [this] { updateVisibleViews(); },
+                                  .isFirstRun = [this] { return isFirstRun_; },
                                   .posts = options_.postsNotices || !machine_.isSandbox()});
     std::function<void()> openMenu;
     if (!mainMenu_.isSystemBar()) {
@@ -426,6 +427,7 @@ void VellmarkAppDelegate::showSetup(const std::optional<AgentProviderID>& agent)
 
 void VellmarkAppDelegate::setupClosed() {
     if (std::exchange(isFirstRun_, false) && !hasTerminated_) {
+        notices_->look();
         showLegalNotice();
     }
 }

@@ -130,6 +130,13 @@ void SettingsPageModel::press(const std::string& name) {
     }
 }
 
+void SettingsPageModel::allowWantedNotices() {
+    if (valueOf(sources_.preferences, setting::notices) == Switch::on &&
+        sources_.noticeDelivery() == NoticeDelivery::unasked) {
+        sources_.allowNotices();
+    }
+}
+
 void SettingsPageModel::deleteHistory() {
     sources_.deleteHistory([this, alive = std::weak_ptr(isAlive_)](std::error_code error) {
         if (alive.expired()) {

@@ -50,6 +50,8 @@ public:
     SettingsPageContent content() const;
     /// Valid as long as this.
     SettingsPageActions actions();
+    /// Where the system asks the user before the first notice, it asks now, if there is to be one.
+    void allowWantedNotices();
 
 private:
     SettingsPageState state() const;

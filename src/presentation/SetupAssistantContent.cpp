@@ -167,15 +167,20 @@ const AgentSettingContent* settingOf(const AgentProviderID& id, const SetupAssis
     return found == state.settings.agents.end() ? nullptr : &*found;
 }
 
-/// The login item and the language, where the settings have them.
-std::vector<SettingRowContent> lastSettings(const SettingsPageContent& settings) {
+/// What is asked once at the end, where the settings have it.
+std::vector<SettingRowContent> lastSettings(const SetupAssistantState& state) {
     std::vector<SettingRowContent> rows;
-    for (const std::string_view name : {"launch-at-login", "language"}) {
-        for (const SettingsSectionContent& section : settings.firstSections) {
-            for (const SettingRowContent& row : section.rows) {
-                if (row.name == name) {
-                    rows.push_back(row);
-                }
+    for (const std::string_view name :
+         {std::string_view("notices"), settingsRow::statusLine, std::string_view("launch-at-login"),
+          std::string_view("language")}) {
+        const AgentSettingContent* claude = settingOf(AgentProviderID::claude(), state);
+        if (name == settingsRow::statusLine && (claude == nullptr || !claude->isEnabled)) {
+            continue;
+        }
+        for (const SettingsSectionContent& section : state.settings.firstSections) {
+            const auto row = std::ranges::find(section.rows, name, &SettingRowContent::name);
+            if (row != section.rows.end()) {
+                rows.push_back(*row);
             }
         }
     }
@@ -220,7 +225,8 @@ void addStep(SetupAssistantContent& content, const SetupAssistantState& state, I
         content.focus = state.focus;
     }
     if (state.step == SetupStep::finish) {
-        content.settings = lastSettings(state.settings);
+        content.settings = lastSettings(state);
+        content.statusLineQuestion = state.settings.statusLineQuestion;
     }
 }
 
@@ -299,6 +305,7 @@ SetupAssistantContent setupAssistantContent(const SetupAssistantState& state, In
         content.subtitle = words.text("setup.finish.subtitle.left");
     }
     addStep(content, state, now, words);
+    content.trouble = state.settings.trouble;
     content.later = {isLast ? "" : words.text("setup.later"), "", words.text("setup.later.help")};
     content.back = {state.step == SetupStep::welcome ? "" : words.text("setup.back"), "", ""};
     content.next = {words.text(isLast ? "setup.done" : "setup.next"), "", ""};

@@ -129,6 +129,10 @@ struct SetupAssistantContent {
     std::string nothingToDo;
     /// On the last step.
     std::vector<SettingRowContent> settings;
+    /// Before the button of `settingsRow::statusLine` does anything.
+    QuestionContent statusLineQuestion;
+    /// What went wrong with the last change of a setting; empty when nothing did.
+    std::string trouble;
     std::optional<AgentProviderID> focus;
 
     ControlContent check;
@@ -159,7 +163,7 @@ struct SetupAssistantActions {
     std::function<void(const std::string& text)> copy;
     /// Another value for a setting.
     std::function<void(const std::string& name, const std::string& value)> change;
-    /// A setting's button.
+    /// A setting's button. Where there is a question, it has been answered with yes.
     std::function<void(const std::string& name)> press;
     /// The window has got the keyboard.
     std::function<void()> lookAgain;

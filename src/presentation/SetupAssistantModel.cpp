@@ -154,7 +154,11 @@ SetupAssistantActions SetupAssistantModel::actions() {
                     sources_.settings.actions().change(name, value);
                     sources_.changed();
                 },
-            .press = [this](const std::string& name) { sources_.settings.actions().press(name); },
+            .press =
+                [this](const std::string& name) {
+                    sources_.settings.actions().press(name);
+                    sources_.changed();
+                },
             .lookAgain = [this] { lookAgain(); }};
 }
 
@@ -166,7 +170,7 @@ void SetupAssistantModel::begin(const std::optional<AgentProviderID>& agent) {
     if (agent || isCompleted()) {
         step_ = agent || !wasOpen ? SetupStep::tools : step_;
     } else if (!wasOpen) {
-        step_ = storedStep(sources_.preferences);
+        comeTo(storedStep(sources_.preferences));
     }
     for (const auto& [id, known] : agents_) {
         if (!known->isAwaited) {
@@ -189,12 +193,22 @@ void SetupAssistantModel::closed() {
 }
 
 void SetupAssistantModel::go(SetupStep step) {
-    step_ = step;
+    comeTo(step);
     focus_.reset();
     sources_.changed();
 }
 
+/// The last step shows what only the system knows: the login item, who shows notices, and Claude
+/// Code's settings.
+void SetupAssistantModel::comeTo(SetupStep step) {
+    step_ = step;
+    if (step == SetupStep::finish) {
+        sources_.settings.actions().appear();
+    }
+}
+
 void SetupAssistantModel::finish() {
+    sources_.settings.allowWantedNotices();
     sources_.preferences.setBoolean(completedKey, true);
     sources_.preferences.remove(stepKey);
     sources_.preferences.remove(postponedKey);
@@ -309,7 +323,7 @@ void SetupAssistantModel::factsChanged() {
             hasGottenReady || (former && needsSetup(*former) && !needsSetup(*agent->status));
     }
     if (hasGottenReady && step_ == SetupStep::tools && !isSomethingLeft() && !isAnythingRunning()) {
-        step_ = SetupStep::finish;
+        comeTo(SetupStep::finish);
     }
     decide();
     sources_.changed();

@@ -91,6 +91,7 @@ private:
     bool isSomethingLeft() const;
     bool isAnythingRunning() const;
     void go(SetupStep step);
+    void comeTo(SetupStep step);
     void finish();
     void check(const AgentProviderID& id);
     void land(const AgentProviderID& id, const AgentFacts& facts);

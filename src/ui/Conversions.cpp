@@ -54,6 +54,13 @@ kit::HealthLook healthLook(const AgentBlockContent& agent) {
             agent.showsClock ? "clock" : std::string()};
 }
 
+kit::Question::Look questionLook(const QuestionContent& question) {
+    return {.title = qString(question.title),
+            .words = qString(question.text),
+            .deed = qString(question.deed),
+            .cancel = qString(question.cancel)};
+}
+
 QString accountLine(const AgentBlockContent& agent) {
     QStringList parts;
     for (const std::string& part : {agent.account, agent.plan}) {

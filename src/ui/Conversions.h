@@ -1,9 +1,11 @@
 #pragma once
 
 #include "presentation/AgentBlockContent.h"
+#include "presentation/SettingsPageContent.h"
 #include "presentation/StatusColor.h"
 #include "probes/ProviderRegistry.h"
 #include "ui/kit/HealthDot.h"
+#include "ui/kit/Question.h"
 #include "ui/kit/Theme.h"
 
 #include <QString>
@@ -25,6 +27,7 @@ QColor qColor(const ColorComponents& color);
 
 /// The state at the end of an agent's head: dot and word, or clock and age.
 kit::HealthLook healthLook(const AgentBlockContent& agent);
+kit::Question::Look questionLook(const QuestionContent& question);
 /// Account and plan on one line, as far as they are known.
 QString accountLine(const AgentBlockContent& agent);
 

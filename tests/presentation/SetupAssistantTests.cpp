@@ -49,9 +49,10 @@ protected:
                 .hasHistory = [] { return false; },
                 .deleteHistory = [](const std::function<void(std::error_code)>&) {},
                 .showFolder = [](const std::filesystem::path&) {},
-                .noticeDelivery = [] { return NoticeDelivery::works; },
+                .noticeDelivery = [this] { return delivery; },
                 .lookForNoticeService = [] {},
-                .allowNotices = [] {}};
+                .allowNotices = [this] { ++allowances; },
+                .terminalProgram = directory.write("vellmark", "")};
     }
     SetupAssistantModel::Sources sources() {
         return {.preferences = *preferences,
@@ -162,6 +163,8 @@ protected:
     std::vector<std::string> logged;
     std::string opened;
     int changes = 0;
+    NoticeDelivery delivery = NoticeDelivery::works;
+    int allowances = 0;
     SettingsPageModel settings{settingsSources()};
     std::unique_ptr<SetupAssistantModel> model = std::make_unique<SetupAssistantModel>(sources());
     SetupAssistantActions actions = model->actions();
@@ -375,6 +378,48 @@ TEST_F(SetupAssistantTest, FollowsAScriptWhileItIsClosed) {
     make(claude, "yes");
     end({Stage::ended, 0});
     EXPECT_THAT(read, ElementsAre("claude"));
+}
+
+TEST_F(SetupAssistantTest, AsksAtTheEndAboutNoticesAndClaudesStatusLine) {
+    const auto file = claudeSettingsFile(machine);
+    std::filesystem::create_directories(file.parent_path());
+    begin();
+    const auto rows = [&] {
+        std::vector<std::string> names;
+        for (const SettingRowContent& row : model->content().settings) {
+            names.push_back(row.name + (row.button.title.empty() ? "" : ": " + row.button.title));
+        }
+        return names;
+    };
+    const auto goToTheEnd = [&] {
+        actions.next();
+        actions.next();
+        actions.next();
+    };
+    goToTheEnd();
+    EXPECT_THAT(rows(),
+                ElementsAre("notices", "status-line: Set up …", "launch-at-login", "language"));
+    EXPECT_THAT(model->content().statusLineQuestion.text, HasSubstr("statusline"));
+    actions.press("status-line");
+    EXPECT_TRUE(std::filesystem::exists(file));
+    EXPECT_THAT(rows(),
+                ElementsAre("notices", "status-line: Remove …", "launch-at-login", "language"));
+
+    // What cannot be kept is told here too.
+    std::filesystem::remove(file);
+    std::filesystem::create_directory(file);
+    actions.press("status-line");
+    EXPECT_THAT(model->content().trouble, HasSubstr("settings.json"));
+    actions.enableAgent(claude, false);
+    EXPECT_THAT(rows(), ElementsAre("notices", "launch-at-login", "language"));
+
+    delivery = NoticeDelivery::unasked;
+    actions.change("notices", "off");
+    actions.next();
+    EXPECT_EQ(allowances, 0) << "nobody wants any";
+    actions.change("notices", "on");
+    actions.next();
+    EXPECT_EQ(allowances, 1) << "the system asks now, not in the middle of the work";
 }
 
 TEST_F(SetupAssistantTest, LeavesNoTimerBehind) {

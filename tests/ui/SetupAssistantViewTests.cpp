@@ -1,6 +1,8 @@
 #include "screenshots/SampleSetup.h"
 #include "screenshots/SampleStates.h"
 #include "ui/QtEnvironment.h"
+#include "ui/kit/Button.h"
+#include "ui/kit/Question.h"
 #include "ui/setup/SetupAssistantView.h"
 #include "ui/setup/SetupToolCard.h"
 
@@ -98,7 +100,11 @@ TEST_F(SetupAssistantViewTest, TheKeyboardComesToEverythingInTheOrderOfReading) 
     calls.clear();
     show(samples::setup(SetupStep::finish, words));
     pressEverything();
-    EXPECT_THAT(calls, ElementsAre("launch-at-login = off", "back", "next"));
+    EXPECT_THAT(calls, ElementsAre("notices = off", "launch-at-login = off", "back", "next"));
+    ASSERT_NE(view.question(), nullptr) << "another program's file is changed after a yes only";
+    calls.clear();
+    view.question()->deedButton()->click();
+    EXPECT_THAT(calls, ElementsAre("press status-line"));
 }
 
 TEST_F(SetupAssistantViewTest, ReturnGoesOnAndEscapeCloses) {

@@ -9,6 +9,8 @@
 #include "ui/kit/HealthDot.h"
 #include "ui/kit/Label.h"
 #include "ui/kit/LogoTile.h"
+#include "ui/kit/Notice.h"
+#include "ui/kit/Question.h"
 #include "ui/kit/ScrollArea.h"
 #include "ui/kit/Theme.h"
 #include "ui/kit/Toggle.h"
@@ -20,7 +22,6 @@
 
 #include <QKeyEvent>
 #include <QPainter>
-#include <QPointer>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -58,7 +59,7 @@ SetupAssistantView::SetupAssistantView(SetupAssistantActions actions, QWidget* p
       title_(new kit::Label(kit::style::title, kit::ColorRole::ink, this)),
       subtitle_(new kit::Label(kit::style::text, kit::ColorRole::ink2, this)),
       scroller_(new kit::ScrollArea(this)), column_(new QWidget),
-      agents_(new kit::FormCard(column_)),
+      trouble_(new kit::Notice(column_)), agents_(new kit::FormCard(column_)),
       nothingToDo_(new kit::Label(kit::style::body, kit::ColorRole::ink2, column_)),
       settings_(new kit::FormCard(column_)),
       check_(new kit::Button(kit::Button::Kind::plain, this)),
@@ -73,6 +74,7 @@ SetupAssistantView::SetupAssistantView(SetupAssistantActions actions, QWidget* p
     };
     settingActions_.press = [this](const std::string& name) { actions_.press(name); };
     subtitle_->setMostLines(3);
+    trouble_->hide();
     nothingToDo_->setMostLines(kit::anyNumberOfLines);
     column_->setAutoFillBackground(false);
     scroller_->setWidget(column_);
@@ -98,6 +100,8 @@ void SetupAssistantView::setContent(const SetupAssistantContent& content) {
     steps_->setSteps(content.steps);
     title_->setWords(qString(content.title));
     subtitle_->setWords(qString(content.subtitle));
+    trouble_->setLook({.words = qString(content.trouble)});
+    trouble_->setVisible(!content.trouble.empty());
     updateRows(points_, content.points, column_);
     updateAgents(content);
     updateTools(content);
@@ -193,7 +197,7 @@ void SetupAssistantView::updateSettings(const SetupAssistantContent& content) {
         SettingRow* row = nullptr;
         if (known == former.end()) {
             row = new SettingRow(setting.name, settingActions_,
-                                 [this](const std::string& name) { actions_.press(name); });
+                                 [this](const std::string& name) { pressSetting(name); });
         } else {
             row = *known;
             former.erase(known);
@@ -207,6 +211,18 @@ void SetupAssistantView::updateSettings(const SetupAssistantContent& content) {
     for (const SettingRow* gone : former) {
         delete gone;
     }
+}
+
+void SetupAssistantView::pressSetting(const std::string& name) {
+    if (name != settingsRow::statusLine) {
+        return actions_.press(name);
+    }
+    question_ = kit::Question::ask(this, questionLook(content_.statusLineQuestion),
+                                   [this, name] { actions_.press(name); });
+}
+
+kit::Question* SetupAssistantView::question() const {
+    return question_;
 }
 
 void SetupAssistantView::updateFoot(const SetupAssistantContent& content) {
@@ -329,6 +345,9 @@ int SetupAssistantView::arrangePage(int width) {
         part->setGeometry(margin, top, width, height);
         top += height + cardGap;
     };
+    if (!trouble_->isHidden()) {
+        place(trouble_);
+    }
     std::ranges::for_each(points_, place);
     if (!agents_->isHidden()) {
         place(agents_);

@@ -2,6 +2,7 @@
 
 #include "presentation/SetupAssistantContent.h"
 
+#include <QPointer>
 #include <QWidget>
 
 #include <vector>
@@ -14,6 +15,8 @@ class FormCard;
 class FormRow;
 class HealthDot;
 class Label;
+class Notice;
+class Question;
 class ScrollArea;
 class Switch;
 } // namespace kit
@@ -37,6 +40,8 @@ public:
     void setTopInset(int inset);
     /// In reading order.
     std::vector<QWidget*> controls() const;
+    /// The question that waits for an answer, or null.
+    kit::Question* question() const;
 
     QSize sizeHint() const override { return firstSize; }
 
@@ -58,6 +63,7 @@ private:
     AgentRow makeAgentRow(const AgentProviderID& id);
     void updateTools(const SetupAssistantContent& content);
     void updateSettings(const SetupAssistantContent& content);
+    void pressSetting(const std::string& name);
     void updateFoot(const SetupAssistantContent& content);
     void arrange();
     int arrangePage(int width);
@@ -76,12 +82,14 @@ private:
     kit::ScrollArea* scroller_;
     QWidget* column_;
     std::vector<SetupPoints*> points_;
+    kit::Notice* trouble_;
     kit::FormCard* agents_;
     std::vector<AgentRow> agentRows_;
     std::vector<SetupToolCard*> tools_;
     kit::Label* nothingToDo_;
     kit::FormCard* settings_;
     std::vector<SettingRow*> settingRows_;
+    QPointer<kit::Question> question_;
     kit::Button* check_;
     kit::Label* checkedAt_;
     kit::Button* later_;

@@ -217,12 +217,8 @@ void SettingsPage::press(const std::string& name) {
 }
 
 void SettingsPage::ask(const QuestionContent& question, const std::string& name) {
-    question_ = kit::Question::ask(this,
-                                   {.title = qString(question.title),
-                                    .words = qString(question.text),
-                                    .deed = qString(question.deed),
-                                    .cancel = qString(question.cancel)},
-                                   [this, name] { actions_.press(name); });
+    question_ =
+        kit::Question::ask(this, questionLook(question), [this, name] { actions_.press(name); });
 }
 
 kit::Question* SettingsPage::question() const {

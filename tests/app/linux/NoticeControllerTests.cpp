@@ -38,7 +38,8 @@ protected:
                         .openWindow = [this] { opened_.emplace_back("window"); },
                         .openProvider =
                             [this](const AgentProviderID& id) { opened_.push_back(id.rawValue); }},
-            .update = [this] { ++updates_; }});
+            .update = [this] { ++updates_; },
+            .isFirstRun = [this] { return isFirstRun_; }});
     }
     static bool eventually(const std::function<bool()>& condition) {
         return becomesTrue(
@@ -66,6 +67,7 @@ protected:
         executor_, *preferences_);
     std::vector<std::string> opened_;
     int updates_ = 0;
+    bool isFirstRun_ = false;
     std::unique_ptr<NoticeController> controller_;
 };
 
@@ -74,9 +76,14 @@ TEST_F(NoticeControllerTest, TellsOnceOpensTheAgentsPageAndRemembers) {
     sandbox_.play("codex", "used-up");
     ASSERT_TRUE(refresh());
     ASSERT_TRUE(refresh());
-    // Nobody shows notices yet; whoever comes shows it.
+    // Nobody shows notices yet; whoever comes shows it, once the user was asked about notices.
     ASSERT_TRUE(eventually([this] { return controller_->delivery() == NoticeDelivery::unserved; }));
+    isFirstRun_ = true;
     NotificationServer server;
+    ASSERT_TRUE(eventually([this] { return controller_->delivery() == NoticeDelivery::works; }));
+    EXPECT_EQ(server.shown().size(), 0U);
+    isFirstRun_ = false;
+    controller_->look();
     ASSERT_TRUE(eventually([&] { return server.shown().size() == 1; }));
     EXPECT_EQ(server.shown().front().title, "Codex · Session: used up");
     EXPECT_EQ(controller_->delivery(), NoticeDelivery::works);
