@@ -395,6 +395,9 @@ Scene helpScene(std::string name, HelpSection section, std::string query = {},
         size);
 }
 
+/// What 1366 by 768 leaves where everything is at 150 %.
+constexpr QSize smallScreen(900, 460);
+
 Scene aboutScene(std::string name, QSize size = AgentMainWindowView::firstSize) {
     return pageScene(
         std::move(name), AgentPage::of(AgentPage::Kind::about), samples::normal,
@@ -449,8 +452,7 @@ std::vector<Scene> allScenes() {
         popoverScene("agent-long-texts", samples::longTexts, "provider:antigravity"),
         overviewScene("overview", samples::normal),
         overviewScene("overview-least", samples::normal, AgentMainWindowView::leastSize),
-        // What 1366 by 768 leaves where type is at 150 %.
-        overviewScene("overview-small-screen", samples::normal, QSize(900, 460)),
+        overviewScene("overview-small-screen", samples::normal, smallScreen),
         overviewScene("refreshing", samples::refreshing),
         overviewScene("healthy", samples::healthy),
         overviewScene("loading", samples::loading),
@@ -464,21 +466,24 @@ std::vector<Scene> allScenes() {
         overviewScene("no-agents", samples::noAgents),
         overviewScene("long-texts", samples::longTexts),
         overviewScene("many-agents", samples::manyAgents),
-        // provider
+        
+        // activity
         activityScene(""),
         activityScene("-least", {}, AgentMainWindowView::leastSize),
+        activityScene("-small-screen", {}, smallScreen),
         activityScene("-wide", {}, {2560, 1400}),
         activityScene("-unfolded", unfoldEverything),
         activityScene("-found", [](QWidget& page) { lookFor(page, QStringLiteral("codex 78")); }),
         activityScene("-not-found", [](QWidget& page) { lookFor(page, QStringLiteral("xyz")); }),
         activityScene("-empty", {}, AgentMainWindowView::firstSize, noEntries),
         activityScene("-loading", {}, AgentMainWindowView::firstSize, nullptr),
+
+        // agent
         agentScene("", samples::inspected),
         agentScene("-day", samples::normal, {.range = ChartRange::day}),
         agentScene("-least", samples::readAlone, {.size = AgentMainWindowView::leastSize}),
         agentScene("-wide", samples::inspected, {.size = {2560, 1400}}),
-        // The room that is left at type of 150 % on a small screen.
-        agentScene("-narrow", samples::inspected, {.size = {910, 512}}),
+        agentScene("-small-screen", samples::inspected, {.size = smallScreen}),
         agentScene("-loading", samples::loading, {.knowsFacts = false}),
         agentScene("-first-day", samples::normal,
                    {.range = ChartRange::day, .addHistory = samples::addFirstDay}),
@@ -510,7 +515,7 @@ std::vector<Scene> allScenes() {
         historyScene("-year", samples::normal, {.range = ChartRange::year}),
         historyScene("-least", samples::normal, {.size = AgentMainWindowView::leastSize}),
         historyScene("-wide", samples::normal, {.size = {2560, 1400}, .readAt = 0.6}),
-        historyScene("-narrow", samples::normal, {.size = {910, 512}}),
+        historyScene("-small-screen", samples::normal, {.size = smallScreen}),
         historyScene("-first-day", samples::normal,
                      {.range = ChartRange::day, .addHistory = samples::addFirstDay}),
         historyScene("-nothing", samples::loading,
@@ -522,11 +527,10 @@ std::vector<Scene> allScenes() {
             {.agent = AgentProviderID::antigravity(), .exportKey = "history.export.failed"}),
         historyScene("-no-agents", samples::noAgents),
 
-        // activity
-
         // settings
         settingsScene("settings", samples::settings),
         settingsScene("settings-least", samples::settings, AgentMainWindowView::leastSize),
+        settingsScene("settings-small-screen", samples::settings, smallScreen),
         settingsScene("settings-large", samples::settings, QSize(2560, 1400)),
         settingsScene("settings-whole", samples::settings, QSize(1120, 2150)),
         {"settings-question", drawSettingsQuestion},
@@ -556,6 +560,7 @@ std::vector<Scene> allScenes() {
         helpScene("marks", HelpSection::marks),
         helpScene("failures", HelpSection::failures),
         helpScene("failures-least", HelpSection::failures, {}, AgentMainWindowView::leastSize),
+        helpScene("failures-small-screen", HelpSection::failures, {}, smallScreen),
         helpScene("keyboard", HelpSection::keyboard),
         helpScene("support", HelpSection::support),
         helpScene("search", HelpSection::reading, "claude token"),
@@ -563,6 +568,7 @@ std::vector<Scene> allScenes() {
         // about
         aboutScene("about"),
         aboutScene("about-least", AgentMainWindowView::leastSize),
+        aboutScene("about-small-screen", smallScreen),
     };
 }
 

@@ -17,14 +17,6 @@
 
 namespace vellmark {
 
-namespace {
-bool isAboutLogin(const UsageProviderError& error) {
-    using Kind = UsageProviderError::Kind;
-    return error.kind() == Kind::codexNotLoggedIn || error.kind() == Kind::claudeNotLoggedIn ||
-           error.kind() == Kind::antigravityNotLoggedIn;
-}
-} // namespace
-
 SetupAssistantWindowController::SetupAssistantWindowController(Sources sources)
     : sources_(std::move(sources)), model_(modelSources()),
       window_({.identifier = "setup",
@@ -53,7 +45,8 @@ SetupAssistantModel::Sources SetupAssistantWindowController::modelSources() {
             [this](const AgentProviderID& id) {
                 const auto& snapshots = sources_.store.state().snapshots;
                 const auto found = std::ranges::find(snapshots, id, &AgentUsageSnapshot::id);
-                return found != snapshots.end() && found->error && isAboutLogin(*found->error);
+                return found != snapshots.end() && found->error &&
+                       wayOutOf(id, found->error->kind()) == WayOut::logIn;
             },
         .traces =
             [this](const ProviderDescriptor& agent) {

@@ -17,6 +17,7 @@ using Kind = UsageProviderError::Kind;
 std::string_view buttonKey(WayOut wayOut) {
     switch (wayOut) {
     case WayOut::readAgain:
+    case WayOut::update:
         return "popover.failure.readAgain";
     case WayOut::logIn:
         return "popover.failure.logIn";
@@ -34,7 +35,7 @@ std::string_view buttonKey(WayOut wayOut) {
 FailureContent failureContent(const AgentProviderID& agent, const UsageProviderError& error,
                               std::optional<Instant> restsUntil, Instant now,
                               const Localization& words) {
-    const WayOut way = wayOutOf(error);
+    const WayOut way = wayOutOf(agent, error.kind());
     FailureContent failure{.agent = agent,
                            .reason = error.message(words),
                            .wayOut = way,
@@ -244,21 +245,6 @@ std::string refusalText(const AgentUsageSnapshot& snapshot, Instant now,
     const std::optional<Instant> until = usedUpUntil(snapshot, now);
     return until ? words.format("allowance.usedUp.until", {name, instantText(*until, now, words)})
                  : words.format(reachedKey(*snapshot.allowance), {name});
-}
-
-WayOut wayOutOf(const UsageProviderError& error) {
-    switch (error.kind()) {
-    case Kind::executableMissing:
-        return WayOut::install;
-    case Kind::claudeNotLoggedIn:
-    case Kind::codexNotLoggedIn:
-    case Kind::antigravityNotLoggedIn:
-        return WayOut::logIn;
-    case Kind::antigravityIneligible:
-        return WayOut::openSettings;
-    default:
-        return WayOut::readAgain;
-    }
 }
 
 std::string agentName(const AgentProviderID& id, const Localization& words) {

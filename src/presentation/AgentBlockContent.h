@@ -2,6 +2,7 @@
 
 #include "presentation/StatusColor.h"
 #include "presentation/UsageRowContent.h"
+#include "probes/WayOut.h"
 #include "store/UsageState.h"
 
 #include <optional>
@@ -10,9 +11,6 @@
 #include <vector>
 
 namespace vellmark {
-
-/// What the user can do about a failure.
-enum class WayOut { none, readAgain, logIn, install, openSettings };
 
 /// Why an agent could not be read, and the way out of it.
 struct FailureContent {
@@ -80,9 +78,6 @@ struct AgentBlockContent {
 AgentBlockContent agentBlockContent(const AgentUsageSnapshot& snapshot, const UsageState& state,
                                     Instant now, const Localization& words,
                                     std::string_view loadingKey = "popover.loadingValues");
-
-/// What helps against a failure.
-WayOut wayOutOf(const UsageProviderError& error);
 
 /// That an agent which refuses to work does so, and until when: "Codex refuses until 4:15 PM".
 std::string refusalText(const AgentUsageSnapshot& snapshot, Instant now, const Localization& words);

@@ -23,39 +23,20 @@ const ProviderDescriptor* agentOf(const ErrorCase& failure) {
     return found == agents.end() ? nullptr : &found->descriptor;
 }
 
-enum class Command { none, install, logIn };
-
-Command commandOf(ErrorKind kind) {
-    switch (kind) {
-    case ErrorKind::executableMissing:
-    case ErrorKind::antigravityReadingCosts:
-    case ErrorKind::claudeOptionRefused:
-        return Command::install;
-    case ErrorKind::claudeNotLoggedIn:
-    case ErrorKind::codexNotLoggedIn:
-    case ErrorKind::antigravityNotLoggedIn:
-    case ErrorKind::claudeAPIKey:
-    case ErrorKind::codexAPIKey:
-        return Command::logIn;
-    default:
-        return Command::none;
-    }
-}
-
 std::vector<std::string> commands(ErrorKind kind, const ProviderDescriptor* agent) {
     if (agent == nullptr || !agent->setup) {
         return {};
     }
     const CLISetupInfo& info = agent->setup->info;
-    switch (commandOf(kind)) {
-    case Command::install:
+    switch (wayOutOf(agent->id, kind)) {
+    case WayOut::install:
+    case WayOut::update:
         return {info.installCommand};
-    case Command::logIn:
+    case WayOut::logIn:
         return {info.loginCommand};
-    case Command::none:
-        break;
+    default:
+        return {};
     }
-    return {};
 }
 
 HelpEntry entry(const ErrorCase& failure, const ProviderDescriptor* agent,

@@ -4,6 +4,7 @@
 #include "presentation/AgentBlockContent.h"
 #include "presentation/AgentStanding.h"
 #include "presentation/UsageRowContent.h"
+#include "probes/ProviderRegistry.h"
 #include "store/ReadingTime.h"
 #include "text/Formatting.h"
 
@@ -235,6 +236,7 @@ std::string_view wayOutKey(WayOut way) {
     case WayOut::openSettings:
         return "notice.unread.openSettings";
     case WayOut::readAgain:
+    case WayOut::update:
     case WayOut::none:
         break;
     }
@@ -245,7 +247,7 @@ Parts unread(const Subject& subject) {
     Parts parts{.title = title("notice.unread", subject)};
     if (const auto& error = subject.snapshot.error) {
         parts.fact = error->message(subject.words);
-        parts.more = subject.words.text(wayOutKey(wayOutOf(*error)));
+        parts.more = subject.words.text(wayOutKey(wayOutOf(subject.snapshot.id, error->kind())));
     }
     return parts;
 }
@@ -294,7 +296,7 @@ WayOut setupOf(const NoticePost& post, const UsageState& state) {
     if (snapshot == state.snapshots.end() || !snapshot->error) {
         return WayOut::none;
     }
-    const WayOut way = wayOutOf(*snapshot->error);
+    const WayOut way = wayOutOf(snapshot->id, snapshot->error->kind());
     return way == WayOut::install || way == WayOut::logIn ? way : WayOut::none;
 }
 

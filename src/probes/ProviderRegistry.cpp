@@ -20,6 +20,7 @@ namespace vellmark {
 namespace {
 
 using Logo = ProviderLogoSource::Kind;
+using Failure = UsageProviderError::Kind;
 
 // Commands and pages as the vendors document them.
 
@@ -101,6 +102,8 @@ ProviderDescriptor codexDescriptor() {
         .showsSourceAsSubtitle = true,
         .readingWays = {},
         .remembersWindow = {},
+        .waysOut = {{Failure::codexNotLoggedIn, WayOut::logIn},
+                    {Failure::codexAPIKey, WayOut::logIn}},
         .timeoutRetryDelaySeconds = 20.0,
     };
 }
@@ -137,6 +140,9 @@ ProviderDescriptor claudeDescriptor() {
         .showsSourceAsSubtitle = true,
         .readingWays = {claudeQueryWay, claudeSessionWay},
         .remembersWindow = claudeRemembersWindow,
+        .waysOut = {{Failure::claudeNotLoggedIn, WayOut::logIn},
+                    {Failure::claudeAPIKey, WayOut::logIn},
+                    {Failure::claudeOptionRefused, WayOut::update}},
         .timeoutRetryDelaySeconds = {},
     };
 }
@@ -171,6 +177,9 @@ ProviderDescriptor antigravityDescriptor() {
         .showsSourceAsSubtitle = false,
         .readingWays = {},
         .remembersWindow = {},
+        .waysOut = {{Failure::antigravityNotLoggedIn, WayOut::logIn},
+                    {Failure::antigravityIneligible, WayOut::openSettings},
+                    {Failure::antigravityReadingCosts, WayOut::update}},
         .timeoutRetryDelaySeconds = {},
     };
 }
@@ -224,6 +233,16 @@ const ProviderRegistration* providerRegistration(const AgentProviderID& id) {
 const ProviderDescriptor* providerDescriptor(const AgentProviderID& id) {
     const ProviderRegistration* const registration = providerRegistration(id);
     return registration ? &registration->descriptor : nullptr;
+}
+
+WayOut wayOutOf(const AgentProviderID& agent, UsageProviderError::Kind failure) {
+    if (const ProviderDescriptor* descriptor = providerDescriptor(agent)) {
+        const auto own = descriptor->waysOut.find(failure);
+        if (own != descriptor->waysOut.end()) {
+            return own->second;
+        }
+    }
+    return failure == Failure::executableMissing ? WayOut::install : WayOut::readAgain;
 }
 
 } // namespace vellmark

@@ -1,13 +1,16 @@
 #pragma once
 
 #include "model/AgentProviderID.h"
+#include "model/UsageProviderError.h"
 #include "platform/Machine.h"
 #include "probes/AgentUsageProvider.h"
 #include "probes/CLISetupInfo.h"
 #include "probes/SavedRun.h"
+#include "probes/WayOut.h"
 
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -73,6 +76,8 @@ struct ProviderDescriptor {
     /// For how long a window still counts that a reading leaves out, by its identifier: some
     /// answers lack rows at times. Without it, at once no more.
     std::function<Seconds(std::string_view windowID)> remembersWindow;
+    /// What the user can do about failures of its own; about any other see `wayOutOf`.
+    std::map<UsageProviderError::Kind, WayOut> waysOut;
     /// A fetch that failed with a time-out is tried again once after this many seconds.
     std::optional<double> timeoutRetryDelaySeconds;
 
@@ -92,5 +97,9 @@ const std::vector<ProviderRegistration>& providerRegistry();
 /// Null when the agent is unknown.
 const ProviderRegistration* providerRegistration(const AgentProviderID& id);
 const ProviderDescriptor* providerDescriptor(const AgentProviderID& id);
+
+/// What helps against a failure of an agent: what its registration says; else a program that is
+/// missing is installed, and anything else is worth another reading.
+WayOut wayOutOf(const AgentProviderID& agent, UsageProviderError::Kind failure);
 
 } // namespace vellmark

@@ -29,6 +29,7 @@ QWidget* FailureNotice::wayOutButton() const {
 void FailureNotice::takeWayOut() const {
     switch (wayOut_) {
     case WayOut::readAgain:
+    case WayOut::update:
         actions_.refresh();
         break;
     case WayOut::logIn:

@@ -280,20 +280,25 @@ TEST(AgentBlock, TellsWhatIsOlderThanItLooksAndWhenTheAgentIsAskedAgain) {
 TEST(AgentBlock, OffersTheWayOutOfAFailure) {
     using Kind = UsageProviderError::Kind;
     struct Way {
+        AgentProviderID agent;
         UsageProviderError error;
         WayOut wayOut;
         std::string button;
     };
     const std::vector<Way> ways{
-        {UsageProviderError::executableMissing("claude"), WayOut::install, "Install …"},
-        {UsageProviderError(Kind::claudeNotLoggedIn), WayOut::logIn, "Log in …"},
-        {UsageProviderError(Kind::codexNotLoggedIn), WayOut::logIn, "Log in …"},
-        {UsageProviderError(Kind::antigravityNotLoggedIn), WayOut::logIn, "Log in …"},
-        {UsageProviderError(Kind::antigravityIneligible), WayOut::openSettings, "Open settings"},
-        {UsageProviderError::other("Odd."), WayOut::readAgain, "Read again"},
+        {claude, UsageProviderError::executableMissing("claude"), WayOut::install, "Install …"},
+        {claude, UsageProviderError(Kind::claudeNotLoggedIn), WayOut::logIn, "Log in …"},
+        {claude, UsageProviderError(Kind::claudeAPIKey), WayOut::logIn, "Log in …"},
+        {claude, UsageProviderError::claudeOptionRefused("--x"), WayOut::update, "Read again"},
+        {codex, UsageProviderError(Kind::codexNotLoggedIn), WayOut::logIn, "Log in …"},
+        {antigravity, UsageProviderError(Kind::antigravityNotLoggedIn), WayOut::logIn, "Log in …"},
+        {antigravity, UsageProviderError(Kind::antigravityIneligible), WayOut::openSettings,
+         "Open settings"},
+        {codex, UsageProviderError::other("Odd."), WayOut::readAgain, "Read again"},
     };
     for (const Way& way : ways) {
-        const AgentBlockContent block = contentOf(stateOf({failed(claude, way.error)})).agents[0];
+        const AgentBlockContent block =
+            contentOf(stateOf({failed(way.agent, way.error)})).agents[0];
         EXPECT_EQ(block.state, State::failed);
         EXPECT_EQ(block.statusText, "Unavailable");
         ASSERT_TRUE(block.failure);
