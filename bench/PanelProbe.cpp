@@ -370,16 +370,31 @@ void measurePopover(const Program& program, Item& item) {
                  text(kept) + " before it was let go");
 }
 
+/// A wake-up is a moment in which any thread runs: while one thread asks another, or the display,
+/// the processor has no time to go to sleep. What lies less than two looks apart is one moment.
 void measureIdle(const Program& program) {
-    const auto before = program.wakeUps();
+    constexpr auto look = std::chrono::milliseconds(20);
     const double processor = program.processorMilliseconds();
-    std::this_thread::sleep_for(idleTime);
-    long wakeUps = 0;
-    for (const auto& [thread, count] : program.wakeUps()) {
-        const auto known = before.find(thread);
-        wakeUps += count - (known != before.end() ? known->second : 0);
+    const auto end = Clock::now() + idleTime;
+    auto last = program.wakeUps();
+    const auto first = last;
+    long moments = 0;
+    bool wasAwake = false;
+    while (Clock::now() < end) {
+        std::this_thread::sleep_for(look);
+        auto current = program.wakeUps();
+        const bool isAwake = current != last;
+        moments += isAwake && !wasAwake ? 1 : 0;
+        wasAwake = isAwake;
+        last = std::move(current);
     }
-    printLimited("wake-ups in 60 s idle", static_cast<double>(wakeUps), "", 2);
+    long switches = 0;
+    for (const auto& [thread, count] : last) {
+        const auto known = first.find(thread);
+        switches += count - (known != first.end() ? known->second : 0);
+    }
+    printLimited("wake-ups in 60 s idle", static_cast<double>(moments), "", 2,
+                 std::to_string(switches) + " times one of its threads waited");
     print("processor in 60 s idle", program.processorMilliseconds() - processor, "ms");
 }
 

@@ -98,6 +98,9 @@ EdgeStrip::EdgeStrip(Preferences& preferences, Events events)
 }
 
 void EdgeStrip::setContent(const StatusItemContent& content) {
+    if (content == content_) {
+        return; // every minute, and asks nobody anything
+    }
     const bool looksDifferent = content.glyph != content_.glyph ||
                                 content.color != content_.color ||
                                 content.figure != content_.figure;
@@ -113,8 +116,8 @@ void EdgeStrip::setContent(const StatusItemContent& content) {
     if (toolTip() != text) {
         setToolTip(text);
         setAccessibleName(text);
-        setWindowTitle(text);
     }
+    setWindowTitle(QString::fromStdString(content.glyphDescription));
     // A compositor may come and go.
     if (isVisible() && kit::windowSurface().isComposited != isComposited_) {
         fitShape();
