@@ -225,28 +225,25 @@ using ActivityPreparation = std::function<void(QWidget& page)>;
 Scene activityScene(
     std::string name, ActivityPreparation prepare = {}, QSize size = AgentMainWindowView::firstSize,
     std::vector<ActivityEntry> (*entries)(const Localization&) = samples::activity) {
-    const auto draw = [prepare = std::move(prepare), size, entries](const std::string& language,
-                                                                    double scale) {
-        AgentNavigationState navigation;
-        AgentMainWindowView view({.program = noActions()}, navigation);
-        const Localization words = samples::words(language);
-        const UsageState state = samples::normal();
-        ActivityPageContent content = activityPageContent(state, samples::now(), words);
-        if (entries != nullptr) {
-            content.entries = std::make_shared<const std::vector<ActivityEntry>>(entries(words));
-            content.entryCount = content.entries->size();
-        }
-        view.setContent({sidebarItems(state, samples::now(), words),
-                         AgentPage::of(AgentPage::Kind::activity), content});
-        view.resize(size);
-        view.show();
-        settle();
-        if (prepare) {
-            prepare(view);
-        }
-        return drawWhole(view, scale);
-    };
-    return {"window-activity" + std::move(name), draw};
+    return pageScene(
+        "activity" + std::move(name), AgentPage::of(AgentPage::Kind::activity), samples::normal,
+        [entries](const UsageState& state, const Localization& words) {
+            ActivityPageContent content = activityPageContent(state, samples::now(), words);
+            if (entries != nullptr) {
+                content.entries =
+                    std::make_shared<const std::vector<ActivityEntry>>(entries(words));
+                content.entryCount = content.entries->size();
+            }
+            return content;
+        },
+        size,
+        [prepare = std::move(prepare)](AgentMainWindowView& view) {
+            view.show();
+            settle();
+            if (prepare) {
+                prepare(view);
+            }
+        });
 }
 
 std::vector<ActivityEntry> noEntries(const Localization& /*words*/) {
@@ -466,7 +463,7 @@ std::vector<Scene> allScenes() {
         overviewScene("no-agents", samples::noAgents),
         overviewScene("long-texts", samples::longTexts),
         overviewScene("many-agents", samples::manyAgents),
-        
+
         // activity
         activityScene(""),
         activityScene("-least", {}, AgentMainWindowView::leastSize),
