@@ -25,6 +25,9 @@ constexpr int leastWidth = 120;
 constexpr int entryHeight = 28;
 constexpr int markGap = 6;
 constexpr int entryInset = 4;
+/// What an entry needs beside its words.
+constexpr int entryRoom = 2 * (padding + entryInset) + iconSide + markGap;
+constexpr int listFrame = 2;
 
 /// An entry of the list: a check mark before the one that is chosen.
 class Entries : public QStyledItemDelegate {
@@ -34,9 +37,7 @@ public:
     QSize sizeHint(const QStyleOptionViewItem& /*option*/,
                    const QModelIndex& index) const override {
         const double words = textWidth(index.data().toString(), style::row);
-        return {static_cast<int>(std::ceil(words)) + 2 * (padding + entryInset) + iconSide +
-                    markGap,
-                entryHeight};
+        return {static_cast<int>(std::ceil(words)) + entryRoom, entryHeight};
     }
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
@@ -50,7 +51,8 @@ public:
             painter->drawRoundedRect(option.rect.adjusted(entryInset, 1, -entryInset, -1),
                                      radius::control, radius::control);
         }
-        QRectF words = QRectF(option.rect).adjusted(entryInset + padding, 0, -padding, 0);
+        QRectF words =
+            QRectF(option.rect).adjusted(entryInset + padding, 0, -entryInset - padding, 0);
         if (index.row() == owner_->currentIndex()) {
             drawIcon(*painter,
                      QRectF(words.left(), words.center().y() - iconSide / 2.0, iconSide, iconSide),
@@ -109,12 +111,13 @@ void Choice::setChoices(const QStringList& choices) {
     updateGeometry();
 }
 
+/// As wide as its list, which lies over it.
 QSize Choice::sizeHint() const {
     double widest = 0;
     for (int index = 0; index < count(); ++index) {
-        widest = std::max(widest, textWidth(itemText(index), style::text));
+        widest = std::max(widest, textWidth(itemText(index), style::row));
     }
-    const int width = static_cast<int>(std::ceil(widest)) + 2 * padding + iconGap + iconSide;
+    const int width = static_cast<int>(std::ceil(widest)) + entryRoom + listFrame;
     return {std::max(width, leastWidth), fieldHeight};
 }
 
