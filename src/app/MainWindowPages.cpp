@@ -203,9 +203,9 @@ PageContent MainWindowPages::contentOf(const AgentPage& page, Instant now) const
     case Kind::help:
         return helpPageContent(helpSection_, helpQuery_, words);
     case Kind::about:
-        return aboutPageContent(words);
+        break;
     }
-    return PageHeadContent();
+    return aboutPageContent(words);
 }
 
 // history

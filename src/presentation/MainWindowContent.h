@@ -7,7 +7,6 @@
 #include "presentation/HelpPageContent.h"
 #include "presentation/HistoryPageContent.h"
 #include "presentation/OverviewPageContent.h"
-#include "presentation/PageHeadContent.h"
 #include "presentation/SettingsPageContent.h"
 #include "presentation/SidebarContent.h"
 
@@ -38,9 +37,7 @@ using PageContent = std::variant<
     HelpPageContent,
 
     // about
-    AboutPageContent,
-
-    PageHeadContent>;
+    AboutPageContent>;
 
 /// What the main window shows: the list of pages and the content of the one that is shown.
 struct MainWindowContent {

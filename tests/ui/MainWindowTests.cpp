@@ -34,15 +34,33 @@ protected:
     void fill(const UsageState& state) {
         const Localization words = samples::words("en");
         const AgentPage page = shownPage(navigation.selection(), state);
-        PageContent content = PageHeadContent{.title = "Page"};
-        if (page.kind == AgentPage::Kind::overview) {
-            content = overviewPageContent(state, samples::now(), words);
-        }
-        MainWindowContent shown{sidebarItems(state, samples::now(), words), page, content};
+        MainWindowContent shown{sidebarItems(state, samples::now(), words), page,
+                                contentOf(page.kind, state, words)};
         if (hasMenuButton) {
             shown.menuButton = menuButton(words);
         }
         view.setContent(shown);
+    }
+    /// Nothing but the overview has anything on it.
+    static PageContent contentOf(AgentPage::Kind kind, const UsageState& state,
+                                 const Localization& words) {
+        switch (kind) {
+        case AgentPage::Kind::overview:
+            return overviewPageContent(state, samples::now(), words);
+        case AgentPage::Kind::provider:
+            return AgentPageContent();
+        case AgentPage::Kind::history:
+            return HistoryPageContent();
+        case AgentPage::Kind::activity:
+            return ActivityPageContent();
+        case AgentPage::Kind::settings:
+            return SettingsPageContent();
+        case AgentPage::Kind::help:
+            return HelpPageContent();
+        case AgentPage::Kind::about:
+            break;
+        }
+        return AboutPageContent();
     }
     std::vector<kit::SidebarEntry*> entries() {
         std::vector<kit::SidebarEntry*> result;
@@ -131,15 +149,19 @@ TEST_F(MainWindow, BringsTheKeyboardAlongAndBackToWhereItWas) {
     ASSERT_NE(card, nullptr);
     card->setFocus(Qt::TabFocusReason);
     navigation.select(AgentPage::of(AgentPage::Kind::settings));
-    // A page without controls.
-    EXPECT_EQ(view.focusWidget(), entries()[6]);
+    ASSERT_NE(view.focusWidget(), nullptr);
+    EXPECT_TRUE(view.focusWidget()->isVisibleTo(&view)) << "on the page that came";
+    EXPECT_FALSE(entries()[0]->parentWidget()->isAncestorOf(view.focusWidget()));
     navigation.goBack();
-    EXPECT_EQ(view.focusWidget(), entries()[0]) << "it was not on the page that went";
+    EXPECT_EQ(view.focusWidget(), card);
+    pressKey(view, Qt::Key_F6);
+    navigation.select(AgentPage::of(AgentPage::Kind::settings));
+    EXPECT_EQ(view.focusWidget(), entries()[6]) << "it was not on the page that went";
+    navigation.goBack();
+    EXPECT_EQ(view.focusWidget(), entries()[0]);
     pressKey(view, Qt::Key_F6);
     EXPECT_EQ(view.focusWidget(), card);
     EXPECT_NE(findRing(), nullptr);
-    pressKey(view, Qt::Key_F6);
-    EXPECT_EQ(view.focusWidget(), entries()[0]);
 }
 
 TEST_F(MainWindow, GoesItsWayByKeysAndByTheButtonsOfTheMouse) {

@@ -4,7 +4,6 @@
 #include "ui/kit/Button.h"
 #include "ui/kit/FocusRing.h"
 #include "ui/kit/Theme.h"
-#include "ui/window/HeadOnlyPage.h"
 #include "ui/window/Sidebar.h"
 #include "ui/window/WindowPage.h"
 #include "ui/window/WindowPages.h"
@@ -50,11 +49,9 @@ void AgentMainWindowView::setContent(const MainWindowContent& content) {
 }
 
 WindowPage& AgentMainWindowView::pageFor(const MainWindowContent& content) {
-    WindowPage*& page = pages_[{content.page.kind, content.content.index()}];
+    WindowPage*& page = pages_[content.page.kind];
     if (page == nullptr) {
-        page = std::holds_alternative<PageHeadContent>(content.content)
-                   ? new HeadOnlyPage(this)
-                   : makePage(content.page.kind, actions_, this);
+        page = makePage(content.page.kind, actions_, this);
     }
     return *page;
 }

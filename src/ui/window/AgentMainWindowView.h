@@ -63,7 +63,7 @@ private:
     AgentNavigationState& navigation_;
     Sidebar* sidebar_;
     /// By the page's kind and that of its content: a page may have nothing but a head.
-    std::map<std::pair<AgentPage::Kind, std::size_t>, WindowPage*> pages_;
+    std::map<AgentPage::Kind, WindowPage*> pages_;
     WindowPage* page_ = nullptr;
     AgentPage shown_;
     /// Of each page, what had the keyboard when another took its place.

@@ -3,7 +3,6 @@
 #include "ui/window/AboutPage.h"
 #include "ui/window/ActivityPage.h"
 #include "ui/window/AgentDetailPage.h"
-#include "ui/window/HeadOnlyPage.h"
 #include "ui/window/HelpPage.h"
 #include "ui/window/HistoryPage.h"
 #include "ui/window/OverviewPage.h"
@@ -21,7 +20,6 @@ void give(WindowPage& page, const Content& content) {
 struct Giver {
     WindowPage& page;
 
-    void operator()(const PageHeadContent& content) const { give<HeadOnlyPage>(page, content); }
     // overview
     void operator()(const OverviewPageContent& content) const { give<OverviewPage>(page, content); }
     // provider
@@ -59,9 +57,9 @@ WindowPage* makePage(AgentPage::Kind kind, const MainWindowActions& actions, QWi
     case Kind::help:
         return new HelpPage(actions.help, parent);
     case Kind::about:
-        return new AboutPage(actions.about, parent);
+        break;
     }
-    return new HeadOnlyPage(parent);
+    return new AboutPage(actions.about, parent);
 }
 
 void setPageContent(WindowPage& page, const PageContent& content) {
