@@ -45,7 +45,12 @@ install(FILES ${shell_files}/vellmark
 install(FILES ${shell_files}/_vellmark DESTINATION ${zsh_functions} COMPONENT terminal)
 install(FILES ${shell_files}/vellmark.fish
     DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT terminal)
-install(DIRECTORY ${man_files}/ DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT terminal)
+install(DIRECTORY ${man_files}/ DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT terminal
+    PATTERN vellmark-desktop.1.gz EXCLUDE)
+if(TARGET vellmark_desktop AND NOT APPLE)
+    install(DIRECTORY ${man_files}/ DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT desktop
+        FILES_MATCHING PATTERN vellmark-desktop.1.gz)
+endif()
 
 install(FILES prometheus/vellmark.rules.yml prometheus/grafana-dashboard.json
     DESTINATION ${CMAKE_INSTALL_DATADIR}/vellmark/prometheus COMPONENT terminal)

@@ -30,7 +30,10 @@ set(CPACK_DEBIAN_TERMINAL_PACKAGE_NAME vellmark)
 set(CPACK_DEBIAN_TERMINAL_PACKAGE_RECOMMENDS "expect, zsh")
 set(CPACK_DEBIAN_TERMINAL_DESCRIPTION "${terminal_summary}\n${about}")
 set(CPACK_DEBIAN_DESKTOP_PACKAGE_NAME vellmark-desktop)
-set(CPACK_DEBIAN_DESKTOP_PACKAGE_DEPENDS "vellmark (= ${PROJECT_VERSION})")
+# Qt's plugin for X11 is loaded at run time, where shlibdeps does not see it.
+set(CPACK_DEBIAN_DESKTOP_PACKAGE_DEPENDS "vellmark (= ${PROJECT_VERSION}), qt6-qpa-plugins")
+set(CPACK_DEBIAN_DESKTOP_PACKAGE_RECOMMENDS
+    "default-dbus-session-bus | dbus-session-bus, qt6-wayland, xdg-utils")
 set(CPACK_DEBIAN_DESKTOP_DESCRIPTION "${desktop_summary}\n${about}
 .
 This package has the desktop application.")
@@ -39,6 +42,11 @@ set(CPACK_RPM_COMPONENT_INSTALL ON)
 set(CPACK_RPM_FILE_NAME RPM-DEFAULT)
 set(CPACK_RPM_PACKAGE_LICENSE MIT)
 set(CPACK_RPM_PACKAGE_GROUP Applications/System)
+# With SOURCE_DATE_EPOCH the same bytes on every machine.
+set(CPACK_RPM_SPEC_MORE_DEFINE "%define use_source_date_epoch_as_buildtime 1
+%define clamp_mtime_to_source_date_epoch 1
+%define source_date_epoch_from_changelog 0
+%define _buildhost localhost")
 set(CPACK_RPM_TERMINAL_PACKAGE_NAME vellmark)
 set(CPACK_RPM_TERMINAL_PACKAGE_SUMMARY "${terminal_summary}")
 set(CPACK_RPM_TERMINAL_PACKAGE_DESCRIPTION "${about}")
@@ -55,5 +63,9 @@ set(CPACK_RPM_EXCLUDE_FROM_AUTO_FILELIST_ADDITION
     /usr/share/bash-completion /usr/share/bash-completion/completions
     /usr/share/fish /usr/share/fish/vendor_completions.d
     /usr/share/zsh /usr/share/zsh/site-functions /usr/share/zsh/vendor-completions)
+foreach(size IN ITEMS 16x16 22x22 24x24 32x32 48x48 64x64 128x128 256x256 512x512 symbolic)
+    list(APPEND CPACK_RPM_EXCLUDE_FROM_AUTO_FILELIST_ADDITION
+        /usr/share/icons/hicolor/${size} /usr/share/icons/hicolor/${size}/apps)
+endforeach()
 
 include(CPack)

@@ -17,7 +17,7 @@ fail() {
     exit 1
 }
 
-# Names of packages for one purpose: build, desktop, tests, metrics, checks.
+# Names of packages for one purpose: build, desktop, tests, metrics, checks, packages, package-checks.
 debian_packages() {
     case "$1" in
     build) echo "cmake ninja-build g++ ccache pkg-config nlohmann-json3-dev libre2-dev libicu-dev
@@ -28,6 +28,8 @@ debian_packages() {
     metrics) echo "prometheus python3" ;;
     checks) echo "clang-16 llvm-16 libc++-16-dev libc++abi-16-dev libclang-rt-16-dev gobjc++
                   libgnustep-gui-dev libblocksruntime-dev" ;;
+    packages) echo "dpkg-dev rpm git" ;;
+    package-checks) echo "debootstrap lintian appstream desktop-file-utils systemd xvfb xdotool" ;;
     esac
 }
 

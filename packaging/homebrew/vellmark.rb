@@ -22,7 +22,7 @@ class Vellmark < Formula
     system "cmake", "--build", "build"
     prefix.install "build/bin/Vellmark.app"
     bin.install_symlink prefix/"Vellmark.app/Contents/Helpers/vellmark"
-    man1.install Dir["build/man/man1/*"]
+    man1.install Dir["build/man/man1/*"].reject { |page| page.include?("vellmark-desktop") }
     generate_completions_from_executable(bin/"vellmark", "completions")
   end
 

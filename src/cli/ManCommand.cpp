@@ -6,6 +6,7 @@
 #include "text/TerminalText.h"
 
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
 
@@ -45,16 +46,19 @@ public:
 
 private:
     int writeAll(const ProgramDescription& program, const CommandContext& context) const {
-        std::vector<std::string> names{""};
+        std::map<std::string, std::string> pages{
+            {manPageFile(""), manPage(program, "", context.words)},
+            {manPageFile("desktop"), desktopManPage(context.words)}};
         for (const CommandDescription& command : program.commands) {
             if (!command.isHidden) {
-                names.push_back(command.name);
+                pages.emplace(manPageFile(command.name),
+                              manPage(program, command.name, context.words));
             }
         }
-        for (const std::string& name : names) {
-            const auto file = std::filesystem::path(*directory_) / manPageFile(name);
-            if (const auto error = replaceWholeFile(file, manPage(program, name, context.words),
-                                                    ReplacementFile::Mode::readableByAll)) {
+        for (const auto& [name, page] : pages) {
+            const auto file = std::filesystem::path(*directory_) / name;
+            if (const auto error =
+                    replaceWholeFile(file, page, ReplacementFile::Mode::readableByAll)) {
                 context.report(context.words.format(
                     "cli.error.notSaved",
                     {singleLine(file.string()), systemErrorText(error, context.words)}));

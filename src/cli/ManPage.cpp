@@ -104,6 +104,14 @@ private:
     std::string text_;
 };
 
+void fileSection(Page& page, const Localization& words) {
+    page.section("man.section.files");
+    page.entry(placeholder("~/.local/share/Vellmark"), words.text("man.files.data"));
+    page.entry(placeholder("~/.config/Vellmark/preferences.json"),
+               words.text("man.files.settings"));
+    page.paragraph(words.text("man.files.macos"));
+}
+
 void programSections(Page& page, const ProgramDescription& program, const Localization& words) {
     page.section("man.section.synopsis");
     page.line(typed("vellmark") + " [" + placeholder(words.text("cli.help.label.options")) + "] [" +
@@ -120,11 +128,7 @@ void programSections(Page& page, const ProgramDescription& program, const Locali
     }
     page.options("man.section.options", program.options);
     page.exitStatus();
-    page.section("man.section.files");
-    page.entry(placeholder("~/.local/share/Vellmark"), words.text("man.files.data"));
-    page.entry(placeholder("~/.config/Vellmark/preferences.json"),
-               words.text("man.files.settings"));
-    page.paragraph(words.text("man.files.macos"));
+    fileSection(page, words);
     page.section("man.section.seeAlso");
     std::string pages;
     for (const CommandDescription& command : program.commands) {
@@ -162,6 +166,24 @@ void commandSections(Page& page, const CommandDescription& command,
     page.line(typed("vellmark") + "(1)");
 }
 
+/// The desktop application's options, as its --help has them.
+std::vector<OptionDescription> desktopOptions(const Localization& words) {
+    const auto option = [&](const char* name, const char* placeholder, const char* key) {
+        return OptionDescription{
+            .names = {name}, .placeholder = placeholder, .text = words.text(key)};
+    };
+    return {option("--show-window", "", "man.desktop.showWindow"),
+            option("--show-about", "", "man.desktop.showAbout"),
+            option("--show-popover", "", "man.desktop.showPopover"),
+            option("--demo", "", "cli.help.demo"),
+            option("--sandbox", "DIR", "cli.help.sandbox"),
+            option("--notices", "", "man.desktop.notices"),
+            option("--language", "LANG", "man.desktop.language"),
+            option("--render-glyph", "USED ELAPSED SIZE FILE.png", "man.desktop.renderGlyph"),
+            option("--help", "", "cli.help.help"),
+            option("--version", "", "cli.help.version")};
+}
+
 } // namespace
 
 std::string manPageFile(const std::string& command) {
@@ -178,6 +200,22 @@ std::string manPage(const ProgramDescription& program, const std::string& comman
     } else {
         programSections(page, program, words);
     }
+    return std::move(page).text();
+}
+
+std::string desktopManPage(const Localization& words) {
+    Page page(words);
+    page.head("vellmark-desktop", words.text("man.desktop.summary"));
+    page.section("man.section.synopsis");
+    page.line(typed("vellmark-desktop") + " [" + placeholder(words.text("cli.help.label.options")) +
+              "]");
+    page.section("man.section.description");
+    page.line(literal(words.text("man.description")));
+    page.paragraph(words.text("man.desktop.description"));
+    page.options("man.section.options", desktopOptions(words));
+    fileSection(page, words);
+    page.section("man.section.seeAlso");
+    page.line(typed("vellmark") + "(1)");
     return std::move(page).text();
 }
 

@@ -15,4 +15,7 @@ std::string manPage(const ProgramDescription& program, const std::string& comman
 /// "vellmark-log.1"; "vellmark.1" where `command` is empty.
 std::string manPageFile(const std::string& command);
 
+/// The page of the desktop application, "vellmark-desktop.1".
+std::string desktopManPage(const Localization& words);
+
 } // namespace vellmark

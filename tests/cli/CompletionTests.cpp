@@ -176,7 +176,7 @@ TEST_F(Completion, ManualPagesAreWithoutFaultInEveryLanguage) {
         const auto pages = folder / language;
         std::filesystem::create_directories(pages);
         EXPECT_EQ(run({"man", "--directory", pages.string(), "--language", language}).status, 0);
-        for (const char* page : {"vellmark.1", "vellmark-history.1", "vellmark-setup-script.1"}) {
+        for (const char* page : {"vellmark.1", "vellmark-setup-script.1", "vellmark-desktop.1"}) {
             EXPECT_TRUE(std::filesystem::exists(pages / page)) << page;
         }
         EXPECT_FALSE(std::filesystem::exists(pages / "vellmark-complete.1"));
