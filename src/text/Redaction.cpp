@@ -114,7 +114,7 @@ const std::vector<Rule>& furtherRules() {
                 R"(|SG\.[A-Za-z0-9_\-]{16,}\.[A-Za-z0-9_\-]{16,}|dop_v1_[a-f0-9]{32,})"
                 R"(|eyJ[A-Za-z0-9_\-]{8,}\.[A-Za-z0-9_\-]{8,}(?:\.[A-Za-z0-9_\-]*)?))"),
             "<redacted>");
-        add(Pattern(R"(([A-Za-z][A-Za-z0-9+.\-]*://)[^/?#\s@"'<>]+@)"), "$1<redacted>@");
+        add(Pattern(R"(([A-Za-z][A-Za-z0-9+.\-]*://)[^/?#\s"'<>]+@)"), "$1<redacted>@");
         add(Pattern(R"((^|[\s"'=:(\[{<>«“,;|/])(?:/(?:var|export))?/home/[^/\s"'«»“”)\]:,;]+)"),
             "$1~", RemovedKind::path);
         add(Pattern(R"((?i)\b[a-z]:[\\/]+users[\\/]+[^\\/\s"'«»“”)\]]+)"), "~", RemovedKind::path);
@@ -126,7 +126,7 @@ const std::vector<Rule>& furtherRules() {
 /// What a line about a failure must not carry besides.
 const std::array<Rule, 2>& urlRules() {
     static const std::array rules{
-        Rule{Pattern(R"(([A-Za-z][A-Za-z0-9+.\-]*://)[^/?#\s@<]*@)"), "$1"},
+        Rule{Pattern(R"(([A-Za-z][A-Za-z0-9+.\-]*://)[^/?#\s<]*@)"), "$1"},
         Rule{Pattern(R"((://[^\s?#"'<>]*)[?#][^\s"'<>]*)"), "$1"},
     };
     return rules;
@@ -339,6 +339,16 @@ std::optional<std::string> redactedBytes(std::string_view text, std::string_view
     return result && isCarried ? std::optional(carriedBytes(*result, places)) : std::move(result);
 }
 
+std::optional<std::string> wordsRedactedOnce(std::string_view words,
+                                             std::string_view homeDirectory) {
+    // Terminal sequences go first: nothing may hide in them what the rules look for.
+    std::optional<std::string> line = singleLine(trimmed(words));
+    for (const Rule& rule : urlRules()) {
+        line = applied(rule, std::move(line));
+    }
+    return line ? applied(opaqueRuns(), redacted(*line, homeDirectory)) : std::nullopt;
+}
+
 } // namespace
 
 std::optional<std::string> redacted(std::string_view text, std::string_view homeDirectory,
@@ -359,15 +369,21 @@ std::optional<RedactedText> redactedWithPlaces(std::string_view text,
 }
 
 std::string redactedWords(std::string_view words, std::string_view homeDirectory) {
-    // Terminal sequences go first: nothing may hide in them what the rules look for.
-    std::optional<std::string> line = singleLine(trimmed(words));
-    for (const Rule& rule : urlRules()) {
-        line = applied(rule, std::move(line));
+    // What one rule leaves may be something for another: two passes are usual, more an attempt to
+    // smuggle something through.
+    constexpr int mostPasses = 8;
+    std::string line(words);
+    for (int pass = 0; pass < mostPasses; ++pass) {
+        auto redactedOnce = wordsRedactedOnce(line, homeDirectory);
+        if (!redactedOnce) {
+            break;
+        }
+        if (*redactedOnce == line) {
+            return line;
+        }
+        line = std::move(*redactedOnce);
     }
-    if (line) {
-        line = applied(opaqueRuns(), redacted(*line, homeDirectory));
-    }
-    return line.value_or("");
+    return {};
 }
 
 std::string redactedLine(std::string_view words, std::string_view homeDirectory) {
