@@ -26,9 +26,13 @@ struct Rule {
 // do.
 constexpr std::string_view wordStart = R"((^\p{M}*|\W\p{M}*))";
 
-Pattern atWordStart(std::string_view expression, std::string_view flags = {}) {
-    return Pattern(std::string(flags) + std::string(wordStart) + std::string(expression));
+Pattern atWordStart(std::string_view expression, std::string_view flags = {},
+                    std::string_view tail = {}) {
+    return Pattern(std::string(flags) + std::string(wordStart) + std::string(expression), tail);
 }
+
+constexpr std::string_view lettersAndDigits =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
 
 const Rule& userPaths() {
     static const Rule rule{Pattern(R"(/Users/[^/\s"'«»“”)\]]+)"), "~", RemovedKind::path};
@@ -39,8 +43,8 @@ constexpr std::string_view keyWords = "token|bearer|api[_-]?key|secret|password|
 
 const Rule& namedSecrets() {
     static const Rule rule{
-        atWordStart("(" + std::string(keyWords) + R"()(?:\s*[:=]\s*|\s+)[A-Za-z0-9._\-+/=]{16,})",
-                    "(?i)"),
+        atWordStart("(" + std::string(keyWords) + R"()(?:\s*[:=]\s*|\s+)[A-Za-z0-9._\-+/=]{16})",
+                    "(?i)", std::string(lettersAndDigits) + "._-+/="),
         "$1$2 <redacted>"};
     return rule;
 }
@@ -52,7 +56,8 @@ const Pattern& openSecret() {
 }
 
 const Rule& prefixedKeys() {
-    static const Rule rule{atWordStart(R"((?:sk|ghp|gho|xox[bap])-[A-Za-z0-9_\-]{12,})"),
+    static const Rule rule{atWordStart(R"((?:sk|ghp|gho|xox[bap])-[A-Za-z0-9_\-]{12})", {},
+                                       std::string(lettersAndDigits) + "_-"),
                            "$1<redacted>"};
     return rule;
 }
