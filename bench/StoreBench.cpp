@@ -69,23 +69,28 @@ UsageHistorySample sampleAt(int index) {
     return sample;
 }
 
+fs::path writeHistory(const fs::path& directory, int samples) {
+    const fs::path made = directory / "usage-history.json";
+    std::ofstream stream(made, std::ios::binary);
+    for (int index = 0; index < samples; ++index) {
+        stream << (index == 0 ? "[\n" : ",\n") << serialized(toJSON(sampleAt(index)), -1);
+    }
+    stream << "\n]\n";
+    return made;
+}
+
 /// 200,000 samples, about 33 MB, written once.
 const fs::path& longHistory() {
     static const Scratch scratch;
-    static const fs::path file = [] {
-        const fs::path made = scratch.path() / "usage-history.json";
-        std::ofstream stream(made, std::ios::binary);
-        for (int index = 0; index < sampleCount; ++index) {
-            stream << (index == 0 ? "[\n" : ",\n") << serialized(toJSON(sampleAt(index)), -1);
-        }
-        stream << "\n]\n";
-        return made;
-    }();
+    static const fs::path file = writeHistory(scratch.path(), sampleCount);
     return file;
 }
 
 void loadHistory(benchmark::State& state) {
-    const fs::path file = longHistory();
+    const Scratch scratch;
+    const auto samples = static_cast<int>(state.range(0));
+    const fs::path file =
+        samples == sampleCount ? longHistory() : writeHistory(scratch.path(), samples);
     std::shared_ptr<UsageHistory> history;
     for (auto _ : state) {
         history = std::make_shared<UsageHistory>();
@@ -108,7 +113,7 @@ void loadHistory(benchmark::State& state) {
     state.counters["bytes/sample"] =
         static_cast<double>(history->bytesHeld()) / static_cast<double>(history->sampleCount());
 }
-BENCHMARK(loadHistory)->Unit(benchmark::kMillisecond);
+BENCHMARK(loadHistory)->Arg(sampleCount)->Arg(10 * sampleCount)->Unit(benchmark::kMillisecond);
 
 /// With the daily thinning.
 void firstStartOfTheDay(benchmark::State& state) {

@@ -146,7 +146,7 @@ int runProgram(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
-    ignoreBrokenPipes();
+    ignoreWriteSignals();
     keepLittleUnusedMemory();
     endProgram(runProgram(argc, argv));
 }

@@ -94,7 +94,10 @@ struct Parser {
     std::optional<std::string> sandbox;
     bool demo = false;
 
-    Parser(const std::vector<std::unique_ptr<Subcommand>>& all, const Localization& theWords)
+    /// With `arguments`, only the options of the commands that stand among them are declared, which
+    /// is enough to understand them; otherwise all are.
+    Parser(const std::vector<std::unique_ptr<Subcommand>>& all, const Localization& theWords,
+           const std::vector<std::string>* arguments = nullptr)
         : words(theWords), subcommands(all) {
         app.set_help_flag("-h,--help", words.text("cli.help.help"));
         app.set_version_flag("-V,--version", "")->description(words.text("cli.help.version"));
@@ -107,7 +110,9 @@ struct Parser {
         app.fallthrough();
         for (const auto& subcommand : all) {
             ParserOptions options(*app.add_subcommand(subcommand->name()), words);
-            subcommand->declare(options);
+            if (!arguments || std::ranges::count(*arguments, subcommand->name()) > 0) {
+                subcommand->declare(options);
+            }
         }
         ParserOptions(*app.add_subcommand(helpSubcommand), words)
             .optionalPositional("COMMAND", helpTopic, "cli.help.command");
@@ -285,10 +290,10 @@ CommandLineFault faultOf(const CLI::ParseError& error, const std::vector<std::st
 
 HelpPage helpAbout(const std::string& topic, const Parser& parser) {
     if (parser.find(topic) != nullptr) {
-        return parser.help(topic);
+        return Parser(parser.subcommands, parser.words).help(topic);
     }
     if (topic.empty() || topic == helpSubcommand) {
-        return parser.help();
+        return Parser(parser.subcommands, parser.words).help();
     }
     throw CommandLineFault{unknownText("cli.error.unknownCommand", singleLine(topic),
                                        subcommandNames(parser), parser.words),
@@ -360,7 +365,7 @@ CommandLine parseCommandLine(std::vector<std::string> arguments,
     if (isDefault) {
         arguments.insert(arguments.begin(), defaultSubcommand);
     }
-    Parser parser(subcommands, words);
+    Parser parser(subcommands, words, &arguments);
     try {
         std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
         parser.app.parse(std::move(reversed));

@@ -93,6 +93,7 @@ void runAfterwards(const std::string& command, const Input& input) {
         ::dup2(input.copy.get(), STDIN_FILENO);
     }
     std::signal(SIGPIPE, SIG_DFL);
+    std::signal(SIGXFSZ, SIG_DFL);
     ::execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
 }
 

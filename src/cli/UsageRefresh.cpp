@@ -119,7 +119,8 @@ int refreshUsage(const CommandContext& context, RefreshWish wish, UsageState& st
          .words = [&context] { return context.words; },
          .agents = std::move(wish.agents),
          .way = std::move(wish.way),
-         .storageTrouble = [&](const std::string& text) { troubles.push_back(text); }},
+         .storageTrouble = [&](const std::string& text) { troubles.push_back(text); },
+         .givesMemoryBack = false},
         loop, *preferences);
     const int status = refresh(store, loop, context, wish.showsFigures);
     awaitStorageNews(store, loop);

@@ -17,6 +17,7 @@
 #include <exception>
 #include <fcntl.h>
 #include <optional>
+#include <system_error>
 #include <unistd.h>
 
 namespace vellmark {
@@ -108,6 +109,9 @@ int run(const std::vector<std::string>& arguments) {
         return refuse(fault.message, fault.hint);
     } catch (const WrongArguments& wrong) {
         return refuse(wrong.message(words), helpHint(commandLine.subcommand->name(), words));
+    } catch (const std::system_error& error) {
+        errors.write("vellmark: " + systemErrorText(error.code(), words) + "\n");
+        return ExitStatus::failed;
     } catch (const std::exception& error) {
         errors.write("vellmark: " + singleLine(error.what()) + "\n");
         return ExitStatus::failed;
@@ -119,7 +123,7 @@ int run(const std::vector<std::string>& arguments) {
 } // namespace vellmark
 
 int main(int argumentCount, char** arguments) {
-    vellmark::ignoreBrokenPipes();
+    vellmark::ignoreWriteSignals();
     vellmark::keepLittleUnusedMemory();
     vellmark::openClosedStandardStreams();
     vellmark::endProgram(vellmark::run({arguments + 1, arguments + argumentCount}));

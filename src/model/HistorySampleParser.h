@@ -22,8 +22,6 @@ public:
         unread,     ///< a JSON object, but no sample; `form` tells more
     };
 
-    HistorySampleParser();
-
     /// On `sample`, fills in `sample` (but its offset), whose text is a prefix of `text`.
     Result parse(std::string_view text, StoredHistorySample& sample);
 
@@ -31,11 +29,10 @@ public:
     const HistoryObjectForm& form() const { return form_; }
 
 private:
-    bool parsePlainForm(std::string_view text, StoredHistorySample& sample) const;
+    static bool parsePlainForm(std::string_view text, StoredHistorySample& sample);
     Result parseByLibrary(std::string_view text, StoredHistorySample& sample);
-    bool number(const char*& position, const char* end, double& value) const;
+    static bool number(const char*& position, const char* end, double& value);
 
-    char decimalPoint_;
     HistoryObjectForm form_;
     UsageHistorySample decoded_; ///< keeps the texts of the last sample read by the library
 };

@@ -1,5 +1,6 @@
 #include "model/UUID.h"
 
+#include <array>
 #include <random>
 
 namespace vellmark {
@@ -13,15 +14,24 @@ constexpr bool startsGroup(std::size_t byte) {
     return byte == 4 || byte == 6 || byte == 8 || byte == 10;
 }
 
-std::optional<std::uint8_t> hexValue(char digit) {
-    if (digit >= '0' && digit <= '9') {
-        return static_cast<std::uint8_t>(digit - '0');
+constexpr std::uint8_t noDigit = 0xFF;
+
+/// The value of each character as a hexadecimal digit: histories hold hundreds of thousands.
+constexpr std::array<std::uint8_t, 256> hexValues = [] {
+    std::array<std::uint8_t, 256> values{};
+    values.fill(noDigit);
+    for (std::uint8_t value = 0; value < upperHexDigits.size(); ++value) {
+        const char digit = upperHexDigits[value];
+        values[static_cast<unsigned char>(digit)] = value;
+        if (value >= 10) {
+            values[static_cast<unsigned char>(digit - 'A' + 'a')] = value;
+        }
     }
-    const char upper = digit >= 'a' && digit <= 'f' ? static_cast<char>(digit - 'a' + 'A') : digit;
-    if (upper >= 'A' && upper <= 'F') {
-        return static_cast<std::uint8_t>(upper - 'A' + 10);
-    }
-    return std::nullopt;
+    return values;
+}();
+
+std::uint8_t hexValue(char digit) {
+    return hexValues[static_cast<unsigned char>(digit)];
 }
 
 } // namespace
@@ -57,12 +67,12 @@ std::optional<UUID> UUID::parse(std::string_view text) {
         if (startsGroup(index) && text[place++] != '-') {
             return std::nullopt;
         }
-        const auto high = hexValue(text[place++]);
-        const auto low = hexValue(text[place++]);
-        if (!high || !low) {
+        const std::uint8_t high = hexValue(text[place++]);
+        const std::uint8_t low = hexValue(text[place++]);
+        if (high == noDigit || low == noDigit) {
             return std::nullopt;
         }
-        result.bytes[index] = static_cast<std::uint8_t>(*high << 4 | *low);
+        result.bytes[index] = static_cast<std::uint8_t>(high << 4 | low);
     }
     return result;
 }

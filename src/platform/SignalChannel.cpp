@@ -87,8 +87,9 @@ std::vector<int> SignalChannel::take() {
     return signals;
 }
 
-void ignoreBrokenPipes() {
+void ignoreWriteSignals() {
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 } // namespace vellmark

@@ -37,7 +37,8 @@ private:
     std::vector<std::pair<int, struct sigaction>> savedActions_;
 };
 
-/// Makes a write to a reader that has gone away a mere error. Call when the program starts.
-void ignoreBrokenPipes();
+/// Makes a write to a reader that has gone away, or beyond the largest size of a file that this
+/// process may make, a mere error. Call when the program starts.
+void ignoreWriteSignals();
 
 } // namespace vellmark

@@ -10,9 +10,10 @@
 namespace vellmark {
 namespace {
 
-/// A process that has not come to a standstill after this many milliseconds hangs in the system and
-/// has no children meanwhile.
+/// A process that has not come to a standstill after this many looks, about as many milliseconds,
+/// hangs in the system and has no children meanwhile.
 constexpr int mostLooks = 50;
+constexpr std::chrono::microseconds longestPause{1000};
 
 } // namespace
 
@@ -87,9 +88,12 @@ void ProcessFamily::makeLeaderStandStill() const {
     if (!send_(leader_, SIGSTOP)) {
         return;
     }
+    // Most stand still at once; a whole millisecond would be most of what a soft stop is late.
+    std::chrono::microseconds pause{50};
     for (int look = 0; look < mostLooks && isProcessAlive(leader_) && !isProcessStopped(leader_);
          ++look) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        std::this_thread::sleep_for(pause);
+        pause = std::min(2 * pause, longestPause);
     }
 }
 

@@ -236,6 +236,50 @@ std::vector<std::string> linesOf(std::string_view text) {
     return lines;
 }
 
+/// The bytes of the whole lines with which both texts begin.
+std::size_t commonLinesLength(std::string_view first, std::string_view second) {
+    const auto [end, other] = std::ranges::mismatch(first, second);
+    const std::string_view same(first.begin(), end);
+    return same.size() == first.size() && other == second.end() ? same.size()
+                                                                : same.rfind('\n') + 1;
+}
+
+/// The whole lines with which both texts end.
+std::string_view commonLastLines(std::string_view first, std::string_view second) {
+    const std::size_t most = std::min(first.size(), second.size());
+    std::size_t length = 0;
+    while (length < most &&
+           first[first.size() - 1 - length] == second[second.size() - 1 - length]) {
+        ++length;
+    }
+    const std::string_view same = first.substr(first.size() - length);
+    const auto beginsLine = [length](std::string_view text) {
+        return length == text.size() || text[text.size() - length - 1] == '\n';
+    };
+    if (beginsLine(first) && beginsLine(second)) {
+        return same;
+    }
+    return same.substr(std::min(same.find('\n'), same.size() - 1) + 1);
+}
+
+constexpr int linesAround = 2;
+
+std::string_view contextBefore(std::string_view text) {
+    std::size_t begin = text.size();
+    for (int line = 0; line < linesAround && begin > 0; ++line) {
+        begin = begin < 2 ? 0 : text.rfind('\n', begin - 2) + 1;
+    }
+    return text.substr(begin);
+}
+
+std::string_view contextAfter(std::string_view text) {
+    std::size_t end = 0;
+    for (int line = 0; line < linesAround && end < text.size(); ++line) {
+        end = std::min(text.find('\n', end), text.size() - 1) + 1;
+    }
+    return text.substr(0, end);
+}
+
 /// A name that nothing has yet.
 fs::path backupName(const fs::path& file) {
     const std::string name = file.string() + ".before-vellmark";
@@ -301,27 +345,23 @@ std::optional<std::string> withoutStatusLine(std::string_view text) {
 }
 
 std::vector<ChangedLine> changedLines(std::string_view before, std::string_view after) {
-    constexpr std::ptrdiff_t around = 2;
-    const std::vector<std::string> old = linesOf(before);
-    const std::vector<std::string> now = linesOf(after);
-    const auto [oldBegin, newBegin] = std::ranges::mismatch(old, now);
-    const auto head = oldBegin - old.begin();
-    const auto most = std::min(old.end() - oldBegin, now.end() - newBegin);
-    std::ptrdiff_t tail = 0;
-    while (tail < most && old[old.size() - 1 - static_cast<std::size_t>(tail)] ==
-                              now[now.size() - 1 - static_cast<std::size_t>(tail)]) {
-        ++tail;
-    }
+    const std::size_t head = commonLinesLength(before, after);
+    std::string_view old = before.substr(head);
+    std::string_view now = after.substr(head);
+    const std::string_view tail = commonLastLines(old, now);
+    old.remove_suffix(tail.size());
+    now.remove_suffix(tail.size());
+
     std::vector<ChangedLine> lines;
-    const auto add = [&](ChangedLine::Kind kind, auto begin, auto end) {
-        for (; begin < end; ++begin) {
-            lines.push_back({kind, *begin});
+    const auto add = [&lines](ChangedLine::Kind kind, std::string_view text) {
+        for (std::string& line : linesOf(text)) {
+            lines.push_back({kind, std::move(line)});
         }
     };
-    add(ChangedLine::Kind::same, oldBegin - std::min(head, around), oldBegin);
-    add(ChangedLine::Kind::removed, oldBegin, old.end() - tail);
-    add(ChangedLine::Kind::added, newBegin, now.end() - tail);
-    add(ChangedLine::Kind::same, old.end() - tail, old.end() - tail + std::min(tail, around));
+    add(ChangedLine::Kind::same, contextBefore(before.substr(0, head)));
+    add(ChangedLine::Kind::removed, old);
+    add(ChangedLine::Kind::added, now);
+    add(ChangedLine::Kind::same, contextAfter(tail));
     return lines;
 }
 

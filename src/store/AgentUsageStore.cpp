@@ -481,7 +481,9 @@ void AgentUsageStore::State::finishIfDone() {
         }
     });
     // By the next turn the agents' output has been freed; the memory it took is not needed soon.
-    executor.post(releaseUnusedMemory);
+    if (config.givesMemoryBack) {
+        executor.post(releaseUnusedMemory);
+    }
 }
 
 void AgentUsageStore::State::publishSnapshots() {

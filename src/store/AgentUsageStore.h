@@ -38,6 +38,8 @@ public:
         /// Told on the main thread, in the user's words, of whatever the log says about files that
         /// cannot be read or written; for a front that does not show the log.
         std::function<void(const std::string&)> storageTrouble = [](const std::string&) {};
+        /// The program goes on after a refresh: the memory that one took is given back.
+        bool givesMemoryBack = true;
     };
 
     /// Told on the main thread before a change of the state lands and again after it. `willChange`

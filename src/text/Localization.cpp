@@ -76,11 +76,12 @@ TimeZone Localization::timeZone() const {
 
 std::string Localization::text(std::string_view key) const {
     const auto entries = catalogEntries();
-    const auto found = std::ranges::lower_bound(entries, key, {}, &CatalogEntry::key);
-    if (found == entries.end() || found->key != key) {
+    const auto keyOf = [](const CatalogEntry& entry) { return entry.key.view(); };
+    const auto found = std::ranges::lower_bound(entries, key, {}, keyOf);
+    if (found == entries.end() || keyOf(*found) != key) {
         return std::string(key);
     }
-    return std::string(found->texts[indexOfLanguage(languageCode_)]);
+    return std::string(found->texts[indexOfLanguage(languageCode_)].view());
 }
 
 bool Localization::takesSingular(std::int64_t count) const {

@@ -96,20 +96,22 @@ std::size_t nextCharacter(std::string_view text, std::size_t index) {
     return index;
 }
 
-/// Runs `visit` with the groups of every match from the left; RE2's views are empty and without
-/// data where a group took no part.
-template<typename Visit>
-void forEachMatch(const RE2& expression, std::string_view text, Visit visit) {
-    std::vector<re2::StringPiece> groups(
-        static_cast<std::size_t>(expression.NumberOfCapturingGroups()) + 1);
-    std::size_t from = 0;
-    while (from <= text.size() &&
-           expression.Match(piece(text), from, text.size(), RE2::UNANCHORED, groups.data(),
-                            static_cast<int>(groups.size()))) {
-        const auto begin = static_cast<std::size_t>(groups[0].data() - text.data());
-        visit(begin, groups);
-        from = groups[0].empty() ? nextCharacter(text, begin) : begin + groups[0].size();
+/// Fills `groups`, of which there is one more than the expression has; empty ones have no data
+/// where a group took no part.
+bool find(const RE2& expression, const std::array<bool, 256>& isTail, std::string_view text,
+          std::size_t from, std::vector<re2::StringPiece>& groups) {
+    groups.resize(static_cast<std::size_t>(expression.NumberOfCapturingGroups()) + 1);
+    if (!expression.Match(piece(text), from, text.size(), RE2::UNANCHORED, groups.data(),
+                          static_cast<int>(groups.size()))) {
+        return false;
     }
+    const auto begin = static_cast<std::size_t>(groups[0].data() - text.data());
+    std::size_t end = begin + groups[0].size();
+    while (end < text.size() && isTail[static_cast<unsigned char>(text[end])]) {
+        ++end;
+    }
+    groups[0] = piece(text.substr(begin, end - begin));
+    return true;
 }
 
 /// Writes a result and, where that is asked for, what of it is new.
@@ -175,8 +177,12 @@ private:
 
 } // namespace
 
-Pattern::Pattern(std::string_view expression)
-    : expression_(std::make_unique<RE2>(translated(expression), quietOptions())) {}
+Pattern::Pattern(std::string_view expression, std::string_view tail)
+    : expression_(std::make_unique<RE2>(translated(expression), quietOptions())) {
+    for (const char character : tail) {
+        isTail_[static_cast<unsigned char>(character)] = true;
+    }
+}
 
 Pattern::~Pattern() = default;
 Pattern::Pattern(Pattern&&) noexcept = default;
@@ -190,12 +196,10 @@ std::optional<Pattern::Match> Pattern::search(std::string_view text, std::size_t
     if (!isValid() || from > text.size()) {
         return std::nullopt;
     }
-    std::vector<re2::StringPiece> found(
-        static_cast<std::size_t>(expression_->NumberOfCapturingGroups()) + 1);
+    std::vector<re2::StringPiece> found;
     // An empty view without data would look like a group that took no part.
     const std::string_view searched = text.data() == nullptr ? std::string_view("") : text;
-    if (!expression_->Match(piece(searched), from, searched.size(), RE2::UNANCHORED, found.data(),
-                            static_cast<int>(found.size()))) {
+    if (!find(*expression_, isTail_, searched, from, found)) {
         return std::nullopt;
     }
     Match match;
@@ -230,10 +234,13 @@ std::optional<std::string> Pattern::replaced(std::string_view text, std::string_
     }
     const std::string_view searched = text.data() == nullptr ? std::string_view("") : text;
     ReplacementWriter writer(searched, edits);
-    forEachMatch(*expression_, searched,
-                 [&](std::size_t begin, const std::vector<re2::StringPiece>& groups) {
-                     writer.replace(begin, groups, replacement);
-                 });
+    std::vector<re2::StringPiece> groups;
+    for (std::size_t from = 0;
+         from <= searched.size() && find(*expression_, isTail_, searched, from, groups);) {
+        const auto begin = static_cast<std::size_t>(groups[0].data() - searched.data());
+        writer.replace(begin, groups, replacement);
+        from = groups[0].empty() ? nextCharacter(searched, begin) : begin + groups[0].size();
+    }
     return writer.finish();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -9,7 +10,7 @@
 
 namespace re2 {
 class RE2;
-}
+} // namespace re2
 
 namespace vellmark {
 
@@ -35,7 +36,9 @@ public:
         std::string_view group(std::size_t index) const { return groups[index].value_or(""); }
     };
 
-    explicit Pattern(std::string_view expression);
+    /// With `tail`, characters of ASCII, a match goes on over all of them that follow it: what a
+    /// bracket expression with a star would do at the end, in a tenth of the time for a long run.
+    explicit Pattern(std::string_view expression, std::string_view tail = {});
     ~Pattern();
     Pattern(Pattern&&) noexcept;
     Pattern& operator=(Pattern&&) noexcept;
@@ -70,6 +73,8 @@ private:
                                         std::vector<Edit>* edits) const;
 
     std::unique_ptr<re2::RE2> expression_;
+    /// By character, whether it is one of the tail.
+    std::array<bool, 256> isTail_{};
 };
 
 } // namespace vellmark

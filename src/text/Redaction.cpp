@@ -26,9 +26,13 @@ struct Rule {
 // do.
 constexpr std::string_view wordStart = R"((^\p{M}*|\W\p{M}*))";
 
-Pattern atWordStart(std::string_view expression, std::string_view flags = {}) {
-    return Pattern(std::string(flags) + std::string(wordStart) + std::string(expression));
+Pattern atWordStart(std::string_view expression, std::string_view flags = {},
+                    std::string_view tail = {}) {
+    return Pattern(std::string(flags) + std::string(wordStart) + std::string(expression), tail);
 }
+
+constexpr std::string_view lettersAndDigits =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
 
 const Rule& userPaths() {
     static const Rule rule{Pattern(R"(/Users/[^/\s"'«»“”)\]]+)"), "~", RemovedKind::path};
@@ -39,8 +43,8 @@ constexpr std::string_view keyWords = "token|bearer|api[_-]?key|secret|password|
 
 const Rule& namedSecrets() {
     static const Rule rule{
-        atWordStart("(" + std::string(keyWords) + R"()(?:\s*[:=]\s*|\s+)[A-Za-z0-9._\-+/=]{16,})",
-                    "(?i)"),
+        atWordStart("(" + std::string(keyWords) + R"()(?:\s*[:=]\s*|\s+)[A-Za-z0-9._\-+/=]{16})",
+                    "(?i)", std::string(lettersAndDigits) + "._-+/="),
         "$1$2 <redacted>"};
     return rule;
 }
@@ -52,7 +56,8 @@ const Pattern& openSecret() {
 }
 
 const Rule& prefixedKeys() {
-    static const Rule rule{atWordStart(R"((?:sk|ghp|gho|xox[bap])-[A-Za-z0-9_\-]{12,})"),
+    static const Rule rule{atWordStart(R"((?:sk|ghp|gho|xox[bap])-[A-Za-z0-9_\-]{12})", {},
+                                       std::string(lettersAndDigits) + "_-"),
                            "$1<redacted>"};
     return rule;
 }
@@ -114,7 +119,7 @@ const std::vector<Rule>& furtherRules() {
                 R"(|SG\.[A-Za-z0-9_\-]{16,}\.[A-Za-z0-9_\-]{16,}|dop_v1_[a-f0-9]{32,})"
                 R"(|eyJ[A-Za-z0-9_\-]{8,}\.[A-Za-z0-9_\-]{8,}(?:\.[A-Za-z0-9_\-]*)?))"),
             "<redacted>");
-        add(Pattern(R"(([A-Za-z][A-Za-z0-9+.\-]*://)[^/?#\s@"'<>]+@)"), "$1<redacted>@");
+        add(Pattern(R"(([A-Za-z][A-Za-z0-9+.\-]*://)[^/?#\s"'<>]+@)"), "$1<redacted>@");
         add(Pattern(R"((^|[\s"'=:(\[{<>«“,;|/])(?:/(?:var|export))?/home/[^/\s"'«»“”)\]:,;]+)"),
             "$1~", RemovedKind::path);
         add(Pattern(R"((?i)\b[a-z]:[\\/]+users[\\/]+[^\\/\s"'«»“”)\]]+)"), "~", RemovedKind::path);
@@ -126,7 +131,7 @@ const std::vector<Rule>& furtherRules() {
 /// What a line about a failure must not carry besides.
 const std::array<Rule, 2>& urlRules() {
     static const std::array rules{
-        Rule{Pattern(R"(([A-Za-z][A-Za-z0-9+.\-]*://)[^/?#\s@<]*@)"), "$1"},
+        Rule{Pattern(R"(([A-Za-z][A-Za-z0-9+.\-]*://)[^/?#\s<]*@)"), "$1"},
         Rule{Pattern(R"((://[^\s?#"'<>]*)[?#][^\s"'<>]*)"), "$1"},
     };
     return rules;
@@ -339,6 +344,16 @@ std::optional<std::string> redactedBytes(std::string_view text, std::string_view
     return result && isCarried ? std::optional(carriedBytes(*result, places)) : std::move(result);
 }
 
+std::optional<std::string> wordsRedactedOnce(std::string_view words,
+                                             std::string_view homeDirectory) {
+    // Terminal sequences go first: nothing may hide in them what the rules look for.
+    std::optional<std::string> line = singleLine(trimmed(words));
+    for (const Rule& rule : urlRules()) {
+        line = applied(rule, std::move(line));
+    }
+    return line ? applied(opaqueRuns(), redacted(*line, homeDirectory)) : std::nullopt;
+}
+
 } // namespace
 
 std::optional<std::string> redacted(std::string_view text, std::string_view homeDirectory,
@@ -359,15 +374,21 @@ std::optional<RedactedText> redactedWithPlaces(std::string_view text,
 }
 
 std::string redactedWords(std::string_view words, std::string_view homeDirectory) {
-    // Terminal sequences go first: nothing may hide in them what the rules look for.
-    std::optional<std::string> line = singleLine(trimmed(words));
-    for (const Rule& rule : urlRules()) {
-        line = applied(rule, std::move(line));
+    // What one rule leaves may be something for another: two passes are usual, more an attempt to
+    // smuggle something through.
+    constexpr int mostPasses = 8;
+    std::string line(words);
+    for (int pass = 0; pass < mostPasses; ++pass) {
+        auto redactedOnce = wordsRedactedOnce(line, homeDirectory);
+        if (!redactedOnce) {
+            break;
+        }
+        if (*redactedOnce == line) {
+            return line;
+        }
+        line = std::move(*redactedOnce);
     }
-    if (line) {
-        line = applied(opaqueRuns(), redacted(*line, homeDirectory));
-    }
-    return line.value_or("");
+    return {};
 }
 
 std::string redactedLine(std::string_view words, std::string_view homeDirectory) {

@@ -111,8 +111,8 @@ protected:
         QSet<QString> formers;
         QSet<QString> currents;
         for (const CatalogEntry& entry : catalogEntries()) {
-            formers << QString::fromStdString(Localization(former).text(entry.key));
-            currents << QString::fromStdString(Localization(current).text(entry.key));
+            formers << QString::fromStdString(Localization(former).text(entry.key.view()));
+            currents << QString::fromStdString(Localization(current).text(entry.key.view()));
         }
         QStringList left;
         const auto look = [&](const QString& text) {

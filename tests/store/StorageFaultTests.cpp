@@ -36,7 +36,7 @@ std::size_t killWriter(const fs::path& directory, int start, Seconds moment) {
     return confirmed.size();
 }
 
-/// How often a fault is brought about; scripts/fault-tests asks for a thousand of each.
+/// How often a fault is brought about; scripts/faults asks for a thousand of each.
 int faultCount(int usually) {
     const char* wanted = std::getenv("VELLMARK_FAULTS");
     return wanted ? std::atoi(wanted) : usually;

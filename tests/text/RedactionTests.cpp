@@ -87,6 +87,7 @@ const std::pair<std::string, std::string> furtherCases[] = {
     {"-H 'Authorization: abc' x", "-H 'Authorization: <redacted>' x"},
     {"Set-Cookie: session=1; Path=/\nnext", "Set-Cookie: <redacted>\nnext"},
     {"ftp://ada:pw@backup/x", "ftp://<redacted>@backup/x"},
+    {"ftp://ada:p@w@backup/x", "ftp://<redacted>@backup/x"},
     {"at /home/berta/x and (/var/home/berta/y)", "at ~/x and (~/y)"},
     {"file:///home/berta", "file://~"},
     {R"(C:\Users\berta\x)", R"(~\x)"},
@@ -246,6 +247,8 @@ TEST(Redaction, PlacesFitTheTextWhateverMeetsInIt) {
         }
         const auto found = redactedWithPlaces(text, home);
         ASSERT_EQ(found.value().text, redacted(text, home)) << testing::PrintToString(text);
+        const std::string words = vellmark::redactedWords(text, home);
+        ASSERT_EQ(vellmark::redactedWords(words, home), words) << testing::PrintToString(text);
         std::size_t end = 0;
         for (const RemovedPlace& place : found->places) {
             ASSERT_LE(end, place.begin) << testing::PrintToString(text);

@@ -1,68 +1,46 @@
-// The Secret Service of freedesktop.org ("org.freedesktop.secrets"), asked over the session bus for
-// the paths of matching items and nothing else.
+// The Secret Service is asked by a module beside the program, which is loaded at the first
+// question: its library for the message bus brings six more, and to load them takes about as long
+// as all else that the terminal program does until it prints. Most runs ask nothing.
 
 #include "platform/CredentialStore.h"
 
-#include "platform/linux/OpenBus.h"
+#include "platform/ProgramPath.h"
 
-#include <sdbus-c++/sdbus-c++.h>
-
-#include <algorithm>
-#include <chrono>
-#include <map>
-#include <vector>
+#include <dlfcn.h>
 
 namespace vellmark {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-using Attributes = std::map<std::string, std::string>;
-
-constexpr auto answerLimit = std::chrono::seconds(2);
-
-bool anyItemMatches(sdbus::IProxy& secrets, const Attributes& attributes,
-                    Clock::time_point deadline) {
-    const auto left =
-        std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now());
-    std::vector<sdbus::ObjectPath> unlocked;
-    std::vector<sdbus::ObjectPath> locked;
-    secrets.callMethod("SearchItems")
-        .onInterface("org.freedesktop.Secret.Service")
-        // Zero would mean the library's own limit, so even with no time left some is given.
-        .withTimeout(std::max(left, std::chrono::microseconds(1)))
-        .withArguments(attributes)
-        .storeResultsTo(unlocked, locked);
-    return !unlocked.empty() || !locked.empty();
+/// Null where the module cannot be loaded.
+const CredentialStore* secretService() {
+    static const CredentialStore* const loaded = []() -> const CredentialStore* {
+        const auto file = programPath().parent_path() / "vellmark-secrets.so";
+        // Never unloaded: a bus that does not answer is waited for by a thread in it.
+        void* const module = ::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+        if (module == nullptr) {
+            return nullptr;
+        }
+        using Entry = const CredentialStore* (*)();
+        const auto entry = reinterpret_cast<Entry>(::dlsym(module, "vellmarkSecretService"));
+        return entry ? entry() : nullptr;
+    }();
+    return loaded;
 }
 
-class SecretService final : public CredentialStore {
+class SystemCredentialStore final : public CredentialStore {
 public:
     std::optional<bool> hasGenericPassword(const std::string& service,
                                            const std::string& account) const override {
-        const auto deadline = Clock::now() + answerLimit;
-        const auto bus = openBus(MessageBus::session);
-        if (!bus) {
-            return std::nullopt;
-        }
-        try {
-            const auto secrets =
-                sdbus::createProxy(*bus, "org.freedesktop.secrets", "/org/freedesktop/secrets");
-            // Programs name the second attribute in two ways; both mean the same item.
-            return anyItemMatches(*secrets, {{"service", service}, {"account", account}},
-                                  deadline) ||
-                   anyItemMatches(*secrets, {{"service", service}, {"username", account}},
-                                  deadline);
-        } catch (const sdbus::Error&) {
-            return std::nullopt;
-        }
+        const CredentialStore* const store = secretService();
+        return store ? store->hasGenericPassword(service, account) : std::nullopt;
     }
 };
 
 } // namespace
 
 std::shared_ptr<const CredentialStore> makeSystemCredentialStore() {
-    return std::make_shared<SecretService>();
+    return std::make_shared<SystemCredentialStore>();
 }
 
 } // namespace vellmark

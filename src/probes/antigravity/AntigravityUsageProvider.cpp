@@ -101,7 +101,8 @@ AgentUsageSnapshot AntigravityUsageProvider::read(const ExecutableIdentity& exec
                                                launchFailureReason(error.code(), executable.path));
     }
     if (!capture->hasRoom()) {
-        throw UsageProviderError::antigravityReadFailed("temporary file");
+        throw UsageProviderError::antigravityReadFailed(
+            "temporary file: " + std::make_error_code(std::errc::no_space_on_device).message());
     }
     run.output = AntigravityOutput::read(capture->contents(), TimeZone::system());
     if (run.output.tookTurn) {

@@ -104,11 +104,13 @@ AgentUsageSnapshot ClaudeSessionReader::interpret(const ClaudeScreen& screen,
         }
         return snapshot;
     } catch (const UsageProviderError& error) {
-        if (error.kind() != Kind::claudeNoQuotas) {
-            throw;
+        const bool isWithoutQuotas = error.kind() == Kind::claudeNoQuotas;
+        // A full disk ends the recording as too much output would: what the session showed is lost.
+        if ((isWithoutQuotas || end.outputCapped) && !log.hasRoom()) {
+            throw UsageProviderError(Kind::claudeTempFileFailed);
         }
-        if (!log.hasRoom()) {
-            throw UsageProviderError(Kind::claudeTempFileFailed); // what it showed is lost
+        if (!isWithoutQuotas) {
+            throw;
         }
         const auto file = writeClaudeDiagnostics(screen.drawn(), machine_.home, diagnostics(),
                                                  "claude-usage-last.txt");
