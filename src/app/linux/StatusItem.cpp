@@ -1,5 +1,6 @@
 #include "app/StatusItem.h"
 
+#include "app/WindowActivation.h"
 #include "app/linux/EdgeStrip.h"
 #include "app/linux/TrayWatch.h"
 #include "platform/linux/StatusNotifierItem.h"
@@ -49,12 +50,14 @@ public:
     LinuxStatusItem(DescriptorWatcher& loop, Preferences& preferences, Events events)
         : preferences_(preferences), events_(std::move(events)) {
         connect(&menu_, &QMenu::aboutToShow, this, [this] { fillMenu(); });
-        notifier_ = StatusNotifierItem::create(
+        notifier_ = std::make_unique<StatusNotifierItem>(
             loop, "vellmark", "Vellmark",
-            {.activate = [this](int x, int y) { events_.toggle(pointerOr(x, y)); },
-             .menuItemChosen = [this](const std::string& action) { events_.menuAction(action); },
-             .hostChanged = [this](bool isShown) { hostChanged(isShown); }});
-        if (notifier_) {
+            StatusNotifierItem::Handlers{
+                .activate = [this](int x, int y) { events_.toggle(pointerOr(x, y)); },
+                .menuItemChosen = [this](const std::string& action) { events_.menuAction(action); },
+                .hostChanged = [this](bool isShown) { hostChanged(isShown); },
+                .activationToken = setActivationToken});
+        if (notifier_->isOnBus()) {
             QTimer::singleShot(hostAnswerLimitMs, this, [this] {
                 if (!isHosted_) {
                     hostChanged(false);
@@ -76,9 +79,7 @@ public:
         if (saysDifferent) {
             writeToolTip();
         }
-        if (notifier_) {
-            notifier_->setLabel(content.figure);
-        }
+        notifier_->setLabel(content.figure);
         if (strip_) {
             strip_->setContent(content);
         }
@@ -95,9 +96,7 @@ public:
             return;
         }
         items_ = std::move(items);
-        if (notifier_) {
-            notifier_->setMenu(forPanel(items_));
-        }
+        notifier_->setMenu(forPanel(items_));
         // Not under the pointer.
         if (!menu_.isVisible()) {
             fillMenu();
@@ -199,7 +198,7 @@ private:
 
     void drawIcon() {
         const QColor dot = statusQColor(shown_->color, isGroundDark());
-        if (notifier_ && isHosted_ != false) {
+        if (isHosted_ != false) {
             std::vector<NotifierPixmap> pixmaps;
             for (const int side : iconSides) {
                 pixmaps.push_back(notifierPixmap(glyphImage(shown_->glyph, side, ink(), dot)));
@@ -218,9 +217,7 @@ private:
     /// Panels show it beside the item, where the popover opens.
     void writeToolTip() {
         const std::string text = isPopoverOpen_ ? std::string() : shown_->toolTip;
-        if (notifier_) {
-            notifier_->setToolTip(text);
-        }
+        notifier_->setToolTip(text);
         if (tray_) {
             tray_->setToolTip(QString::fromStdString(text));
         }
