@@ -162,6 +162,11 @@ private:
 
     /// An old-style tray draws its ground where the icon lets it through.
     void lookAtTray() {
+        if (tray_ && !QSystemTrayIcon::isSystemTrayAvailable()) {
+            // It went while the icon was on its way there.
+            trayMayHaveChanged();
+            return;
+        }
         const QRect place = tray_ ? tray_->geometry() : QRect();
         QScreen* screen = QGuiApplication::screenAt(place.center());
         if (!place.isValid() || screen == nullptr) {

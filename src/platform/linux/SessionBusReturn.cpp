@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <ctime>
 #include <sys/timerfd.h>
@@ -16,8 +17,9 @@
 namespace vellmark {
 namespace {
 
-/// The socket is there a moment before the bus listens at it. In milliseconds.
-constexpr std::array pauses{50, 200, 1000, 3000};
+/// The socket is there a moment before the bus listens at it.
+constexpr std::array pauses{std::chrono::milliseconds(50), std::chrono::milliseconds(200),
+                            std::chrono::milliseconds(1000), std::chrono::milliseconds(3000)};
 
 } // namespace
 
@@ -62,12 +64,12 @@ private:
         }
     }
 
-    /// In the middle of the lost connection's work.
+    /// In the middle of the lost connection's work: the rest in the loop's next turn.
     void lose() {
         isLost_ = true;
         watchForSocket();
         turn_ = 0;
-        startTimer();
+        startTimer(std::chrono::nanoseconds(1));
     }
 
     void watchForSocket() {
@@ -77,17 +79,17 @@ private:
                 loop_, {socket.parent_path()}, {socket.filename().string()},
                 [this] {
                     turn_ = 0;
-                    startTimer();
+                    startTimer(pauses.front());
                 },
                 NewFiles::atOnce);
         }
     }
 
-    void startTimer() {
-        const int pause = pauses[turn_];
+    void startTimer(std::chrono::nanoseconds pause) {
+        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(pause);
         const itimerspec wait{
             .it_interval = {},
-            .it_value = {.tv_sec = pause / 1000, .tv_nsec = long(pause % 1000) * 1'000'000}};
+            .it_value = {.tv_sec = seconds.count(), .tv_nsec = (pause - seconds).count()}};
         ::timerfd_settime(timer_.get(), 0, &wait, nullptr);
     }
 
@@ -118,8 +120,8 @@ private:
         if (bus_) {
             files_.reset();
             tell([this](const Handlers& each) { each.onReturn(bus_); });
-        } else if (++turn_ < pauses.size()) {
-            startTimer();
+        } else if (turn_ < pauses.size()) {
+            startTimer(pauses[turn_++]);
         }
     }
 
