@@ -68,8 +68,6 @@ public:
     void activate(xcb_window_t window, const std::string& id, std::uint32_t time) {
         xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom("_NET_STARTUP_ID"),
                             atom("UTF8_STRING"), 8, std::uint32_t(id.size()), id.data());
-        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom("_NET_WM_USER_TIME"),
-                            XCB_ATOM_CARDINAL, 32, 1, &time);
         xcb_client_message_event_t message{};
         message.response_type = XCB_CLIENT_MESSAGE;
         message.format = 32;
