@@ -162,7 +162,7 @@ private:
 
     /// An old-style tray draws its ground where the icon lets it through.
     void lookAtTray() {
-        if (tray_ && !QSystemTrayIcon::isSystemTrayAvailable()) {
+        if (tray_ && !isTrayAvailable()) {
             // It went while the icon was on its way there.
             trayMayHaveChanged();
             return;
@@ -246,7 +246,7 @@ private:
     }
 
     void useFallback() {
-        const bool isTrayThere = QSystemTrayIcon::isSystemTrayAvailable();
+        const bool isTrayThere = isTrayAvailable();
         if (isTrayThere && !tray_) {
             strip_.reset();
             makeTray();
