@@ -109,7 +109,7 @@ private:
             xcb_intern_atom(connection_, 0, std::uint16_t(name.size()), name.data());
         const std::unique_ptr<xcb_intern_atom_reply_t, Free> reply(
             xcb_intern_atom_reply(connection_, request, nullptr));
-        return reply ? reply->atom : XCB_ATOM_NONE;
+        return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
     }
 
     void send(const xcb_client_message_event_t& message, std::uint32_t mask) {
