@@ -116,7 +116,9 @@ bool MainMenu::performInResponderChain(std::string_view action) {
             // Our own controls know the key.
             const Qt::Key key = action == menuAction::copy ? Qt::Key_C : Qt::Key_A;
             QKeyEvent press(QEvent::KeyPress, key, Qt::ControlModifier);
-            QApplication::sendEvent(focus, &press);
+            // Not by the application, which would look for a shortcut first and find this one
+            // again.
+            static_cast<QObject*>(focus)->event(&press);
         }
     } else {
         return false;

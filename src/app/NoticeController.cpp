@@ -1,5 +1,6 @@
 #include "app/NoticeController.h"
 
+#include "app/WindowActivation.h"
 #include "platform/ContinuousClock.h"
 #include "presentation/NoticeTexts.h"
 #include "store/ActivityTexts.h"
@@ -89,7 +90,8 @@ NotificationCenter::Handlers NoticeController::handlers() {
                 center_->lookForService(false);
             },
 
-        .allGone = [this] { notices_.allGone(); }};
+        .allGone = [this] { notices_.allGone(); },
+        .activationToken = setActivationToken};
 }
 
 /// The change has not landed yet; several in one turn of the loop are looked at once.

@@ -1,6 +1,7 @@
 #include "app/VellmarkAppDelegate.h"
 
 #include "app/SupportReportWindowController.h"
+#include "app/WindowActivation.h"
 #include "app/WindowMemory.h"
 #include "platform/ContinuousClock.h"
 #include "platform/InstanceIdentifier.h"
@@ -9,6 +10,7 @@
 #include "presentation/LegalWindowContent.h"
 #include "presentation/PopoverContent.h"
 #include "process/BoundedProcess.h"
+#include "store/ActivityTexts.h"
 #include "store/AppSettings.h"
 #include "text/TerminalText.h"
 #include "ui/AboutWindow.h"
@@ -142,6 +144,18 @@ void VellmarkAppDelegate::applicationWillTerminate() {
     terminateAllChildren(terminationGrace);
 }
 
+void VellmarkAppDelegate::displayWasLost() {
+    if (store_) {
+        store_->logActivity(ActivityTexts::entry(ActivityEntry::Level::notice, std::nullopt,
+                                                 "log.display.lost", {}, words()));
+    }
+    applicationWillTerminate();
+    singleInstance_.reset();
+    if (store_) {
+        store_->flush();
+    }
+}
+
 bool VellmarkAppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/) {
     if (!isRunningTests_) {
         showMainWindow();
@@ -162,7 +176,12 @@ bool VellmarkAppDelegate::handOverToRunningInstance() {
          .directory = machine_.supportDirectory(),
          .onShow = [this] { executor_.post([this] { applicationShouldHandleReopen(false); }); },
          .onShowPopover = [this] { executor_.post([this] { showPopover(); }); },
-         .asksForPopover = options_.showsPopover});
+         .asksForPopover = options_.showsPopover,
+         .activationToken = options_.activationToken,
+         .onActivationToken = setActivationToken});
+    if (singleInstance_ != nullptr) {
+        setActivationToken(options_.activationToken);
+    }
     return singleInstance_ == nullptr;
 }
 
@@ -389,6 +408,7 @@ void VellmarkAppDelegate::observeWake() {
 }
 
 void VellmarkAppDelegate::systemDidWake() {
+    (void)clockJump_.look(continuousSeconds(), steadySeconds());
     if (loops_) {
         notices_->systemDidWake();
         loops_->systemDidWake();
@@ -465,7 +485,8 @@ void VellmarkAppDelegate::windowsCameOrWent(ActivationPolicy policy) {
 void VellmarkAppDelegate::minuteTick() {
     reevaluateStatusItem();
     updateVisibleViews();
-    if (!wakeObserver_ && clockJump_.look(now(), steadySeconds())) {
+    // Also where the system announces a wake: who does so may have ended.
+    if (clockJump_.look(continuousSeconds(), steadySeconds())) {
         systemDidWake();
     }
     notices_->look();
@@ -529,6 +550,7 @@ void VellmarkAppDelegate::togglePopoverAt(const QRect& anchor) {
         updatePopover();
     });
     if (isOpen) {
+        bringToFront(*popover_);
         activateApplication();
     }
 }

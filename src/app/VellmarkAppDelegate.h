@@ -51,6 +51,9 @@ public:
     LaunchOutcome applicationDidFinishLaunching();
     bool applicationShouldTerminate() const { return true; }
     void applicationWillTerminate();
+    /// The screen has gone: says so in the log, then as `applicationWillTerminate`, and waits until
+    /// everything is written.
+    void displayWasLost();
     /// The program was opened again. Always answers false: nothing else is to be opened.
     bool applicationShouldHandleReopen(bool hasVisibleWindows);
     bool validateMenuItem(std::string_view action) const;

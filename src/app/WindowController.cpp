@@ -1,5 +1,6 @@
 #include "app/WindowController.h"
 
+#include "app/WindowActivation.h"
 #include "app/WindowMemory.h"
 
 #include <QEvent>
@@ -39,8 +40,7 @@ void WindowController::show() {
     window_->show();
     // Once more with the frame that it was given.
     fitToScreen();
-    window_->raise();
-    window_->activateWindow();
+    bringToFront(*window_);
     activateApplication();
 }
 

@@ -1,3 +1,4 @@
+#include "app/DisplayLoss.h"
 #include "app/QtDescriptorWatcher.h"
 #include "app/RenderGlyph.h"
 #include "app/TerminationSignals.h"
@@ -22,6 +23,7 @@
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -64,13 +66,22 @@ std::unique_ptr<QApplication> makeApplication(int& argc, char** argv) {
     return application;
 }
 
-int run(QApplication& application, const LaunchOptions& options, const Machine& machine) {
+/// `removeTraces` removes what else would go when the program returns from here.
+int run(QApplication& application, const LaunchOptions& options, const Machine& machine,
+        const std::function<void()>& removeTraces) {
     VellmarkAppDelegate delegate(options, machine);
     QtDescriptorWatcher loop;
     // A closed session and a quit from anywhere end in the same call.
     const TerminationSignals termination(loop, [] { QCoreApplication::quit(); });
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &application,
                      [&delegate] { delegate.applicationWillTerminate(); });
+    const DisplayLoss displayLoss([&] {
+        delegate.displayWasLost();
+        removeTraces();
+        // Windows cannot be destroyed without a screen, nor from within the toolkit.
+        noteThreadLeftBehind();
+        endProgram(1);
+    });
     if (delegate.applicationDidFinishLaunching() == LaunchOutcome::handedOver) {
         return 0;
     }
@@ -86,7 +97,7 @@ int runOnChosenMachine(QApplication& application, const LaunchOptions& options, 
     } else if (!options.sandbox.empty()) {
         machine = Machine::sandbox(options.sandbox);
     }
-    return run(application, options, machine);
+    return run(application, options, machine, [&demo] { demo.reset(); });
 }
 
 int runProgram(int argc, char** argv) {

@@ -56,6 +56,8 @@ public:
         std::function<void(const std::string& id)> failed;
         /// Who showed them has ended.
         std::function<void()> allGone;
+        /// The desktop's leave to take the keyboard, before `chosen`; not from every service.
+        std::function<void(const std::string& token)> activationToken = {};
     };
 
     virtual ~NotificationCenter() = default;

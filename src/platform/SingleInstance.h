@@ -27,6 +27,12 @@ struct SingleInstanceRequest {
     /// What this launch asks of another instance: its popover instead of its window. The system has
     /// a way of its own to the status item where it shows a menu bar; there it is the window.
     bool asksForPopover = false;
+    /// The desktop's leave to take the keyboard that came with this launch, handed over with what
+    /// it asks; empty without one.
+    std::string activationToken = {};
+    /// The same of a later launch, before it is shown what it asks for. The system brings a program
+    /// to the front by itself where it gives no such leave.
+    std::function<void(const std::string& token)> onActivationToken = {};
 };
 
 /// Null when another instance holds the right; it has then been asked to show itself.

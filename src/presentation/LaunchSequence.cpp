@@ -7,6 +7,12 @@ namespace vellmark {
 LaunchOptions LaunchOptions::parse(std::span<const std::string> arguments,
                                    const Environment& environment) {
     LaunchOptions options{.isRunningTests = environment.contains("XCTestConfigurationFilePath")};
+    for (const char* name : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"}) {
+        const auto token = environment.find(name);
+        if (options.activationToken.empty() && token != environment.end()) {
+            options.activationToken = token->second;
+        }
+    }
     for (std::size_t index = 0; index < arguments.size(); ++index) {
         const std::string_view argument = arguments[index];
         // "--name value" and "--name=value".

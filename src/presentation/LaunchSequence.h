@@ -23,6 +23,8 @@ struct LaunchOptions {
     std::string sandbox;
     /// Overrides the language for this run; empty for the setting.
     std::string language;
+    /// The desktop's leave to take the keyboard; empty without one.
+    std::string activationToken;
     /// An option that is not known or lacks its value; empty when all is well.
     std::string offendingArgument;
 

@@ -130,17 +130,16 @@ TEST_F(AppLoopsTest, DoNothingAfterTheyHaveStopped) {
 }
 
 TEST(ClockJump, SeesASleepBetweenTwoLooks) {
-    const Instant start(Seconds(1000));
+    const Seconds start(1000);
     ClockJump jump;
     EXPECT_FALSE(jump.look(start, Seconds(50)));
     EXPECT_FALSE(jump.look(start + Seconds(60), Seconds(110)));
     // The machine slept for an hour; the steady clock stood still.
     EXPECT_TRUE(jump.look(start + Seconds(3720), Seconds(170)));
     EXPECT_FALSE(jump.look(start + Seconds(3780), Seconds(230)));
-    // A loaded machine comes late by both clocks, a corrected clock moves a little or back.
+    // A loaded machine comes late by both clocks; a nap is none.
     EXPECT_FALSE(jump.look(start + Seconds(4780), Seconds(1230)));
     EXPECT_FALSE(jump.look(start + Seconds(4845), Seconds(1290)));
-    EXPECT_FALSE(jump.look(start + Seconds(100), Seconds(1350)));
 }
 
 } // namespace

@@ -16,6 +16,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QScreen>
+#include <QWindow>
 
 #include <cmath>
 #include <string_view>
@@ -32,6 +33,9 @@ constexpr double gripWidth = 6;
 constexpr double glyphSide = 20;
 constexpr double dotSide = 8;
 constexpr double figureGap = 8;
+constexpr int windowHeight = 44;
+constexpr double windowPadding = 16;
+constexpr double windowGap = 10;
 
 constexpr std::string_view screenKey = "EdgeStripScreen";
 constexpr std::string_view edgeKey = "EdgeStripEdge";
@@ -70,15 +74,22 @@ void paintGrip(QPainter& painter, double left, double middle) {
 } // namespace
 
 EdgeStrip::EdgeStrip(Preferences& preferences, Events events)
-    : QAbstractButton(nullptr), preferences_(preferences), events_(std::move(events)) {
-    setWindowFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
-                   Qt::WindowDoesNotAcceptFocus);
-    setAttribute(Qt::WA_TranslucentBackground);
+    : QAbstractButton(nullptr), preferences_(preferences), events_(std::move(events)),
+      isPlaceable_(kit::windowSurface().isPlaceable) {
+    setWindowFlags(isPlaceable_ ? Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
+                                      Qt::WindowDoesNotAcceptFocus
+                                : Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                                      Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint |
+                                      Qt::WindowCloseButtonHint);
+    setAttribute(Qt::WA_TranslucentBackground, isPlaceable_);
     setAttribute(Qt::WA_ShowWithoutActivating);
+    setAttribute(Qt::WA_QuitOnClose, false);
+    setWindowTitle(QGuiApplication::applicationDisplayName());
+    setWindowIcon(applicationIcon());
     // The strip's window is never the active one.
     setAttribute(Qt::WA_AlwaysShowToolTips);
     connect(this, &QAbstractButton::clicked, this, [this] { events_.toggle(geometry()); });
-    setFixedSize(stripWidth, stripHeight);
+    setFixedSize(wantedSize());
     setCursor(Qt::PointingHandCursor);
     // Queued: a screen that goes is still listed while its signal is sent.
     const auto follow = [this](QScreen* screen) {
@@ -101,23 +112,23 @@ void EdgeStrip::setContent(const StatusItemContent& content) {
     if (content == content_) {
         return; // every minute, and asks nobody anything
     }
-    const bool looksDifferent = content.glyph != content_.glyph ||
-                                content.color != content_.color ||
-                                content.figure != content_.figure;
+    const bool looksDifferent =
+        content.glyph != content_.glyph || content.color != content_.color ||
+        content.figure != content_.figure || (!isPlaceable_ && content.toolTip != content_.toolTip);
     content_ = content;
-    const int wanted = stripWidth + figureRoom();
-    if (width() != wanted) {
-        setFixedSize(wanted, stripHeight);
+    if (size() != wantedSize()) {
+        setFixedSize(wantedSize());
         if (isVisible() && !pressedAt_) {
             restorePlace();
         }
     }
-    const QString text = QString::fromStdString(content.toolTip);
-    if (toolTip() != text) {
-        setToolTip(text);
-        setAccessibleName(text);
+    const QString words = QString::fromStdString(content.toolTip);
+    if (accessibleName() != words) {
+        setAccessibleName(words);
+        if (isPlaceable_) {
+            setToolTip(words);
+        }
     }
-    setWindowTitle(QString::fromStdString(content.glyphDescription));
     // A compositor may come and go.
     if (isVisible() && kit::windowSurface().isComposited != isComposited_) {
         fitShape();
@@ -127,16 +138,52 @@ void EdgeStrip::setContent(const StatusItemContent& content) {
     }
 }
 
-int EdgeStrip::figureRoom() const {
-    return content_.figure.empty()
+QString EdgeStrip::text() const {
+    return qString(isPlaceable_ ? content_.figure : content_.toolTip);
+}
+
+int EdgeStrip::textRoom() const {
+    return text().isEmpty()
                ? 0
                : static_cast<int>(std::ceil(
-                     figureGap + kit::textWidth(qString(content_.figure), kit::style::value)));
+                     figureGap +
+                     kit::textWidth(text(), isPlaceable_ ? kit::style::value : kit::style::body)));
+}
+
+QSize EdgeStrip::wantedSize() const {
+    return isPlaceable_
+               ? QSize(stripWidth + textRoom(), stripHeight)
+               : QSize(static_cast<int>(2 * windowPadding + glyphSide + windowGap + dotSide) +
+                           textRoom(),
+                       windowHeight);
+}
+
+void EdgeStrip::paintAsWindow(QPainter& painter) const {
+    painter.fillRect(rect(), kit::color(kit::ColorRole::popover));
+    const double middle = height() / 2.0;
+    paintGlyph(painter, {windowPadding, middle - glyphSide / 2}, glyphSide, content_.glyph,
+               kit::Theme::current().isDark() ? Qt::white : Qt::black);
+    const double dot = windowPadding + glyphSide + windowGap;
+    const double left = dot + dotSide + figureGap;
+    painter.setPen(kit::color(kit::ColorRole::ink));
+    kit::drawText(painter, QRectF(left, 0, width() - left, height()), Qt::AlignLeft, text(),
+                  kit::style::body);
+    paintDot(painter, dot);
+}
+
+void EdgeStrip::paintDot(QPainter& painter, double left) const {
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(statusQColor(content_.color, kit::Theme::current().isDark()));
+    painter.drawEllipse(QRectF(left, (height() - dotSide) / 2, dotSide, dotSide));
 }
 
 void EdgeStrip::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    if (!isPlaceable_) {
+        paintAsWindow(painter);
+        return;
+    }
     const bool isAtRight = edge_ == Edge::right;
     const QRectF bounds =
         QRectF(rect()).adjusted(isAtRight ? 0.5 : 0, 0.5, isAtRight ? 0 : -0.5, -0.5);
@@ -149,22 +196,19 @@ void EdgeStrip::paintEvent(QPaintEvent*) {
 
     const double middle = height() / 2.0;
     const double grip = isAtRight ? gripLeft : width() - gripLeft - gripWidth;
-    const double room = figureRoom();
+    const double room = textRoom();
     const double glyph = isAtRight ? gripLeft + gripWidth + 8 : 10 + dotSide + 10 + room;
     const double dot = isAtRight ? glyph + glyphSide + 10 : 10 + room;
     paintGrip(painter, grip, middle);
-    const bool isDark = kit::Theme::current().isDark();
     paintGlyph(painter, {glyph, middle - glyphSide / 2}, glyphSide, content_.glyph,
-               isDark ? Qt::white : Qt::black);
+               kit::Theme::current().isDark() ? Qt::white : Qt::black);
     if (room > 0) {
         const double left = isAtRight ? dot + dotSide + figureGap : 10;
         painter.setPen(kit::color(kit::ColorRole::ink));
-        kit::drawText(painter, QRectF(left, 0, room, height()), Qt::AlignLeft,
-                      qString(content_.figure), kit::style::value);
+        kit::drawText(painter, QRectF(left, 0, room, height()), Qt::AlignLeft, text(),
+                      kit::style::value);
     }
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(statusQColor(content_.color, isDark));
-    painter.drawEllipse(QRectF(dot, middle - dotSide / 2, dotSide, dotSide));
+    paintDot(painter, dot);
 }
 
 void EdgeStrip::mousePressEvent(QMouseEvent* event) {
@@ -184,6 +228,12 @@ void EdgeStrip::mouseMoveEvent(QMouseEvent* event) {
         return;
     }
     isDragged_ = true;
+    if (!isPlaceable_) {
+        // The desktop moves it from here on, and keeps the release to itself.
+        pressedAt_.reset();
+        windowHandle()->startSystemMove();
+        return;
+    }
     move(event->globalPosition().toPoint() - *pressedAt_);
 }
 
@@ -217,6 +267,9 @@ void EdgeStrip::showEvent(QShowEvent* event) {
 }
 
 void EdgeStrip::restorePlace() {
+    if (!isPlaceable_) {
+        return;
+    }
     const std::vector<ScreenArea> screens = screenAreas();
     if (screens.empty()) {
         return;

@@ -13,7 +13,9 @@ namespace vellmark {
 
 /// A small strip at the screen's edge in place of a panel's item: grip, glyph and dot. It is
 /// dragged to any place and docks to the nearest edge of the screen it is on, where it stays across
-/// starts. While that screen is gone, it stands on the primary one.
+/// starts. While that screen is gone, it stands on the primary one. Where a program cannot choose
+/// the place of its windows, it is a small window with a title, which says in words what the glyph
+/// shows.
 class EdgeStrip final : public QAbstractButton {
 public:
     struct Events {
@@ -36,7 +38,12 @@ protected:
 private:
     enum class Edge { left, right };
 
-    int figureRoom() const;
+    QSize wantedSize() const;
+    /// What is written beside the glyph.
+    QString text() const;
+    int textRoom() const;
+    void paintAsWindow(QPainter& painter) const;
+    void paintDot(QPainter& painter, double left) const;
     void restorePlace();
     /// Without a compositor the corners are cut out: nothing would show through them.
     void fitShape();
@@ -44,6 +51,7 @@ private:
 
     Preferences& preferences_;
     Events events_;
+    const bool isPlaceable_;
     StatusItemContent content_;
     Edge edge_ = Edge::right;
     bool isComposited_ = true;

@@ -1,5 +1,6 @@
 #include "app/StatusItem.h"
 
+#include "app/WindowActivation.h"
 #include "app/linux/EdgeStrip.h"
 #include "app/linux/TrayWatch.h"
 #include "platform/linux/StatusNotifierItem.h"
@@ -49,12 +50,14 @@ public:
     LinuxStatusItem(DescriptorWatcher& loop, Preferences& preferences, Events events)
         : preferences_(preferences), events_(std::move(events)) {
         connect(&menu_, &QMenu::aboutToShow, this, [this] { fillMenu(); });
-        notifier_ = StatusNotifierItem::create(
+        notifier_ = std::make_unique<StatusNotifierItem>(
             loop, "vellmark", "Vellmark",
-            {.activate = [this](int x, int y) { events_.toggle(pointerOr(x, y)); },
-             .menuItemChosen = [this](const std::string& action) { events_.menuAction(action); },
-             .hostChanged = [this](bool isShown) { hostChanged(isShown); }});
-        if (notifier_) {
+            StatusNotifierItem::Handlers{
+                .activate = [this](int x, int y) { events_.toggle(pointerOr(x, y)); },
+                .menuItemChosen = [this](const std::string& action) { events_.menuAction(action); },
+                .hostChanged = [this](bool isShown) { hostChanged(isShown); },
+                .activationToken = setActivationToken});
+        if (notifier_->isOnBus()) {
             QTimer::singleShot(hostAnswerLimitMs, this, [this] {
                 if (!isHosted_) {
                     hostChanged(false);
@@ -76,9 +79,7 @@ public:
         if (saysDifferent) {
             writeToolTip();
         }
-        if (notifier_) {
-            notifier_->setLabel(content.figure);
-        }
+        notifier_->setLabel(content.figure);
         if (strip_) {
             strip_->setContent(content);
         }
@@ -95,9 +96,7 @@ public:
             return;
         }
         items_ = std::move(items);
-        if (notifier_) {
-            notifier_->setMenu(forPanel(items_));
-        }
+        notifier_->setMenu(forPanel(items_));
         // Not under the pointer.
         if (!menu_.isVisible()) {
             fillMenu();
@@ -163,6 +162,11 @@ private:
 
     /// An old-style tray draws its ground where the icon lets it through.
     void lookAtTray() {
+        if (tray_ && !isTrayAvailable()) {
+            // It went while the icon was on its way there.
+            trayMayHaveChanged();
+            return;
+        }
         const QRect place = tray_ ? tray_->geometry() : QRect();
         QScreen* screen = QGuiApplication::screenAt(place.center());
         if (!place.isValid() || screen == nullptr) {
@@ -199,7 +203,7 @@ private:
 
     void drawIcon() {
         const QColor dot = statusQColor(shown_->color, isGroundDark());
-        if (notifier_ && isHosted_ != false) {
+        if (isHosted_ != false) {
             std::vector<NotifierPixmap> pixmaps;
             for (const int side : iconSides) {
                 pixmaps.push_back(notifierPixmap(glyphImage(shown_->glyph, side, ink(), dot)));
@@ -218,9 +222,7 @@ private:
     /// Panels show it beside the item, where the popover opens.
     void writeToolTip() {
         const std::string text = isPopoverOpen_ ? std::string() : shown_->toolTip;
-        if (notifier_) {
-            notifier_->setToolTip(text);
-        }
+        notifier_->setToolTip(text);
         if (tray_) {
             tray_->setToolTip(QString::fromStdString(text));
         }
@@ -244,7 +246,7 @@ private:
     }
 
     void useFallback() {
-        const bool isTrayThere = QSystemTrayIcon::isSystemTrayAvailable();
+        const bool isTrayThere = isTrayAvailable();
         if (isTrayThere && !tray_) {
             strip_.reset();
             makeTray();

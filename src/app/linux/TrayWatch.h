@@ -24,4 +24,8 @@ private:
     bool isTellingPosted_ = false;
 };
 
+/// Whether there is a tray for `QSystemTrayIcon` now. The toolkit goes on to believe in one that
+/// went just when it was found; the X server knows better.
+bool isTrayAvailable();
+
 } // namespace vellmark

@@ -52,6 +52,9 @@ void BusConnection::process() {
         }
     } catch (const sdbus::Error&) {
         watch_.reset();
+        if (const auto tell = std::exchange(onLoss, {})) {
+            tell();
+        }
     }
 }
 

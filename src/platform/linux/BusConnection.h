@@ -29,6 +29,10 @@ public:
     /// False once the bus is lost.
     bool isOpen() const { return watch_ != nullptr; }
 
+    /// Called once when the bus is lost; whoever needs a bus asks for another from the event loop,
+    /// not from here.
+    std::function<void()> onLoss;
+
     /// Handles what has arrived. Needed after a blocking call, which may have read messages for
     /// others from the descriptor.
     void process();

@@ -3,6 +3,7 @@
 #include "platform/Descriptor.h"
 
 #include <array>
+#include <cstdint>
 #include <cstring>
 #include <sys/inotify.h>
 #include <unistd.h>
@@ -12,13 +13,15 @@ namespace vellmark {
 namespace {
 
 /// Closed when none of the directories can be looked at.
-Descriptor openDirectoryEvents(const std::vector<std::filesystem::path>& directories) {
+Descriptor openDirectoryEvents(const std::vector<std::filesystem::path>& directories,
+                               NewFiles newFiles) {
+    const std::uint32_t wanted =
+        IN_MOVED_TO | IN_CLOSE_WRITE | IN_DELETE | (newFiles == NewFiles::atOnce ? IN_CREATE : 0);
     Descriptor events(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
     bool isWatched = false;
     for (const std::filesystem::path& directory : directories) {
         isWatched |=
-            events.isOpen() && inotify_add_watch(events.get(), directory.c_str(),
-                                                 IN_MOVED_TO | IN_CLOSE_WRITE | IN_DELETE) >= 0;
+            events.isOpen() && inotify_add_watch(events.get(), directory.c_str(), wanted) >= 0;
     }
     return isWatched ? std::move(events) : Descriptor();
 }
@@ -63,8 +66,8 @@ private:
 std::unique_ptr<FileWatch> watchDirectories(DescriptorWatcher& loop,
                                             const std::vector<std::filesystem::path>& directories,
                                             std::set<std::string> names,
-                                            std::function<void()> changed) {
-    Descriptor events = openDirectoryEvents(directories);
+                                            std::function<void()> changed, NewFiles newFiles) {
+    Descriptor events = openDirectoryEvents(directories, newFiles);
     if (!events.isOpen()) {
         return nullptr;
     }

@@ -1,6 +1,7 @@
 #include "platform/NotificationCenter.h"
 
 #include "platform/linux/BusConnection.h"
+#include "platform/linux/SessionBusReturn.h"
 
 #include <sdbus-c++/sdbus-c++.h>
 
@@ -63,7 +64,8 @@ std::string escaped(const std::string& text) {
 class DesktopNotifications final : public NotificationCenter {
 public:
     DesktopNotifications(DescriptorWatcher& loop, NotificationIcon icon, Handlers handlers)
-        : loop_(loop), icon_(std::move(icon)), handlers_(std::move(handlers)) {}
+        : loop_(loop), icon_(std::move(icon)), handlers_(std::move(handlers)),
+          busReturn_(loop, {.onLoss = {}, .onReturn = [this](const auto&) { busReturned(); }}) {}
 
     Availability availability() const override { return availability_; }
 
@@ -117,6 +119,16 @@ private:
         std::optional<NotificationContent> next;
     };
 
+    /// Nobody needs the service before it was looked for.
+    void busReturned() {
+        if (availability_ != Availability::unknown) {
+            connect();
+            if (connection_) {
+                askForCapabilities();
+            }
+        }
+    }
+
     void connect() {
         disconnected_ = {};
         owner_ = {};
@@ -139,6 +151,13 @@ private:
             .onInterface(interface)
             .call([this](std::uint32_t number, const std::string& action) {
                 choose(number, action);
+            });
+        proxy_->uponSignal("ActivationToken")
+            .onInterface(interface)
+            .call([this](std::uint32_t number, const std::string& token) {
+                if (!idOf(number).empty() && handlers_.activationToken) {
+                    handlers_.activationToken(token);
+                }
             });
         proxy_->uponSignal("NotificationClosed")
             .onInterface(interface)
@@ -307,6 +326,7 @@ private:
     std::unique_ptr<sdbus::IProxy> proxy_;
     sdbus::Slot owner_;
     sdbus::Slot disconnected_;
+    SessionBusReturn busReturn_;
 };
 
 } // namespace

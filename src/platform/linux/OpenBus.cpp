@@ -2,15 +2,37 @@
 
 #include <sdbus-c++/Error.h>
 
+#include <cstdlib>
 #include <future>
 #include <poll.h>
+#include <string>
+#include <string_view>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 namespace vellmark {
 namespace {
 
 using Connection = std::unique_ptr<sdbus::IConnection>;
+
+constexpr auto addressVariable = "DBUS_SESSION_BUS_ADDRESS";
+/// An address at which no library finds anything.
+constexpr auto noBus = "disabled:";
+
+std::string sessionBusAddress() {
+    if (const char* const address = std::getenv(addressVariable)) {
+        return address;
+    }
+    const char* const runtime = std::getenv("XDG_RUNTIME_DIR");
+    return runtime != nullptr ? "unix:path=" + std::string(runtime) + "/bus" : std::string();
+}
+
+/// Empty while none is left out.
+std::string& leftOutAddress() {
+    static std::string address;
+    return address;
+}
 
 Connection connect(MessageBus which) {
     try {
@@ -48,6 +70,29 @@ Connection openBus(MessageBus which) {
         // No thread could be started.
     }
     return nullptr;
+}
+
+void leaveOutSessionBus() {
+    leftOutAddress() = sessionBusAddress();
+    ::setenv(addressVariable, noBus, 1);
+}
+
+void takeSessionBusBack() {
+    if (!leftOutAddress().empty()) {
+        ::setenv(addressVariable, std::exchange(leftOutAddress(), {}).c_str(), 1);
+    }
+}
+
+std::filesystem::path sessionBusSocket() {
+    constexpr std::string_view kind = "unix:path=";
+    const std::string address = leftOutAddress().empty() ? sessionBusAddress() : leftOutAddress();
+    if (!address.starts_with(kind)) {
+        return {};
+    }
+    // What follows is the server's identifier, or another address.
+    const std::string path = address.substr(kind.size(), address.find_first_of(",;") - kind.size());
+    // Anything but the commonest characters is written as "%" and two digits.
+    return path.find('%') == std::string::npos ? path : std::string();
 }
 
 // The library waits until everything is sent; a thread that may be left behind does that.

@@ -3,6 +3,7 @@
 #include <sdbus-c++/IConnection.h>
 
 #include <chrono>
+#include <filesystem>
 #include <memory>
 
 namespace vellmark {
@@ -16,6 +17,15 @@ constexpr auto busAnswerLimit = std::chrono::seconds(2);
 /// A connection to a message bus, made within `busAnswerLimit`, which also limits every call on it
 /// that names no limit. Null when there is no such bus or it does not answer. Any thread.
 std::unique_ptr<sdbus::IConnection> openBus(MessageBus which);
+
+/// From now on there is no session bus for this process and its libraries, until it is taken back.
+/// Both change the environment: main thread, the first before there are others.
+void leaveOutSessionBus();
+void takeSessionBusBack();
+
+/// The socket of the session bus, also of one that is left out; empty where its address names no
+/// file.
+std::filesystem::path sessionBusSocket();
 
 /// Closes without waiting for a bus that does not take what is still to be sent. Any thread.
 void closeBus(std::unique_ptr<sdbus::IConnection> connection);

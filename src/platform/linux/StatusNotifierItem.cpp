@@ -106,6 +106,13 @@ private:
         item_->registerMethod("SecondaryActivate")
             .onInterface(itemInterface)
             .implementedAs([this](std::int32_t x, std::int32_t y) { handlers_.activate(x, y); });
+        item_->registerMethod("ProvideXdgActivationToken")
+            .onInterface(itemInterface)
+            .implementedAs([this](const std::string& token) {
+                if (handlers_.activationToken) {
+                    handlers_.activationToken(token);
+                }
+            });
         // Panels that show the menu themselves never call this.
         item_->registerMethod("ContextMenu")
             .onInterface(itemInterface)
@@ -247,41 +254,62 @@ private:
     sdbus::Slot disconnected_;
 };
 
-StatusNotifierItem::StatusNotifierItem(std::unique_ptr<Connection> connection)
-    : connection_(std::move(connection)) {}
+StatusNotifierItem::StatusNotifierItem(DescriptorWatcher& loop, std::string id, std::string title,
+                                       Handlers handlers)
+    : id_(std::move(id)), title_(std::move(title)), handlers_(std::move(handlers)),
+      busReturn_(loop, {.onLoss =
+                            [this] {
+                                connection_.reset();
+                                handlers_.hostChanged(false);
+                            },
+                        .onReturn = [this](const auto& bus) { connect(bus); }}) {
+    connect(BusConnection::session(loop));
+}
 
 StatusNotifierItem::~StatusNotifierItem() = default;
 
-std::unique_ptr<StatusNotifierItem> StatusNotifierItem::create(DescriptorWatcher& loop,
-                                                               std::string id, std::string title,
-                                                               Handlers handlers) {
-    auto bus = BusConnection::session(loop);
+void StatusNotifierItem::connect(std::shared_ptr<BusConnection> bus) {
     if (!bus) {
-        return nullptr;
+        return;
     }
     try {
-        return std::unique_ptr<StatusNotifierItem>(
-            new StatusNotifierItem(std::make_unique<Connection>(
-                std::move(bus), std::move(id), std::move(title), std::move(handlers))));
+        connection_ = std::make_unique<Connection>(std::move(bus), id_, title_, handlers_);
     } catch (const sdbus::Error&) {
-        return nullptr;
+        connection_.reset();
+        return;
     }
+    connection_->setIcon(pixmaps_);
+    connection_->setToolTip(toolTip_);
+    connection_->setLabel(label_);
+    connection_->setMenu(menu_);
 }
 
 void StatusNotifierItem::setIcon(std::vector<NotifierPixmap> pixmaps) {
-    connection_->setIcon(std::move(pixmaps));
+    pixmaps_ = std::move(pixmaps);
+    if (connection_) {
+        connection_->setIcon(pixmaps_);
+    }
 }
 
 void StatusNotifierItem::setToolTip(const std::string& text) {
-    connection_->setToolTip(text);
+    toolTip_ = text;
+    if (connection_) {
+        connection_->setToolTip(text);
+    }
 }
 
 void StatusNotifierItem::setLabel(const std::string& text) {
-    connection_->setLabel(text);
+    label_ = text;
+    if (connection_) {
+        connection_->setLabel(text);
+    }
 }
 
 void StatusNotifierItem::setMenu(std::vector<NotifierMenuItem> items) {
-    connection_->setMenu(std::move(items));
+    menu_ = std::move(items);
+    if (connection_) {
+        connection_->setMenu(menu_);
+    }
 }
 
 } // namespace vellmark

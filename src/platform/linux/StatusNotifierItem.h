@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/DescriptorWatcher.h"
+#include "platform/linux/SessionBusReturn.h"
 
 #include <cstdint>
 #include <functional>
@@ -29,8 +30,8 @@ struct NotifierMenuItem {
 /// The program's item in a panel that hosts status notifiers, over the session bus.
 ///
 /// Speaks "org.kde.StatusNotifierItem" and, for the menu, "com.canonical.dbusmenu", as the panels
-/// of the common desktops do. Follows panels that come later or restart. Main thread; handlers are
-/// called from the event loop, never from within a call on this object.
+/// of the common desktops do. Follows panels that come later or restart, and a bus that does. Main
+/// thread; handlers are called from the event loop, never from within a call on this object.
 class StatusNotifierItem {
 public:
     struct Handlers {
@@ -40,14 +41,18 @@ public:
         std::function<void(const std::string& action)> menuItemChosen;
         /// Whether a panel shows the item now. Told once after the start, then on every change.
         std::function<void(bool isShown)> hostChanged;
+        /// The panel's leave to take the keyboard, before `activate`; not from every panel.
+        std::function<void(const std::string& token)> activationToken = {};
     };
 
-    /// Null when there is no session bus or it does not answer.
-    static std::unique_ptr<StatusNotifierItem> create(DescriptorWatcher& loop, std::string id,
-                                                      std::string title, Handlers handlers);
+    StatusNotifierItem(DescriptorWatcher& loop, std::string id, std::string title,
+                       Handlers handlers);
     ~StatusNotifierItem();
     StatusNotifierItem(const StatusNotifierItem&) = delete;
     StatusNotifierItem& operator=(const StatusNotifierItem&) = delete;
+
+    /// False when there is no session bus or it does not answer: nobody can show the item now.
+    bool isOnBus() const { return connection_ != nullptr; }
 
     /// The same picture in several sizes.
     void setIcon(std::vector<NotifierPixmap> pixmaps);
@@ -59,8 +64,18 @@ public:
 
 private:
     class Connection;
-    explicit StatusNotifierItem(std::unique_ptr<Connection> connection);
+    void connect(std::shared_ptr<BusConnection> bus);
+
+    std::string id_;
+    std::string title_;
+    Handlers handlers_;
+    // What is shown, for the next bus.
+    std::vector<NotifierPixmap> pixmaps_;
+    std::string toolTip_;
+    std::string label_;
+    std::vector<NotifierMenuItem> menu_;
     std::unique_ptr<Connection> connection_;
+    SessionBusReturn busReturn_;
 };
 
 } // namespace vellmark

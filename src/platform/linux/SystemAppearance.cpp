@@ -5,6 +5,7 @@
 #include "platform/SystemAppearance.h"
 
 #include "platform/linux/BusConnection.h"
+#include "platform/linux/SessionBusReturn.h"
 
 #include <sdbus-c++/sdbus-c++.h>
 
@@ -47,11 +48,10 @@ ColorScheme schemeOf(const sdbus::Variant& value) {
 
 class PortalAppearance final : public SystemAppearance {
 public:
-    PortalAppearance(std::shared_ptr<BusConnection> connection, std::function<void()> onChange)
-        : connection_(std::move(connection)), onChange_(std::move(onChange)) {
-        if (connection_) {
-            subscribe();
-        }
+    PortalAppearance(DescriptorWatcher& loop, std::function<void()> onChange)
+        : onChange_(std::move(onChange)),
+          busReturn_(loop, {.onLoss = {}, .onReturn = [this](const auto& bus) { use(bus); }}) {
+        use(BusConnection::session(loop));
     }
 
     ColorScheme colorScheme() const override { return scheme_; }
@@ -59,6 +59,14 @@ public:
     bool increasesContrast() const override { return hasContrast_ || hasDesktopContrast_; }
 
 private:
+    void use(std::shared_ptr<BusConnection> bus) {
+        portal_.reset();
+        connection_ = std::move(bus);
+        if (connection_) {
+            subscribe();
+        }
+    }
+
     void subscribe() {
         try {
             portal_ = sdbus::createProxy(connection_->bus(), "org.freedesktop.portal.Desktop",
@@ -117,6 +125,7 @@ private:
     bool reducesMotion_ = false;
     bool hasContrast_ = false;
     bool hasDesktopContrast_ = false;
+    SessionBusReturn busReturn_;
 };
 
 } // namespace
@@ -127,7 +136,7 @@ void setApplicationAppearance(ColorScheme /*scheme*/) {
 
 std::unique_ptr<SystemAppearance> observeSystemAppearance(DescriptorWatcher& loop,
                                                           std::function<void()> onChange) {
-    return std::make_unique<PortalAppearance>(BusConnection::session(loop), std::move(onChange));
+    return std::make_unique<PortalAppearance>(loop, std::move(onChange));
 }
 
 } // namespace vellmark

@@ -15,12 +15,18 @@
 #include <QPainterPath>
 #include <QScreen>
 
+#include <algorithm>
+
 namespace vellmark {
 
 namespace {
 
 /// The press that closes the popover and the click that follows on the item are one gesture.
 constexpr qint64 gestureMilliseconds = 300;
+/// In which the pointer comes from the panel to a window that stands elsewhere.
+constexpr qint64 wayMilliseconds = 3000;
+/// Of the screen's height, for a window beside panels that nobody tells us of.
+constexpr double tallestWindow = 0.85;
 
 /// Where the window system lets a popup take all input, that closes it most reliably; elsewhere it
 /// closes when another window becomes active.
@@ -30,6 +36,10 @@ bool canGrabInput() {
 }
 
 Qt::WindowFlags popoverWindowFlags() {
+    if (!kit::windowSurface().isPlaceable) {
+        return Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+               Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
+    }
     const Qt::WindowFlags kind = canGrabInput() ? Qt::Popup : Qt::Tool | Qt::WindowStaysOnTopHint;
     return kind | Qt::FramelessWindowHint;
 }
@@ -38,9 +48,9 @@ Qt::WindowFlags popoverWindowFlags() {
 
 Popover::Popover(AgentUIActions actions, QWidget* parent)
     : QWidget(parent, popoverWindowFlags()),
-      view_(new AgentUsagePopoverView(std::move(actions), this)) {
+      view_(new AgentUsagePopoverView(std::move(actions), this)), surface_(kit::windowSurface()) {
     tellOfPopovers();
-    setAttribute(Qt::WA_TranslucentBackground);
+    setAttribute(Qt::WA_TranslucentBackground, surface_.isPlaceable);
     setAttribute(Qt::WA_QuitOnClose, false);
     view_->onHeightChange = [this] {
         if (isVisible()) {
@@ -56,6 +66,9 @@ void Popover::setContent(PopoverContent content) {
 }
 
 QMargins Popover::margins() const {
+    if (!surface_.isPlaceable) {
+        return {};
+    }
     if (surface_.isComposited && !surface_.hasSystemShadow) {
         return kit::popoverShadowReach().toMargins();
     }
@@ -76,13 +89,11 @@ void Popover::open(const QRect& anchor) {
     anchor_ = anchor;
     surface_ = kit::windowSurface();
     view_->scrollToTop();
+    hasBeenEntered_ = false;
+    sinceOpened_.start();
     place();
     show();
     view_->setFocus(Qt::PopupFocusReason);
-    if (!canGrabInput()) {
-        raise();
-        activateWindow();
-    }
 }
 
 bool Popover::toggle(const QRect& anchor, const std::function<void()>& beforeOpening) {
@@ -99,6 +110,18 @@ bool Popover::toggle(const QRect& anchor, const std::function<void()>& beforeOpe
 }
 
 void Popover::place() {
+    if (surface_.isPlaceable) {
+        placeAtAnchor();
+    } else {
+        const int room =
+            static_cast<int>(QGuiApplication::primaryScreen()->size().height() * tallestWindow);
+        setFixedSize(AgentUsagePopoverView::viewWidth, std::min(view_->wantedHeight(), room));
+    }
+    view_->setGeometry(body());
+    cutCorners();
+}
+
+void Popover::placeAtAnchor() {
     const QScreen* screen = QGuiApplication::screenAt(anchor_.center());
     if (screen == nullptr) {
         screen = QGuiApplication::primaryScreen();
@@ -107,7 +130,9 @@ void Popover::place() {
     const QRect place = popoverPlacement(anchor_, size, AgentUsagePopoverView::tallest,
                                          screen->availableGeometry());
     setGeometry(place.marginsAdded(margins()));
-    view_->setGeometry(body());
+}
+
+void Popover::cutCorners() {
     if (!surface_.isComposited) {
         QBitmap shape(width(), height());
         shape.clear();
@@ -140,11 +165,24 @@ void Popover::mousePressEvent(QMouseEvent* event) {
 }
 
 void Popover::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::ActivationChange && !canGrabInput() && isVisible() &&
-        !isActiveWindow()) {
+    if (event->type() == QEvent::ActivationChange && !canGrabInput() && isVisible() && isLeft()) {
         close();
     }
     QWidget::changeEvent(event);
+}
+
+void Popover::enterEvent(QEnterEvent* event) {
+    hasBeenEntered_ = true;
+    QWidget::enterEvent(event);
+}
+
+bool Popover::isLeft() const {
+    if (isActiveWindow()) {
+        return false;
+    }
+    // Where the keyboard follows the pointer, other windows have it on the way from the panel to a
+    // window that does not stand beside it.
+    return surface_.isPlaceable || hasBeenEntered_ || sinceOpened_.elapsed() > wayMilliseconds;
 }
 
 void Popover::showEvent(QShowEvent* event) {
@@ -167,6 +205,10 @@ void Popover::paintEvent(QPaintEvent* /*event*/) {
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF ground = body();
     const double radius = kit::radius::popover;
+    if (!surface_.isPlaceable) {
+        painter.fillRect(rect(), kit::color(kit::ColorRole::popover));
+        return;
+    }
     if (!surface_.isComposited) {
         painter.fillRect(rect(), kit::color(kit::ColorRole::lineStrong));
     } else if (!surface_.hasSystemShadow) {

@@ -14,7 +14,8 @@ namespace vellmark {
 class AgentUsagePopoverView;
 
 /// The window of the popover: opens at the status item, closes by a click elsewhere, Escape, or a
-/// second click on the item, and follows its content's height. Main thread.
+/// second click on the item, and follows its content's height. Where the program cannot choose its
+/// place it is a window with a title in the popover's size, and closes by the same. Main thread.
 ///
 /// Hidden it does nothing; give it content just before it opens and while it is visible.
 class Popover : public QWidget {
@@ -31,7 +32,8 @@ public:
     /// code) takes several times as long as the drawing, and the first opening shall not wait for
     /// it.
     void rehearse();
-    /// Opens under `anchor`, the status item in screen coordinates (or a point of no size).
+    /// Opens under `anchor`, the status item in screen coordinates (or a point of no size). Whoever
+    /// opens it brings it to the front.
     void open(const QRect& anchor);
     /// A click on the status item: closes an open popover. The click that closed it a moment ago by
     /// landing outside does not open it again. Answers whether it is open now; `beforeOpening` is
@@ -42,6 +44,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -51,11 +54,18 @@ private:
     QRect body() const;
     QMargins margins() const;
     void place();
+    void placeAtAnchor();
+    void cutCorners();
+    /// Whether the user has turned to another window.
+    bool isLeft() const;
 
     AgentUsagePopoverView* view_;
     kit::WindowSurface surface_;
     QRect anchor_;
+    QElapsedTimer sinceOpened_;
     QElapsedTimer sinceClosed_;
+    /// The pointer, since it was opened.
+    bool hasBeenEntered_ = false;
 };
 
 } // namespace vellmark

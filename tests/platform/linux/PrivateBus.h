@@ -25,7 +25,7 @@ class PrivateBus {
 public:
     PrivateBus() {
         std::filesystem::create_directory(services());
-        const auto configuration = directory_.write(
+        configuration_ = directory_.write(
             "bus.conf",
             "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\" "
             "\"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">"
@@ -35,7 +35,15 @@ public:
                 "eavesdrop=\"true\"/>"
                 "<allow eavesdrop=\"true\"/>"
                 "<allow own=\"*\"/></policy></busconfig>");
-        const std::string option = "--config-file=" + configuration.string();
+        start();
+    }
+    ~PrivateBus() { end(); }
+    PrivateBus(const PrivateBus&) = delete;
+    PrivateBus& operator=(const PrivateBus&) = delete;
+
+    /// Again, at the same address.
+    void start() {
+        const std::string option = "--config-file=" + configuration_.string();
         pid_ = ::fork();
         if (pid_ == 0) {
             ::dup2(::open("/dev/null", O_WRONLY), STDERR_FILENO);
@@ -51,15 +59,14 @@ public:
         });
     }
 
-    ~PrivateBus() {
+    void end() {
         if (isInstalled()) {
             ::kill(pid_, SIGKILL);
             ::waitpid(pid_, nullptr, 0);
+            pid_ = -1;
+            std::filesystem::remove(directory_ / "bus");
         }
     }
-
-    PrivateBus(const PrivateBus&) = delete;
-    PrivateBus& operator=(const PrivateBus&) = delete;
 
     bool isInstalled() const { return pid_ > 0; }
     std::string address() const { return "unix:path=" + (directory_ / "bus").string(); }
@@ -79,6 +86,7 @@ private:
     }
 
     TemporaryDirectory directory_;
+    std::filesystem::path configuration_;
     pid_t pid_ = -1;
 };
 

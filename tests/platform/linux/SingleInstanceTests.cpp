@@ -30,7 +30,7 @@ protected:
             (void)!::read(order_[0], &go, 1);
             PollLoop loop;
             ::_exit(claim(
-                        loop, [] {}, {}, go == forPopover)
+                        loop, [] {}, {}, go == forPopover, laterToken)
                         ? 1
                         : 0);
         }
@@ -43,15 +43,20 @@ protected:
 
     static constexpr char forWindow = 'w';
     static constexpr char forPopover = 'p';
+    static constexpr auto laterToken = "later_TIME4711";
 
     std::unique_ptr<SingleInstance> claim(PollLoop& loop, std::function<void()> onShow,
                                           std::function<void()> onShowPopover = {},
-                                          bool asksForPopover = false) const {
-        return claimSingleInstance(loop, {.identifier = "app.vellmark.Test",
-                                          .directory = directory_ / "support",
-                                          .onShow = std::move(onShow),
-                                          .onShowPopover = std::move(onShowPopover),
-                                          .asksForPopover = asksForPopover});
+                                          bool asksForPopover = false,
+                                          const std::string& token = {}) {
+        return claimSingleInstance(
+            loop, {.identifier = "app.vellmark.Test",
+                   .directory = directory_ / "support",
+                   .onShow = std::move(onShow),
+                   .onShowPopover = std::move(onShowPopover),
+                   .asksForPopover = asksForPopover,
+                   .activationToken = token,
+                   .onActivationToken = [this](const std::string& given) { token_ = given; }});
     }
 
     /// A second launch; true when it found itself alone.
@@ -64,6 +69,7 @@ protected:
     }
 
     TemporaryDirectory directory_;
+    std::string token_;
     std::optional<PrivateBus> bus_;
     int order_[2] = {-1, -1};
     pid_t launch_ = 0;
@@ -72,11 +78,16 @@ protected:
 TEST_P(SingleInstanceTest, LaterLaunchShowsTheFirst) {
     PollLoop loop;
     int shown = 0;
-    const auto first = claim(loop, [&] { ++shown; });
+    std::string tokenWhenShown;
+    const auto first = claim(loop, [&] {
+        ++shown;
+        tokenWhenShown = token_;
+    });
     ASSERT_TRUE(first);
     EXPECT_FALSE(launchAgain(loop));
     EXPECT_TRUE(loop.turnUntil([&] { return shown > 0; }));
     EXPECT_EQ(shown, 1);
+    EXPECT_EQ(tokenWhenShown, laterToken);
 }
 
 TEST_P(SingleInstanceTest, LaterLaunchAsksTheFirstForItsPopover) {
@@ -89,6 +100,7 @@ TEST_P(SingleInstanceTest, LaterLaunchAsksTheFirstForItsPopover) {
     EXPECT_FALSE(launchAgain(loop, forPopover));
     EXPECT_TRUE(loop.turnUntil([&] { return popovers > 0; }));
     EXPECT_EQ(shown, 0);
+    EXPECT_EQ(token_, laterToken);
 }
 
 TEST_P(SingleInstanceTest, IsFreeAfterTheFirstHasGone) {

@@ -30,12 +30,13 @@ protected:
         if (IsSkipped()) {
             return;
         }
-        item_ = StatusNotifierItem::create(
+        item_ = std::make_unique<StatusNotifierItem>(
             loop_, "vellmark", "Vellmark",
-            {.activate = [this](int x, int y) { activated_.emplace_back(x, y); },
-             .menuItemChosen = [this](const std::string& action) { chosen_.push_back(action); },
-             .hostChanged = [this](bool isShown) { shown_.push_back(isShown); }});
-        ASSERT_TRUE(item_);
+            StatusNotifierItem::Handlers{
+                .activate = [this](int x, int y) { activated_.emplace_back(x, y); },
+                .menuItemChosen = [this](const std::string& action) { chosen_.push_back(action); },
+                .hostChanged = [this](bool isShown) { shown_.push_back(isShown); }});
+        ASSERT_TRUE(item_->isOnBus());
     }
 
     /// Calls the item as a panel does, while this thread answers.
@@ -168,15 +169,24 @@ TEST_F(StatusNotifierItemTest, OffersItsMenu) {
     EXPECT_THAT(chosen_, ElementsAre("open", "quit"));
 }
 
-TEST_F(StatusNotifierItemTest, OutlivesTheBusAndSaysThatNobodyShowsIt) {
-    NotifierPanel panel;
-    ASSERT_TRUE(loop_.turnUntil([&] { return !shown_.empty() && shown_.back(); }));
-    panel.freeze();
-    bus_.reset();
+TEST_F(StatusNotifierItemTest, OutlivesTheBusAndIsShownOnTheNext) {
+    {
+        NotifierPanel panel;
+        ASSERT_TRUE(loop_.turnUntil([&] { return !shown_.empty() && shown_.back(); }));
+        panel.freeze();
+        bus_->end();
+    }
     EXPECT_TRUE(loop_.turnUntil([&] { return !shown_.back(); }));
     item_->setIcon({{.side = 1, .pixels = {0}}});
     item_->setToolTip("still here");
     item_->setMenu({{"Quit", "quit"}});
+    bus_->start();
+    const NotifierPanel panel;
+    ASSERT_TRUE(loop_.turnUntil([&] { return shown_.back(); }));
+    const auto toolTip =
+        property<sdbus::Struct<std::string, std::vector<Pixmap>, std::string, std::string>>(
+            "ToolTip");
+    EXPECT_EQ(toolTip.get<2>(), "still here");
 }
 
 } // namespace

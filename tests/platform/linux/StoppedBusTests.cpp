@@ -26,10 +26,11 @@ protected:
                                            .onShow = std::move(onShow)});
     }
     std::unique_ptr<StatusNotifierItem> makeItem() {
-        return StatusNotifierItem::create(loop_, "vellmark", "Vellmark",
-                                          {.activate = [](int, int) {},
-                                           .menuItemChosen = [](const std::string&) {},
-                                           .hostChanged = [](bool) {}});
+        return std::make_unique<StatusNotifierItem>(
+            loop_, "vellmark", "Vellmark",
+            StatusNotifierItem::Handlers{.activate = [](int, int) {},
+                                         .menuItemChosen = [](const std::string&) {},
+                                         .hostChanged = [](bool) {}});
     }
 
     TemporaryDirectory directory_;
@@ -47,7 +48,7 @@ TEST_F(StoppedBusTest, ALaunchGoesOnAsWithoutABus) {
     const auto instance = claim([&] { ++shown; });
     EXPECT_TRUE(instance);
     EXPECT_FALSE(claim([] {}));
-    EXPECT_FALSE(makeItem());
+    EXPECT_FALSE(makeItem()->isOnBus());
     EXPECT_EQ(observeSystemAppearance(loop_, [] {})->colorScheme(), ColorScheme::noPreference);
     EXPECT_FALSE(observeWake(loop_, [] {}));
     EXPECT_LT(Clock::now() - start, patience);
@@ -60,13 +61,13 @@ TEST_F(StoppedBusTest, ClaimsWithoutTheBusWhenThatStopsAfterLettingIn) {
     bus_->stop();
     const auto start = Clock::now();
     EXPECT_TRUE(claim([] {}));
-    EXPECT_FALSE(makeItem());
+    EXPECT_FALSE(makeItem()->isOnBus());
     EXPECT_LT(Clock::now() - start, patience);
 }
 
 TEST_F(StoppedBusTest, DoesNotHoldUpAnItemThatHasMuchToTell) {
     auto item = makeItem();
-    ASSERT_TRUE(item);
+    ASSERT_TRUE(item->isOnBus());
     bus_->stop();
     const auto start = Clock::now();
     // More than the system takes for a reader that does not read.

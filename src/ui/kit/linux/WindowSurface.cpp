@@ -35,8 +35,10 @@ bool hasCompositor(xcb_connection_t* connection) {
 WindowSurface windowSurface() {
     const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
     if (x11 == nullptr || x11->connection() == nullptr) {
-        // Wayland always composites; so does drawing without a display.
-        return {};
+        // Wayland always composites, and no window there knows its place; drawing without a display
+        // can do both.
+        return {.isPlaceable =
+                    !QGuiApplication::platformName().startsWith(QLatin1String("wayland"))};
     }
     return {.isComposited = hasCompositor(x11->connection())};
 }
