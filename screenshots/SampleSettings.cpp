@@ -155,6 +155,11 @@ SettingsPageState unreadySettings() {
     valueOf(state, "quiet-hours").value = "off";
     state.noticeDelivery = NoticeDelivery::unserved;
     state.trouble = "/home/robin/.config/Vellmark/preferences.json: No space left on device";
+    state.commandTool = {.state = CommandLineTool::State::off,
+                         .link = "/usr/local/bin/vellmark",
+                         .command = "sudo mkdir -p '/usr/local/bin' && sudo ln -s "
+                                    "'/Applications/Vellmark.app/Contents/Helpers/vellmark' "
+                                    "'/usr/local/bin/vellmark'"};
     return state;
 }
 

@@ -1,5 +1,6 @@
 #include "app/MainWindowPages.h"
 
+#include "platform/CommandLineTool.h"
 #include "platform/ProgramPath.h"
 #include "presentation/MainMenuContent.h"
 #include "ui/Conversions.h"
@@ -136,7 +137,9 @@ SettingsPageModel::Sources MainWindowPages::settingsSources() {
             .noticeDelivery = [this] { return sources_.notices.delivery(); },
             .lookForNoticeService = [this] { sources_.notices.lookForService(); },
             .allowNotices = [this] { sources_.notices.allow(); },
-            .terminalProgram = programPath().parent_path() / "vellmark"};
+            .terminalProgram = terminalProgram(programPath()),
+            .commandLineTool = bundledCommandLineTool(machine, programPath()),
+            .copyText = copyText};
 }
 
 void MainWindowPages::showHelp(HelpSection section) {

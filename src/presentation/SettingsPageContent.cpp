@@ -377,6 +377,43 @@ SettingRowContent statusLineRow(const SettingsPageState::StatusLine& line,
         words);
 }
 
+/// On or off where that may be changed, else who has to.
+SettingRowContent commandToolRow(const SettingsPageState::CommandTool& tool,
+                                 const Localization& words) {
+    using State = CommandLineTool::State;
+    const std::string link = singleLine(tool.link.string());
+    const std::string folder = singleLine(tool.link.parent_path().string());
+    SettingRowContent row{.name = std::string(settingsRow::commandLineTool),
+                          .label = words.text("settings.commandLineTool")};
+    bool isOurs = true;
+    switch (tool.state) {
+    case State::off:
+    case State::leftBehind:
+        row.explanation = words.format("settings.commandLineTool.hint", {folder});
+        break;
+    case State::on:
+        row.explanation = words.format("settings.commandLineTool.isThere", {folder});
+        break;
+    case State::kept:
+        row.explanation = words.format("settings.commandLineTool.kept", {link});
+        isOurs = false;
+        break;
+    case State::foreign:
+        row.explanation = words.format("settings.commandLineTool.foreign", {link});
+        isOurs = false;
+        break;
+    }
+    const bool mayChange = isOurs && tool.command.empty();
+    if (isOurs && !mayChange) {
+        row.explanation +=
+            "\n" + words.format("settings.commandLineTool.administrator", {tool.command});
+        row.button = {words.text("help.copy"), {}, ""};
+    }
+    row.control = SettingSwitch{.isOn = tool.state == State::on || tool.state == State::kept,
+                                .isEnabled = mayChange};
+    return row;
+}
+
 QuestionContent question(const std::string& key, const Localization& words) {
     return {.title = words.text(key + ".title"),
             .text = words.text(key + ".text"),
@@ -428,6 +465,9 @@ SettingsPageContent settingsPageContent(const SettingsPageState& state, const Ma
     SettingsSectionContent general{.heading = words.text("settings.section.general")};
     if (const Value* login = find(state, Kind::loginItem, std::nullopt)) {
         general.rows.push_back(loginRow(*login, state, words));
+    }
+    if (state.commandTool) {
+        general.rows.push_back(commandToolRow(*state.commandTool, words));
     }
     addRows(general, generalKeys, state, words);
     SettingsSectionContent statusItem{.heading = words.text("settings.section.statusItem")};

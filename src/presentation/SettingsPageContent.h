@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/AgentProviderID.h"
+#include "platform/CommandLineTool.h"
 #include "presentation/LaunchAtLoginController.h"
 #include "presentation/NoticeSettings.h"
 #include "presentation/PageHeadContent.h"
@@ -24,6 +25,7 @@ namespace settingsRow {
 inline constexpr std::string_view dataFolder = "data-folder";
 inline constexpr std::string_view history = "history";
 inline constexpr std::string_view statusLine = "status-line";
+inline constexpr std::string_view commandLineTool = "command-line-tool";
 inline constexpr std::string_view reset = "reset";
 } // namespace settingsRow
 
@@ -147,6 +149,16 @@ struct SettingsPageState {
     };
     /// Absent where Claude Code has never been used, or has settings that are not understood.
     std::optional<StatusLine> statusLine;
+    /// `vellmark` in the folder of commands.
+    struct CommandTool {
+        CommandLineTool::State state = CommandLineTool::State::off;
+        /// As the user writes it.
+        std::filesystem::path link;
+        /// What an administrator types for the change; empty where this user may make it.
+        std::string command;
+    };
+    /// Absent where a package brings the command.
+    std::optional<CommandTool> commandTool;
     /// Why the last change was refused or is not on disk, in words; empty when it holds.
     std::string trouble;
 };

@@ -1,7 +1,9 @@
 #include "presentation/SettingsPageModel.h"
 
+#include "setup/SetupScript.h"
 #include "store/AppSettings.h"
 #include "text/SystemErrorText.h"
+#include "text/TerminalText.h"
 
 #include <exception>
 #include <system_error>
@@ -57,6 +59,7 @@ SettingsPageState SettingsPageModel::state() const {
                             .file = sources_.machine.abbreviated(statusLine_->file),
                             .change = changedLines(statusLine_->before, statusLine_->after)};
     }
+    state.commandTool = commandTool();
     state.trouble = trouble_;
     return state;
 }
@@ -97,7 +100,9 @@ void SettingsPageModel::look(bool anew) {
 }
 
 void SettingsPageModel::change(const std::string& name, const std::string& value) {
-    if (const SettingItem* item = catalog_.find(name)) {
+    if (name == settingsRow::commandLineTool) {
+        changeCommandTool(value == SettingSwitch().onValue);
+    } else if (const SettingItem* item = catalog_.find(name)) {
         finish(catalog_.set(*item, value));
     }
 }
@@ -118,6 +123,10 @@ void SettingsPageModel::press(const std::string& name) {
         deleteHistory();
     } else if (name == settingsRow::statusLine) {
         changeStatusLine();
+    } else if (name == settingsRow::commandLineTool) {
+        if (const auto tool = commandTool()) {
+            sources_.copyText(tool->command);
+        }
     } else if (name == settingsRow::reset) {
         catalog_.resetAll();
         finish();
@@ -179,6 +188,41 @@ void SettingsPageModel::changeStatusLine() {
                                 {file, systemErrorText(outcome.error, words)});
     }
     look(false);
+}
+
+/// Asked anew each time: an administrator may have typed the command meanwhile.
+std::optional<SettingsPageState::CommandTool> SettingsPageModel::commandTool() const {
+    using State = CommandLineTool::State;
+    const auto& tool = sources_.commandLineTool;
+    if (!tool) {
+        return std::nullopt;
+    }
+    SettingsPageState::CommandTool shown{.state = tool->state(), .link = tool->link()};
+    if (!tool->mayChange()) {
+        const std::string link = shellQuoted(tool->link().string());
+        const std::string removal = "sudo rm " + link;
+        const std::string making =
+            "sudo mkdir -p " + shellQuoted(tool->link().parent_path().string()) +
+            " && sudo ln -s " + shellQuoted(tool->program().string()) + " " + link;
+        shown.command = shown.state == State::on           ? removal
+                        : shown.state == State::leftBehind ? removal + " && " + making
+                                                           : making;
+    }
+    return shown;
+}
+
+void SettingsPageModel::changeCommandTool(bool isOn) {
+    const auto& tool = sources_.commandLineTool;
+    if (!tool) {
+        return;
+    }
+    trouble_.clear();
+    if (const std::error_code error = tool->setOn(isOn)) {
+        const Localization& words = sources_.words();
+        trouble_ = words.format("settings.commandLineTool.failed",
+                                {singleLine(tool->link().string()), systemErrorText(error, words)});
+    }
+    sources_.changed();
 }
 
 void SettingsPageModel::finish(const std::optional<SettingRefusal>& refusal) {

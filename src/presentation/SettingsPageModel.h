@@ -42,6 +42,9 @@ public:
         std::function<void()> allowNotices = [] {};
         /// `vellmark`, for Claude Code to run; without it no status line is offered.
         std::filesystem::path terminalProgram = {};
+        /// Absent where a package brings the command.
+        std::optional<CommandLineTool> commandLineTool = {};
+        std::function<void(const std::string& text)> copyText = [](const std::string&) {};
     };
     explicit SettingsPageModel(Sources sources);
     SettingsPageModel(const SettingsPageModel&) = delete;
@@ -60,6 +63,8 @@ private:
     void deleteHistory();
     void lookAtStatusLine();
     void changeStatusLine();
+    std::optional<SettingsPageState::CommandTool> commandTool() const;
+    void changeCommandTool(bool isOn);
     /// Takes the last change over, tells why it does not hold, if it does not, and shows what does.
     void finish(const std::optional<SettingRefusal>& refusal = std::nullopt);
 

@@ -65,7 +65,9 @@ protected:
                 .noticeDelivery = [this] { return delivery; },
                 .lookForNoticeService = [this] { ++noticeLooks; },
                 .allowNotices = [this] { ++allowings; },
-                .terminalProgram = directory.path() / "vellmark"};
+                .terminalProgram = directory.path() / "vellmark",
+                .commandLineTool = commandLineTool,
+                .copyText = [this](const std::string& text) { copied = text; }};
     }
     SettingsPageContent content() { return model->content(); }
     std::vector<SettingRowContent> rows() {
@@ -111,6 +113,8 @@ protected:
     int allowings = 0;
     int changes = 0;
     int takings = 0;
+    std::optional<CommandLineTool> commandLineTool;
+    std::string copied;
     bool isAnswered = false;
     AgentProviderID asked;
     std::vector<std::string> asking;
@@ -196,6 +200,51 @@ TEST_F(SettingsPageTest, ShowsTheLoginItemAsTheSystemHasIt) {
     EXPECT_FALSE(shownSwitch().isEnabled);
     EXPECT_THAT(row(name).explanation, Not(IsEmpty()));
     EXPECT_THAT(row(settingsRow::history).button.title, IsEmpty()) << "there is nothing to delete";
+}
+
+TEST_F(SettingsPageTest, TheCommandLineToolIsWhatTheFileSystemSays) {
+    const std::string name(settingsRow::commandLineTool);
+    EXPECT_THAT(row(name).name, IsEmpty()) << "a package brings it";
+
+    const std::filesystem::path program = directory / "Vellmark.app" / "Contents/Helpers/vellmark";
+    const std::filesystem::path link = directory / "bin" / "vellmark";
+    writeFile(program, "");
+    commandLineTool.emplace(program, link);
+    model = std::make_unique<SettingsPageModel>(sources());
+    actions = model->actions();
+    const auto shownSwitch = [&] { return std::get<SettingSwitch>(row(name).control); };
+    EXPECT_EQ(shownSwitch(), SettingSwitch{});
+    actions.change(name, shownSwitch().onValue);
+    EXPECT_TRUE(shownSwitch().isOn);
+    EXPECT_EQ(std::filesystem::read_symlink(link), program);
+    std::filesystem::remove(link);
+    EXPECT_FALSE(shownSwitch().isOn) << "taken away by somebody";
+    EXPECT_THAT(row(name).button.title, IsEmpty());
+
+    writeFile(link, "another's");
+    EXPECT_EQ(shownSwitch(), (SettingSwitch{.isOn = false, .isEnabled = false}));
+    EXPECT_THAT(row(name).explanation, HasSubstr(link.string()));
+    actions.change(name, shownSwitch().onValue);
+    EXPECT_THAT(content().trouble, HasSubstr("could not be changed"));
+    EXPECT_TRUE(std::filesystem::is_regular_file(link));
+}
+
+TEST_F(SettingsPageTest, TheCommandLineToolSaysWhatAnAdministratorTypes) {
+    const std::string name(settingsRow::commandLineTool);
+    // Below a file there is no folder, for root neither.
+    const std::filesystem::path folder = directory / "file" / "bin";
+    writeFile(folder.parent_path(), "");
+    commandLineTool.emplace("/Apps/It's/Vellmark.app/Contents/Helpers/vellmark",
+                            folder / "vellmark");
+    model = std::make_unique<SettingsPageModel>(sources());
+    actions = model->actions();
+    EXPECT_FALSE(std::get<SettingSwitch>(row(name).control).isEnabled);
+    actions.press(name);
+    EXPECT_EQ(copied,
+              "sudo mkdir -p '" + folder.string() +
+                  "' && sudo ln -s '/Apps/It'\\''s/Vellmark.app/Contents/Helpers/vellmark' '" +
+                  folder.string() + "/vellmark'");
+    EXPECT_THAT(row(name).explanation, HasSubstr(copied));
 }
 
 TEST_F(SettingsPageTest, NoticesAreChosenByKindAndSayWhyTheyDoNotCome) {
