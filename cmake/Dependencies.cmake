@@ -8,7 +8,7 @@ pkg_check_modules(re2 REQUIRED IMPORTED_TARGET re2)
 pkg_check_modules(icu REQUIRED IMPORTED_TARGET icu-uc icu-i18n)
 
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
-    pkg_check_modules(sdbus REQUIRED IMPORTED_TARGET sdbus-c++)
+    pkg_check_modules(sdbus REQUIRED IMPORTED_TARGET sdbus-c++<2)
 endif()
 if(BUILD_TESTING)
     find_package(GTest REQUIRED)
