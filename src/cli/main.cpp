@@ -16,6 +16,7 @@
 
 #include <exception>
 #include <fcntl.h>
+#include <filesystem>
 #include <optional>
 #include <system_error>
 #include <unistd.h>
@@ -109,6 +110,10 @@ int run(const std::vector<std::string>& arguments) {
         return refuse(fault.message, fault.hint);
     } catch (const WrongArguments& wrong) {
         return refuse(wrong.message(words), helpHint(commandLine.subcommand->name(), words));
+    } catch (const std::filesystem::filesystem_error& error) {
+        errors.write("vellmark: " + singleLine(error.path1().string()) + ": " +
+                     systemErrorText(error.code(), words) + "\n");
+        return ExitStatus::failed;
     } catch (const std::system_error& error) {
         errors.write("vellmark: " + systemErrorText(error.code(), words) + "\n");
         return ExitStatus::failed;
