@@ -325,10 +325,11 @@ private:
     std::map<std::string, Value> values_;
 };
 
-/// What the user types for a setting.
+/// What the user types for a setting: every setting is tried, so no longer than somebody types.
 void readSettings(std::string_view bytes) {
+    constexpr std::size_t longestTyped = std::size_t{1} << 14;
     HeldPreferences preferences;
-    checkSettings(preferences, bytes);
+    checkSettings(preferences, bytes.substr(0, longestTyped));
 }
 
 /// The status line is put into somebody's settings and taken out again: they are as they were.

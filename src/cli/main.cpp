@@ -68,6 +68,14 @@ int runSubcommand(const CommandLine& commandLine, const std::optional<std::strin
     return status;
 }
 
+std::string faultText(const std::exception& fault, const Localization& words) {
+    // Without a thread or a process left there is nothing else to name; others name a file.
+    const auto* const error = dynamic_cast<const std::system_error*>(&fault);
+    return error != nullptr && error->code() == std::errc::resource_unavailable_try_again
+               ? systemErrorText(error->code(), words)
+               : singleLine(fault.what());
+}
+
 int statusAfterWriting(int status, const TerminalOutput& output, TerminalOutput& errors,
                        const Localization& words) {
     if (output.readerHasGone()) {
@@ -110,15 +118,8 @@ int run(const std::vector<std::string>& arguments) {
         return refuse(fault.message, fault.hint);
     } catch (const WrongArguments& wrong) {
         return refuse(wrong.message(words), helpHint(commandLine.subcommand->name(), words));
-    } catch (const std::filesystem::filesystem_error& error) {
-        errors.write("vellmark: " + singleLine(error.path1().string()) + ": " +
-                     systemErrorText(error.code(), words) + "\n");
-        return ExitStatus::failed;
-    } catch (const std::system_error& error) {
-        errors.write("vellmark: " + systemErrorText(error.code(), words) + "\n");
-        return ExitStatus::failed;
     } catch (const std::exception& error) {
-        errors.write("vellmark: " + singleLine(error.what()) + "\n");
+        errors.write("vellmark: " + faultText(error, words) + "\n");
         return ExitStatus::failed;
     }
     return statusAfterWriting(status, output, errors, words);
