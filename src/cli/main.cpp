@@ -16,7 +16,6 @@
 
 #include <exception>
 #include <fcntl.h>
-#include <filesystem>
 #include <optional>
 #include <system_error>
 #include <unistd.h>
