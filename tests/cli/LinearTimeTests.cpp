@@ -14,11 +14,19 @@
 #ifdef __GLIBC__
 #include <malloc.h>
 #endif
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace vellmark::tests {
+namespace vellmark {
+
+/// In the name of its test.
+static void PrintTo(const ForeignReader& reader, std::ostream* stream) {
+    *stream << reader.name;
+}
+
+namespace tests {
 namespace {
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -34,9 +42,11 @@ constexpr bool isOptimized = true;
 constexpr bool isOptimized = false;
 #endif
 
-/// The longer inputs have ten times as much. A sanitizer makes times meaningless: there the readers
-/// only have to survive.
-constexpr std::size_t shortSize = isOptimized && !isSanitized ? 1u << 20 : 100u << 10;
+/// A sanitizer makes times meaningless: there the readers only have to survive the short inputs.
+constexpr std::size_t shortSize = 100'000;
+constexpr std::size_t longSize = 10 * shortSize;
+/// For a long input, in a build that is meant to be quick.
+constexpr double mostSeconds = 1;
 /// Ten is linear, a hundred is the square. Up to here nothing is wrong; a long text may be beyond
 /// it because its parts no longer fit the processor's caches, which others use too.
 constexpr double expectedGrowth = 12;
@@ -281,9 +291,9 @@ double secondsOf(const ForeignReader& reader, std::string_view text) {
 }
 
 struct Times {
-    /// For the short text, in seconds.
-    double least = 0;
-    /// How many times longer the reader takes for ten times as much.
+    /// For the long text, in seconds.
+    double longest = 0;
+    /// How many times longer the reader takes for it than for the short one.
     double growth = 0;
 };
 
@@ -294,16 +304,16 @@ Times timesOf(const ForeignReader& reader, const Input& input) {
         reader.read(shortText);
         return {};
     }
-    const std::string longText = input.make(10 * shortSize);
+    const std::string longText = input.make(longSize);
     constexpr double unknown = std::numeric_limits<double>::infinity();
     Times times{unknown, unknown};
-    double longTime = unknown;
+    double shortTime = unknown;
     for (int round = 0; round < rounds; ++round) {
         for (int run = 0; run < 3; ++run) {
-            times.least = std::min(times.least, secondsOf(reader, shortText));
+            shortTime = std::min(shortTime, secondsOf(reader, shortText));
         }
-        longTime = std::min(longTime, secondsOf(reader, longText));
-        times.growth = std::min(times.growth, longTime / std::max(times.least, leastSeconds));
+        times.longest = std::min(times.longest, secondsOf(reader, longText));
+        times.growth = times.longest / std::max(shortTime, leastSeconds);
         if (times.growth <= expectedGrowth || times.growth > hopelessGrowth) {
             break;
         }
@@ -318,7 +328,9 @@ TEST_P(LinearTime, IsAllThatAReaderTakesWhateverItIsGiven) {
     for (const Input& input : inputsFor(GetParam().name)) {
         const Times times = timesOf(GetParam(), input);
         EXPECT_LE(times.growth, allowedGrowth) << input.name;
-        EXPECT_LE(times.least, 1) << input.name;
+        if (isOptimized) {
+            EXPECT_LE(times.longest, mostSeconds) << input.name;
+        }
     }
 }
 
@@ -330,4 +342,5 @@ INSTANTIATE_TEST_SUITE_P(, LinearTime, testing::ValuesIn(foreignReaders()),
                          });
 
 } // namespace
-} // namespace vellmark::tests
+} // namespace tests
+} // namespace vellmark
