@@ -1,5 +1,6 @@
 #include "platform/ReplacementFile.h"
 
+#include "platform/FileSync.h"
 #include "platform/PrivateDirectory.h"
 #include "platform/RegularFile.h"
 #include "platform/SystemError.h"
@@ -39,7 +40,7 @@ void syncDirectory(const fs::path& directory) {
     const fs::path named = directory.empty() ? fs::path(".") : directory;
     const Descriptor opened(::open(named.c_str(), O_RDONLY | O_CLOEXEC));
     if (opened.isOpen()) {
-        ::fsync(opened.get());
+        syncFile(opened.get());
     }
 }
 
@@ -117,7 +118,7 @@ void ReplacementFile::writeOut() {
 std::error_code ReplacementFile::commit(Durability durability) {
     writeOut();
     const bool syncs = durability == Durability::synced;
-    if (!error_ && ((syncs && ::fsync(descriptor_.get()) != 0) ||
+    if (!error_ && ((syncs && !syncFile(descriptor_.get())) ||
                     ::rename(temporary_.c_str(), target_.c_str()) != 0)) {
         error_ = lastSystemError();
     }

@@ -1,6 +1,7 @@
 #include "platform/WaitingFile.h"
 
 #include "platform/FileLock.h"
+#include "platform/FileSync.h"
 #include "platform/RegularFile.h"
 #include "platform/SystemError.h"
 #include "platform/WholeFile.h"
@@ -50,7 +51,7 @@ std::error_code WaitingFile::add(std::string_view lines) const {
             (void)!::ftruncate(file.get(), before);
             return error;
         }
-        ::fsync(file.get());
+        syncFile(file.get());
         return {};
     }
 }

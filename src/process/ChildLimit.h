@@ -33,7 +33,7 @@ public:
     void stopLeftBehind(std::vector<ProcessHandle> processes);
 
     /// Once the child has ended: whether anything that was told to stop is still alive and will be
-    /// killed. A limit that has not told anything to stop by then never will.
+    /// killed. Where nothing was told to stop so far, this ends the limit: it never will.
     bool hasSurvivors();
     /// True when the soft stop has found the child running.
     bool hasTimedOut();

@@ -2,6 +2,7 @@
 
 #include "model/HistorySampleParser.h"
 #include "model/UsageJSON.h"
+#include "platform/FileSync.h"
 #include "platform/RegularFile.h"
 #include "platform/ReplacementFile.h"
 #include "platform/SystemError.h"
@@ -320,7 +321,7 @@ std::error_code UsageHistoryFile::ensureWritable() {
 void UsageHistoryFile::sync() {
     // What the disk cannot promise now it may still keep; writing it again would double it.
     if (descriptor_.isOpen()) {
-        ::fsync(descriptor_.get());
+        syncFile(descriptor_.get());
     }
 }
 

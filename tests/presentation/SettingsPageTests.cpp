@@ -122,6 +122,21 @@ protected:
     SettingsPageActions actions = model->actions();
 };
 
+TEST_F(SettingsPageTest, HasAPlaceForEverySetting) {
+    preferences->setString("QuietHours", "on");
+    std::vector<std::string> shown{"agents", "agent-order"}; // the list above the rows
+    for (const SettingRowContent& row : rows()) {
+        shown.push_back(row.name);
+    }
+    for (const AgentProgramContent& program : content().programs) {
+        shown.push_back(program.id.rawValue + "-path");
+    }
+    const SettingsCatalog catalog(*preferences, machine, launchAtLogin);
+    for (const SettingItem& item : catalog.items()) {
+        EXPECT_THAT(shown, testing::Contains(item.name));
+    }
+}
+
 TEST_F(SettingsPageTest, KeepsAndShowsEveryChoiceThatItOffers) {
     int tried = 0;
     for (const SettingRowContent& offered : rows()) {
