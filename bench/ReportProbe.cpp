@@ -6,8 +6,8 @@
 #include "app/QtExecutor.h"
 #include "app/SupportReportWindowController.h"
 #include "store/ActivityLines.h"
-#include "ui/ReportTextView.h"
-#include "ui/SupportReportView.h"
+#include "ui/report/ReportTextView.h"
+#include "ui/report/SupportReportView.h"
 
 #include <QApplication>
 #include <QScrollBar>

@@ -2,7 +2,7 @@
 
 #include "report/MailDirectory.h"
 #include "ui/Conversions.h"
-#include "ui/SupportReportView.h"
+#include "ui/report/SupportReportView.h"
 
 #include <QClipboard>
 #include <QDesktopServices>

@@ -66,7 +66,7 @@ std::vector<std::string> rowsOf(const std::vector<Item>& items, std::size_t widt
 } // namespace
 
 std::vector<std::string> compactRows(const std::vector<AgentBlockContent>& agents,
-                                     const StatusLine& verdict, const TerminalOutput& output,
+                                     const VerdictLine& verdict, const TerminalOutput& output,
                                      const Localization& words) {
     const std::size_t width = output.width();
     const bool isVerdictBrief = displayWidth(verdict.text) > width;

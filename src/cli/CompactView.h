@@ -13,7 +13,7 @@ namespace vellmark {
 /// has left. Where the agents need both rows the verdict, which their marks tell as well, goes;
 /// then the agents' names are the short ones.
 std::vector<std::string> compactRows(const std::vector<AgentBlockContent>& agents,
-                                     const StatusLine& verdict, const TerminalOutput& output,
+                                     const VerdictLine& verdict, const TerminalOutput& output,
                                      const Localization& words);
 
 } // namespace vellmark

@@ -161,8 +161,8 @@ private:
         return agentBlocks(store_.state(), now, context_.words);
     }
 
-    StatusLine verdict(Instant now) const {
-        return statusLine(store_.state(), now, context_.words, AgentNames::full);
+    VerdictLine verdict(Instant now) const {
+        return verdictLine(store_.state(), now, context_.words, AgentNames::full);
     }
 
     std::vector<std::string> compact() const {
@@ -185,7 +185,7 @@ private:
         const TerminalOutput& output = context_.output;
         const Instant now = ReferenceClock::now();
         const auto agents = blocks(now);
-        const StatusLine line = verdict(now);
+        const VerdictLine line = verdict(now);
         const bool fits = displayWidth(line.text) <= output.width();
         Page page;
         for (const std::string& part : wrapped(fits ? line.text : line.briefText, output.width())) {

@@ -45,7 +45,7 @@ PopoverContent popoverContent(const UsageState& state, std::string_view storedTa
                               const Localization& words) {
     PopoverContent content;
     content.title = words.text("app.name");
-    content.statusLine = statusLine(state, now, words);
+    content.statusLine = verdictLine(state, now, words);
     content.isRefreshing = state.isRefreshing;
     content.refresh = {"", "arrow.clockwise", words.text("popover.refresh.help")};
     content.openWindow = {words.text("popover.openWindow"), "macwindow", ""};

@@ -40,7 +40,7 @@ NoAgentsContent noAgentsContent(const Localization& words);
 /// Everything that the popover shows, as words and numbers.
 struct PopoverContent {
     std::string title;
-    StatusLine statusLine;
+    VerdictLine statusLine;
     bool isRefreshing = false;
     ControlContent refresh;
     /// Empty when no agent is enabled: then there is no tab strip either.

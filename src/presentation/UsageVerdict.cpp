@@ -155,9 +155,9 @@ bool everythingLasts(const UsageState& state, const std::vector<KnownAgent>& age
 }
 
 /// The verdict without any time. `tellsAges`: with the age of each agent whose figures are old.
-StatusLine verdict(const UsageState& state, const std::vector<KnownAgent>& agents, bool tellsAges,
-                   Instant now, const Localization& words, AgentNames names) {
-    const auto same = [](const std::string& text) { return StatusLine{text, text}; };
+VerdictLine verdict(const UsageState& state, const std::vector<KnownAgent>& agents, bool tellsAges,
+                    Instant now, const Localization& words, AgentNames names) {
+    const auto same = [](const std::string& text) { return VerdictLine{text, text}; };
     if (state.snapshots.empty()) {
         return same(words.text("popover.status.noAgents"));
     }
@@ -211,8 +211,8 @@ std::string verdictText(const UsageState& state, Instant now, const Localization
     return age.empty() ? text : words.format("popover.status.withAge", {text, age});
 }
 
-StatusLine statusLine(const UsageState& state, Instant now, const Localization& words,
-                      AgentNames names) {
+VerdictLine verdictLine(const UsageState& state, Instant now, const Localization& words,
+                        AgentNames names) {
     const auto loading = std::ranges::count_if(state.snapshots, isLoading);
     if (loading > 0 && state.isRefreshing) {
         const auto all = static_cast<std::int64_t>(state.snapshots.size());
@@ -221,7 +221,7 @@ StatusLine statusLine(const UsageState& state, Instant now, const Localization& 
     }
     const std::vector<KnownAgent> agents = knownAgents(state, now);
     const bool tellsAges = commonAgeText(agents, now, words).empty();
-    const StatusLine line = verdict(state, agents, tellsAges, now, words, names);
+    const VerdictLine line = verdict(state, agents, tellsAges, now, words, names);
     return {withTime(line.text, state, agents, now, words),
             withTime(line.briefText, state, agents, now, words)};
 }

@@ -81,7 +81,7 @@ TEST(UsageView, ColoursMarksAndNoSentence) {
 
 TEST(CompactView, HasTwoRowsAtMostWhateverTheWidth) {
     const auto blocks = agents();
-    const StatusLine verdict{"Codex critical, Claude Code unreadable · read at 1:46 PM",
+    const VerdictLine verdict{"Codex critical, Claude Code unreadable · read at 1:46 PM",
                              "Codex critical (+1) · read at 1:46 PM"};
     for (int columns = 24; columns <= 130; ++columns) {
         const TestTerminal terminal(columns, 2);

@@ -102,7 +102,7 @@ TEST(AgentStanding, EveryPlaceTellsTheAgeOfOldFigures) {
     const std::string age = "34 min old";
 
     EXPECT_THAT(statusItemContent(state, now, english).toolTip, testing::EndsWith(", " + age));
-    EXPECT_EQ(statusLine(state, now, english).text, "Codex critical (34 min old) · as of 2:22 PM");
+    EXPECT_EQ(verdictLine(state, now, english).text, "Codex critical (34 min old) · as of 2:22 PM");
     const OverviewPageContent overview = overviewPageContent(state, now, english);
     EXPECT_EQ(overview.verdict.subject, "Codex, Session");
     EXPECT_THAT(overview.verdict.text, HasSubstr(age));

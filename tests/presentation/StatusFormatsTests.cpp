@@ -75,8 +75,8 @@ std::vector<std::pair<std::string, UsageState>> states() {
     };
 }
 
-/// The outputs as they were looked at and found good are in tests/presentation/status, a file for
-/// a format. With VELLMARK_WRITE_PAGES set they are written instead of compared.
+/// The outputs as they were looked at and found good are in tests/presentation/status-formats, a
+/// file for a format. With VELLMARK_WRITE_PAGES set they are written instead of compared.
 TEST(StatusFormats, LookAsTheyDid) {
     const auto all = states();
     const UsageState& low = all[1].second;
@@ -89,7 +89,7 @@ TEST(StatusFormats, LookAsTheyDid) {
         text += "=== in German\n" + statusOutput(reportOf(low, {}, german), format, programs);
         text += "=== followed\n" + statusStreamHead(format) +
                 statusStreamOutput(reportOf(low), format, programs);
-        const std::string file = sourceFile("tests/presentation/status/" + name + ".txt");
+        const std::string file = sourceFile("tests/presentation/status-formats/" + name + ".txt");
         if (std::getenv("VELLMARK_WRITE_PAGES") != nullptr) {
             writeFile(file, text);
         } else {

@@ -1,10 +1,10 @@
 #include "screenshots/SampleReport.h"
 #include "screenshots/SampleStates.h"
 #include "ui/QtEnvironment.h"
-#include "ui/ReportTextView.h"
-#include "ui/SupportReportView.h"
 #include "ui/kit/Label.h"
 #include "ui/kit/TextArea.h"
+#include "ui/report/ReportTextView.h"
+#include "ui/report/SupportReportView.h"
 
 #include <QAbstractButton>
 #include <QAccessible>

@@ -25,7 +25,7 @@ protected:
 private:
     void arrange();
 
-    StatusLine statusLine_;
+    VerdictLine statusLine_;
     kit::Label* name_;
     kit::Label* status_;
     kit::Button* refresh_;

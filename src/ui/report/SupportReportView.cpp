@@ -1,8 +1,6 @@
-#include "ui/SupportReportView.h"
+#include "ui/report/SupportReportView.h"
 
 #include "ui/Conversions.h"
-#include "ui/ReportProgressView.h"
-#include "ui/ReportTextView.h"
 #include "ui/kit/Button.h"
 #include "ui/kit/Field.h"
 #include "ui/kit/FigureText.h"
@@ -12,6 +10,8 @@
 #include "ui/kit/Theme.h"
 #include "ui/kit/Toggle.h"
 #include "ui/kit/WindowKeys.h"
+#include "ui/report/ReportProgressView.h"
+#include "ui/report/ReportTextView.h"
 
 #include <QKeyEvent>
 #include <QPainter>

@@ -1,12 +1,12 @@
-#include "ui/ReportTextView.h"
+#include "ui/report/ReportTextView.h"
 
 #include "text/Characters.h"
 #include "ui/Conversions.h"
-#include "ui/ReportTextAccessibility.h"
 #include "ui/kit/FigureText.h"
 #include "ui/kit/Metrics.h"
 #include "ui/kit/OverlayBar.h"
 #include "ui/kit/Theme.h"
+#include "ui/report/ReportTextAccessibility.h"
 
 #include <QAccessible>
 #include <QApplication>

@@ -1,7 +1,7 @@
-#include "ui/ReportTextAccessibility.h"
+#include "ui/report/ReportTextAccessibility.h"
 
 #include "ui/Conversions.h"
-#include "ui/ReportTextView.h"
+#include "ui/report/ReportTextView.h"
 
 #include <QAccessibleWidget>
 #include <QTextBoundaryFinder>

@@ -1,4 +1,4 @@
-#include "ui/ReportProgressView.h"
+#include "ui/report/ReportProgressView.h"
 
 #include "ui/Conversions.h"
 #include "ui/kit/Icon.h"
