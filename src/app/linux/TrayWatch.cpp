@@ -1,39 +1,15 @@
 #include "app/linux/TrayWatch.h"
 
+#include "ui/kit/linux/SelectionOwner.h"
+
 #include <QCoreApplication>
 #include <QGuiApplication>
 #include <QSystemTrayIcon>
 
-#include <cstdlib>
-#include <memory>
-#include <string_view>
 #include <utility>
 #include <xcb/xcb.h>
 
 namespace vellmark {
-namespace {
-
-struct Free {
-    void operator()(void* reply) const { std::free(reply); }
-};
-
-/// Of the first screen, like the toolkit.
-bool isTrayOwned(xcb_connection_t* connection) {
-    constexpr std::string_view name = "_NET_SYSTEM_TRAY_S0";
-    const auto atomRequest = xcb_intern_atom(connection, 0, name.size(), name.data());
-    const std::unique_ptr<xcb_intern_atom_reply_t, Free> atom(
-        xcb_intern_atom_reply(connection, atomRequest, nullptr));
-    if (!atom) {
-        return false;
-    }
-    const auto ownerRequest = xcb_get_selection_owner(connection, atom->atom);
-    const std::unique_ptr<xcb_get_selection_owner_reply_t, Free> owner(
-        xcb_get_selection_owner_reply(connection, ownerRequest, nullptr));
-    return owner && owner->owner != XCB_NONE;
-}
-
-} // namespace
-
 TrayWatch::TrayWatch(std::function<void()> onChange) : onChange_(std::move(onChange)) {
     QCoreApplication::instance()->installNativeEventFilter(this);
 }
@@ -70,7 +46,8 @@ bool isTrayAvailable() {
         return false;
     }
     const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 == nullptr || x11->connection() == nullptr || isTrayOwned(x11->connection());
+    return x11 == nullptr || x11->connection() == nullptr ||
+           kit::isSelectionOwned("_NET_SYSTEM_TRAY_S0");
 }
 
 } // namespace vellmark
