@@ -7,6 +7,8 @@
 
 #include "app/DisplayLoss.h"
 
+#include "ui/kit/linux/X11.h"
+
 #include <QCoreApplication>
 #include <QGuiApplication>
 #include <QThread>
@@ -14,7 +16,6 @@
 #include <chrono>
 #include <thread>
 #include <utility>
-#include <xcb/xcb.h>
 
 namespace vellmark {
 namespace {
@@ -33,8 +34,8 @@ QtMessageHandler& usualHandler() {
 }
 
 bool isDisplayLost(const QString& message) {
-    if (const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()) {
-        return x11->connection() != nullptr && xcb_connection_has_error(x11->connection()) != 0;
+    if (xcb_connection_t* const x11 = kit::x11Connection()) {
+        return xcb_connection_has_error(x11) != 0;
     }
     // This toolkit shows nobody its connection to a compositor.
     return QGuiApplication::platformName().startsWith(QLatin1String("wayland")) &&

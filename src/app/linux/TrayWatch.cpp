@@ -1,13 +1,11 @@
 #include "app/linux/TrayWatch.h"
 
-#include "ui/kit/linux/SelectionOwner.h"
+#include "ui/kit/linux/X11.h"
 
 #include <QCoreApplication>
-#include <QGuiApplication>
 #include <QSystemTrayIcon>
 
 #include <utility>
-#include <xcb/xcb.h>
 
 namespace vellmark {
 TrayWatch::TrayWatch(std::function<void()> onChange) : onChange_(std::move(onChange)) {
@@ -45,9 +43,8 @@ bool isTrayAvailable() {
     if (!QSystemTrayIcon::isSystemTrayAvailable()) {
         return false;
     }
-    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 == nullptr || x11->connection() == nullptr ||
-           kit::isSelectionOwned("_NET_SYSTEM_TRAY_S0");
+    xcb_connection_t* const x11 = kit::x11Connection();
+    return x11 == nullptr || kit::isSelectionOwned(x11, "_NET_SYSTEM_TRAY_S0");
 }
 
 } // namespace vellmark

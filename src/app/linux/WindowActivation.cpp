@@ -4,7 +4,8 @@
 
 #include "app/WindowActivation.h"
 
-#include <QGuiApplication>
+#include "ui/kit/linux/X11.h"
+
 #include <QWidget>
 #include <QWindow>
 
@@ -13,11 +14,9 @@
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <optional>
 #include <string_view>
 #include <utility>
-#include <xcb/xcb.h>
 
 namespace vellmark {
 namespace {
@@ -25,10 +24,6 @@ namespace {
 constexpr auto tokenVariable = "XDG_ACTIVATION_TOKEN";
 /// One that no window has used by then is of a click that opened none, and would be refused.
 constexpr std::chrono::seconds tokenLife{10};
-
-struct Free {
-    void operator()(void* reply) const { std::free(reply); }
-};
 
 struct Token {
     std::string text;
@@ -66,13 +61,15 @@ public:
 
     /// Extended Window Manager Hints: the window is asked for by an application (1) at this time.
     void activate(xcb_window_t window, const std::string& id, std::uint32_t time) {
-        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom("_NET_STARTUP_ID"),
-                            atom("UTF8_STRING"), 8, std::uint32_t(id.size()), id.data());
+        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window,
+                            kit::x11Atom(connection_, "_NET_STARTUP_ID"),
+                            kit::x11Atom(connection_, "UTF8_STRING"), 8, std::uint32_t(id.size()),
+                            id.data());
         xcb_client_message_event_t message{};
         message.response_type = XCB_CLIENT_MESSAGE;
         message.format = 32;
         message.window = window;
-        message.type = atom("_NET_ACTIVE_WINDOW");
+        message.type = kit::x11Atom(connection_, "_NET_ACTIVE_WINDOW");
         message.data.data32[0] = 1;
         message.data.data32[1] = time;
         send(message, XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
@@ -92,26 +89,18 @@ public:
         message.response_type = XCB_CLIENT_MESSAGE;
         message.format = 8;
         message.window = sender;
-        message.type = atom("_NET_STARTUP_INFO_BEGIN");
+        message.type = kit::x11Atom(connection_, "_NET_STARTUP_INFO_BEGIN");
         // With the null byte that ends it.
         for (std::size_t at = 0; at <= words.size(); at += sizeof message.data.data8) {
             std::memset(message.data.data8, 0, sizeof message.data.data8);
             words.copy(reinterpret_cast<char*>(message.data.data8), sizeof message.data.data8, at);
             send(message, XCB_EVENT_MASK_PROPERTY_CHANGE);
-            message.type = atom("_NET_STARTUP_INFO");
+            message.type = kit::x11Atom(connection_, "_NET_STARTUP_INFO");
         }
         xcb_flush(connection_);
     }
 
 private:
-    xcb_atom_t atom(std::string_view name) {
-        const auto request =
-            xcb_intern_atom(connection_, 0, std::uint16_t(name.size()), name.data());
-        const std::unique_ptr<xcb_intern_atom_reply_t, Free> reply(
-            xcb_intern_atom_reply(connection_, request, nullptr));
-        return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
-    }
-
     void send(const xcb_client_message_event_t& message, std::uint32_t mask) {
         xcb_send_event(connection_, 0, root_, mask, reinterpret_cast<const char*>(&message));
     }
@@ -119,11 +108,6 @@ private:
     xcb_connection_t* connection_;
     xcb_window_t root_;
 };
-
-xcb_connection_t* x11Connection() {
-    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 != nullptr ? x11->connection() : nullptr;
-}
 
 } // namespace
 
@@ -133,7 +117,7 @@ void setActivationToken(const std::string& token) {
 
 void bringToFront(QWidget& window) {
     const std::string token = takeToken();
-    xcb_connection_t* const connection = x11Connection();
+    xcb_connection_t* const connection = kit::x11Connection();
     if (connection == nullptr) {
         // Here the toolkit looks for it when a window asks to be activated. Nothing else of the
         // program reads the variable, and agents get the environment of the start.
