@@ -19,6 +19,9 @@ namespace {
 constexpr FileLock::Seconds lockPatience{1};
 /// Some agents with some windows each take a few thousand bytes.
 constexpr std::size_t mostBytes = std::size_t{16} << 20;
+/// An agent has one. What holds more is nothing that was written here, and each entry that is none
+/// would be told.
+constexpr std::size_t mostReadings = 1000;
 
 /// What the file holds, each reading by itself.
 struct StoredReadings {
@@ -48,7 +51,7 @@ StoredReadings load(const std::filesystem::path& file) {
     } catch (const JSONDecodingError&) {
         document = nullptr;
     }
-    if (!document.is_array()) {
+    if (!document.is_array() || document.size() > mostReadings) {
         stored.isDamaged = true;
         return stored;
     }

@@ -53,7 +53,7 @@ constexpr double expectedGrowth = 12;
 constexpr double allowedGrowth = 20;
 /// What takes less is as good as nothing, and its growth is chance.
 constexpr double leastSeconds = 0.003;
-/// Rounds until the growth is as expected: what disturbs a measurement makes it longer, and seldom
+/// Rounds until the times are as expected: what disturbs a measurement makes it longer, and seldom
 /// each time.
 constexpr int rounds = 5;
 constexpr double hopelessGrowth = 60;
@@ -297,7 +297,7 @@ struct Times {
     double growth = 0;
 };
 
-/// By the quickest of the reader's runs. Ends as soon as the growth is as expected.
+/// By the quickest of the reader's runs. Ends as soon as both are as expected.
 Times timesOf(const ForeignReader& reader, const Input& input) {
     const std::string shortText = input.make(shortSize);
     if (isSanitized) {
@@ -314,7 +314,8 @@ Times timesOf(const ForeignReader& reader, const Input& input) {
         }
         times.longest = std::min(times.longest, secondsOf(reader, longText));
         times.growth = times.longest / std::max(shortTime, leastSeconds);
-        if (times.growth <= expectedGrowth || times.growth > hopelessGrowth) {
+        const bool isAsExpected = times.growth <= expectedGrowth && times.longest <= mostSeconds;
+        if (isAsExpected || times.growth > hopelessGrowth) {
             break;
         }
     }

@@ -332,6 +332,11 @@ private:
 } // namespace
 
 std::optional<CodexReply> parseCodexReply(std::string_view line) {
+    // The parser needs longer to say why such a line is none: a megabyte may hold a million of
+    // them.
+    if (line.find('{') == line.npos) {
+        return std::nullopt;
+    }
     ReplyReader reader;
     if (!nlohmann::json::sax_parse(line.begin(), line.end(), &reader)) {
         return std::nullopt;
