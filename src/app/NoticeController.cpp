@@ -34,12 +34,8 @@ NoticeMemory keptMemory(const Machine& machine, std::error_code& error) {
 }
 
 NotificationIcon icon() {
-    const QImage image = applicationIcon()
-                             .pixmap(iconSide, iconSide)
-                             .toImage()
-                             .convertToFormat(QImage::Format_ARGB32);
-    NotificationIcon result{.side = image.width() == image.height() ? image.width() : 0,
-                            .pixels = {}};
+    const QImage image = applicationImage(iconSide).convertToFormat(QImage::Format_ARGB32);
+    NotificationIcon result{.side = iconSide, .pixels = {}};
     for (int y = 0; y < result.side; ++y) {
         for (int x = 0; x < result.side; ++x) {
             result.pixels.push_back(image.pixel(x, y));

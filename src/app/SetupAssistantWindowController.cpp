@@ -3,7 +3,6 @@
 #include "setup/SetupTraces.h"
 #include "setup/TerminalWindow.h"
 #include "ui/Conversions.h"
-#include "ui/GlyphPainter.h"
 #include "ui/setup/SetupAssistantView.h"
 #include "ui/window/TitleBar.h"
 
@@ -88,7 +87,6 @@ void SetupAssistantWindowController::show(const std::optional<AgentProviderID>& 
 std::unique_ptr<QWidget> SetupAssistantWindowController::makeWindow() {
     auto window = std::make_unique<SetupAssistantView>(model_.actions());
     window->setContent(model_.content());
-    window->setWindowIcon(applicationIcon());
     if (const int buttonsHeight = reachUnderTitleBar(*window)) {
         window->setTopInset(buttonsHeight);
     }

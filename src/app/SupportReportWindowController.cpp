@@ -73,7 +73,7 @@ std::unique_ptr<QWidget> SupportReportWindowController::makeView() {
         .mail = [this] { model_.mail(); },
         .showFile = [this] { model_.showFile(); }});
     view_ = view.get();
-    sources_.prepare(*view);
+    sources_.attachMenu(*view);
     update();
     return view;
 }

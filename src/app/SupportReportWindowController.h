@@ -28,8 +28,8 @@ public:
         Preferences& preferences;
         LanguageManager& language;
         WindowPresenceController& presence;
-        /// Gives a fresh window what all windows have: menu and icon.
-        std::function<void(QWidget&)> prepare;
+        /// Gives a fresh window the menu that all windows have.
+        std::function<void(QWidget&)> attachMenu;
     };
     explicit SupportReportWindowController(Sources sources);
     ~SupportReportWindowController();

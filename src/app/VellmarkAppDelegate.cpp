@@ -15,7 +15,6 @@
 #include "text/TerminalText.h"
 #include "ui/AboutWindow.h"
 #include "ui/Conversions.h"
-#include "ui/GlyphPainter.h"
 #include "ui/LegalWindow.h"
 #include "ui/kit/Motion.h"
 #include "ui/kit/Theme.h"
@@ -272,17 +271,15 @@ void VellmarkAppDelegate::createStatusItem() {
             .presence = windowPresence_,
             .attachMenu = [this](QWidget& window) { mainMenu_.attach(window); },
             .onClose = [this] { setupClosed(); }});
-    supportReport_ = std::make_unique<SupportReportWindowController>(
-        SupportReportWindowController::Sources{.store = *store_,
-                                               .machine = machine_,
-                                               .executor = executor_,
-                                               .preferences = *preferences_,
-                                               .language = language_,
-                                               .presence = windowPresence_,
-                                               .prepare = [this](QWidget& window) {
-                                                   window.setWindowIcon(applicationIcon());
-                                                   mainMenu_.attach(window);
-                                               }});
+    supportReport_ =
+        std::make_unique<SupportReportWindowController>(SupportReportWindowController::Sources{
+            .store = *store_,
+            .machine = machine_,
+            .executor = executor_,
+            .preferences = *preferences_,
+            .language = language_,
+            .presence = windowPresence_,
+            .attachMenu = [this](QWidget& window) { mainMenu_.attach(window); }});
     statusItem_ =
         makeStatusItem(loop_, *preferences_,
                        {.toggle = [this](const QRect& anchor) { togglePopoverAt(anchor); },
@@ -594,7 +591,6 @@ void VellmarkAppDelegate::updateLegalWindow() {
 
 std::unique_ptr<QWidget> VellmarkAppDelegate::makeMainWindow() {
     auto window = std::make_unique<AgentMainWindowView>(pages_->actions(), navigation_);
-    window->setWindowIcon(applicationIcon());
     if (const int buttonsHeight = reachUnderTitleBar(*window)) {
         window->setTopInset(buttonsHeight);
     }
@@ -606,7 +602,6 @@ std::unique_ptr<QWidget> VellmarkAppDelegate::makeMainWindow() {
 std::unique_ptr<QWidget> VellmarkAppDelegate::makeAboutWindow() {
     auto window = std::make_unique<AboutWindow>(pages_->actions().about);
     window->setContent(aboutPageContent(words()));
-    window->setWindowIcon(applicationIcon());
     mainMenu_.attach(*window);
     return window;
 }
@@ -625,7 +620,6 @@ std::unique_ptr<QWidget> VellmarkAppDelegate::makeLegalWindow() {
                                                                    updateLegalWindow();
                                                                }});
     window->setContent(legalWindowContent(shownLegal_, legal_.needsNotice(), words()));
-    window->setWindowIcon(applicationIcon());
     mainMenu_.attach(*window);
     return window;
 }

@@ -15,6 +15,7 @@
 #include "process/ChildWatcher.h"
 #include "store/DemoHistory.h"
 #include "text/TerminalText.h"
+#include "ui/GlyphPainter.h"
 #include "ui/kit/ToolTip.h"
 
 #include <QApplication>
@@ -145,6 +146,8 @@ int runProgram(int argc, char** argv) {
     const std::unique_ptr<QApplication> application = makeApplication(argc, argv);
     // Nothing in our layouts mirrors, so nothing of the toolkit's may.
     QApplication::setLayoutDirection(Qt::LeftToRight);
+    // Once for all windows: the toolkit keeps copies of each icon that it was given.
+    QApplication::setWindowIcon(applicationIcon());
     kit::useToolTips();
     try {
         return runOnChosenMachine(*application, options, machine);

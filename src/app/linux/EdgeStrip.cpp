@@ -85,7 +85,6 @@ EdgeStrip::EdgeStrip(Preferences& preferences, Events events)
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_QuitOnClose, false);
     setWindowTitle(QGuiApplication::applicationDisplayName());
-    setWindowIcon(applicationIcon());
     // The strip's window is never the active one.
     setAttribute(Qt::WA_AlwaysShowToolTips);
     connect(this, &QAbstractButton::clicked, this, [this] { events_.toggle(geometry()); });
