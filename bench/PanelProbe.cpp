@@ -393,7 +393,7 @@ void measureIdle(const Program& program) {
         const auto known = first.find(thread);
         switches += count - (known != first.end() ? known->second : 0);
     }
-    printLimited("wake-ups in 60 s idle", static_cast<double>(moments), "", 2,
+    printLimited("wake-ups in 60 s idle", static_cast<double>(moments), "", 1,
                  std::to_string(switches) + " times one of its threads waited");
     print("processor in 60 s idle", program.processorMilliseconds() - processor, "ms");
 }

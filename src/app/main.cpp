@@ -19,6 +19,7 @@
 #include "ui/kit/ToolTip.h"
 
 #include <QApplication>
+#include <QThreadPool>
 
 #include <cstdio>
 #include <cstdlib>
@@ -35,6 +36,7 @@ namespace {
 using namespace vellmark;
 
 constexpr int wrongUse = 2;
+constexpr int painterThreadsIdle = 5; // ms
 
 constexpr auto usage =
     "usage: vellmark-desktop [--show-window | --show-about | --show-popover] [--demo]\n"
@@ -146,6 +148,8 @@ int runProgram(int argc, char** argv) {
     const std::unique_ptr<QApplication> application = makeApplication(argc, argv);
     // Nothing in our layouts mirrors, so nothing of the toolkit's may.
     QApplication::setLayoutDirection(Qt::LeftToRight);
+    // The painter's threads would wake up once more to end, half a minute after each drawing.
+    QThreadPool::globalInstance()->setExpiryTimeout(painterThreadsIdle);
     // Once for all windows: the toolkit keeps copies of each icon that it was given.
     QApplication::setWindowIcon(applicationIcon());
     kit::useToolTips();

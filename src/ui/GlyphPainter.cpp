@@ -3,8 +3,12 @@
 #include "ui/Conversions.h"
 #include "ui/kit/Theme.h"
 
+#include <QIconEngine>
 #include <QPainter>
 #include <QPainterPath>
+
+#include <algorithm>
+#include <map>
 
 namespace vellmark {
 namespace {
@@ -46,6 +50,33 @@ void paintMark(QPainter& painter, const QPointF& origin, double side, const Glyp
         break;
     }
 }
+
+/// Draws a size when the first window asks for it: at launch, before there is any, it costs
+/// nothing.
+class ApplicationIconEngine final : public QIconEngine {
+public:
+    QIconEngine* clone() const override { return new ApplicationIconEngine(*this); }
+
+    QList<QSize> availableSizes(QIcon::Mode, QIcon::State) override {
+        return {{16, 16}, {32, 32}, {48, 48}, {128, 128}};
+    }
+
+    QPixmap pixmap(const QSize& size, QIcon::Mode, QIcon::State) override {
+        QPixmap& drawn = drawn_[std::min(size.width(), size.height())];
+        if (drawn.isNull()) {
+            drawn = QPixmap::fromImage(applicationImage(std::min(size.width(), size.height())));
+        }
+        return drawn;
+    }
+
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode,
+               QIcon::State state) override {
+        painter->drawPixmap(rect, pixmap(rect.size(), mode, state));
+    }
+
+private:
+    std::map<int, QPixmap> drawn_;
+};
 
 } // namespace
 
@@ -95,11 +126,7 @@ QImage applicationImage(int side) {
 }
 
 QIcon applicationIcon() {
-    QIcon icon;
-    for (const int side : {16, 32, 48, 128}) {
-        icon.addPixmap(QPixmap::fromImage(applicationImage(side)));
-    }
-    return icon;
+    return QIcon(new ApplicationIconEngine);
 }
 
 QColor statusQColor(StatusColorRole role, bool onDark) {
