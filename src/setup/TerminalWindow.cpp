@@ -150,7 +150,10 @@ private:
     static std::vector<std::string> environmentOf(const Machine& machine) {
         std::vector<std::string> variables;
         for (const auto& [name, value] : machine.environment) {
-            variables.push_back(name + "=" + value);
+            // What told this program of its own start, and would mislead another's.
+            if (name != "XDG_ACTIVATION_TOKEN" && name != "DESKTOP_STARTUP_ID") {
+                variables.push_back(name + "=" + value);
+            }
         }
         return variables;
     }

@@ -62,11 +62,13 @@ protected:
 
 TEST_F(TerminalWindowTest, TellsHowTheScriptEndedAndLeavesNoFile) {
     machine.environment["HOME"] = "/nonexistent"; // as a terminal has it that ran before
-    auto run =
-        open("echo at $HOME; cat " + (directory / "gate").string() + " && exit 6", {working()});
+    machine.environment["XDG_ACTIVATION_TOKEN"] = "of this program's start";
+    auto run = open("echo at $HOME$XDG_ACTIVATION_TOKEN; cat " + (directory / "gate").string() +
+                        " && exit 6",
+                    {working()});
     EXPECT_EQ(run->look(start).stage, Stage::opening);
     EXPECT_TRUE(becomes(*run, {Stage::ended, 1})) << contentOf(directory / "screen");
-    EXPECT_THAT(contentOf(directory / "screen"), HasSubstr("at " + machine.home.string()));
+    EXPECT_THAT(contentOf(directory / "screen"), HasSubstr("at " + machine.home.string() + "\n"));
     EXPECT_TRUE(becomesTrue(
         [&] { return contentOf(directory / "screen").find("l'end") != std::string::npos; }));
     directory.write("gate", "");
