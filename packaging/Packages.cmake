@@ -33,7 +33,7 @@ set(CPACK_DEBIAN_DESKTOP_PACKAGE_NAME vellmark-desktop)
 # Qt's plugin for X11 is loaded at run time, where shlibdeps does not see it.
 set(CPACK_DEBIAN_DESKTOP_PACKAGE_DEPENDS "vellmark (= ${PROJECT_VERSION}), qt6-qpa-plugins")
 set(CPACK_DEBIAN_DESKTOP_PACKAGE_RECOMMENDS
-    "default-dbus-session-bus | dbus-session-bus, qt6-wayland, xdg-utils")
+    "default-dbus-session-bus | dbus-session-bus, qt6-translations-l10n, qt6-wayland, xdg-utils")
 set(CPACK_DEBIAN_DESKTOP_DESCRIPTION "${desktop_summary}\n${about}
 .
 This package has the desktop application.")

@@ -25,7 +25,7 @@ debian_packages() {
     desktop) echo "qt6-base-dev qt6-qpa-plugins libxcb1-dev" ;;
     tests) echo "libgtest-dev libgmock-dev libbenchmark-dev zsh fish dbus procps xvfb xauth xdotool xterm
                  imagemagick dunst xfce4-panel fonts-inter git mandoc x11-utils qt6-wayland sway grim
-                 wtype wl-clipboard mako-notifier" ;;
+                 wtype wl-clipboard mako-notifier qt6-translations-l10n" ;;
     metrics) echo "prometheus python3" ;;
     checks) echo "clang-16 llvm-16 libc++-16-dev libc++abi-16-dev libclang-rt-16-dev gobjc++
                   libgnustep-gui-dev libblocksruntime-dev" ;;

@@ -1,0 +1,23 @@
+#include "app/ToolkitTexts.h"
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QLibraryInfo>
+
+namespace vellmark::tests {
+
+TEST(ToolkitTexts, TheFileDialogSpeaksTheLanguageOfTheApplication) {
+    if (!QFile::exists(QLibraryInfo::path(QLibraryInfo::TranslationsPath) + "/qtbase_fr.qm")) {
+        GTEST_SKIP() << "the toolkit's translations are not installed";
+    }
+    ToolkitTexts texts;
+    texts.setWords(Localization("de"));
+    EXPECT_EQ(texts.translate("QFileDialog", "Look in:", nullptr, -1), "Suchen in:");
+    texts.setWords(Localization("fr"));
+    EXPECT_EQ(texts.translate("QFileDialog", "File &name:", nullptr, -1), "&Nom de fichier :");
+    // Ours come first.
+    EXPECT_EQ(texts.translate("QPlatformTheme", "Cancel", nullptr, -1), "Annuler");
+}
+
+} // namespace vellmark::tests
