@@ -58,7 +58,12 @@ public:
     QIconEngine* clone() const override { return new ApplicationIconEngine(*this); }
 
     QList<QSize> availableSizes(QIcon::Mode, QIcon::State) override {
-        return {{16, 16}, {32, 32}, {48, 48}, {128, 128}};
+        QList<QSize> sizes{{16, 16}, {32, 32}, {48, 48}, {128, 128}};
+#ifdef Q_OS_MACOS
+        // The Dock shows it in place of the bundle's, up to this size.
+        sizes << QSize(256, 256) << QSize(512, 512);
+#endif
+        return sizes;
     }
 
     QPixmap pixmap(const QSize& size, QIcon::Mode, QIcon::State) override {

@@ -62,7 +62,7 @@ private:
     MainWindowActions actions_;
     AgentNavigationState& navigation_;
     Sidebar* sidebar_;
-    /// By the page's kind and that of its content: a page may have nothing but a head.
+    /// Made when they are first shown.
     std::map<AgentPage::Kind, WindowPage*> pages_;
     WindowPage* page_ = nullptr;
     AgentPage shown_;
