@@ -143,7 +143,8 @@ struct Parser {
                                                                    : words.text(detailKey),
                                        .arguments = argumentsOf(declared),
                                        .options = optionsOf(declared),
-                                       .isHidden = subcommand->isHidden()};
+                                       .isHidden = subcommand->isHidden(),
+                                       .hasDemo = subcommand->hasDemo()};
             for (OptionDescription& option : command.options) {
                 option.choices = subcommand->choices(option.names.back());
             }
@@ -157,7 +158,8 @@ struct Parser {
                                     .detail = {},
                                     .arguments = argumentsOf(*app.get_subcommand(helpSubcommand)),
                                     .options = {},
-                                    .isHidden = false});
+                                    .isHidden = false,
+                                    .hasDemo = false});
         return program;
     }
 
@@ -192,7 +194,8 @@ struct Parser {
                                command.synopsis()),
                 .sections = {std::move(arguments),
                              {words.text("cli.help.group.options"), entriesOf(command.options)},
-                             {words.text("cli.help.group.global"), entriesOf(program.options)}},
+                             {words.text("cli.help.group.global"),
+                              entriesOf(program.optionsFor(command))}},
                 .detail = command.detail};
     }
 
