@@ -1,5 +1,7 @@
 #include "cli/ManPage.h"
 
+#include "presentation/LaunchHelp.h"
+
 #include <algorithm>
 #include <cctype>
 #include <string_view>
