@@ -11,6 +11,7 @@
 #include "platform/UnusedMemory.h"
 #include "platform/UserLocale.h"
 #include "presentation/LanguageManager.h"
+#include "presentation/LaunchHelp.h"
 #include "probes/DemoSandbox.h"
 #include "process/ChildWatcher.h"
 #include "store/DemoHistory.h"
@@ -38,10 +39,7 @@ using namespace vellmark;
 constexpr int wrongUse = 2;
 constexpr int painterThreadsIdle = 5; // ms
 
-constexpr auto usage =
-    "usage: vellmark-desktop [--show-window | --show-about | --show-popover] [--demo]\n"
-    "                        [--sandbox DIR] [--notices] [--language de|en|fr|it|es]\n"
-    "       vellmark-desktop --render-glyph USED ELAPSED SIZE FILE.png\n";
+constexpr std::size_t terminalColumns = 80;
 
 void report(const std::string& message) {
     std::fprintf(stderr, "vellmark-desktop: %s\n", message.c_str());
@@ -108,22 +106,15 @@ int runProgram(int argc, char** argv) {
     if (!arguments.empty() && arguments.front() == "--render-glyph") {
         return renderGlyph({arguments.begin() + 1, arguments.end()});
     }
-    if (!arguments.empty() && arguments.front() == "--help") {
-        std::fputs(usage, stdout);
-        return 0;
-    }
-    if (!arguments.empty() && arguments.front() == "--version") {
-        std::puts("Vellmark " VELLMARK_VERSION);
-        return 0;
-    }
     // Before this process changes its own environment: agents get the user's.
     const Machine machine = Machine::current();
     const auto options = LaunchOptions::parse(arguments, machine.environment);
     const Localization words =
         localizationFor(UserLocale::of(machine.environment), options.language);
-    const auto refuse = [](const std::string& message) {
+    const auto refuse = [&words](const std::string& message) {
         report(message);
-        std::fputs(usage, stderr);
+        std::fprintf(stderr, "%s\n",
+                     words.format("cli.error.hint", {"vellmark-desktop --help"}).c_str());
         return wrongUse;
     };
     if (!options.offendingArgument.empty()) {
@@ -133,6 +124,15 @@ int runProgram(int argc, char** argv) {
     if (!options.language.empty() && !Localization::hasLanguage(options.language)) {
         return refuse(
             words.format("cli.error.language", {singleLine(options.language), languageList(", ")}));
+    }
+
+    if (options.asksForHelp) {
+        std::fputs(launchHelp(words, terminalColumns).c_str(), stdout);
+        return 0;
+    }
+    if (options.asksForVersion) {
+        std::puts("Vellmark " VELLMARK_VERSION);
+        return 0;
     }
 
     if (!startChildWatcher()) {

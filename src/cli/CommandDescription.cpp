@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <iterator>
 
 namespace vellmark {
 namespace {
@@ -27,12 +28,24 @@ std::string ArgumentDescription::term() const {
     return isRequired ? term : "[" + term + "]";
 }
 
+bool CommandDescription::takes(const OptionDescription& option) const {
+    return hasDemo || option.names.back() != "--demo";
+}
+
 std::string CommandDescription::synopsis() const {
     std::string synopsis;
     for (const ArgumentDescription& argument : arguments) {
         synopsis += " " + argument.term();
     }
     return synopsis;
+}
+
+std::vector<OptionDescription>
+ProgramDescription::optionsFor(const CommandDescription& command) const {
+    std::vector<OptionDescription> taken;
+    std::ranges::copy_if(options, std::back_inserter(taken),
+                         [&](const OptionDescription& option) { return command.takes(option); });
+    return taken;
 }
 
 const CommandDescription* ProgramDescription::find(const std::string& command) const {

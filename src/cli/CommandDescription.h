@@ -45,7 +45,11 @@ struct CommandDescription {
     std::vector<OptionDescription> options;
     /// Nobody types it: not in the help.
     bool isHidden = false;
+    /// Takes "--demo".
+    bool hasDemo = true;
 
+    /// Whether one of the options for every command has an effect here.
+    bool takes(const OptionDescription& option) const;
     /// " TASK [FILE]".
     std::string synopsis() const;
 };
@@ -59,6 +63,8 @@ struct ProgramDescription {
     /// In the order of the help.
     std::vector<CommandDescription> commands;
 
+    /// The options for every command, as far as this one takes them.
+    std::vector<OptionDescription> optionsFor(const CommandDescription& command) const;
     /// Null when there is no such command. Valid as long as the description.
     const CommandDescription* find(const std::string& command) const;
 };

@@ -143,7 +143,8 @@ struct Parser {
                                                                    : words.text(detailKey),
                                        .arguments = argumentsOf(declared),
                                        .options = optionsOf(declared),
-                                       .isHidden = subcommand->isHidden()};
+                                       .isHidden = subcommand->isHidden(),
+                                       .hasDemo = subcommand->hasDemo()};
             for (OptionDescription& option : command.options) {
                 option.choices = subcommand->choices(option.names.back());
             }
@@ -157,7 +158,8 @@ struct Parser {
                                     .detail = {},
                                     .arguments = argumentsOf(*app.get_subcommand(helpSubcommand)),
                                     .options = {},
-                                    .isHidden = false});
+                                    .isHidden = false,
+                                    .hasDemo = false});
         return program;
     }
 
@@ -192,7 +194,8 @@ struct Parser {
                                command.synopsis()),
                 .sections = {std::move(arguments),
                              {words.text("cli.help.group.options"), entriesOf(command.options)},
-                             {words.text("cli.help.group.global"), entriesOf(program.options)}},
+                             {words.text("cli.help.group.global"),
+                              entriesOf(program.optionsFor(command))}},
                 .detail = command.detail};
     }
 
@@ -288,6 +291,19 @@ CommandLineFault faultOf(const CLI::ParseError& error, const std::vector<std::st
     return {words.format("cli.error.invalid", {singleLine(message)}), hint};
 }
 
+/// "--name=" with nothing behind it, for which the parser would take the next word.
+void checkValues(const std::vector<std::string>& arguments, const Localization& words) {
+    for (const std::string& argument : arguments) {
+        if (argument == "--") {
+            return;
+        }
+        if (argument.starts_with("--") && argument.find('=') == argument.size() - 1) {
+            throw CommandLineFault{words.format("cli.error.valueMissing", {singleLine(argument)}),
+                                   helpHint({}, words)};
+        }
+    }
+}
+
 HelpPage helpAbout(const std::string& topic, const Parser& parser) {
     if (parser.find(topic) != nullptr) {
         return Parser(parser.subcommands, parser.words).help(topic);
@@ -325,6 +341,9 @@ void checkGlobalOptions(const Parser& parser, const Subcommand* subcommand) {
         refuse(
             words.format("cli.error.language", {singleLine(*parser.language), languageList(", ")}));
     }
+    if (parser.sandbox && parser.sandbox->empty()) {
+        refuse(words.format("cli.error.valueMissing", {"--sandbox"}));
+    }
     if (parser.demo && parser.sandbox) {
         refuse(words.format("cli.error.noEffect", {"--sandbox", "--demo"}));
     }
@@ -361,6 +380,7 @@ std::string helpHint(const std::string& subcommand, const Localization& words) {
 CommandLine parseCommandLine(std::vector<std::string> arguments,
                              const std::vector<std::unique_ptr<Subcommand>>& subcommands,
                              const Localization& words) {
+    checkValues(arguments, words);
     const bool isDefault = meansDefault(arguments, subcommands);
     if (isDefault) {
         arguments.insert(arguments.begin(), defaultSubcommand);

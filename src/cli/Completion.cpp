@@ -54,7 +54,9 @@ public:
             }
         }
         for (const OptionDescription& option : program_.options) {
-            all.push_back(&option);
+            if (command == nullptr || command->takes(option)) {
+                all.push_back(&option);
+            }
         }
         return all;
     }

@@ -1,5 +1,7 @@
 #include "cli/ManPage.h"
 
+#include "presentation/LaunchHelp.h"
+
 #include <algorithm>
 #include <cctype>
 #include <string_view>
@@ -160,28 +162,21 @@ void commandSections(Page& page, const CommandDescription& command,
         }
     }
     page.options("man.section.options", command.options);
-    page.options("man.section.global", program.options);
+    page.options("man.section.global", program.optionsFor(command));
     page.exitStatus();
     page.section("man.section.seeAlso");
     page.line(typed("vellmark") + "(1)");
 }
 
-/// The desktop application's options, as its --help has them.
+/// The desktop application's options, as its own help has them.
 std::vector<OptionDescription> desktopOptions(const Localization& words) {
-    const auto option = [&](const char* name, const char* placeholder, const char* key) {
-        return OptionDescription{
-            .names = {name}, .placeholder = placeholder, .text = words.text(key)};
-    };
-    return {option("--show-window", "", "man.desktop.showWindow"),
-            option("--show-about", "", "man.desktop.showAbout"),
-            option("--show-popover", "", "man.desktop.showPopover"),
-            option("--demo", "", "cli.help.demo"),
-            option("--sandbox", "DIR", "cli.help.sandbox"),
-            option("--notices", "", "man.desktop.notices"),
-            option("--language", "LANG", "man.desktop.language"),
-            option("--render-glyph", "USED ELAPSED SIZE FILE.png", "man.desktop.renderGlyph"),
-            option("--help", "", "cli.help.help"),
-            option("--version", "", "cli.help.version")};
+    std::vector<OptionDescription> options;
+    for (const LaunchOptionHelp& option : launchOptionHelp()) {
+        options.push_back({.names = {option.names},
+                           .placeholder = option.placeholder,
+                           .text = words.text(option.textKey)});
+    }
+    return options;
 }
 
 } // namespace

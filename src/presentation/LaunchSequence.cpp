@@ -13,20 +13,24 @@ LaunchOptions LaunchOptions::parse(std::span<const std::string> arguments,
             options.activationToken = token->second;
         }
     }
+    bool mayBeForeignValue = false;
     for (std::size_t index = 0; index < arguments.size(); ++index) {
         const std::string_view argument = arguments[index];
-        // "--name value" and "--name=value".
+        // "--name value" and "--name=value", neither of them empty: an empty directory would mean
+        // the machine itself.
         const auto value = [&](std::string_view name, std::string& target) {
-            if (argument == name && index + 1 < arguments.size()) {
+            if (argument == name && index + 1 < arguments.size() && !arguments[index + 1].empty() &&
+                !arguments[index + 1].starts_with("--")) {
                 target = arguments[++index];
-            } else if (argument.starts_with(name) &&
-                       argument.substr(name.size()).starts_with('=')) {
+            } else if (argument.starts_with(name) && argument.size() > name.size() + 1 &&
+                       argument[name.size()] == '=') {
                 target = argument.substr(name.size() + 1);
             } else {
                 return false;
             }
             return true;
         };
+        const bool isForeign = argument.starts_with('-') && !argument.starts_with("--");
         if (argument == "--show-window") {
             options.showsWindow = true;
         } else if (argument == "--show-about") {
@@ -37,10 +41,16 @@ LaunchOptions LaunchOptions::parse(std::span<const std::string> arguments,
             options.isDemo = true;
         } else if (argument == "--notices") {
             options.postsNotices = true;
+        } else if (argument == "--help" || argument == "-h") {
+            options.asksForHelp = true;
+        } else if (argument == "--version" || argument == "-V") {
+            options.asksForVersion = true;
         } else if (!value("--sandbox", options.sandbox) && !value("--language", options.language) &&
-                   argument.starts_with("--")) {
+                   !isForeign && (argument.starts_with("--") || !mayBeForeignValue) &&
+                   options.offendingArgument.empty()) {
             options.offendingArgument = argument;
         }
+        mayBeForeignValue = isForeign;
     }
     return options;
 }

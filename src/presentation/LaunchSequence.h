@@ -25,11 +25,14 @@ struct LaunchOptions {
     std::string language;
     /// The desktop's leave to take the keyboard; empty without one.
     std::string activationToken;
-    /// An option that is not known or lacks its value; empty when all is well.
+    /// The help, or the version, is printed and nothing started.
+    bool asksForHelp = false;
+    bool asksForVersion = false;
+    /// An argument that is not known, or an option without its value; empty when all is well.
     std::string offendingArgument;
 
     /// `arguments` without the program's name. Those with a single dash are the toolkit's and the
-    /// system's own.
+    /// system's own, and so is what stands behind one of them.
     static LaunchOptions parse(std::span<const std::string> arguments,
                                const Environment& environment);
     bool operator==(const LaunchOptions&) const = default;

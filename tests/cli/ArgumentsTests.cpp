@@ -21,6 +21,8 @@ TEST(Arguments, WrongOnesSayWhatAndWhereToReadMoreOnTheErrorStreamAlone) {
         {{"--colour=never"}, "\"--colour\". Did you mean \"--color\"?", "usage --help"},
         {{"--color", "blue", "help"}, "\"blue\"", "vellmark --help"},
         {{"--demo", "--sandbox", "/tmp", "usage"}, "\"--sandbox\" has no effect", "--help"},
+        {{"--sandbox=", "agents"}, "Wrong number of values for \"--sandbox=\"", "--help"},
+        {{"--sandbox", "", "agents"}, "Wrong number of values for \"--sandbox\"", "--help"},
         {{"--demo", "redact"}, "\"--demo\" has no effect together with \"redact\"", "--help"},
         {{"status", "--cached", "--snapshots", "-"}, "\"--cached\" has no effect", "status"},
         {{"inspect", "codex", "--log", "x"}, "\"--log\" has no effect", "inspect --help"},

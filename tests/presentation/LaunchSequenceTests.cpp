@@ -1,3 +1,4 @@
+#include "presentation/LaunchHelp.h"
 #include "presentation/LaunchSequence.h"
 
 #include <gtest/gtest.h>
@@ -78,7 +79,24 @@ TEST(LaunchOptions, ReadsTheCommandLine) {
               (LaunchOptions{.sandbox = "/a b", .language = "de"}));
     EXPECT_TRUE(parse({"--demo", "--notices"}).postsNotices);
     EXPECT_EQ(parse({"-platform", "offscreen"}), LaunchOptions());
-    EXPECT_EQ(parse({"--sandbox"}).offendingArgument, "--sandbox");
+    EXPECT_TRUE(parse({"--demo", "--help"}).asksForHelp);
+    EXPECT_TRUE(parse({"-V"}).asksForVersion);
+    for (const char* alone : {"--sandbox", "--sandbox=", "--language=", "window", "--helps"}) {
+        EXPECT_EQ(parse({"--demo", alone}).offendingArgument, alone);
+    }
+    for (const char* none : {"", "--demo"}) {
+        EXPECT_EQ(parse({"--sandbox", none}).offendingArgument, "--sandbox")
+            << "else it would be the machine itself";
+    }
+    // The picture's option is looked for before all others, and alone.
+    for (const LaunchOptionHelp& option : launchOptionHelp()) {
+        const std::string names = option.names;
+        if (names != "--render-glyph") {
+            EXPECT_EQ(parse({names.substr(names.find("--")), "en"}).offendingArgument,
+                      *option.placeholder == 0 ? "en" : "")
+                << names;
+        }
+    }
     EXPECT_EQ(parse({"--sandboxes=/x"}).offendingArgument, "--sandboxes=/x");
     EXPECT_TRUE(LaunchOptions::parse({}, {{"XCTestConfigurationFilePath", ""}}).isRunningTests);
 }

@@ -1,6 +1,8 @@
+#include "presentation/HistoryPageContent.h"
 #include "presentation/MainWindowContent.h"
 #include "presentation/OverviewPageContent.h"
 #include "presentation/PopoverContent.h"
+#include "screenshots/SampleHistory.h"
 #include "screenshots/SampleSetup.h"
 #include "screenshots/SampleStates.h"
 #include "ui/ForecastLine.h"
@@ -10,6 +12,9 @@
 #include "ui/popover/AgentUsagePopoverView.h"
 #include "ui/setup/SetupAssistantView.h"
 #include "ui/window/AgentMainWindowView.h"
+#include "ui/window/HistoryCards.h"
+#include "ui/window/HistoryPage.h"
+#include "ui/window/Sidebar.h"
 
 #include <QAbstractButton>
 #include <QCoreApplication>
@@ -112,6 +117,29 @@ TEST_P(Fitting, Overview) {
         view.show();
         settle();
         expectAllFits(view, name);
+    }
+}
+
+TEST_P(Fitting, HistoryFigures) {
+    const AgentUIActions program;
+    const HistoryPageActions actions;
+    UsageState state = samples::normal();
+    UsageHistory history;
+    samples::addHistory(history, state);
+    HistoryPage page(program, actions, nullptr);
+    for (const int width : {872, AgentMainWindowView::leastSize.width() - Sidebar::sidebarWidth}) {
+        page.resize(width, 760);
+        for (const AgentProviderID& agent : {AgentProviderID::codex(), AgentProviderID::claude()}) {
+            page.setContent(
+                historyPageContent(state, history, {.agent = agent}, samples::now(), words));
+            page.show();
+            settle();
+            for (const QWidget* widget : page.findChildren<QWidget*>()) {
+                if (const auto* figures = dynamic_cast<const FiguresCard*>(widget)) {
+                    expectAllFits(*figures, agent.rawValue + ", " + std::to_string(width));
+                }
+            }
+        }
     }
 }
 

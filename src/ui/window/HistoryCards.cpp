@@ -219,7 +219,7 @@ constexpr int wordGap = 5;
 constexpr int columnGap = 16;
 constexpr int figureRowGap = 14;
 constexpr int leastColumn = 120;
-constexpr int mostCaptionLines = 2;
+constexpr int mostCaptionLines = 3;
 } // namespace
 
 class FiguresCard::Figure {
@@ -247,20 +247,32 @@ public:
         caption_->setWords(qString(content.caption));
     }
     int heightForWidth(int width) const {
-        return figureLine + captionGap + caption_->heightForWidth(width);
+        return captionTop(width) + caption_->heightForWidth(width);
     }
     void place(int left, int top, int width) const {
         const int figure = std::min(figure_->wantedWidth(), width);
         figure_->setGeometry(left, top, figure, figureLine);
-        const int drop = static_cast<int>(kit::baseline(kit::style::figureSmall) -
-                                          kit::baseline(kit::style::row));
-        word_->setGeometry(left + figure + wordGap, top + drop,
-                           std::max(width - figure - wordGap, 0), kit::style::row.lineHeight);
-        caption_->setGeometry(left, top + figureLine + captionGap, width,
+        if (isWordBeside(width)) {
+            const int drop = static_cast<int>(kit::baseline(kit::style::figureSmall) -
+                                              kit::baseline(kit::style::row));
+            word_->setGeometry(left + figure + wordGap, top + drop, width - figure - wordGap,
+                               kit::style::row.lineHeight);
+        } else {
+            word_->setGeometry(left, top + figureLine, width, kit::style::row.lineHeight);
+        }
+        caption_->setGeometry(left, top + captionTop(width), width,
                               caption_->heightForWidth(width));
     }
 
 private:
+    /// A word that has no room beside its figure has a line for itself.
+    bool isWordBeside(int width) const {
+        return figure_->wantedWidth() + wordGap + word_->wantedWidth() <= width;
+    }
+    int captionTop(int width) const {
+        return figureLine + captionGap + (isWordBeside(width) ? 0 : kit::style::row.lineHeight);
+    }
+
     kit::Label* figure_;
     kit::Label* word_;
     kit::Label* caption_;

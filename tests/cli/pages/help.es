@@ -119,9 +119,6 @@ Para todos los comandos:
   --color WHEN
       Colores: auto, always o never
       (auto)
-  --demo
-      Con agentes simulados en una
-      carpeta desechable
   --sandbox DIR
       Para desarrolladores: examinar la
       carpeta DIR en lugar de este
@@ -206,8 +203,6 @@ Para todos los comandos:
   --language LANG  Idioma de la salida: de, en, fr, it o es
                    (si no, el de los ajustes)
   --color WHEN     Colores: auto, always o never (auto)
-  --demo           Con agentes simulados en una carpeta
-                   desechable
   --sandbox DIR    Para desarrolladores: examinar la carpeta
                    DIR en lugar de este ordenador
 
@@ -274,7 +269,6 @@ Para todos los comandos:
   --language LANG  Idioma de la salida: de, en, fr, it o es (si no, el de los
                    ajustes)
   --color WHEN     Colores: auto, always o never (auto)
-  --demo           Con agentes simulados en una carpeta desechable
   --sandbox DIR    Para desarrolladores: examinar la carpeta DIR en lugar de
                    este ordenador
 
@@ -335,7 +329,6 @@ Para todos los comandos:
   -V, --version    La versión del programa
   --language LANG  Idioma de la salida: de, en, fr, it o es (si no, el de los ajustes)
   --color WHEN     Colores: auto, always o never (auto)
-  --demo           Con agentes simulados en una carpeta desechable
   --sandbox DIR    Para desarrolladores: examinar la carpeta DIR en lugar de este ordenador
 
 Para informes de error: muestra en JSON lo que Vellmark lee de la salida. No escribe archivos ni
@@ -395,7 +388,6 @@ Para todos los comandos:
   -V, --version    La versión del programa
   --language LANG  Idioma de la salida: de, en, fr, it o es (si no, el de los ajustes)
   --color WHEN     Colores: auto, always o never (auto)
-  --demo           Con agentes simulados en una carpeta desechable
   --sandbox DIR    Para desarrolladores: examinar la carpeta DIR en lugar de este ordenador
 
 Para informes de error: muestra en JSON lo que Vellmark lee de la salida. No escribe archivos ni
