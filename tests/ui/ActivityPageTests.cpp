@@ -18,6 +18,7 @@
 namespace vellmark {
 namespace {
 
+using testing::buttonNamed;
 using testing::pressKey;
 using testing::tabStops;
 
@@ -66,14 +67,7 @@ protected:
         }
         return false;
     }
-    QAbstractButton* button(const QString& title) {
-        for (auto* each : page_.findChildren<QAbstractButton*>()) {
-            if (each->isVisible() && each->text() == title) {
-                return each;
-            }
-        }
-        return nullptr;
-    }
+    QAbstractButton* button(const QString& title) { return buttonNamed(page_, title); }
     QLineEdit& search() { return *page_.findChild<QLineEdit*>(); }
     static QString clipboard() { return QApplication::clipboard()->text(); }
 

@@ -1,6 +1,7 @@
 #include "ui/QtEnvironment.h"
 
 #include "support/ProcessCensus.h"
+#include "ui/kit/Label.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -83,6 +84,36 @@ std::vector<QWidget*> tabStops(QWidget& window) {
         }
     }
     return stops;
+}
+
+QAbstractButton* buttonNamed(const QWidget& view, const QString& words) {
+    for (auto* button : view.findChildren<QAbstractButton*>()) {
+        if (button->isVisibleTo(&view) &&
+            (button->text() == words || button->accessibleName() == words)) {
+            return button;
+        }
+    }
+    return nullptr;
+}
+
+void expectNothingIsCut(const QWidget& view, const std::string& where) {
+    int labels = 0;
+    for (const QWidget* widget : view.findChildren<QWidget*>()) {
+        const auto* label = dynamic_cast<const kit::Label*>(widget);
+        if (!widget->isVisibleTo(&view)) {
+            continue;
+        }
+        if (label != nullptr && !label->text().isEmpty()) {
+            ++labels;
+            EXPECT_FALSE(label->isShortened()) << where << ": " << label->text().toStdString();
+            EXPECT_GE(label->height(), label->heightForWidth(label->width()))
+                << where << ": " << label->text().toStdString();
+        } else if (const auto* button = qobject_cast<const QAbstractButton*>(widget)) {
+            EXPECT_LE(button->mapTo(&view, button->rect().topRight()).x(), view.width())
+                << where << ": " << button->text().toStdString();
+        }
+    }
+    EXPECT_GT(labels, 0) << where;
 }
 
 } // namespace vellmark::testing

@@ -2,6 +2,7 @@
 
 #include "presentation/AgentUIActions.h"
 
+#include <QAbstractButton>
 #include <QWidget>
 
 #include <functional>
@@ -24,5 +25,12 @@ struct RecordedActions {
 
 /// The visible descendants of exactly these kinds that the keyboard can reach, in tab order.
 std::vector<QWidget*> tabStops(QWidget& window);
+
+/// The visible button with these words, or this name; null without one.
+QAbstractButton* buttonNamed(const QWidget& view, const QString& words);
+
+/// Expects every label that is seen to have room for its words, and every button to be within the
+/// view. `where` is for messages.
+void expectNothingIsCut(const QWidget& view, const std::string& where);
 
 } // namespace vellmark::testing
