@@ -1,12 +1,15 @@
 #include "ui/QtEnvironment.h"
 
 #include "support/ProcessCensus.h"
+#include "ui/kit/FocusRing.h"
 #include "ui/kit/Label.h"
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLabel>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 
 namespace vellmark::testing {
@@ -94,6 +97,31 @@ QAbstractButton* buttonNamed(const QWidget& view, const QString& words) {
         }
     }
     return nullptr;
+}
+
+bool says(const QWidget& view, const QString& words) {
+    return std::ranges::any_of(view.findChildren<QLabel*>(), [&](const QLabel* label) {
+        return label->isVisibleTo(&view) && label->text() == words;
+    });
+}
+
+void expectFocusRingsAreWhole(QWidget& view) {
+    if (view.focusWidget() != nullptr) {
+        view.focusWidget()->clearFocus();
+    }
+    for (QWidget* stop : tabStops(view)) {
+        stop->setFocus(Qt::TabFocusReason);
+        EXPECT_TRUE(view.rect().contains(QRect(stop->mapTo(&view, QPoint()), stop->size())))
+            << stop->accessibleName().toStdString();
+        const kit::FocusRing* ring = nullptr;
+        for (const QWidget* widget : view.findChildren<QWidget*>()) {
+            const auto* found = dynamic_cast<const kit::FocusRing*>(widget);
+            ring = found != nullptr ? found : ring;
+        }
+        ASSERT_NE(ring, nullptr) << stop->accessibleName().toStdString();
+        EXPECT_TRUE(ring->parentWidget()->rect().contains(ring->geometry()))
+            << stop->accessibleName().toStdString();
+    }
 }
 
 void expectNothingIsCut(const QWidget& view, const std::string& where) {

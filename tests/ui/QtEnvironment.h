@@ -29,6 +29,13 @@ std::vector<QWidget*> tabStops(QWidget& window);
 /// The visible button with these words, or this name; null without one.
 QAbstractButton* buttonNamed(const QWidget& view, const QString& words);
 
+/// Whether a label with exactly these words is seen.
+bool says(const QWidget& view, const QString& words);
+
+/// Goes through all tab stops of an active window and expects the ring around each to be seen
+/// whole.
+void expectFocusRingsAreWhole(QWidget& view);
+
 /// Expects every label that is seen to have room for its words, and every button to be within the
 /// view. `where` is for messages.
 void expectNothingIsCut(const QWidget& view, const std::string& where);
