@@ -1,4 +1,5 @@
 #include "app/LaunchedApplication.h"
+#include "app/WindowMemory.h"
 #include "platform/Preferences.h"
 #include "text/Catalog.h"
 #include "text/Localization.h"
@@ -14,8 +15,10 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QKeyEvent>
+#include <QPointer>
 #include <QSet>
 #include <QStringList>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -38,6 +41,19 @@ protected:
     static void pressKeyIn(QWidget& window, Qt::Key key) {
         QKeyEvent press(QEvent::KeyPress, key, Qt::ControlModifier);
         QApplication::sendEvent(&window, &press);
+    }
+
+    /// The time is over for which a window is kept after it was closed, or opened.
+    static void passTheWhile(QWidget& window) {
+        int passed = 0;
+        for (auto* timer : window.findChildren<QTimer*>()) {
+            if (timer->isActive() && timer->interval() == WindowMemory::delayMilliseconds) {
+                QMetaObject::invokeMethod(timer, "timeout", Qt::QueuedConnection);
+                timer->stop();
+                ++passed;
+            }
+        }
+        EXPECT_EQ(passed, 1);
     }
 
     static QString selectedEntry(const QWidget& window) {
@@ -231,28 +247,23 @@ TEST_F(VellmarkAppDelegateTest, ComesBackToThePageThatWasShownLast) {
 }
 
 TEST_F(VellmarkAppDelegateTest, LetsGoOfWhatHasBeenClosedForAWhileAndShowsItAgain) {
-    const auto exists = [](auto isKind) {
-        return std::ranges::any_of(QApplication::topLevelWidgets(), isKind);
-    };
-    const auto isPopover = [](QWidget* widget) {
-        return dynamic_cast<Popover*>(widget) != nullptr;
-    };
-    const auto isMainWindow = [](QWidget* widget) {
-        return dynamic_cast<AgentMainWindowView*>(widget) != nullptr;
-    };
     launch();
     for (int opening = 0; opening < 2; ++opening) {
-        delegate_->togglePopover();
-        ASSERT_TRUE(visible<Popover>());
+        ASSERT_TRUE(opensPopover());
+        const QPointer<QWidget> popover = visible<Popover>();
         // Takes the popover's place.
         delegate_->applicationShouldHandleReopen(false);
-        ASSERT_TRUE(visible<AgentMainWindowView>());
+        const QPointer<QWidget> window = visible<AgentMainWindowView>();
+        ASSERT_TRUE(window);
         EXPECT_FALSE(visible<Popover>());
-        if (opening == 0) {
-            EXPECT_TRUE(eventually([&] { return !exists(isPopover); }));
-            visible<AgentMainWindowView>()->close();
-            EXPECT_TRUE(eventually([&] { return !exists(isMainWindow); }));
-        }
+        passTheWhile(*popover);
+        EXPECT_TRUE(eventually([&] { return popover.isNull(); }));
+        passTheWhile(*window);
+        eventually([] { return true; });
+        EXPECT_TRUE(window && window->isVisible()) << "it is open";
+        window->close();
+        passTheWhile(*window);
+        EXPECT_TRUE(eventually([&] { return window.isNull(); }));
     }
 }
 
