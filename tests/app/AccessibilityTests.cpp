@@ -171,6 +171,11 @@ protected:
         }
         if (const auto* view = dynamic_cast<const AgentMainWindowView*>(&window)) {
             expectOrder(view->page()->controls(), reached);
+            for (QWidget* target : targets) {
+                EXPECT_TRUE(!view->page()->isAncestorOf(target) ||
+                            std::ranges::count(view->page()->controls(), target) == 1)
+                    << nameOf(*target);
+            }
         }
     }
 
