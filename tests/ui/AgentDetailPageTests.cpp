@@ -94,6 +94,13 @@ TEST_F(AgentDetail, EachControlAsksForWhatItSays) {
     EXPECT_NE(button(QStringLiteral("Copied")), nullptr);
 }
 
+TEST_F(AgentDetail, EveryTabStopHasItsPlaceInTheOrderOfThePage) {
+    show(samples::stale(), 0);
+    for (QWidget* stop : tabStops(page)) {
+        EXPECT_THAT(page.controls(), Contains(stop)) << stop->accessibleName().toStdString();
+    }
+}
+
 TEST_F(AgentDetail, AMoveToTheEndLeavesTheKeyboardWithTheMoves) {
     show(samples::normal(), 1);
     page.activateWindow();
