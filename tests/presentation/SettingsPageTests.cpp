@@ -172,6 +172,17 @@ TEST_F(SettingsPageTest, NamesTheLanguageThatTheSystemStandsFor) {
     EXPECT_EQ(choices.back().title, "Español");
 }
 
+TEST_F(SettingsPageTest, SwitchesTheFigureBesideTheIcon) {
+    const auto shownSwitch = [this] {
+        return std::get<SettingSwitch>(row("status-figure").control);
+    };
+    EXPECT_FALSE(shownSwitch().isOn);
+    actions.change("status-figure", shownSwitch().onValue);
+    EXPECT_TRUE(shownSwitch().isOn);
+    actions.change("status-figure", shownSwitch().offValue);
+    EXPECT_FALSE(shownSwitch().isOn);
+}
+
 TEST_F(SettingsPageTest, ShowsTheLoginItemAsTheSystemHasIt) {
     const std::string name = "launch-at-login";
     const auto shownSwitch = [&] { return std::get<SettingSwitch>(row(name).control); };
