@@ -83,5 +83,16 @@ TEST(LegalModel, AsksUntilThisVersionIsAcceptedAndAfterANewerOne) {
     EXPECT_TRUE(legal.needsNotice());
 }
 
+TEST(LegalWindowContent, HasSomethingToAcceptOnlyWhileItIsDue) {
+    const Localization words("en");
+    for (const bool isDue : {false, true}) {
+        const auto content = legalWindowContent(LegalDocument::privacy, isDue, words);
+        EXPECT_EQ(content.notice.empty(), !isDue);
+        EXPECT_EQ(content.acceptTitle.empty(), !isDue);
+        EXPECT_EQ(content.choices.at(static_cast<std::size_t>(content.document)),
+                  content.text.title);
+    }
+}
+
 } // namespace
 } // namespace vellmark::tests
