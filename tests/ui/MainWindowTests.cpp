@@ -117,6 +117,14 @@ TEST_F(MainWindow, ListsThePagesAndShowsTheSelectedOne) {
     EXPECT_FALSE(agentsPage->isVisible());
 }
 
+TEST_F(MainWindow, ADisabledAgentHasNeitherEntryNorCard) {
+    show(samples::normal());
+    show(samples::healthy());
+    EXPECT_EQ(entries().size(), 8U);
+    EXPECT_FALSE(says(QStringLiteral("Antigravity")));
+    EXPECT_TRUE(says(QStringLiteral("Codex")));
+}
+
 TEST_F(MainWindow, GivesTheOverviewThePlaceOfAnAgentThatWasDisabledAndKeepsTheKeyboard) {
     show(samples::normal());
     entries()[3]->setFocus(Qt::TabFocusReason);

@@ -32,8 +32,8 @@ QAbstractButton* buttonNamed(const QWidget& view, const QString& words);
 /// Whether a label with exactly these words is seen.
 bool says(const QWidget& view, const QString& words);
 
-/// Goes through all tab stops of an active window and expects the ring around each to be seen
-/// whole.
+/// Goes through all tab stops of an active window and expects each to come into sight, with the
+/// whole ring around it.
 void expectFocusRingsAreWhole(QWidget& view);
 
 /// Expects every label that is seen to have room for its words, and every button to be within the
