@@ -257,13 +257,13 @@ TEST_F(VellmarkAppDelegateTest, LetsGoOfWhatHasBeenClosedForAWhileAndShowsItAgai
         ASSERT_TRUE(window);
         EXPECT_FALSE(visible<Popover>());
         passTheWhile(*popover);
-        EXPECT_TRUE(eventually([&] { return popover.isNull(); }));
+        ASSERT_TRUE(eventually([&] { return popover.isNull(); }));
         passTheWhile(*window);
         eventually([] { return true; });
         EXPECT_TRUE(window && window->isVisible()) << "it is open";
         window->close();
         passTheWhile(*window);
-        EXPECT_TRUE(eventually([&] { return window.isNull(); }));
+        ASSERT_TRUE(eventually([&] { return window.isNull(); }));
     }
 }
 
