@@ -28,7 +28,7 @@ private:
 
     QWidget& window_;
     std::function<std::unique_ptr<QWidget>()> release_;
-    QTimer delay_;
+    QTimer delay_{this};
 };
 
 } // namespace vellmark

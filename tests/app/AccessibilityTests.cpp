@@ -1,9 +1,6 @@
-#include "app/VellmarkAppDelegate.h"
-#include "process/RunningChildren.h"
-#include "support/AgentSandbox.h"
+#include "app/LaunchedApplication.h"
 #include "ui/kit/FocusRing.h"
 #include "ui/kit/Label.h"
-#include "ui/popover/Popover.h"
 #include "ui/report/ReportTextView.h"
 #include "ui/report/SupportReportView.h"
 #include "ui/setup/SetupAssistantView.h"
@@ -20,8 +17,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
-#include <functional>
 #include <set>
 #include <string>
 
@@ -127,40 +122,9 @@ private:
     std::set<std::string> headings_;
 };
 
-/// The application on a display that nobody sees, with all agents read.
-class AccessibilityTest : public testing::Test {
+class AccessibilityTest : public LaunchedApplication {
 protected:
-    void SetUp() override {
-        LaunchOptions options;
-        options.language = "en";
-        delegate_ = std::make_unique<VellmarkAppDelegate>(options, sandbox_.machine());
-        delegate_->applicationDidFinishLaunching();
-    }
-    // Termination closes the set of children for good.
-    void TearDown() override {
-        delegate_.reset();
-        RunningChildren::reopen();
-    }
-
-    static bool eventually(const std::function<bool()>& condition) {
-        return becomesTrue(
-            [&] {
-                QApplication::processEvents(QEventLoop::AllEvents, 20);
-                return condition();
-            },
-            std::chrono::seconds(60));
-    }
-
-    template<typename Window>
-    static Window* visible() {
-        for (QWidget* window : QApplication::topLevelWidgets()) {
-            auto* found = dynamic_cast<Window*>(window);
-            if (found != nullptr && found->isVisible()) {
-                return found;
-            }
-        }
-        return nullptr;
-    }
+    void SetUp() override { launch(); }
 
     static void press(QWidget& window, int key, Qt::KeyboardModifiers modifiers) {
         QWidget* target = window.focusWidget() != nullptr ? window.focusWidget() : &window;
@@ -207,6 +171,11 @@ protected:
         }
         if (const auto* view = dynamic_cast<const AgentMainWindowView*>(&window)) {
             expectOrder(view->page()->controls(), reached);
+            for (QWidget* target : targets) {
+                EXPECT_TRUE(!view->page()->isAncestorOf(target) ||
+                            std::ranges::count(view->page()->controls(), target) == 1)
+                    << nameOf(*target);
+            }
         }
     }
 
@@ -229,9 +198,6 @@ protected:
         });
         EXPECT_EQ(wanted, reached);
     }
-
-    AgentSandbox sandbox_;
-    std::unique_ptr<VellmarkAppDelegate> delegate_;
 };
 
 TEST_F(AccessibilityTest, EveryPageIsToldAndReachedByKeys) {
@@ -271,11 +237,10 @@ TEST_F(AccessibilityTest, EveryOtherWindowIsToldAndReachedByKeys) {
 
 TEST_F(AccessibilityTest, EveryStepOfTheSetupIsToldAndReachedByKeys) {
     // Codex is ready; one can be installed, at another somebody can log in.
-    delegate_.reset();
-    RunningChildren::reopen();
+    quit();
     sandbox_.uninstall("claude");
     sandbox_.signOutOfAntigravity();
-    SetUp();
+    launch();
     ASSERT_TRUE(eventually([] { return visible<SetupAssistantView>() != nullptr; }));
     auto* assistant = visible<SetupAssistantView>();
     std::set<QString> titles;
@@ -308,10 +273,7 @@ TEST_F(AccessibilityTest, SupportReportIsToldAndReachedByKeys) {
 }
 
 TEST_F(AccessibilityTest, EveryTabOfThePopoverIsTold) {
-    ASSERT_TRUE(eventually([this] {
-        delegate_->togglePopover();
-        return visible<Popover>() != nullptr;
-    }));
+    ASSERT_TRUE(opensPopover());
     auto* popover = visible<Popover>();
     for (int key = Qt::Key_1; key <= Qt::Key_4; ++key) {
         press(*popover, key, Qt::ControlModifier);

@@ -15,9 +15,6 @@ TEST(Arguments, WrongOnesSayWhatAndWhereToReadMoreOnTheErrorStreamAlone) {
     const Case cases[] = {
         {{"usgae"}, "no command \"usgae\". Did you mean \"usage\"?", "vellmark --help"},
         {{"help", "statsu"}, "Did you mean \"status\"?", "vellmark --help"},
-        {{"frobnicate"}, "There is no command \"frobnicate\".\n", "vellmark --help"},
-        {{"log", "--flolow"}, "Did you mean \"--follow\"?", "vellmark log --help"},
-        {{"report", "--include"}, "Did you mean \"--include-emails\"?", "report --help"},
         {{"--colour=never"}, "\"--colour\". Did you mean \"--color\"?", "usage --help"},
         {{"--color", "blue", "help"}, "\"blue\"", "vellmark --help"},
         {{"--demo", "--sandbox", "/tmp", "usage"}, "\"--sandbox\" has no effect", "--help"},
@@ -25,17 +22,13 @@ TEST(Arguments, WrongOnesSayWhatAndWhereToReadMoreOnTheErrorStreamAlone) {
         {{"--sandbox", "", "agents"}, "Wrong number of values for \"--sandbox\"", "--help"},
         {{"--demo", "redact"}, "\"--demo\" has no effect together with \"redact\"", "--help"},
         {{"status", "--cached", "--snapshots", "-"}, "\"--cached\" has no effect", "status"},
-        {{"inspect", "codex", "--log", "x"}, "\"--log\" has no effect", "inspect --help"},
         {{"log", "--follow", "--json"}, "\"--follow\" has no effect", "log --help"},
-        {{"log", "--level", "loud"}, "\"loud\"", "log --help"},
         {{"usage", "--jsno"}, "\"--jsno\". Did you mean \"--json\"?", "vellmark usage --help"},
         {{"--agent"}, "\"--agent\"", "vellmark usage --help"},
         {{"usage", "--agent", "gemini"}, "choose from: codex, claude, antigravity", "usage --help"},
         {{"agents", "--agent", "codex"}, "\"--agent\"", "vellmark agents --help"},
         {{"inspect"}, "AGENT", "vellmark inspect --help"},
-        {{"inspect", "gemini"}, "\"gemini\"", "vellmark inspect --help"},
         {{"inspect", "codex", "--now", "yesterday"}, "--now: \"yesterday\"", "inspect --help"},
-        {{"inspect", "codex", "--now", "2026-01-01T10:00:00"}, "--now", "inspect --help"},
         {{"inspect", "claude", "--exit-status", "2x"}, "\"2x\"", "inspect --help"},
         {{"inspect", "claude", "a", "b"}, "\"b\"", "inspect --help"},
         {{"--language", "ar"}, "\"ar\"; choose from: de, en, fr, it, es.", "vellmark --help"},
@@ -56,14 +49,10 @@ TEST(Arguments, LanguageIsAskedForElseTheUsersElseEnglish) {
         const char* word;
     };
     const Case cases[] = {
-        {{"--help"}, "en_GB.UTF-8", "Commands:"},
         {{"--help"}, "de_CH.UTF-8", "Befehle:"},
-        {{"--help"}, "fr_FR.UTF-8", "Commandes"},
         {{"--help"}, "pt_BR.UTF-8", "Commands:"},
         {{"--help", "--language", "it"}, "fr_FR.UTF-8", "Comandi:"},
-        {{"help", "--language=es"}, "en_US.UTF-8", "--language LANG  Idioma"},
         {{"--help"}, "C", "Commands:"},
-        {{"--language", "en", "--help"}, "de_DE.UTF-8", "Commands:"},
         {{"usage", "--help", "--language=de"}, "en_US.UTF-8", "Aufruf:"},
     };
     for (const Case& expected : cases) {

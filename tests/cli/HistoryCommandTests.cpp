@@ -253,22 +253,5 @@ TEST_F(StoredFilesCommands, NothingIsWaitedForWhateverStandsInAFilesPlace) {
     }
 }
 
-TEST_F(StoredFilesCommands, WhatAStoppedProcessKeepsOutIsThereLater) {
-    std::error_code error;
-    {
-        std::vector<std::optional<FileLock>> held;
-        for (const char* name : {"usage-history.lock", "activity.lock", "last-snapshots.lock"}) {
-            held.push_back(FileLock::acquire(support / name, Seconds(1), error));
-            ASSERT_TRUE(held.back());
-        }
-        EXPECT_EQ(run({"usage", "--agent", "codex"}).status, 0);
-        EXPECT_THAT(run({"log"}).output, HasSubstr("info Codex: Session"));
-        EXPECT_FALSE(std::filesystem::exists(support / "usage-history.json"));
-    }
-    EXPECT_EQ(run({"usage", "--agent", "claude"}).status, 0);
-    EXPECT_EQ(samplesOf(run({"history", "export", "--agent", "codex"}).output).size(), 2u);
-    EXPECT_THAT(contentOf(support / "activity.log"), HasSubstr("info codex: Session"));
-}
-
 } // namespace
 } // namespace vellmark::tests

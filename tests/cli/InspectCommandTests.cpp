@@ -65,20 +65,12 @@ TEST(Inspect, TellsFailuresAsTheProbeWould) {
         std::string input;
         Kind kind;
     };
-    const std::string huge(20u << 20, 'x');
     const Case cases[] = {
         {{"codex"}, "", Kind::codexReadFailed},
-        {{"codex"}, huge, Kind::codexReadFailed},
-        {{"codex"},
-         R"({"id":3,"error":{"message":"codex account authentication required"}})",
-         Kind::codexNotLoggedIn},
-        {{"claude"}, huge, Kind::claudeNoQuotas},
         {{"claude"}, std::string(claudeCapture) + "\xff", Kind::claudeNoQuotas},
         {{"claude", "--exit-status", "128"}, claudeCapture, Kind::claudeNotLoggedIn},
         {{"claude", "--timed-out"}, "", Kind::timeout},
-        {{"antigravity"}, huge, Kind::antigravityNoQuotas},
         {{"antigravity", "--exit-status=-1"}, "Oh no", Kind::antigravityReadFailed},
-        {{"antigravity", "--timed-out"}, "…", Kind::timeout},
     };
     for (const Case& expected : cases) {
         const ProgramResult result = inspect(expected.arguments, expected.input);

@@ -14,6 +14,7 @@
 #include <fstream>
 #include <functional>
 #include <map>
+#include <span>
 
 namespace vellmark::tests {
 namespace {
@@ -32,11 +33,12 @@ class Pages : public CommandTest {
 protected:
     using Draw = std::function<std::string(const std::string& language, int columns)>;
 
-    static void compare(const std::string& name, const Draw& draw) {
+    static void compare(const std::string& name, const Draw& draw,
+                        std::span<const int> columnCounts = widths) {
         for (const std::string_view code : Localization::languages()) {
             const std::string language(code);
             std::string pages;
-            for (const int columns : widths) {
+            for (const int columns : columnCounts) {
                 std::string page = draw(language, columns);
                 for (const std::string_view line : nonEmptyLines(page)) {
                     EXPECT_LE(displayWidth(line), columns) << name << ", " << language << line;
@@ -162,12 +164,17 @@ TEST_F(Pages, Log) {
     });
 }
 
+// Each page asks the agents anew.
 TEST_F(Pages, Agents) {
     sandbox.uninstall("agy");
     sandbox.play("claude", "logged-out");
-    compare("agents", [&](const std::string& language, int columns) {
-        return page({"agents"}, language, columns);
-    });
+    constexpr int narrowAndUsual[] = {40, 80};
+    compare(
+        "agents",
+        [&](const std::string& language, int columns) {
+            return page({"agents"}, language, columns);
+        },
+        narrowAndUsual);
 }
 
 TEST_F(Pages, Help) {

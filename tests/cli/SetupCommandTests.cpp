@@ -80,7 +80,7 @@ TEST_F(SetupCommand, ScriptsArePrintedAsTheyWouldRun) {
     EXPECT_THAT(run({"setup-script", "install", "codex", "--alternative"}).output,
                 HasSubstr("\nbrew install --cask codex\nrc=$?\n"));
     EXPECT_THAT(run({"setup-script", "login", "claude", "--tool-path", "/a b/it's"}).output,
-                HasSubstr("\nTOOL='/a b/it'\\''s'\n"));
+                AllOf(HasSubstr("\nTOOL='/a b/it'\\''s'\n"), HasSubstr("'auth' 'login' '--help'")));
     for (const std::vector<std::string>& arguments :
          {std::vector<std::string>{"setup-script", "remove", "codex"},
           {"setup-script", "login", "codex", "--alternative"},

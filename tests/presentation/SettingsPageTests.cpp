@@ -43,7 +43,7 @@ protected:
     SettingsPageModel::Sources sources() {
         return {.preferences = *preferences,
                 .machine = machine,
-                .launchAtLogin = launchAtLogin,
+                .launchAtLogin = *launchAtLogin,
                 .words = [this]() -> const Localization& { return words; },
                 .systemLanguage = "fr",
                 .factsOf = [this](const AgentProviderID& id) -> const AgentFacts* {
@@ -55,7 +55,7 @@ protected:
                               bool anew) { asking.push_back(id.rawValue + (anew ? " anew" : "")); },
                 .changed = [this] { ++changes; },
                 .takeSettings = [this] { ++takings; },
-                .hasHistory = [] { return true; },
+                .hasHistory = [this] { return hasHistory; },
                 .deleteHistory =
                     [this](std::function<void(std::error_code)> done) {
                         done(deletion);
@@ -100,7 +100,10 @@ protected:
     Machine machine = Machine::sandbox(directory / "machine");
     std::unique_ptr<Preferences> preferences =
         makePreferencesFile(directory / "settings" / "preferences.json");
-    LaunchAtLoginController launchAtLogin{*preferences, std::make_unique<PretendedLoginItem>()};
+    std::unique_ptr<LaunchAtLoginController> launchAtLogin =
+        std::make_unique<LaunchAtLoginController>(*preferences,
+                                                  std::make_unique<PretendedLoginItem>());
+    bool hasHistory = true;
     Localization words{"en", "en_US", "UTC"};
     std::vector<AgentFacts> facts{{codex, "/usr/bin/codex", "codex-cli 0.61.0", true},
                                   {claude, "/usr/bin/claude", "2.0.44 (Claude Code)", false},
@@ -131,7 +134,7 @@ TEST_F(SettingsPageTest, HasAPlaceForEverySetting) {
     for (const AgentProgramContent& program : content().programs) {
         shown.push_back(program.id.rawValue + "-path");
     }
-    const SettingsCatalog catalog(*preferences, machine, launchAtLogin);
+    const SettingsCatalog catalog(*preferences, machine, *launchAtLogin);
     for (const SettingItem& item : catalog.items()) {
         EXPECT_THAT(shown, testing::Contains(item.name));
     }
@@ -193,25 +196,9 @@ TEST_F(SettingsPageTest, ShowsTheLoginItemAsTheSystemHasIt) {
     actions.press(name);
     EXPECT_EQ(PretendedLoginItem::openings, before + 1);
 
-    LaunchAtLoginController nothing(*preferences, nullptr);
-    const SettingsPageModel::Sources here = sources();
-    model = std::make_unique<SettingsPageModel>(
-        SettingsPageModel::Sources{.preferences = *preferences,
-                                   .machine = machine,
-                                   .launchAtLogin = nothing,
-                                   .words = here.words,
-                                   .systemLanguage = "en",
-                                   .factsOf = here.factsOf,
-                                   .isAsking = here.isAsking,
-                                   .ask = here.ask,
-                                   .changed = here.changed,
-                                   .takeSettings = here.takeSettings,
-                                   .hasHistory = [] { return false; },
-                                   .deleteHistory = here.deleteHistory,
-                                   .showFolder = here.showFolder,
-                                   .noticeDelivery = here.noticeDelivery,
-                                   .lookForNoticeService = here.lookForNoticeService,
-                                   .allowNotices = here.allowNotices});
+    launchAtLogin = std::make_unique<LaunchAtLoginController>(*preferences, nullptr);
+    hasHistory = false;
+    model = std::make_unique<SettingsPageModel>(sources());
     EXPECT_FALSE(shownSwitch().isEnabled);
     EXPECT_THAT(row(name).explanation, Not(IsEmpty()));
     EXPECT_THAT(row(settingsRow::history).button.title, IsEmpty()) << "there is nothing to delete";
@@ -301,17 +288,6 @@ TEST_F(SettingsPageTest, NoticesAreChosenByKindAndSayWhyTheyDoNotCome) {
     EXPECT_EQ(noticeLooks, 1);
 }
 
-TEST_F(SettingsPageTest, PutsAgentsInOrderAndSwitchesThemOff) {
-    actions.orderAgents({antigravity, codex, claude});
-    EXPECT_THAT(agentNames(), ElementsAre("Antigravity", "Codex", "Claude"));
-    actions.enableAgent(codex, false);
-    EXPECT_FALSE(content().agents[1].isEnabled);
-    EXPECT_TRUE(content().agents[0].isEnabled);
-    actions.enableAgent(codex, true);
-    EXPECT_TRUE(content().agents[1].isEnabled);
-    EXPECT_EQ(takings, 3);
-}
-
 TEST_F(SettingsPageTest, TellsWhatEachAgentLacksAndTheWayOut) {
     EXPECT_EQ(content().agents[0].detail, "Checking …");
     actions.appear();
@@ -376,16 +352,19 @@ TEST_F(SettingsPageTest, TellsWhenTheHistoryCannotBeDeleted) {
     lastDone(std::error_code());
 }
 
-TEST_F(SettingsPageTest, ResetsAllButTheStartAtLogin) {
+TEST_F(SettingsPageTest, PutsAgentsInOrderAndResetsAllButTheStartAtLogin) {
     actions.change("launch-at-login", "on");
     actions.change("language", "de");
     actions.orderAgents({antigravity, codex, claude});
     actions.enableAgent(codex, false);
+    EXPECT_THAT(agentNames(), ElementsAre("Antigravity", "Codex", "Claude"));
+    EXPECT_FALSE(content().agents[1].isEnabled);
+    EXPECT_EQ(takings, 4);
     actions.press(std::string(settingsRow::reset));
     EXPECT_EQ(std::get<SettingChoices>(row("language").control).current, "system");
     EXPECT_THAT(agentNames(), ElementsAre("Codex", "Claude", "Antigravity"));
     EXPECT_TRUE(content().agents[0].isEnabled);
-    EXPECT_EQ(launchAtLogin.state(), State::needsApproval);
+    EXPECT_EQ(launchAtLogin->state(), State::needsApproval);
 }
 
 TEST_F(SettingsPageTest, SaysWhenAChangeIsNotOnDisk) {

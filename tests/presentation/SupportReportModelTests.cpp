@@ -1,15 +1,14 @@
 #include "presentation/SupportReportModel.h"
 #include "report/MailDirectory.h"
+#include "support/FileSizeLimit.h"
 #include "support/HandTurnedExecutor.h"
 #include "support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <deque>
 #include <fstream>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 namespace vellmark::tests {
@@ -22,11 +21,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
-
-std::string contentOf(const fs::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
 
 std::vector<fs::path> entriesOf(const fs::path& directory) {
     std::vector<fs::path> result;
@@ -253,21 +247,17 @@ TEST_F(SupportReport, SaveAndMailOnAFullDiskSaySoAndLeaveNothing) {
     fs::create_directory(folder);
     whereTo_ = folder / "report.txt";
     std::ofstream(*whereTo_) << "former";
-    const auto former = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit limits{};
-    ::getrlimit(RLIMIT_FSIZE, &limits);
-    rlimit small = limits;
-    small.rlim_cur = 50'000;
-    ::setrlimit(RLIMIT_FSIZE, &small);
-    model_->save();
-    workAll();
-    const std::string saveNotice = model_->notice();
-    const bool isTrouble = model_->content().noticeIsTrouble;
-    model_->mail();
-    workAll();
-    ::setrlimit(RLIMIT_FSIZE, &limits);
-    std::signal(SIGXFSZ, former);
-
+    std::string saveNotice;
+    bool isTrouble = false;
+    {
+        const FileSizeLimit limit(50'000);
+        model_->save();
+        workAll();
+        saveNotice = model_->notice();
+        isTrouble = model_->content().noticeIsTrouble;
+        model_->mail();
+        workAll();
+    }
     EXPECT_THAT(saveNotice, testing::StartsWith("Not saved: "));
     EXPECT_TRUE(isTrouble);
     EXPECT_EQ(contentOf(*whereTo_), "former");

@@ -67,22 +67,6 @@ TEST_F(AntigravityScenario, ReadsTimesAndTheAccountOfTheLog) {
     EXPECT_EQ(std::get<AgentUsageSnapshot>(fetch()).accountLabel, std::nullopt);
 }
 
-TEST_F(AntigravityScenario, AFIFOInTheLogsPlaceHoldsNobodyUp) {
-    const auto simulator = sandbox.machine().home / "simulator" / "agy";
-    std::filesystem::create_directories(simulator.parent_path());
-    std::filesystem::create_symlink(builtProgram("vellmark-simulator"), simulator);
-    sandbox.installScript("agy", "for log; do :; done\n" // the last argument
-                                 "mkfifo \"$log\"\n"
-                                 "exec " +
-                                     simulator.string() + " \"$@\"\n");
-    sandbox.play("agy", "no-log");
-    const FetchOutcome outcome = fetch();
-    const auto* reading = std::get_if<AgentUsageSnapshot>(&outcome);
-    ASSERT_TRUE(reading);
-    EXPECT_EQ(reading->windows.size(), allWindows.size());
-    EXPECT_EQ(reading->accountLabel, std::nullopt);
-}
-
 TEST_F(AntigravityScenario, QuotesAnAnswerThatBreaksOff) {
     sandbox.play("agy", "dies");
     const FetchOutcome outcome = fetch();

@@ -29,23 +29,6 @@ TEST(ProviderRegistry, OffersACompleteAgentInEveryPlace) {
     EXPECT_EQ(providerDescriptor(AgentProviderID("unknown")), nullptr);
 }
 
-TEST(ProviderRegistry, KnowsHowEachAgentIsLoggedInTo) {
-    const auto info = [](const AgentProviderID& id) { return providerDescriptor(id)->setup->info; };
-    EXPECT_THAT(info(AgentProviderID::codex()).loginArguments, ElementsAre("login"));
-    EXPECT_THAT(*info(AgentProviderID::codex()).loginCheckArguments,
-                ElementsAre("login", "--help"));
-    EXPECT_THAT(*info(AgentProviderID::claude()).loginCheckArguments,
-                ElementsAre("auth", "login", "--help"));
-    EXPECT_FALSE(info(AgentProviderID::antigravity()).loginCheckArguments);
-
-    const TemporaryDirectory directory;
-    const Machine machine = Machine::sandbox(directory.path());
-    const auto& isLoggedIn = providerDescriptor(AgentProviderID::antigravity())->setup->isLoggedIn;
-    EXPECT_EQ(isLoggedIn(machine, "/any"), false);
-    directory.write("credentials/gemini/antigravity", "");
-    EXPECT_EQ(isLoggedIn(machine, "/any"), true);
-}
-
 TEST(ExecutableLocator, TriesItsPlacesInOrder) {
     const struct {
         std::optional<fs::path> (*locate)(const Machine&);

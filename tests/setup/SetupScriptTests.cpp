@@ -21,67 +21,6 @@ CLISetupInfo toolInfo() {
     return info;
 }
 
-constexpr const char* opening = R"sh(#!/bin/zsh
-ORIGINAL_PATH="$PATH"
-export PATH="$HOME/.local/bin:/opt/homebrew/bin:/usr/local/bin:$PATH"
-clear
-echo 'Title'
-echo
-echo 'Shown:'
-)sh";
-
-constexpr const char* closing = R"sh(
-echo
-if [ "$rc" -eq 0 ]; then
-  TOOL_NOW="$(command -v 'tool' 2>/dev/null)"
-  if [ -n "$TOOL_NOW" ] && ! PATH="$ORIGINAL_PATH" /bin/zsh -lic 'command -v '\''tool'\''' >/dev/null 2>&1; then
-    echo 'Hint:'
-    echo "  export PATH=\"$(dirname "$TOOL_NOW"):\$PATH\""
-    echo
-  fi
-  echo 'Done.'
-else
-  echo 'Failed.'
-  echo "(exit code $rc)"
-fi
-exit "$rc")sh";
-
-TEST(SetupScript, DownloadsAnInstallerBeforeItRunsIt) {
-    EXPECT_EQ(setupScript(SetupScriptPlan::install(toolInfo(), false), plainTexts()),
-              opening + std::string(R"sh(echo '  curl -fsSL https://example.org/install.sh | bash'
-echo
-INSTALL_FILE="$(mktemp "${TMPDIR:-/tmp}/vellmark-install.XXXXXX")"
-curl -fsSL 'https://example.org/install.sh' -o "$INSTALL_FILE"
-rc=$?
-if [ "$rc" -ne 0 ]; then
-  echo 'No download.'
-else
-  bash "$INSTALL_FILE"
-  rc=$?
-fi
-rm -f "$INSTALL_FILE")sh") +
-                  closing);
-}
-
-TEST(SetupScript, LogsInWithALocatedTool) {
-    EXPECT_EQ(setupScript(SetupScriptPlan::login(toolInfo(), "/my tools/tool"), plainTexts()),
-              opening + std::string(R"sh(echo '  tool login'
-echo
-TOOL='/my tools/tool'
-if [ -z "$TOOL" ] || [ ! -x "$TOOL" ]; then
-  echo 'No tool.'
-  rc=127
-else
-  if [ -t 0 ]; then stty -echo 2>/dev/null; fi
-  if "$TOOL" 'login' '--help' >/dev/null 2>&1; then "$TOOL" 'login'; else "$TOOL"; fi
-  rc=$?
-  if [ -t 0 ]; then
-    while read -rs -t 0.2 -k 1 _discard 2>/dev/null; do :; done
-    stty echo 2>/dev/null
-  fi
-fi)sh") + closing);
-}
-
 TEST(SetupScript, RunsAnyOtherInstallCommandAsItStands) {
     auto info = toolInfo();
     for (const char* command :

@@ -2,15 +2,14 @@
 #include "store/ActivityLines.h"
 #include "store/ActivityLog.h"
 #include "store/ActivityTexts.h"
+#include "support/FileSizeLimit.h"
 #include "support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <csignal>
 #include <fstream>
 #include <string>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
 #include <vector>
@@ -55,26 +54,6 @@ TEST_F(Log, ATornLastLineCostsNoEntryAfterIt) {
     EXPECT_EQ(contentOf(path), "2026-11-20 13:00:00 notice codex: torn by a\n"
                                "2026-11-20 13:00:00 notice codex: next\n");
 }
-
-/// Files may not grow beyond `bytes` for as long as it lives.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes) : former_(std::signal(SIGXFSZ, SIG_IGN)) {
-        ::getrlimit(RLIMIT_FSIZE, &limit_);
-        const rlimit narrow{bytes, limit_.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &narrow);
-    }
-    ~FileSizeLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &limit_);
-        std::signal(SIGXFSZ, former_);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-private:
-    void (*former_)(int);
-    rlimit limit_ = {};
-};
 
 TEST_F(Log, WritesOnAfterADiskThatTookHalfALine) {
     ASSERT_FALSE(log.append(entry("first"), zone));

@@ -2,16 +2,15 @@
 #include "platform/RegularFile.h"
 #include "store/HistoryImport.h"
 #include "store/OrderedHistory.h"
+#include "support/FileSizeLimit.h"
 #include "support/HistoryDocument.h"
 #include "support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <csignal>
 #include <fcntl.h>
 #include <random>
-#include <sys/resource.h>
 #include <tuple>
 
 namespace vellmark::tests {
@@ -146,14 +145,10 @@ TEST_F(Import, AFullDiskLeavesTheHistoryAsItWas) {
     directory.write("input.json", input);
     std::error_code error;
     const Descriptor opened = openRegularFile(directory / "input.json", O_RDONLY, error);
-    rlimit unlimited{};
-    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &unlimited), 0);
-    const rlimit tight{.rlim_cur = 100'000, .rlim_max = unlimited.rlim_max};
-    const auto ignored = std::signal(SIGXFSZ, SIG_IGN);
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &tight), 0);
-    const HistoryImport result = importHistory(history, opened.get(), now);
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &unlimited), 0);
-    std::signal(SIGXFSZ, ignored);
+    const auto result = [&] {
+        const FileSizeLimit limit(100'000);
+        return importHistory(history, opened.get(), now);
+    }();
     EXPECT_EQ(result.state, HistoryImport::State::notWritten);
     EXPECT_EQ(result.error, std::errc::file_too_large);
     EXPECT_EQ(result.taken, 0u);

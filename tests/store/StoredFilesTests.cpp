@@ -61,20 +61,12 @@ TEST_F(StoredFiles, ReadingsBecomeHistoryAndGroundsForForecasts) {
 
 TEST_F(StoredFiles, WhatAnotherProcessHasRecordedIsShownWithTheNextReading) {
     makeStore();
-    const auto read = [this](double used) {
-        codex->answersUsed(used, executor.now());
-        store->refresh(RefreshTrigger::manual, {codex->id()});
-        ASSERT_TRUE(finishRefresh());
-        store->flush();
-        executor.turn();
-        executor.advance(Seconds(60));
-    };
-    read(10);
+    readCodex(10);
     UsageHistoryRecorder another(machine.usageHistoryFile(), std::make_shared<UsageHistory>());
     another.load(executor.now());
     another.record(codex->reading(11, executor.now()));
     const unsigned revision = state().historyRevision;
-    read(11); // the same figure: nothing of its own to record
+    readCodex(11); // the same figure: nothing of its own to record
     EXPECT_EQ(store->history().sampleCount(), 2u);
     EXPECT_EQ(state().historyRevision, revision + 1);
     EXPECT_EQ(state().recentPoints.at({codex->id(), "session"}).size(), 2u);

@@ -33,7 +33,6 @@ TEST(Formatting, Percentages) {
     for (const auto& [percent, text] : cases) {
         EXPECT_EQ(percentText(percent, english()), text);
     }
-    EXPECT_EQ(percentText(9.5, german()), "9,5\u00A0%");
     // What is used and what is left add up to 100 when both are halves.
     EXPECT_EQ(percentText(42.5, english()), "42%");
     EXPECT_EQ(percentText(57.5, english()), "58%");
@@ -63,7 +62,6 @@ TEST(Formatting, Spans) {
         EXPECT_EQ(roughDurationText(span, english()), test.rough);
         EXPECT_EQ(forecastDurationText(span, english()), test.forecast);
     }
-    EXPECT_EQ(durationText(Seconds(3 * 86400 + 18 * 3600), german()), "3 Tagen 18 Std.");
 }
 
 TEST(Formatting, InstantsNameTheirDayWhenItIsNotToday) {
@@ -77,10 +75,7 @@ TEST(Formatting, InstantsNameTheirDayWhenItIsNotToday) {
     for (const auto& [date, text] : cases) {
         EXPECT_EQ(instantText(zurich(date), now, english()), text);
     }
-    EXPECT_EQ(instantText(zurich({2026, 11, 28, 16, 15, 0}), now, german()), "16:15");
-    EXPECT_EQ(instantText(zurich({2026, 12, 4, 9, 10, 0}), now, german()), "Fr., 09:10");
     EXPECT_EQ(momentText(now, english()), "Nov 28, 2026 at 11:30 PM");
-    EXPECT_EQ(momentText(now, german()), "28.11.2026, 23:30");
     EXPECT_EQ(dateTimeText(now, english()), "11/28/2026, 11:30:00 PM");
 }
 

@@ -31,14 +31,7 @@ protected:
         page_.setContent(helpPageContent(section, query, samples::words(language)));
         QCoreApplication::sendPostedEvents();
     }
-    QAbstractButton* button(const QString& title) {
-        for (auto* each : page_.findChildren<QAbstractButton*>()) {
-            if (each->isVisible() && (each->text() == title || each->accessibleName() == title)) {
-                return each;
-            }
-        }
-        return nullptr;
-    }
+    QAbstractButton* button(const QString& title) { return testing::buttonNamed(page_, title); }
 
     std::vector<std::string> calls_;
     HelpPageActions actions_{
@@ -61,26 +54,7 @@ TEST_F(HelpPageTest, HasRoomForEverythingInEveryLanguage) {
              {HelpSection::reading, HelpSection::marks, HelpSection::failures,
               HelpSection::keyboard, HelpSection::support}) {
             show(section, {}, language);
-            const QWidget* first = nullptr;
-            for (const QWidget* widget : page_.findChildren<QWidget*>()) {
-                const auto* label = dynamic_cast<const kit::Label*>(widget);
-                if (label == nullptr || !label->isVisible() || label->text().isEmpty()) {
-                    continue;
-                }
-                first = first == nullptr ? label : first;
-                EXPECT_FALSE(label->isShortened())
-                    << language << ": " << label->text().toStdString();
-                EXPECT_GE(label->height(), label->heightForWidth(label->width()))
-                    << language << ": " << label->text().toStdString();
-            }
-            EXPECT_NE(first, nullptr);
-            for (const QWidget* stop : tabStops(page_)) {
-                const auto* control = qobject_cast<const QAbstractButton*>(stop);
-                EXPECT_FALSE(stop->accessibleName().isEmpty() &&
-                             (control == nullptr || control->text().isEmpty()))
-                    << stop->metaObject()->className();
-                EXPECT_LE(stop->mapTo(&page_, QPoint(stop->width(), 0)).x(), page_.width());
-            }
+            testing::expectNothingIsCut(page_, language);
         }
     }
 }
@@ -149,12 +123,7 @@ TEST(AboutPage, LeadsToEveryPageAndHasRoom) {
             }
         }
         EXPECT_EQ(opened, wanted) << language;
-        for (const QWidget* widget : page.findChildren<QWidget*>()) {
-            if (const auto* label = dynamic_cast<const kit::Label*>(widget)) {
-                EXPECT_FALSE(label->isVisible() && label->isShortened())
-                    << label->text().toStdString();
-            }
-        }
+        testing::expectNothingIsCut(page, language);
     }
 }
 

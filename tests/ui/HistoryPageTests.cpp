@@ -37,15 +37,7 @@ protected:
             historyPageContent(state, history, choice, samples::now(), samples::words("en")));
         page.show();
     }
-    QAbstractButton* button(const QString& name) {
-        for (QAbstractButton* candidate : page.findChildren<QAbstractButton*>()) {
-            if (candidate->text() == name) {
-                return candidate;
-            }
-        }
-        ADD_FAILURE() << "no button " << name.toStdString();
-        return nullptr;
-    }
+    QAbstractButton* button(const QString& name) { return testing::buttonNamed(page, name); }
     static void press(QWidget* widget, int key) {
         QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
         QCoreApplication::sendEvent(widget, &event);
@@ -123,23 +115,6 @@ TEST_F(History, LetsThePointsGoWhenItIsLeft) {
     EXPECT_TRUE(page.chartCard()->chart()->content().lines.empty());
     show({.agent = AgentProviderID::codex(), .range = ChartRange::year});
     EXPECT_EQ(page.chartCard()->chart()->content().agent, AgentProviderID::codex());
-}
-
-TEST_F(History, EveryControlHasANameAndItsPlaceInTheOrder) {
-    for (QWidget* control : page.controls()) {
-        const QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(control);
-        if (control->isVisibleTo(&page)) {
-            EXPECT_FALSE(spoken->text(QAccessible::Name).isEmpty())
-                << control->metaObject()->className();
-        }
-    }
-    for (QWidget* widget : page.findChildren<QWidget*>()) {
-        if (widget->focusPolicy() == Qt::StrongFocus && widget->isVisibleTo(&page)) {
-            const auto controls = page.controls();
-            EXPECT_NE(std::ranges::find(controls, widget), controls.end())
-                << widget->accessibleName().toStdString();
-        }
-    }
 }
 
 } // namespace

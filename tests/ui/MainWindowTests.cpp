@@ -80,14 +80,7 @@ protected:
         }
         return nullptr;
     }
-    bool says(const QString& words) {
-        for (const QLabel* label : view.findChildren<QLabel*>()) {
-            if (label->isVisibleTo(&view) && label->text() == words) {
-                return true;
-            }
-        }
-        return false;
-    }
+    bool says(const QString& words) { return testing::says(view, words); }
 
     AgentSummaryCard* cardOf(const QString& name) {
         for (QWidget* stop : tabStops(view)) {
@@ -230,16 +223,7 @@ TEST_F(MainWindow, ShowsTheFocusRingOfEveryControlWhole) {
     show(samples::failed());
     view.activateWindow();
     ASSERT_TRUE(waitUntil([this] { return view.isActiveWindow(); }));
-    if (view.focusWidget() != nullptr) {
-        view.focusWidget()->clearFocus();
-    }
-    for (QWidget* stop : tabStops(view)) {
-        stop->setFocus(Qt::TabFocusReason);
-        const auto* ring = findRing();
-        ASSERT_NE(ring, nullptr);
-        EXPECT_TRUE(ring->parentWidget()->rect().contains(ring->geometry()))
-            << stop->accessibleName().toStdString();
-    }
+    testing::expectFocusRingsAreWhole(view);
 }
 
 TEST_F(MainWindow, TakesTheFocusRingBackFromAnotherWindowUnlessAPressHadRemovedIt) {

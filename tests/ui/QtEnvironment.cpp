@@ -1,11 +1,15 @@
 #include "ui/QtEnvironment.h"
 
 #include "support/ProcessCensus.h"
+#include "ui/kit/FocusRing.h"
+#include "ui/kit/Label.h"
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLabel>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 
 namespace vellmark::testing {
@@ -83,6 +87,61 @@ std::vector<QWidget*> tabStops(QWidget& window) {
         }
     }
     return stops;
+}
+
+QAbstractButton* buttonNamed(const QWidget& view, const QString& words) {
+    for (auto* button : view.findChildren<QAbstractButton*>()) {
+        if (button->isVisibleTo(&view) &&
+            (button->text() == words || button->accessibleName() == words)) {
+            return button;
+        }
+    }
+    return nullptr;
+}
+
+bool says(const QWidget& view, const QString& words) {
+    return std::ranges::any_of(view.findChildren<QLabel*>(), [&](const QLabel* label) {
+        return label->isVisibleTo(&view) && label->text() == words;
+    });
+}
+
+void expectFocusRingsAreWhole(QWidget& view) {
+    if (view.focusWidget() != nullptr) {
+        view.focusWidget()->clearFocus();
+    }
+    for (QWidget* stop : tabStops(view)) {
+        stop->setFocus(Qt::TabFocusReason);
+        EXPECT_TRUE(view.rect().contains(QRect(stop->mapTo(&view, QPoint()), stop->size())))
+            << stop->accessibleName().toStdString();
+        const kit::FocusRing* ring = nullptr;
+        for (const QWidget* widget : view.findChildren<QWidget*>()) {
+            const auto* found = dynamic_cast<const kit::FocusRing*>(widget);
+            ring = found != nullptr ? found : ring;
+        }
+        ASSERT_NE(ring, nullptr) << stop->accessibleName().toStdString();
+        EXPECT_TRUE(ring->parentWidget()->rect().contains(ring->geometry()))
+            << stop->accessibleName().toStdString();
+    }
+}
+
+void expectNothingIsCut(const QWidget& view, const std::string& where) {
+    int labels = 0;
+    for (const QWidget* widget : view.findChildren<QWidget*>()) {
+        const auto* label = dynamic_cast<const kit::Label*>(widget);
+        if (!widget->isVisibleTo(&view)) {
+            continue;
+        }
+        if (label != nullptr && !label->text().isEmpty()) {
+            ++labels;
+            EXPECT_FALSE(label->isShortened()) << where << ": " << label->text().toStdString();
+            EXPECT_GE(label->height(), label->heightForWidth(label->width()))
+                << where << ": " << label->text().toStdString();
+        } else if (const auto* button = qobject_cast<const QAbstractButton*>(widget)) {
+            EXPECT_LE(button->mapTo(&view, button->rect().topRight()).x(), view.width())
+                << where << ": " << button->text().toStdString();
+        }
+    }
+    EXPECT_GT(labels, 0) << where;
 }
 
 } // namespace vellmark::testing

@@ -20,6 +20,7 @@ namespace vellmark {
 namespace {
 
 using samples::ReportMoment;
+using testing::buttonNamed;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using testing::pressKey;
@@ -46,15 +47,7 @@ protected:
         view_.setContent(supportReportContent(state_, samples::words("en")));
         QCoreApplication::processEvents();
     }
-    QAbstractButton* button(const QString& title) {
-        for (auto* each : view_.findChildren<QAbstractButton*>()) {
-            if (each->isVisible() && (each->text() == title || each->accessibleName() == title)) {
-                return each;
-            }
-        }
-        ADD_FAILURE() << "no button " << title.toStdString();
-        return nullptr;
-    }
+    QAbstractButton* button(const QString& title) { return buttonNamed(view_, title); }
     ReportTextView& text() { return *view_.text(); }
     QScrollBar& bar() { return *text().verticalScrollBar(); }
     void mouse(QEvent::Type type, QPointF at) {
@@ -110,19 +103,7 @@ TEST_F(SupportReportViewTest, NothingIsCutInAnyLanguage) {
         for (const std::string_view language : Localization::languages()) {
             for (int moment = 0; moment <= static_cast<int>(ReportMoment::failed); ++moment) {
                 show(static_cast<ReportMoment>(moment), std::string(language));
-                int right = 0;
-                for (const QWidget* widget : view_.findChildren<QWidget*>()) {
-                    const auto* label = dynamic_cast<const kit::Label*>(widget);
-                    const auto* pressed = qobject_cast<const QAbstractButton*>(widget);
-                    if (!widget->isVisible() || (label == nullptr && pressed == nullptr)) {
-                        continue;
-                    }
-                    EXPECT_FALSE(label != nullptr && label->isShortened())
-                        << language << ": " << label->text().toStdString();
-                    EXPECT_LE(widget->geometry().right(), view_.width()) << language;
-                    right = std::max(right, widget->geometry().right());
-                }
-                EXPECT_GT(right, 0);
+                testing::expectNothingIsCut(view_, std::string(language));
             }
         }
     }

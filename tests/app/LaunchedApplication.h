@@ -1,0 +1,67 @@
+#pragma once
+
+#include "app/VellmarkAppDelegate.h"
+#include "process/RunningChildren.h"
+#include "support/AgentSandbox.h"
+#include "ui/popover/Popover.h"
+
+#include <QApplication>
+#include <QEventLoop>
+#include <QWidget>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+namespace vellmark::tests {
+
+/// The application on a display that nobody sees, without a bus: its item is the strip.
+class LaunchedApplication : public testing::Test {
+protected:
+    void launch(LaunchOptions options = {}) {
+        options.language = "en";
+        delegate_ = std::make_unique<VellmarkAppDelegate>(options, sandbox_.machine());
+        outcome_ = delegate_->applicationDidFinishLaunching();
+    }
+    /// Termination closes the set of children for good.
+    void quit() {
+        delegate_.reset();
+        RunningChildren::reopen();
+    }
+    void TearDown() override { quit(); }
+
+    static bool eventually(const std::function<bool()>& condition) {
+        return becomesTrue(
+            [&] {
+                QApplication::processEvents(QEventLoop::AllEvents, 20);
+                return condition();
+            },
+            std::chrono::seconds(60));
+    }
+
+    /// The first visible window of a kind; null without one.
+    template<typename Window>
+    static Window* visible() {
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            if (auto* found = dynamic_cast<Window*>(window); found && found->isVisible()) {
+                return found;
+            }
+        }
+        return nullptr;
+    }
+
+    /// Opens the popover; a click within the gesture that closed it is refused, and repeated.
+    [[nodiscard]] bool opensPopover() {
+        return eventually([this] {
+            delegate_->togglePopover();
+            return visible<Popover>() != nullptr;
+        });
+    }
+
+    AgentSandbox sandbox_;
+    std::unique_ptr<VellmarkAppDelegate> delegate_;
+    LaunchOutcome outcome_ = LaunchOutcome::launched;
+};
+
+} // namespace vellmark::tests
