@@ -1,5 +1,6 @@
 #include "ForeignReaders.h"
 
+#include "Requirement.h"
 #include "model/HistorySampleParser.h"
 #include "model/UsageHistoryReader.h"
 #include "model/UsageJSON.h"
@@ -29,13 +30,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
-#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <map>
 #include <memory>
-#include <source_location>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -49,14 +47,6 @@ namespace fs = std::filesystem;
 
 const Instant readingTime(Seconds(785000000));
 constexpr std::string_view home = "/home/someone";
-
-void require(bool holds, std::source_location place = std::source_location::current()) {
-    if (!holds) {
-        std::fprintf(stderr, "%s, line %u: this does not hold\n", place.function_name(),
-                     static_cast<unsigned>(place.line()));
-        std::abort();
-    }
-}
 
 /// A directory of this process, for the readers of files; in memory where the system has such a
 /// place.
@@ -423,12 +413,19 @@ constexpr ForeignReader readers[] = {
 } // namespace
 
 std::span<const ForeignReader> foreignReaders() {
-    return readers;
+    static const std::vector<ForeignReader> all = [] {
+        std::vector<ForeignReader> joined = systemReaders();
+        joined.insert(joined.end(), std::begin(readers), std::end(readers));
+        std::ranges::sort(joined, {}, &ForeignReader::name);
+        return joined;
+    }();
+    return all;
 }
 
 const ForeignReader* foreignReader(std::string_view name) {
-    const auto found = std::ranges::find(readers, name, &ForeignReader::name);
-    return found == std::end(readers) ? nullptr : &*found;
+    const auto all = foreignReaders();
+    const auto found = std::ranges::find(all, name, &ForeignReader::name);
+    return found == all.end() ? nullptr : &*found;
 }
 
 } // namespace vellmark
