@@ -1,5 +1,6 @@
 #include "ForeignReaders.h"
 
+#include "Requirement.h"
 #include "model/HistorySampleParser.h"
 #include "model/UsageHistoryReader.h"
 #include "model/UsageJSON.h"
@@ -29,13 +30,11 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <map>
 #include <memory>
-#include <source_location>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -50,21 +49,15 @@ namespace fs = std::filesystem;
 const Instant readingTime(Seconds(785000000));
 constexpr std::string_view home = "/home/someone";
 
-void require(bool holds, std::source_location place = std::source_location::current()) {
-    if (!holds) {
-        std::fprintf(stderr, "%s, line %u: this does not hold\n", place.function_name(),
-                     static_cast<unsigned>(place.line()));
-        std::abort();
-    }
-}
-
 /// A directory of this process, for the readers of files; in memory where the system has such a
-/// place.
+/// place and nobody has chosen another.
 class Scratch {
 public:
     Scratch() {
         const char* const inMemory = "/dev/shm";
-        const fs::path base = ::access(inMemory, W_OK) == 0 ? inMemory : fs::temp_directory_path();
+        const bool isChosen = std::getenv("TMPDIR") != nullptr;
+        const fs::path base =
+            !isChosen && ::access(inMemory, W_OK) == 0 ? inMemory : fs::temp_directory_path();
         std::string name = (base / "vellmark-readers-XXXXXX").string();
         require(::mkdtemp(name.data()) != nullptr);
         path_ = name;
@@ -76,18 +69,24 @@ public:
     Scratch(const Scratch&) = delete;
     Scratch& operator=(const Scratch&) = delete;
 
-    /// Writes `bytes` as the whole of a file, which is opened for reading and writing.
-    int open(const char* name, std::string_view bytes) const {
-        const fs::path file = path_ / name;
-        const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-        require(descriptor >= 0 && ::ftruncate(descriptor, 0) == 0 &&
-                ::pwrite(descriptor, bytes.data(), bytes.size(), 0) ==
-                    static_cast<ssize_t>(bytes.size()));
+    /// For reading and writing.
+    int open(const char* name) const {
+        const int descriptor = ::open((path_ / name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+        require(descriptor >= 0);
         return descriptor;
     }
     fs::path write(const char* name, std::string_view bytes) const {
-        ::close(open(name, bytes));
+        const int descriptor = open(name);
+        fill(descriptor, bytes);
+        ::close(descriptor);
         return path_ / name;
+    }
+    /// `bytes` are the whole of the file. What it holds of them already keeps its place: to give
+    /// that back first costs more than to read it.
+    static void fill(int descriptor, std::string_view bytes) {
+        const auto size = static_cast<ssize_t>(bytes.size());
+        require(::pwrite(descriptor, bytes.data(), bytes.size(), 0) == size &&
+                ::ftruncate(descriptor, size) == 0);
     }
 
 private:
@@ -214,7 +213,8 @@ void readHistorySample(std::string_view bytes) {
 
 /// Read to its end, and reading on from there finds nothing more.
 void readHistory(std::string_view bytes) {
-    const int descriptor = scratch().open("usage-history.json", bytes);
+    static const int descriptor = scratch().open("usage-history.json");
+    Scratch::fill(descriptor, bytes);
     std::uint64_t visited = 0;
     const auto visit = [&visited](const StoredHistorySample&) { ++visited; };
     const HistoryFileScan scan = UsageHistoryReader::read(descriptor, visit);
@@ -224,7 +224,6 @@ void readHistory(std::string_view bytes) {
         require(visited == scan.sampleCount && again.sampleCount == visited &&
                 again.form == HistoryFileScan::Form::whole && again.samplesEnd == scan.samplesEnd);
     }
-    ::close(descriptor);
 }
 
 /// Entries come back as they are written.
@@ -257,26 +256,14 @@ public:
 };
 
 /// Every setting has a value and words for it, whatever stands in the file.
-void checkSettings(Preferences& preferences, std::string_view typed) {
+void readPreferences(std::string_view bytes) {
     static const Machine machine;
-    LaunchAtLoginController launchAtLogin(preferences, std::make_unique<NoLoginItem>());
-    SettingsCatalog catalog(preferences, machine, launchAtLogin);
+    const auto preferences = makePreferencesFile(scratch().write("preferences.json", bytes));
+    LaunchAtLoginController launchAtLogin(*preferences, std::make_unique<NoLoginItem>());
+    const SettingsCatalog catalog(*preferences, machine, launchAtLogin);
     for (const SettingItem& item : catalog.items()) {
         require(!catalog.value(item).empty() && !catalog.valueText(item, english()).empty());
-        if (typed.empty() || item.kind == SettingItem::Kind::executable) {
-            continue;
-        }
-        // What was taken is kept as it was typed, or in the form in which it is listed.
-        if (!catalog.set(item, std::string(typed))) {
-            const std::string value = catalog.value(item);
-            require(!catalog.set(item, value) && catalog.value(item) == value);
-        }
     }
-}
-
-void readPreferences(std::string_view bytes) {
-    const auto preferences = makePreferencesFile(scratch().write("preferences.json", bytes));
-    checkSettings(*preferences, {});
 }
 
 /// Keeps settings in memory.
@@ -305,6 +292,7 @@ public:
         put(key, std::move(list));
     }
     void remove(std::string_view key) override { values_.erase(std::string(key)); }
+    void removeAll() { values_.clear(); }
     void reload() override {}
     std::optional<std::error_code> writeError() const override { return std::nullopt; }
 
@@ -328,8 +316,20 @@ private:
 /// What the user types for a setting: every setting is tried, so no longer than somebody types.
 void readSettings(std::string_view bytes) {
     constexpr std::size_t longestTyped = std::size_t{1} << 14;
-    HeldPreferences preferences;
-    checkSettings(preferences, bytes.substr(0, longestTyped));
+    static const Machine machine;
+    static HeldPreferences preferences;
+    static LaunchAtLoginController launchAtLogin(preferences, std::make_unique<NoLoginItem>());
+    static SettingsCatalog catalog(preferences, machine, launchAtLogin);
+    preferences.removeAll();
+    const std::string typed(bytes.substr(0, longestTyped));
+    for (const SettingItem& item : catalog.items()) {
+        // What was taken is kept as it was typed, or in the form in which it is listed.
+        if (item.kind != SettingItem::Kind::executable && !catalog.set(item, typed)) {
+            const std::string value = catalog.value(item);
+            require(!value.empty() && !catalog.valueText(item, english()).empty());
+            require(!catalog.set(item, value) && catalog.value(item) == value);
+        }
+    }
 }
 
 /// The status line is put into somebody's settings and taken out again: they are as they were.
@@ -423,12 +423,19 @@ constexpr ForeignReader readers[] = {
 } // namespace
 
 std::span<const ForeignReader> foreignReaders() {
-    return readers;
+    static const std::vector<ForeignReader> all = [] {
+        std::vector<ForeignReader> joined = systemReaders();
+        joined.insert(joined.end(), std::begin(readers), std::end(readers));
+        std::ranges::sort(joined, {}, &ForeignReader::name);
+        return joined;
+    }();
+    return all;
 }
 
 const ForeignReader* foreignReader(std::string_view name) {
-    const auto found = std::ranges::find(readers, name, &ForeignReader::name);
-    return found == std::end(readers) ? nullptr : &*found;
+    const auto all = foreignReaders();
+    const auto found = std::ranges::find(all, name, &ForeignReader::name);
+    return found == all.end() ? nullptr : &*found;
 }
 
 } // namespace vellmark

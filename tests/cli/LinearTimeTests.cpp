@@ -232,6 +232,11 @@ std::vector<Input> activityLogInputs() {
             repeated("an entry without end", "x", "2026-11-20 14:31:20 notice codex: ")};
 }
 
+std::vector<Input> notificationInputs() {
+    return {repeated("posts and answers", "p0p0n05n06g6"), repeated("posts", "p0p1p2p3"),
+            repeated("refusals", "p0r0"), repeated("lost services", "p0p1l0")};
+}
+
 std::vector<Input> redactionInputs() {
     return {repeated("key words", "token "),
             repeated("begun values", "token: a "),
@@ -253,6 +258,7 @@ std::vector<Input> inputsFor(std::string_view reader) {
         {"claude-query", claudeQueryInputs},
         {"claude-screen", claudeScreenInputs},
         {"codex", codexInputs},
+        {"desktop-notifications", notificationInputs},
         {"history", historyInputs},
         {"last-readings", snapshotsInputs},
         {"preferences", preferencesInputs},

@@ -2,6 +2,7 @@
 
 #include "platform/linux/BusConnection.h"
 #include "platform/linux/SessionBusReturn.h"
+#include "platform/linux/ShownNotifications.h"
 
 #include <sdbus-c++/sdbus-c++.h>
 
@@ -84,41 +85,21 @@ public:
     }
 
     void post(const NotificationContent& content) override {
-        Shown& shown = shown_[content.id];
-        shown.isClosing = false;
-        if (shown.isSending) {
-            // What it takes the place of has no number yet.
-            shown.next = content;
-            return;
+        if (const auto sending = shown_.post(content)) {
+            send(*sending);
         }
-        send(shown, content);
     }
 
     void close(const std::string& id) override {
-        const auto found = shown_.find(id);
-        if (found == shown_.end()) {
-            return;
+        if (const auto number = shown_.close(id)) {
+            closeNumber(*number);
         }
-        if (found->second.isSending) {
-            found->second.isClosing = true;
-            return;
-        }
-        closeNumber(found->second.number);
-        shown_.erase(found);
     }
 
     bool openSystemSettings() const override { return false; }
     bool outlivesProgram() const override { return false; }
 
 private:
-    struct Shown {
-        /// The service's name for it; 0 before the first.
-        std::uint32_t number = 0;
-        bool isSending = false;
-        bool isClosing = false;
-        std::optional<NotificationContent> next;
-    };
-
     /// Nobody needs the service before it was looked for.
     void busReturned() {
         if (availability_ != Availability::unknown) {
@@ -147,21 +128,28 @@ private:
 
     void follow() {
         proxy_ = sdbus::createProxy(connection_->bus(), service, path);
+        // Signals name the notices of all programs.
         proxy_->uponSignal("ActionInvoked")
             .onInterface(interface)
             .call([this](std::uint32_t number, const std::string& action) {
-                choose(number, action);
+                if (const auto id = shown_.idOf(number)) {
+                    handlers_.chosen(*id, action == defaultAction ? std::string() : action);
+                }
             });
         proxy_->uponSignal("ActivationToken")
             .onInterface(interface)
             .call([this](std::uint32_t number, const std::string& token) {
-                if (!idOf(number).empty() && handlers_.activationToken) {
+                if (shown_.idOf(number) && handlers_.activationToken) {
                     handlers_.activationToken(token);
                 }
             });
         proxy_->uponSignal("NotificationClosed")
             .onInterface(interface)
-            .call([this](std::uint32_t number, std::uint32_t /*reason*/) { forget(number); });
+            .call([this](std::uint32_t number, std::uint32_t /*reason*/) {
+                if (const auto id = shown_.closed(number)) {
+                    handlers_.gone(*id);
+                }
+            });
         proxy_->finishRegistration();
         owner_ = connection_->bus().addMatch(
             "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
@@ -181,11 +169,8 @@ private:
     void ownerChanged(bool wasThere, bool isThere) {
         isAsking_ = false;
         if (wasThere) {
-            const auto lost = std::exchange(shown_, {});
-            for (const auto& [id, shown] : lost) {
-                if (shown.isSending) {
-                    handlers_.failed(id);
-                }
+            for (const std::string& id : shown_.lost()) {
+                handlers_.failed(id);
             }
             handlers_.allGone();
         }
@@ -224,7 +209,8 @@ private:
         return std::ranges::find(capabilities_, capability) != capabilities_.end();
     }
 
-    void send(Shown& shown, const NotificationContent& content) {
+    void send(const ShownNotifications::Sending& sending) {
+        const NotificationContent& content = sending.content;
         std::vector<std::string> actions;
         if (can("actions")) {
             // Services that show it as a button as well have a name for it.
@@ -239,39 +225,34 @@ private:
             hints.emplace("image-data", sdbus::Variant(imageData(icon_)));
         }
         try {
-            shown.isSending = true;
             proxy_->callMethodAsync("Notify")
                 .onInterface(interface)
-                .withArguments(std::string("Vellmark"), shown.number, std::string(), content.title,
+                .withArguments(std::string("Vellmark"), sending.replaces, std::string(),
+                               content.title,
                                can("body-markup") ? escaped(content.body) : content.body, actions,
                                hints, serversTimeout)
-                .uponReplyInvoke(
-                    [this, id = content.id](const sdbus::Error* error, std::uint32_t number) {
-                        sent(id, error != nullptr, number);
-                    });
+                .uponReplyInvoke([this, ticket = sending.ticket](const sdbus::Error* error,
+                                                                 std::uint32_t number) {
+                    answered(ticket, error ? std::nullopt : std::optional(number));
+                });
         } catch (const sdbus::Error&) {
             // The bus has gone, which tells so by itself.
         }
     }
 
-    void sent(const std::string& id, bool isRefused, std::uint32_t number) {
-        const auto found = shown_.find(id);
-        if (found == shown_.end()) {
-            return;
+    void answered(std::uint64_t ticket, std::optional<std::uint32_t> number) {
+        const ShownNotifications::Outcome outcome = shown_.answered(ticket, number);
+        if (outcome.close) {
+            closeNumber(*outcome.close);
         }
-        Shown& shown = found->second;
-        shown.isSending = false;
-        if (isRefused) {
-            shown_.erase(found);
-            handlers_.failed(id);
-            return;
+        if (outcome.send) {
+            send(*outcome.send);
         }
-        shown.number = number;
-        if (shown.isClosing) {
-            closeNumber(number);
-            shown_.erase(found);
-        } else if (const auto next = std::exchange(shown.next, std::nullopt)) {
-            send(shown, *next);
+        if (outcome.gone) {
+            handlers_.gone(*outcome.gone);
+        }
+        if (outcome.failed) {
+            handlers_.failed(*outcome.failed);
         }
     }
 
@@ -287,41 +268,13 @@ private:
         }
     }
 
-    std::string idOf(std::uint32_t number) const {
-        const auto found = std::ranges::find_if(shown_, [&](const auto& shown) {
-            return number != 0 && shown.second.number == number;
-        });
-        return found == shown_.end() ? std::string() : found->first;
-    }
-
-    // Signals name the notices of all programs.
-
-    void choose(std::uint32_t number, const std::string& action) {
-        if (const std::string id = idOf(number); !id.empty()) {
-            handlers_.chosen(id, action == defaultAction ? std::string() : action);
-        }
-    }
-
-    void forget(std::uint32_t number) {
-        const std::string id = idOf(number);
-        if (id.empty()) {
-            return;
-        }
-        if (Shown& shown = shown_[id]; shown.isSending) {
-            shown.number = 0;
-            return;
-        }
-        shown_.erase(id);
-        handlers_.gone(id);
-    }
-
     DescriptorWatcher& loop_;
     NotificationIcon icon_;
     Handlers handlers_;
     Availability availability_ = Availability::unknown;
     bool isAsking_ = false;
     std::vector<std::string> capabilities_;
-    std::map<std::string, Shown> shown_;
+    ShownNotifications shown_;
     std::shared_ptr<BusConnection> connection_;
     std::unique_ptr<sdbus::IProxy> proxy_;
     sdbus::Slot owner_;

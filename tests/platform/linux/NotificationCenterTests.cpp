@@ -1,10 +1,12 @@
 #include "platform/NotificationCenter.h"
 #include "platform/linux/PrivateBus.h"
+#include "platform/linux/ShownNotifications.h"
 #include "support/NotificationServer.h"
 #include "support/PollLoop.h"
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <map>
 
 namespace vellmark::tests {
@@ -136,6 +138,126 @@ TEST_F(NotificationCenterTest, OutlivesTheBusAndFindsTheNext) {
     ASSERT_TRUE(becomes(Availability::available));
     center_->post({.id = "a", .title = "t", .body = {}});
     ASSERT_TRUE(areShown(server, 1));
+}
+
+/// Answers with these types, of which a true service's are "as" and "u", and signals with any.
+class WrongServer {
+public:
+    WrongServer(const char* capabilities, const char* number)
+        : connection_(sdbus::createSessionBusConnection()),
+          object_(sdbus::createObject(*connection_, "/org/freedesktop/Notifications")) {
+        object_->registerMethod(service, "GetCapabilities", "", capabilities,
+                                [=](const sdbus::MethodCall& call) { answer(call, capabilities); });
+        object_->registerMethod(service, "Notify", "susssasa{sv}i", number,
+                                [=, this](const sdbus::MethodCall& call) {
+                                    answer(call, number);
+                                    hasShown_ = true;
+                                });
+        object_->finishRegistration();
+        connection_->requestName(service);
+        connection_->enterEventLoopAsync();
+    }
+    ~WrongServer() { connection_->leaveEventLoop(); }
+    WrongServer(const WrongServer&) = delete;
+    WrongServer& operator=(const WrongServer&) = delete;
+
+    bool hasShown() const { return hasShown_; }
+
+    template<typename... Values>
+    void signal(const std::string& name, const Values&... values) {
+        auto signal = object_->createSignal(service, name);
+        ((signal << values), ...);
+        object_->emitSignal(signal);
+    }
+
+private:
+    static constexpr auto service = "org.freedesktop.Notifications";
+
+    static void answer(const sdbus::MethodCall& call, std::string_view type) {
+        auto reply = call.createReply();
+        if (type == "s") {
+            reply << std::string("41");
+        } else if (type == "as") {
+            reply << std::vector<std::string>{"41"};
+        } else if (type == "u") {
+            reply << std::uint32_t{41};
+        }
+        reply.send();
+    }
+
+    std::atomic<bool> hasShown_ = false;
+    std::unique_ptr<sdbus::IConnection> connection_;
+    std::unique_ptr<sdbus::IObject> object_;
+};
+
+TEST_F(NotificationCenterTest, TakesAnswersOfOtherTypesForRefusalsAndLeavesOutSuchSignals) {
+    for (const char* const type : {"s", "u", ""}) {
+        const WrongServer server(type, "u");
+        center_ = makeCenter();
+        ASSERT_TRUE(becomes(Availability::unserved)) << type;
+    }
+    for (const char* const type : {"s", "as", ""}) {
+        center_ = makeCenter();
+        told_.clear();
+        const WrongServer server("as", type);
+        ASSERT_TRUE(becomes(Availability::available));
+        center_->post({.id = "a", .title = "t", .body = {}});
+        ASSERT_TRUE(isTold({"failed a"})) << type;
+        EXPECT_TRUE(loop_.turnUntil([&] { return server.hasShown(); }));
+    }
+    center_ = makeCenter();
+    told_.clear();
+    WrongServer server("as", "u");
+    ASSERT_TRUE(becomes(Availability::available));
+    center_->post({.id = "a", .title = "t", .body = {}});
+    ASSERT_TRUE(loop_.turnUntil([&] { return server.hasShown(); }));
+    for (const char* const name : {"ActionInvoked", "NotificationClosed", "ActivationToken"}) {
+        server.signal(name);
+        server.signal(name, std::string("41"), std::string("default"));
+        server.signal(name, std::vector<std::string>{"41"});
+        server.signal(name, std::uint32_t{41});
+    }
+    server.signal("ActionInvoked", std::uint32_t{41}, std::string("open"));
+    ASSERT_TRUE(isTold({"a:open"})) << "on the same connection";
+    EXPECT_EQ(center_->availability(), Availability::available);
+}
+
+// What a service may do that the one above does not.
+
+TEST(ShownNotifications, AnswersOfALostServiceMeanNothing) {
+    ShownNotifications shown;
+    const auto before = shown.post({.id = "a", .title = "1", .body = {}});
+    EXPECT_THAT(shown.lost(), ElementsAre("a"));
+    const auto after = shown.post({.id = "a", .title = "2", .body = {}});
+    ASSERT_TRUE(before && after);
+    // Whoever has handed over the name still answers what he was asked.
+    shown.answered(before->ticket, 5);
+    EXPECT_FALSE(shown.idOf(5));
+    EXPECT_FALSE(shown.answered(before->ticket, std::nullopt).failed);
+    shown.answered(after->ticket, 6);
+    EXPECT_EQ(shown.idOf(6), "a");
+}
+
+TEST(ShownNotifications, WhatCouldNotBeReplacedIsClosed) {
+    ShownNotifications shown;
+    shown.answered(shown.post({.id = "a", .title = "1", .body = {}})->ticket, 5);
+    const auto refused =
+        shown.answered(shown.post({.id = "a", .title = "2", .body = {}})->ticket, std::nullopt);
+    EXPECT_EQ(refused.failed, "a");
+    EXPECT_EQ(refused.close, 5U);
+    EXPECT_FALSE(shown.close("a"));
+}
+
+TEST(ShownNotifications, ANumberStandsForTheLastNoticeThatGotIt) {
+    ShownNotifications shown;
+    shown.answered(shown.post({.id = "a", .title = "1", .body = {}})->ticket, 1);
+    EXPECT_EQ(shown.answered(shown.post({.id = "b", .title = "2", .body = {}})->ticket, 1).gone,
+              "a");
+    EXPECT_EQ(shown.idOf(1), "b");
+    // None at all: it is shown, but can neither be closed nor replaced.
+    shown.answered(shown.post({.id = "c", .title = "3", .body = {}})->ticket, 0);
+    EXPECT_FALSE(shown.closed(0));
+    EXPECT_FALSE(shown.close("c"));
 }
 
 } // namespace

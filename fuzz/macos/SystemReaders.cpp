@@ -1,0 +1,9 @@
+#include "ForeignReaders.h"
+
+namespace vellmark {
+
+std::vector<ForeignReader> systemReaders() {
+    return {};
+}
+
+} // namespace vellmark
