@@ -44,9 +44,11 @@ void releaseUnusedMemory() {
 }
 
 void keepLittleUnusedMemory() {
-    // Left to itself, the limit grows with the largest block that was freed, and the tops of the
-    // threads' heaps, which malloc_trim does not reach, stay.
+    // Left to itself, the limit grows with the largest block that was freed.
     ::mallopt(M_TRIM_THRESHOLD, 256 * 1024);
+    // Each reading has a thread, which would get one of sixteen heaps and leave behind in it what
+    // malloc_trim does not reach. None of them allocates enough to wait for another.
+    ::mallopt(M_ARENA_MAX, 1);
 }
 
 } // namespace vellmark
