@@ -25,6 +25,7 @@ constexpr int topPadding = 12;
 constexpr int legendHeight = 22;
 constexpr int legendInset = 8; // the keys' own padding
 constexpr int legendGap = 6;
+constexpr int resetStroke = 15; // with the room around it, before its word
 constexpr int chartGap = 6;
 constexpr int bottomPadding = 8;
 constexpr int titleGap = 12;
@@ -101,11 +102,13 @@ void HistoryChartCard::resizeEvent(QResizeEvent* /*event*/) {
 }
 
 void HistoryChartCard::arrange() {
+    const int end = width() - padding - legendGap - resetStroke -
+                    static_cast<int>(std::ceil(kit::textWidth(resetWord_, kit::style::small)));
     int left = padding - legendInset;
     int top = topPadding - 2;
     for (std::size_t index = 0; index < keys_.size(); ++index) {
         const QSize wanted = keys_[index]->sizeHint();
-        if (left > padding && left + wanted.width() > width() - padding - 60) {
+        if (left > padding && left + wanted.width() > end) {
             left = padding - legendInset;
             top += legendHeight;
         }
@@ -132,7 +135,7 @@ void HistoryChartCard::paintEvent(QPaintEvent* /*event*/) {
     QPen pen(kit::color(kit::ColorRole::ink3), 1, Qt::CustomDashLine, Qt::RoundCap);
     pen.setDashPattern({0.5, 3});
     painter.setPen(pen);
-    const double x = box.left() - 7.5;
+    const double x = box.left() - resetStroke / 2.0;
     painter.drawLine(QPointF(x, box.top() + 5), QPointF(x, box.bottom() - 5));
 }
 
