@@ -109,7 +109,7 @@ void measure(std::size_t size) {
                                               .preferences = *preferences,
                                               .language = language,
                                               .presence = presence,
-                                              .prepare = [](QWidget&) {}});
+                                              .attachMenu = [](QWidget&) {}});
     store.flush();
     SupportReportModel& model = controller.model();
     const auto hasText = [&model] { return model.text() != nullptr; };
