@@ -84,14 +84,22 @@ icu::UnicodeString withPlainBlanks(icu::UnicodeString text) {
     return text;
 }
 
-/// Stands for the date in the locale's middle length, which no choice of fields describes.
+/// Stand for lengths of the locale: for the date of middle length because no choice of fields
+/// describes it, for the times because to choose fields takes half of what a status line takes.
 constexpr const char* middleDate = "date";
+constexpr const char* timeOfDay = "time";
+constexpr const char* exactTimeOfDay = "exact time";
 
 /// A format with the fields of `skeleton`, in the order and with the clock that the locale prefers.
 std::unique_ptr<icu::DateFormat> dateFormat(const char* skeleton, const icu::Locale& locale) {
+    using icu::DateFormat;
     if (skeleton == middleDate) {
-        return std::unique_ptr<icu::DateFormat>(
-            icu::DateFormat::createDateInstance(icu::DateFormat::kMedium, locale));
+        return std::unique_ptr<DateFormat>(
+            DateFormat::createDateInstance(DateFormat::kMedium, locale));
+    }
+    if (skeleton == timeOfDay || skeleton == exactTimeOfDay) {
+        return std::unique_ptr<DateFormat>(DateFormat::createTimeInstance(
+            skeleton == timeOfDay ? DateFormat::kShort : DateFormat::kMedium, locale));
     }
     UErrorCode status = U_ZERO_ERROR;
     const std::unique_ptr<icu::DateTimePatternGenerator> generator(
@@ -250,11 +258,11 @@ std::string forecastDurationText(Seconds span, const Localization& words) {
 }
 
 std::string timeText(Instant instant, const Localization& words) {
-    return dateText(instant, "jm", words);
+    return dateText(instant, timeOfDay, words);
 }
 
 std::string exactTimeText(Instant instant, const Localization& words) {
-    return dateText(instant, "jms", words);
+    return dateText(instant, exactTimeOfDay, words);
 }
 
 std::string dayText(Instant instant, Instant now, const Localization& words) {

@@ -85,6 +85,10 @@ TEST(Formatting, TheRegionChoosesTheClockAndTheLanguageTheNames) {
     EXPECT_EQ(instantText(reset, now, Localization("en", "de_CH", zurichName)), "8 Dec, 16:15");
     EXPECT_EQ(timeText(reset, Localization("en", "fr_FR", zurichName)), "16:15");
     EXPECT_EQ(timeText(reset, Localization("en", "en_US", "Asia/Tokyo")), "12:15 AM");
+    // Germans in America: no locale of its own, and the clock is the country's.
+    EXPECT_EQ(timeText(reset, Localization("de", "de_US", zurichName)), "4:15 PM");
+    EXPECT_EQ(exactTimeText(reset, Localization("de", "de_US", zurichName)), "4:15:00 PM");
+    EXPECT_EQ(exactTimeText(reset, Localization("de", "de_CH", zurichName)), "16:15:00");
     EXPECT_EQ(instantText(reset, now, Localization("ar", "", zurichName)), "8. Dez., 16:15");
     EXPECT_EQ(percentText(62, Localization("en", "ar_EG", zurichName)), "62%");
     EXPECT_EQ(dateTimeText(now, Localization("de", "th_TH", zurichName)), "28.11.2026, 12:00:00");
