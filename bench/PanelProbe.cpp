@@ -2,9 +2,8 @@
 // arguments and prints what it costs, each figure beside its limit. Used by
 // scripts/desktop-measure.
 
+#include "platform/linux/BusLibrary.h"
 #include "support/NotifierPanel.h"
-
-#include <sdbus-c++/sdbus-c++.h>
 
 #include <algorithm>
 #include <array>
@@ -31,6 +30,7 @@ extern char** environ;
 namespace {
 
 using vellmark::tests::NotifierPanel;
+namespace bus = vellmark::bus;
 using Clock = std::chrono::steady_clock;
 using Pixmap = sdbus::Struct<std::int32_t, std::int32_t, std::vector<std::uint8_t>>;
 
@@ -202,7 +202,8 @@ class Item {
 public:
     explicit Item(const std::string& service)
         : connection_(sdbus::createSessionBusConnection()),
-          proxy_(sdbus::createProxy(*connection_, service, "/StatusNotifierItem")) {}
+          proxy_(sdbus::createProxy(*connection_, bus::ServiceName(service),
+                                    sdbus::ObjectPath("/StatusNotifierItem"))) {}
 
     std::size_t iconSizes() {
         return proxy_->getProperty("IconPixmap")
@@ -239,7 +240,8 @@ public:
         std::string path = "/" + identifier_;
         std::replace(path.begin(), path.end(), '.', '/');
         const std::uint32_t before = screen_.pixel(entryX, firstEntryY);
-        const auto application = sdbus::createProxy(*connection_, identifier_, path);
+        const auto application = sdbus::createProxy(*connection_, bus::ServiceName(identifier_),
+                                                    sdbus::ObjectPath(path));
         const auto start = Clock::now();
         application->callMethod("Activate")
             .onInterface("org.freedesktop.Application")
@@ -267,7 +269,8 @@ private:
 
     std::vector<std::string> names() {
         std::vector<std::string> result;
-        sdbus::createProxy(*connection_, "org.freedesktop.DBus", "/org/freedesktop/DBus")
+        sdbus::createProxy(*connection_, bus::ServiceName("org.freedesktop.DBus"),
+                           sdbus::ObjectPath("/org/freedesktop/DBus"))
             ->callMethod("ListNames")
             .onInterface("org.freedesktop.DBus")
             .storeResultsTo(result);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <sdbus-c++/sdbus-c++.h>
+#include "platform/linux/BusLibrary.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -29,37 +29,34 @@ public:
     explicit NotificationServer(std::vector<std::string> capabilities = {"actions", "body-markup"})
         : refuses_(std::ranges::find(capabilities, "refuses") != capabilities.end()),
           connection_(sdbus::createSessionBusConnection()),
-          object_(sdbus::createObject(*connection_, "/org/freedesktop/Notifications")) {
-        object_->registerMethod("GetCapabilities")
-            .onInterface(service)
-            .implementedAs([capabilities = std::move(capabilities)] { return capabilities; });
-        object_->registerMethod("Notify").onInterface(service).implementedAs(
-            [this](const std::string&, std::uint32_t replaces, const std::string&,
-                   const std::string& title, const std::string& body,
-                   const std::vector<std::string>& actions,
-                   const std::map<std::string, sdbus::Variant>& hints, std::int32_t) {
-                const std::lock_guard hold(lock_);
-                if (title == "refuse" || refuses_) {
-                    ++refusals_;
-                    throw sdbus::Error("org.example.Full", "no room");
-                }
-                shown_.push_back({replaces, title, body, actions, hints.contains("image-data")});
-                return replaces != 0 ? replaces : ++last_;
-            });
-        object_->registerMethod("CloseNotification")
-            .onInterface(service)
-            .implementedAs([this](std::uint32_t number) {
-                const std::lock_guard hold(lock_);
-                closed_.push_back(number);
-            });
-        object_->registerSignal("ActionInvoked")
-            .onInterface(service)
-            .withParameters<std::uint32_t, std::string>();
-        object_->registerSignal("NotificationClosed")
-            .onInterface(service)
-            .withParameters<std::uint32_t, std::uint32_t>();
-        object_->finishRegistration();
-        connection_->requestName(service);
+          object_(sdbus::createObject(*connection_,
+                                      sdbus::ObjectPath("/org/freedesktop/Notifications"))) {
+        bus::Interface(*object_, service)
+            .method("GetCapabilities",
+                    [capabilities = std::move(capabilities)] { return capabilities; })
+            .method("Notify",
+                    [this](const std::string&, std::uint32_t replaces, const std::string&,
+                           const std::string& title, const std::string& body,
+                           const std::vector<std::string>& actions,
+                           const std::map<std::string, sdbus::Variant>& hints, std::int32_t) {
+                        const std::lock_guard hold(lock_);
+                        if (title == "refuse" || refuses_) {
+                            ++refusals_;
+                            throw sdbus::Error(bus::ErrorName("org.example.Full"), "no room");
+                        }
+                        shown_.push_back(
+                            {replaces, title, body, actions, hints.contains("image-data")});
+                        return replaces != 0 ? replaces : ++last_;
+                    })
+            .method("CloseNotification",
+                    [this](std::uint32_t number) {
+                        const std::lock_guard hold(lock_);
+                        closed_.push_back(number);
+                    })
+            .signal<std::uint32_t, std::string>("ActionInvoked")
+            .signal<std::uint32_t, std::uint32_t>("NotificationClosed")
+            .publish();
+        connection_->requestName(bus::ServiceName(service));
         connection_->enterEventLoopAsync();
     }
     ~NotificationServer() { connection_->leaveEventLoop(); }

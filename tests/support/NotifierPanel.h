@@ -1,6 +1,6 @@
 #pragma once
 
-#include <sdbus-c++/sdbus-c++.h>
+#include "platform/linux/BusLibrary.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -16,19 +16,17 @@ class NotifierPanel {
 public:
     NotifierPanel()
         : connection_(sdbus::createSessionBusConnection()),
-          watcher_(sdbus::createObject(*connection_, "/StatusNotifierWatcher")) {
-        watcher_->registerMethod("RegisterStatusNotifierItem")
-            .onInterface(name)
-            .implementedAs([this](const std::string& service) {
-                const std::lock_guard hold(lock_);
-                registered_ = service;
-                arrived_.notify_all();
-            });
-        watcher_->registerProperty("IsStatusNotifierHostRegistered")
-            .onInterface(name)
-            .withGetter([] { return true; });
-        watcher_->finishRegistration();
-        connection_->requestName(name);
+          watcher_(sdbus::createObject(*connection_, sdbus::ObjectPath("/StatusNotifierWatcher"))) {
+        bus::Interface(*watcher_, name)
+            .method("RegisterStatusNotifierItem",
+                    [this](const std::string& service) {
+                        const std::lock_guard hold(lock_);
+                        registered_ = service;
+                        arrived_.notify_all();
+                    })
+            .property("IsStatusNotifierHostRegistered", [] { return true; })
+            .publish();
+        connection_->requestName(bus::ServiceName(name));
         connection_->enterEventLoopAsync();
     }
     ~NotifierPanel() { freeze(); }

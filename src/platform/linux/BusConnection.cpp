@@ -1,6 +1,6 @@
 #include "platform/linux/BusConnection.h"
 
-#include <sdbus-c++/Error.h>
+#include "platform/linux/BusLibrary.h"
 
 #include <utility>
 
@@ -48,7 +48,7 @@ void BusConnection::process() {
     // A handler may drop the last owner.
     const auto keepAlive = shared_from_this();
     try {
-        while (connection_->processPendingRequest()) {
+        while (bus::processPendingEvent(*connection_)) {
         }
     } catch (const sdbus::Error&) {
         watch_.reset();

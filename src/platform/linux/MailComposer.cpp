@@ -5,9 +5,8 @@
 
 #include "platform/ChildLaunch.h"
 #include "platform/Descriptor.h"
+#include "platform/linux/BusLibrary.h"
 #include "platform/linux/OpenBus.h"
-
-#include <sdbus-c++/sdbus-c++.h>
 
 #include <algorithm>
 #include <array>
@@ -64,13 +63,15 @@ public:
         std::string sender = connection_.getUniqueName().substr(1);
         std::ranges::replace(sender, '.', '_');
         const auto request = sdbus::createProxy(
-            connection_, portalName, std::string(portalPath) + "/request/" + sender + "/" + token);
+            connection_, bus::ServiceName(portalName),
+            sdbus::ObjectPath(std::string(portalPath) + "/request/" + sender + "/" + token));
         request->uponSignal("Response")
             .onInterface(requestInterface)
             .call([this](std::uint32_t response, const Options&) { response_ = response; });
-        request->finishRegistration();
-        const auto portal = sdbus::createProxy(connection_, portalName, portalPath);
-        portal->finishRegistration();
+        bus::receiveSignals(*request);
+        const auto portal = sdbus::createProxy(connection_, bus::ServiceName(portalName),
+                                               sdbus::ObjectPath(portalPath));
+        bus::receiveSignals(*portal);
         const Options options{{"handle_token", sdbus::Variant(std::string(token))},
                               {"address", sdbus::Variant(draft.recipient)},
                               {"subject", sdbus::Variant(draft.subject)},
@@ -81,8 +82,8 @@ public:
             .onInterface(mailInterface)
             .withTimeout(portalAnswers)
             .withArguments(std::string(), options)
-            .uponReplyInvoke([this](const sdbus::Error* error, const sdbus::ObjectPath&) {
-                isRefused_ = error != nullptr;
+            .uponReplyInvoke([this](bus::CallError error, const sdbus::ObjectPath&) {
+                isRefused_ = bool(error);
             });
         handleMessages();
         constexpr std::uint32_t done = 0;
@@ -99,7 +100,7 @@ private:
     void handleMessages() {
         const auto end = Clock::now() + portalOpens;
         while (!isStopped_ && !response_ && !isRefused_.value_or(false) && Clock::now() < end) {
-            while (connection_.processPendingRequest()) {
+            while (bus::processPendingEvent(connection_)) {
             }
             const auto wanted = connection_.getEventLoopPollData();
             pollfd descriptor{wanted.fd, wanted.events, 0};

@@ -1,10 +1,9 @@
 #include "platform/NotificationCenter.h"
 
 #include "platform/linux/BusConnection.h"
+#include "platform/linux/BusLibrary.h"
 #include "platform/linux/SessionBusReturn.h"
 #include "platform/linux/ShownNotifications.h"
-
-#include <sdbus-c++/sdbus-c++.h>
 
 #include <algorithm>
 #include <map>
@@ -127,7 +126,8 @@ private:
     }
 
     void follow() {
-        proxy_ = sdbus::createProxy(connection_->bus(), service, path);
+        proxy_ = sdbus::createProxy(connection_->bus(), bus::ServiceName(service),
+                                    sdbus::ObjectPath(path));
         // Signals name the notices of all programs.
         proxy_->uponSignal("ActionInvoked")
             .onInterface(interface)
@@ -150,20 +150,22 @@ private:
                     handlers_.gone(*id);
                 }
             });
-        proxy_->finishRegistration();
-        owner_ = connection_->bus().addMatch(
+        bus::receiveSignals(*proxy_);
+        owner_ = bus::addMatch(
+            connection_->bus(),
             "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
             "member='NameOwnerChanged',arg0='org.freedesktop.Notifications'",
-            [this](sdbus::Message& message) {
+            [this](auto&& message) {
                 std::string name;
                 std::string before;
                 std::string after;
                 message >> name >> before >> after;
                 ownerChanged(!before.empty(), !after.empty());
             });
-        disconnected_ = connection_->bus().addMatch(
+        disconnected_ = bus::addMatch(
+            connection_->bus(),
             "type='signal',interface='org.freedesktop.DBus.Local',member='Disconnected'",
-            [this](sdbus::Message&) { ownerChanged(true, false); });
+            [this](auto&&) { ownerChanged(true, false); });
     }
 
     void ownerChanged(bool wasThere, bool isThere) {
@@ -187,12 +189,12 @@ private:
             isAsking_ = true;
             proxy_->callMethodAsync("GetCapabilities")
                 .onInterface(interface)
-                .uponReplyInvoke([this](const sdbus::Error* error,
-                                        const std::vector<std::string>& capabilities) {
-                    isAsking_ = false;
-                    capabilities_ = error ? std::vector<std::string>() : capabilities;
-                    setAvailability(error ? Availability::unserved : Availability::available);
-                });
+                .uponReplyInvoke(
+                    [this](bus::CallError error, const std::vector<std::string>& capabilities) {
+                        isAsking_ = false;
+                        capabilities_ = error ? std::vector<std::string>() : capabilities;
+                        setAvailability(error ? Availability::unserved : Availability::available);
+                    });
         } catch (const sdbus::Error&) {
             isAsking_ = false;
             availability_ = Availability::unserved;
@@ -231,10 +233,10 @@ private:
                                content.title,
                                can("body-markup") ? escaped(content.body) : content.body, actions,
                                hints, serversTimeout)
-                .uponReplyInvoke([this, ticket = sending.ticket](const sdbus::Error* error,
-                                                                 std::uint32_t number) {
-                    answered(ticket, error ? std::nullopt : std::optional(number));
-                });
+                .uponReplyInvoke(
+                    [this, ticket = sending.ticket](bus::CallError error, std::uint32_t number) {
+                        answered(ticket, error ? std::nullopt : std::optional(number));
+                    });
         } catch (const sdbus::Error&) {
             // The bus has gone, which tells so by itself.
         }
@@ -262,7 +264,7 @@ private:
             proxy_->callMethodAsync("CloseNotification")
                 .onInterface(interface)
                 .withArguments(number)
-                .uponReplyInvoke([](const sdbus::Error*) {});
+                .uponReplyInvoke([](bus::CallError) {});
         } catch (const sdbus::Error&) {
             // The bus has gone, and the notice with it.
         }

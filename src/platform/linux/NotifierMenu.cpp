@@ -26,20 +26,16 @@ std::string escapedLabel(const std::string& label) {
 
 NotifierMenu::NotifierMenu(sdbus::IConnection& bus, const std::string& path,
                            std::function<void(const std::string&)> onChosen)
-    : onChosen_(std::move(onChosen)), object_(sdbus::createObject(bus, path)) {
-    registerMethods();
-    registerProperties();
-    object_->registerSignal("LayoutUpdated")
-        .onInterface(menuInterface)
-        .withParameters<std::uint32_t, std::int32_t>();
-    object_->registerSignal("ItemsPropertiesUpdated")
-        .onInterface(menuInterface)
-        .withParameters<std::vector<ItemProperties>,
-                        std::vector<sdbus::Struct<std::int32_t, std::vector<std::string>>>>();
-    object_->registerSignal("ItemActivationRequested")
-        .onInterface(menuInterface)
-        .withParameters<std::int32_t, std::uint32_t>();
-    object_->finishRegistration();
+    : onChosen_(std::move(onChosen)), object_(sdbus::createObject(bus, sdbus::ObjectPath(path))) {
+    bus::Interface interface(*object_, menuInterface);
+    addMethods(interface);
+    addProperties(interface);
+    interface.signal<std::uint32_t, std::int32_t>("LayoutUpdated")
+        .signal<std::vector<ItemProperties>,
+                std::vector<sdbus::Struct<std::int32_t, std::vector<std::string>>>>(
+            "ItemsPropertiesUpdated")
+        .signal<std::int32_t, std::uint32_t>("ItemActivationRequested")
+        .publish();
 }
 
 void NotifierMenu::setItems(std::vector<NotifierMenuItem> items) {
@@ -68,79 +64,57 @@ std::vector<std::int32_t> NotifierMenu::enter(const std::vector<NotifierMenuItem
     return ids;
 }
 
-void NotifierMenu::registerMethods() {
-    object_->registerMethod("GetLayout")
-        .onInterface(menuInterface)
-        .withInputParamNames("parentId", "recursionDepth", "propertyNames")
-        .withOutputParamNames("revision", "layout")
-        .implementedAs(
-            [this](std::int32_t parent, std::int32_t depth, const std::vector<std::string>&) {
-                return std::make_tuple(revision_, layout(parent, depth));
-            });
-    object_->registerMethod("GetGroupProperties")
-        .onInterface(menuInterface)
-        .implementedAs([this](std::vector<std::int32_t> ids, const std::vector<std::string>&) {
-            std::vector<ItemProperties> answer;
-            if (ids.empty()) {
-                for (std::size_t index = 0; index < lines_.size(); ++index) {
-                    ids.push_back(firstID_ + static_cast<std::int32_t>(index));
-                }
+void NotifierMenu::addMethods(bus::Interface& interface) {
+    interface.method("GetLayout", [this](std::int32_t parent, std::int32_t depth,
+                                         const std::vector<std::string>&) {
+        return std::make_tuple(revision_, layout(parent, depth));
+    });
+    interface.method("GetGroupProperties",
+                     [this](std::vector<std::int32_t> ids, const std::vector<std::string>&) {
+                         std::vector<ItemProperties> answer;
+                         if (ids.empty()) {
+                             for (std::size_t index = 0; index < lines_.size(); ++index) {
+                                 ids.push_back(firstID_ + static_cast<std::int32_t>(index));
+                             }
+                         }
+                         for (const std::int32_t id : ids) {
+                             if (id == rootID || line(id) != nullptr) {
+                                 answer.emplace_back(id, properties(id));
+                             }
+                         }
+                         return answer;
+                     });
+    interface.method("GetProperty", [this](std::int32_t id, const std::string& name) {
+        const Properties all = properties(id);
+        const auto found = all.find(name);
+        if (found == all.end()) {
+            throw sdbus::Error(bus::ErrorName("com.canonical.dbusmenu.Error"), "no such property");
+        }
+        return found->second;
+    });
+    interface.method("Event",
+                     [this](std::int32_t id, const std::string& event, const sdbus::Variant&,
+                            std::uint32_t) { handleEvent(id, event); });
+    interface.method("EventGroup", [this](const std::vector<MenuEvent>& events) {
+        std::vector<std::int32_t> unknown;
+        for (const MenuEvent& event : events) {
+            if (!handleEvent(event.get<0>(), event.get<1>())) {
+                unknown.push_back(event.get<0>());
             }
-            for (const std::int32_t id : ids) {
-                if (id == rootID || line(id) != nullptr) {
-                    answer.emplace_back(id, properties(id));
-                }
-            }
-            return answer;
-        });
-    object_->registerMethod("GetProperty")
-        .onInterface(menuInterface)
-        .implementedAs([this](std::int32_t id, const std::string& name) {
-            const Properties all = properties(id);
-            const auto found = all.find(name);
-            if (found == all.end()) {
-                throw sdbus::Error("com.canonical.dbusmenu.Error", "no such property");
-            }
-            return found->second;
-        });
-    object_->registerMethod("Event")
-        .onInterface(menuInterface)
-        .implementedAs([this](std::int32_t id, const std::string& event, const sdbus::Variant&,
-                              std::uint32_t) { handleEvent(id, event); });
-    object_->registerMethod("EventGroup")
-        .onInterface(menuInterface)
-        .implementedAs([this](const std::vector<MenuEvent>& events) {
-            std::vector<std::int32_t> unknown;
-            for (const MenuEvent& event : events) {
-                if (!handleEvent(event.get<0>(), event.get<1>())) {
-                    unknown.push_back(event.get<0>());
-                }
-            }
-            return unknown;
-        });
-    object_->registerMethod("AboutToShow")
-        .onInterface(menuInterface)
-        .implementedAs([](std::int32_t) { return false; });
-    object_->registerMethod("AboutToShowGroup")
-        .onInterface(menuInterface)
-        .implementedAs([](const std::vector<std::int32_t>&) {
-            return std::make_tuple(std::vector<std::int32_t>(), std::vector<std::int32_t>());
-        });
+        }
+        return unknown;
+    });
+    interface.method("AboutToShow", [](std::int32_t) { return false; });
+    interface.method("AboutToShowGroup", [](const std::vector<std::int32_t>&) {
+        return std::make_tuple(std::vector<std::int32_t>(), std::vector<std::int32_t>());
+    });
 }
 
-void NotifierMenu::registerProperties() {
-    object_->registerProperty("Version").onInterface(menuInterface).withGetter([] {
-        return menuVersion;
-    });
-    object_->registerProperty("TextDirection").onInterface(menuInterface).withGetter([] {
-        return std::string("ltr");
-    });
-    object_->registerProperty("Status").onInterface(menuInterface).withGetter([] {
-        return std::string("normal");
-    });
-    object_->registerProperty("IconThemePath").onInterface(menuInterface).withGetter([] {
-        return std::vector<std::string>();
-    });
+void NotifierMenu::addProperties(bus::Interface& interface) {
+    interface.property("Version", [] { return menuVersion; });
+    interface.property("TextDirection", [] { return std::string("ltr"); });
+    interface.property("Status", [] { return std::string("normal"); });
+    interface.property("IconThemePath", [] { return std::vector<std::string>(); });
 }
 
 const NotifierMenu::Line* NotifierMenu::line(std::int32_t id) const {

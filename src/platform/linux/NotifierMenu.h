@@ -1,8 +1,7 @@
 #pragma once
 
+#include "platform/linux/BusLibrary.h"
 #include "platform/linux/StatusNotifierItem.h"
-
-#include <sdbus-c++/sdbus-c++.h>
 
 #include <cstdint>
 #include <functional>
@@ -28,8 +27,8 @@ private:
     using ItemProperties = sdbus::Struct<std::int32_t, Properties>;
     using MenuEvent = sdbus::Struct<std::int32_t, std::string, sdbus::Variant, std::uint32_t>;
 
-    void registerMethods();
-    void registerProperties();
+    void addMethods(bus::Interface& interface);
+    static void addProperties(bus::Interface& interface);
     /// A line of the menu, with the identifiers of those below it.
     struct Line {
         const NotifierMenuItem* item = nullptr;

@@ -9,9 +9,8 @@
 #include "platform/PrivateDirectory.h"
 #include "platform/RegularFile.h"
 #include "platform/linux/BusConnection.h"
+#include "platform/linux/BusLibrary.h"
 #include "platform/linux/SessionBusReturn.h"
-
-#include <sdbus-c++/sdbus-c++.h>
 
 #include <algorithm>
 #include <array>
@@ -44,10 +43,10 @@ constexpr auto startupIdData = "desktop-startup-id";
 /// Longer ones are none.
 constexpr std::size_t longestToken = 512;
 
-std::string objectPath(const std::string& identifier) {
+sdbus::ObjectPath objectPath(const std::string& identifier) {
     std::string path = "/" + identifier;
     std::replace(path.begin(), path.end(), '.', '/');
-    return path;
+    return sdbus::ObjectPath(path);
 }
 
 PlatformData platformData(const SingleInstanceRequest& request) {
@@ -85,26 +84,23 @@ public:
     BusName(std::shared_ptr<BusConnection> connection, const SingleInstanceRequest& request)
         : connection_(std::move(connection)),
           application_(sdbus::createObject(connection_->bus(), objectPath(request.identifier))) {
-        application_->registerMethod("Activate")
-            .onInterface(applicationInterface)
-            .implementedAs([request](const PlatformData& data) {
-                takeToken(request, data);
-                request.onShow();
-            });
-        application_->registerMethod("Open")
-            .onInterface(applicationInterface)
-            .implementedAs([request](const std::vector<std::string>&, const PlatformData& data) {
-                takeToken(request, data);
-                request.onShow();
-            });
-        application_->registerMethod("ActivateAction")
-            .onInterface(applicationInterface)
-            .implementedAs([request](const std::string& action, const std::vector<sdbus::Variant>&,
-                                     const PlatformData& data) {
-                takeToken(request, data);
-                action == popoverAction ? popoverRequest(request)() : request.onShow();
-            });
-        application_->finishRegistration();
+        bus::Interface interface(*application_, applicationInterface);
+        interface.method("Activate", [request](const PlatformData& data) {
+            takeToken(request, data);
+            request.onShow();
+        });
+        interface.method("Open",
+                         [request](const std::vector<std::string>&, const PlatformData& data) {
+                             takeToken(request, data);
+                             request.onShow();
+                         });
+        interface.method("ActivateAction",
+                         [request](const std::string& action, const std::vector<sdbus::Variant>&,
+                                   const PlatformData& data) {
+                             takeToken(request, data);
+                             action == popoverAction ? popoverRequest(request)() : request.onShow();
+                         });
+        interface.publish();
     }
 
 private:
@@ -114,8 +110,8 @@ private:
 
 void activateOwner(BusConnection& connection, const SingleInstanceRequest& request) {
     try {
-        const std::string path = objectPath(request.identifier);
-        auto owner = sdbus::createProxy(connection.bus(), request.identifier, path);
+        auto owner = sdbus::createProxy(connection.bus(), bus::ServiceName(request.identifier),
+                                        objectPath(request.identifier));
         if (request.asksForPopover) {
             owner->callMethod("ActivateAction")
                 .onInterface(applicationInterface)
@@ -136,7 +132,7 @@ std::unique_ptr<SingleInstance> nameOn(const std::shared_ptr<BusConnection>& con
                                        const SingleInstanceRequest& request) {
     // The object is there before the name, so that whoever finds the name can call it.
     auto instance = std::make_unique<BusName>(connection, request);
-    connection->bus().requestName(request.identifier);
+    connection->bus().requestName(bus::ServiceName(request.identifier));
     connection->process();
     return instance;
 }

@@ -1,9 +1,8 @@
 #include "platform/linux/StatusNotifierItem.h"
 
 #include "platform/linux/BusConnection.h"
+#include "platform/linux/BusLibrary.h"
 #include "platform/linux/NotifierMenu.h"
-
-#include <sdbus-c++/sdbus-c++.h>
 
 #include <optional>
 #include <unistd.h>
@@ -46,14 +45,15 @@ public:
           handlers_(std::move(handlers)),
           menu_(connection_->bus(), menuPath,
                 [this](const std::string& action) { handlers_.menuItemChosen(action); }),
-          item_(sdbus::createObject(connection_->bus(), itemPath)) {
+          item_(sdbus::createObject(connection_->bus(), sdbus::ObjectPath(itemPath))) {
         registerItem();
         busName_.append(itemInterface).append("-").append(std::to_string(::getpid())).append("-1");
-        connection_->bus().requestName(busName_);
+        connection_->bus().requestName(bus::ServiceName(busName_));
         followWatcher();
-        disconnected_ = connection_->bus().addMatch(
+        disconnected_ = bus::addMatch(
+            connection_->bus(),
             "type='signal',interface='org.freedesktop.DBus.Local',member='Disconnected'",
-            [this](sdbus::Message&) { setShown(false); });
+            [this](auto&&) { setShown(false); });
     }
 
     void setIcon(std::vector<NotifierPixmap> pixmaps) {
@@ -99,75 +99,60 @@ public:
 
 private:
     void registerItem() {
-        registerProperties();
-        item_->registerMethod("Activate")
-            .onInterface(itemInterface)
-            .implementedAs([this](std::int32_t x, std::int32_t y) { handlers_.activate(x, y); });
-        item_->registerMethod("SecondaryActivate")
-            .onInterface(itemInterface)
-            .implementedAs([this](std::int32_t x, std::int32_t y) { handlers_.activate(x, y); });
-        item_->registerMethod("ProvideXdgActivationToken")
-            .onInterface(itemInterface)
-            .implementedAs([this](const std::string& token) {
-                if (handlers_.activationToken) {
-                    handlers_.activationToken(token);
-                }
-            });
+        bus::Interface interface(*item_, itemInterface);
+        addProperties(interface);
+        interface.method("Activate",
+                         [this](std::int32_t x, std::int32_t y) { handlers_.activate(x, y); });
+        interface.method("SecondaryActivate",
+                         [this](std::int32_t x, std::int32_t y) { handlers_.activate(x, y); });
+        interface.method("ProvideXdgActivationToken", [this](const std::string& token) {
+            if (handlers_.activationToken) {
+                handlers_.activationToken(token);
+            }
+        });
         // Panels that show the menu themselves never call this.
-        item_->registerMethod("ContextMenu")
-            .onInterface(itemInterface)
-            .implementedAs([](std::int32_t, std::int32_t) {});
-        item_->registerMethod("Scroll")
-            .onInterface(itemInterface)
-            .implementedAs([](std::int32_t, const std::string&) {});
+        interface.method("ContextMenu", [](std::int32_t, std::int32_t) {});
+        interface.method("Scroll", [](std::int32_t, const std::string&) {});
         for (const char* signal :
              {"NewTitle", "NewIcon", "NewAttentionIcon", "NewOverlayIcon", "NewToolTip"}) {
-            item_->registerSignal(signal).onInterface(itemInterface);
+            interface.signal<>(signal);
         }
-        item_->registerSignal("NewStatus").onInterface(itemInterface).withParameters<std::string>();
-        item_->registerSignal("XAyatanaNewLabel")
-            .onInterface(itemInterface)
-            .withParameters<std::string, std::string>();
-        item_->finishRegistration();
+        interface.signal<std::string>("NewStatus");
+        interface.signal<std::string, std::string>("XAyatanaNewLabel");
+        interface.publish();
     }
 
     template<typename Value>
-    void registerProperty(const char* name, Value value) {
-        item_->registerProperty(name).onInterface(itemInterface).withGetter([value] {
-            return value;
-        });
+    static void addConstant(bus::Interface& interface, const char* name, Value value) {
+        interface.property(name, [value] { return value; });
     }
 
-    void registerProperties() {
-        registerProperty("Category", std::string("ApplicationStatus"));
-        registerProperty("Id", id_);
-        item_->registerProperty("Title").onInterface(itemInterface).withGetter([this] {
-            return isTitled_ ? title_ : std::string();
-        });
-        registerProperty("Status", std::string("Active"));
-        registerProperty("WindowId", std::int32_t{0});
-        registerProperty("IconThemePath", std::string());
-        registerProperty("IconName", std::string());
-        registerProperty("OverlayIconName", std::string());
-        registerProperty("OverlayIconPixmap", std::vector<Pixmap>());
-        registerProperty("AttentionIconName", std::string());
-        registerProperty("AttentionIconPixmap", std::vector<Pixmap>());
-        registerProperty("AttentionMovieName", std::string());
+    void addProperties(bus::Interface& interface) {
+        addConstant(interface, "Category", std::string("ApplicationStatus"));
+        addConstant(interface, "Id", id_);
+        interface.property("Title", [this] { return isTitled_ ? title_ : std::string(); });
+        addConstant(interface, "Status", std::string("Active"));
+        addConstant(interface, "WindowId", std::int32_t{0});
+        addConstant(interface, "IconThemePath", std::string());
+        addConstant(interface, "IconName", std::string());
+        addConstant(interface, "OverlayIconName", std::string());
+        addConstant(interface, "OverlayIconPixmap", std::vector<Pixmap>());
+        addConstant(interface, "AttentionIconName", std::string());
+        addConstant(interface, "AttentionIconPixmap", std::vector<Pixmap>());
+        addConstant(interface, "AttentionMovieName", std::string());
         // False: a left click opens the popover, only the right one the menu.
-        registerProperty("ItemIsMenu", false);
-        registerProperty("Menu", sdbus::ObjectPath(menuPath));
-        item_->registerProperty("IconPixmap").onInterface(itemInterface).withGetter([this] {
+        addConstant(interface, "ItemIsMenu", false);
+        addConstant(interface, "Menu", sdbus::ObjectPath(menuPath));
+        interface.property("IconPixmap", [this] {
             std::vector<Pixmap> icon;
             for (const NotifierPixmap& pixmap : pixmaps_) {
                 icon.push_back(wireForm(pixmap));
             }
             return icon;
         });
-        item_->registerProperty("XAyatanaLabel").onInterface(itemInterface).withGetter([this] {
-            return label_;
-        });
-        registerProperty("XAyatanaLabelGuide", std::string("100%"));
-        item_->registerProperty("ToolTip").onInterface(itemInterface).withGetter([this] {
+        interface.property("XAyatanaLabel", [this] { return label_; });
+        addConstant(interface, "XAyatanaLabelGuide", std::string("100%"));
+        interface.property("ToolTip", [this] {
             return ToolTip{std::string(), std::vector<Pixmap>(), toolTip_, std::string()};
         });
     }
@@ -181,10 +166,11 @@ private:
     }
 
     void followWatcher() {
-        watcherOwner_ = connection_->bus().addMatch(
+        watcherOwner_ = bus::addMatch(
+            connection_->bus(),
             "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
             "member='NameOwnerChanged',arg0='org.kde.StatusNotifierWatcher'",
-            [this](sdbus::Message& message) {
+            [this](auto&& message) {
                 std::string name;
                 std::string before;
                 std::string after;
@@ -195,14 +181,15 @@ private:
                     registerWithWatcher();
                 }
             });
-        watcher_ = sdbus::createProxy(connection_->bus(), watcherName, watcherPath);
+        watcher_ = sdbus::createProxy(connection_->bus(), bus::ServiceName(watcherName),
+                                      sdbus::ObjectPath(watcherPath));
         watcher_->uponSignal("StatusNotifierHostRegistered")
             .onInterface(watcherInterface)
             .call([this] { askForHost(); });
         watcher_->uponSignal("StatusNotifierHostUnregistered")
             .onInterface(watcherInterface)
             .call([this] { askForHost(); });
-        watcher_->finishRegistration();
+        bus::receiveSignals(*watcher_);
         registerWithWatcher();
     }
 
@@ -210,7 +197,7 @@ private:
         watcher_->callMethodAsync("RegisterStatusNotifierItem")
             .onInterface(watcherInterface)
             .withArguments(busName_)
-            .uponReplyInvoke([this](const sdbus::Error* error) {
+            .uponReplyInvoke([this](bus::CallError error) {
                 if (error) {
                     setShown(false);
                 } else {
@@ -224,7 +211,7 @@ private:
             .onInterface("org.freedesktop.DBus.Properties")
             .withArguments(std::string(watcherInterface),
                            std::string("IsStatusNotifierHostRegistered"))
-            .uponReplyInvoke([this](const sdbus::Error* error, const sdbus::Variant& value) {
+            .uponReplyInvoke([this](bus::CallError error, const sdbus::Variant& value) {
                 setShown(!error && value.containsValueOfType<bool>() && value.get<bool>());
             });
     }

@@ -5,9 +5,8 @@
 #include "platform/SystemAppearance.h"
 
 #include "platform/linux/BusConnection.h"
+#include "platform/linux/BusLibrary.h"
 #include "platform/linux/SessionBusReturn.h"
-
-#include <sdbus-c++/sdbus-c++.h>
 
 #include <cstdint>
 #include <string>
@@ -26,7 +25,7 @@ constexpr auto motionKey = "enable-animations";
 
 /// `Read` wraps the value in a variant of its own.
 sdbus::Variant unwrapped(sdbus::Variant value) {
-    while (value.peekValueType() == "v") {
+    while (value.containsValueOfType<sdbus::Variant>()) {
         value = value.get<sdbus::Variant>();
     }
     return value;
@@ -69,13 +68,14 @@ private:
 
     void subscribe() {
         try {
-            portal_ = sdbus::createProxy(connection_->bus(), "org.freedesktop.portal.Desktop",
-                                         "/org/freedesktop/portal/desktop");
+            portal_ = sdbus::createProxy(connection_->bus(),
+                                         bus::ServiceName("org.freedesktop.portal.Desktop"),
+                                         sdbus::ObjectPath("/org/freedesktop/portal/desktop"));
             portal_->uponSignal("SettingChanged")
                 .onInterface(settingsInterface)
                 .call([this](const std::string& space, const std::string& key,
                              const sdbus::Variant& value) { accept(space, key, value); });
-            portal_->finishRegistration();
+            bus::receiveSignals(*portal_);
             ask(schemeNamespace, schemeKey);
             ask(motionNamespace, motionKey);
             ask(schemeNamespace, contrastKey);
@@ -89,12 +89,11 @@ private:
         portal_->callMethodAsync("Read")
             .onInterface(settingsInterface)
             .withArguments(space, key)
-            .uponReplyInvoke(
-                [this, space, key](const sdbus::Error* error, const sdbus::Variant& value) {
-                    if (!error) {
-                        accept(space, key, value);
-                    }
-                });
+            .uponReplyInvoke([this, space, key](bus::CallError error, const sdbus::Variant& value) {
+                if (!error) {
+                    accept(space, key, value);
+                }
+            });
     }
 
     void accept(const std::string& space, const std::string& key, const sdbus::Variant& wrapped) {

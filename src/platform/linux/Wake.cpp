@@ -1,8 +1,7 @@
 #include "platform/Wake.h"
 
 #include "platform/linux/BusConnection.h"
-
-#include <sdbus-c++/sdbus-c++.h>
+#include "platform/linux/BusLibrary.h"
 
 namespace vellmark {
 namespace {
@@ -13,7 +12,8 @@ class LogindWake final : public WakeObserver {
 public:
     LogindWake(std::shared_ptr<BusConnection> connection, std::function<void()> onWake)
         : connection_(std::move(connection)),
-          manager_(sdbus::createProxy(connection_->bus(), logind, "/org/freedesktop/login1")) {
+          manager_(sdbus::createProxy(connection_->bus(), bus::ServiceName(logind),
+                                      sdbus::ObjectPath("/org/freedesktop/login1"))) {
         manager_->uponSignal("PrepareForSleep")
             .onInterface("org.freedesktop.login1.Manager")
             .call([onWake = std::move(onWake)](bool isGoingToSleep) {
@@ -21,7 +21,7 @@ public:
                     onWake();
                 }
             });
-        manager_->finishRegistration();
+        bus::receiveSignals(*manager_);
         connection_->process();
     }
 
@@ -31,8 +31,8 @@ private:
 };
 
 bool hasOwner(BusConnection& connection, const std::string& name) {
-    auto bus =
-        sdbus::createProxy(connection.bus(), "org.freedesktop.DBus", "/org/freedesktop/DBus");
+    auto bus = sdbus::createProxy(connection.bus(), bus::ServiceName("org.freedesktop.DBus"),
+                                  sdbus::ObjectPath("/org/freedesktop/DBus"));
     bool isOwned = false;
     bus->callMethod("NameHasOwner")
         .onInterface("org.freedesktop.DBus")

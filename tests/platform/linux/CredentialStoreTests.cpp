@@ -1,9 +1,9 @@
 #include "platform/CredentialStore.h"
+#include "platform/linux/BusLibrary.h"
 #include "platform/linux/PrivateBus.h"
 #include "support/ProcessCensus.h"
 
 #include <gtest/gtest.h>
-#include <sdbus-c++/sdbus-c++.h>
 
 #include <algorithm>
 #include <chrono>
@@ -20,21 +20,25 @@ class SecretServiceStandIn {
 public:
     SecretServiceStandIn(const std::string& address, Attributes item, bool locked)
         : connection_(sdbus::createSessionBusConnectionWithAddress(address)),
-          object_(sdbus::createObject(*connection_, "/org/freedesktop/secrets")) {
+          object_(
+              sdbus::createObject(*connection_, sdbus::ObjectPath("/org/freedesktop/secrets"))) {
         using Paths = std::vector<sdbus::ObjectPath>;
-        object_->registerMethod("SearchItems")
-            .onInterface("org.freedesktop.Secret.Service")
-            .implementedAs([item = std::move(item), locked](const Attributes& wanted) {
-                const bool found = std::all_of(wanted.begin(), wanted.end(), [&](const auto& one) {
-                    const auto own = item.find(one.first);
-                    return own != item.end() && own->second == one.second;
-                });
-                const Paths paths =
-                    found ? Paths{sdbus::ObjectPath("/org/freedesktop/secrets/item")} : Paths{};
-                return std::tuple<Paths, Paths>(locked ? Paths{} : paths, locked ? paths : Paths{});
-            });
-        object_->finishRegistration();
-        connection_->requestName("org.freedesktop.secrets");
+        bus::Interface(*object_, "org.freedesktop.Secret.Service")
+            .method("SearchItems",
+                    [item = std::move(item), locked](const Attributes& wanted) {
+                        const bool found =
+                            std::all_of(wanted.begin(), wanted.end(), [&](const auto& one) {
+                                const auto own = item.find(one.first);
+                                return own != item.end() && own->second == one.second;
+                            });
+                        const Paths paths =
+                            found ? Paths{sdbus::ObjectPath("/org/freedesktop/secrets/item")}
+                                  : Paths{};
+                        return std::tuple<Paths, Paths>(locked ? Paths{} : paths,
+                                                        locked ? paths : Paths{});
+                    })
+            .publish();
+        connection_->requestName(bus::ServiceName("org.freedesktop.secrets"));
         connection_->enterEventLoopAsync();
     }
 

@@ -1,9 +1,9 @@
 #include "platform/MailComposer.h"
+#include "platform/linux/BusLibrary.h"
 #include "platform/linux/PrivateBus.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sdbus-c++/sdbus-c++.h>
 
 #include <chrono>
 #include <fstream>
@@ -26,18 +26,20 @@ class MailPortal {
 public:
     explicit MailPortal(std::optional<std::uint32_t> response)
         : connection_(sdbus::createSessionBusConnection()),
-          portal_(sdbus::createObject(*connection_, "/org/freedesktop/portal/desktop")) {
-        portal_->registerMethod("ComposeEmail")
-            .onInterface("org.freedesktop.portal.Email")
-            .implementedAs([this, response](const std::string&,
-                                            const std::map<std::string, sdbus::Variant>& options) {
-                if (!response) {
-                    throw sdbus::Error("org.freedesktop.portal.Error.Failed", "no");
-                }
-                return compose(options, *response);
-            });
-        portal_->finishRegistration();
-        connection_->requestName("org.freedesktop.portal.Desktop");
+          portal_(sdbus::createObject(*connection_,
+                                      sdbus::ObjectPath("/org/freedesktop/portal/desktop"))) {
+        bus::Interface(*portal_, "org.freedesktop.portal.Email")
+            .method("ComposeEmail",
+                    [this, response](const std::string&,
+                                     const std::map<std::string, sdbus::Variant>& options) {
+                        if (!response) {
+                            throw sdbus::Error(
+                                bus::ErrorName("org.freedesktop.portal.Error.Failed"), "no");
+                        }
+                        return compose(options, *response);
+                    })
+            .publish();
+        connection_->requestName(bus::ServiceName("org.freedesktop.portal.Desktop"));
         connection_->enterEventLoopAsync();
     }
     ~MailPortal() { connection_->leaveEventLoop(); }
@@ -52,15 +54,14 @@ private:
                     options.at("subject").get<std::string>() + "|" +
                     options.at("body").get<std::string>() + "|" +
                     fs::read_symlink("/proc/self/fd/" + std::to_string(files.at(0).get())).string();
-        std::string sender = portal_->getCurrentlyProcessedMessage()->getSender().substr(1);
+        std::string sender = bus::caller(*portal_).substr(1);
         std::ranges::replace(sender, '.', '_');
-        const std::string path = "/org/freedesktop/portal/desktop/request/" + sender + "/" +
-                                 options.at("handle_token").get<std::string>();
+        const sdbus::ObjectPath path("/org/freedesktop/portal/desktop/request/" + sender + "/" +
+                                     options.at("handle_token").get<std::string>());
         request_ = sdbus::createObject(*connection_, path);
-        request_->registerSignal("Response")
-            .onInterface("org.freedesktop.portal.Request")
-            .withParameters<std::uint32_t, std::map<std::string, sdbus::Variant>>();
-        request_->finishRegistration();
+        bus::Interface(*request_, "org.freedesktop.portal.Request")
+            .signal<std::uint32_t, std::map<std::string, sdbus::Variant>>("Response")
+            .publish();
         request_->emitSignal("Response")
             .onInterface("org.freedesktop.portal.Request")
             .withArguments(response, std::map<std::string, sdbus::Variant>());

@@ -1,4 +1,5 @@
 #include "platform/NotificationCenter.h"
+#include "platform/linux/BusLibrary.h"
 #include "platform/linux/PrivateBus.h"
 #include "platform/linux/ShownNotifications.h"
 #include "support/NotificationServer.h"
@@ -7,7 +8,9 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
+#include <functional>
 #include <map>
+#include <string_view>
 
 namespace vellmark::tests {
 namespace {
@@ -143,18 +146,19 @@ TEST_F(NotificationCenterTest, OutlivesTheBusAndFindsTheNext) {
 /// Answers with these types, of which a true service's are "as" and "u", and signals with any.
 class WrongServer {
 public:
-    WrongServer(const char* capabilities, const char* number)
+    WrongServer(std::string_view capabilities, std::string_view number)
         : connection_(sdbus::createSessionBusConnection()),
-          object_(sdbus::createObject(*connection_, "/org/freedesktop/Notifications")) {
-        object_->registerMethod(service, "GetCapabilities", "", capabilities,
-                                [=](const sdbus::MethodCall& call) { answer(call, capabilities); });
-        object_->registerMethod(service, "Notify", "susssasa{sv}i", number,
-                                [=, this](const sdbus::MethodCall& call) {
-                                    answer(call, number);
-                                    hasShown_ = true;
-                                });
-        object_->finishRegistration();
-        connection_->requestName(service);
+          object_(sdbus::createObject(*connection_,
+                                      sdbus::ObjectPath("/org/freedesktop/Notifications"))) {
+        bus::Interface interface(*object_, service);
+        answer(interface, "GetCapabilities", capabilities, [] {});
+        answer(interface, "Notify", number,
+               [this](const std::string&, std::uint32_t, const std::string&, const std::string&,
+                      const std::string&, const std::vector<std::string>&,
+                      const std::map<std::string, sdbus::Variant>&,
+                      std::int32_t) { hasShown_ = true; });
+        interface.publish();
+        connection_->requestName(bus::ServiceName(service));
         connection_->enterEventLoopAsync();
     }
     ~WrongServer() { connection_->leaveEventLoop(); }
@@ -165,24 +169,34 @@ public:
 
     template<typename... Values>
     void signal(const std::string& name, const Values&... values) {
-        auto signal = object_->createSignal(service, name);
-        ((signal << values), ...);
-        object_->emitSignal(signal);
+        object_->emitSignal(name).onInterface(service).withArguments(values...);
     }
 
 private:
     static constexpr auto service = "org.freedesktop.Notifications";
 
-    static void answer(const sdbus::MethodCall& call, std::string_view type) {
-        auto reply = call.createReply();
+    template<typename Function>
+    static void answer(bus::Interface& interface, const char* name, std::string_view type,
+                       Function function) {
         if (type == "s") {
-            reply << std::string("41");
+            interface.method(name, returning(std::function(function), std::string("41")));
         } else if (type == "as") {
-            reply << std::vector<std::string>{"41"};
+            interface.method(name,
+                             returning(std::function(function), std::vector<std::string>{"41"}));
         } else if (type == "u") {
-            reply << std::uint32_t{41};
+            interface.method(name, returning(std::function(function), std::uint32_t{41}));
+        } else {
+            interface.method(name, function);
         }
-        reply.send();
+    }
+
+    template<typename... Arguments, typename Value>
+    static std::function<Value(Arguments...)> returning(std::function<void(Arguments...)> function,
+                                                        Value value) {
+        return [=](Arguments... arguments) {
+            function(arguments...);
+            return value;
+        };
     }
 
     std::atomic<bool> hasShown_ = false;

@@ -1,10 +1,10 @@
+#include "platform/linux/BusLibrary.h"
 #include "platform/linux/PrivateBus.h"
 #include "platform/linux/StatusNotifierItem.h"
 #include "support/NotifierPanel.h"
 #include "support/PollLoop.h"
 
 #include <gmock/gmock.h>
-#include <sdbus-c++/sdbus-c++.h>
 
 #include <atomic>
 #include <thread>
@@ -47,7 +47,8 @@ protected:
         std::thread panel([&] {
             try {
                 const auto connection = sdbus::createSessionBusConnection();
-                const auto proxy = sdbus::createProxy(*connection, name(), path);
+                const auto proxy = sdbus::createProxy(*connection, bus::ServiceName(name()),
+                                                      sdbus::ObjectPath(path));
                 call(*proxy);
             } catch (...) {
                 failure = std::current_exception();

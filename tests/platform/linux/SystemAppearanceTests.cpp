@@ -1,9 +1,9 @@
 #include "platform/SystemAppearance.h"
+#include "platform/linux/BusLibrary.h"
 #include "platform/linux/PrivateBus.h"
 #include "support/PollLoop.h"
 
 #include <gtest/gtest.h>
-#include <sdbus-c++/sdbus-c++.h>
 
 #include <map>
 #include <mutex>
@@ -21,23 +21,24 @@ class Portal {
 public:
     explicit Portal(std::map<Setting, sdbus::Variant> settings)
         : settings_(std::move(settings)), connection_(sdbus::createSessionBusConnection()),
-          object_(sdbus::createObject(*connection_, "/org/freedesktop/portal/desktop")) {
-        object_->registerMethod("Read")
-            .onInterface(settingsInterface)
-            .implementedAs([this](const std::string& space, const std::string& key) {
-                const std::lock_guard hold(lock_);
-                const auto found = settings_.find({space, key});
-                if (found == settings_.end()) {
-                    throw sdbus::Error("org.freedesktop.portal.Error.NotFound", "no such setting");
-                }
-                // Wrapped once more, as the real one does.
-                return sdbus::Variant(found->second);
-            });
-        object_->registerSignal("SettingChanged")
-            .onInterface(settingsInterface)
-            .withParameters<std::string, std::string, sdbus::Variant>();
-        object_->finishRegistration();
-        connection_->requestName("org.freedesktop.portal.Desktop");
+          object_(sdbus::createObject(*connection_,
+                                      sdbus::ObjectPath("/org/freedesktop/portal/desktop"))) {
+        bus::Interface(*object_, settingsInterface)
+            .method("Read",
+                    [this](const std::string& space, const std::string& key) {
+                        const std::lock_guard hold(lock_);
+                        const auto found = settings_.find({space, key});
+                        if (found == settings_.end()) {
+                            throw sdbus::Error(
+                                bus::ErrorName("org.freedesktop.portal.Error.NotFound"),
+                                "no such setting");
+                        }
+                        // Wrapped once more, as the real one does.
+                        return sdbus::Variant(found->second);
+                    })
+            .signal<std::string, std::string, sdbus::Variant>("SettingChanged")
+            .publish();
+        connection_->requestName(bus::ServiceName("org.freedesktop.portal.Desktop"));
         connection_->enterEventLoopAsync();
     }
     ~Portal() { connection_->leaveEventLoop(); }

@@ -1,9 +1,9 @@
 #include "platform/Wake.h"
+#include "platform/linux/BusLibrary.h"
 #include "platform/linux/PrivateBus.h"
 #include "support/PollLoop.h"
 
 #include <gtest/gtest.h>
-#include <sdbus-c++/sdbus-c++.h>
 
 #include <chrono>
 #include <memory>
@@ -16,10 +16,10 @@ class Logind {
 public:
     Logind()
         : connection_(sdbus::createSystemBusConnection()),
-          manager_(sdbus::createObject(*connection_, "/org/freedesktop/login1")) {
-        manager_->registerSignal("PrepareForSleep").onInterface(interface).withParameters<bool>();
-        manager_->finishRegistration();
-        connection_->requestName("org.freedesktop.login1");
+          manager_(
+              sdbus::createObject(*connection_, sdbus::ObjectPath("/org/freedesktop/login1"))) {
+        bus::Interface(*manager_, interface).signal<bool>("PrepareForSleep").publish();
+        connection_->requestName(bus::ServiceName("org.freedesktop.login1"));
     }
 
     void prepareForSleep(bool begins) {

@@ -2,9 +2,8 @@
 // the paths of matching items and nothing else. A module of its own: see ../CredentialStore.cpp.
 
 #include "platform/CredentialStore.h"
+#include "platform/linux/BusLibrary.h"
 #include "platform/linux/OpenBus.h"
-
-#include <sdbus-c++/sdbus-c++.h>
 
 #include <algorithm>
 #include <chrono>
@@ -46,7 +45,8 @@ public:
         }
         try {
             const auto secrets =
-                sdbus::createProxy(*bus, "org.freedesktop.secrets", "/org/freedesktop/secrets");
+                sdbus::createProxy(*bus, bus::ServiceName("org.freedesktop.secrets"),
+                                   sdbus::ObjectPath("/org/freedesktop/secrets"));
             // Programs name the second attribute in two ways; both mean the same item.
             return anyItemMatches(*secrets, {{"service", service}, {"account", account}},
                                   deadline) ||
