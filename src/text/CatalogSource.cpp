@@ -12,9 +12,9 @@ using JSON = nlohmann::json;
 using Fault = CatalogFault;
 using Entry = CatalogSourceEntry;
 
-const JSON& member(const JSON& object, const char* name, const std::string& where) {
+const JSON& member(const JSON& object, const char* name, std::string_view where) {
     if (!object.is_object() || !object.contains(name)) {
-        throw Fault(where + ": no \"" + name + "\"");
+        throw Fault(std::string(where) + ": no \"" + name + "\"");
     }
     return object.at(name);
 }
