@@ -2,6 +2,7 @@
 
 #include "text/TerminalText.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <utility>

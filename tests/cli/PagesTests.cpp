@@ -9,6 +9,7 @@
 #include "support/HistoryDocument.h"
 #include "text/TerminalText.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <fstream>

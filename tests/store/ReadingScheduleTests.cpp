@@ -2,6 +2,8 @@
 #include "store/StoreFixture.h"
 #include "store/UsageHistory.h"
 
+#include <algorithm>
+
 namespace vellmark::tests {
 namespace {
 
