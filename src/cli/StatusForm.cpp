@@ -86,6 +86,7 @@ void StatusForm::understand(bool asJSON) {
         choice_.agent = agentArgument(*agent_);
     }
     choice_.window = window_;
+    choice_.listsAgents = !template_ && listsAgents(kind_);
 }
 
 std::string StatusForm::output(const StatusReport& report) const {

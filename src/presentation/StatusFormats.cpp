@@ -351,6 +351,11 @@ std::optional<StatusFormat> statusFormatNamed(std::string_view name) {
     return found == formats.end() ? std::nullopt : std::optional(found->format);
 }
 
+bool listsAgents(StatusFormat format) {
+    return format == StatusFormat::waybar || format == StatusFormat::swiftbar ||
+           format == StatusFormat::json;
+}
+
 std::string escapedFor(StatusFormat format, std::string_view text) {
     const std::string plain = singleLine(text);
     switch (format) {

@@ -29,6 +29,8 @@ enum class StatusFormat {
 const std::vector<std::string>& statusFormatNames();
 /// Absent for a name that is none.
 std::optional<StatusFormat> statusFormatNamed(std::string_view name);
+/// Whether it has a place for each agent by itself.
+bool listsAgents(StatusFormat format);
 
 /// `text` on one line, without what the program of that format would take for more than text.
 std::string escapedFor(StatusFormat format, std::string_view text);

@@ -123,7 +123,6 @@ StatusReport statusReport(const UsageState& state, const StatusChoice& choice, S
     const UsageState chosen = chosenAgents(state, choice);
     StatusReport report{.health = chosenHealth(chosen, choice, now)};
     report.healthText = healthText(report.health, words);
-    report.item = statusItemContent(chosen, now, words);
     report.refreshTitle = words.text("menu.statusItem.refresh");
     report.openTitle = words.text("menu.statusItem.open");
     if (const auto binding = bindingWindow(chosen, choice, now)) {
@@ -132,6 +131,10 @@ StatusReport statusReport(const UsageState& state, const StatusChoice& choice, S
     report.verdict =
         choice.window ? singleLine(windowLabel(*choice.window, words)) + " · " + report.healthText
                       : singleLine(verdictText(chosen, now, words, AgentNames::full));
+    if (!choice.listsAgents) {
+        return report;
+    }
+    report.item = statusItemContent(chosen, now, words);
     for (const AgentUsageSnapshot& snapshot : chosen.snapshots) {
         AgentBlockContent block =
             agentBlockContent(snapshot, chosen, now, words,

@@ -11,10 +11,12 @@
 
 namespace vellmark {
 
-/// Of which windows a status is told: of all, or of those of an agent or of one name.
+/// What a status is told of: all windows, or those of an agent or of one name.
 struct StatusChoice {
     std::optional<AgentProviderID> agent = {};
     std::optional<std::string> window = {};
+    /// Also each agent by itself, which takes a third of the time.
+    bool listsAgents = true;
 };
 
 /// The window that binds: nothing presses more than it.
@@ -64,7 +66,8 @@ struct StatusReport {
     /// What there is to say where no window is known.
     std::string verdict;
     std::optional<StatusWindow> window;
-    /// The chosen agents with the chosen windows.
+    /// The chosen agents with the chosen windows. Like `ages` and `item` not there unless agents are
+    /// listed.
     std::vector<AgentBlockContent> agents;
     /// In the order of `agents`, in seconds; absent where nothing was read.
     std::vector<std::optional<Seconds>> ages;

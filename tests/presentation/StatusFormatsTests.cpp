@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <map>
 #include <regex>
 #include <string>
 #include <utility>
@@ -181,6 +182,27 @@ TEST(StatusFormats, TellTheAgeOfOldFigures) {
         EXPECT_THAT(statusOutput(statusReport(old, {}, Seconds(1800), noon, english), format),
                     Not(HasSubstr(said)))
             << name;
+    }
+}
+
+/// What is not made for a format is not missed in it, and missed in the others.
+TEST(StatusFormats, NeedTheAgentsOnlyWhereTheyListThem) {
+    std::map<std::string, bool> isMissed;
+    for (const auto& [name, state] : states()) {
+        const StatusReport whole = reportOf(state);
+        const StatusReport brief = reportOf(state, {.listsAgents = false});
+        for (const std::string& format : statusFormatNames()) {
+            isMissed[format] |= statusOutput(brief, *statusFormatNamed(format)) !=
+                                statusOutput(whole, *statusFormatNamed(format));
+        }
+        for (const std::string& field : StatusTemplate::fieldNames()) {
+            const StatusTemplate one("{" + field + "}");
+            EXPECT_EQ(one.filled(brief, StatusFormat::text), one.filled(whole, StatusFormat::text))
+                << name << ' ' << field;
+        }
+    }
+    for (const auto& [format, isSo] : isMissed) {
+        EXPECT_EQ(isSo, listsAgents(*statusFormatNamed(format))) << format;
     }
 }
 
