@@ -95,6 +95,8 @@ public:
         }
     }
 
+    bool isUnderWay(const std::string& id) const override { return shown_.isUnderWay(id); }
+
     bool openSystemSettings() const override { return false; }
     bool outlivesProgram() const override { return false; }
 
@@ -169,6 +171,8 @@ private:
     }
 
     void ownerChanged(bool wasThere, bool isThere) {
+        // What the former one can do may still come.
+        asking_.cancel();
         isAsking_ = false;
         if (wasThere) {
             for (const std::string& id : shown_.lost()) {
@@ -187,10 +191,12 @@ private:
     void askForCapabilities() {
         try {
             isAsking_ = true;
-            proxy_->callMethodAsync("GetCapabilities")
-                .onInterface(interface)
-                .uponReplyInvoke(
-                    [this](bus::CallError error, const std::vector<std::string>& capabilities) {
+            asking_ =
+                proxy_->callMethodAsync("GetCapabilities")
+                    .onInterface(interface)
+                    .withTimeout(untilAnswered)
+                    .uponReplyInvoke([this](bus::CallError error,
+                                            const std::vector<std::string>& capabilities) {
                         isAsking_ = false;
                         capabilities_ = error ? std::vector<std::string>() : capabilities;
                         setAvailability(error ? Availability::unserved : Availability::available);
@@ -229,6 +235,7 @@ private:
         try {
             proxy_->callMethodAsync("Notify")
                 .onInterface(interface)
+                .withTimeout(untilAnswered)
                 .withArguments(std::string("Vellmark"), sending.replaces, std::string(),
                                content.title,
                                can("body-markup") ? escaped(content.body) : content.body, actions,
@@ -275,6 +282,7 @@ private:
     Handlers handlers_;
     Availability availability_ = Availability::unknown;
     bool isAsking_ = false;
+    sdbus::PendingAsyncCall asking_;
     std::vector<std::string> capabilities_;
     ShownNotifications shown_;
     std::shared_ptr<BusConnection> connection_;

@@ -196,6 +196,7 @@ private:
     void registerWithWatcher() {
         watcher_->callMethodAsync("RegisterStatusNotifierItem")
             .onInterface(watcherInterface)
+            .withTimeout(untilAnswered)
             .withArguments(busName_)
             .uponReplyInvoke([this](bus::CallError error) {
                 if (error) {
@@ -209,6 +210,7 @@ private:
     void askForHost() {
         watcher_->callMethodAsync("Get")
             .onInterface("org.freedesktop.DBus.Properties")
+            .withTimeout(untilAnswered)
             .withArguments(std::string(watcherInterface),
                            std::string("IsStatusNotifierHostRegistered"))
             .uponReplyInvoke([this](bus::CallError error, const sdbus::Variant& value) {
