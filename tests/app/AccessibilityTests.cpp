@@ -11,6 +11,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QMenu>
 #include <QProgressBar>
 #include <gmock/gmock.h>
@@ -245,7 +246,7 @@ TEST_F(AccessibilityTest, EveryStepOfTheSetupIsToldAndReachedByKeys) {
     auto* assistant = visible<SetupAssistantView>();
     std::set<QString> titles;
     for (int step = 0; step < 4; ++step) {
-        const QString title = assistant->findChild<kit::Label*>()->text();
+        const QString title = assistant->findChild<QLabel*>()->text();
         SCOPED_TRACE(title.toStdString());
         titles.insert(title);
         expectEverythingIsTold(*assistant);

@@ -5,7 +5,6 @@
 #include "text/Localization.h"
 #include "ui/LegalWindow.h"
 #include "ui/kit/SidebarEntry.h"
-#include "ui/kit/TextArea.h"
 #include "ui/popover/AgentBlock.h"
 #include "ui/report/ReportTextView.h"
 #include "ui/report/SupportReportView.h"
@@ -15,6 +14,7 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QKeyEvent>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QSet>
 #include <QStringList>
@@ -171,7 +171,7 @@ TEST_F(VellmarkAppDelegateTest, ReportTellsWhatTheStoreKnowsAndNothingOfItStays)
     delegate_->showSupportReportFromMenu();
     auto* window = visible<SupportReportView>();
     ASSERT_TRUE(window);
-    window->findChild<kit::TextArea*>()->setPlainText("It hung.");
+    window->findChild<QPlainTextEdit*>()->setPlainText("It hung.");
     const auto text = [window] { return std::string(window->text()->rows().text()); };
     EXPECT_TRUE(eventually([&] { return text().find("What happened?\nIt hung.") < 2000; }));
     // Behind everything that the store still had to write, in the words of now.

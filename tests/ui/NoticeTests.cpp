@@ -2,6 +2,7 @@
 #include "ui/kit/Label.h"
 #include "ui/kit/Notice.h"
 
+#include <QLabel>
 #include <gtest/gtest.h>
 
 namespace vellmark::kit {
@@ -18,8 +19,8 @@ Label* wordsOf(Notice& notice, const QString& words) {
     look.buttonWords = QStringLiteral("Read again");
     notice.setLook(look);
     notice.resize(398, notice.heightForWidth(398));
-    for (Label* label : notice.findChildren<Label*>()) {
-        if (label->text() == words) {
+    for (QLabel* each : notice.findChildren<QLabel*>()) {
+        if (auto* label = dynamic_cast<Label*>(each); label != nullptr && label->text() == words) {
             return label;
         }
     }

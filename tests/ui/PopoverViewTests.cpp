@@ -19,6 +19,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace vellmark {
 namespace {
 
@@ -105,7 +107,10 @@ TEST_F(PopoverView, StandsCloserTogetherRatherThanToScrollForARow) {
     const auto heights = [this](const UsageState& state) {
         show(content(state));
         const QWidget* page = view.findChild<QScrollArea*>(QStringLiteral("content"))->widget();
-        return std::pair(page->height(), page->findChild<AgentBlock*>()->height());
+        const auto parts = page->findChildren<QWidget*>();
+        const auto block = std::ranges::find_if(
+            parts, [](QWidget* part) { return dynamic_cast<AgentBlock*>(part) != nullptr; });
+        return std::pair(page->height(), (*block)->height());
     };
     const auto [usual, usualBlock] = heights(samples::normal());
     const auto [credited, creditedBlock] = heights(samples::credited());

@@ -12,6 +12,7 @@
 #include <QClipboard>
 #include <QLineEdit>
 #include <QMouseEvent>
+#include <QPlainTextEdit>
 #include <QScrollBar>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -85,7 +86,7 @@ TEST_F(SupportReportViewTest, AsksForWhatIsPressedAndOffersOnlyWhatThereIs) {
                               "Leave e-mail addresses in the report"}) {
         button(title)->click();
     }
-    view_.findChild<kit::TextArea*>()->setPlainText("It hung.");
+    view_.findChild<QPlainTextEdit*>()->setPlainText("It hung.");
     QLineEdit* search = view_.findChild<QLineEdit*>();
     search->setFocus();
     search->setText("x");
