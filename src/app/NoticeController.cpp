@@ -63,6 +63,10 @@ void NoticeController::end() {
     subscription_.reset();
     if (!center_->outlivesProgram()) {
         for (const std::string& id : notices_.shownIDs()) {
+            // What the service has not taken is the next run's to tell.
+            if (center_->isUnderWay(id)) {
+                notices_.notShown(id);
+            }
             center_->close(id);
         }
     }

@@ -70,6 +70,8 @@ public:
     virtual void post(const NotificationContent& content) = 0;
     /// Nothing happens where none of this identifier is shown.
     virtual void close(const std::string& id) = 0;
+    /// Whether it was posted and the service has not taken it yet.
+    virtual bool isUnderWay(const std::string& id) const = 0;
     /// Where the user allows notices; false where the system has no such place.
     virtual bool openSystemSettings() const = 0;
     /// Whether notices outlive the program: a click on one starts it again.

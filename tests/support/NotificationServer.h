@@ -66,6 +66,10 @@ public:
     NotificationServer(const NotificationServer&) = delete;
     NotificationServer& operator=(const NotificationServer&) = delete;
 
+    /// Stays on the bus and answers nothing until it is thawed.
+    void freeze() { connection_->leaveEventLoop(); }
+    void thaw() { connection_->enterEventLoopAsync(); }
+
     std::vector<Shown> shown() const {
         const std::lock_guard hold(lock_);
         return shown_;

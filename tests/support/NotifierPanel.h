@@ -35,6 +35,7 @@ public:
 
     /// Stays on the bus and answers nothing any more.
     void freeze() { connection_->leaveEventLoop(); }
+    void thaw() { connection_->enterEventLoopAsync(); }
     NotifierPanel(const NotifierPanel&) = delete;
     NotifierPanel& operator=(const NotifierPanel&) = delete;
 

@@ -96,6 +96,8 @@ public:
         }
     }
 
+    bool isUnderWay(const std::string& id) const override { return shown_.isUnderWay(id); }
+
     bool openSystemSettings() const override { return false; }
     bool outlivesProgram() const override { return false; }
 
@@ -167,6 +169,8 @@ private:
     }
 
     void ownerChanged(bool wasThere, bool isThere) {
+        // What the former one can do may still come.
+        asking_.cancel();
         isAsking_ = false;
         if (wasThere) {
             for (const std::string& id : shown_.lost()) {
@@ -185,14 +189,16 @@ private:
     void askForCapabilities() {
         try {
             isAsking_ = true;
-            proxy_->callMethodAsync("GetCapabilities")
-                .onInterface(interface)
-                .uponReplyInvoke([this](const sdbus::Error* error,
-                                        const std::vector<std::string>& capabilities) {
-                    isAsking_ = false;
-                    capabilities_ = error ? std::vector<std::string>() : capabilities;
-                    setAvailability(error ? Availability::unserved : Availability::available);
-                });
+            asking_ =
+                proxy_->callMethodAsync("GetCapabilities")
+                    .onInterface(interface)
+                    .withTimeout(untilAnswered)
+                    .uponReplyInvoke([this](const sdbus::Error* error,
+                                            const std::vector<std::string>& capabilities) {
+                        isAsking_ = false;
+                        capabilities_ = error ? std::vector<std::string>() : capabilities;
+                        setAvailability(error ? Availability::unserved : Availability::available);
+                    });
         } catch (const sdbus::Error&) {
             isAsking_ = false;
             availability_ = Availability::unserved;
@@ -227,6 +233,7 @@ private:
         try {
             proxy_->callMethodAsync("Notify")
                 .onInterface(interface)
+                .withTimeout(untilAnswered)
                 .withArguments(std::string("Vellmark"), sending.replaces, std::string(),
                                content.title,
                                can("body-markup") ? escaped(content.body) : content.body, actions,
@@ -273,6 +280,7 @@ private:
     Handlers handlers_;
     Availability availability_ = Availability::unknown;
     bool isAsking_ = false;
+    sdbus::PendingAsyncCall asking_;
     std::vector<std::string> capabilities_;
     ShownNotifications shown_;
     std::shared_ptr<BusConnection> connection_;

@@ -3,7 +3,9 @@
 #include <sdbus-c++/IConnection.h>
 
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <memory>
 
 namespace vellmark {
@@ -13,6 +15,10 @@ enum class MessageBus { session, system };
 /// How long opening a bus and each call on it may take: a bus that works answers in milliseconds,
 /// one that has stopped never.
 constexpr auto busAnswerLimit = std::chrono::seconds(2);
+/// For an asynchronous call whose answer counts however late it comes: a service that stands still
+/// carries out what it was sent once it goes on, and of one that ends the bus tells. In the
+/// library's microseconds.
+constexpr std::uint64_t untilAnswered = std::numeric_limits<std::uint64_t>::max();
 
 /// A connection to a message bus, made within `busAnswerLimit`, which also limits every call on it
 /// that names no limit. Null when there is no such bus or it does not answer. Any thread.

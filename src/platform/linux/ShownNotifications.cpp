@@ -88,6 +88,11 @@ std::optional<std::string> ShownNotifications::idOf(std::uint32_t number) const 
     return found == shown_.end() ? std::nullopt : std::optional(found->first);
 }
 
+bool ShownNotifications::isUnderWay(const std::string& id) const {
+    const auto found = shown_.find(id);
+    return found != shown_.end() && found->second.ticket != 0;
+}
+
 std::vector<std::string> ShownNotifications::lost() {
     std::vector<std::string> underWay;
     for (const auto& [id, shown] : std::exchange(shown_, {})) {

@@ -45,6 +45,8 @@ public:
     std::optional<std::string> closed(std::uint32_t number);
     /// Whose number it is; absent where it is none of ours.
     std::optional<std::string> idOf(std::uint32_t number) const;
+    /// Whether a sending of it has no answer yet.
+    bool isUnderWay(const std::string& id) const;
     /// The service has gone, and all notices with it. Returns those that were under way.
     std::vector<std::string> lost();
 

@@ -209,6 +209,7 @@ private:
     void registerWithWatcher() {
         watcher_->callMethodAsync("RegisterStatusNotifierItem")
             .onInterface(watcherInterface)
+            .withTimeout(untilAnswered)
             .withArguments(busName_)
             .uponReplyInvoke([this](const sdbus::Error* error) {
                 if (error) {
@@ -222,6 +223,7 @@ private:
     void askForHost() {
         watcher_->callMethodAsync("Get")
             .onInterface("org.freedesktop.DBus.Properties")
+            .withTimeout(untilAnswered)
             .withArguments(std::string(watcherInterface),
                            std::string("IsStatusNotifierHostRegistered"))
             .uponReplyInvoke([this](const sdbus::Error* error, const sdbus::Variant& value) {

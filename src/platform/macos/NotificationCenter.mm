@@ -103,6 +103,9 @@ public:
         [center() removeDeliveredNotificationsWithIdentifiers:[NSArray arrayWithObject:text(id)]];
     }
 
+    /// The system keeps what it was given, also for a program that has ended.
+    bool isUnderWay(const std::string& /*id*/) const override { return false; }
+
     bool openSystemSettings() const override {
         NSString* const page =
             @"x-apple.systempreferences:com.apple.Notifications-Settings.extension";
@@ -206,6 +209,7 @@ public:
     void lookForService(bool /*mayAskUser*/) override {}
     void post(const NotificationContent& /*content*/) override {}
     void close(const std::string& /*id*/) override {}
+    bool isUnderWay(const std::string& /*id*/) const override { return false; }
     bool openSystemSettings() const override { return false; }
     bool outlivesProgram() const override { return false; }
 };

@@ -121,5 +121,31 @@ TEST_F(NoticeControllerTest, AServiceThatRefusesIsNotAskedWithoutEnd) {
     EXPECT_EQ(server.shown().size(), 0U);
 }
 
+// The desktop stood still, and the user ended the session.
+TEST_F(NoticeControllerTest, WhatTheServiceHasNotTakenIsToldByTheNextRun) {
+    {
+        NotificationServer server;
+        makeController();
+        ASSERT_TRUE(refresh());
+        controller_->lookForService();
+        ASSERT_TRUE(
+            eventually([this] { return controller_->delivery() == NoticeDelivery::works; }));
+        server.freeze();
+        sandbox_.play("codex", "used-up");
+        ASSERT_TRUE(refresh());
+        ASSERT_TRUE(refresh());
+        const auto start = std::chrono::steady_clock::now();
+        controller_->end();
+        controller_.reset();
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+    }
+    const NotificationServer server;
+    makeController();
+    ASSERT_TRUE(refresh());
+    ASSERT_TRUE(refresh());
+    ASSERT_TRUE(eventually([&] { return server.shown().size() == 1; }));
+    EXPECT_EQ(server.shown().front().title, "Codex · Session: used up");
+}
+
 } // namespace
 } // namespace vellmark::tests

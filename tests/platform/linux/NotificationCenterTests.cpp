@@ -1,4 +1,5 @@
 #include "platform/NotificationCenter.h"
+#include "platform/linux/OpenBus.h"
 #include "platform/linux/PrivateBus.h"
 #include "platform/linux/ShownNotifications.h"
 #include "support/NotificationServer.h"
@@ -119,6 +120,48 @@ TEST_F(NotificationCenterTest, FollowsAServiceThatComesLateAndRestarts) {
         EXPECT_EQ(center_->availability(), Availability::unserved);
     }
     EXPECT_EQ(changes_, 5);
+}
+
+/// Any message wakes the program, and with it the library looks which calls have waited too long.
+void wake(NotificationServer& server) {
+    server.dismiss(7);
+}
+
+// A desktop that stood still for longer than calls may take carried out what it had been sent,
+// while the program believed it refused, and told everything once more.
+TEST_F(NotificationCenterTest, AServiceThatStandsStillTellsEachNoticeOnceWhenItGoesOn) {
+    NotificationServer server;
+    ASSERT_TRUE(becomes(Availability::available));
+    server.freeze();
+    const auto late = makeCenter();
+    late->lookForService(false);
+    center_->post({.id = "a", .title = "first", .body = {}});
+    for (int change = 0; change < 1000; ++change) {
+        center_->post({.id = "a", .title = "outdated", .body = {}});
+    }
+    center_->post({.id = "a", .title = "last", .body = {}});
+    center_->post({.id = "b", .title = "over", .body = {}});
+    center_->close("b");
+    EXPECT_TRUE(center_->isUnderWay("a"));
+    const auto until = std::chrono::steady_clock::now() + busAnswerLimit * 1.1;
+    ASSERT_TRUE(loop_.turnUntil([&] { return std::chrono::steady_clock::now() > until; }));
+    wake(server);
+    ASSERT_TRUE(areShown(server, 0));
+    EXPECT_THAT(told_, IsEmpty()) << "it has refused nothing";
+
+    server.thaw();
+    ASSERT_TRUE(areShown(server, 3));
+    ASSERT_TRUE(loop_.turnUntil([&] { return server.closed().size() == 1; }));
+    ASSERT_TRUE(loop_.turnUntil([&] { return late->availability() == Availability::available; }));
+    std::map<std::string, std::uint32_t> replaced;
+    for (const auto& shown : server.shown()) {
+        replaced[shown.title] = shown.replaces;
+    }
+    EXPECT_EQ(replaced,
+              (std::map<std::string, std::uint32_t>{{"first", 0U}, {"last", 41U}, {"over", 0U}}));
+    EXPECT_THAT(server.closed(), ElementsAre(42U));
+    ASSERT_TRUE(loop_.turnUntil([&] { return !center_->isUnderWay("a"); }));
+    EXPECT_THAT(told_, IsEmpty());
 }
 
 TEST_F(NotificationCenterTest, OutlivesTheBusAndFindsTheNext) {

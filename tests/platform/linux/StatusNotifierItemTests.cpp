@@ -1,3 +1,4 @@
+#include "platform/linux/OpenBus.h"
 #include "platform/linux/PrivateBus.h"
 #include "platform/linux/StatusNotifierItem.h"
 #include "support/NotifierPanel.h"
@@ -14,6 +15,7 @@ namespace vellmark::tests {
 namespace {
 
 using testing::ElementsAre;
+using testing::IsEmpty;
 
 constexpr auto itemInterface = "org.kde.StatusNotifierItem";
 constexpr auto menuInterface = "com.canonical.dbusmenu";
@@ -93,6 +95,21 @@ TEST_F(StatusNotifierItemTest, FollowsPanelsThatComeLaterAndRestart) {
         ASSERT_TRUE(loop_.turnUntil([&] { return !shown_.back(); }));
     }
     EXPECT_THAT(shown_, ElementsAre(false, true, false, true, false));
+}
+
+// Otherwise the program shows itself at another place as well.
+TEST_F(StatusNotifierItemTest, APanelThatStoodStillShowsItWhenItGoesOn) {
+    item_.reset();
+    NotifierPanel panel;
+    panel.freeze();
+    shown_.clear();
+    SetUp();
+    const auto until = std::chrono::steady_clock::now() + busAnswerLimit * 1.1;
+    ASSERT_TRUE(loop_.turnUntil([&] { return std::chrono::steady_clock::now() > until; }));
+    EXPECT_THAT(shown_, IsEmpty());
+    panel.thaw();
+    ASSERT_TRUE(loop_.turnUntil([&] { return !shown_.empty(); }));
+    EXPECT_THAT(shown_, ElementsAre(true));
 }
 
 TEST_F(StatusNotifierItemTest, ShowsIconAndToolTip) {
