@@ -223,6 +223,7 @@ constexpr int columnGap = 16;
 constexpr int figureRowGap = 14;
 constexpr int leastColumn = 120;
 constexpr int mostCaptionLines = 3;
+constexpr int mostWordLines = 3;
 } // namespace
 
 class FiguresCard::Figure {
@@ -232,6 +233,7 @@ public:
           word_(new kit::Label(kit::style::row, kit::ColorRole::ink2, parent)),
           caption_(new kit::Label(kit::style::small, kit::ColorRole::ink2, parent)) {
         caption_->setMostLines(mostCaptionLines);
+        word_->setMostLines(mostWordLines);
         for (kit::Label* label : {figure_, word_, caption_}) {
             label->show();
         }
@@ -261,19 +263,19 @@ public:
             word_->setGeometry(left + figure + wordGap, top + drop, width - figure - wordGap,
                                kit::style::row.lineHeight);
         } else {
-            word_->setGeometry(left, top + figureLine, width, kit::style::row.lineHeight);
+            word_->setGeometry(left, top + figureLine, width, word_->heightForWidth(width));
         }
         caption_->setGeometry(left, top + captionTop(width), width,
                               caption_->heightForWidth(width));
     }
 
 private:
-    /// A word that has no room beside its figure has a line for itself.
+    /// A word that has no room beside its figure has lines for itself.
     bool isWordBeside(int width) const {
         return figure_->wantedWidth() + wordGap + word_->wantedWidth() <= width;
     }
     int captionTop(int width) const {
-        return figureLine + captionGap + (isWordBeside(width) ? 0 : kit::style::row.lineHeight);
+        return figureLine + captionGap + (isWordBeside(width) ? 0 : word_->heightForWidth(width));
     }
 
     kit::Label* figure_;
