@@ -12,12 +12,10 @@
 #include "store/AgentSettings.h"
 #include "store/DemoHistory.h"
 #include "text/SystemErrorText.h"
-#include "text/TerminalText.h"
 
 #include <exception>
 #include <fcntl.h>
 #include <optional>
-#include <system_error>
 #include <unistd.h>
 
 namespace vellmark {
@@ -65,14 +63,6 @@ int runSubcommand(const CommandLine& commandLine, const std::optional<std::strin
     // Nothing that a subcommand started outlives the program, or the demo's directory.
     terminateAllChildren(Seconds(1));
     return status;
-}
-
-std::string faultText(const std::exception& fault, const Localization& words) {
-    // Without a thread or a process left there is nothing else to name; others name a file.
-    const auto* const error = dynamic_cast<const std::system_error*>(&fault);
-    return error != nullptr && error->code() == std::errc::resource_unavailable_try_again
-               ? systemErrorText(error->code(), words)
-               : singleLine(fault.what());
 }
 
 int statusAfterWriting(int status, const TerminalOutput& output, TerminalOutput& errors,
