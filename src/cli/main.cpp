@@ -52,14 +52,15 @@ int runSubcommand(const CommandLine& commandLine, const std::optional<std::strin
         sandbox = Machine::sandbox(*commandLine.sandbox);
     }
     const Machine& chosen = demo ? demo->machine() : sandbox ? *sandbox : machine;
-    const Localization words = wordsFor(language, sandbox ? *sandbox : machine);
+    const auto currentWords = [&] { return wordsFor(language, sandbox ? *sandbox : machine); };
+    const Localization words = currentWords();
     if (commandLine.subcommand->startsChildren() && !startChildWatcher()) {
         errors.write("vellmark: " + words.text("watcher.missing") + "\n");
     }
     if (commandLine.subcommand->startsChildren()) {
         AgentSettings(*makePreferences(chosen), providerRegistry()).applyExecutables(chosen);
     }
-    const int status = commandLine.subcommand->run({chosen, words, output, errors});
+    const int status = commandLine.subcommand->run({chosen, words, output, errors, currentWords});
     // Nothing that a subcommand started outlives the program, or the demo's directory.
     terminateAllChildren(Seconds(1));
     return status;
