@@ -15,6 +15,7 @@
 #include "probes/DemoSandbox.h"
 #include "process/ChildWatcher.h"
 #include "store/DemoHistory.h"
+#include "text/SystemErrorText.h"
 #include "text/TerminalText.h"
 #include "ui/GlyphPainter.h"
 #include "ui/kit/ToolTip.h"
@@ -156,7 +157,7 @@ int runProgram(int argc, char** argv) {
     try {
         return runOnChosenMachine(*application, options, machine);
     } catch (const std::exception& error) {
-        report(singleLine(error.what()));
+        report(faultText(error, words));
         return 1;
     }
 }

@@ -37,8 +37,9 @@ class StatusWatch {
 public:
     StatusWatch(const CommandContext& context, const StatusForm& form,
                 std::optional<Seconds> interval)
-        : context_(context), form_(form), interval_(interval),
-          preferences_(makePreferences(context.machine)) {}
+        : words_(context.words),
+          context_{context.machine, words_, context.output, context.errors, context.currentWords},
+          form_(form), interval_(interval), preferences_(makePreferences(context.machine)) {}
 
     int run() {
         context_.output.writeData(form_.streamHead());
@@ -47,7 +48,7 @@ public:
                                   context_.machine.statusLineFile().filename()},
                                  [this] { reload(); });
         settingsWatch_ = watchPreferences(loop_, context_.machine, [this] { takeSettings(); });
-        reload(); // what changes from here is told
+        takeSettings(); // what changes from here is told
         std::unique_ptr<DescriptorWatch> reader;
         if (isPipe(STDOUT_FILENO)) {
             // Nobody writes there: it can only be that the other end was closed.
@@ -70,6 +71,7 @@ private:
         if (store_) {
             store_->takeSettings();
         }
+        words_ = context_.currentWords();
         reload();
     }
 
@@ -153,7 +155,8 @@ private:
         }
     }
 
-    const CommandContext& context_;
+    Localization words_;
+    const CommandContext context_; ///< with our words
     const StatusForm& form_;
     std::optional<Seconds> interval_;
     TerminalLoop loop_;

@@ -7,6 +7,7 @@
 #include "text/Localization.h"
 #include "text/SystemErrorText.h"
 
+#include <functional>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -28,6 +29,8 @@ struct CommandContext {
     TerminalOutput& output;
     /// For messages; the subcommand's result goes to `output` alone.
     TerminalOutput& errors;
+    /// The words that hold by now: the user may choose another language while the program runs.
+    std::function<Localization()> currentWords;
 
     /// "vellmark: message" on the error stream.
     void report(const std::string& message) const { errors.write("vellmark: " + message + "\n"); }

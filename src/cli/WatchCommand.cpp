@@ -27,6 +27,7 @@
 #include <optional>
 #include <string>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace vellmark {
@@ -63,11 +64,13 @@ class Watch {
 public:
     /// Without an `interval` the setting holds.
     Watch(const CommandContext& context, std::optional<Seconds> interval, bool isCompact)
-        : context_(context), interval_(interval), isCompact_(isCompact),
+        : words_(context.words),
+          context_{context.machine, words_, context.output, context.errors, context.currentWords},
+          interval_(interval), isCompact_(isCompact),
           preferences_(makePreferences(context.machine)),
           store_({.machine = context.machine,
                   .registrations = providerRegistry(),
-                  .words = [&context] { return context.words; },
+                  .words = [this] { return words_; },
                   .storageTrouble = [this](const std::string& text) { tell(text); }},
                  loop_, *preferences_) {}
 
@@ -86,10 +89,11 @@ public:
         loop_.onResize([this] { show(); });
         const auto subscription =
             store_.observe({.willChange = {}, .didChange = [this] { show(); }});
+        settingsWatch_ = watchPreferences(loop_, context_.machine, [this] { takeSettings(); });
+        takeSettings(); // what was changed before the watch
         tick();
         store_.refresh(RefreshTrigger::launch);
         scheduleRefresh();
-        settingsWatch_ = watchPreferences(loop_, context_.machine, [this] { takeSettings(); });
         const int status = loop_.run();
         // The terminal is itself again before the children have been waited for.
         const bool hadPage = screen_.has_value();
@@ -115,6 +119,10 @@ private:
             scheduleRefresh();
         }
         store_.takeSettings();
+        if (Localization words = context_.currentWords(); words != words_) {
+            words_ = std::move(words);
+            show();
+        }
     }
 
     void scheduleRefresh() {
@@ -348,7 +356,8 @@ private:
     /// The foot and some lines about agents.
     static constexpr std::size_t leastLines = 5;
 
-    const CommandContext& context_;
+    Localization words_;
+    const CommandContext context_; ///< with our words
     std::optional<Seconds> interval_;
     std::vector<std::string> troubles_;
     bool isCompact_;

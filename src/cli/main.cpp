@@ -12,12 +12,10 @@
 #include "store/AgentSettings.h"
 #include "store/DemoHistory.h"
 #include "text/SystemErrorText.h"
-#include "text/TerminalText.h"
 
 #include <exception>
 #include <fcntl.h>
 #include <optional>
-#include <system_error>
 #include <unistd.h>
 
 namespace vellmark {
@@ -54,25 +52,18 @@ int runSubcommand(const CommandLine& commandLine, const std::optional<std::strin
         sandbox = Machine::sandbox(*commandLine.sandbox);
     }
     const Machine& chosen = demo ? demo->machine() : sandbox ? *sandbox : machine;
-    const Localization words = wordsFor(language, sandbox ? *sandbox : machine);
+    const auto currentWords = [&] { return wordsFor(language, sandbox ? *sandbox : machine); };
+    const Localization words = currentWords();
     if (commandLine.subcommand->startsChildren() && !startChildWatcher()) {
         errors.write("vellmark: " + words.text("watcher.missing") + "\n");
     }
     if (commandLine.subcommand->startsChildren()) {
         AgentSettings(*makePreferences(chosen), providerRegistry()).applyExecutables(chosen);
     }
-    const int status = commandLine.subcommand->run({chosen, words, output, errors});
+    const int status = commandLine.subcommand->run({chosen, words, output, errors, currentWords});
     // Nothing that a subcommand started outlives the program, or the demo's directory.
     terminateAllChildren(Seconds(1));
     return status;
-}
-
-std::string faultText(const std::exception& fault, const Localization& words) {
-    // Without a thread or a process left there is nothing else to name; others name a file.
-    const auto* const error = dynamic_cast<const std::system_error*>(&fault);
-    return error != nullptr && error->code() == std::errc::resource_unavailable_try_again
-               ? systemErrorText(error->code(), words)
-               : singleLine(fault.what());
 }
 
 int statusAfterWriting(int status, const TerminalOutput& output, TerminalOutput& errors,

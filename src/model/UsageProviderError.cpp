@@ -4,9 +4,29 @@
 #include "text/SystemErrorText.h"
 #include "text/TerminalText.h"
 
+#include <algorithm>
+
 namespace vellmark {
 
 namespace {
+
+/// Our own reasons for Antigravity, one of them with the system's behind it; everything else is the
+/// words of its program.
+std::string antigravityReason(const std::string& text, const Localization& words) {
+    constexpr std::string_view file = "temporary file";
+    constexpr std::string_view colon = ": ";
+    if (text == "too much output") {
+        return words.text("error.detail.tooMuchOutput");
+    }
+    if (text == file) {
+        return words.text("error.detail.temporaryFile");
+    }
+    const std::string_view rest = std::string_view(text).substr(std::min(file.size(), text.size()));
+    return text.starts_with(file) && rest.starts_with(colon)
+               ? words.format("error.detail.temporaryFile.reason",
+                              {systemReasonText(rest.substr(colon.size()), words)})
+               : text;
+}
 
 /// A message whose detail is empty must not end in a colon.
 std::string endedSentence(std::string message) {
@@ -102,6 +122,9 @@ std::string UsageProviderError::message(const Localization& words) const {
         const std::string text = index < texts_.size() ? detailText(texts_[index]) : std::string();
         if (kind_ == Kind::launchFailed && index == 1) {
             return systemReasonText(text, words);
+        }
+        if (kind_ == Kind::antigravityReadFailed) {
+            return antigravityReason(text, words);
         }
         return kind_ == Kind::executableMissing ? programName(text, words) : text;
     };

@@ -3,6 +3,7 @@
 #include "text/TerminalText.h"
 
 #include <array>
+#include <filesystem>
 #include <string_view>
 #include <utility>
 
@@ -50,6 +51,20 @@ std::string systemReasonText(std::string_view reason, const Localization& words)
         }
     }
     return words.format("system.other", {singleLine(reason)});
+}
+
+std::string faultText(const std::exception& fault, const Localization& words) {
+    if (const auto* file = dynamic_cast<const std::filesystem::filesystem_error*>(&fault)) {
+        return singleLine(file->path1().string()) + ": " + systemErrorText(file->code(), words);
+    }
+    const auto* error = dynamic_cast<const std::system_error*>(&fault);
+    if (error == nullptr) {
+        return singleLine(fault.what());
+    }
+    // Without a thread or a process left there is nothing else to name; others name a file.
+    return error->code() == std::errc::resource_unavailable_try_again
+               ? systemErrorText(error->code(), words)
+               : systemReasonText(fault.what(), words);
 }
 
 } // namespace vellmark

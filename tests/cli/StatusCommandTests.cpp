@@ -158,6 +158,16 @@ TEST_F(StatusWatch, FollowsTheReadingsOfOthers) {
     EXPECT_EQ(contentOf(support / "activity.log"), "somebody has just read\n");
 }
 
+TEST_F(StatusWatch, TakesTheLanguageThatIsChosenMeanwhile) {
+    read(60);
+    ProgramRun watch(watching({"--format", "i3bar", "--agent", "claude"}));
+    EXPECT_TRUE(watch.shows("Claude 40% left"));
+    setPreferences(R"({"AppLanguage":"it"})");
+    EXPECT_TRUE(watch.shows("40% residuo"));
+    ::kill(watch.pid(), SIGTERM);
+    watch.wait();
+}
+
 TEST_F(StatusWatch, WritesOnlyWhatIsNew) {
     read(60);
     ProgramRun::Setting wanted = watching({"--format", "{left}", "--agent", "claude"});

@@ -43,6 +43,22 @@ protected:
     void SetUp() override { setPreferences(R"({"DisabledProviders":["claude"]})"); }
 };
 
+TEST_F(WatchCommand, DrawsAnewInTheLanguageThatIsChosenMeanwhile) {
+    ProgramRun watch(setting({"watch"}, 90));
+    ASSERT_TRUE(watch.shows("q quit"));
+    setPreferences(R"({"DisabledProviders":["claude"],"AppLanguage":"de"})");
+    EXPECT_TRUE(watch.shows("q beenden"));
+    watch.type("q");
+    watch.wait();
+    // A language that was asked for stays.
+    ProgramRun english(setting({"watch", "--language", "en"}, 90));
+    ASSERT_TRUE(english.shows("q quit"));
+    setPreferences(R"({"DisabledProviders":["claude"],"AppLanguage":"it","FirstFigure":"used"})");
+    EXPECT_TRUE(english.shows("% used"));
+    english.type("q");
+    EXPECT_THAT(english.wait().output, Not(HasSubstr("q esci")));
+}
+
 TEST_F(WatchCommand, LeavesTheTerminalBitForBitAsItWasHoweverItEnds) {
     struct Case {
         const char* name;

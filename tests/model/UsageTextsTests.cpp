@@ -173,6 +173,16 @@ TEST(UsageProviderError, SaysWhatHappened) {
               "Codex ließ sich nicht starten: Das ist kein ausführbares Programm");
     EXPECT_EQ(Error::launchFailed("Codex", "spawn failed").message(german),
               "Codex ließ sich nicht starten: „spawn failed“");
+    EXPECT_EQ(Error::antigravityReadFailed("temporary file").message(german),
+              "Antigravity ließ sich nicht lesen: es ließ sich keine temporäre Datei anlegen");
+    EXPECT_EQ(
+        Error::antigravityReadFailed("temporary file: No space left on device").message(german),
+        "Antigravity ließ sich nicht lesen: temporäre Datei: Auf dem Laufwerk ist kein Platz "
+        "mehr");
+    EXPECT_EQ(Error::antigravityReadFailed("too much output").message(german),
+              "Antigravity ließ sich nicht lesen: zu viel Ausgabe");
+    EXPECT_EQ(Error::antigravityReadFailed("temporary filing error").message(german),
+              "Antigravity ließ sich nicht lesen: temporary filing error");
     EXPECT_EQ(Error::executableMissing("Codex CLI").message(german), "Codex-CLI nicht gefunden.");
     std::string talkative;
     for (int line = 0; line < 5000; ++line) {

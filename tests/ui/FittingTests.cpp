@@ -17,6 +17,7 @@
 #include "ui/window/Sidebar.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QCoreApplication>
 #include <QTabBar>
 #include <gtest/gtest.h>
@@ -120,23 +121,47 @@ TEST_P(Fitting, Overview) {
     }
 }
 
+/// The application's font for as long as this lives.
+class FontFamily {
+public:
+    FontFamily(const char* family, int stretch) {
+        QFont font = former_;
+        font.setFamily(QString::fromLatin1(family));
+        font.setStretch(stretch);
+        QApplication::setFont(font);
+    }
+    ~FontFamily() { QApplication::setFont(former_); }
+    FontFamily(const FontFamily&) = delete;
+    FontFamily& operator=(const FontFamily&) = delete;
+
+private:
+    QFont former_ = QApplication::font();
+};
+
 TEST_P(Fitting, HistoryFigures) {
     const AgentUIActions program;
     const HistoryPageActions actions;
     UsageState state = samples::normal();
     UsageHistory history;
     samples::addHistory(history, state);
-    HistoryPage page(program, actions, nullptr);
-    for (const int width : {872, AgentMainWindowView::leastSize.width() - Sidebar::sidebarWidth}) {
-        page.resize(width, 760);
-        for (const AgentProviderID& agent : {AgentProviderID::codex(), AgentProviderID::claude()}) {
-            page.setContent(
-                historyPageContent(state, history, {.agent = agent}, samples::now(), words));
-            page.show();
-            settle();
-            for (const QWidget* widget : page.findChildren<QWidget*>()) {
-                if (const auto* figures = dynamic_cast<const FiguresCard*>(widget)) {
-                    expectAllFits(*figures, agent.rawValue + ", " + std::to_string(width));
+    // The second is wider than any that people choose.
+    for (const auto& [family, stretch] : {std::pair("Inter", 100), std::pair("DejaVu Sans", 125)}) {
+        const FontFamily font(family, stretch);
+        HistoryPage page(program, actions, nullptr);
+        for (const int width :
+             {872, AgentMainWindowView::leastSize.width() - Sidebar::sidebarWidth}) {
+            page.resize(width, 760);
+            for (const AgentProviderID& agent :
+                 {AgentProviderID::codex(), AgentProviderID::claude()}) {
+                page.setContent(
+                    historyPageContent(state, history, {.agent = agent}, samples::now(), words));
+                page.show();
+                settle();
+                for (const QWidget* widget : page.findChildren<QWidget*>()) {
+                    if (const auto* figures = dynamic_cast<const FiguresCard*>(widget)) {
+                        expectAllFits(*figures, std::string(family) + ", " + agent.rawValue + ", " +
+                                                    std::to_string(width));
+                    }
                 }
             }
         }
