@@ -29,7 +29,7 @@ debian_packages() {
     metrics) echo "prometheus python3" ;;
     checks) echo "clang-16 llvm-16 libc++-16-dev libc++abi-16-dev libclang-rt-16-dev gobjc++
                   libgnustep-gui-dev libblocksruntime-dev" ;;
-    packages) echo "dpkg-dev rpm git" ;;
+    packages) echo "dpkg-dev file rpm git" ;;
     package-checks) echo "debootstrap lintian appstream desktop-file-utils systemd xvfb xdotool" ;;
     esac
 }

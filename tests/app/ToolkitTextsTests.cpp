@@ -15,7 +15,9 @@ TEST(ToolkitTexts, TheFileDialogSpeaksTheLanguageOfTheApplication) {
     texts.setWords(Localization("de"));
     EXPECT_EQ(texts.translate("QFileDialog", "Look in:", nullptr, -1), "Suchen in:");
     texts.setWords(Localization("fr"));
-    EXPECT_EQ(texts.translate("QFileDialog", "File &name:", nullptr, -1), "&Nom de fichier :");
+    // The space before the colon is a no-break one in newer translations.
+    EXPECT_EQ(texts.translate("QFileDialog", "File &name:", nullptr, -1).simplified(),
+              "&Nom de fichier :");
     // Ours come first.
     EXPECT_EQ(texts.translate("QPlatformTheme", "Cancel", nullptr, -1), "Annuler");
 }

@@ -2,7 +2,6 @@
 #include "screenshots/SampleStates.h"
 #include "ui/QtEnvironment.h"
 #include "ui/kit/Label.h"
-#include "ui/kit/TextArea.h"
 #include "ui/report/ReportTextView.h"
 #include "ui/report/SupportReportView.h"
 
