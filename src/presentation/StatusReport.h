@@ -66,8 +66,8 @@ struct StatusReport {
     /// What there is to say where no window is known.
     std::string verdict;
     std::optional<StatusWindow> window;
-    /// The chosen agents with the chosen windows. Like `ages` and `item` not there unless agents are
-    /// listed.
+    /// The chosen agents with the chosen windows. Like `ages` and `item` not there unless agents
+    /// are listed.
     std::vector<AgentBlockContent> agents;
     /// In the order of `agents`, in seconds; absent where nothing was read.
     std::vector<std::optional<Seconds>> ages;

@@ -1,9 +1,8 @@
 #include "app/ToolkitTexts.h"
 
-#include <gtest/gtest.h>
-
 #include <QFile>
 #include <QLibraryInfo>
+#include <gtest/gtest.h>
 
 namespace vellmark::tests {
 

@@ -82,7 +82,7 @@ TEST(UsageView, ColoursMarksAndNoSentence) {
 TEST(CompactView, HasTwoRowsAtMostWhateverTheWidth) {
     const auto blocks = agents();
     const VerdictLine verdict{"Codex critical, Claude Code unreadable · read at 1:46 PM",
-                             "Codex critical (+1) · read at 1:46 PM"};
+                              "Codex critical (+1) · read at 1:46 PM"};
     for (int columns = 24; columns <= 130; ++columns) {
         const TestTerminal terminal(columns, 2);
         const TerminalOutput output(terminal.descriptor(), {{"LANG", "en_US.UTF-8"}});
