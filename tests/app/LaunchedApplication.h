@@ -3,21 +3,20 @@
 #include "app/VellmarkAppDelegate.h"
 #include "process/RunningChildren.h"
 #include "support/AgentSandbox.h"
+#include "ui/QtEnvironment.h"
 #include "ui/popover/Popover.h"
 
 #include <QApplication>
-#include <QEventLoop>
 #include <QWidget>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <functional>
 #include <memory>
 
 namespace vellmark::tests {
 
 /// The application on a display that nobody sees, without a bus: its item is the strip.
-class LaunchedApplication : public testing::Test {
+class LaunchedApplication : public ::testing::Test {
 protected:
     void launch(LaunchOptions options = {}) {
         options.language = "en";
@@ -32,12 +31,7 @@ protected:
     void TearDown() override { quit(); }
 
     static bool eventually(const std::function<bool()>& condition) {
-        return becomesTrue(
-            [&] {
-                QApplication::processEvents(QEventLoop::AllEvents, 20);
-                return condition();
-            },
-            std::chrono::seconds(60));
+        return vellmark::testing::waitUntil(condition);
     }
 
     /// The first visible window of a kind; null without one.

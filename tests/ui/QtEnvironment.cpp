@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <memory>
 
 namespace vellmark::testing {
@@ -44,10 +45,12 @@ private:
 } // namespace
 
 bool waitUntil(const std::function<bool()>& condition) {
-    return tests::becomesTrue([&] {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-        return condition();
-    });
+    return tests::becomesTrue(
+        [&] {
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+            return condition();
+        },
+        std::chrono::minutes(1));
 }
 
 void pressKey(QWidget& window, int key, Qt::KeyboardModifiers modifiers) {

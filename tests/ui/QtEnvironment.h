@@ -11,7 +11,8 @@
 
 namespace vellmark::testing {
 
-/// Works through events until `condition` holds; false when it does not within 20 s.
+/// Works through events until `condition` holds; false when it does not within a
+/// minute.
 bool waitUntil(const std::function<bool()>& condition);
 
 /// Presses and releases a key where the keyboard is.

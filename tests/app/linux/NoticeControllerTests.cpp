@@ -5,15 +5,17 @@
 #include "process/RunningChildren.h"
 #include "support/AgentSandbox.h"
 #include "support/NotificationServer.h"
+#include "ui/QtEnvironment.h"
 
-#include <QApplication>
-#include <QEventLoop>
 #include <gmock/gmock.h>
+
+#include <chrono>
 
 namespace vellmark::tests {
 namespace {
 
-using testing::ElementsAre;
+using ::testing::ElementsAre;
+using vellmark::testing::waitUntil;
 
 /// The store with simulated agents, and a service that shows notices.
 class NoticeControllerTest : public BusTest {
@@ -41,17 +43,9 @@ protected:
             .update = [this] { ++updates_; },
             .isFirstRun = [this] { return isFirstRun_; }});
     }
-    static bool eventually(const std::function<bool()>& condition) {
-        return becomesTrue(
-            [&] {
-                QApplication::processEvents(QEventLoop::AllEvents, 20);
-                return condition();
-            },
-            std::chrono::seconds(60));
-    }
     [[nodiscard]] bool refresh() {
         store_->refresh(RefreshTrigger::manual);
-        return eventually([this] { return !store_->state().isRefreshing; });
+        return waitUntil([this] { return !store_->state().isRefreshing; });
     }
 
     AgentSandbox sandbox_{"codex"};
@@ -77,21 +71,21 @@ TEST_F(NoticeControllerTest, TellsOnceOpensTheAgentsPageAndRemembers) {
     ASSERT_TRUE(refresh());
     ASSERT_TRUE(refresh());
     // Nobody shows notices yet; whoever comes shows it, once the user was asked about notices.
-    ASSERT_TRUE(eventually([this] { return controller_->delivery() == NoticeDelivery::unserved; }));
+    ASSERT_TRUE(waitUntil([this] { return controller_->delivery() == NoticeDelivery::unserved; }));
     isFirstRun_ = true;
     NotificationServer server;
-    ASSERT_TRUE(eventually([this] { return controller_->delivery() == NoticeDelivery::works; }));
+    ASSERT_TRUE(waitUntil([this] { return controller_->delivery() == NoticeDelivery::works; }));
     EXPECT_EQ(server.shown().size(), 0U);
     isFirstRun_ = false;
     controller_->look();
-    ASSERT_TRUE(eventually([&] { return server.shown().size() == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return server.shown().size() == 1; }));
     EXPECT_EQ(server.shown().front().title, "Codex · Session: used up");
     EXPECT_EQ(controller_->delivery(), NoticeDelivery::works);
     EXPECT_GE(updates_, 2);
     server.click(41, "open");
-    ASSERT_TRUE(eventually([this] { return !opened_.empty(); }));
+    ASSERT_TRUE(waitUntil([this] { return !opened_.empty(); }));
     EXPECT_THAT(opened_, ElementsAre("codex"));
-    ASSERT_TRUE(eventually([&] { return server.closed().size() == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return server.closed().size() == 1; }));
 
     // The next run knows that it was told, and closes at its end what it has told itself.
     controller_->end();
@@ -100,11 +94,11 @@ TEST_F(NoticeControllerTest, TellsOnceOpensTheAgentsPageAndRemembers) {
     ASSERT_TRUE(refresh());
     sandbox_.play("codex", "normal\nsession-used=20\nsession-resets-in=9000");
     ASSERT_TRUE(refresh());
-    ASSERT_TRUE(eventually([&] { return server.shown().size() == 2; }));
+    ASSERT_TRUE(waitUntil([&] { return server.shown().size() == 2; }));
     EXPECT_EQ(server.shown().back().title, "Codex · Session: back again");
     server.click(42, "mute");
     controller_->end();
-    ASSERT_TRUE(eventually([&] { return server.closed().size() == 2; }));
+    ASSERT_TRUE(waitUntil([&] { return server.closed().size() == 2; }));
 }
 
 TEST_F(NoticeControllerTest, AServiceThatRefusesIsNotAskedWithoutEnd) {
@@ -115,7 +109,7 @@ TEST_F(NoticeControllerTest, AServiceThatRefusesIsNotAskedWithoutEnd) {
         ASSERT_TRUE(refresh());
         controller_->look();
     }
-    ASSERT_TRUE(eventually([&] { return server.refusals() > 0; }));
+    ASSERT_TRUE(waitUntil([&] { return server.refusals() > 0; }));
     ASSERT_TRUE(refresh());
     EXPECT_EQ(server.refusals(), 1);
     EXPECT_EQ(server.shown().size(), 0U);
@@ -128,8 +122,7 @@ TEST_F(NoticeControllerTest, WhatTheServiceHasNotTakenIsToldByTheNextRun) {
         makeController();
         ASSERT_TRUE(refresh());
         controller_->lookForService();
-        ASSERT_TRUE(
-            eventually([this] { return controller_->delivery() == NoticeDelivery::works; }));
+        ASSERT_TRUE(waitUntil([this] { return controller_->delivery() == NoticeDelivery::works; }));
         server.freeze();
         sandbox_.play("codex", "used-up");
         ASSERT_TRUE(refresh());
@@ -143,7 +136,7 @@ TEST_F(NoticeControllerTest, WhatTheServiceHasNotTakenIsToldByTheNextRun) {
     makeController();
     ASSERT_TRUE(refresh());
     ASSERT_TRUE(refresh());
-    ASSERT_TRUE(eventually([&] { return server.shown().size() == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return server.shown().size() == 1; }));
     EXPECT_EQ(server.shown().front().title, "Codex · Session: used up");
 }
 
