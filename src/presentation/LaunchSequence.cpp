@@ -1,18 +1,15 @@
 #include "presentation/LaunchSequence.h"
 
+#include "platform/ActivationToken.h"
+
 #include <string_view>
 
 namespace vellmark {
 
 LaunchOptions LaunchOptions::parse(std::span<const std::string> arguments,
                                    const Environment& environment) {
-    LaunchOptions options{.isRunningTests = environment.contains("XCTestConfigurationFilePath")};
-    for (const char* name : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"}) {
-        const auto token = environment.find(name);
-        if (options.activationToken.empty() && token != environment.end()) {
-            options.activationToken = token->second;
-        }
-    }
+    LaunchOptions options{.isRunningTests = environment.contains("XCTestConfigurationFilePath"),
+                          .activationToken = vellmark::activationToken(environment)};
     bool mayBeForeignValue = false;
     for (std::size_t index = 0; index < arguments.size(); ++index) {
         const std::string_view argument = arguments[index];

@@ -1,5 +1,6 @@
 #include "setup/TerminalWindow.h"
 
+#include "platform/ActivationToken.h"
 #include "platform/ChildLaunch.h"
 #include "platform/ProcessTable.h"
 #include "platform/WholeFile.h"
@@ -149,11 +150,8 @@ public:
 private:
     static std::vector<std::string> environmentOf(const Machine& machine) {
         std::vector<std::string> variables;
-        for (const auto& [name, value] : machine.environment) {
-            // What told this program of its own start, and would mislead another's.
-            if (name != "XDG_ACTIVATION_TOKEN" && name != "DESKTOP_STARTUP_ID") {
-                variables.push_back(name + "=" + value);
-            }
+        for (const auto& [name, value] : withoutActivationToken(machine.environment)) {
+            variables.push_back(name + "=" + value);
         }
         return variables;
     }
