@@ -12,6 +12,7 @@
 #include <iterator>
 #include <memory>
 #include <optional>
+#include <ranges>
 #include <signal.h>
 #include <thread>
 #include <unistd.h>

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <iterator>
 #include <limits>
+#include <ranges>
 #include <utility>
 
 namespace vellmark {

@@ -1,5 +1,7 @@
 #include "platform/ProgramPath.h"
 
+#include <system_error>
+
 namespace vellmark {
 
 std::filesystem::path programPath() {

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <ctime>
 #include <sys/timerfd.h>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 #include <vector>
