@@ -41,6 +41,8 @@ namespace {
 constexpr std::string_view popoverTabKey = "PopoverSelectedTab";
 constexpr std::string_view pageKey = "MainWindowPage";
 constexpr Seconds terminationGrace{1.0};
+/// A panel that has heard of the status item has asked for all that it draws.
+constexpr Seconds itemIsDrawn{0.1};
 /// The status item is drawn, and nobody has found it yet.
 constexpr Seconds popoverRehearsal{0.5};
 /// The first refresh is mostly over by then.
@@ -362,9 +364,20 @@ void VellmarkAppDelegate::followMoveAtLogin() {
     }
 }
 
+/// What starts agents would take the processors from the panel, which is asking for the item.
+void VellmarkAppDelegate::onceItemIsDrawn(std::function<void()> work) {
+    executor_.postAfter(itemIsDrawn, Seconds(0), [this, work = std::move(work)] {
+        if (!hasTerminated_) {
+            work();
+        }
+    });
+}
+
 void VellmarkAppDelegate::startLaunchRefresh() {
-    store_->discardDeletedHistory();
-    store_->refresh(RefreshTrigger::launch);
+    onceItemIsDrawn([this] {
+        store_->discardDeletedHistory();
+        store_->refresh(RefreshTrigger::launch);
+    });
 }
 
 void VellmarkAppDelegate::startLoops() {
@@ -417,7 +430,7 @@ void VellmarkAppDelegate::runFirstRun() {
         showLegalNotice();
         return;
     }
-    setup_->model().decideFirstRun([this](bool isNeeded) {
+    const auto decided = [this](bool isNeeded) {
         if (hasTerminated_) {
             return;
         }
@@ -427,7 +440,8 @@ void VellmarkAppDelegate::runFirstRun() {
         } else {
             showLegalNotice();
         }
-    });
+    };
+    onceItemIsDrawn([this, decided] { setup_->model().decideFirstRun(decided); });
 }
 
 /// A demo is gone in a minute, with whatever was accepted in it.
