@@ -41,8 +41,8 @@ namespace {
 constexpr std::string_view popoverTabKey = "PopoverSelectedTab";
 constexpr std::string_view pageKey = "MainWindowPage";
 constexpr Seconds terminationGrace{1.0};
-/// A panel that has heard of the status item has asked for all that it draws.
-constexpr Seconds itemIsDrawn{0.1};
+/// What has just come is on the screen by then; a panel has asked for all that it draws of the item.
+constexpr Seconds drawingTime{0.1};
 /// The status item is drawn, and nobody has found it yet.
 constexpr Seconds popoverRehearsal{0.5};
 /// The first refresh is mostly over by then.
@@ -231,7 +231,8 @@ void VellmarkAppDelegate::createStatusItem() {
     store_ = std::make_unique<AgentUsageStore>(
         AgentUsageStore::Configuration{.machine = machine_,
                                        .registrations = providerRegistry(),
-                                       .words = [this] { return words(); }},
+                                       .words = [this] { return words(); },
+                                       .drawingTime = drawingTime},
         executor_, *preferences_);
     notices_ = std::make_unique<NoticeController>(
         NoticeController::Sources{.store = *store_,
@@ -364,20 +365,9 @@ void VellmarkAppDelegate::followMoveAtLogin() {
     }
 }
 
-/// What starts agents would take the processors from the panel, which is asking for the item.
-void VellmarkAppDelegate::onceItemIsDrawn(std::function<void()> work) {
-    executor_.postAfter(itemIsDrawn, Seconds(0), [this, work = std::move(work)] {
-        if (!hasTerminated_) {
-            work();
-        }
-    });
-}
-
 void VellmarkAppDelegate::startLaunchRefresh() {
-    onceItemIsDrawn([this] {
-        store_->discardDeletedHistory();
-        store_->refresh(RefreshTrigger::launch);
-    });
+    store_->discardDeletedHistory();
+    store_->refresh(RefreshTrigger::launch);
 }
 
 void VellmarkAppDelegate::startLoops() {
@@ -441,7 +431,12 @@ void VellmarkAppDelegate::runFirstRun() {
             showLegalNotice();
         }
     };
-    onceItemIsDrawn([this, decided] { setup_->model().decideFirstRun(decided); });
+    // It starts agents, too.
+    executor_.postAfter(drawingTime, Seconds(0), [this, decided] {
+        if (!hasTerminated_) {
+            setup_->model().decideFirstRun(decided);
+        }
+    });
 }
 
 /// A demo is gone in a minute, with whatever was accepted in it.

@@ -100,7 +100,6 @@ private:
     std::unique_ptr<QWidget> makeLegalWindow();
     const Localization& words() const { return language_.words(); }
 
-    void onceItemIsDrawn(std::function<void()> work);
     void takeSettings();
     void storeChanged();
     void reevaluateStatusItem();

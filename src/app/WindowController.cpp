@@ -25,6 +25,8 @@ WindowController::WindowController(Description description, WindowPresenceContro
 WindowController::~WindowController() {
     if (window_) {
         window_->removeEventFilter(this);
+        // While its parts can still be told: a page that is hidden acts on what its window holds.
+        window_->hide();
     }
 }
 

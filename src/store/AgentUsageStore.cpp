@@ -356,9 +356,11 @@ void AgentUsageStore::State::startReading(RefreshTrigger trigger,
                                           const std::vector<AgentProviderID>& ids) {
     const auto occasion = trigger == RefreshTrigger::manual ? UsageFetcher::Occasion::byHand
                                                             : UsageFetcher::Occasion::automatic;
+    const bool isDrawing = trigger == RefreshTrigger::launch || trigger == RefreshTrigger::window;
+    const Seconds delay = isDrawing ? config.drawingTime : Seconds(0);
     for (const AgentProviderID& id : ids) {
         readWell.erase(id); // by an earlier reading of this refresh
-        run->start(agents.at(id), occasion);
+        run->start(agents.at(id), occasion, delay);
         schedule.attempted(id, now());
         readings.attempt(id, now());
     }

@@ -40,6 +40,9 @@ public:
         std::function<void(const std::string&)> storageTrouble = [](const std::string&) {};
         /// The program goes on after a refresh: the memory that one took is given back.
         bool givesMemoryBack = true;
+        /// So long the agents of a refresh wait that begins because something is about to be drawn
+        /// (the program's start, a window that opens): they would take the processors from it.
+        Seconds drawingTime{0};
     };
 
     /// Told on the main thread before a change of the state lands and again after it. `willChange`

@@ -27,13 +27,16 @@ RefreshRun::~RefreshRun() {
     }
 }
 
-void RefreshRun::start(const Agent& agent, UsageFetcher::Occasion occasion) {
+void RefreshRun::start(const Agent& agent, UsageFetcher::Occasion occasion, Seconds delay) {
     ended_.erase(agent.id);
     Reading& reading = readings_[agent.id];
     reading.agent = agent;
     reading.occasion = occasion;
-    reading.startedAt = std::chrono::steady_clock::now();
-    fetch(reading);
+    if (delay > Seconds(0)) {
+        fetchAfter(reading, delay, Seconds(0));
+    } else {
+        fetch(reading);
+    }
 }
 
 void RefreshRun::drop(const AgentProviderID& id) {
@@ -50,6 +53,9 @@ double RefreshRun::progress() const {
 }
 
 void RefreshRun::fetch(Reading& reading) {
+    if (!reading.isRetry) {
+        reading.startedAt = std::chrono::steady_clock::now();
+    }
     reading.ticket =
         fetcher_.start(reading.agent.provider, reading.agent.name, reading.occasion,
                        [this, id = reading.agent.id](const FetchOutcome& outcome) {
@@ -74,17 +80,21 @@ void RefreshRun::land(const AgentProviderID& id, const FetchOutcome& outcome) {
 void RefreshRun::scheduleRetry(Reading& reading) {
     const Seconds delay = *reading.agent.timeoutRetryDelay;
     reading.isRetry = true;
-    reading.retryTimer = executor_.postAfter(delay, retryTolerance, [this, id = reading.agent.id] {
-        Reading& waiting = readings_.at(id); // dropping it cancels the timer
-        waiting.retryTimer.reset();
-        fetch(waiting);
-    });
+    fetchAfter(reading, delay, retryTolerance);
     callbacks_.willRetry(reading.agent.id, delay);
 }
 
+void RefreshRun::fetchAfter(Reading& reading, Seconds delay, Seconds tolerance) {
+    reading.timer = executor_.postAfter(delay, tolerance, [this, id = reading.agent.id] {
+        Reading& waiting = readings_.at(id); // dropping it cancels the timer
+        waiting.timer.reset();
+        fetch(waiting);
+    });
+}
+
 void RefreshRun::stop(Reading& reading) {
-    if (reading.retryTimer) {
-        executor_.cancel(*reading.retryTimer);
+    if (reading.timer) {
+        executor_.cancel(*reading.timer);
     } else {
         fetcher_.drop(reading.ticket);
     }

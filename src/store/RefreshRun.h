@@ -42,7 +42,8 @@ public:
     RefreshTrigger trigger() const { return trigger_; }
     Instant startedAt() const { return startedAt_; }
 
-    void start(const Agent& agent, UsageFetcher::Occasion occasion);
+    /// Counts as under way from now on; the agent itself is started after `delay`.
+    void start(const Agent& agent, UsageFetcher::Occasion occasion, Seconds delay);
     void drop(const AgentProviderID& id);
 
     bool isReading(const AgentProviderID& id) const { return readings_.contains(id); }
@@ -55,12 +56,13 @@ private:
         Agent agent;
         UsageFetcher::Occasion occasion{};
         UsageFetcher::Ticket ticket = 0;
-        std::optional<MainExecutor::Timer> retryTimer;
+        std::optional<MainExecutor::Timer> timer; ///< until the agent is started
         bool isRetry = false;
-        std::chrono::steady_clock::time_point startedAt;
+        std::chrono::steady_clock::time_point startedAt; ///< for the first time
     };
 
     void fetch(Reading& reading);
+    void fetchAfter(Reading& reading, Seconds delay, Seconds tolerance);
     void land(const AgentProviderID& id, const FetchOutcome& outcome);
     void scheduleRetry(Reading& reading);
     void stop(Reading& reading);

@@ -244,6 +244,9 @@ TEST_F(VellmarkAppDelegateTest, ComesBackToThePageThatWasShownLast) {
     // Settings are shown whatever page was shown last.
     delegate_->showSettingsFromMenu();
     EXPECT_EQ(selectedEntry(*visible<AgentMainWindowView>()), "Settings");
+    // The page that acts when it is hidden is the one that a quit finds.
+    pressKeyIn(*visible<AgentMainWindowView>(), Qt::Key_6);
+    EXPECT_EQ(selectedEntry(*visible<AgentMainWindowView>()), "Activity");
 }
 
 TEST_F(VellmarkAppDelegateTest, LetsGoOfWhatHasBeenClosedForAWhileAndShowsItAgain) {

@@ -53,6 +53,28 @@ TEST_F(Refresh, PublishesEachAgentAsSoonAsItIsRead) {
     EXPECT_FALSE(snapshot(claude)->windows.empty());
 }
 
+TEST_F(Refresh, AgentsWaitForWhatIsBeingDrawn) {
+    drawingTime = Seconds(0.1);
+    makeStore();
+    const auto fetches = [this] {
+        return codex->fetchCount() + claude->fetchCount() + antigravity->fetchCount();
+    };
+    store->refresh(RefreshTrigger::launch);
+    EXPECT_TRUE(state().isRefreshing);
+    EXPECT_EQ(source(claude), SnapshotSource::loading);
+    executor.advance(Seconds(0.09));
+    EXPECT_EQ(fetches(), 0);
+    executor.advance(Seconds(0.01));
+    ASSERT_TRUE(finishRefresh());
+    EXPECT_EQ(fetches(), 3);
+
+    executor.advance(Seconds(300));
+    store->refresh(RefreshTrigger::window);
+    store->abortRefresh();
+    executor.advance(Seconds(1));
+    EXPECT_EQ(fetches(), 3);
+}
+
 TEST_F(Refresh, AFailureKeepsTheLastGoodFiguresAsStale) {
     makeStore();
     codex->fails(UsageProviderError(UsageProviderError::Kind::codexNoQuotas));
@@ -401,7 +423,9 @@ TEST_F(Refresh, SettingsRefreshesAndTerminationMayRace) {
     const auto chance = [&](int of) { return random() % static_cast<unsigned>(of) == 0; };
     const std::vector agents = {codex, claude, antigravity};
     for (int round = 0; round < 40; ++round) {
+        drawingTime = Seconds(round % 2 * 10);
         makeStore();
+        store->refresh(RefreshTrigger::launch);
         for (int step = 0; step < 20; ++step) {
             const auto& agent = agents[random() % agents.size()];
             chance(2) ? agent->holdFetches() : agent->letGo();

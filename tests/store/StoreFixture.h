@@ -30,6 +30,7 @@ protected:
         configuration.words = [] { return Localization("en", "en_US", "UTC"); };
         configuration.now = [this] { return executor.now(); };
         configuration.agents = std::move(only);
+        configuration.drawingTime = drawingTime;
         configuration.storageTrouble = [this](const std::string& text) {
             troubles.push_back(text);
         };
@@ -97,6 +98,7 @@ protected:
     std::shared_ptr<StubAgent> codex = std::make_shared<StubAgent>("codex");
     std::shared_ptr<StubAgent> claude = std::make_shared<StubAgent>("claude");
     std::shared_ptr<StubAgent> antigravity = std::make_shared<StubAgent>("antigravity");
+    Seconds drawingTime{0};
     /// What was told of the files.
     std::vector<std::string> troubles;
     std::unique_ptr<AgentUsageStore> store;
