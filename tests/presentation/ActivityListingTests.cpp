@@ -3,7 +3,6 @@
 #include "store/ActivityTexts.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <memory>

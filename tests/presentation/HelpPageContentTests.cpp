@@ -6,7 +6,6 @@
 #include "probes/ProviderRegistry.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cctype>
 #include <set>

@@ -1,5 +1,5 @@
+#include "AgentNames.h"
 #include "presentation/MenuBarGlyph.h"
-#include "presentation/UsageStateMaker.h"
 
 #include <gtest/gtest.h>
 
@@ -8,11 +8,6 @@
 
 namespace vellmark::tests {
 namespace {
-
-const auto codex = AgentProviderID::codex();
-const auto claude = AgentProviderID::claude();
-constexpr double fiveHours = 300;
-constexpr double week = 7 * 24 * 60;
 
 MenuBarGlyph glyphOf(const std::vector<AgentUsageSnapshot>& snapshots,
                      const std::set<AgentProviderID>& enabled = {codex, claude}) {
