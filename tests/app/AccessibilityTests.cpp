@@ -1,6 +1,5 @@
 #include "app/LaunchedApplication.h"
 #include "ui/kit/FocusRing.h"
-#include "ui/kit/Label.h"
 #include "ui/report/ReportTextView.h"
 #include "ui/report/SupportReportView.h"
 #include "ui/setup/SetupAssistantView.h"
@@ -10,12 +9,10 @@
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QApplication>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QProgressBar>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <set>
@@ -25,6 +22,8 @@ namespace vellmark::tests {
 namespace {
 
 using ::testing::IsSupersetOf;
+using vellmark::testing::pressKey;
+using vellmark::testing::visibleParts;
 
 bool takesKeyboard(const QWidget& widget) {
     return (widget.focusPolicy() & Qt::TabFocus) != 0 && widget.isEnabled() &&
@@ -33,12 +32,10 @@ bool takesKeyboard(const QWidget& widget) {
 
 /// Everything in a window that Tab must reach.
 std::vector<QWidget*> tabTargets(QWidget& window) {
-    std::vector<QWidget*> targets;
-    for (QWidget* widget : window.findChildren<QWidget*>()) {
-        if (widget->window() == &window && takesKeyboard(*widget) && widget->isVisible()) {
-            targets.push_back(widget);
-        }
-    }
+    auto targets = visibleParts<QWidget>(window);
+    std::erase_if(targets, [&](const QWidget* widget) {
+        return widget->window() != &window || !takesKeyboard(*widget);
+    });
     return targets;
 }
 
@@ -127,12 +124,6 @@ class AccessibilityTest : public LaunchedApplication {
 protected:
     void SetUp() override { launch(); }
 
-    static void press(QWidget& window, int key, Qt::KeyboardModifiers modifiers) {
-        QWidget* target = window.focusWidget() != nullptr ? window.focusWidget() : &window;
-        QKeyEvent event(QEvent::KeyPress, key, modifiers);
-        QApplication::sendEvent(target, &event);
-    }
-
     static void expectEverythingIsTold(QWidget& window) {
         const SpokenTree tree(window);
         EXPECT_FALSE(
@@ -158,7 +149,7 @@ protected:
         const std::vector<QWidget*> targets = tabTargets(window);
         std::vector<QWidget*> reached;
         for (std::size_t turn = 0; turn <= targets.size(); ++turn) {
-            press(window, Qt::Key_Tab, Qt::NoModifier);
+            pressKey(window, Qt::Key_Tab);
             QWidget* focused = window.focusWidget();
             ASSERT_NE(focused, nullptr);
             if (std::ranges::find(reached, focused) != reached.end()) {
@@ -209,7 +200,7 @@ TEST_F(AccessibilityTest, EveryPageIsToldAndReachedByKeys) {
     ASSERT_TRUE(eventually([&] { return window->findChild<QProgressBar*>() != nullptr; }));
     std::set<std::string> titles;
     for (int key = Qt::Key_1; key <= Qt::Key_9; ++key) {
-        press(*window, key, Qt::ControlModifier);
+        pressKey(*window, key, Qt::ControlModifier);
         const std::string title = window->page()->title().toStdString();
         SCOPED_TRACE(title);
         titles.insert(title);
@@ -253,7 +244,7 @@ TEST_F(AccessibilityTest, EveryStepOfTheSetupIsToldAndReachedByKeys) {
         EXPECT_TRUE(SpokenTree(*assistant).headings().contains(title.toStdString()));
         expectTabLeadsEverywhere(*assistant);
         assistant->controls().back()->setFocus(Qt::TabFocusReason);
-        press(*assistant, Qt::Key_Return, Qt::NoModifier);
+        pressKey(*assistant, Qt::Key_Return);
         eventually([] { return true; });
     }
     EXPECT_EQ(titles.size(), 4U);
@@ -277,7 +268,7 @@ TEST_F(AccessibilityTest, EveryTabOfThePopoverIsTold) {
     ASSERT_TRUE(opensPopover());
     auto* popover = visible<Popover>();
     for (int key = Qt::Key_1; key <= Qt::Key_4; ++key) {
-        press(*popover, key, Qt::ControlModifier);
+        pressKey(*popover, key, Qt::ControlModifier);
         expectEverythingIsTold(*popover);
     }
 }

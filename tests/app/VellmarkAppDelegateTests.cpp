@@ -11,9 +11,7 @@
 #include "ui/setup/SetupAssistantView.h"
 #include "ui/window/AgentMainWindowView.h"
 
-#include <QAbstractButton>
 #include <QAction>
-#include <QKeyEvent>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QSet>
@@ -27,6 +25,10 @@
 namespace vellmark::tests {
 namespace {
 
+using vellmark::testing::partNamed;
+using vellmark::testing::pressKey;
+using vellmark::testing::visibleParts;
+
 class VellmarkAppDelegateTest : public LaunchedApplication {
 protected:
     /// Does what a key with Control stands for in a window.
@@ -36,11 +38,6 @@ protected:
                 return action->trigger();
             }
         }
-    }
-
-    static void pressKeyIn(QWidget& window, Qt::Key key) {
-        QKeyEvent press(QEvent::KeyPress, key, Qt::ControlModifier);
-        QApplication::sendEvent(&window, &press);
     }
 
     /// The time is over for which a window is kept after it was closed, or opened.
@@ -57,9 +54,9 @@ protected:
     }
 
     static QString selectedEntry(const QWidget& window) {
-        for (const auto* button : window.findChildren<QAbstractButton*>()) {
-            if (dynamic_cast<const kit::SidebarEntry*>(button) && button->isChecked()) {
-                return button->text();
+        for (const kit::SidebarEntry* entry : visibleParts<kit::SidebarEntry>(window)) {
+            if (entry->isChecked()) {
+                return entry->text();
             }
         }
         return {};
@@ -114,18 +111,10 @@ TEST_F(VellmarkAppDelegateTest, DoesNothingInATestHost) {
     EXPECT_FALSE(visible<QWidget>());
 }
 
-TEST_F(VellmarkAppDelegateTest, ReadsTheAgentsAndSaysSoInTheChosenLanguage) {
-    launch();
-    ASSERT_TRUE(eventually([] { return toolTip().contains("93% used"); }));
-    // Everything is set up, so there is nothing to say first.
-    EXPECT_FALSE(visible<AgentMainWindowView>());
-    delegate_->languageManager().choose("de");
-    EXPECT_TRUE(eventually([] { return toolTip().contains("verbraucht"); }));
-}
-
 TEST_F(VellmarkAppDelegateTest, ChangesEverythingThatIsOpenWithTheLanguage) {
     launch();
     ASSERT_TRUE(eventually([] { return toolTip().contains("93% used"); }));
+    EXPECT_FALSE(visible<AgentMainWindowView>()) << "everything is set up";
     std::string before = "en";
     const auto change = [&](const std::string& code, const QString& where) {
         // At once: what the agents do meanwhile would draw much of it anew as well.
@@ -139,6 +128,7 @@ TEST_F(VellmarkAppDelegateTest, ChangesEverythingThatIsOpenWithTheLanguage) {
     };
     ASSERT_TRUE(opensPopover());
     change("it", "popover");
+    EXPECT_TRUE(eventually([] { return toolTip().contains("93% usato"); }));
     delegate_->showAboutFromMenu();
     delegate_->applicationShouldHandleReopen(false);
     auto* window = visible<AgentMainWindowView>();
@@ -153,12 +143,10 @@ TEST_F(VellmarkAppDelegateTest, ChangesEverythingThatIsOpenWithTheLanguage) {
     ASSERT_TRUE(eventually([] { return visible<SupportReportView>()->text()->isVisible(); }));
     std::size_t next = 0;
     QStringList pages;
-    for (auto* entry : window->findChildren<QAbstractButton*>()) {
-        if (dynamic_cast<kit::SidebarEntry*>(entry)) {
-            entry->click();
-            pages << entry->text();
-            change(std::string(catalogLanguages[next++ % catalogLanguages.size()]), pages.back());
-        }
+    for (kit::SidebarEntry* entry : visibleParts<kit::SidebarEntry>(*window)) {
+        entry->click();
+        pages << entry->text();
+        change(std::string(catalogLanguages[next++ % catalogLanguages.size()]), pages.back());
     }
     EXPECT_GT(pages.size(), 5);
 }
@@ -190,15 +178,6 @@ TEST_F(VellmarkAppDelegateTest, ReportTellsWhatTheStoreKnowsAndNothingOfItStays)
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
 }
 
-TEST_F(VellmarkAppDelegateTest, OpensAndClosesThePopoverAgainAndAgain) {
-    launch();
-    for (int opening = 0; opening < 8; ++opening) {
-        ASSERT_TRUE(opensPopover()) << opening;
-        delegate_->togglePopover();
-        EXPECT_FALSE(visible<Popover>());
-    }
-}
-
 TEST_F(VellmarkAppDelegateTest, TakesTheMenusKeysInThePopover) {
     launch();
     ASSERT_TRUE(opensPopover());
@@ -216,11 +195,7 @@ TEST_F(VellmarkAppDelegateTest, LeadsFromAnAgentInThePopoverToItsPage) {
     ASSERT_TRUE(eventually([] { return toolTip().contains("93% used"); }));
     for (const char* agent : {"Claude", "Antigravity", "Antigravity"}) {
         ASSERT_TRUE(opensPopover());
-        for (auto* button : visible<Popover>()->findChildren<QAbstractButton*>()) {
-            if (dynamic_cast<AgentBlock*>(button) && button->text() == agent) {
-                button->click();
-            }
-        }
+        partNamed<AgentBlock>(*visible<Popover>(), agent)->click();
         EXPECT_FALSE(visible<Popover>());
         auto* window = visible<AgentMainWindowView>();
         ASSERT_TRUE(window);
@@ -235,7 +210,7 @@ TEST_F(VellmarkAppDelegateTest, ComesBackToThePageThatWasShownLast) {
     auto* window = visible<AgentMainWindowView>();
     ASSERT_TRUE(window);
     EXPECT_EQ(selectedEntry(*window), "Overview");
-    pressKeyIn(*window, Qt::Key_3);
+    pressKey(*window, Qt::Key_3, Qt::ControlModifier);
     ASSERT_EQ(selectedEntry(*window), "Claude");
     quit();
     launch();
@@ -285,26 +260,15 @@ TEST_F(VellmarkAppDelegateTest, BeginsWithTheSetupAndThenTheTermsWhereSomethingI
 
     // The way out of the failure leads back, to what is left to do.
     ASSERT_TRUE(opensPopover());
-    const auto wayOut = [] {
-        for (auto* button : visible<Popover>()->findChildren<QAbstractButton*>()) {
-            if (button->isVisible() && button->text() == "Install …") {
-                return button;
-            }
-        }
-        return static_cast<QAbstractButton*>(nullptr);
-    };
+    const auto wayOut = [] { return partNamed(*visible<Popover>(), "Install …"); };
     ASSERT_TRUE(eventually([&] { return wayOut() != nullptr; }));
     wayOut()->click();
     EXPECT_FALSE(visible<Popover>());
     auto* assistant = visible<SetupAssistantView>();
     ASSERT_TRUE(assistant);
     EXPECT_TRUE(eventually([&] {
-        for (const auto* button : assistant->findChildren<QAbstractButton*>()) {
-            if (button->isVisible() && button->accessibleName() == "Copy command") {
-                return button->accessibleDescription().startsWith("curl");
-            }
-        }
-        return false;
+        const auto* copy = partNamed(*assistant, "Copy command");
+        return copy != nullptr && copy->accessibleDescription().startsWith("curl");
     }));
 }
 
@@ -314,12 +278,9 @@ TEST_F(VellmarkAppDelegateTest, HelpLeadsToTheSupportReport) {
     auto* window = visible<AgentMainWindowView>();
     ASSERT_TRUE(window);
     for (const char* title : {"Help", "Support", "Support Report …"}) {
-        const auto buttons = window->findChildren<QAbstractButton*>();
-        const auto button = std::ranges::find_if(buttons, [title](const QAbstractButton* each) {
-            return each->isVisible() && each->text() == title;
-        });
-        ASSERT_NE(button, buttons.end()) << title;
-        (*button)->click();
+        auto* button = partNamed(*window, title);
+        ASSERT_TRUE(button) << title;
+        button->click();
         QApplication::processEvents();
     }
     EXPECT_TRUE(visible<SupportReportView>());
@@ -327,12 +288,9 @@ TEST_F(VellmarkAppDelegateTest, HelpLeadsToTheSupportReport) {
 
 TEST_F(VellmarkAppDelegateTest, ShowsTheTermsOnceEverythingIsSetUpUntilTheyAreAccepted) {
     const auto press = [](const char* title) {
-        for (auto* button : visible<LegalWindow>()->findChildren<QAbstractButton*>()) {
-            if (button->text() == title) {
-                return button->click();
-            }
-        }
-        FAIL() << title;
+        auto* button = partNamed(*visible<LegalWindow>(), title);
+        ASSERT_TRUE(button) << title;
+        button->click();
     };
     for (const bool isFirst : {true, false}) {
         launch();

@@ -1,7 +1,7 @@
 #include "screenshots/SampleStates.h"
 #include "ui/AboutWindow.h"
+#include "ui/QtEnvironment.h"
 
-#include <QCoreApplication>
 #include <QLabel>
 #include <gtest/gtest.h>
 
@@ -13,10 +13,9 @@ TEST(AboutWindow, HasRoomForEverySentence) {
         AboutWindow window({.open = [](AboutLink) {}, .openURL = [](const std::string&) {}});
         window.setContent(aboutPageContent(samples::words(language)));
         window.show();
-        QCoreApplication::sendPostedEvents();
+        testing::settle();
+        testing::expectNothingIsCut(window, language);
         for (const QLabel* label : window.findChildren<QLabel*>()) {
-            EXPECT_GE(label->height(), label->heightForWidth(label->width()))
-                << label->text().toStdString();
             EXPECT_LT(label->geometry().bottom(), window.height());
         }
     }

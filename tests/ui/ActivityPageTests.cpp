@@ -2,7 +2,6 @@
 #include "screenshots/SampleStates.h"
 #include "ui/QtEnvironment.h"
 #include "ui/kit/Choice.h"
-#include "ui/kit/Label.h"
 #include "ui/window/ActivityList.h"
 #include "ui/window/ActivityPage.h"
 
@@ -13,13 +12,12 @@
 #include <QLineEdit>
 #include <QScrollBar>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace vellmark {
 namespace {
 
-using testing::buttonNamed;
 using testing::pressKey;
+using testing::settle;
 
 /// What the least window leaves beside the sidebar.
 constexpr QSize leastPage(792, 680);
@@ -41,10 +39,6 @@ protected:
         settle();
     }
     void showAll() { show(entries_->size()); }
-    static void settle() {
-        QCoreApplication::sendPostedEvents();
-        QCoreApplication::processEvents();
-    }
     ActivityList& list() { return page_.list(); }
     int rowCount() { return list().model()->rowCount(); }
     QString text(int row) { return list().model()->index(row, 0).data().toString(); }
@@ -59,7 +53,7 @@ protected:
     int place() { return list().verticalScrollBar()->value(); }
     int end() { return list().verticalScrollBar()->maximum(); }
     bool says(const QString& words) { return testing::says(page_, words); }
-    QAbstractButton* button(const QString& title) { return buttonNamed(page_, title); }
+    QAbstractButton* button(const QString& title) { return testing::partNamed(page_, title); }
     QLineEdit& search() { return *page_.findChild<QLineEdit*>(); }
     static QString clipboard() { return QApplication::clipboard()->text(); }
 

@@ -18,7 +18,6 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QCoreApplication>
 #include <QTabBar>
 #include <gtest/gtest.h>
 
@@ -26,6 +25,7 @@ namespace vellmark {
 namespace {
 
 using testing::RecordedActions;
+using testing::settle;
 
 /// Room for the warning mark before the words of a forecast.
 constexpr int markRoom = 16;
@@ -54,7 +54,7 @@ bool isCut(const QWidget& widget) {
     }
     if (const auto* label = dynamic_cast<const kit::Label*>(&widget)) {
         // What an agent calls its limits is not ours to shorten.
-        return label->isShortened() && !label->text().contains(QStringLiteral("GPT-5.3"));
+        return label->isShortened() && !label->text().contains("GPT-5.3");
     }
     if (const auto* button = qobject_cast<const QAbstractButton*>(&widget)) {
         return !button->text().isEmpty() && button->width() < button->minimumSizeHint().width();
@@ -65,24 +65,13 @@ bool isCut(const QWidget& widget) {
     return false;
 }
 
-void settle() {
-    for (int turn = 0; turn < 3; ++turn) {
-        QCoreApplication::sendPostedEvents();
-        QCoreApplication::processEvents();
-    }
-}
-
 void expectAllFits(const QWidget& view, const std::string& where) {
-    int looked = 0;
-    for (const QWidget* widget : view.findChildren<QWidget*>()) {
-        if (widget->isVisibleTo(&view)) {
-            ++looked;
-            EXPECT_FALSE(isCut(*widget))
-                << where << ": " << widget->metaObject()->className() << " "
-                << widget->property("text").toString().toStdString();
-        }
+    const auto parts = testing::visibleParts<QWidget>(view);
+    for (const QWidget* part : parts) {
+        EXPECT_FALSE(isCut(*part)) << where << ": " << part->metaObject()->className() << " "
+                                   << part->property("text").toString().toStdString();
     }
-    EXPECT_GT(looked, 10) << where;
+    EXPECT_GT(parts.size(), 10U) << where;
 }
 
 class Fitting : public ::testing::TestWithParam<std::string_view> {
@@ -157,12 +146,10 @@ TEST_P(Fitting, HistoryFigures) {
                     historyPageContent(state, history, {.agent = agent}, samples::now(), words));
                 page.show();
                 settle();
-                for (const QWidget* widget : page.findChildren<QWidget*>()) {
-                    if (const auto* figures = dynamic_cast<const FiguresCard*>(widget)) {
-                        expectAllFits(*figures, std::string(family) + ", " + agent.rawValue + ", " +
-                                                    std::to_string(width));
-                    }
-                }
+                const auto cards = testing::visibleParts<FiguresCard>(page);
+                ASSERT_FALSE(cards.empty());
+                expectAllFits(*cards.front(), std::string(family) + ", " + agent.rawValue + ", " +
+                                                  std::to_string(width));
             }
         }
     }

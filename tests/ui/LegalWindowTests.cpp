@@ -1,14 +1,12 @@
 #include "screenshots/SampleStates.h"
 #include "ui/LegalWindow.h"
 #include "ui/QtEnvironment.h"
-#include "ui/kit/Label.h"
 
 #include <QAbstractButton>
 #include <QCoreApplication>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace vellmark {
 namespace {
@@ -22,16 +20,11 @@ protected:
         window_.show();
         QCoreApplication::sendPostedEvents();
     }
-    QAbstractButton* button(const QString& title) { return testing::buttonNamed(window_, title); }
+    QAbstractButton* button(const QString& title) { return testing::partNamed(window_, title); }
     int scrolled() { return window_.findChild<QScrollArea*>()->verticalScrollBar()->value(); }
 
-    std::vector<std::string> calls_;
-    LegalWindow window_{{.choose =
-                             [this](LegalDocument document) {
-                                 calls_.push_back("choose " +
-                                                  std::to_string(static_cast<int>(document)));
-                             },
-                         .accept = [this] { calls_.emplace_back("accept"); }}};
+    testing::RecordedActions recorded_;
+    LegalWindow window_{{.choose = recorded_.note("choose"), .accept = recorded_.note("accept")}};
 };
 
 TEST_F(LegalWindowTest, ShowsBothTextsWholeInEveryLanguage) {
@@ -59,7 +52,7 @@ TEST_F(LegalWindowTest, AcceptsOnlyWhatIsDueAndBeginsAnotherTextAtItsTop) {
     show(LegalDocument::privacy, false);
     EXPECT_EQ(scrolled(), place) << "what is being read stays where it is";
     EXPECT_EQ(button("Accept"), nullptr);
-    EXPECT_THAT(calls_, ElementsAre("choose 1", "accept"));
+    EXPECT_THAT(recorded_.calls, ElementsAre("choose 1", "accept"));
     button("Close")->click();
     EXPECT_FALSE(window_.isVisible());
 }

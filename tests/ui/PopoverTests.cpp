@@ -6,7 +6,6 @@
 
 #include <QAccessible>
 #include <QGuiApplication>
-#include <QMouseEvent>
 #include <QScreen>
 #include <gtest/gtest.h>
 
@@ -103,9 +102,7 @@ TEST_F(PopoverWindow, ClosesByEscapeAndByAPressOnItsShadow) {
     pressKey(popover, Qt::Key_Escape);
     EXPECT_FALSE(popover.isVisible());
     popover.open(anchor);
-    QMouseEvent press(QEvent::MouseButtonPress, QPointF(2, 2), QPointF(2, 2), Qt::LeftButton,
-                      Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(&popover, &press);
+    testing::sendMouse(popover, QEvent::MouseButtonPress, {2, 2});
     EXPECT_FALSE(popover.isVisible());
 }
 

@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QMouseEvent>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -27,7 +28,7 @@ public:
         QApplication::setQuitOnLastWindowClosed(false);
         application_ = std::make_unique<QApplication>(count_, arguments_);
         QFont font = QApplication::font();
-        font.setFamily(QStringLiteral("Inter"));
+        font.setFamily("Inter");
         QApplication::setFont(font);
     }
     void TearDown() override { application_.reset(); }
@@ -53,6 +54,18 @@ bool waitUntil(const std::function<bool()>& condition) {
         std::chrono::minutes(1));
 }
 
+void settle() {
+    for (int turn = 0; turn < 3; ++turn) {
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::processEvents();
+    }
+}
+
+bool becomesActive(QWidget& window) {
+    window.activateWindow();
+    return waitUntil([&] { return window.isActiveWindow(); });
+}
+
 void pressKey(QWidget& window, int key, Qt::KeyboardModifiers modifiers) {
     QWidget* target = window.focusWidget() != nullptr ? window.focusWidget() : &window;
     QKeyEvent press(QEvent::KeyPress, key, modifiers);
@@ -61,23 +74,32 @@ void pressKey(QWidget& window, int key, Qt::KeyboardModifiers modifiers) {
     QCoreApplication::sendEvent(target, &release);
 }
 
+void sendMouse(QWidget& widget, QEvent::Type type, QPointF place, Qt::MouseButton button) {
+    QMouseEvent event(type, place, widget.mapToGlobal(place),
+                      type == QEvent::MouseMove ? Qt::NoButton : button,
+                      type == QEvent::MouseButtonRelease ? Qt::NoButton : button, Qt::NoModifier);
+    QCoreApplication::sendEvent(&widget, &event);
+}
+
 AgentUIActions RecordedActions::actions() {
-    const auto note = [this](std::string call) {
-        return [this, call = std::move(call)] { calls.push_back(call); };
-    };
-    return {
-        .refresh = note("refresh"),
-        .openWindow = note("openWindow"),
-        .openProvider =
-            [this](const AgentProviderID& id) { calls.push_back("openProvider " + id.rawValue); },
-        .openSettings = note("openSettings"),
-        .showAbout = note("showAbout"),
-        .startSetup = note("startSetup"),
-        .setUpAgent =
-            [this](const AgentProviderID& id) { calls.push_back("setUpAgent " + id.rawValue); },
-        .showLegal = [this](LegalDocument) { calls.emplace_back("showLegal"); },
-        .showSupportReport = note("showSupportReport"),
-        .quit = note("quit")};
+    return {.refresh = note("refresh"),
+            .openWindow = note("openWindow"),
+            .openProvider = note("openProvider"),
+            .openSettings = note("openSettings"),
+            .showAbout = note("showAbout"),
+            .startSetup = note("startSetup"),
+            .setUpAgent = note("setUpAgent"),
+            .showLegal = note("showLegal"),
+            .showSupportReport = note("showSupportReport"),
+            .quit = note("quit")};
+}
+
+std::string RecordedActions::text(const std::vector<AgentProviderID>& order) {
+    std::string names;
+    for (const AgentProviderID& id : order) {
+        names += (names.empty() ? "" : " ") + id.rawValue;
+    }
+    return names;
 }
 
 std::vector<QWidget*> tabStops(QWidget& window) {
@@ -92,20 +114,8 @@ std::vector<QWidget*> tabStops(QWidget& window) {
     return stops;
 }
 
-QAbstractButton* buttonNamed(const QWidget& view, const QString& words) {
-    for (auto* button : view.findChildren<QAbstractButton*>()) {
-        if (button->isVisibleTo(&view) &&
-            (button->text() == words || button->accessibleName() == words)) {
-            return button;
-        }
-    }
-    return nullptr;
-}
-
 bool says(const QWidget& view, const QString& words) {
-    return std::ranges::any_of(view.findChildren<QLabel*>(), [&](const QLabel* label) {
-        return label->isVisibleTo(&view) && label->text() == words;
-    });
+    return std::ranges::count(visibleParts<QLabel>(view), words, &QLabel::text) > 0;
 }
 
 void expectFocusRingsAreWhole(QWidget& view) {
@@ -116,13 +126,10 @@ void expectFocusRingsAreWhole(QWidget& view) {
         stop->setFocus(Qt::TabFocusReason);
         EXPECT_TRUE(view.rect().contains(QRect(stop->mapTo(&view, QPoint()), stop->size())))
             << stop->accessibleName().toStdString();
-        const kit::FocusRing* ring = nullptr;
-        for (const QWidget* widget : view.findChildren<QWidget*>()) {
-            const auto* found = dynamic_cast<const kit::FocusRing*>(widget);
-            ring = found != nullptr ? found : ring;
-        }
-        ASSERT_NE(ring, nullptr) << stop->accessibleName().toStdString();
-        EXPECT_TRUE(ring->parentWidget()->rect().contains(ring->geometry()))
+        const auto rings = visibleParts<kit::FocusRing>(view);
+        ASSERT_FALSE(rings.empty()) << stop->accessibleName().toStdString();
+        const kit::FocusRing& ring = *rings.back();
+        EXPECT_TRUE(ring.parentWidget()->rect().contains(ring.geometry()))
             << stop->accessibleName().toStdString();
     }
 }
