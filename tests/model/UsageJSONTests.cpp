@@ -124,17 +124,6 @@ TEST(UsageJSON, EveryErrorComesBackAsItWent) {
               R"({"codexNoWindows":{}})");
 }
 
-TEST(UsageJSON, DoublesSurviveBitForBit) {
-    double number = 0.1;
-    for (int step = 0; step < 2000; ++step) {
-        number = std::fmod(number * 1.37e3 + 1.0 / 3, 1e9);
-        const UsageWindow window{"w", number, 1 / (number + 1), at(number * 1e-7)};
-        UsageWindow read;
-        fromJSON(parsedJSON(serialized(toJSON(window))), read);
-        ASSERT_EQ(read, window);
-    }
-}
-
 TEST(UsageJSON, WhatJSONCannotWriteStaysReadable) {
     const double infinity = std::numeric_limits<double>::infinity();
     const UsageWindow window{"bad \xFF name", std::nan(""), infinity, at(-infinity)};

@@ -91,7 +91,7 @@ bool says(const QWidget& view, const QString& words);
 /// whole ring around it.
 void expectFocusRingsAreWhole(QWidget& view);
 
-/// Expects every label that is seen to have room for its words, and every button to be within the
+/// Expects everything that is seen to have room for its words, and every button to be within the
 /// view. `where` is for messages.
 void expectNothingIsCut(const QWidget& view, const std::string& where);
 

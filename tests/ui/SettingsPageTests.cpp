@@ -91,6 +91,8 @@ TEST_F(SettingsPageTest, EveryControlDoesWhatItSaysByKeyboardAlone) {
     activate();
     press(button("Open setup …"), Qt::Key_Space);
     press(button("Check Again"), Qt::Key_Space);
+    press(named<QAbstractButton>("Move Codex"), Qt::Key_Up); // the first, and the last
+    press(named<QAbstractButton>("Move Antigravity"), Qt::Key_Down);
     press(named<QAbstractButton>("Move Codex"), Qt::Key_Down);
     press(named<QAbstractButton>("Show Claude"), Qt::Key_Up, Qt::AltModifier);
     press(named<QAbstractButton>("Show Codex"), Qt::Key_Space);
@@ -119,14 +121,6 @@ TEST_F(SettingsPageTest, ArrowsChooseAmongSegments) {
     EXPECT_THAT(calls, ElementsAre("change appearance light", "change first-figure used",
                                    "change interval 10", "change last-window quit",
                                    "change status-ink light"));
-}
-
-TEST_F(SettingsPageTest, EndsOfTheOrderAreEnds) {
-    show(samples::settings());
-    activate();
-    press(named<QAbstractButton>("Move Codex"), Qt::Key_Up);
-    press(named<QAbstractButton>("Move Antigravity"), Qt::Key_Down);
-    EXPECT_THAT(calls, IsEmpty());
 }
 
 TEST_F(SettingsPageTest, DraggingAHandleMovesItsRow) {

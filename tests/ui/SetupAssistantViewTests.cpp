@@ -128,26 +128,23 @@ TEST_F(SetupAssistantViewTest, TheKeyboardStaysWithTheAgentAndGoesOnToTheNext) {
     EXPECT_EQ(focused(), "Done, ");
 }
 
-TEST_F(SetupAssistantViewTest, TheFootHasRoomInEveryLanguageAndNothingLiesOverAnother) {
+TEST_F(SetupAssistantViewTest, TheFootHasRoomInEveryLanguageAtTheLeastSize) {
+    view.resize(SetupAssistantView::leastSize);
     for (const std::string_view language : Localization::languages()) {
         words = samples::words(std::string(language));
-        for (const QSize size : {SetupAssistantView::firstSize, SetupAssistantView::leastSize}) {
-            view.resize(size);
-            show(samples::closedSetup(words));
-            QRegion places;
-            int count = 0;
-            for (const auto* button : testing::visibleParts<QAbstractButton>(view)) {
+        show(samples::closedSetup(words));
+        QRegion places;
+        int count = 0;
+        for (const auto* button : testing::visibleParts<QAbstractButton>(view)) {
+            if (button->parentWidget() == &view) {
+                EXPECT_FALSE(places.intersects(button->geometry())) << button->text().toStdString();
+                EXPECT_LE(button->geometry().right(), view.width());
                 EXPECT_GE(button->width(), button->minimumSizeHint().width());
-                const QRect place(button->mapTo(&view, QPoint(0, 0)), button->size());
-                EXPECT_LE(place.right(), view.width()) << button->text().toStdString();
-                if (button->parentWidget() == &view) {
-                    EXPECT_FALSE(places.intersects(place)) << button->text().toStdString();
-                    places += place;
-                    ++count;
-                }
+                places += button->geometry();
+                ++count;
             }
-            EXPECT_EQ(count, 4);
         }
+        EXPECT_EQ(count, 4);
     }
 }
 
