@@ -28,9 +28,6 @@ TEST(MenuBarGlyph, ChoosesTheMostPressingWindow) {
         std::vector<UsageWindow> windows;
         const char* chosen;
     } choices[] = {
-        {"a full window with time left is critical",
-         {window("weekly", 10, week, week / 2), window("session", 100, fiveHours, 120)},
-         "session 100/60"},
         {"severity comes before pace",
          {window("fast", 56, fiveHours, 150), window("critical", 96, week, 0.9 * week)},
          "critical 96/10"},

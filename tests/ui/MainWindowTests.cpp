@@ -39,26 +39,19 @@ protected:
         }
         view.setContent(shown);
     }
-    /// Nothing but the overview has anything on it.
+    /// Of the pages that are come to here nothing but the overview has anything on it.
     static PageContent contentOf(AgentPage::Kind kind, const UsageState& state,
                                  const Localization& words) {
-        switch (kind) {
-        case AgentPage::Kind::overview:
+        if (kind == AgentPage::Kind::overview) {
             return overviewPageContent(state, samples::now(), words);
-        case AgentPage::Kind::provider:
-            return AgentPageContent();
-        case AgentPage::Kind::history:
-            return HistoryPageContent();
-        case AgentPage::Kind::activity:
-            return ActivityPageContent();
-        case AgentPage::Kind::settings:
-            return SettingsPageContent();
-        case AgentPage::Kind::help:
-            return HelpPageContent();
-        case AgentPage::Kind::about:
-            break;
         }
-        return AboutPageContent();
+        if (kind == AgentPage::Kind::provider) {
+            return AgentPageContent();
+        }
+        if (kind == AgentPage::Kind::history) {
+            return HistoryPageContent();
+        }
+        return SettingsPageContent();
     }
     std::vector<kit::SidebarEntry*> entries() {
         auto result = visibleParts<kit::SidebarEntry>(view);
