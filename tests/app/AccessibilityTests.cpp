@@ -22,8 +22,6 @@ namespace vellmark::tests {
 namespace {
 
 using ::testing::IsSupersetOf;
-using vellmark::testing::pressKey;
-using vellmark::testing::visibleParts;
 
 bool takesKeyboard(const QWidget& widget) {
     return (widget.focusPolicy() & Qt::TabFocus) != 0 && widget.isEnabled() &&
@@ -135,7 +133,7 @@ protected:
     /// Tab leads once through everything that takes the keyboard, in the order that the page says,
     /// with the focus in sight.
     static void expectTabLeadsEverywhere(QWidget& window) {
-        ASSERT_TRUE(eventually([&] {
+        ASSERT_TRUE(waitUntil([&] {
             window.activateWindow();
             return window.isActiveWindow();
         }));
@@ -193,7 +191,7 @@ TEST_F(AccessibilityTest, EveryPageIsToldAndReachedByKeys) {
     auto* window = visible<AgentMainWindowView>();
     ASSERT_NE(window, nullptr);
     // The first agent has been read.
-    ASSERT_TRUE(eventually([&] { return window->findChild<QProgressBar*>() != nullptr; }));
+    ASSERT_TRUE(waitUntil([&] { return window->findChild<QProgressBar*>() != nullptr; }));
     std::set<std::string> titles;
     for (int key = Qt::Key_1; key <= Qt::Key_9; ++key) {
         pressKey(*window, key, Qt::ControlModifier);
@@ -229,7 +227,7 @@ TEST_F(AccessibilityTest, EveryStepOfTheSetupIsToldAndReachedByKeys) {
     sandbox_.uninstall("claude");
     sandbox_.signOutOfAntigravity();
     launch();
-    ASSERT_TRUE(eventually([] { return visible<SetupAssistantView>() != nullptr; }));
+    ASSERT_TRUE(waitUntil([] { return visible<SetupAssistantView>() != nullptr; }));
     auto* assistant = visible<SetupAssistantView>();
     std::set<QString> titles;
     for (int step = 0; step < 4; ++step) {
@@ -241,7 +239,7 @@ TEST_F(AccessibilityTest, EveryStepOfTheSetupIsToldAndReachedByKeys) {
         expectTabLeadsEverywhere(*assistant);
         assistant->controls().back()->setFocus(Qt::TabFocusReason);
         pressKey(*assistant, Qt::Key_Return);
-        eventually([] { return true; });
+        settle();
     }
     EXPECT_EQ(titles.size(), 4U);
     EXPECT_FALSE(assistant->isVisible()) << "the last step finishes it";
@@ -252,7 +250,7 @@ TEST_F(AccessibilityTest, SupportReportIsToldAndReachedByKeys) {
     auto* window = visible<SupportReportView>();
     ASSERT_NE(window, nullptr);
     expectEverythingIsTold(*window); // while it is being made, too
-    ASSERT_TRUE(eventually([&] { return window->text()->isVisible(); }));
+    ASSERT_TRUE(waitUntil([&] { return window->text()->isVisible(); }));
     expectEverythingIsTold(*window);
     expectTabLeadsEverywhere(*window);
     QAccessibleInterface* text = QAccessible::queryAccessibleInterface(window->text());

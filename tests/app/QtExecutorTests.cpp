@@ -15,7 +15,7 @@ class QtExecutorTest : public ::testing::Test {
 protected:
     /// Runs Qt's loop until `count` tasks have run.
     void runUntil(std::size_t count) {
-        EXPECT_TRUE(vellmark::testing::waitUntil([&] { return ran_.size() >= count; }));
+        EXPECT_TRUE(waitUntil([&] { return ran_.size() >= count; }));
     }
     MainExecutor::Task note(int number) {
         return [this, number] {

@@ -25,10 +25,6 @@
 namespace vellmark::tests {
 namespace {
 
-using vellmark::testing::partNamed;
-using vellmark::testing::pressKey;
-using vellmark::testing::visibleParts;
-
 class VellmarkAppDelegateTest : public LaunchedApplication {
 protected:
     /// Does what a key with Control stands for in a window.
@@ -113,7 +109,7 @@ TEST_F(VellmarkAppDelegateTest, DoesNothingInATestHost) {
 
 TEST_F(VellmarkAppDelegateTest, ChangesEverythingThatIsOpenWithTheLanguage) {
     launch();
-    ASSERT_TRUE(eventually([] { return toolTip().contains("93% used"); }));
+    ASSERT_TRUE(waitUntil([] { return toolTip().contains("93% used"); }));
     EXPECT_FALSE(visible<AgentMainWindowView>()) << "everything is set up";
     std::string before = "en";
     const auto change = [&](const std::string& code, const QString& where) {
@@ -128,7 +124,7 @@ TEST_F(VellmarkAppDelegateTest, ChangesEverythingThatIsOpenWithTheLanguage) {
     };
     ASSERT_TRUE(opensPopover());
     change("it", "popover");
-    EXPECT_TRUE(eventually([] { return toolTip().contains("93% usato"); }));
+    EXPECT_TRUE(waitUntil([] { return toolTip().contains("93% usato"); }));
     delegate_->showAboutFromMenu();
     delegate_->applicationShouldHandleReopen(false);
     auto* window = visible<AgentMainWindowView>();
@@ -140,7 +136,7 @@ TEST_F(VellmarkAppDelegateTest, ChangesEverythingThatIsOpenWithTheLanguage) {
     (*terms)->trigger();
     ASSERT_TRUE(visible<LegalWindow>());
     delegate_->showSupportReportFromMenu();
-    ASSERT_TRUE(eventually([] { return visible<SupportReportView>()->text()->isVisible(); }));
+    ASSERT_TRUE(waitUntil([] { return visible<SupportReportView>()->text()->isVisible(); }));
     std::size_t next = 0;
     QStringList pages;
     for (kit::SidebarEntry* entry : visibleParts<kit::SidebarEntry>(*window)) {
@@ -155,19 +151,19 @@ TEST_F(VellmarkAppDelegateTest, ReportTellsWhatTheStoreKnowsAndNothingOfItStays)
     const auto left = sandbox_.machine().temporary / "vellmark-support-of-a-killed-run";
     std::filesystem::create_directory(left);
     launch();
-    EXPECT_TRUE(eventually([&] { return !std::filesystem::exists(left); }));
+    EXPECT_TRUE(waitUntil([&] { return !std::filesystem::exists(left); }));
     delegate_->showSupportReportFromMenu();
     auto* window = visible<SupportReportView>();
     ASSERT_TRUE(window);
     window->findChild<QPlainTextEdit*>()->setPlainText("It hung.");
     const auto text = [window] { return std::string(window->text()->rows().text()); };
-    EXPECT_TRUE(eventually([&] { return text().find("What happened?\nIt hung.") < 2000; }));
+    EXPECT_TRUE(waitUntil([&] { return text().find("What happened?\nIt hung.") < 2000; }));
     // Behind everything that the store still had to write, in the words of now.
     EXPECT_NE(text().find("vellmark: Refresh started"), std::string::npos);
     window->close();
     EXPECT_EQ(text(), "");
     delegate_->showSupportReportFromMenu();
-    EXPECT_TRUE(eventually([&] { return text().find("It hung.") < 2000; }))
+    EXPECT_TRUE(waitUntil([&] { return text().find("It hung.") < 2000; }))
         << "a closed window loses no words";
 
     // While the agents are being asked, the program ends at once.
@@ -192,7 +188,7 @@ TEST_F(VellmarkAppDelegateTest, TakesTheMenusKeysInThePopover) {
 
 TEST_F(VellmarkAppDelegateTest, LeadsFromAnAgentInThePopoverToItsPage) {
     launch();
-    ASSERT_TRUE(eventually([] { return toolTip().contains("93% used"); }));
+    ASSERT_TRUE(waitUntil([] { return toolTip().contains("93% used"); }));
     for (const char* agent : {"Claude", "Antigravity", "Antigravity"}) {
         ASSERT_TRUE(opensPopover());
         partNamed<AgentBlock>(*visible<Popover>(), agent)->click();
@@ -232,20 +228,20 @@ TEST_F(VellmarkAppDelegateTest, LetsGoOfWhatHasBeenClosedForAWhileAndShowsItAgai
         ASSERT_TRUE(window);
         EXPECT_FALSE(visible<Popover>());
         passTheWhile(*popover);
-        ASSERT_TRUE(eventually([&] { return popover.isNull(); }));
+        ASSERT_TRUE(waitUntil([&] { return popover.isNull(); }));
         passTheWhile(*window);
-        eventually([] { return true; });
+        settle();
         EXPECT_TRUE(window && window->isVisible()) << "it is open";
         window->close();
         passTheWhile(*window);
-        ASSERT_TRUE(eventually([&] { return window.isNull(); }));
+        ASSERT_TRUE(waitUntil([&] { return window.isNull(); }));
     }
 }
 
 TEST_F(VellmarkAppDelegateTest, BeginsWithTheSetupAndThenTheTermsWhereSomethingIsMissing) {
     sandbox_.uninstall("codex");
     launch();
-    ASSERT_TRUE(eventually([] { return visible<SetupAssistantView>() != nullptr; }));
+    ASSERT_TRUE(waitUntil([] { return visible<SetupAssistantView>() != nullptr; }));
     EXPECT_FALSE(visible<AgentMainWindowView>());
     EXPECT_FALSE(visible<LegalWindow>());
     EXPECT_EQ(visible<SetupAssistantView>()->windowTitle(), "Set Up Vellmark");
@@ -255,18 +251,18 @@ TEST_F(VellmarkAppDelegateTest, BeginsWithTheSetupAndThenTheTermsWhereSomethingI
     ASSERT_TRUE(visible<LegalWindow>());
     quit();
     launch(); // put off: the terms alone
-    ASSERT_TRUE(eventually([] { return visible<LegalWindow>() != nullptr; }));
+    ASSERT_TRUE(waitUntil([] { return visible<LegalWindow>() != nullptr; }));
     EXPECT_FALSE(visible<SetupAssistantView>());
 
     // The way out of the failure leads back, to what is left to do.
     ASSERT_TRUE(opensPopover());
     const auto wayOut = [] { return partNamed(*visible<Popover>(), "Install …"); };
-    ASSERT_TRUE(eventually([&] { return wayOut() != nullptr; }));
+    ASSERT_TRUE(waitUntil([&] { return wayOut() != nullptr; }));
     wayOut()->click();
     EXPECT_FALSE(visible<Popover>());
     auto* assistant = visible<SetupAssistantView>();
     ASSERT_TRUE(assistant);
-    EXPECT_TRUE(eventually([&] {
+    EXPECT_TRUE(waitUntil([&] {
         const auto* copy = partNamed(*assistant, "Copy command");
         return copy != nullptr && copy->accessibleDescription().startsWith("curl");
     }));
@@ -294,7 +290,7 @@ TEST_F(VellmarkAppDelegateTest, ShowsTheTermsOnceEverythingIsSetUpUntilTheyAreAc
     };
     for (const bool isFirst : {true, false}) {
         launch();
-        ASSERT_TRUE(eventually([] { return visible<LegalWindow>() != nullptr; })) << isFirst;
+        ASSERT_TRUE(waitUntil([] { return visible<LegalWindow>() != nullptr; })) << isFirst;
         press("Privacy");
         press(isFirst ? "Close" : "Accept");
         EXPECT_FALSE(visible<LegalWindow>());
@@ -316,7 +312,7 @@ TEST_F(VellmarkAppDelegateTest, EndsEveryAgentAtTermination) {
     sandbox_.play("claude", "deaf");
     sandbox_.play("codex", "hang");
     launch();
-    ASSERT_TRUE(eventually([] { return livingChildCount() >= 2; }));
+    ASSERT_TRUE(waitUntil([] { return livingChildCount() >= 2; }));
     delegate_->applicationWillTerminate();
     delegate_.reset();
     EXPECT_TRUE(sandbox_.survivors().empty());

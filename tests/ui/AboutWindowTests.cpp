@@ -5,7 +5,7 @@
 #include <QLabel>
 #include <gtest/gtest.h>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
 
 TEST(AboutWindow, HasRoomForEverySentence) {
@@ -13,8 +13,8 @@ TEST(AboutWindow, HasRoomForEverySentence) {
         AboutWindow window({.open = [](AboutLink) {}, .openURL = [](const std::string&) {}});
         window.setContent(aboutPageContent(samples::words(language)));
         window.show();
-        testing::settle();
-        testing::expectNothingIsCut(window, language);
+        settle();
+        expectNothingIsCut(window, language);
         for (const QLabel* label : window.findChildren<QLabel*>()) {
             EXPECT_LT(label->geometry().bottom(), window.height());
         }
@@ -22,4 +22,4 @@ TEST(AboutWindow, HasRoomForEverySentence) {
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

@@ -13,11 +13,8 @@
 #include <QScrollBar>
 #include <gmock/gmock.h>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
-
-using testing::pressKey;
-using testing::settle;
 
 /// What the least window leaves beside the sidebar.
 constexpr QSize leastPage(792, 680);
@@ -52,8 +49,8 @@ protected:
     }
     int place() { return list().verticalScrollBar()->value(); }
     int end() { return list().verticalScrollBar()->maximum(); }
-    bool says(const QString& words) { return testing::says(page_, words); }
-    QAbstractButton* button(const QString& title) { return testing::partNamed(page_, title); }
+    bool says(const QString& words) { return tests::says(page_, words); }
+    QAbstractButton* button(const QString& title) { return partNamed(page_, title); }
     QLineEdit& search() { return *page_.findChild<QLineEdit*>(); }
     static QString clipboard() { return QApplication::clipboard()->text(); }
 
@@ -192,4 +189,4 @@ TEST_F(ActivityPageTest, TellsEveryRowToAssistiveSoftware) {
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

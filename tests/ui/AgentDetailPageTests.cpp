@@ -10,12 +10,11 @@
 #include <QGuiApplication>
 #include <gmock/gmock.h>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using testing::RecordedActions;
 
 class AgentDetail : public ::testing::Test {
 protected:
@@ -42,9 +41,9 @@ protected:
     }
     template<class Widget>
     std::vector<Widget*> shown() {
-        return testing::visibleParts<Widget>(page);
+        return visibleParts<Widget>(page);
     }
-    QAbstractButton* button(const QString& name) { return testing::partNamed(page, name); }
+    QAbstractButton* button(const QString& name) { return partNamed(page, name); }
     QRect place(QWidget* widget) { return {widget->mapTo(&page, QPoint(0, 0)), widget->size()}; }
 
     RecordedActions recorded;
@@ -74,7 +73,7 @@ TEST_F(AgentDetail, EachControlAsksForWhatItSays) {
 
 TEST_F(AgentDetail, AMoveToTheEndLeavesTheKeyboardWithTheMoves) {
     show(samples::normal(), 1);
-    ASSERT_TRUE(testing::becomesActive(page));
+    ASSERT_TRUE(becomesActive(page));
     QAbstractButton* later = button("Move back");
     later->setFocus(Qt::TabFocusReason);
     UsageState moved = samples::normal();
@@ -133,10 +132,10 @@ TEST_F(AgentDetail, NothingIsShortenedAtTheLeastWidthInAnyLanguage) {
     for (const char* language : {"de", "en", "fr", "it", "es"}) {
         for (const UsageState& state : {samples::readAlone(), samples::usedUp()}) {
             show(state, 1, {662, 512}, language); // of a small screen with type of 150 %
-            testing::expectNothingIsCut(page, language);
+            expectNothingIsCut(page, language);
         }
     }
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

@@ -16,12 +16,8 @@
 #include <QApplication>
 #include <gtest/gtest.h>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
-
-using testing::expectNothingIsCut;
-using testing::RecordedActions;
-using testing::settle;
 
 /// Room of an entry of the sidebar for its title and what stands at its end, and between both.
 constexpr double entryRoom = 224 - 2 * 10 - 20 - 10;
@@ -110,7 +106,7 @@ TEST_P(Fitting, HistoryFigures) {
                     historyPageContent(state, history, {.agent = agent}, samples::now(), words));
                 page.show();
                 settle();
-                const auto cards = testing::visibleParts<FiguresCard>(page);
+                const auto cards = visibleParts<FiguresCard>(page);
                 ASSERT_FALSE(cards.empty());
                 expectNothingIsCut(*cards.front(), std::string(family) + ", " + agent.rawValue +
                                                        ", " + std::to_string(width));
@@ -166,4 +162,4 @@ INSTANTIATE_TEST_SUITE_P(Languages, Fitting, ::testing::ValuesIn(Localization::l
                          });
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

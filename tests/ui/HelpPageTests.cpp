@@ -11,11 +11,10 @@
 
 #include <algorithm>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
 
 using ::testing::ElementsAre;
-using testing::tabStops;
 
 /// What the least window leaves beside the sidebar.
 constexpr QSize leastPage(792, 680);
@@ -31,9 +30,9 @@ protected:
         page_.setContent(helpPageContent(section, query, samples::words(language)));
         QCoreApplication::sendPostedEvents();
     }
-    QAbstractButton* button(const QString& title) { return testing::partNamed(page_, title); }
+    QAbstractButton* button(const QString& title) { return partNamed(page_, title); }
 
-    testing::RecordedActions recorded_;
+    RecordedActions recorded_;
     HelpPageActions actions_{.choose = recorded_.note("choose"),
                              .search = recorded_.note("search"),
                              .copy = recorded_.note("copy"),
@@ -47,7 +46,7 @@ TEST_F(HelpPageTest, HasRoomForEverythingInEveryLanguage) {
              {HelpSection::reading, HelpSection::marks, HelpSection::failures,
               HelpSection::keyboard, HelpSection::support}) {
             show(section, {}, language);
-            testing::expectNothingIsCut(page_, language);
+            expectNothingIsCut(page_, language);
         }
     }
 }
@@ -67,7 +66,7 @@ TEST_F(HelpPageTest, AsksForWhatIsChosenTypedCopiedAndOpened) {
     show(HelpSection::support, "qu");
     EXPECT_EQ(field->text(), "qu");
     field->setFocus();
-    testing::pressKey(page_, Qt::Key_Escape);
+    pressKey(page_, Qt::Key_Escape);
     EXPECT_THAT(recorded_.calls,
                 ElementsAre("choose 2", "copy curl -fsSL https://chatgpt.com/codex/install.sh | sh",
                             "open 4", "search q", "search qu", "search "));
@@ -75,7 +74,7 @@ TEST_F(HelpPageTest, AsksForWhatIsChosenTypedCopiedAndOpened) {
 
 TEST_F(HelpPageTest, ChoosesNoSectionWhileItLooksInAll) {
     const auto isAnyChosen = [&] {
-        return std::ranges::any_of(testing::visibleParts<QAbstractButton>(page_),
+        return std::ranges::any_of(visibleParts<QAbstractButton>(page_),
                                    &QAbstractButton::isChecked);
     };
     show(HelpSection::marks);
@@ -87,7 +86,7 @@ TEST_F(HelpPageTest, ChoosesNoSectionWhileItLooksInAll) {
 }
 
 TEST(AboutPage, LeadsToEveryPageAndHasRoom) {
-    testing::RecordedActions recorded;
+    RecordedActions recorded;
     const AboutPageActions actions{.open = recorded.note("open"),
                                    .openURL = recorded.note("openURL")};
     AboutPage page(actions, nullptr);
@@ -98,7 +97,7 @@ TEST(AboutPage, LeadsToEveryPageAndHasRoom) {
         page.setContent(content);
         QCoreApplication::sendPostedEvents();
         recorded.calls.clear();
-        testing::RecordedActions wanted;
+        RecordedActions wanted;
         for (const AboutLinkContent& link : content.links) {
             wanted.note("open")(link.link);
         }
@@ -111,9 +110,9 @@ TEST(AboutPage, LeadsToEveryPageAndHasRoom) {
             }
         }
         EXPECT_EQ(recorded.calls, wanted.calls) << language;
-        testing::expectNothingIsCut(page, language);
+        expectNothingIsCut(page, language);
     }
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

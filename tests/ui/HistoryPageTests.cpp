@@ -14,10 +14,8 @@
 #include <string>
 #include <vector>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
-
-using testing::pressKey;
 
 class History : public ::testing::Test {
 protected:
@@ -36,14 +34,14 @@ protected:
             historyPageContent(state, history, choice, samples::now(), samples::words("en")));
         page.show();
     }
-    QAbstractButton* button(const QString& name) { return testing::partNamed(page, name); }
+    QAbstractButton* button(const QString& name) { return partNamed(page, name); }
     static void pointAt(QWidget* widget, QPointF place) {
-        testing::sendMouse(*widget, QEvent::MouseMove, place, Qt::NoButton);
+        sendMouse(*widget, QEvent::MouseMove, place, Qt::NoButton);
     }
 
     AgentUIActions program;
     HistoryPageActions actions;
-    testing::RecordedActions recorded;
+    RecordedActions recorded;
     std::string picture;
     UsageState state = samples::normal();
     UsageHistory history;
@@ -112,4 +110,4 @@ TEST_F(History, LetsThePointsGoWhenItIsLeft) {
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

@@ -8,7 +8,7 @@
 #include <QScrollBar>
 #include <gmock/gmock.h>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
 
 using ::testing::ElementsAre;
@@ -20,10 +20,10 @@ protected:
         window_.show();
         QCoreApplication::sendPostedEvents();
     }
-    QAbstractButton* button(const QString& title) { return testing::partNamed(window_, title); }
+    QAbstractButton* button(const QString& title) { return partNamed(window_, title); }
     int scrolled() { return window_.findChild<QScrollArea*>()->verticalScrollBar()->value(); }
 
-    testing::RecordedActions recorded_;
+    RecordedActions recorded_;
     LegalWindow window_{{.choose = recorded_.note("choose"), .accept = recorded_.note("accept")}};
 };
 
@@ -32,7 +32,7 @@ TEST_F(LegalWindowTest, ShowsBothTextsWholeInEveryLanguage) {
     for (const char* language : {"de", "en", "es", "fr", "it"}) {
         for (const LegalDocument document : {LegalDocument::terms, LegalDocument::privacy}) {
             show(document, true, language);
-            testing::expectNothingIsCut(window_, language);
+            expectNothingIsCut(window_, language);
             EXPECT_GT(window_.findChild<QScrollArea*>()->verticalScrollBar()->maximum(), 0);
         }
     }
@@ -40,12 +40,12 @@ TEST_F(LegalWindowTest, ShowsBothTextsWholeInEveryLanguage) {
 
 TEST_F(LegalWindowTest, AcceptsOnlyWhatIsDueAndBeginsAnotherTextAtItsTop) {
     show(LegalDocument::terms, true);
-    testing::pressKey(window_, Qt::Key_End);
+    pressKey(window_, Qt::Key_End);
     EXPECT_GT(scrolled(), 0);
     button("Privacy")->click();
     show(LegalDocument::privacy, true);
     EXPECT_EQ(scrolled(), 0);
-    testing::pressKey(window_, Qt::Key_PageDown);
+    pressKey(window_, Qt::Key_PageDown);
     const int place = scrolled();
     EXPECT_GT(place, 0);
     button("Accept")->click();
@@ -60,7 +60,7 @@ TEST_F(LegalWindowTest, AcceptsOnlyWhatIsDueAndBeginsAnotherTextAtItsTop) {
 TEST_F(LegalWindowTest, GoesFromTheTextsToTheButtonsByTab) {
     show(LegalDocument::terms, true);
     std::vector<QString> titles;
-    for (const QWidget* stop : testing::tabStops(window_)) {
+    for (const QWidget* stop : tabStops(window_)) {
         titles.push_back(qobject_cast<const QAbstractButton*>(stop)->text());
     }
     // Among the texts the arrow keys choose.
@@ -68,4 +68,4 @@ TEST_F(LegalWindowTest, GoesFromTheTextsToTheButtonsByTab) {
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

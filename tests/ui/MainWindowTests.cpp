@@ -11,16 +11,10 @@
 
 #include <algorithm>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
 
-using testing::becomesActive;
 using ::testing::ElementsAre;
-using testing::partNamed;
-using testing::pressKey;
-using testing::RecordedActions;
-using testing::tabStops;
-using testing::visibleParts;
 
 class MainWindow : public ::testing::Test {
 protected:
@@ -58,7 +52,7 @@ protected:
         std::ranges::sort(result, {}, [](const QWidget* entry) { return entry->y(); });
         return result;
     }
-    bool says(const QString& words) { return testing::says(view, words); }
+    bool says(const QString& words) { return tests::says(view, words); }
 
     RecordedActions recorded;
     AgentNavigationState navigation;
@@ -123,7 +117,7 @@ TEST_F(MainWindow, GoesItsWayByKeysAndByTheButtonsOfTheMouse) {
     const auto at = [this] { return navigation.selection().kind; };
     const auto pressButton = [this](Qt::MouseButton button) {
         // On a control, which has no use for it.
-        testing::sendMouse(*entries()[1], QEvent::MouseButtonPress, {4, 4}, button);
+        sendMouse(*entries()[1], QEvent::MouseButtonPress, {4, 4}, button);
     };
     pressKey(view, Qt::Key_5, Qt::ControlModifier);
     EXPECT_EQ(at(), AgentPage::Kind::history);
@@ -172,7 +166,7 @@ TEST_F(MainWindow, OffersTheMenuOnlyWhereTheSystemShowsNone) {
 TEST_F(MainWindow, ShowsTheFocusRingOfEveryControlWhole) {
     show(samples::failed());
     ASSERT_TRUE(becomesActive(view));
-    testing::expectFocusRingsAreWhole(view);
+    expectFocusRingsAreWhole(view);
 }
 
 TEST_F(MainWindow, TakesTheFocusRingBackFromAnotherWindowUnlessAPressHadRemovedIt) {
@@ -208,4 +202,4 @@ TEST_F(MainWindow, LeadsToAgentsAndOutOfFailures) {
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

@@ -19,7 +19,7 @@ Label* wordsOf(Notice& notice, const QString& words) {
     look.buttonWords = "Read again";
     notice.setLook(look);
     notice.resize(398, notice.heightForWidth(398));
-    return vellmark::testing::partNamed<Label>(notice, words);
+    return tests::partNamed<Label>(notice, words);
 }
 
 TEST(Notice, ShowsTwoLinesOfALongReasonAndSaysThatThereIsMore) {

@@ -9,12 +9,8 @@
 #include <QScreen>
 #include <gtest/gtest.h>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
-
-using testing::pressKey;
-using testing::RecordedActions;
-using testing::waitUntil;
 
 TEST(PopoverPlacement, StaysNearTheItemAndOnTheScreen) {
     const QRect available(0, 24, 1440, 852);
@@ -100,7 +96,7 @@ TEST_F(PopoverWindow, ClosesByEscapeAndByAPressOnItsShadow) {
     pressKey(popover, Qt::Key_Escape);
     EXPECT_FALSE(popover.isVisible());
     popover.open(anchor);
-    testing::sendMouse(popover, QEvent::MouseButtonPress, {2, 2});
+    sendMouse(popover, QEvent::MouseButtonPress, {2, 2});
     EXPECT_FALSE(popover.isVisible());
 }
 
@@ -143,4 +139,4 @@ TEST_F(PopoverWindow, FollowsItsContentsHeightAndKeepsItsPlaceUnderTheItem) {
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

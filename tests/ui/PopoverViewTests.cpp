@@ -18,15 +18,10 @@
 #include <QTabBar>
 #include <gmock/gmock.h>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
 
 using ::testing::ElementsAre;
-using testing::pressKey;
-using testing::RecordedActions;
-using testing::sendMouse;
-using testing::tabStops;
-using testing::visibleParts;
 
 PopoverContent content(const UsageState& state, const std::string& tab = "overview",
                        const std::string& language = "en") {
@@ -110,7 +105,7 @@ TEST_F(PopoverView, NeverCutsTheTimeOfTheStatusLine) {
             const PopoverContent shown = content(state, "overview", language);
             show(shown);
             const auto* line =
-                testing::partNamed<kit::Label>(view, QString::fromStdString(shown.statusLine.text));
+                partNamed<kit::Label>(view, QString::fromStdString(shown.statusLine.text));
             ASSERT_NE(line, nullptr);
             EXPECT_FALSE(line->isShortened()) << line->text().toStdString();
             EXPECT_TRUE(line->text().contains("2:46") || line->text().contains("14:46"));
@@ -279,4 +274,4 @@ TEST_F(PopoverView, ScrollsWhatDoesNotFitAndStartsAtTheTopOfATab) {
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

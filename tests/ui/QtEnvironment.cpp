@@ -17,7 +17,7 @@
 #include <chrono>
 #include <memory>
 
-namespace vellmark::testing {
+namespace vellmark::tests {
 
 namespace {
 
@@ -75,7 +75,7 @@ bool isCut(const QWidget& widget, const QWidget& view) {
 } // namespace
 
 bool waitUntil(const std::function<bool()>& condition) {
-    return tests::becomesTrue(
+    return becomesTrue(
         [&] {
             QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
             return condition();
@@ -172,4 +172,4 @@ void expectNothingIsCut(const QWidget& view, const std::string& where) {
     EXPECT_GT(parts.size(), 5U) << where;
 }
 
-} // namespace vellmark::testing
+} // namespace vellmark::tests

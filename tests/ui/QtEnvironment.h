@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-namespace vellmark::testing {
+namespace vellmark::tests {
 
 /// Works through events until `condition` holds; false when it does not within a
 /// minute.
@@ -95,4 +95,4 @@ void expectFocusRingsAreWhole(QWidget& view);
 /// view. `where` is for messages.
 void expectNothingIsCut(const QWidget& view, const std::string& where);
 
-} // namespace vellmark::testing
+} // namespace vellmark::tests

@@ -12,15 +12,12 @@
 #include <QWheelEvent>
 #include <gmock/gmock.h>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Not;
-using testing::pressKey;
-using testing::tabStops;
-using testing::waitUntil;
 
 /// The page with what it asks for written down.
 class SettingsPageTest : public ::testing::Test {
@@ -33,10 +30,10 @@ protected:
             QWidget::setTabOrder(controls[index - 1], controls[index]);
         }
     }
-    void activate() { ASSERT_TRUE(testing::becomesActive(page)); }
+    void activate() { ASSERT_TRUE(becomesActive(page)); }
     template<typename Widget>
     Widget* named(const QString& name) {
-        return testing::partNamed<Widget>(page, name);
+        return partNamed<Widget>(page, name);
     }
     kit::Button* button(const QString& words) { return named<kit::Button>(words); }
     void press(QWidget* control, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
@@ -45,10 +42,10 @@ protected:
         pressKey(page, key, modifiers);
     }
     static void drag(QWidget* handle, int distance) {
-        testing::sendMouse(*handle, QEvent::MouseButtonPress, {10, 10});
-        testing::sendMouse(*handle, QEvent::MouseMove, {10, 10.0 + distance / 2});
-        testing::sendMouse(*handle, QEvent::MouseMove, {10, 10.0 + distance});
-        testing::sendMouse(*handle, QEvent::MouseButtonRelease, {10, 10.0 + distance});
+        sendMouse(*handle, QEvent::MouseButtonPress, {10, 10});
+        sendMouse(*handle, QEvent::MouseMove, {10, 10.0 + distance / 2});
+        sendMouse(*handle, QEvent::MouseMove, {10, 10.0 + distance});
+        sendMouse(*handle, QEvent::MouseButtonRelease, {10, 10.0 + distance});
     }
 
     static void expectRoom(const QWidget& row) {
@@ -72,7 +69,7 @@ protected:
         }
     }
 
-    testing::RecordedActions recorded;
+    RecordedActions recorded;
     const std::vector<std::string>& calls = recorded.calls;
     SettingsPageActions actions{.appear = recorded.note("appear"),
                                 .enableAgent = recorded.note("enable"),
@@ -111,7 +108,7 @@ TEST_F(SettingsPageTest, EveryControlDoesWhatItSaysByKeyboardAlone) {
 TEST_F(SettingsPageTest, ArrowsChooseAmongSegments) {
     show(samples::settings());
     activate();
-    auto parts = testing::visibleParts<QAbstractButton>(page);
+    auto parts = visibleParts<QAbstractButton>(page);
     std::erase_if(parts, [](const QAbstractButton* part) {
         return !part->autoExclusive() || !part->isChecked();
     });
@@ -212,7 +209,7 @@ TEST_F(SettingsPageTest, TheKeyboardComesToEveryControlAndItsRingIsSeenWhole) {
     show(samples::unreadySettings());
     activate();
     EXPECT_GT(tabStops(page).size(), 25U);
-    testing::expectFocusRingsAreWhole(page);
+    expectFocusRingsAreWhole(page);
 }
 
 TEST_F(SettingsPageTest, NothingIsCutOffOrOverlapsInAnyLanguage) {
@@ -221,7 +218,7 @@ TEST_F(SettingsPageTest, NothingIsCutOffOrOverlapsInAnyLanguage) {
         for (const char* language : {"de", "en", "fr", "it", "es"}) {
             show(samples::unreadySettings(), language);
             SCOPED_TRACE(std::string(language) + ", " + std::to_string(width));
-            for (const QWidget* row : testing::visibleParts<kit::FormRow>(page)) {
+            for (const QWidget* row : visibleParts<kit::FormRow>(page)) {
                 expectRoom(*row);
             }
         }
@@ -229,4 +226,4 @@ TEST_F(SettingsPageTest, NothingIsCutOffOrOverlapsInAnyLanguage) {
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

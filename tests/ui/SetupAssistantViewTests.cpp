@@ -9,12 +9,11 @@
 #include <QScrollArea>
 #include <gmock/gmock.h>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using testing::pressKey;
 
 const auto claude = AgentProviderID::claude();
 const auto antigravity = AgentProviderID::antigravity();
@@ -25,7 +24,7 @@ protected:
         view.setContent(setupAssistantContent(state, samples::now(), words));
         view.show();
         view.activateWindow();
-        testing::settle();
+        settle();
     }
     void pressEverything() {
         view.controls().back()->setFocus(Qt::TabFocusReason); // from here Tab begins anew
@@ -46,7 +45,7 @@ protected:
     }
 
     Localization words = samples::words("en");
-    testing::RecordedActions recorded;
+    RecordedActions recorded;
     std::vector<std::string>& calls = recorded.calls;
     int looks = 0;
     SetupAssistantView view{{.next = recorded.note("next"),
@@ -135,7 +134,7 @@ TEST_F(SetupAssistantViewTest, TheFootHasRoomInEveryLanguageAtTheLeastSize) {
         show(samples::closedSetup(words));
         QRegion places;
         int count = 0;
-        for (const auto* button : testing::visibleParts<QAbstractButton>(view)) {
+        for (const auto* button : visibleParts<QAbstractButton>(view)) {
             if (button->parentWidget() == &view) {
                 EXPECT_FALSE(places.intersects(button->geometry())) << button->text().toStdString();
                 EXPECT_LE(button->geometry().right(), view.width());
@@ -149,4 +148,4 @@ TEST_F(SetupAssistantViewTest, TheFootHasRoomInEveryLanguageAtTheLeastSize) {
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

@@ -15,14 +15,12 @@
 
 #include <algorithm>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
 
 using samples::ReportMoment;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using testing::pressKey;
-using testing::tabStops;
 
 class SupportReportViewTest : public ::testing::Test {
 protected:
@@ -35,24 +33,24 @@ protected:
         const Localization words = samples::words(language);
         state_ = samples::report(moment, words);
         view_.setContent(supportReportContent(state_, words));
-        testing::settle();
+        settle();
     }
     /// Shows a text of the test's own.
     void showText(const std::string& text) {
         state_ = samples::report(ReportMoment::clean, samples::words("en"));
         state_.text = std::make_shared<const RedactedText>(RedactedText{text, {}});
         view_.setContent(supportReportContent(state_, samples::words("en")));
-        testing::settle();
+        settle();
     }
-    QAbstractButton* button(const QString& title) { return testing::partNamed(view_, title); }
+    QAbstractButton* button(const QString& title) { return partNamed(view_, title); }
     ReportTextView& text() { return *view_.text(); }
     QScrollBar& bar() { return *text().verticalScrollBar(); }
-    void mouse(QEvent::Type type, QPointF at) { testing::sendMouse(*text().viewport(), type, at); }
+    void mouse(QEvent::Type type, QPointF at) { sendMouse(*text().viewport(), type, at); }
     QPointF middleOf(std::size_t place) { return text().rectOf(place).topLeft() + QPointF(1, 9); }
     std::size_t placeOf(const std::string& words) { return state_.text->text.find(words); }
 
     SupportReportState state_;
-    testing::RecordedActions recorded_;
+    RecordedActions recorded_;
     SupportReportView view_{{.type = recorded_.note("type"),
                              .setIncludeEmails = recorded_.note("include"),
                              .lookFor = recorded_.note("look for"),
@@ -95,7 +93,7 @@ TEST_F(SupportReportViewTest, NothingIsCutInAnyLanguage) {
         for (const std::string_view language : Localization::languages()) {
             for (int moment = 0; moment <= static_cast<int>(ReportMoment::failed); ++moment) {
                 show(static_cast<ReportMoment>(moment), std::string(language));
-                testing::expectNothingIsCut(view_, std::string(language));
+                expectNothingIsCut(view_, std::string(language));
             }
         }
     }
@@ -217,4 +215,4 @@ TEST_F(SupportReportViewTest, IsReadAloudInTheUnitsOfWhoeverReads) {
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

@@ -67,7 +67,7 @@ TEST_F(ToolTip, GoesWhenThePointerLeavesOrSomethingIsPressed) {
         EXPECT_EQ(shownTip(), nullptr) << ending;
     }
     restAt(QPoint(50, 50), "tip");
-    testing::pressKey(owner, Qt::Key_A);
+    tests::pressKey(owner, Qt::Key_A);
     EXPECT_EQ(shownTip(), nullptr);
 }
 
