@@ -77,9 +77,11 @@ protected:
         arrive(id, std::move(windows));
         look();
     }
-    void readSession(double used, double left) {
-        read(claude, {quota("session", used, 5, left)});
-        pass(pause);
+    void readSession(double used, double left, int times = 1) {
+        for (; times > 0; --times) {
+            read(claude, {quota("session", used, 5, left)});
+            pass(pause);
+        }
     }
     void fail(const AgentProviderID& id) {
         AgentUsageSnapshot& reading = snapshot(id);
@@ -255,9 +257,7 @@ TEST_F(UsageNoticesTest, AfterASleepOrAStartTheSecondReadingTells) {
     EXPECT_THAT(takeTold(), ElementsAre("usedUp claude/session"));
     pass(9 * hour);
     restart();
-    for (int reading = 0; reading < 3; ++reading) {
-        readSession(100, 3);
-    }
+    readSession(100, 3, 3);
     EXPECT_THAT(takeTold(), ElementsAre("usedUp claude/session")) << "of another period";
 }
 
@@ -288,16 +288,13 @@ TEST_F(UsageNoticesTest, ACommonResetIsToldWhereThatIsWanted) {
 
 TEST_F(UsageNoticesTest, AClockThatIsSetNeitherRepeatsNorHides) {
     // The agent tells the time of day of the reset, so that it moves with the clock.
-    readSession(96, 3);
-    readSession(96, 2.9);
+    readSession(96, 3, 2);
     EXPECT_THAT(takeTold(), ElementsAre("runsOut claude/session"));
     for (const Seconds jump : {24 * hour, -48 * hour, 24 * hour, 8760 * hour, -8760 * hour}) {
         setClock(jump);
-        readSession(97, 2);
-        readSession(97, 1.9);
+        readSession(97, 2, 2);
         restart();
-        readSession(97, 1.8);
-        readSession(97, 1.8);
+        readSession(97, 1.8, 2);
     }
     EXPECT_THAT(takeTold(), IsEmpty());
     readSession(100, 1);
@@ -486,9 +483,7 @@ TEST_F(UsageNoticesTest, WhatAnAgentTellsBetweenItsReadingsCounts) {
 
 TEST_F(UsageNoticesTest, WhatNobodyShowedIsToldAgain) {
     isSilent_ = true;
-    for (int reading = 0; reading < 3; ++reading) {
-        readSession(100, 3);
-    }
+    readSession(100, 3, 3);
     EXPECT_THAT(takeTold(), IsEmpty());
     isSilent_ = false;
     look();
