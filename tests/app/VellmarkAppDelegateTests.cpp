@@ -124,7 +124,7 @@ TEST_F(VellmarkAppDelegateTest, ChangesEverythingThatIsOpenWithTheLanguage) {
     };
     ASSERT_TRUE(opensPopover());
     change("it", "popover");
-    EXPECT_TRUE(waitUntil([] { return toolTip().contains("93% usato"); }));
+    EXPECT_TRUE(toolTip().contains("93% usato"));
     delegate_->showAboutFromMenu();
     delegate_->applicationShouldHandleReopen(false);
     auto* window = visible<AgentMainWindowView>();

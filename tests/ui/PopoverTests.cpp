@@ -89,6 +89,8 @@ TEST_F(PopoverWindow, TheClickThatClosedItFromOutsideDoesNotOpenItAgain) {
     // A later click is meant.
     EXPECT_TRUE(waitUntil([this] { return click(); }));
     EXPECT_EQ(openings, 2);
+    EXPECT_FALSE(click()) << "which closes it";
+    EXPECT_FALSE(popover.isVisible());
 }
 
 TEST_F(PopoverWindow, ClosesByEscapeAndByAPressOnItsShadow) {
