@@ -29,8 +29,8 @@ protected:
         for (std::size_t index = 1; index < controls.size(); ++index) {
             QWidget::setTabOrder(controls[index - 1], controls[index]);
         }
+        EXPECT_TRUE(becomesActive(page));
     }
-    void activate() { ASSERT_TRUE(becomesActive(page)); }
     template<typename Widget>
     Widget* named(const QString& name) {
         return partNamed<Widget>(page, name);
@@ -85,7 +85,6 @@ protected:
 TEST_F(SettingsPageTest, EveryControlDoesWhatItSaysByKeyboardAlone) {
     page.resize(900, 700);
     show(samples::unreadySettings());
-    activate();
     press(button("Open setup …"), Qt::Key_Space);
     press(button("Check Again"), Qt::Key_Space);
     press(named<QAbstractButton>("Move Codex"), Qt::Key_Up); // the first, and the last
@@ -107,7 +106,6 @@ TEST_F(SettingsPageTest, EveryControlDoesWhatItSaysByKeyboardAlone) {
 
 TEST_F(SettingsPageTest, ArrowsChooseAmongSegments) {
     show(samples::settings());
-    activate();
     auto parts = visibleParts<QAbstractButton>(page);
     std::erase_if(parts, [](const QAbstractButton* part) {
         return !part->autoExclusive() || !part->isChecked();
@@ -134,7 +132,6 @@ TEST_F(SettingsPageTest, DraggingAHandleMovesItsRow) {
 TEST_F(SettingsPageTest, RowsKeepTheKeyboardWhileTheyChangePlaces) {
     SettingsPageState state = samples::settings();
     show(state);
-    activate();
     auto* handle = named<QAbstractButton>("Move Codex");
     handle->setFocus(Qt::TabFocusReason);
     const int before = handle->mapTo(&page, QPoint()).y();
@@ -147,7 +144,6 @@ TEST_F(SettingsPageTest, RowsKeepTheKeyboardWhileTheyChangePlaces) {
 
 TEST_F(SettingsPageTest, PathsAreTypedChosenAndTakenAway) {
     show(samples::unreadySettings());
-    activate();
     auto* field = named<kit::Field>("Codex CLI");
     ASSERT_NE(field, nullptr);
     field->setFocus(Qt::TabFocusReason);
@@ -174,7 +170,6 @@ TEST_F(SettingsPageTest, PathsAreTypedChosenAndTakenAway) {
 
 TEST_F(SettingsPageTest, NothingIsDeletedUnlessTheQuestionIsAnsweredWithTheDeed) {
     show(samples::settings());
-    activate();
     press(button("Delete …"), Qt::Key_Space);
     ASSERT_NE(page.question(), nullptr);
     EXPECT_EQ(page.question()->focusWidget(), page.question()->cancelButton());
@@ -207,7 +202,6 @@ TEST_F(SettingsPageTest, TheWheelScrollsThePageAndChangesNothing) {
 TEST_F(SettingsPageTest, TheKeyboardComesToEveryControlAndItsRingIsSeenWhole) {
     page.resize(792, 680);
     show(samples::unreadySettings());
-    activate();
     EXPECT_GT(tabStops(page).size(), 25U);
     expectFocusRingsAreWhole(page);
 }
