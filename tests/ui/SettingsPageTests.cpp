@@ -17,7 +17,6 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using ::testing::Not;
 
 /// The page with what it asks for written down.
 class SettingsPageTest : public ::testing::Test {

@@ -13,7 +13,6 @@ namespace vellmark::tests {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 const auto claude = AgentProviderID::claude();
 const auto antigravity = AgentProviderID::antigravity();

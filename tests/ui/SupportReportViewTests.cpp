@@ -20,7 +20,6 @@ namespace {
 
 using samples::ReportMoment;
 using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 
 class SupportReportViewTest : public ::testing::Test {
 protected:
