@@ -1,6 +1,5 @@
 #include "app/LaunchedApplication.h"
 #include "ui/kit/FocusRing.h"
-#include "ui/kit/Label.h"
 #include "ui/report/ReportTextView.h"
 #include "ui/report/SupportReportView.h"
 #include "ui/setup/SetupAssistantView.h"
@@ -10,12 +9,10 @@
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QApplication>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QProgressBar>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <set>
@@ -33,12 +30,10 @@ bool takesKeyboard(const QWidget& widget) {
 
 /// Everything in a window that Tab must reach.
 std::vector<QWidget*> tabTargets(QWidget& window) {
-    std::vector<QWidget*> targets;
-    for (QWidget* widget : window.findChildren<QWidget*>()) {
-        if (widget->window() == &window && takesKeyboard(*widget) && widget->isVisible()) {
-            targets.push_back(widget);
-        }
-    }
+    auto targets = visibleParts<QWidget>(window);
+    std::erase_if(targets, [&](const QWidget* widget) {
+        return widget->window() != &window || !takesKeyboard(*widget);
+    });
     return targets;
 }
 
@@ -100,10 +95,6 @@ private:
             EXPECT_FALSE(actions.contains(QAccessibleActionInterface::increaseAction())) << name;
             break;
         }
-        case QAccessible::Slider:
-        case QAccessible::SpinBox:
-            EXPECT_NE(told.valueInterface(), nullptr) << name;
-            break;
         case QAccessible::CheckBox:
             EXPECT_TRUE(told.state().checkable) << name;
             break;
@@ -127,12 +118,6 @@ class AccessibilityTest : public LaunchedApplication {
 protected:
     void SetUp() override { launch(); }
 
-    static void press(QWidget& window, int key, Qt::KeyboardModifiers modifiers) {
-        QWidget* target = window.focusWidget() != nullptr ? window.focusWidget() : &window;
-        QKeyEvent event(QEvent::KeyPress, key, modifiers);
-        QApplication::sendEvent(target, &event);
-    }
-
     static void expectEverythingIsTold(QWidget& window) {
         const SpokenTree tree(window);
         EXPECT_FALSE(
@@ -148,7 +133,7 @@ protected:
     /// Tab leads once through everything that takes the keyboard, in the order that the page says,
     /// with the focus in sight.
     static void expectTabLeadsEverywhere(QWidget& window) {
-        ASSERT_TRUE(eventually([&] {
+        ASSERT_TRUE(waitUntil([&] {
             window.activateWindow();
             return window.isActiveWindow();
         }));
@@ -158,7 +143,7 @@ protected:
         const std::vector<QWidget*> targets = tabTargets(window);
         std::vector<QWidget*> reached;
         for (std::size_t turn = 0; turn <= targets.size(); ++turn) {
-            press(window, Qt::Key_Tab, Qt::NoModifier);
+            pressKey(window, Qt::Key_Tab);
             QWidget* focused = window.focusWidget();
             ASSERT_NE(focused, nullptr);
             if (std::ranges::find(reached, focused) != reached.end()) {
@@ -206,10 +191,10 @@ TEST_F(AccessibilityTest, EveryPageIsToldAndReachedByKeys) {
     auto* window = visible<AgentMainWindowView>();
     ASSERT_NE(window, nullptr);
     // The first agent has been read.
-    ASSERT_TRUE(eventually([&] { return window->findChild<QProgressBar*>() != nullptr; }));
+    ASSERT_TRUE(waitUntil([&] { return window->findChild<QProgressBar*>() != nullptr; }));
     std::set<std::string> titles;
     for (int key = Qt::Key_1; key <= Qt::Key_9; ++key) {
-        press(*window, key, Qt::ControlModifier);
+        pressKey(*window, key, Qt::ControlModifier);
         const std::string title = window->page()->title().toStdString();
         SCOPED_TRACE(title);
         titles.insert(title);
@@ -242,7 +227,7 @@ TEST_F(AccessibilityTest, EveryStepOfTheSetupIsToldAndReachedByKeys) {
     sandbox_.uninstall("claude");
     sandbox_.signOutOfAntigravity();
     launch();
-    ASSERT_TRUE(eventually([] { return visible<SetupAssistantView>() != nullptr; }));
+    ASSERT_TRUE(waitUntil([] { return visible<SetupAssistantView>() != nullptr; }));
     auto* assistant = visible<SetupAssistantView>();
     std::set<QString> titles;
     for (int step = 0; step < 4; ++step) {
@@ -253,8 +238,8 @@ TEST_F(AccessibilityTest, EveryStepOfTheSetupIsToldAndReachedByKeys) {
         EXPECT_TRUE(SpokenTree(*assistant).headings().contains(title.toStdString()));
         expectTabLeadsEverywhere(*assistant);
         assistant->controls().back()->setFocus(Qt::TabFocusReason);
-        press(*assistant, Qt::Key_Return, Qt::NoModifier);
-        eventually([] { return true; });
+        pressKey(*assistant, Qt::Key_Return);
+        settle();
     }
     EXPECT_EQ(titles.size(), 4U);
     EXPECT_FALSE(assistant->isVisible()) << "the last step finishes it";
@@ -265,7 +250,7 @@ TEST_F(AccessibilityTest, SupportReportIsToldAndReachedByKeys) {
     auto* window = visible<SupportReportView>();
     ASSERT_NE(window, nullptr);
     expectEverythingIsTold(*window); // while it is being made, too
-    ASSERT_TRUE(eventually([&] { return window->text()->isVisible(); }));
+    ASSERT_TRUE(waitUntil([&] { return window->text()->isVisible(); }));
     expectEverythingIsTold(*window);
     expectTabLeadsEverywhere(*window);
     QAccessibleInterface* text = QAccessible::queryAccessibleInterface(window->text());
@@ -277,7 +262,7 @@ TEST_F(AccessibilityTest, EveryTabOfThePopoverIsTold) {
     ASSERT_TRUE(opensPopover());
     auto* popover = visible<Popover>();
     for (int key = Qt::Key_1; key <= Qt::Key_4; ++key) {
-        press(*popover, key, Qt::ControlModifier);
+        pressKey(*popover, key, Qt::ControlModifier);
         expectEverythingIsTold(*popover);
     }
 }

@@ -10,7 +10,6 @@
 #include <QWidget>
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 
 namespace vellmark::tests {
@@ -30,9 +29,7 @@ protected:
     }
     void TearDown() override { quit(); }
 
-    static bool eventually(const std::function<bool()>& condition) {
-        return vellmark::testing::waitUntil(condition);
-    }
+    static bool eventually(const std::function<bool()>& condition) { return waitUntil(condition); }
 
     /// The first visible window of a kind; null without one.
     template<typename Window>
@@ -47,7 +44,7 @@ protected:
 
     /// Opens the popover; a click within the gesture that closed it is refused, and repeated.
     [[nodiscard]] bool opensPopover() {
-        return eventually([this] {
+        return waitUntil([this] {
             delegate_->togglePopover();
             return visible<Popover>() != nullptr;
         });

@@ -1,7 +1,6 @@
 #include "app/QtExecutor.h"
+#include "ui/QtEnvironment.h"
 
-#include <QCoreApplication>
-#include <QEventLoop>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -12,14 +11,11 @@
 namespace vellmark::tests {
 namespace {
 
-class QtExecutorTest : public testing::Test {
+class QtExecutorTest : public ::testing::Test {
 protected:
-    /// Runs Qt's loop until `count` tasks have run, or for 20 s.
+    /// Runs Qt's loop until `count` tasks have run.
     void runUntil(std::size_t count) {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (ran_.size() < count && std::chrono::steady_clock::now() < deadline) {
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-        }
+        EXPECT_TRUE(waitUntil([&] { return ran_.size() >= count; }));
     }
     MainExecutor::Task note(int number) {
         return [this, number] {

@@ -11,9 +11,7 @@
 #include "ui/setup/SetupAssistantView.h"
 #include "ui/window/AgentMainWindowView.h"
 
-#include <QAbstractButton>
 #include <QAction>
-#include <QKeyEvent>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QSet>
@@ -38,11 +36,6 @@ protected:
         }
     }
 
-    static void pressKeyIn(QWidget& window, Qt::Key key) {
-        QKeyEvent press(QEvent::KeyPress, key, Qt::ControlModifier);
-        QApplication::sendEvent(&window, &press);
-    }
-
     /// The time is over for which a window is kept after it was closed, or opened.
     static void passTheWhile(QWidget& window) {
         int passed = 0;
@@ -57,9 +50,9 @@ protected:
     }
 
     static QString selectedEntry(const QWidget& window) {
-        for (const auto* button : window.findChildren<QAbstractButton*>()) {
-            if (dynamic_cast<const kit::SidebarEntry*>(button) && button->isChecked()) {
-                return button->text();
+        for (const kit::SidebarEntry* entry : visibleParts<kit::SidebarEntry>(window)) {
+            if (entry->isChecked()) {
+                return entry->text();
             }
         }
         return {};
@@ -114,18 +107,10 @@ TEST_F(VellmarkAppDelegateTest, DoesNothingInATestHost) {
     EXPECT_FALSE(visible<QWidget>());
 }
 
-TEST_F(VellmarkAppDelegateTest, ReadsTheAgentsAndSaysSoInTheChosenLanguage) {
-    launch();
-    ASSERT_TRUE(eventually([] { return toolTip().contains("93% used"); }));
-    // Everything is set up, so there is nothing to say first.
-    EXPECT_FALSE(visible<AgentMainWindowView>());
-    delegate_->languageManager().choose("de");
-    EXPECT_TRUE(eventually([] { return toolTip().contains("verbraucht"); }));
-}
-
 TEST_F(VellmarkAppDelegateTest, ChangesEverythingThatIsOpenWithTheLanguage) {
     launch();
-    ASSERT_TRUE(eventually([] { return toolTip().contains("93% used"); }));
+    ASSERT_TRUE(waitUntil([] { return toolTip().contains("93% used"); }));
+    EXPECT_FALSE(visible<AgentMainWindowView>()) << "everything is set up";
     std::string before = "en";
     const auto change = [&](const std::string& code, const QString& where) {
         // At once: what the agents do meanwhile would draw much of it anew as well.
@@ -139,6 +124,7 @@ TEST_F(VellmarkAppDelegateTest, ChangesEverythingThatIsOpenWithTheLanguage) {
     };
     ASSERT_TRUE(opensPopover());
     change("it", "popover");
+    EXPECT_TRUE(toolTip().contains("93% usato"));
     delegate_->showAboutFromMenu();
     delegate_->applicationShouldHandleReopen(false);
     auto* window = visible<AgentMainWindowView>();
@@ -150,15 +136,13 @@ TEST_F(VellmarkAppDelegateTest, ChangesEverythingThatIsOpenWithTheLanguage) {
     (*terms)->trigger();
     ASSERT_TRUE(visible<LegalWindow>());
     delegate_->showSupportReportFromMenu();
-    ASSERT_TRUE(eventually([] { return visible<SupportReportView>()->text()->isVisible(); }));
+    ASSERT_TRUE(waitUntil([] { return visible<SupportReportView>()->text()->isVisible(); }));
     std::size_t next = 0;
     QStringList pages;
-    for (auto* entry : window->findChildren<QAbstractButton*>()) {
-        if (dynamic_cast<kit::SidebarEntry*>(entry)) {
-            entry->click();
-            pages << entry->text();
-            change(std::string(catalogLanguages[next++ % catalogLanguages.size()]), pages.back());
-        }
+    for (kit::SidebarEntry* entry : visibleParts<kit::SidebarEntry>(*window)) {
+        entry->click();
+        pages << entry->text();
+        change(std::string(catalogLanguages[next++ % catalogLanguages.size()]), pages.back());
     }
     EXPECT_GT(pages.size(), 5);
 }
@@ -167,19 +151,19 @@ TEST_F(VellmarkAppDelegateTest, ReportTellsWhatTheStoreKnowsAndNothingOfItStays)
     const auto left = sandbox_.machine().temporary / "vellmark-support-of-a-killed-run";
     std::filesystem::create_directory(left);
     launch();
-    EXPECT_TRUE(eventually([&] { return !std::filesystem::exists(left); }));
+    EXPECT_TRUE(waitUntil([&] { return !std::filesystem::exists(left); }));
     delegate_->showSupportReportFromMenu();
     auto* window = visible<SupportReportView>();
     ASSERT_TRUE(window);
     window->findChild<QPlainTextEdit*>()->setPlainText("It hung.");
     const auto text = [window] { return std::string(window->text()->rows().text()); };
-    EXPECT_TRUE(eventually([&] { return text().find("What happened?\nIt hung.") < 2000; }));
+    EXPECT_TRUE(waitUntil([&] { return text().find("What happened?\nIt hung.") < 2000; }));
     // Behind everything that the store still had to write, in the words of now.
     EXPECT_NE(text().find("vellmark: Refresh started"), std::string::npos);
     window->close();
     EXPECT_EQ(text(), "");
     delegate_->showSupportReportFromMenu();
-    EXPECT_TRUE(eventually([&] { return text().find("It hung.") < 2000; }))
+    EXPECT_TRUE(waitUntil([&] { return text().find("It hung.") < 2000; }))
         << "a closed window loses no words";
 
     // While the agents are being asked, the program ends at once.
@@ -188,15 +172,6 @@ TEST_F(VellmarkAppDelegateTest, ReportTellsWhatTheStoreKnowsAndNothingOfItStays)
     const auto start = std::chrono::steady_clock::now();
     delegate_.reset();
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
-}
-
-TEST_F(VellmarkAppDelegateTest, OpensAndClosesThePopoverAgainAndAgain) {
-    launch();
-    for (int opening = 0; opening < 8; ++opening) {
-        ASSERT_TRUE(opensPopover()) << opening;
-        delegate_->togglePopover();
-        EXPECT_FALSE(visible<Popover>());
-    }
 }
 
 TEST_F(VellmarkAppDelegateTest, TakesTheMenusKeysInThePopover) {
@@ -213,14 +188,10 @@ TEST_F(VellmarkAppDelegateTest, TakesTheMenusKeysInThePopover) {
 
 TEST_F(VellmarkAppDelegateTest, LeadsFromAnAgentInThePopoverToItsPage) {
     launch();
-    ASSERT_TRUE(eventually([] { return toolTip().contains("93% used"); }));
+    ASSERT_TRUE(waitUntil([] { return toolTip().contains("93% used"); }));
     for (const char* agent : {"Claude", "Antigravity", "Antigravity"}) {
         ASSERT_TRUE(opensPopover());
-        for (auto* button : visible<Popover>()->findChildren<QAbstractButton*>()) {
-            if (dynamic_cast<AgentBlock*>(button) && button->text() == agent) {
-                button->click();
-            }
-        }
+        partNamed<AgentBlock>(*visible<Popover>(), agent)->click();
         EXPECT_FALSE(visible<Popover>());
         auto* window = visible<AgentMainWindowView>();
         ASSERT_TRUE(window);
@@ -235,7 +206,7 @@ TEST_F(VellmarkAppDelegateTest, ComesBackToThePageThatWasShownLast) {
     auto* window = visible<AgentMainWindowView>();
     ASSERT_TRUE(window);
     EXPECT_EQ(selectedEntry(*window), "Overview");
-    pressKeyIn(*window, Qt::Key_3);
+    pressKey(*window, Qt::Key_3, Qt::ControlModifier);
     ASSERT_EQ(selectedEntry(*window), "Claude");
     quit();
     launch();
@@ -260,20 +231,20 @@ TEST_F(VellmarkAppDelegateTest, LetsGoOfWhatHasBeenClosedForAWhileAndShowsItAgai
         ASSERT_TRUE(window);
         EXPECT_FALSE(visible<Popover>());
         passTheWhile(*popover);
-        ASSERT_TRUE(eventually([&] { return popover.isNull(); }));
+        ASSERT_TRUE(waitUntil([&] { return popover.isNull(); }));
         passTheWhile(*window);
-        eventually([] { return true; });
+        settle();
         EXPECT_TRUE(window && window->isVisible()) << "it is open";
         window->close();
         passTheWhile(*window);
-        ASSERT_TRUE(eventually([&] { return window.isNull(); }));
+        ASSERT_TRUE(waitUntil([&] { return window.isNull(); }));
     }
 }
 
 TEST_F(VellmarkAppDelegateTest, BeginsWithTheSetupAndThenTheTermsWhereSomethingIsMissing) {
     sandbox_.uninstall("codex");
     launch();
-    ASSERT_TRUE(eventually([] { return visible<SetupAssistantView>() != nullptr; }));
+    ASSERT_TRUE(waitUntil([] { return visible<SetupAssistantView>() != nullptr; }));
     EXPECT_FALSE(visible<AgentMainWindowView>());
     EXPECT_FALSE(visible<LegalWindow>());
     EXPECT_EQ(visible<SetupAssistantView>()->windowTitle(), "Set Up Vellmark");
@@ -283,31 +254,20 @@ TEST_F(VellmarkAppDelegateTest, BeginsWithTheSetupAndThenTheTermsWhereSomethingI
     ASSERT_TRUE(visible<LegalWindow>());
     quit();
     launch(); // put off: the terms alone
-    ASSERT_TRUE(eventually([] { return visible<LegalWindow>() != nullptr; }));
+    ASSERT_TRUE(waitUntil([] { return visible<LegalWindow>() != nullptr; }));
     EXPECT_FALSE(visible<SetupAssistantView>());
 
     // The way out of the failure leads back, to what is left to do.
     ASSERT_TRUE(opensPopover());
-    const auto wayOut = [] {
-        for (auto* button : visible<Popover>()->findChildren<QAbstractButton*>()) {
-            if (button->isVisible() && button->text() == "Install …") {
-                return button;
-            }
-        }
-        return static_cast<QAbstractButton*>(nullptr);
-    };
-    ASSERT_TRUE(eventually([&] { return wayOut() != nullptr; }));
+    const auto wayOut = [] { return partNamed(*visible<Popover>(), "Install …"); };
+    ASSERT_TRUE(waitUntil([&] { return wayOut() != nullptr; }));
     wayOut()->click();
     EXPECT_FALSE(visible<Popover>());
     auto* assistant = visible<SetupAssistantView>();
     ASSERT_TRUE(assistant);
-    EXPECT_TRUE(eventually([&] {
-        for (const auto* button : assistant->findChildren<QAbstractButton*>()) {
-            if (button->isVisible() && button->accessibleName() == "Copy command") {
-                return button->accessibleDescription().startsWith("curl");
-            }
-        }
-        return false;
+    EXPECT_TRUE(waitUntil([&] {
+        const auto* copy = partNamed(*assistant, "Copy command");
+        return copy != nullptr && copy->accessibleDescription().startsWith("curl");
     }));
 }
 
@@ -317,12 +277,9 @@ TEST_F(VellmarkAppDelegateTest, HelpLeadsToTheSupportReport) {
     auto* window = visible<AgentMainWindowView>();
     ASSERT_TRUE(window);
     for (const char* title : {"Help", "Support", "Support Report …"}) {
-        const auto buttons = window->findChildren<QAbstractButton*>();
-        const auto button = std::ranges::find_if(buttons, [title](const QAbstractButton* each) {
-            return each->isVisible() && each->text() == title;
-        });
-        ASSERT_NE(button, buttons.end()) << title;
-        (*button)->click();
+        auto* button = partNamed(*window, title);
+        ASSERT_TRUE(button) << title;
+        button->click();
         QApplication::processEvents();
     }
     EXPECT_TRUE(visible<SupportReportView>());
@@ -330,16 +287,13 @@ TEST_F(VellmarkAppDelegateTest, HelpLeadsToTheSupportReport) {
 
 TEST_F(VellmarkAppDelegateTest, ShowsTheTermsOnceEverythingIsSetUpUntilTheyAreAccepted) {
     const auto press = [](const char* title) {
-        for (auto* button : visible<LegalWindow>()->findChildren<QAbstractButton*>()) {
-            if (button->text() == title) {
-                return button->click();
-            }
-        }
-        FAIL() << title;
+        auto* button = partNamed(*visible<LegalWindow>(), title);
+        ASSERT_TRUE(button) << title;
+        button->click();
     };
     for (const bool isFirst : {true, false}) {
         launch();
-        ASSERT_TRUE(eventually([] { return visible<LegalWindow>() != nullptr; })) << isFirst;
+        ASSERT_TRUE(waitUntil([] { return visible<LegalWindow>() != nullptr; })) << isFirst;
         press("Privacy");
         press(isFirst ? "Close" : "Accept");
         EXPECT_FALSE(visible<LegalWindow>());
@@ -351,17 +305,14 @@ TEST_F(VellmarkAppDelegateTest, ShowsTheTermsOnceEverythingIsSetUpUntilTheyAreAc
     EXPECT_FALSE(visible<LegalWindow>()) << "decided within the launch, once the setup is done";
     delegate_->showPrivacyFromMenu();
     ASSERT_TRUE(visible<LegalWindow>());
-    EXPECT_EQ(visible<LegalWindow>()->windowTitle(), "Terms and Privacy");
-    delegate_->languageManager().choose("de");
-    EXPECT_EQ(visible<LegalWindow>()->windowTitle(), "Bedingungen und Datenschutz");
-    press("Schließen");
+    press("Close");
 }
 
 TEST_F(VellmarkAppDelegateTest, EndsEveryAgentAtTermination) {
     sandbox_.play("claude", "deaf");
     sandbox_.play("codex", "hang");
     launch();
-    ASSERT_TRUE(eventually([] { return livingChildCount() >= 2; }));
+    ASSERT_TRUE(waitUntil([] { return livingChildCount() >= 2; }));
     delegate_->applicationWillTerminate();
     delegate_.reset();
     EXPECT_TRUE(sandbox_.survivors().empty());

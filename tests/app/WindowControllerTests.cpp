@@ -24,7 +24,7 @@ protected:
                                           window->setMinimumSize(leastSize_);
                                           return window;
                                       },
-                                  .title = [] { return QStringLiteral("Main"); },
+                                  .title = [] { return "Main"; },
                                   .onVisibilityChange = {}},
                                  presence_,
                                  *preferences_};

@@ -1,7 +1,6 @@
 #include "model/UsageJSON.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include <cmath>
@@ -55,6 +54,10 @@ std::string decodingFailure(const std::string& text, Value value) {
 
 std::string creditFailure(const std::string& text) {
     return decodingFailure(text, CreditInfo{});
+}
+
+std::string errorFailure(const std::string& text) {
+    return decodingFailure(text, UsageProviderError::other(""));
 }
 
 std::string sampleFailure(const std::string& member, const std::string& value) {
@@ -121,17 +124,6 @@ TEST(UsageJSON, EveryErrorComesBackAsItWent) {
               R"({"codexNoWindows":{}})");
 }
 
-TEST(UsageJSON, DoublesSurviveBitForBit) {
-    double number = 0.1;
-    for (int step = 0; step < 2000; ++step) {
-        number = std::fmod(number * 1.37e3 + 1.0 / 3, 1e9);
-        const UsageWindow window{"w", number, 1 / (number + 1), at(number * 1e-7)};
-        UsageWindow read;
-        fromJSON(parsedJSON(serialized(toJSON(window))), read);
-        ASSERT_EQ(read, window);
-    }
-}
-
 TEST(UsageJSON, WhatJSONCannotWriteStaysReadable) {
     const double infinity = std::numeric_limits<double>::infinity();
     const UsageWindow window{"bad \xFF name", std::nan(""), infinity, at(-infinity)};
@@ -149,17 +141,13 @@ TEST(UsageJSON, EnumerationsHaveExactlyOneKnownCase) {
     EXPECT_THAT(creditFailure(R"({"bonus":{}})"), HasSubstr("data corrupted: unknown case"));
     EXPECT_THAT(creditFailure(R"({"available":null})"), HasSubstr("expected an object"));
     EXPECT_THAT(creditFailure(R"({"line":{}})"), HasSubstr(".line._0: missing"));
-    EXPECT_THAT(decodingFailure(R"({"launchFailed":{"_0":"a"}})", UsageProviderError::other("")),
-                HasSubstr("._1: missing"));
-    EXPECT_THAT(decodingFailure(R"({"claudeReadFailed":{"_0":1.5,"_1":""}})",
-                                UsageProviderError::other("")),
-                HasSubstr("expected an integer"));
-    EXPECT_THAT(decodingFailure(R"({"claudeReadFailed":{"_0":18446744073709551615,"_1":""}})",
-                                UsageProviderError::other("")),
-                HasSubstr("expected an integer"));
-    EXPECT_EQ(decodingFailure(R"({"claudeReadFailed":{"_0":2.0,"_1":""}})",
-                              UsageProviderError::other("")),
-              "");
+    EXPECT_THAT(errorFailure(R"({"launchFailed":{"_0":"a"}})"), HasSubstr("._1: missing"));
+    for (const char* noInteger : {"1.5", "18446744073709551615"}) {
+        EXPECT_THAT(
+            errorFailure(R"({"claudeReadFailed":{"_1":"","_0":)" + std::string(noInteger) + "}}"),
+            HasSubstr("expected an integer"));
+    }
+    EXPECT_EQ(errorFailure(R"({"claudeReadFailed":{"_0":2.0,"_1":""}})"), "");
 }
 
 TEST(UsageJSON, ValuesHaveTheirTypeAndNoOther) {
@@ -188,15 +176,9 @@ TEST(UsageJSON, FailuresNameThePlace) {
 }
 
 TEST(UsageJSON, HostileDocumentsAreRefused) {
-    std::string manyMembers = "{";
-    for (int index = 0; index < 200000; ++index) {
-        manyMembers += "\"" + std::to_string(index) + "\":0,";
-    }
     const std::string document = snapshotsDocument({fullSnapshot()});
-    for (const std::string& text :
-         {std::string(), std::string(2000000, '['), std::string("[1e999]"), std::string("\xFF"),
-          manyMembers + "\"x\":0}", std::string(600, '[') + std::string(600, ']'),
-          std::string("{\"a\":") + document + "}", document + document}) {
+    for (const std::string& text : {std::string(2000000, '['), std::string("[1e999]"),
+                                    "{\"a\":" + document + "}", document + document}) {
         EXPECT_THROW(snapshotsFromDocument(text), JSONDecodingError) << text.substr(0, 20);
     }
     for (std::size_t length = 0; length < document.size(); ++length) {

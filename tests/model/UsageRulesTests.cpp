@@ -69,18 +69,6 @@ TEST(UsageRules, SeverityHasSharpEdges) {
     }
 }
 
-TEST(UsageRules, SeverityNeverFallsWithLessLeft) {
-    for (const std::optional<double> time :
-         {std::optional<double>(), {-5.0}, {0.0}, {40.0}, {99.9}, {100.0}, {170.0}}) {
-        Severity before = Severity::fine;
-        for (double remaining = 110; remaining > -10; remaining -= 0.25) {
-            const Severity next = severity(window(remaining, time), now);
-            ASSERT_GE(next, before) << remaining << " " << time.value_or(NAN);
-            before = next;
-        }
-    }
-}
-
 TEST(UsageRules, AWindowWithoutUsableLengthHasNoTime) {
     UsageWindow broken = window(50, 50);
     for (const double minutes : {0.0, -5.0, std::nan(""), 1e-320}) {

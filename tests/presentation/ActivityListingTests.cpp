@@ -1,9 +1,8 @@
+#include "AgentNames.h"
 #include "presentation/ActivityListing.h"
-#include "presentation/UsageStateMaker.h"
 #include "store/ActivityTexts.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <memory>
@@ -16,8 +15,6 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using Level = ActivityEntry::Level;
 
-const Localization words("en", "en_US", "UTC");
-
 /// A log that is written while it is shown.
 class ActivityRows : public testing::Test {
 protected:
@@ -27,23 +24,30 @@ protected:
     }
     void begin(RefreshTrigger trigger = RefreshTrigger::timer) {
         time += Seconds(300);
-        add(ActivityTexts::refreshStarted(trigger, words));
+        add(ActivityTexts::refreshStarted(trigger, english));
     }
     void read(const AgentProviderID& id) {
         add(ActivityTexts::agentRead(live(id, {window("session", 20, 300, 60)}), Seconds(2),
-                                     words));
+                                     english));
     }
-    void fail(const AgentProviderID& id, const std::string& reason = "no answer") {
-        add(ActivityTexts::agentFailed(id, UsageProviderError::other(reason), words));
+    void fail(const std::string& reason = "no answer") {
+        add(ActivityTexts::agentFailed(claude, UsageProviderError::other(reason), english));
     }
     void end(std::size_t count = 2) {
-        add(ActivityTexts::refreshFinished(RefreshTrigger::timer, count, 2, Seconds(4), words));
+        add(ActivityTexts::refreshFinished(RefreshTrigger::timer, count, 2, Seconds(4), english));
     }
     void quiet() {
         begin();
-        read(AgentProviderID::codex());
-        read(AgentProviderID::claude());
+        read(codex);
+        read(claude);
         end();
+    }
+    /// A refresh in which one of the two agents fails.
+    void failing(const std::string& reason) {
+        begin();
+        read(codex);
+        fail(reason);
+        end(1);
     }
     /// What is shown, a row each: folds in brackets, deeper rows behind blanks, errors with "!".
     std::vector<std::string> shown() {
@@ -64,7 +68,7 @@ protected:
     std::shared_ptr<std::vector<ActivityEntry>> entries =
         std::make_shared<std::vector<ActivityEntry>>();
     Instant time = noon;
-    ActivityListing listing{words};
+    ActivityListing listing{english};
     const std::string finished = "[Refresh finished (schedule): 2 of 2 agents read in 4.0 s]";
     const std::string finishedBut = "[Refresh finished (schedule): 1 of 2 agents read in 4.0 s]";
     const std::string today = "= Today, November 20";
@@ -96,11 +100,8 @@ TEST_F(ActivityRows, FoldQuietRefreshesAndKeepTheLatestApart) {
 
 TEST_F(ActivityRows, ShowWhatHappenedInsideARefreshAndBetweenThem) {
     quiet();
-    begin();
-    read(AgentProviderID::codex());
-    fail(AgentProviderID::claude());
-    end(1);
-    add(ActivityTexts::woke(Seconds(10), words));
+    failing("no answer");
+    add(ActivityTexts::woke(Seconds(10), english));
     begin(RefreshTrigger::wake);
     EXPECT_THAT(shown(), ElementsAre(today, finished, finishedBut, " !no answer",
                                      "Woke from sleep, refreshing in 10 s",
@@ -112,19 +113,12 @@ TEST_F(ActivityRows, ShowWhatHappenedInsideARefreshAndBetweenThem) {
 }
 
 TEST_F(ActivityRows, AFailureThatRepeatsIsNewsOnce) {
-    const auto failing = [this](const char* reason) {
-        begin();
-        read(AgentProviderID::codex());
-        fail(AgentProviderID::claude(), reason);
-        end(1);
-    };
-    failing("not logged in");
-    for (int again = 0; again < 3; ++again) {
+    for (int reading = 0; reading < 4; ++reading) {
         failing("not logged in");
     }
     // An agent that rests is not read; what was said of it stays known.
     begin();
-    read(AgentProviderID::codex());
+    read(codex);
     end(1);
     failing("not logged in");
     failing("another reason");
@@ -143,14 +137,14 @@ TEST_F(ActivityRows, FindSingleEntriesWhereverTheyAreFolded) {
     for (int index = 0; index < 3; ++index) {
         quiet();
     }
-    add(ActivityTexts::agentSwitched(AgentProviderID::codex(), false, words));
+    add(ActivityTexts::agentSwitched(codex, false, english));
     const std::string reading = "Session 80% left (2.0 s)";
     listing.setFilter({.words = "  CODEX session "});
     EXPECT_THAT(shown(), ElementsAre(today, reading, reading, reading));
     EXPECT_EQ(listing.countText(), "3 of 13");
     listing.setFilter({.words = "nothing of the kind"});
     EXPECT_TRUE(shown().empty());
-    listing.setFilter({.agent = AgentProviderID::codex()});
+    listing.setFilter({.agent = codex});
     EXPECT_THAT(shown(), ElementsAre(today, "[2 refreshes, nothing new]", reading,
                                      "Settings changed: agent switched off"))
         << "one entry needs no fold";
@@ -189,7 +183,7 @@ TEST_F(ActivityRows, AreCopiedAsLinesOfTheLogEachOnce) {
 
 TEST_F(ActivityRows, SayWhatTheyAreWithoutBeingSeen) {
     begin();
-    fail(AgentProviderID::claude());
+    fail();
     end(1);
     shown();
     const auto said = [this](std::size_t row) {
@@ -202,7 +196,7 @@ TEST_F(ActivityRows, SayWhatTheyAreWithoutBeingSeen) {
 
 TEST_F(ActivityRows, KeepEntriesOfEarlierVersionsAsTheyAre) {
     add({.level = Level::info, .agent = std::nullopt, .text = "Refresh started (schedule)"});
-    add({.level = Level::error, .agent = AgentProviderID::codex(), .text = "no answer"});
+    add({.level = Level::error, .agent = codex, .text = "no answer"});
     EXPECT_THAT(shown(), ElementsAre(today, "Refresh started (schedule)", "!no answer"));
 }
 

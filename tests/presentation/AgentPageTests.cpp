@@ -10,10 +10,10 @@ using Kind = AgentPage::Kind;
 const AgentPage codexPage = AgentPage::provider(AgentProviderID::codex());
 
 TEST(AgentPage, ComesBackFromItsStoredForm) {
-    for (const AgentPage& page :
-         {codexPage, AgentPage::of(Kind::overview), AgentPage::of(Kind::history),
-          AgentPage::of(Kind::activity), AgentPage::of(Kind::settings), AgentPage::of(Kind::help),
-          AgentPage::of(Kind::about)}) {
+    EXPECT_EQ(AgentPage::fromStoredForm(codexPage.storedForm()), codexPage);
+    for (const Kind kind :
+         {Kind::overview, Kind::history, Kind::activity, Kind::settings, Kind::help, Kind::about}) {
+        const AgentPage page = AgentPage::of(kind);
         EXPECT_EQ(AgentPage::fromStoredForm(page.storedForm()), page) << page.storedForm();
     }
     EXPECT_EQ(AgentPage::fromStoredForm("cellar"), AgentPage::of(Kind::overview));

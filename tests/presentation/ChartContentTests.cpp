@@ -1,4 +1,4 @@
-#include "UsageStateMaker.h"
+#include "AgentNames.h"
 #include "presentation/ChartReadout.h"
 
 #include <gtest/gtest.h>
@@ -11,8 +11,6 @@
 namespace vellmark::tests {
 namespace {
 
-const AgentProviderID claude = AgentProviderID::claude();
-const AgentProviderID codex = AgentProviderID::codex();
 constexpr double hour = 3600;
 constexpr double day = 24 * hour;
 
@@ -21,13 +19,7 @@ protected:
     /// `ago` in seconds before noon.
     void add(const AgentProviderID& agent, const std::string& window, double ago, double used,
              double resetsIn) {
-        UsageHistorySample sample;
-        sample.provider = agent;
-        sample.windowID = window;
-        sample.capturedAt = noon - Seconds(ago);
-        sample.usedPercent = used;
-        sample.resetsAt = noon + Seconds(resetsIn);
-        history.add(sample);
+        history.add(sampleOf(agent, window, ago, used, resetsIn));
     }
     /// One sample every half hour, from `from` to `to` seconds ago.
     void addSteadily(const AgentProviderID& agent, const std::string& window, double from,
@@ -182,18 +174,15 @@ TEST_F(Charts, ArrowKeysGoFromReadingToReading) {
     addSteadily(claude, "weekly", 6 * day, 5 * day, 30, 2 * day);
     addSteadily(claude, "weekly", 1 * day, 600, 40, 2 * day);
     const ChartContent chart = draw({.agent = claude, .windowIDs = {"weekly"}});
-    double x = 1;
     int steps = 0;
     bool sawPause = false;
-    std::string former;
-    for (; x > 0 && steps < 500; ++steps) {
+    for (double x = 1; x > 0 && steps < 500; ++steps) {
         const double next = chartPlaceBeside(chart, x, -1);
         ASSERT_LT(next, x) << "no key goes nowhere";
         x = next;
         const auto readout = chartReadout(chart, x);
         ASSERT_TRUE(readout);
         sawPause = sawPause || readout->note == "Not read";
-        former = readout->spoken;
     }
     EXPECT_LE(steps, 245);
     EXPECT_TRUE(sawPause);

@@ -23,20 +23,20 @@ std::string described(const std::vector<GlyphMark>& marks) {
 }
 
 TEST(GlyphDrawing, ShowsThePassedTimeAroundTheUsedShare) {
-    struct Case {
+    const struct {
         std::optional<double> used;
         std::optional<double> elapsed;
         const char* marks;
+    } cases[] = {
+        {{}, {}, "faint ring, faint disc"},
+        {2.5, 0, "faint ring, faint disc"},
+        {3.0, 25, "faint ring, arc to 0, faint disc, pie to 79"},
+        {50, {}, "faint ring, faint disc, pie to -90"},
+        {99.95, 99.9, "faint ring, ring, faint disc, disc"},
     };
-    for (const Case& each : {
-             Case{{}, {}, "faint ring, faint disc"},
-             Case{2.5, 0, "faint ring, faint disc"},
-             Case{3.0, 25, "faint ring, arc to 0, faint disc, pie to 79"},
-             Case{50, {}, "faint ring, faint disc, pie to -90"},
-             Case{99.95, 99.9, "faint ring, ring, faint disc, disc"},
-         }) {
-        const MenuBarGlyph glyph{.usedPercent = each.used, .elapsedPercent = each.elapsed};
-        EXPECT_EQ(described(glyphDrawing(glyph, 18)), each.marks);
+    for (const auto& [used, elapsed, marks] : cases) {
+        const MenuBarGlyph glyph{.usedPercent = used, .elapsedPercent = elapsed};
+        EXPECT_EQ(described(glyphDrawing(glyph, 18)), marks);
     }
 }
 

@@ -6,7 +6,6 @@
 #include "probes/ProviderRegistry.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cctype>
 #include <set>
@@ -17,7 +16,10 @@ namespace vellmark::tests {
 namespace {
 
 using ::testing::Contains;
+using ::testing::ContainsRegex;
+using ::testing::Each;
 using ::testing::ElementsAre;
+using ::testing::Field;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -40,16 +42,13 @@ const Localization english("en");
 TEST(HelpPageContent, HasACureForEveryFailureInEveryLanguage) {
     for (const char* language : languages) {
         const Localization words(language);
-        std::vector<std::string> cures;
-        for (const HelpEntry& entry : entries(helpFailures(words))) {
-            cures.push_back(entry.text);
-            EXPECT_THAT(entry.title, Not(HasSubstr("%@"))) << language;
-            EXPECT_THAT(entry.title, Not(HasSubstr("%lld"))) << language;
-        }
+        const std::vector<HelpEntry> failures = entries(helpFailures(words));
+        EXPECT_THAT(failures, Each(Field(&HelpEntry::title, Not(ContainsRegex("%(@|lld)")))));
         for (const ErrorCase& failure : errorCases) {
             const std::string key = std::string("help.cure.") + failure.name;
             EXPECT_NE(words.text(key), key) << "no cure for " << failure.name;
-            EXPECT_THAT(cures, Contains(words.text(key))) << failure.name << ", " << language;
+            EXPECT_THAT(failures, Contains(Field(&HelpEntry::text, words.text(key))))
+                << failure.name << ", " << language;
         }
     }
 }
@@ -70,12 +69,8 @@ TEST(HelpPageContent, FindsTheCureByTheMessageThatIsShown) {
                 message.erase(0, message.find(' ')); // any agent may be named
             }
             message = message.substr(0, message.find_first_of("(:"));
-            std::vector<std::string> cures;
-            for (const HelpEntry& entry : found(message, words)) {
-                cures.push_back(entry.text);
-            }
-            EXPECT_THAT(cures, Contains(words.text(std::string("help.cure.") + error.what())))
-                << message;
+            const std::string cure = words.text(std::string("help.cure.") + error.what());
+            EXPECT_THAT(found(message, words), Contains(Field(&HelpEntry::text, cure))) << message;
         }
     }
 }

@@ -1,4 +1,4 @@
-#include "UsageStateMaker.h"
+#include "AgentNames.h"
 #include "presentation/HistoryExport.h"
 #include "presentation/HistoryPageContent.h"
 #include "presentation/HistoryStatistics.h"
@@ -14,7 +14,6 @@
 namespace vellmark::tests {
 namespace {
 
-const AgentProviderID claude = AgentProviderID::claude();
 constexpr double hour = 3600;
 constexpr double day = 24 * hour;
 
@@ -130,13 +129,7 @@ TEST_F(Statistics, OfWhatLiesPartlyBeforeOnlyThePartWithinCounts) {
 class Page : public testing::Test {
 protected:
     void add(const std::string& window, double ago, double used, double resetsIn) {
-        UsageHistorySample sample;
-        sample.provider = claude;
-        sample.windowID = window;
-        sample.capturedAt = noon - Seconds(ago);
-        sample.usedPercent = used;
-        sample.resetsAt = noon + Seconds(resetsIn);
-        history.add(sample);
+        history.add(sampleOf(claude, window, ago, used, resetsIn));
     }
     HistoryPageContent draw(const HistoryPageChoice& choice = {.agent = claude},
                             const std::string& locale = "en_US") const {

@@ -7,10 +7,8 @@
 #include "support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 namespace vellmark::tests {
 namespace {

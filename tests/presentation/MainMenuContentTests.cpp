@@ -1,3 +1,4 @@
+#include "AgentNames.h"
 #include "presentation/MainMenuContent.h"
 
 #include <gtest/gtest.h>
@@ -6,8 +7,6 @@
 
 namespace vellmark::tests {
 namespace {
-
-const Localization english("en", "en_US", "UTC");
 
 TEST(MainMenuContent, TakesNoKeyTwiceAndSeparatesOnlyItems) {
     std::set<char> keys;

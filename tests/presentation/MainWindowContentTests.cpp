@@ -1,5 +1,5 @@
+#include "AgentNames.h"
 #include "presentation/MainWindowContent.h"
-#include "presentation/UsageStateMaker.h"
 
 #include <gmock/gmock.h>
 
@@ -9,10 +9,6 @@ namespace vellmark::tests {
 namespace {
 
 using testing::ElementsAre;
-
-const auto codex = AgentProviderID::codex();
-const auto claude = AgentProviderID::claude();
-const Localization english("en", "en_US", "UTC");
 
 UsageState twoAgents() {
     return stateOf(

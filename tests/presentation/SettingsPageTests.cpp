@@ -1,9 +1,6 @@
-#include "platform/PreferencesFile.h"
-#include "presentation/SettingsPageModel.h"
-#include "support/TemporaryDirectory.h"
+#include "SettingsTest.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 
@@ -14,61 +11,9 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
-using State = LaunchAtLoginController::State;
 
-const auto codex = AgentProviderID::codex();
-const auto claude = AgentProviderID::claude();
-const auto antigravity = AgentProviderID::antigravity();
-
-/// A system that starts what it is asked to, or wants to be asked first.
-class PretendedLoginItem : public LoginItem {
-public:
-    State state() const override { return state_; }
-    std::string setEnabled(bool enabled) override {
-        state_ = enabled ? State::needsApproval : State::off;
-        return {};
-    }
-    std::filesystem::path program() const override { return "/usr/bin/vellmark-desktop"; }
-    std::optional<std::filesystem::path> registeredProgram() const override { return {}; }
-    void openSystemSettings() const override { ++openings; }
-
-    static inline int openings = 0;
-
-private:
-    State state_ = State::off;
-};
-
-class SettingsPageTest : public testing::Test {
+class SettingsPageTest : public SettingsTest {
 protected:
-    SettingsPageModel::Sources sources() {
-        return {.preferences = *preferences,
-                .machine = machine,
-                .launchAtLogin = *launchAtLogin,
-                .words = [this]() -> const Localization& { return words; },
-                .systemLanguage = "fr",
-                .factsOf = [this](const AgentProviderID& id) -> const AgentFacts* {
-                    const auto found = std::ranges::find(facts, id, &AgentFacts::id);
-                    return isAnswered && found != facts.end() ? &*found : nullptr;
-                },
-                .isAsking = [this](const AgentProviderID& id) { return id == asked; },
-                .ask = [this](const AgentProviderID& id,
-                              bool anew) { asking.push_back(id.rawValue + (anew ? " anew" : "")); },
-                .changed = [this] { ++changes; },
-                .takeSettings = [this] { ++takings; },
-                .hasHistory = [this] { return hasHistory; },
-                .deleteHistory =
-                    [this](std::function<void(std::error_code)> done) {
-                        done(deletion);
-                        lastDone = std::move(done);
-                    },
-                .showFolder = [this](const std::filesystem::path& folder) { shownFolder = folder; },
-                .noticeDelivery = [this] { return delivery; },
-                .lookForNoticeService = [this] { ++noticeLooks; },
-                .allowNotices = [this] { ++allowings; },
-                .terminalProgram = directory.path() / "vellmark",
-                .commandLineTool = commandLineTool,
-                .copyText = [this](const std::string& text) { copied = text; }};
-    }
     SettingsPageContent content() { return model->content(); }
     std::vector<SettingRowContent> rows() {
         std::vector<SettingRowContent> all;
@@ -96,32 +41,14 @@ protected:
         return names;
     }
 
-    TemporaryDirectory directory;
-    Machine machine = Machine::sandbox(directory / "machine");
-    std::unique_ptr<Preferences> preferences =
-        makePreferencesFile(directory / "settings" / "preferences.json");
-    std::unique_ptr<LaunchAtLoginController> launchAtLogin =
-        std::make_unique<LaunchAtLoginController>(*preferences,
-                                                  std::make_unique<PretendedLoginItem>());
-    bool hasHistory = true;
-    Localization words{"en", "en_US", "UTC"};
-    std::vector<AgentFacts> facts{{codex, "/usr/bin/codex", "codex-cli 0.61.0", true},
-                                  {claude, "/usr/bin/claude", "2.0.44 (Claude Code)", false},
-                                  {antigravity, {}, {}, {}}};
-    std::error_code deletion;
-    std::function<void(std::error_code)> lastDone;
-    std::filesystem::path shownFolder;
-    NoticeDelivery delivery = NoticeDelivery::works;
-    int noticeLooks = 0;
-    int allowings = 0;
-    int changes = 0;
-    int takings = 0;
-    std::optional<CommandLineTool> commandLineTool;
-    std::string copied;
-    bool isAnswered = false;
-    AgentProviderID asked;
-    std::vector<std::string> asking;
-    std::unique_ptr<SettingsPageModel> model = std::make_unique<SettingsPageModel>(sources());
+    /// The model of a program that starts anew.
+    void remake() {
+        model = std::make_unique<SettingsPageModel>(settingsSources());
+        actions = model->actions();
+    }
+
+    std::unique_ptr<SettingsPageModel> model =
+        std::make_unique<SettingsPageModel>(settingsSources());
     SettingsPageActions actions = model->actions();
 };
 
@@ -143,22 +70,28 @@ TEST_F(SettingsPageTest, HasAPlaceForEverySetting) {
 TEST_F(SettingsPageTest, KeepsAndShowsEveryChoiceThatItOffers) {
     int tried = 0;
     for (const SettingRowContent& offered : rows()) {
-        const auto* choices = std::get_if<SettingChoices>(&offered.control);
-        if (choices == nullptr) {
-            continue;
+        const auto& name = offered.name;
+        if (const auto* toggle = std::get_if<SettingSwitch>(&offered.control)) {
+            for (const bool isOn : {!toggle->isOn, toggle->isOn}) {
+                actions.change(name, isOn ? toggle->onValue : toggle->offValue);
+                EXPECT_EQ(std::get<SettingSwitch>(row(name).control).isOn, isOn) << name;
+                ++tried;
+            }
+        } else if (const auto* choices = std::get_if<SettingChoices>(&offered.control)) {
+            ASSERT_GT(choices->choices.size(), 1U) << name;
+            for (const SettingChoices::Choice& choice : choices->choices) {
+                EXPECT_THAT(choice.title, Not(HasSubstr("settings."))) << "no words for it";
+                actions.change(name, choice.value);
+                EXPECT_EQ(std::get<SettingChoices>(row(name).control).current, choice.value);
+                ++tried;
+            }
         }
-        ASSERT_GT(choices->choices.size(), 1U) << offered.name;
-        for (const SettingChoices::Choice& choice : choices->choices) {
-            EXPECT_THAT(choice.title, Not(HasSubstr("settings."))) << "no words for it";
-            actions.change(offered.name, choice.value);
-            EXPECT_EQ(std::get<SettingChoices>(row(offered.name).control).current, choice.value)
-                << offered.name;
-            ++tried;
-        }
-        EXPECT_THAT(content().trouble, IsEmpty());
+        EXPECT_THAT(content().trouble, IsEmpty()) << name;
     }
     EXPECT_EQ(takings, tried);
     EXPECT_EQ(changes, tried);
+    EXPECT_EQ(std::get<SettingChoices>(row("language").control).choices.front().title,
+              "System (Français)");
     // It is on disk, not only in this program.
     const auto reread = makePreferencesFile(directory / "settings" / "preferences.json");
     EXPECT_EQ(reread->string("AppLanguage"), "es");
@@ -166,24 +99,8 @@ TEST_F(SettingsPageTest, KeepsAndShowsEveryChoiceThatItOffers) {
     EXPECT_EQ(reread->string("ReadingInterval"), "30");
 }
 
-TEST_F(SettingsPageTest, NamesTheLanguageThatTheSystemStandsFor) {
-    const auto choices = std::get<SettingChoices>(row("language").control).choices;
-    EXPECT_EQ(choices.front().title, "System (Français)");
-    EXPECT_EQ(choices.back().title, "Español");
-}
-
-TEST_F(SettingsPageTest, SwitchesTheFigureBesideTheIcon) {
-    const auto shownSwitch = [this] {
-        return std::get<SettingSwitch>(row("status-figure").control);
-    };
-    EXPECT_FALSE(shownSwitch().isOn);
-    actions.change("status-figure", shownSwitch().onValue);
-    EXPECT_TRUE(shownSwitch().isOn);
-    actions.change("status-figure", shownSwitch().offValue);
-    EXPECT_FALSE(shownSwitch().isOn);
-}
-
 TEST_F(SettingsPageTest, ShowsTheLoginItemAsTheSystemHasIt) {
+    loginItem.ifEnabled = LoginItem::State::needsApproval;
     const std::string name = "launch-at-login";
     const auto shownSwitch = [&] { return std::get<SettingSwitch>(row(name).control); };
     EXPECT_FALSE(shownSwitch().isOn);
@@ -192,13 +109,12 @@ TEST_F(SettingsPageTest, ShowsTheLoginItemAsTheSystemHasIt) {
     EXPECT_TRUE(shownSwitch().isOn);
     EXPECT_THAT(row(name).explanation, HasSubstr("approval"));
     EXPECT_THAT(row(name).button.title, Not(IsEmpty()));
-    const int before = PretendedLoginItem::openings;
     actions.press(name);
-    EXPECT_EQ(PretendedLoginItem::openings, before + 1);
+    EXPECT_EQ(loginItem.openings, 1);
 
     launchAtLogin = std::make_unique<LaunchAtLoginController>(*preferences, nullptr);
     hasHistory = false;
-    model = std::make_unique<SettingsPageModel>(sources());
+    remake();
     EXPECT_FALSE(shownSwitch().isEnabled);
     EXPECT_THAT(row(name).explanation, Not(IsEmpty()));
     EXPECT_THAT(row(settingsRow::history).button.title, IsEmpty()) << "there is nothing to delete";
@@ -212,8 +128,7 @@ TEST_F(SettingsPageTest, TheCommandLineToolIsWhatTheFileSystemSays) {
     const std::filesystem::path link = directory / "bin" / "vellmark";
     writeFile(program, "");
     commandLineTool.emplace(program, link);
-    model = std::make_unique<SettingsPageModel>(sources());
-    actions = model->actions();
+    remake();
     const auto shownSwitch = [&] { return std::get<SettingSwitch>(row(name).control); };
     EXPECT_EQ(shownSwitch(), SettingSwitch{});
     actions.change(name, shownSwitch().onValue);
@@ -238,8 +153,7 @@ TEST_F(SettingsPageTest, TheCommandLineToolSaysWhatAnAdministratorTypes) {
     writeFile(folder.parent_path(), "");
     commandLineTool.emplace("/Apps/It's/Vellmark.app/Contents/Helpers/vellmark",
                             folder / "vellmark");
-    model = std::make_unique<SettingsPageModel>(sources());
-    actions = model->actions();
+    remake();
     EXPECT_FALSE(std::get<SettingSwitch>(row(name).control).isEnabled);
     actions.press(name);
     EXPECT_EQ(copied,
@@ -250,24 +164,18 @@ TEST_F(SettingsPageTest, TheCommandLineToolSaysWhatAnAdministratorTypes) {
 }
 
 TEST_F(SettingsPageTest, NoticesAreChosenByKindAndSayWhyTheyDoNotCome) {
-    const auto isOn = [&](const char* name) {
-        return std::get<SettingSwitch>(row(name).control).isOn;
-    };
-    EXPECT_TRUE(isOn("notices"));
-    EXPECT_TRUE(isOn("notice-used-up"));
-    EXPECT_FALSE(isOn("notice-reset"));
-    EXPECT_EQ(NoticeSettings::of(*preferences).kinds.size(), 6U);
+    const auto kept = [this] { return NoticeSettings::of(*preferences); };
+    EXPECT_EQ(kept().kinds.size(), 6U);
     actions.change("notice-used-up", "off");
     actions.change("notice-reset", "on");
-    EXPECT_FALSE(NoticeSettings::of(*preferences).tells(NoticeKind::usedUp));
-    EXPECT_TRUE(NoticeSettings::of(*preferences).tells(NoticeKind::reset));
+    EXPECT_FALSE(kept().tells(NoticeKind::usedUp));
+    EXPECT_TRUE(kept().tells(NoticeKind::reset));
 
     EXPECT_THAT(row("quiet-from").name, IsEmpty()) << "there are no quiet hours";
-    EXPECT_FALSE(NoticeSettings::of(*preferences).quietHours);
+    EXPECT_FALSE(kept().quietHours);
     actions.change("quiet-hours", "on");
     actions.change("quiet-until", "6:45");
-    EXPECT_EQ(NoticeSettings::of(*preferences).quietHours,
-              (NoticeSettings::QuietHours{{22 * 60}, {6 * 60 + 45}}));
+    EXPECT_EQ(kept().quietHours, (NoticeSettings::QuietHours{{22 * 60}, {6 * 60 + 45}}));
     const auto until = std::get<SettingChoices>(row("quiet-until").control);
     EXPECT_EQ(until.current, "06:45");
     EXPECT_EQ(until.choices.size(), 49U) << "each half hour, and what the terminal has set";
@@ -276,14 +184,14 @@ TEST_F(SettingsPageTest, NoticesAreChosenByKindAndSayWhyTheyDoNotCome) {
     EXPECT_THAT(content().trouble, HasSubstr("00:00-23:59"));
 
     actions.change("notices", "off");
-    EXPECT_THAT(NoticeSettings::of(*preferences).kinds, IsEmpty());
+    EXPECT_THAT(kept().kinds, IsEmpty());
     EXPECT_FALSE(std::get<SettingSwitch>(row("notice-back").control).isEnabled);
 
     EXPECT_THAT(row("notices").button.title, IsEmpty());
     delivery = NoticeDelivery::unserved;
     EXPECT_THAT(row("notices").explanation, HasSubstr("Nobody shows notices here"));
     actions.press("notices");
-    EXPECT_EQ(allowings, 1);
+    EXPECT_EQ(allowances, 1);
     actions.appear();
     EXPECT_EQ(noticeLooks, 1);
 }
@@ -291,15 +199,17 @@ TEST_F(SettingsPageTest, NoticesAreChosenByKindAndSayWhyTheyDoNotCome) {
 TEST_F(SettingsPageTest, TellsWhatEachAgentLacksAndTheWayOut) {
     EXPECT_EQ(content().agents[0].detail, "Checking …");
     actions.appear();
-    asked = codex;
+    asked = {codex};
     EXPECT_TRUE(content().isChecking);
-    isAnswered = true;
-    asked = AgentProviderID();
+    asked.clear();
+    facts = {{codex, {codex, "/usr/bin/codex", "codex-cli 0.61.0", true}},
+             {claude, {claude, "/usr/bin/claude", "2.0.44 (Claude Code)", false}},
+             {antigravity, {.id = antigravity}}};
     EXPECT_FALSE(content().isChecking);
     actions.checkAgents();
     EXPECT_THAT(asking, ElementsAre("codex", "claude", "antigravity", "codex anew", "claude anew",
                                     "antigravity anew"));
-    std::vector<AgentSettingContent> agents = content().agents;
+    const auto agents = content().agents;
     EXPECT_EQ(agents[0].detail, "Codex CLI 0.61.0 · /usr/bin/codex");
     EXPECT_EQ(agents[0].status, "logged in");
     EXPECT_THAT(agents[0].wayOut.title, IsEmpty());
@@ -322,8 +232,7 @@ TEST_F(SettingsPageTest, TakesOnlyProgramsThatCanBeRun) {
     EXPECT_THAT(content().trouble, IsEmpty()) << "of the attempt before";
     EXPECT_EQ(content().programs[0].chosenPath, program.string());
     EXPECT_THAT(asking, testing::Contains("codex anew"));
-    isAnswered = true;
-    facts[0].toolPath.reset();
+    facts[codex].id = codex;
     EXPECT_THAT(content().programs[0].explanation, HasSubstr("no longer"));
     actions.chooseProgram(codex, {});
     EXPECT_THAT(content().programs[0].chosenPath, IsEmpty());
@@ -364,15 +273,14 @@ TEST_F(SettingsPageTest, PutsAgentsInOrderAndResetsAllButTheStartAtLogin) {
     EXPECT_EQ(std::get<SettingChoices>(row("language").control).current, "system");
     EXPECT_THAT(agentNames(), ElementsAre("Codex", "Claude", "Antigravity"));
     EXPECT_TRUE(content().agents[0].isEnabled);
-    EXPECT_EQ(launchAtLogin->state(), State::needsApproval);
+    EXPECT_EQ(loginItem.state, LoginItem::State::on);
 }
 
 TEST_F(SettingsPageTest, SaysWhenAChangeIsNotOnDisk) {
     // A file stands where the settings' folder would be.
     preferences = makePreferencesFile(directory / "blocked" / "preferences.json");
     writeFile(directory / "blocked", "");
-    model = std::make_unique<SettingsPageModel>(sources());
-    actions = model->actions();
+    remake();
     actions.change("appearance", "dark");
     EXPECT_EQ(std::get<SettingChoices>(row("appearance").control).current, "dark");
     EXPECT_THAT(content().trouble, HasSubstr("could not be saved"));
@@ -383,31 +291,30 @@ TEST_F(SettingsPageTest, SaysWhenAChangeIsNotOnDisk) {
 
 TEST_F(SettingsPageTest, PutsTheStatusLineIntoClaudesSettingsAndOutAgain) {
     const auto file = machine.home / ".claude/settings.json";
-    const auto look = [&] { model->actions().appear(); };
+    const auto pressStatusLine = [&] { actions.press(std::string(settingsRow::statusLine)); };
     directory.write("vellmark", "");
-    look();
+    actions.appear();
     EXPECT_THAT(row(settingsRow::statusLine).name, IsEmpty()) << "Claude Code was never used";
     writeFile(file, "{\n  \"model\": \"opus\"\n}\n");
-    look();
+    actions.appear();
     EXPECT_EQ(row(settingsRow::statusLine).button.title, "Set up …");
     EXPECT_THAT(content().statusLineQuestion.text, HasSubstr("~/.claude/settings.json"));
     EXPECT_THAT(content().statusLineQuestion.text, HasSubstr("\n+ \"statusLine\": {"));
 
     writeFile(file, "{\n  \"model\": \"haiku\"\n}\n");
-    model->actions().press(std::string(settingsRow::statusLine));
+    pressStatusLine();
     EXPECT_THAT(content().trouble, HasSubstr("changed meanwhile"));
     EXPECT_THAT(contentOf(file), Not(HasSubstr("statusLine")));
 
-    model->actions().press(std::string(settingsRow::statusLine));
+    pressStatusLine();
     EXPECT_THAT(content().trouble, IsEmpty());
     EXPECT_THAT(contentOf(file), HasSubstr((directory.path() / "vellmark").string()));
-    EXPECT_THAT(contentOf(file.string() + ".before-vellmark"), HasSubstr("haiku"));
     EXPECT_EQ(row(settingsRow::statusLine).button.title, "Remove …");
-    model->actions().press(std::string(settingsRow::statusLine));
+    pressStatusLine();
     EXPECT_EQ(contentOf(file), "{\n  \"model\": \"haiku\"\n}\n");
 
     writeFile(file, "{ // mine");
-    look();
+    actions.appear();
     EXPECT_THAT(row(settingsRow::statusLine).name, IsEmpty());
 }
 

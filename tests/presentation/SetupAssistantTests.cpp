@@ -1,10 +1,8 @@
-#include "platform/PreferencesFile.h"
+#include "SettingsTest.h"
 #include "presentation/SetupAssistantModel.h"
 #include "support/HandTurnedExecutor.h"
-#include "support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <system_error>
@@ -19,10 +17,6 @@ using testing::Not;
 using Stage = SetupRun::Stage;
 using Kind = SetupOutcome::Kind;
 
-const auto codex = AgentProviderID::codex();
-const auto claude = AgentProviderID::claude();
-const auto antigravity = AgentProviderID::antigravity();
-
 /// A script whose course the test decides.
 struct PretendedRun : SetupRun {
     explicit PretendedRun(State& state) : state_(state) {}
@@ -33,27 +27,8 @@ private:
 };
 
 /// The assistant over a machine that the test makes up; "asked" agents answer when it says so.
-class SetupAssistantTest : public testing::Test {
+class SetupAssistantTest : public SettingsTest {
 protected:
-    SettingsPageModel::Sources settingsSources() {
-        return {.preferences = *preferences,
-                .machine = machine,
-                .launchAtLogin = launchAtLogin,
-                .words = [this]() -> const Localization& { return words; },
-                .systemLanguage = "en",
-                .factsOf = [this](const AgentProviderID& id) { return factsOf(id); },
-                .isAsking = [this](const AgentProviderID& id) { return isAsking(id); },
-                .ask = [](const AgentProviderID&, bool) {},
-                .changed = [] {},
-                .takeSettings = [] {},
-                .hasHistory = [] { return false; },
-                .deleteHistory = [](const std::function<void(std::error_code)>&) {},
-                .showFolder = [](const std::filesystem::path&) {},
-                .noticeDelivery = [this] { return delivery; },
-                .lookForNoticeService = [] {},
-                .allowNotices = [this] { ++allowances; },
-                .terminalProgram = directory.write("vellmark", "")};
-    }
     SetupAssistantModel::Sources sources() {
         return {.preferences = *preferences,
                 .executor = executor,
@@ -90,17 +65,10 @@ protected:
                 .now = [this] { return executor.now(); }};
     }
 
-    const AgentFacts* factsOf(const AgentProviderID& id) const {
-        const auto found = facts.find(id);
-        return found == facts.end() ? nullptr : &found->second;
-    }
-    bool isAsking(const AgentProviderID& id) const {
-        return std::ranges::find(asked, id) != asked.end();
-    }
     /// What the agents answer from now on: "-" not installed, "?" cannot tell, "no", "yes".
     void make(const AgentProviderID& id, const std::string& state) {
         AgentFacts& truth = truths[id];
-        truth = {.id = id, .toolPath = {}, .toolVersion = {}, .loggedIn = {}};
+        truth = {.id = id};
         if (state != "-") {
             truth.toolPath = "/usr/bin/" + id.rawValue;
             truth.loggedIn = state == "?" ? std::nullopt : std::optional(state == "yes");
@@ -142,15 +110,8 @@ protected:
         return decision;
     }
 
-    TemporaryDirectory directory;
-    Machine machine = Machine::sandbox(directory / "machine");
-    std::unique_ptr<Preferences> preferences = makePreferencesFile(directory / "preferences.json");
-    LaunchAtLoginController launchAtLogin{*preferences, nullptr};
-    Localization words{"en", "en_US", "UTC"};
     HandTurnedExecutor executor;
     std::map<AgentProviderID, AgentFacts> truths;
-    std::map<AgentProviderID, AgentFacts> facts;
-    std::vector<AgentProviderID> asked;
     std::map<AgentProviderID, int> questions;
     std::map<AgentProviderID, std::string> traces;
     std::optional<AgentProviderID> denied;
@@ -162,14 +123,12 @@ protected:
     std::vector<std::string> read;
     std::vector<std::string> logged;
     std::string opened;
-    int changes = 0;
-    NoticeDelivery delivery = NoticeDelivery::works;
-    int allowances = 0;
     SettingsPageModel settings{settingsSources()};
     std::unique_ptr<SetupAssistantModel> model = std::make_unique<SetupAssistantModel>(sources());
     SetupAssistantActions actions = model->actions();
 
     void SetUp() override {
+        directory.write("vellmark", "");
         make(codex, "yes");
         make(claude, "no");
         make(antigravity, "-");
@@ -371,13 +330,19 @@ TEST_F(SetupAssistantTest, BelievesNeitherACheckNorAReadingThatSayOtherwise) {
     EXPECT_EQ(tool(codex).status, "Ready") << "it could be read after all";
 }
 
-TEST_F(SetupAssistantTest, FollowsAScriptWhileItIsClosed) {
+TEST_F(SetupAssistantTest, FollowsAScriptWhileItIsClosedAndLeavesNoTimerBehind) {
     begin(claude);
     actions.run(claude);
     actions.later();
     make(claude, "yes");
     end({Stage::ended, 0});
     EXPECT_THAT(read, ElementsAre("claude"));
+    make(claude, "no");
+    begin(claude);
+    actions.run(claude);
+    EXPECT_EQ(executor.timerCount(), 1U);
+    model.reset();
+    EXPECT_EQ(executor.timerCount(), 0U);
 }
 
 TEST_F(SetupAssistantTest, AsksAtTheEndAboutNoticesAndClaudesStatusLine) {
@@ -391,12 +356,9 @@ TEST_F(SetupAssistantTest, AsksAtTheEndAboutNoticesAndClaudesStatusLine) {
         }
         return names;
     };
-    const auto goToTheEnd = [&] {
+    for (int step = 0; step < 3; ++step) {
         actions.next();
-        actions.next();
-        actions.next();
-    };
-    goToTheEnd();
+    }
     EXPECT_THAT(rows(),
                 ElementsAre("notices", "status-line: Set up …", "launch-at-login", "language"));
     EXPECT_THAT(model->content().statusLineQuestion.text, HasSubstr("statusline"));
@@ -420,14 +382,6 @@ TEST_F(SetupAssistantTest, AsksAtTheEndAboutNoticesAndClaudesStatusLine) {
     actions.change("notices", "on");
     actions.next();
     EXPECT_EQ(allowances, 1) << "the system asks now, not in the middle of the work";
-}
-
-TEST_F(SetupAssistantTest, LeavesNoTimerBehind) {
-    begin(claude);
-    actions.run(claude);
-    EXPECT_EQ(executor.timerCount(), 1U);
-    model.reset();
-    EXPECT_EQ(executor.timerCount(), 0U);
 }
 
 } // namespace

@@ -1,5 +1,5 @@
+#include "AgentNames.h"
 #include "presentation/StatusFormats.h"
-#include "presentation/UsageStateMaker.h"
 #include "support/ProjectDirectories.h"
 #include "support/TemporaryDirectory.h"
 #include "text/TerminalText.h"
@@ -22,11 +22,6 @@ using nlohmann::json;
 using testing::HasSubstr;
 using testing::Not;
 
-const auto codex = AgentProviderID::codex();
-const auto claude = AgentProviderID::claude();
-const auto antigravity = AgentProviderID::antigravity();
-const Localization english("en", "en_US", "UTC");
-const Localization german("de", "de_DE", "UTC");
 constexpr Seconds interval{300};
 const StatusPrograms programs{.terminal = "/opt/v m/vellmark",
                               .desktop = "/opt/v m/vellmark-desktop"};

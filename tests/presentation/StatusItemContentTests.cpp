@@ -1,14 +1,10 @@
+#include "AgentNames.h"
 #include "presentation/StatusItemContent.h"
-#include "presentation/UsageStateMaker.h"
 
 #include <gtest/gtest.h>
 
 namespace vellmark::tests {
 namespace {
-
-const auto codex = AgentProviderID::codex();
-const auto claude = AgentProviderID::claude();
-const Localization english("en", "en_US", "UTC");
 
 std::string toolTip(const UsageState& state) {
     return statusItemContent(state, noon, english).toolTip;

@@ -1,6 +1,6 @@
+#include "AgentNames.h"
 #include "presentation/MainMenuContent.h"
 #include "presentation/StatusMenuContent.h"
-#include "presentation/UsageStateMaker.h"
 
 #include <gmock/gmock.h>
 
@@ -11,11 +11,6 @@ namespace vellmark::tests {
 namespace {
 
 using testing::ElementsAre;
-
-const auto codex = AgentProviderID::codex();
-const auto claude = AgentProviderID::claude();
-const auto antigravity = AgentProviderID::antigravity();
-const Localization english("en", "en_US", "UTC");
 
 std::vector<std::string> titles(const std::vector<StatusMenuItem>& items) {
     std::vector<std::string> all;

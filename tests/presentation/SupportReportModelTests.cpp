@@ -5,7 +5,6 @@
 #include "support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <deque>
 #include <fstream>
@@ -16,7 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::AllOf;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;

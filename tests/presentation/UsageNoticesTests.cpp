@@ -1,4 +1,4 @@
-#include "UsageStateMaker.h"
+#include "AgentNames.h"
 #include "presentation/NoticeTexts.h"
 #include "presentation/UsageNotices.h"
 #include "support/TemporaryDirectory.h"
@@ -15,33 +15,13 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-const auto claude = AgentProviderID::claude();
-const auto codex = AgentProviderID::codex();
-const auto antigravity = AgentProviderID::antigravity();
-
 constexpr Seconds minute{60};
 constexpr Seconds hour{3600};
 constexpr Seconds pause = 5 * minute;
 
-std::string nameOf(NoticeKind kind) {
-    switch (kind) {
-    case NoticeKind::usedUp:
-        return "usedUp";
-    case NoticeKind::runsOut:
-        return "runsOut";
-    case NoticeKind::critical:
-        return "critical";
-    case NoticeKind::back:
-        return "back";
-    case NoticeKind::unread:
-        return "unread";
-    case NoticeKind::expires:
-        return "expires";
-    case NoticeKind::reset:
-        return "reset";
-    }
-    return {};
-}
+/// In the order of `NoticeKind`.
+constexpr const char* kindNames[] = {"usedUp", "runsOut", "critical", "back",
+                                     "unread", "expires", "reset"};
 
 /// The program on a made day: readings come when the test says so, clocks are turned by hand.
 class UsageNoticesTest : public testing::Test {
@@ -49,7 +29,6 @@ protected:
     UsageNoticesTest() {
         settings_.kinds = {NoticeKind::critical, NoticeKind::runsOut, NoticeKind::usedUp,
                            NoticeKind::back,     NoticeKind::expires, NoticeKind::unread};
-        state_ = stateOf({});
     }
 
     void pass(Seconds span) {
@@ -98,6 +77,12 @@ protected:
         arrive(id, std::move(windows));
         look();
     }
+    void readSession(double used, double left, int times = 1) {
+        for (; times > 0; --times) {
+            read(claude, {quota("session", used, 5, left)});
+            pass(pause);
+        }
+    }
     void fail(const AgentProviderID& id) {
         AgentUsageSnapshot& reading = snapshot(id);
         reading.source = SnapshotSource::stale;
@@ -115,8 +100,8 @@ protected:
         }
         lastPost_ = *changes.post;
         for (const Notice& notice : changes.post->notices) {
-            told_.push_back(nameOf(notice.kind) + " " + notice.agent.rawValue + "/" +
-                            notice.windowID);
+            told_.push_back(kindNames[static_cast<int>(notice.kind)] +
+                            (" " + notice.agent.rawValue + "/" + notice.windowID));
         }
     }
     std::vector<std::string> takeTold() { return std::exchange(told_, {}); }
@@ -130,7 +115,7 @@ protected:
     Instant now_ = noon;
     Seconds continuous_{1000};
     bool isSilent_ = false;
-    UsageState state_;
+    UsageState state_ = stateOf({});
     NoticeSettings settings_;
     std::unique_ptr<UsageNotices> notices_ = std::make_unique<UsageNotices>(NoticeMemory());
     std::vector<std::string> told_;
@@ -256,91 +241,71 @@ TEST_F(UsageNoticesTest, CodexIsBackWhenItSaysSo) {
 }
 
 TEST_F(UsageNoticesTest, AfterASleepOrAStartTheSecondReadingTells) {
-    read(claude, {quota("session", 100, 5, 2)});
+    readSession(100, 2);
     EXPECT_THAT(takeTold(), IsEmpty());
-    pass(pause);
-    read(claude, {quota("session", 100, 5, 1.9)});
+    readSession(100, 1.9);
     EXPECT_THAT(takeTold(), ElementsAre("usedUp claude/session"));
     sleep(6 * hour);
     look();
-    read(claude, {quota("session", 0, 5, 5)});
+    readSession(0, 5);
     EXPECT_THAT(takeTold(), IsEmpty());
     EXPECT_THAT(takeClosed(), ElementsAre("claude/session")) << "what no longer holds goes at once";
-    pass(pause);
-    read(claude, {quota("session", 1, 5, 4.9)});
+    readSession(1, 4.9);
     EXPECT_THAT(takeTold(), ElementsAre("back claude/session"));
     // Used up again, away over the reset, and used up once more by another machine.
-    pass(pause);
-    read(claude, {quota("session", 100, 5, 4)});
+    readSession(100, 4);
     EXPECT_THAT(takeTold(), ElementsAre("usedUp claude/session"));
     pass(9 * hour);
     restart();
-    for (int reading = 0; reading < 3; ++reading) {
-        read(claude, {quota("session", 100, 5, 3)});
-        pass(pause);
-    }
+    readSession(100, 3, 3);
     EXPECT_THAT(takeTold(), ElementsAre("usedUp claude/session")) << "of another period";
 }
 
 TEST_F(UsageNoticesTest, ACommonResetIsToldWhereThatIsWanted) {
     settings_.kinds.insert(NoticeKind::reset);
-    const auto reading = [&](double used, double left) {
-        read(claude, {quota("session", used, 5, left)});
-        pass(pause);
-    };
-    reading(40, 0.1);
-    reading(40, 0.02);
-    reading(40, -0.05); // the service is late
-    reading(2, 4.9);
+    readSession(40, 0.1);
+    readSession(40, 0.02);
+    readSession(40, -0.05); // the service is late
+    readSession(2, 4.9);
     EXPECT_THAT(takeTold(), ElementsAre("reset claude/session"));
-    reading(2, 4.85); // told to the minute: the reset wavers
-    reading(2, 4.7);
-    reading(40, -0.3); // by a server that is behind
-    reading(3, 4.6);
+    readSession(2, 4.85); // told to the minute: the reset wavers
+    readSession(2, 4.7);
+    readSession(40, -0.3); // by a server that is behind
+    readSession(3, 4.6);
     EXPECT_THAT(takeTold(), IsEmpty());
     // One reading leaves the time out, and the next period is used as much.
     read(claude, {windowWithoutReset("session", 3)});
     pass(5 * hour);
-    reading(3, 4.5);
+    readSession(3, 4.5);
     EXPECT_THAT(takeTold(), ElementsAre("reset claude/session"));
     settings_.kinds.erase(NoticeKind::reset);
     pass(5 * hour);
-    reading(1, 5);
+    readSession(1, 5);
     settings_.kinds.insert(NoticeKind::reset);
-    reading(1, 4.9);
+    readSession(1, 4.9);
     EXPECT_THAT(takeTold(), IsEmpty()) << "what is switched on tells of what comes";
 }
 
 TEST_F(UsageNoticesTest, AClockThatIsSetNeitherRepeatsNorHides) {
     // The agent tells the time of day of the reset, so that it moves with the clock.
-    const auto reading = [&](double used, double left) {
-        read(claude, {quota("session", used, 5, left)});
-        pass(pause);
-    };
-    reading(96, 3);
-    reading(96, 2.9);
+    readSession(96, 3, 2);
     EXPECT_THAT(takeTold(), ElementsAre("runsOut claude/session"));
     for (const Seconds jump : {24 * hour, -48 * hour, 24 * hour, 8760 * hour, -8760 * hour}) {
         setClock(jump);
-        reading(97, 2);
-        reading(97, 1.9);
+        readSession(97, 2, 2);
         restart();
-        reading(97, 1.8);
-        reading(97, 1.8);
+        readSession(97, 1.8, 2);
     }
     EXPECT_THAT(takeTold(), IsEmpty());
-    reading(100, 1);
+    readSession(100, 1);
     EXPECT_THAT(takeTold(), ElementsAre("usedUp claude/session"));
 }
 
 TEST_F(UsageNoticesTest, WhatExpiresUnusedIsToldADayBefore) {
     const Instant expiry = now_ + 30 * hour;
     const auto reading = [&] {
-        arrive(codex, {quota("weekly", 10, 168, 100)}).allowance =
-            UsageAllowance{.ordinaryUsageAllowed = true,
-                           .reachedType = {},
-                           .bankedResets = 2,
-                           .bankedResetExpiresAt = expiry};
+        arrive(codex, {quota("weekly", 10, 168, 100)}).allowance = UsageAllowance{
+            .ordinaryUsageAllowed = true, .bankedResets = 2, .bankedResetExpiresAt = expiry};
         look();
         pass(hour);
     };
@@ -398,15 +363,14 @@ TEST_F(UsageNoticesTest, AnAgentThatCannotBeReadForAnHourIsToldOnce) {
 
 TEST_F(UsageNoticesTest, QuietHoursPutOffWhatStillHoldsThen) {
     // 13:48 at first.
-    settings_.quietHours =
-        NoticeSettings::QuietHours{*TimeOfDay::parse("14:00"), *TimeOfDay::parse("13:00")};
+    settings_.quietHours = {*TimeOfDay::parse("14:00"), *TimeOfDay::parse("13:00")};
     const auto reading = [&](double session, double week) {
         read(claude, {quota("session", session, 5, 3), quota("weekly", week, 168, 100)});
         pass(pause);
     };
-    reading(10, 30);
-    reading(10, 30);
-    reading(10, 30);
+    for (int before = 0; before < 3; ++before) {
+        reading(10, 30);
+    }
     ASSERT_TRUE(settings_.isQuiet(now_, TimeZone::utc()));
     reading(96, 30);
     reading(10, 100);
@@ -421,8 +385,7 @@ TEST_F(UsageNoticesTest, QuietHoursPutOffWhatStillHoldsThen) {
                                                    {"12:00", "13:00", "12:00", true},
                                                    {"12:00", "13:00", "13:00", false},
                                                    {"12:00", "12:00", "12:00", false}}) {
-        settings_.quietHours =
-            NoticeSettings::QuietHours{*TimeOfDay::parse(from), *TimeOfDay::parse(until)};
+        settings_.quietHours = {*TimeOfDay::parse(from), *TimeOfDay::parse(until)};
         const Instant midnight = TimeZone::utc().instant({.year = 2025, .month = 11, .day = 3});
         EXPECT_EQ(
             settings_.isQuiet(midnight + TimeOfDay::parse(at)->minutes * minute, TimeZone::utc()),
@@ -520,10 +483,7 @@ TEST_F(UsageNoticesTest, WhatAnAgentTellsBetweenItsReadingsCounts) {
 
 TEST_F(UsageNoticesTest, WhatNobodyShowedIsToldAgain) {
     isSilent_ = true;
-    for (int reading = 0; reading < 3; ++reading) {
-        read(claude, {quota("session", 100, 5, 3)});
-        pass(pause);
-    }
+    readSession(100, 3, 3);
     EXPECT_THAT(takeTold(), IsEmpty());
     isSilent_ = false;
     look();

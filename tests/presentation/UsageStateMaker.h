@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/UsageHistorySample.h"
 #include "store/UsageState.h"
 
 #include <initializer_list>
@@ -21,7 +22,17 @@ inline UsageWindow window(std::string id, double used, double minutes, double le
 }
 
 inline UsageWindow windowWithoutReset(std::string id, double used) {
-    return {.id = std::move(id), .usedPercent = used, .windowDurationMinutes = {}, .resetsAt = {}};
+    return {.id = std::move(id), .usedPercent = used};
+}
+
+/// A sample that was taken `ago` seconds before noon, of a window that resets `resetsIn` after it.
+inline UsageHistorySample sampleOf(AgentProviderID agent, std::string windowID, double ago,
+                                   double used, double resetsIn) {
+    return {.provider = std::move(agent),
+            .windowID = std::move(windowID),
+            .capturedAt = noon - Seconds(ago),
+            .usedPercent = used,
+            .resetsAt = noon + Seconds(resetsIn)};
 }
 
 inline AgentUsageSnapshot live(AgentProviderID id, std::vector<UsageWindow> windows) {

@@ -9,13 +9,7 @@
 #include <utility>
 #include <vector>
 
-using vellmark::redacted;
-using vellmark::redactedLine;
-using vellmark::redactedWithPlaces;
-using vellmark::RemovedKind;
-using vellmark::RemovedPlace;
-using vellmark::tests::redactionParts;
-
+namespace vellmark::tests {
 namespace {
 
 constexpr const char* home = "/home/anna";
@@ -219,8 +213,8 @@ TEST(Redaction, PlacesFitTheTextWhateverMeetsInIt) {
         }
         const auto found = redactedWithPlaces(text, home);
         ASSERT_EQ(found.value().text, redacted(text, home)) << testing::PrintToString(text);
-        const std::string words = vellmark::redactedWords(text, home);
-        ASSERT_EQ(vellmark::redactedWords(words, home), words) << testing::PrintToString(text);
+        const std::string words = redactedWords(text, home);
+        ASSERT_EQ(redactedWords(words, home), words) << testing::PrintToString(text);
         std::size_t end = 0;
         for (const RemovedPlace& place : found->places) {
             ASSERT_LE(end, place.begin) << testing::PrintToString(text);
@@ -233,3 +227,4 @@ TEST(Redaction, PlacesFitTheTextWhateverMeetsInIt) {
 }
 
 } // namespace
+} // namespace vellmark::tests

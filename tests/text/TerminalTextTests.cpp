@@ -2,7 +2,6 @@
 #include "text/TerminalText.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 #include <utility>

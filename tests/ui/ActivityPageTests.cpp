@@ -2,7 +2,6 @@
 #include "screenshots/SampleStates.h"
 #include "ui/QtEnvironment.h"
 #include "ui/kit/Choice.h"
-#include "ui/kit/Label.h"
 #include "ui/window/ActivityList.h"
 #include "ui/window/ActivityPage.h"
 
@@ -13,13 +12,9 @@
 #include <QLineEdit>
 #include <QScrollBar>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
-
-using testing::buttonNamed;
-using testing::pressKey;
 
 /// What the least window leaves beside the sidebar.
 constexpr QSize leastPage(792, 680);
@@ -41,10 +36,6 @@ protected:
         settle();
     }
     void showAll() { show(entries_->size()); }
-    static void settle() {
-        QCoreApplication::sendPostedEvents();
-        QCoreApplication::processEvents();
-    }
     ActivityList& list() { return page_.list(); }
     int rowCount() { return list().model()->rowCount(); }
     QString text(int row) { return list().model()->index(row, 0).data().toString(); }
@@ -58,8 +49,8 @@ protected:
     }
     int place() { return list().verticalScrollBar()->value(); }
     int end() { return list().verticalScrollBar()->maximum(); }
-    bool says(const QString& words) { return testing::says(page_, words); }
-    QAbstractButton* button(const QString& title) { return buttonNamed(page_, title); }
+    bool says(const QString& words) { return tests::says(page_, words); }
+    QAbstractButton* button(const QString& title) { return partNamed(page_, title); }
     QLineEdit& search() { return *page_.findChild<QLineEdit*>(); }
     static QString clipboard() { return QApplication::clipboard()->text(); }
 
@@ -198,4 +189,4 @@ TEST_F(ActivityPageTest, TellsEveryRowToAssistiveSoftware) {
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

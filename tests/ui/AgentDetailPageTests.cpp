@@ -1,8 +1,6 @@
 #include "screenshots/SampleHistory.h"
 #include "screenshots/SampleStates.h"
 #include "ui/QtEnvironment.h"
-#include "ui/kit/Button.h"
-#include "ui/kit/Label.h"
 #include "ui/kit/Segments.h"
 #include "ui/window/AgentDetailPage.h"
 #include "ui/window/AgentWindowCard.h"
@@ -10,36 +8,22 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
-#include <QLabel>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
 
-using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using testing::RecordedActions;
-using testing::tabStops;
 
 class AgentDetail : public ::testing::Test {
 protected:
     AgentDetail() {
-        const auto note = [this](const char* name) {
-            return [this, name](const AgentProviderID& id) {
-                recorded.calls.push_back(std::string(name) + " " + id.rawValue);
-            };
-        };
-        actions.refresh = note("read");
-        actions.recheck = note("recheck");
-        actions.switchOff = note("switchOff");
-        actions.setRange = [this](ChartRange range) {
-            recorded.calls.push_back("range " + std::string(storedText(range)));
-        };
-        actions.setOrder = [this](const std::vector<AgentProviderID>& order) {
-            recorded.calls.push_back("order " + order.front().rawValue);
-        };
+        actions.refresh = recorded.note("read");
+        actions.recheck = recorded.note("recheck");
+        actions.switchOff = recorded.note("switchOff");
+        actions.setRange = recorded.note("range");
+        actions.setOrder = recorded.note("order");
         machine.home = "/home/name";
     }
 
@@ -57,16 +41,9 @@ protected:
     }
     template<class Widget>
     std::vector<Widget*> shown() {
-        std::vector<Widget*> found;
-        for (QWidget* widget : page.findChildren<QWidget*>()) {
-            auto* wanted = dynamic_cast<Widget*>(widget);
-            if (wanted != nullptr && widget->isVisibleTo(&page)) {
-                found.push_back(wanted);
-            }
-        }
-        return found;
+        return visibleParts<Widget>(page);
     }
-    QAbstractButton* button(const QString& name) { return testing::buttonNamed(page, name); }
+    QAbstractButton* button(const QString& name) { return partNamed(page, name); }
     QRect place(QWidget* widget) { return {widget->mapTo(&page, QPoint(0, 0)), widget->size()}; }
 
     RecordedActions recorded;
@@ -78,41 +55,33 @@ protected:
 
 TEST_F(AgentDetail, EachControlAsksForWhatItSays) {
     show(samples::stale(), 0);
-    button(QStringLiteral("Refresh"))->click();
-    button(QStringLiteral("Read again"))->click(); // this agent alone, unlike elsewhere
-    button(QStringLiteral("7 d"))->click();
-    button(QStringLiteral("Check Again"))->click();
-    button(QStringLiteral("Move back"))->click();
-    button(QStringLiteral("Switch off"))->click();
+    button("Refresh")->click();
+    button("Read again")->click(); // this agent alone, unlike elsewhere
+    button("7 d")->click();
+    button("Check Again")->click();
+    button("Move back")->click();
+    button("Switch off")->click();
     EXPECT_THAT(recorded.calls, ElementsAre("read codex", "read codex", "range 7d", "recheck codex",
-                                            "order claude", "switchOff codex"));
-    EXPECT_FALSE(button(QStringLiteral("Move forward"))->isEnabled());
+                                            "order claude codex", "switchOff codex"));
+    EXPECT_FALSE(button("Move forward")->isEnabled());
 
-    button(QStringLiteral("Copy path"))->click();
+    button("Copy path")->click();
     EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(),
               samples::facts(AgentProviderID::codex()).toolPath->string());
-    EXPECT_NE(button(QStringLiteral("Copied")), nullptr);
-}
-
-TEST_F(AgentDetail, EveryTabStopHasItsPlaceInTheOrderOfThePage) {
-    show(samples::stale(), 0);
-    for (QWidget* stop : tabStops(page)) {
-        EXPECT_THAT(page.controls(), Contains(stop)) << stop->accessibleName().toStdString();
-    }
+    EXPECT_NE(button("Copied"), nullptr);
 }
 
 TEST_F(AgentDetail, AMoveToTheEndLeavesTheKeyboardWithTheMoves) {
     show(samples::normal(), 1);
-    page.activateWindow();
-    ASSERT_TRUE(testing::waitUntil([this] { return page.isActiveWindow(); }));
-    QAbstractButton* later = button(QStringLiteral("Move back"));
+    ASSERT_TRUE(becomesActive(page));
+    QAbstractButton* later = button("Move back");
     later->setFocus(Qt::TabFocusReason);
     UsageState moved = samples::normal();
     std::swap(moved.snapshots[1], moved.snapshots[2]);
     std::swap(moved.providerOrder[1], moved.providerOrder[2]);
     show(moved, 2);
     EXPECT_FALSE(later->isEnabled());
-    EXPECT_EQ(page.focusWidget(), button(QStringLiteral("Move forward")))
+    EXPECT_EQ(page.focusWidget(), button("Move forward"))
         << "a key pressed once more must not switch the agent off";
 }
 
@@ -163,10 +132,10 @@ TEST_F(AgentDetail, NothingIsShortenedAtTheLeastWidthInAnyLanguage) {
     for (const char* language : {"de", "en", "fr", "it", "es"}) {
         for (const UsageState& state : {samples::readAlone(), samples::usedUp()}) {
             show(state, 1, {662, 512}, language); // of a small screen with type of 150 %
-            testing::expectNothingIsCut(page, language);
+            expectNothingIsCut(page, language);
         }
     }
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

@@ -42,7 +42,7 @@ protected:
 
 TEST_F(FigureText, AllFiguresHaveOneWidth) {
     for (const TextStyle& style : {style::value, style::figureLarge, style::popoverStatus}) {
-        const double zeros = textWidth(QStringLiteral("000"), style);
+        const double zeros = textWidth("000", style);
         for (const char* figures : {"111", "474", "909"}) {
             EXPECT_DOUBLE_EQ(textWidth(QString::fromLatin1(figures), style), zeros) << figures;
         }
@@ -51,8 +51,8 @@ TEST_F(FigureText, AllFiguresHaveOneWidth) {
 
 TEST_F(FigureText, AChangingNumberMovesNothingBehindIt) {
     for (const TextStyle& style : {style::value, style::figure, style::popoverStatus}) {
-        const int narrow = lastInkedColumn(drawn(QStringLiteral("11 % left"), style));
-        const int wide = lastInkedColumn(drawn(QStringLiteral("88 % left"), style));
+        const int narrow = lastInkedColumn(drawn("11 % left", style));
+        const int wide = lastInkedColumn(drawn("88 % left", style));
         EXPECT_EQ(narrow, wide);
         EXPECT_GT(narrow, 0);
     }
@@ -60,7 +60,7 @@ TEST_F(FigureText, AChangingNumberMovesNothingBehindIt) {
 
 TEST_F(FigureText, FractionalSizesAreNotRounded) {
     const auto width = [](double size) {
-        return textWidth(QStringLiteral("read at noon"), TextStyle{size, 14, QFont::Medium});
+        return textWidth("read at noon", TextStyle{size, 14, QFont::Medium});
     };
     EXPECT_LT(width(10), width(10.5));
     EXPECT_LT(width(10.5), width(11));
@@ -68,37 +68,37 @@ TEST_F(FigureText, FractionalSizesAreNotRounded) {
 }
 
 TEST_F(FigureText, ShortensOnlyWhatDoesNotFitAndAlwaysIntoTheWidth) {
-    const QString text = QStringLiteral("Experimental Preview Models · monatlich");
+    const QString text = "Experimental Preview Models · monatlich";
     const double whole = textWidth(text, style::row);
     EXPECT_EQ(elidedText(text, style::row, whole), text);
     for (const double width : {whole - 1, 112.0, 20.0}) {
         const QString shortened = elidedText(text, style::row, width);
         EXPECT_TRUE(shortened.endsWith(u'…'));
-        EXPECT_FALSE(shortened.contains(QStringLiteral(" …")));
+        EXPECT_FALSE(shortened.contains(" …"));
         EXPECT_LE(textWidth(shortened, style::row), width);
     }
 }
 
 TEST_F(FigureText, BreaksLinesAtSpacesButNeverBetweenANumberAndItsSign) {
-    const QString text = QStringLiteral("Noch 16\u00a0% übrig, das reicht bis zum nächsten Reset");
+    const QString text = "Noch 16\u00a0% übrig, das reicht bis zum nächsten Reset";
     for (const double width : {60.0, 90.0, 140.0}) {
         const QStringList lines = wrappedText(text, style::text, width);
         EXPECT_GT(lines.size(), 1);
         EXPECT_EQ(lines.join(u' '), text);
         for (const QString& line : lines) {
-            EXPECT_FALSE(line.endsWith(QStringLiteral("16")));
+            EXPECT_FALSE(line.endsWith("16"));
             EXPECT_LE(textWidth(line, style::text), width);
         }
     }
-    EXPECT_EQ(wrappedText(QStringLiteral("one\ntwo"), style::text, 500),
-              QStringList({QStringLiteral("one"), QStringLiteral("two")}));
+    EXPECT_EQ(wrappedText("one\ntwo", style::text, 500),
+              QStringList({"one", QStringLiteral("two")}));
 }
 
 TEST_F(FigureText, BreaksAWordOnlyWhereItAloneIsTooWideAndEndsTheLastLineWhenThereIsMore) {
     const QString word(300, u'm');
     for (const double width : {60.0, 334.0}) {
         const QStringList lines = wrappedText(QStringLiteral("so ") + word, style::text, width);
-        EXPECT_EQ(lines.front(), QStringLiteral("so"));
+        EXPECT_EQ(lines.front(), "so");
         EXPECT_EQ(lines.mid(1).join(QString()), word);
         for (const QString& line : lines) {
             EXPECT_LE(textWidth(line, style::text), width);
@@ -111,7 +111,7 @@ TEST_F(FigureText, BreaksAWordOnlyWhereItAloneIsTooWideAndEndsTheLastLineWhenThe
         }
     }
     // Narrower than any letter: one a line, and an end.
-    EXPECT_EQ(wrappedText(QStringLiteral("abc"), style::text, 1).size(), 3);
+    EXPECT_EQ(wrappedText("abc", style::text, 1).size(), 3);
 }
 
 } // namespace

@@ -1,14 +1,11 @@
 #include "presentation/HistoryPageContent.h"
 #include "presentation/MainWindowContent.h"
-#include "presentation/OverviewPageContent.h"
 #include "presentation/PopoverContent.h"
 #include "screenshots/SampleHistory.h"
 #include "screenshots/SampleSetup.h"
 #include "screenshots/SampleStates.h"
-#include "ui/ForecastLine.h"
 #include "ui/QtEnvironment.h"
 #include "ui/kit/FigureText.h"
-#include "ui/kit/Label.h"
 #include "ui/popover/AgentUsagePopoverView.h"
 #include "ui/setup/SetupAssistantView.h"
 #include "ui/window/AgentMainWindowView.h"
@@ -16,19 +13,12 @@
 #include "ui/window/HistoryPage.h"
 #include "ui/window/Sidebar.h"
 
-#include <QAbstractButton>
 #include <QApplication>
-#include <QCoreApplication>
-#include <QTabBar>
 #include <gtest/gtest.h>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
 
-using testing::RecordedActions;
-
-/// Room for the warning mark before the words of a forecast.
-constexpr int markRoom = 16;
 /// Room of an entry of the sidebar for its title and what stands at its end, and between both.
 constexpr double entryRoom = 224 - 2 * 10 - 20 - 10;
 constexpr double entryGap = 8;
@@ -43,47 +33,6 @@ const std::pair<const char*, UsageState (*)()> states[] = {
     {"balances", samples::balances},     {"refusing", samples::refusing},
     {"credited", samples::credited},     {"no agents", samples::noAgents},
 };
-
-/// Whether the place of a widget is too small for its words. A short form counts as fitting.
-bool isCut(const QWidget& widget) {
-    if (const auto* forecast = dynamic_cast<const ForecastLine*>(&widget)) {
-        // The tooltip has the long form where that does not fit.
-        return !forecast->toolTip().isEmpty() &&
-               kit::textWidth(forecast->text(), kit::style::smallMedium) >
-                   forecast->width() - markRoom;
-    }
-    if (const auto* label = dynamic_cast<const kit::Label*>(&widget)) {
-        // What an agent calls its limits is not ours to shorten.
-        return label->isShortened() && !label->text().contains(QStringLiteral("GPT-5.3"));
-    }
-    if (const auto* button = qobject_cast<const QAbstractButton*>(&widget)) {
-        return !button->text().isEmpty() && button->width() < button->minimumSizeHint().width();
-    }
-    if (const auto* tabs = qobject_cast<const QTabBar*>(&widget)) {
-        return tabs->count() > 0 && !tabs->rect().contains(tabs->tabRect(tabs->count() - 1));
-    }
-    return false;
-}
-
-void settle() {
-    for (int turn = 0; turn < 3; ++turn) {
-        QCoreApplication::sendPostedEvents();
-        QCoreApplication::processEvents();
-    }
-}
-
-void expectAllFits(const QWidget& view, const std::string& where) {
-    int looked = 0;
-    for (const QWidget* widget : view.findChildren<QWidget*>()) {
-        if (widget->isVisibleTo(&view)) {
-            ++looked;
-            EXPECT_FALSE(isCut(*widget))
-                << where << ": " << widget->metaObject()->className() << " "
-                << widget->property("text").toString().toStdString();
-        }
-    }
-    EXPECT_GT(looked, 10) << where;
-}
 
 class Fitting : public ::testing::TestWithParam<std::string_view> {
 protected:
@@ -101,7 +50,7 @@ TEST_P(Fitting, Popover) {
             view.resize(AgentUsagePopoverView::viewWidth, view.wantedHeight());
             view.show();
             settle();
-            expectAllFits(view, std::string(name) + ", " + tab);
+            expectNothingIsCut(view, std::string(name) + ", " + tab);
         }
     }
 }
@@ -117,7 +66,7 @@ TEST_P(Fitting, Overview) {
                          overviewPageContent(state, samples::now(), words)});
         view.show();
         settle();
-        expectAllFits(view, name);
+        expectNothingIsCut(view, name);
     }
 }
 
@@ -157,12 +106,10 @@ TEST_P(Fitting, HistoryFigures) {
                     historyPageContent(state, history, {.agent = agent}, samples::now(), words));
                 page.show();
                 settle();
-                for (const QWidget* widget : page.findChildren<QWidget*>()) {
-                    if (const auto* figures = dynamic_cast<const FiguresCard*>(widget)) {
-                        expectAllFits(*figures, std::string(family) + ", " + agent.rawValue + ", " +
-                                                    std::to_string(width));
-                    }
-                }
+                const auto cards = visibleParts<FiguresCard>(page);
+                ASSERT_FALSE(cards.empty());
+                expectNothingIsCut(*cards.front(), std::string(family) + ", " + agent.rawValue +
+                                                       ", " + std::to_string(width));
             }
         }
     }
@@ -176,7 +123,7 @@ TEST_P(Fitting, SetupAssistant) {
         view.setContent(setupAssistantContent(state, samples::now(), words));
         view.show();
         settle();
-        expectAllFits(view, where);
+        expectNothingIsCut(view, where);
     };
     for (const SetupStep step :
          {SetupStep::welcome, SetupStep::agents, SetupStep::tools, SetupStep::finish}) {
@@ -215,4 +162,4 @@ INSTANTIATE_TEST_SUITE_P(Languages, Fitting, ::testing::ValuesIn(Localization::l
                          });
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

@@ -1,6 +1,5 @@
 #include "screenshots/SampleStates.h"
 #include "ui/QtEnvironment.h"
-#include "ui/kit/Label.h"
 #include "ui/window/AboutPage.h"
 #include "ui/window/HelpPage.h"
 
@@ -9,13 +8,13 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-namespace vellmark {
+#include <algorithm>
+
+namespace vellmark::tests {
 namespace {
 
 using ::testing::ElementsAre;
-using testing::tabStops;
 
 /// What the least window leaves beside the sidebar.
 constexpr QSize leastPage(792, 680);
@@ -31,20 +30,13 @@ protected:
         page_.setContent(helpPageContent(section, query, samples::words(language)));
         QCoreApplication::sendPostedEvents();
     }
-    QAbstractButton* button(const QString& title) { return testing::buttonNamed(page_, title); }
+    QAbstractButton* button(const QString& title) { return partNamed(page_, title); }
 
-    std::vector<std::string> calls_;
-    HelpPageActions actions_{
-        .choose =
-            [this](HelpSection section) {
-                calls_.push_back("choose " + std::to_string(static_cast<int>(section)));
-            },
-        .search = [this](const std::string& query) { calls_.push_back("search " + query); },
-        .copy = [this](const std::string& command) { calls_.push_back("copy " + command); },
-        .open =
-            [this](HelpLink link) {
-                calls_.push_back("open " + std::to_string(static_cast<int>(link)));
-            }};
+    RecordedActions recorded_;
+    HelpPageActions actions_{.choose = recorded_.note("choose"),
+                             .search = recorded_.note("search"),
+                             .copy = recorded_.note("copy"),
+                             .open = recorded_.note("open")};
     HelpPage page_{actions_, nullptr};
 };
 
@@ -54,7 +46,7 @@ TEST_F(HelpPageTest, HasRoomForEverythingInEveryLanguage) {
              {HelpSection::reading, HelpSection::marks, HelpSection::failures,
               HelpSection::keyboard, HelpSection::support}) {
             show(section, {}, language);
-            testing::expectNothingIsCut(page_, language);
+            expectNothingIsCut(page_, language);
         }
     }
 }
@@ -74,20 +66,16 @@ TEST_F(HelpPageTest, AsksForWhatIsChosenTypedCopiedAndOpened) {
     show(HelpSection::support, "qu");
     EXPECT_EQ(field->text(), "qu");
     field->setFocus();
-    testing::pressKey(page_, Qt::Key_Escape);
-    EXPECT_THAT(calls_,
+    pressKey(page_, Qt::Key_Escape);
+    EXPECT_THAT(recorded_.calls,
                 ElementsAre("choose 2", "copy curl -fsSL https://chatgpt.com/codex/install.sh | sh",
                             "open 4", "search q", "search qu", "search "));
 }
 
 TEST_F(HelpPageTest, ChoosesNoSectionWhileItLooksInAll) {
     const auto isAnyChosen = [&] {
-        for (const auto* part : page_.findChildren<QAbstractButton*>()) {
-            if (part->isCheckable() && part->isChecked()) {
-                return true;
-            }
-        }
-        return false;
+        return std::ranges::any_of(visibleParts<QAbstractButton>(page_),
+                                   &QAbstractButton::isChecked);
     };
     show(HelpSection::marks);
     EXPECT_TRUE(isAnyChosen());
@@ -98,10 +86,9 @@ TEST_F(HelpPageTest, ChoosesNoSectionWhileItLooksInAll) {
 }
 
 TEST(AboutPage, LeadsToEveryPageAndHasRoom) {
-    std::vector<std::string> opened;
-    const AboutPageActions actions{
-        .open = [&](AboutLink link) { opened.push_back(std::to_string(static_cast<int>(link))); },
-        .openURL = [&](const std::string& url) { opened.push_back(url); }};
+    RecordedActions recorded;
+    const AboutPageActions actions{.open = recorded.note("open"),
+                                   .openURL = recorded.note("openURL")};
     AboutPage page(actions, nullptr);
     page.resize(leastPage);
     page.show();
@@ -109,23 +96,23 @@ TEST(AboutPage, LeadsToEveryPageAndHasRoom) {
         const AboutPageContent content = aboutPageContent(samples::words(language));
         page.setContent(content);
         QCoreApplication::sendPostedEvents();
-        opened.clear();
-        std::vector<std::string> wanted;
+        recorded.calls.clear();
+        RecordedActions wanted;
         for (const AboutLinkContent& link : content.links) {
-            wanted.push_back(std::to_string(static_cast<int>(link.link)));
+            wanted.note("open")(link.link);
         }
         for (const LicenceContent& part : content.licences) {
-            wanted.push_back(part.url);
+            wanted.note("openURL")(part.url);
         }
         for (QWidget* control : page.controls()) {
             if (control->isVisible()) {
                 qobject_cast<QAbstractButton*>(control)->click();
             }
         }
-        EXPECT_EQ(opened, wanted) << language;
-        testing::expectNothingIsCut(page, language);
+        EXPECT_EQ(recorded.calls, wanted.calls) << language;
+        expectNothingIsCut(page, language);
     }
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

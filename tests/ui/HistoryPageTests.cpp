@@ -9,23 +9,20 @@
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QImage>
-#include <QKeyEvent>
-#include <QMouseEvent>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
 
 class History : public ::testing::Test {
 protected:
     History() {
-        actions.chooseAgent = [this](const AgentProviderID& id) { calls.push_back(id.rawValue); };
-        actions.chooseRange = [this](ChartRange range) { calls.emplace_back(storedText(range)); };
-        actions.toggle = [this](const std::string& id) { calls.push_back("toggle " + id); };
+        actions.chooseAgent = recorded.note("agent");
+        actions.chooseRange = recorded.note("range");
+        actions.toggle = recorded.note("toggle");
         actions.save = [this](const std::function<std::string()>& drawn) { picture = drawn(); };
         samples::addHistory(history, state);
         show({.agent = AgentProviderID::claude()});
@@ -37,20 +34,14 @@ protected:
             historyPageContent(state, history, choice, samples::now(), samples::words("en")));
         page.show();
     }
-    QAbstractButton* button(const QString& name) { return testing::buttonNamed(page, name); }
-    static void press(QWidget* widget, int key) {
-        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
-        QCoreApplication::sendEvent(widget, &event);
-    }
+    QAbstractButton* button(const QString& name) { return partNamed(page, name); }
     static void pointAt(QWidget* widget, QPointF place) {
-        QMouseEvent event(QEvent::MouseMove, place, widget->mapToGlobal(place), Qt::NoButton,
-                          Qt::NoButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(widget, &event);
+        sendMouse(*widget, QEvent::MouseMove, place, Qt::NoButton);
     }
 
     AgentUIActions program;
     HistoryPageActions actions;
-    std::vector<std::string> calls;
+    RecordedActions recorded;
     std::string picture;
     UsageState state = samples::normal();
     UsageHistory history;
@@ -62,7 +53,8 @@ TEST_F(History, ControlsDoWhatTheySay) {
     button("90 d")->click();
     button("Session")->click();
     button("30 d before")->click();
-    EXPECT_EQ(calls, (std::vector<std::string>{"antigravity", "90d", "toggle session", "toggle "}));
+    EXPECT_EQ(recorded.calls, (std::vector<std::string>{"agent antigravity", "range 90d",
+                                                        "toggle session", "toggle "}));
     button("Export …")->click();
     const QImage drawn = QImage::fromData(QByteArray::fromStdString(picture), "PNG");
     EXPECT_EQ(drawn.size(), page.chartCard()->size() * 2);
@@ -75,18 +67,18 @@ TEST_F(History, TheChartIsReadByPointerAndByKeys) {
     ASSERT_TRUE(chart->readout());
     EXPECT_EQ(chart->readout()->rows.size(), 2u);
     const double pointed = chart->readout()->x;
-    press(chart, Qt::Key_Left);
+    pressKey(*chart, Qt::Key_Left);
     EXPECT_LT(chart->readout()->x, pointed);
-    press(chart, Qt::Key_Right);
+    pressKey(*chart, Qt::Key_Right);
     EXPECT_NEAR(chart->readout()->x, pointed, 0.01);
-    press(chart, Qt::Key_End);
+    pressKey(*chart, Qt::Key_End);
     EXPECT_EQ(chart->readout()->x, 1);
     EXPECT_EQ(chart->readout()->rows.at(0).value, "29% left");
     const QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(chart);
     EXPECT_EQ(spoken->role(), QAccessible::Chart);
     EXPECT_TRUE(spoken->text(QAccessible::Name).startsWith("Claude, last 30 days"));
     EXPECT_TRUE(spoken->text(QAccessible::Value).contains("Week 29% left"));
-    press(chart, Qt::Key_Escape);
+    pressKey(*chart, Qt::Key_Escape);
     EXPECT_FALSE(chart->readout());
 }
 
@@ -94,12 +86,12 @@ TEST_F(History, TheHeatMapIsReadByPointerAndByKeys) {
     kit::HeatMap* map = page.heatCard()->map();
     const QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(map);
     EXPECT_EQ(spoken->text(QAccessible::Name), "Use by weekday and hour");
-    press(map, Qt::Key_Down);
+    pressKey(*map, Qt::Key_Down);
     EXPECT_EQ(map->cell(), (kit::HeatMap::Cell{0, 0})) << "the first key reads the first cell";
-    press(map, Qt::Key_Down);
-    press(map, Qt::Key_End);
+    pressKey(*map, Qt::Key_Down);
+    pressKey(*map, Qt::Key_End);
     EXPECT_EQ(map->cell(), (kit::HeatMap::Cell{1, 23}));
-    press(map, Qt::Key_Right);
+    pressKey(*map, Qt::Key_Right);
     EXPECT_EQ(map->cell()->column, 23) << "no cell beyond";
     EXPECT_TRUE(spoken->text(QAccessible::Value).startsWith("Mon, 11 PM: "));
     pointAt(map, {map->width() / 2.0, 4});
@@ -118,4 +110,4 @@ TEST_F(History, LetsThePointsGoWhenItIsLeft) {
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

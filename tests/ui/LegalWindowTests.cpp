@@ -1,16 +1,14 @@
 #include "screenshots/SampleStates.h"
 #include "ui/LegalWindow.h"
 #include "ui/QtEnvironment.h"
-#include "ui/kit/Label.h"
 
 #include <QAbstractButton>
 #include <QCoreApplication>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
 
 using ::testing::ElementsAre;
@@ -22,16 +20,11 @@ protected:
         window_.show();
         QCoreApplication::sendPostedEvents();
     }
-    QAbstractButton* button(const QString& title) { return testing::buttonNamed(window_, title); }
+    QAbstractButton* button(const QString& title) { return partNamed(window_, title); }
     int scrolled() { return window_.findChild<QScrollArea*>()->verticalScrollBar()->value(); }
 
-    std::vector<std::string> calls_;
-    LegalWindow window_{{.choose =
-                             [this](LegalDocument document) {
-                                 calls_.push_back("choose " +
-                                                  std::to_string(static_cast<int>(document)));
-                             },
-                         .accept = [this] { calls_.emplace_back("accept"); }}};
+    RecordedActions recorded_;
+    LegalWindow window_{{.choose = recorded_.note("choose"), .accept = recorded_.note("accept")}};
 };
 
 TEST_F(LegalWindowTest, ShowsBothTextsWholeInEveryLanguage) {
@@ -39,7 +32,7 @@ TEST_F(LegalWindowTest, ShowsBothTextsWholeInEveryLanguage) {
     for (const char* language : {"de", "en", "es", "fr", "it"}) {
         for (const LegalDocument document : {LegalDocument::terms, LegalDocument::privacy}) {
             show(document, true, language);
-            testing::expectNothingIsCut(window_, language);
+            expectNothingIsCut(window_, language);
             EXPECT_GT(window_.findChild<QScrollArea*>()->verticalScrollBar()->maximum(), 0);
         }
     }
@@ -47,19 +40,19 @@ TEST_F(LegalWindowTest, ShowsBothTextsWholeInEveryLanguage) {
 
 TEST_F(LegalWindowTest, AcceptsOnlyWhatIsDueAndBeginsAnotherTextAtItsTop) {
     show(LegalDocument::terms, true);
-    testing::pressKey(window_, Qt::Key_End);
+    pressKey(window_, Qt::Key_End);
     EXPECT_GT(scrolled(), 0);
     button("Privacy")->click();
     show(LegalDocument::privacy, true);
     EXPECT_EQ(scrolled(), 0);
-    testing::pressKey(window_, Qt::Key_PageDown);
+    pressKey(window_, Qt::Key_PageDown);
     const int place = scrolled();
     EXPECT_GT(place, 0);
     button("Accept")->click();
     show(LegalDocument::privacy, false);
     EXPECT_EQ(scrolled(), place) << "what is being read stays where it is";
     EXPECT_EQ(button("Accept"), nullptr);
-    EXPECT_THAT(calls_, ElementsAre("choose 1", "accept"));
+    EXPECT_THAT(recorded_.calls, ElementsAre("choose 1", "accept"));
     button("Close")->click();
     EXPECT_FALSE(window_.isVisible());
 }
@@ -67,7 +60,7 @@ TEST_F(LegalWindowTest, AcceptsOnlyWhatIsDueAndBeginsAnotherTextAtItsTop) {
 TEST_F(LegalWindowTest, GoesFromTheTextsToTheButtonsByTab) {
     show(LegalDocument::terms, true);
     std::vector<QString> titles;
-    for (const QWidget* stop : testing::tabStops(window_)) {
+    for (const QWidget* stop : tabStops(window_)) {
         titles.push_back(qobject_cast<const QAbstractButton*>(stop)->text());
     }
     // Among the texts the arrow keys choose.
@@ -75,4 +68,4 @@ TEST_F(LegalWindowTest, GoesFromTheTextsToTheButtonsByTab) {
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

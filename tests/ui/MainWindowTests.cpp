@@ -6,23 +6,15 @@
 #include "ui/window/AgentSummaryCard.h"
 #include "ui/window/WindowPage.h"
 
-#include <QAbstractButton>
-#include <QLabel>
-#include <QMouseEvent>
 #include <QScrollArea>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
 
 using ::testing::ElementsAre;
-using testing::pressKey;
-using testing::RecordedActions;
-using testing::tabStops;
-using testing::waitUntil;
 
 class MainWindow : public ::testing::Test {
 protected:
@@ -41,62 +33,31 @@ protected:
         }
         view.setContent(shown);
     }
-    /// Nothing but the overview has anything on it.
+    /// Of the pages that are come to here nothing but the overview has anything on it.
     static PageContent contentOf(AgentPage::Kind kind, const UsageState& state,
                                  const Localization& words) {
-        switch (kind) {
-        case AgentPage::Kind::overview:
+        if (kind == AgentPage::Kind::overview) {
             return overviewPageContent(state, samples::now(), words);
-        case AgentPage::Kind::provider:
-            return AgentPageContent();
-        case AgentPage::Kind::history:
-            return HistoryPageContent();
-        case AgentPage::Kind::activity:
-            return ActivityPageContent();
-        case AgentPage::Kind::settings:
-            return SettingsPageContent();
-        case AgentPage::Kind::help:
-            return HelpPageContent();
-        case AgentPage::Kind::about:
-            break;
         }
-        return AboutPageContent();
+        if (kind == AgentPage::Kind::provider) {
+            return AgentPageContent();
+        }
+        if (kind == AgentPage::Kind::history) {
+            return HistoryPageContent();
+        }
+        return SettingsPageContent();
     }
     std::vector<kit::SidebarEntry*> entries() {
-        std::vector<kit::SidebarEntry*> result;
-        for (auto* button : view.findChildren<QAbstractButton*>()) {
-            if (auto* entry = dynamic_cast<kit::SidebarEntry*>(button)) {
-                result.push_back(entry);
-            }
-        }
+        auto result = visibleParts<kit::SidebarEntry>(view);
         std::ranges::sort(result, {}, [](const QWidget* entry) { return entry->y(); });
         return result;
     }
-    const kit::FocusRing* findRing() {
-        for (const QWidget* widget : view.findChildren<QWidget*>()) {
-            if (const auto* ring = dynamic_cast<const kit::FocusRing*>(widget)) {
-                return ring;
-            }
-        }
-        return nullptr;
-    }
-    bool says(const QString& words) { return testing::says(view, words); }
-
-    AgentSummaryCard* cardOf(const QString& name) {
-        for (QWidget* stop : tabStops(view)) {
-            auto* card = dynamic_cast<AgentSummaryCard*>(stop);
-            if (card != nullptr && card->text() == name) {
-                return card;
-            }
-        }
-        return nullptr;
-    }
+    bool says(const QString& words) { return tests::says(view, words); }
 
     RecordedActions recorded;
     AgentNavigationState navigation;
     bool hasMenuButton = false;
-    AgentMainWindowView view{{.program = recorded.actions(),
-                              .openMenu = [this] { recorded.calls.emplace_back("openMenu"); }},
+    AgentMainWindowView view{{.program = recorded.actions(), .openMenu = recorded.note("openMenu")},
                              navigation};
 };
 
@@ -105,7 +66,7 @@ TEST_F(MainWindow, ListsThePagesAndShowsTheSelectedOne) {
     ASSERT_EQ(entries().size(), 9U);
     EXPECT_EQ(tabStops(view).front(), entries()[0]);
     EXPECT_TRUE(entries()[0]->isChecked());
-    EXPECT_EQ(entries()[2]->accessibleName(), QStringLiteral("Claude, 16% left"));
+    EXPECT_EQ(entries()[2]->accessibleName(), "Claude, 16% left");
     entries()[2]->click();
     EXPECT_EQ(navigation.selection(), AgentPage::provider(AgentProviderID::claude()));
     EXPECT_TRUE(entries()[2]->isChecked());
@@ -117,28 +78,22 @@ TEST_F(MainWindow, ListsThePagesAndShowsTheSelectedOne) {
     EXPECT_FALSE(agentsPage->isVisible());
 }
 
-TEST_F(MainWindow, ADisabledAgentHasNeitherEntryNorCard) {
-    show(samples::normal());
-    show(samples::healthy());
-    EXPECT_EQ(entries().size(), 8U);
-    EXPECT_FALSE(says(QStringLiteral("Antigravity")));
-    EXPECT_TRUE(says(QStringLiteral("Codex")));
-}
-
 TEST_F(MainWindow, GivesTheOverviewThePlaceOfAnAgentThatWasDisabledAndKeepsTheKeyboard) {
     show(samples::normal());
     entries()[3]->setFocus(Qt::TabFocusReason);
     entries()[3]->click();
     EXPECT_EQ(navigation.selection(), AgentPage::provider(AgentProviderID::antigravity()));
     show(samples::healthy());
+    EXPECT_EQ(entries().size(), 8U);
     EXPECT_TRUE(entries()[0]->isChecked());
-    EXPECT_TRUE(says(QStringLiteral("Claude")));
+    EXPECT_FALSE(says("Antigravity"));
+    EXPECT_TRUE(says("Claude"));
     EXPECT_EQ(view.focusWidget(), entries()[0]);
 }
 
 TEST_F(MainWindow, BringsTheKeyboardAlongAndBackToWhereItWas) {
     show(samples::normal());
-    AgentSummaryCard* card = cardOf(QStringLiteral("Claude"));
+    auto* card = partNamed<AgentSummaryCard>(view, "Claude");
     ASSERT_NE(card, nullptr);
     card->setFocus(Qt::TabFocusReason);
     navigation.select(AgentPage::of(AgentPage::Kind::settings));
@@ -154,7 +109,7 @@ TEST_F(MainWindow, BringsTheKeyboardAlongAndBackToWhereItWas) {
     EXPECT_EQ(view.focusWidget(), entries()[0]);
     pressKey(view, Qt::Key_F6);
     EXPECT_EQ(view.focusWidget(), card);
-    EXPECT_NE(findRing(), nullptr);
+    EXPECT_TRUE(kit::FocusRing::isAnyShown());
 }
 
 TEST_F(MainWindow, GoesItsWayByKeysAndByTheButtonsOfTheMouse) {
@@ -162,10 +117,7 @@ TEST_F(MainWindow, GoesItsWayByKeysAndByTheButtonsOfTheMouse) {
     const auto at = [this] { return navigation.selection().kind; };
     const auto pressButton = [this](Qt::MouseButton button) {
         // On a control, which has no use for it.
-        QWidget* target = entries()[1];
-        QMouseEvent press(QEvent::MouseButtonPress, QPointF(4, 4), QPointF(4, 4), button, button,
-                          Qt::NoModifier);
-        QCoreApplication::sendEvent(target, &press);
+        sendMouse(*entries()[1], QEvent::MouseButtonPress, {4, 4}, button);
     };
     pressKey(view, Qt::Key_5, Qt::ControlModifier);
     EXPECT_EQ(at(), AgentPage::Kind::history);
@@ -195,35 +147,26 @@ TEST_F(MainWindow, ReachesEverythingOnASmallScreen) {
         }
         const QRect place(stop->mapTo(&view, QPoint(0, 0)), stop->size());
         EXPECT_TRUE(view.rect().intersects(place)) << stop->accessibleName().toStdString();
-        EXPECT_EQ(stop->visibleRegion().isEmpty(), false) << stop->accessibleName().toStdString();
+        EXPECT_FALSE(stop->visibleRegion().isEmpty()) << stop->accessibleName().toStdString();
     }
 }
 
 TEST_F(MainWindow, OffersTheMenuOnlyWhereTheSystemShowsNone) {
-    const auto menuStop = [this] {
-        const std::vector<QWidget*> stops = tabStops(view);
-        return std::ranges::find(stops, QStringLiteral("Menu"), &QWidget::accessibleName) !=
-               stops.end();
-    };
+    const auto menu = [this] { return partNamed(view, "Menu"); };
     show(samples::normal());
-    EXPECT_FALSE(menuStop());
+    EXPECT_EQ(menu(), nullptr);
     hasMenuButton = true;
     show(samples::normal());
-    EXPECT_TRUE(menuStop());
-    for (QWidget* stop : tabStops(view)) {
-        if (stop->accessibleName() == QStringLiteral("Menu")) {
-            dynamic_cast<QAbstractButton*>(stop)->click();
-        }
-    }
+    ASSERT_NE(menu(), nullptr);
+    menu()->click();
     EXPECT_THAT(recorded.calls, ElementsAre("openMenu"));
     EXPECT_TRUE(view.frameGeometry().contains(view.menuAnchor()));
 }
 
 TEST_F(MainWindow, ShowsTheFocusRingOfEveryControlWhole) {
     show(samples::failed());
-    view.activateWindow();
-    ASSERT_TRUE(waitUntil([this] { return view.isActiveWindow(); }));
-    testing::expectFocusRingsAreWhole(view);
+    ASSERT_TRUE(becomesActive(view));
+    expectFocusRingsAreWhole(view);
 }
 
 TEST_F(MainWindow, TakesTheFocusRingBackFromAnotherWindowUnlessAPressHadRemovedIt) {
@@ -232,20 +175,17 @@ TEST_F(MainWindow, TakesTheFocusRingBackFromAnotherWindowUnlessAPressHadRemovedI
     QWidget other;
     other.show();
     const auto leaveAndReturn = [&] {
-        other.activateWindow();
-        ASSERT_TRUE(waitUntil([&] { return other.isActiveWindow(); }));
-        EXPECT_EQ(findRing(), nullptr);
-        view.activateWindow();
-        ASSERT_TRUE(waitUntil([this] { return view.isActiveWindow(); }));
+        ASSERT_TRUE(becomesActive(other));
+        EXPECT_FALSE(kit::FocusRing::isAnyShown());
+        ASSERT_TRUE(becomesActive(view));
     };
-    view.activateWindow();
-    ASSERT_TRUE(waitUntil([this] { return view.isActiveWindow(); }));
+    ASSERT_TRUE(becomesActive(view));
     pages[1]->setFocus(Qt::TabFocusReason);
     leaveAndReturn();
-    EXPECT_NE(findRing(), nullptr);
+    EXPECT_TRUE(kit::FocusRing::isAnyShown());
     pages[2]->setFocus(Qt::MouseFocusReason);
     leaveAndReturn();
-    EXPECT_EQ(findRing(), nullptr);
+    EXPECT_FALSE(kit::FocusRing::isAnyShown());
 }
 
 TEST_F(MainWindow, LeadsToAgentsAndOutOfFailures) {
@@ -262,4 +202,4 @@ TEST_F(MainWindow, LeadsToAgentsAndOutOfFailures) {
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

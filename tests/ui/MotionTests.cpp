@@ -8,8 +8,6 @@
 namespace vellmark::kit {
 namespace {
 
-using vellmark::testing::waitUntil;
-
 class Motion : public ::testing::Test {
 protected:
     void TearDown() override { motion::setReduced(false); }
@@ -22,10 +20,10 @@ TEST_F(Motion, AnArrowTurnsOnlyWhileItCanBeSeenAndFinishesItsTurn) {
     EXPECT_FALSE(turn.isRunning());
     window.show();
     EXPECT_TRUE(turn.isRunning());
-    ASSERT_TRUE(waitUntil([&] { return turn.degrees() > 20; }));
+    ASSERT_TRUE(tests::waitUntil([&] { return turn.degrees() > 20; }));
     turn.setTurning(false);
     EXPECT_TRUE(turn.isRunning());
-    ASSERT_TRUE(waitUntil([&] { return !turn.isRunning(); }));
+    ASSERT_TRUE(tests::waitUntil([&] { return !turn.isRunning(); }));
     EXPECT_EQ(std::fmod(turn.degrees(), 360), 0);
     turn.setTurning(true);
     window.hide();
@@ -39,7 +37,7 @@ TEST_F(Motion, AValueMovesOnlyBeforeTheUsersEyes) {
     window.show();
     value.moveTo(0, 240);
     EXPECT_TRUE(value.isRunning());
-    ASSERT_TRUE(waitUntil([&] { return !value.isRunning(); }));
+    ASSERT_TRUE(tests::waitUntil([&] { return !value.isRunning(); }));
     EXPECT_EQ(value.value(), 0);
     value.moveTo(1, 240);
     window.hide();

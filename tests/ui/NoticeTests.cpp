@@ -1,8 +1,8 @@
+#include "ui/QtEnvironment.h"
 #include "ui/kit/FigureText.h"
 #include "ui/kit/Label.h"
 #include "ui/kit/Notice.h"
 
-#include <QLabel>
 #include <gtest/gtest.h>
 
 namespace vellmark::kit {
@@ -16,15 +16,10 @@ QString longReason() {
 Label* wordsOf(Notice& notice, const QString& words) {
     Notice::Look look;
     look.words = words;
-    look.buttonWords = QStringLiteral("Read again");
+    look.buttonWords = "Read again";
     notice.setLook(look);
     notice.resize(398, notice.heightForWidth(398));
-    for (QLabel* each : notice.findChildren<QLabel*>()) {
-        if (auto* label = dynamic_cast<Label*>(each); label != nullptr && label->text() == words) {
-            return label;
-        }
-    }
-    return nullptr;
+    return tests::partNamed<Label>(notice, words);
 }
 
 TEST(Notice, ShowsTwoLinesOfALongReasonAndSaysThatThereIsMore) {

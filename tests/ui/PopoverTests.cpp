@@ -6,16 +6,11 @@
 
 #include <QAccessible>
 #include <QGuiApplication>
-#include <QMouseEvent>
 #include <QScreen>
 #include <gtest/gtest.h>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
-
-using testing::pressKey;
-using testing::RecordedActions;
-using testing::waitUntil;
 
 TEST(PopoverPlacement, StaysNearTheItemAndOnTheScreen) {
     const QRect available(0, 24, 1440, 852);
@@ -27,9 +22,7 @@ TEST(PopoverPlacement, StaysNearTheItemAndOnTheScreen) {
         QPoint expected;
     } cases[] = {
         {"menu bar", {700, 0, 40, 24}, usual, {505, 32}},
-        {"lower anchor", {700, 0, 40, 40}, usual, {505, 46}},
         {"right edge", {1400, 0, 40, 24}, usual, {1002, 32}},
-        {"left edge", {0, 0, 40, 24}, usual, {8, 32}},
         {"panel below", {700, 876, 40, 24}, usual, {505, 193}},
         {"panel at the side", {1440, 400, 32, 32}, usual, {1002, 79}},
         {"point", {300, 150, 0, 0}, {430, 300}, {85, 156}},
@@ -96,6 +89,8 @@ TEST_F(PopoverWindow, TheClickThatClosedItFromOutsideDoesNotOpenItAgain) {
     // A later click is meant.
     EXPECT_TRUE(waitUntil([this] { return click(); }));
     EXPECT_EQ(openings, 2);
+    EXPECT_FALSE(click()) << "which closes it";
+    EXPECT_FALSE(popover.isVisible());
 }
 
 TEST_F(PopoverWindow, ClosesByEscapeAndByAPressOnItsShadow) {
@@ -103,9 +98,7 @@ TEST_F(PopoverWindow, ClosesByEscapeAndByAPressOnItsShadow) {
     pressKey(popover, Qt::Key_Escape);
     EXPECT_FALSE(popover.isVisible());
     popover.open(anchor);
-    QMouseEvent press(QEvent::MouseButtonPress, QPointF(2, 2), QPointF(2, 2), Qt::LeftButton,
-                      Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(&popover, &press);
+    sendMouse(popover, QEvent::MouseButtonPress, {2, 2});
     EXPECT_FALSE(popover.isVisible());
 }
 
@@ -148,4 +141,4 @@ TEST_F(PopoverWindow, FollowsItsContentsHeightAndKeepsItsPlaceUnderTheItem) {
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

@@ -4,60 +4,26 @@
 #include "ui/kit/Button.h"
 #include "ui/kit/Question.h"
 #include "ui/setup/SetupAssistantView.h"
-#include "ui/setup/SetupToolCard.h"
 
 #include <QAbstractButton>
-#include <QCoreApplication>
 #include <QScrollArea>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-using testing::pressKey;
 
-const auto codex = AgentProviderID::codex();
 const auto claude = AgentProviderID::claude();
 const auto antigravity = AgentProviderID::antigravity();
 
 class SetupAssistantViewTest : public ::testing::Test {
 protected:
-    SetupAssistantActions recording() {
-        const auto note = [this](const char* call) {
-            return [this, call] { calls.push_back(call); };
-        };
-        const auto noteAgent = [this](const char* call) {
-            return [this, call](const AgentProviderID& id) {
-                calls.push_back(call + (" " + id.rawValue));
-            };
-        };
-        return {
-            .next = note("next"),
-            .back = note("back"),
-            .later = note("later"),
-            .check = note("check"),
-            .enableAgent =
-                [this](const AgentProviderID& id, bool isEnabled) {
-                    calls.push_back(id.rawValue + (isEnabled ? " on" : " off"));
-                },
-            .run = noteAgent("run"),
-            .takeOtherCommand = noteAgent("other command"),
-            .openGuide = noteAgent("guide"),
-            .copy = [this](const std::string& text) { calls.push_back("copy " + text); },
-            .change = [this](const std::string& name,
-                             const std::string& value) { calls.push_back(name + " = " + value); },
-            .press = [this](const std::string& name) { calls.push_back("press " + name); },
-            .lookAgain = [this] { ++looks; }};
-    }
     void show(const SetupAssistantState& state) {
         view.setContent(setupAssistantContent(state, samples::now(), words));
         view.show();
         view.activateWindow();
-        QCoreApplication::sendPostedEvents();
-        QCoreApplication::processEvents();
+        settle();
     }
     void pressEverything() {
         view.controls().back()->setFocus(Qt::TabFocusReason); // from here Tab begins anew
@@ -78,29 +44,43 @@ protected:
     }
 
     Localization words = samples::words("en");
-    std::vector<std::string> calls;
+    RecordedActions recorded;
+    std::vector<std::string>& calls = recorded.calls;
     int looks = 0;
-    SetupAssistantView view{recording()};
+    SetupAssistantView view{{.next = recorded.note("next"),
+                             .back = recorded.note("back"),
+                             .later = recorded.note("later"),
+                             .check = recorded.note("check"),
+                             .enableAgent = recorded.note("enable"),
+                             .run = recorded.note("run"),
+                             .takeOtherCommand = recorded.note("other command"),
+                             .openGuide = recorded.note("guide"),
+                             .copy = recorded.note("copy"),
+                             .change = recorded.note("change"),
+                             .press = recorded.note("press"),
+                             .lookAgain = [this] { ++looks; }}};
 };
 
 TEST_F(SetupAssistantViewTest, TheKeyboardComesToEverythingInTheOrderOfReading) {
     show(samples::setup(SetupStep::agents, words));
     EXPECT_GT(looks, 0) << "with the keyboard comes another look";
     pressEverything();
-    EXPECT_THAT(calls,
-                ElementsAre("codex off", "claude off", "antigravity off", "later", "back", "next"));
+    EXPECT_THAT(calls, ElementsAre("enable codex off", "enable claude off",
+                                   "enable antigravity off", "later", "back", "next"));
     calls.clear();
     show(samples::failedSetup(words));
     pressEverything();
-    EXPECT_THAT(calls,
-                ElementsAre("copy claude auth login", "run claude", "claude off", "guide claude",
-                            "copy curl -fsSL https://antigravity.google/cli/install.sh | bash",
-                            "run antigravity", "other command antigravity", "antigravity off",
-                            "guide antigravity", "check", "later", "back", "next"));
+    EXPECT_THAT(
+        calls,
+        ElementsAre("copy claude auth login", "run claude", "enable claude off", "guide claude",
+                    "copy curl -fsSL https://antigravity.google/cli/install.sh | bash",
+                    "run antigravity", "other command antigravity", "enable antigravity off",
+                    "guide antigravity", "check", "later", "back", "next"));
     calls.clear();
     show(samples::setup(SetupStep::finish, words));
     pressEverything();
-    EXPECT_THAT(calls, ElementsAre("notices = off", "launch-at-login = off", "back", "next"));
+    EXPECT_THAT(calls,
+                ElementsAre("change notices off", "change launch-at-login off", "back", "next"));
     ASSERT_NE(view.question(), nullptr) << "another program's file is changed after a yes only";
     calls.clear();
     view.question()->deedButton()->click();
@@ -146,31 +126,25 @@ TEST_F(SetupAssistantViewTest, TheKeyboardStaysWithTheAgentAndGoesOnToTheNext) {
     EXPECT_EQ(focused(), "Done, ");
 }
 
-TEST_F(SetupAssistantViewTest, TheFootHasRoomInEveryLanguageAndNothingLiesOverAnother) {
+TEST_F(SetupAssistantViewTest, TheFootHasRoomInEveryLanguageAtTheLeastSize) {
+    view.resize(SetupAssistantView::leastSize);
     for (const std::string_view language : Localization::languages()) {
         words = samples::words(std::string(language));
-        for (const QSize size : {SetupAssistantView::firstSize, SetupAssistantView::leastSize}) {
-            view.resize(size);
-            show(samples::closedSetup(words));
-            std::vector<QRect> places;
-            for (const auto* button : view.findChildren<QAbstractButton*>()) {
-                if (!button->isVisible()) {
-                    continue;
-                }
+        show(samples::closedSetup(words));
+        QRegion places;
+        int count = 0;
+        for (const auto* button : visibleParts<QAbstractButton>(view)) {
+            if (button->parentWidget() == &view) {
+                EXPECT_FALSE(places.intersects(button->geometry())) << button->text().toStdString();
+                EXPECT_LE(button->geometry().right(), view.width());
                 EXPECT_GE(button->width(), button->minimumSizeHint().width());
-                const QRect place(button->mapTo(&view, QPoint(0, 0)), button->size());
-                EXPECT_LE(place.right(), view.width()) << button->text().toStdString();
-                if (button->parentWidget() == &view) {
-                    for (const QRect& other : places) {
-                        EXPECT_FALSE(place.intersects(other)) << button->text().toStdString();
-                    }
-                    places.push_back(place);
-                }
+                places += button->geometry();
+                ++count;
             }
-            EXPECT_EQ(places.size(), 4U);
         }
+        EXPECT_EQ(count, 4);
     }
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

@@ -1,7 +1,6 @@
 #include "screenshots/SampleReport.h"
 #include "screenshots/SampleStates.h"
 #include "ui/QtEnvironment.h"
-#include "ui/kit/Label.h"
 #include "ui/report/ReportTextView.h"
 #include "ui/report/SupportReportView.h"
 
@@ -10,23 +9,17 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QLineEdit>
-#include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QScrollBar>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 
-namespace vellmark {
+namespace vellmark::tests {
 namespace {
 
 using samples::ReportMoment;
-using testing::buttonNamed;
 using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using testing::pressKey;
-using testing::tabStops;
 
 class SupportReportViewTest : public ::testing::Test {
 protected:
@@ -39,39 +32,32 @@ protected:
         const Localization words = samples::words(language);
         state_ = samples::report(moment, words);
         view_.setContent(supportReportContent(state_, words));
-        QCoreApplication::sendPostedEvents();
-        QCoreApplication::processEvents();
+        settle();
     }
     /// Shows a text of the test's own.
     void showText(const std::string& text) {
         state_ = samples::report(ReportMoment::clean, samples::words("en"));
         state_.text = std::make_shared<const RedactedText>(RedactedText{text, {}});
         view_.setContent(supportReportContent(state_, samples::words("en")));
-        QCoreApplication::processEvents();
+        settle();
     }
-    QAbstractButton* button(const QString& title) { return buttonNamed(view_, title); }
+    QAbstractButton* button(const QString& title) { return partNamed(view_, title); }
     ReportTextView& text() { return *view_.text(); }
     QScrollBar& bar() { return *text().verticalScrollBar(); }
-    void mouse(QEvent::Type type, QPointF at) {
-        QMouseEvent event(type, at, text().viewport()->mapToGlobal(at), Qt::LeftButton,
-                          Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(text().viewport(), &event);
-    }
+    void mouse(QEvent::Type type, QPointF at) { sendMouse(*text().viewport(), type, at); }
     QPointF middleOf(std::size_t place) { return text().rectOf(place).topLeft() + QPointF(1, 9); }
     std::size_t placeOf(const std::string& words) { return state_.text->text.find(words); }
 
     SupportReportState state_;
-    std::vector<std::string> calls_;
-    SupportReportView view_{
-        {.type = [this](const std::string& words) { calls_.push_back("type " + words); },
-         .setIncludeEmails =
-             [this](bool include) { calls_.push_back(include ? "include" : "leave out"); },
-         .lookFor = [this](const std::string& query) { calls_.push_back("look for " + query); },
-         .goToMatch = [this](int step) { calls_.push_back("go " + std::to_string(step)); },
-         .copy = [this] { calls_.emplace_back("copy"); },
-         .save = [this] { calls_.emplace_back("save"); },
-         .mail = [this] { calls_.emplace_back("mail"); },
-         .showFile = [this] { calls_.emplace_back("show"); }}};
+    RecordedActions recorded_;
+    SupportReportView view_{{.type = recorded_.note("type"),
+                             .setIncludeEmails = recorded_.note("include"),
+                             .lookFor = recorded_.note("look for"),
+                             .goToMatch = recorded_.note("go"),
+                             .copy = recorded_.note("copy"),
+                             .save = recorded_.note("save"),
+                             .mail = recorded_.note("mail"),
+                             .showFile = recorded_.note("show")}};
 };
 
 TEST_F(SupportReportViewTest, AsksForWhatIsPressedAndOffersOnlyWhatThereIs) {
@@ -80,7 +66,7 @@ TEST_F(SupportReportViewTest, AsksForWhatIsPressedAndOffersOnlyWhatThereIs) {
     EXPECT_FALSE(text().isVisible());
     show(ReportMoment::saved);
     EXPECT_TRUE(text().isVisible());
-    calls_.clear();
+    recorded_.calls.clear();
     for (const char* title : {"Copy", "Save …", "Send by E-Mail …", "Show in folder",
                               "Leave e-mail addresses in the report"}) {
         button(title)->click();
@@ -92,8 +78,9 @@ TEST_F(SupportReportViewTest, AsksForWhatIsPressedAndOffersOnlyWhatThereIs) {
     pressKey(view_, Qt::Key_Return);
     pressKey(view_, Qt::Key_Return, Qt::ShiftModifier);
     pressKey(view_, Qt::Key_Escape);
-    EXPECT_THAT(calls_, ElementsAre("copy", "save", "mail", "show", "include", "type It hung.",
-                                    "look for x", "go 1", "go -1", "look for "));
+    EXPECT_THAT(recorded_.calls,
+                ElementsAre("copy", "save", "mail", "show", "include on", "type It hung.",
+                            "look for x", "go 1", "go -1", "look for "));
     EXPECT_TRUE(view_.isVisible()) << "the first Escape empties the field";
     pressKey(view_, Qt::Key_Escape);
     EXPECT_FALSE(view_.isVisible());
@@ -105,7 +92,7 @@ TEST_F(SupportReportViewTest, NothingIsCutInAnyLanguage) {
         for (const std::string_view language : Localization::languages()) {
             for (int moment = 0; moment <= static_cast<int>(ReportMoment::failed); ++moment) {
                 show(static_cast<ReportMoment>(moment), std::string(language));
-                testing::expectNothingIsCut(view_, std::string(language));
+                expectNothingIsCut(view_, std::string(language));
             }
         }
     }
@@ -208,7 +195,7 @@ TEST_F(SupportReportViewTest, IsReadAloudInTheUnitsOfWhoeverReads) {
         EXPECT_EQ(spoken.text(begin, static_cast<int>(all.size())), all.mid(begin)) << begin;
     }
     spoken.setSelection(0, 0, 5);
-    EXPECT_EQ(text().selectedText(), QStringLiteral("Größe"));
+    EXPECT_EQ(text().selectedText(), "Größe");
     spoken.setCursorPosition(12);
     EXPECT_EQ(spoken.cursorPosition(), 12);
     int begin = 0;
@@ -227,4 +214,4 @@ TEST_F(SupportReportViewTest, IsReadAloudInTheUnitsOfWhoeverReads) {
 }
 
 } // namespace
-} // namespace vellmark
+} // namespace vellmark::tests

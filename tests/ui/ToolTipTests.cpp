@@ -41,7 +41,7 @@ protected:
 
 TEST_F(ToolTip, StandsByThePointerAndOnTheScreenHoweverLongItsText) {
     const QRect screen = QGuiApplication::primaryScreen()->geometry();
-    const QString line = QStringLiteral("93% used");
+    const QString line = "93% used";
     restAt(screen.center(), line);
     ASSERT_NE(shownTip(), nullptr);
     const QSize small = shownTip()->size();
@@ -61,13 +61,13 @@ TEST_F(ToolTip, StandsByThePointerAndOnTheScreenHoweverLongItsText) {
 
 TEST_F(ToolTip, GoesWhenThePointerLeavesOrSomethingIsPressed) {
     for (const auto ending : {QEvent::Leave, QEvent::Hide, QEvent::WindowDeactivate}) {
-        restAt(QPoint(50, 50), QStringLiteral("tip"));
+        restAt(QPoint(50, 50), "tip");
         ASSERT_NE(shownTip(), nullptr);
         send(owner, ending);
         EXPECT_EQ(shownTip(), nullptr) << ending;
     }
-    restAt(QPoint(50, 50), QStringLiteral("tip"));
-    testing::pressKey(owner, Qt::Key_A);
+    restAt(QPoint(50, 50), "tip");
+    tests::pressKey(owner, Qt::Key_A);
     EXPECT_EQ(shownTip(), nullptr);
 }
 

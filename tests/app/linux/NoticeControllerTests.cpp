@@ -15,7 +15,6 @@ namespace vellmark::tests {
 namespace {
 
 using ::testing::ElementsAre;
-using vellmark::testing::waitUntil;
 
 /// The store with simulated agents, and a service that shows notices.
 class NoticeControllerTest : public BusTest {
