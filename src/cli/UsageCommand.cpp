@@ -42,17 +42,12 @@ public:
         UsageState state;
         const auto agents = namedAgents();
         checkWay(agents);
-        if (const int status = refreshUsage(
-                context, {.agents = agents, .way = way_, .showsFigures = !json_}, state);
-            status != ExitStatus::done) {
-            return status;
-        }
-        if (json_) {
-            writeJSON(state, context);
-        } else {
-            writeText(state, context);
-        }
-        return report(state, context);
+        const auto show = [&](const UsageState& read) {
+            json_ ? writeJSON(read, context) : writeText(read, context);
+        };
+        const int status = refreshUsage(
+            context, {.agents = agents, .way = way_, .showsFigures = !json_, .show = show}, state);
+        return status == ExitStatus::done ? report(state, context) : status;
     }
 
 private:

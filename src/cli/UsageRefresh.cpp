@@ -123,6 +123,9 @@ int refreshUsage(const CommandContext& context, RefreshWish wish, UsageState& st
          .givesMemoryBack = false},
         loop, *preferences);
     const int status = refresh(store, loop, context, wish.showsFigures);
+    if (wish.show && status == ExitStatus::done) {
+        wish.show(store.state());
+    }
     awaitStorageNews(store, loop);
     for (const std::string& text : troubles) {
         context.report(singleLine(text));

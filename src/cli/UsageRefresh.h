@@ -4,6 +4,7 @@
 #include "presentation/AgentBlockContent.h"
 #include "store/UsageState.h"
 
+#include <functional>
 #include <optional>
 #include <set>
 #include <string>
@@ -22,6 +23,8 @@ struct RefreshWish {
     /// On a terminal the last figures are shown at once, and new ones as they come; else a line
     /// tells which agents are still being read.
     bool showsFigures = false;
+    /// Told what was read when nothing has stopped the refresh: the disk is still at work.
+    std::function<void(const UsageState&)> show = {};
 };
 
 /// One refresh through the store, waited for on the terminal. Returns ExitStatus::done, or 128 +
