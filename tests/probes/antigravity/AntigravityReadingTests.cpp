@@ -65,9 +65,7 @@ TEST(AntigravityWindowName, IsBroughtToASlug) {
     const std::pair<const char*, AntigravityWindowName> cases[] = {
         {"Weekly limit remaining", {"weekly", 10080}},
         {"5h, weekly", {"weekly", 10080}},
-        {"5-hour limit", {"5h", 300}},
         {"5 Hours remaining", {"5h", 300}},
-        {"five 5h daily", {"5h", 300}},
         {"15h limit remaining", {"15h", std::nullopt}},
         {"DAILY", {"daily", 1440}},
         {"Monthly Limit Remaining", {"monthly", std::nullopt}},
@@ -184,7 +182,6 @@ TEST(AntigravityOutput, SeesWhetherAModelHasAnswered) {
     const std::pair<const char*, bool> cases[] = {
         {R"({"num_turns":1})", true},
         {R"({"numTurns":2.0})", true},
-        {R"({"total_tokens":7})", true},
         {R"({"usage":{"input_tokens":0,"output_tokens":1}})", true},
         {R"({"usage":{"totalTokens":12}})", true},
         {R"({"stats":{"models":{"any":{"tokens":{"prompt":12}}}}})", true},
