@@ -131,6 +131,10 @@ TEST_F(SetupScriptRun, LoginSubcommandIsUsedWhereItExists) {
         contains(run(SetupScriptPlan::login(toolInfo(), {})).output, "called with [login]"));
     addTool(bin() / "tool", "[ \"$2\" = --help ] && exit 2; echo \"called with [$*]\"");
     EXPECT_TRUE(contains(run(SetupScriptPlan::login(toolInfo(), {})).output, "called with []"));
+    auto bare = toolInfo();
+    bare.loginArguments.clear();
+    bare.loginCheckArguments.reset();
+    EXPECT_TRUE(contains(run(SetupScriptPlan::login(bare, {})).output, "called with []"));
 }
 
 // A pasted code and stray keys must not land in the shell that the user returns to.

@@ -25,30 +25,21 @@ protected:
 
     void SetUp() override { executor.setNow(today); }
 
-    UsageHistorySample sample(Instant captured, double used) {
-        UsageHistorySample made;
-        made.id = UUID::make();
-        made.provider = codex->id();
-        made.windowID = "session";
-        made.capturedAt = captured;
-        made.usedPercent = used;
-        return made;
-    }
-
     /// Four samples and a log line a day, of as many days before today.
     void writeHistory(int days) {
-        JSON history = JSON::array();
+        std::vector<UsageHistorySample> history;
         std::string log;
         for (int age = days; age > 0; --age) {
             for (int part = 0; part < 4; ++part) {
-                history.push_back(toJSON(sample(today - age * day + part * Seconds(600), part)));
+                history.push_back(historySample(codex->id(), "session",
+                                                today - age * day + part * Seconds(600), part));
             }
             log += ActivityLines::text(
                        {.text = "day " + std::to_string(age), .time = today - age * day},
                        TimeZone::utc()) +
                    "\n";
         }
-        writeFile(machine.usageHistoryFile(), serialized(history));
+        writeFile(machine.usageHistoryFile(), historyDocument(history));
         writeFile(machine.activityLogFile(), log);
     }
 
@@ -61,14 +52,10 @@ protected:
         return text.empty() ? std::vector<UsageHistorySample>() : samplesOf(text);
     }
     /// How many days the log tells of.
-    int loggedDays() const {
-        int days = 0;
-        const std::string log = contentOf(machine.activityLogFile());
-        for (std::size_t at = log.find(" day "); at != std::string::npos;
-             at = log.find(" day ", at + 1)) {
-            ++days;
-        }
-        return days;
+    std::ptrdiff_t loggedDays() const {
+        const auto entries = ActivityLog(machine.activityLogFile()).entries({}, TimeZone::utc());
+        return std::ranges::count_if(
+            entries, [](const ActivityEntry& entry) { return entry.text.starts_with("day "); });
     }
 
     /// A run of the program that starts at `now`, reads once, and trims as it does once a day.
