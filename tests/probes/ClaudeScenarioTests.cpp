@@ -5,8 +5,6 @@
 #include "probes/claude/ClaudeUsageProvider.h"
 #include "support/ProjectDirectories.h"
 
-#include <chrono>
-
 namespace vellmark::tests {
 namespace {
 

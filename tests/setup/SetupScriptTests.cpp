@@ -1,4 +1,3 @@
-#include "probes/ProviderRegistry.h"
 #include "setup/SetupScript.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,5 @@
 #include "probes/claude/ClaudeModelWindow.h"
 #include "probes/claude/ClaudeUsageParser.h"
-#include "support/ProjectDirectories.h"
-#include "support/TemporaryDirectory.h"
 #include "text/Dates.h"
 
 #include <gtest/gtest.h>
