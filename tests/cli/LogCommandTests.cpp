@@ -54,7 +54,7 @@ TEST_F(LogCommand, PicksByAgentAndLevel) {
     EXPECT_EQ(run({"log", "--json", "--agent", "antigravity"}).output, "[]\n");
 }
 
-TEST_F(LogCommand, FollowsWhatIsAdded) {
+TEST_F(LogCommand, FollowsAlsoWhenOldEntriesAreDropped) {
     add(Level::info, std::nullopt, "before");
     ProgramRun log(setting({"log", "--follow", "--level", "notice"}, 100));
     add(Level::error, std::nullopt, "the first");
@@ -62,10 +62,19 @@ TEST_F(LogCommand, FollowsWhatIsAdded) {
     add(Level::info, std::nullopt, "not asked for");
     add(Level::notice, std::nullopt, "the second");
     ASSERT_TRUE(log.shows("the second"));
+    // As trimming does it: another file, without the oldest lines.
+    const auto file = support / "activity.log";
+    const std::string lines = contentOf(file);
+    writeFile(support / "trimmed", lines.substr(lines.find('\n') + 1));
+    std::filesystem::rename(support / "trimmed", file);
+    add(Level::notice, std::nullopt, "the third");
+    ASSERT_TRUE(log.shows("the third"));
     kill(log.pid(), SIGINT);
     const ProgramResult result = log.wait();
     EXPECT_EQ(result.status, 128 + SIGINT);
-    EXPECT_EQ(result.output.find("the first"), result.output.rfind("the first"));
+    for (const char* once : {"the first", "the second", "the third"}) {
+        EXPECT_EQ(result.output.find(once), result.output.rfind(once)) << once;
+    }
     EXPECT_THAT(result.output, AllOf(Not(HasSubstr("before")), Not(HasSubstr("not asked"))));
 }
 

@@ -140,7 +140,8 @@ TEST_F(StatusWatch, FollowsTheReadingsOfOthers) {
     ::kill(watch.pid(), SIGTERM);
     const auto result = watch.wait();
     EXPECT_EQ(result.status, 128 + SIGTERM);
-    EXPECT_EQ(result.output.find("40% left"), result.output.rfind("40% left"));
+    const char* once = "Claude 40% left ↻ 2 h 30 min";
+    EXPECT_EQ(result.output.find(once), result.output.rfind(once));
     // Who follows starts no agent.
     expectNothingLeft();
     EXPECT_EQ(contentOf(support / "activity.log"), "somebody has just read\n");
