@@ -51,6 +51,12 @@ protected:
             contentOf(machine.supportDirectory() / "usage-history.removed.json");
         return text.empty() ? std::vector<UsageHistorySample>() : samplesOf(text);
     }
+    static bool holdsAll(const std::vector<UsageHistorySample>& all,
+                         const std::vector<UsageHistorySample>& some) {
+        return std::ranges::all_of(some, [&](const UsageHistorySample& one) {
+            return std::ranges::find(all, one) != all.end();
+        });
+    }
     /// How many days the log tells of.
     std::ptrdiff_t loggedDays() const {
         const auto entries = ActivityLog(machine.activityLogFile()).entries({}, TimeZone::utc());
@@ -118,9 +124,7 @@ TEST_F(WrongClock, WhatGoesComesBackUnlessALaterDayAgrees) {
     run(today + Seconds(60), 60);
     auto after = stored();
     EXPECT_EQ(after.size(), before.size() + 10);
-    EXPECT_TRUE(std::ranges::all_of(before, [&](const UsageHistorySample& one) {
-        return std::ranges::find(after, one) != after.end();
-    }));
+    EXPECT_TRUE(holdsAll(after, before));
     EXPECT_TRUE(removed().empty());
     EXPECT_EQ(loggedDays(), 20);
 }
@@ -138,10 +142,7 @@ TEST_F(WrongClock, WhatIsReallyOldGoesTheDayAfter) {
     EXPECT_EQ(stored().size() + removed().size(), 420u * 4 + 2) << "on the same day";
     const auto before = removed();
     run(today + 400 * day, 53);
-    const auto after = removed();
-    EXPECT_TRUE(std::ranges::all_of(before, [&](const UsageHistorySample& one) {
-        return std::ranges::find(after, one) != after.end();
-    })) << "a clock is no later day";
+    EXPECT_TRUE(holdsAll(removed(), before)) << "a clock is no later day";
     run(today + day, 52);
     EXPECT_LT(removed().size(), 10u) << "but for those that went today";
     EXPECT_LT(contentOf(machine.supportDirectory() / "activity.removed.log").size(), 100u);
