@@ -76,6 +76,8 @@ TEST_F(Completion, KnowsEveryPlaceOfTheCommandLine) {
     EXPECT_THAT(words({""}), AllOf(Contains("usage"), Contains("help"), Not(Contains("complete"))));
     EXPECT_THAT(words({"log", "-"}),
                 AllOf(Contains("--level"), Contains("-f"), Not(Contains("--by"))));
+    EXPECT_THAT(words({"metrics", "--"}), AllOf(Contains("--language"), Not(Contains("--demo"))));
+    EXPECT_EQ(words({"log", "--level", ""}), (std::vector<std::string>{"info", "notice", "error"}));
     EXPECT_THAT(words({"--"}), Contains("--by")) << "usage is meant without a command";
     EXPECT_THAT(words({"log", "-f", "--"}), Not(Contains("--follow"))) << "given already";
     EXPECT_THAT(words({"usage", "--agent", "codex", "--"}), Contains("--agent")) << "may repeat";

@@ -107,6 +107,7 @@ TEST_F(StoredFilesCommands, AnotherHistoryIsTakenIn) {
     }
     EXPECT_EQ(run({"history", "import"}).status, 2);
     EXPECT_EQ(run({"history", "import", (file.string() + ".gone")}).status, 1);
+    EXPECT_EQ(run({"history", "import", file.string(), "--agent", "codex"}).status, 2);
     {
         std::error_code error;
         const auto held = FileLock::acquire(support / "usage-history.lock", Seconds(1), error);
@@ -153,6 +154,8 @@ TEST_F(StoredFilesCommands, HistoryTellsWhatItCannotRead) {
     EXPECT_EQ(foreign.status, 1);
     EXPECT_THAT(foreign.errors, HasSubstr("usage-history.json"));
     EXPECT_EQ(foreign.output, "") << "not that nothing is recorded";
+    EXPECT_EQ(run({"history", "--format", "xml"}).status, 2);
+    EXPECT_EQ(run({"history", "--agent", "nobody"}).status, 2);
     EXPECT_EQ(run({"history", "--days", "-1"}).status, 2);
 }
 

@@ -47,6 +47,7 @@ TEST_F(SettingsCommand, AgentsAreSwitchedAndPutInOrder) {
     const auto list = nlohmann::json::parse(ordered.output);
     EXPECT_EQ(list[0].at("id"), "claude");
     EXPECT_EQ(list[1].at("enabled"), false);
+    EXPECT_EQ(run({"agents", "order"}).status, 2);
     EXPECT_EQ(run({"agents", "disable", "nobody"}).status, 2);
     EXPECT_THAT(run({"agents", "remove", "claude"}).errors, HasSubstr("disable"));
 }

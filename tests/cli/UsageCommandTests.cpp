@@ -124,6 +124,9 @@ TEST_F(UsageCommand, ColoursAndProgressAreForTerminalsAlone) {
     EXPECT_THAT(ProgramRun::of(noColor).output, Not(testing::ContainsRegex("\x1b\\[[0-9;]*m")));
     noColor.arguments.push_back("--color=always");
     EXPECT_THAT(ProgramRun::of(noColor).output, HasSubstr("\x1b[32m"));
+    auto never = setting(agents, 80);
+    never.arguments.push_back("--color=never");
+    EXPECT_THAT(ProgramRun::of(never).output, Not(testing::ContainsRegex("\x1b\\[[0-9;]*m")));
 }
 
 TEST_F(UsageCommand, TextOfAnAgentCannotSteerTheTerminal) {

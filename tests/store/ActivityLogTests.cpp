@@ -238,8 +238,10 @@ TEST_F(Log, KeepsATextWhoseMessageIsNotKnown) {
         "\tlog.of.tomorrow de []\n",
         "\tlog.agent.retry de [{\"fortnights\":2}]\n",
         "\tlog.agent.retry de [{\"wholeSeconds\":\"x\"}]\n",
+        "\tlog.agent.retry de [{\"figures\":[[\"session\"]]}]\n",
         "\tlog.agent.retry de {\"a\":1}\n",
         "\tlog.agent.retry de [\n", // torn
+        "\tlog.agent.ret\n",
         "\t\n",
     };
     std::string text = "\tlog.agent.backAgain de []\n"; // its entry is gone

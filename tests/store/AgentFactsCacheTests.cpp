@@ -51,6 +51,8 @@ TEST_F(AgentFactsCacheTest, AsksWhenSomebodyLooksAndRemembersForAWhile) {
     facts.need(codex);
     EXPECT_TRUE(facts.isAsking(codex));
     finish(facts);
+    facts.need(codex);
+    EXPECT_FALSE(facts.isAsking(codex));
 
     executor.advance(AgentFactsCache::freshFor);
     facts.need(codex);

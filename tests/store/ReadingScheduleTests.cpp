@@ -51,6 +51,7 @@ TEST_F(Schedule, AsksAServiceThatRefusesLessOftenButTheUserAtOnce) {
     EXPECT_EQ(next(5, RefreshTrigger::timer), 2);
     EXPECT_EQ(codex->fetchCount(), 3) << "the others go on";
     EXPECT_EQ(next(1, RefreshTrigger::manual), 3);
+    EXPECT_EQ(next(15, RefreshTrigger::timer), 3);
     EXPECT_EQ(next(0, RefreshTrigger::wake), 4) << "the network may be another one";
     claude->answersUsed(20, executor.now());
     EXPECT_EQ(next(40, RefreshTrigger::timer), 5);

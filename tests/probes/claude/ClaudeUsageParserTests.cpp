@@ -169,6 +169,7 @@ TEST(ClaudeUsageParser, ReadsResetTimesAsZurichTime) {
         {"Resets Feb 29 at 5pm", zurich(2028, 2, 20, 10), zurich(2028, 2, 29, 17)},
         {"Resets Nov 24 at 9:30am tomorrow", morning, std::nullopt},
         {"Resets Nov 31 at 9am", morning, std::nullopt},
+        {"Resets 13pm", morning, std::nullopt},
         {"Resets 9:75am", morning, std::nullopt},
         {"", morning, std::nullopt},
     };
