@@ -17,8 +17,8 @@ namespace vellmark::tests {
 class TestTerminal {
 public:
     explicit TestTerminal(int columns, int rows = 24) {
-        if (::unlockpt(controller_.get()) != 0) {
-            throw std::system_error(errno, std::generic_category(), "unlockpt");
+        if (::grantpt(controller_.get()) != 0 || ::unlockpt(controller_.get()) != 0) {
+            throw std::system_error(errno, std::generic_category(), "pseudo-terminal");
         }
         terminal_ = Descriptor(::open(name().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
         winsize size{};
