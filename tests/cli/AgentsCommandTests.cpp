@@ -29,14 +29,5 @@ TEST_F(AgentsCommand, TellsWhatIsKnownAndLeavesOutWhatIsNot) {
     EXPECT_EQ(list[2].size(), 3u) << list[2];
 }
 
-TEST_F(AgentsCommand, TheTableSaysTheSameInWords) {
-    sandbox.uninstall("agy");
-    const ProgramResult result = run({"agents"});
-    EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_THAT(result.output, HasSubstr("~/.local/bin/claude"));
-    EXPECT_THAT(result.output, HasSubstr("not found"));
-    EXPECT_THAT(result.output, testing::Not(HasSubstr("\x1b")));
-}
-
 } // namespace
 } // namespace vellmark::tests

@@ -18,19 +18,16 @@ TEST(Arguments, WrongOnesSayWhatAndWhereToReadMoreOnTheErrorStreamAlone) {
         {{"--colour=never"}, "\"--colour\". Did you mean \"--color\"?", "usage --help"},
         {{"--color", "blue", "help"}, "\"blue\"", "vellmark --help"},
         {{"--demo", "--sandbox", "/tmp", "usage"}, "\"--sandbox\" has no effect", "--help"},
-        {{"--sandbox=", "agents"}, "Wrong number of values for \"--sandbox=\"", "--help"},
         {{"--sandbox", "", "agents"}, "Wrong number of values for \"--sandbox\"", "--help"},
         {{"--demo", "redact"}, "\"--demo\" has no effect together with \"redact\"", "--help"},
         {{"status", "--cached", "--snapshots", "-"}, "\"--cached\" has no effect", "status"},
         {{"log", "--follow", "--json"}, "\"--follow\" has no effect", "log --help"},
-        {{"usage", "--jsno"}, "\"--jsno\". Did you mean \"--json\"?", "vellmark usage --help"},
         {{"--agent"}, "\"--agent\"", "vellmark usage --help"},
         {{"usage", "--agent", "gemini"}, "choose from: codex, claude, antigravity", "usage --help"},
         {{"agents", "--agent", "codex"}, "\"--agent\"", "vellmark agents --help"},
         {{"inspect"}, "AGENT", "vellmark inspect --help"},
         {{"inspect", "codex", "--now", "yesterday"}, "--now: \"yesterday\"", "inspect --help"},
         {{"inspect", "claude", "--exit-status", "2x"}, "\"2x\"", "inspect --help"},
-        {{"inspect", "claude", "a", "b"}, "\"b\"", "inspect --help"},
         {{"--language", "ar"}, "\"ar\"; choose from: de, en, fr, it, es.", "vellmark --help"},
         {{"usage", "\x1b[31mred"}, "Unknown argument \"red\"", "usage --help"},
     };
@@ -43,25 +40,15 @@ TEST(Arguments, WrongOnesSayWhatAndWhereToReadMoreOnTheErrorStreamAlone) {
 }
 
 TEST(Arguments, LanguageIsAskedForElseTheUsersElseEnglish) {
-    struct Case {
-        std::vector<std::string> arguments;
-        const char* locale;
-        const char* word;
+    const auto helpIn = [](const char* locale, std::vector<std::string> arguments) {
+        return ProgramRun::of(
+                   {.arguments = std::move(arguments), .environment = {{"LANG", locale}}})
+            .output;
     };
-    const Case cases[] = {
-        {{"--help"}, "de_CH.UTF-8", "Befehle:"},
-        {{"--help"}, "pt_BR.UTF-8", "Commands:"},
-        {{"--help", "--language", "it"}, "fr_FR.UTF-8", "Comandi:"},
-        {{"--help"}, "C", "Commands:"},
-        {{"usage", "--help", "--language=de"}, "en_US.UTF-8", "Aufruf:"},
-    };
-    for (const Case& expected : cases) {
-        const ProgramResult result = ProgramRun::of(
-            {.arguments = expected.arguments, .environment = {{"LANG", expected.locale}}});
-        EXPECT_EQ(result.status, 0) << expected.locale;
-        EXPECT_THAT(result.output, HasSubstr(expected.word)) << expected.locale;
-        EXPECT_EQ(result.errors, "");
-    }
+    EXPECT_THAT(helpIn("de_CH.UTF-8", {"--help"}), HasSubstr("Befehle:"));
+    EXPECT_THAT(helpIn("pt_BR.UTF-8", {"--help"}), HasSubstr("Commands:"));
+    EXPECT_THAT(helpIn("fr_FR.UTF-8", {"--help", "--language", "it"}), HasSubstr("Comandi:"));
+    EXPECT_THAT(helpIn("en_US", {"usage", "--help", "--language=de"}), HasSubstr("Aufruf:"));
 }
 
 class ChosenLanguage : public CommandTest {};

@@ -95,7 +95,6 @@ std::vector<Input> anyInputs() {
         repeated("arrays in arrays", "["),
         repeated("objects in objects", R"({"a":)"),
         repeated("a long array", "0,", "[", "0]"),
-        repeated("an array of objects", R"({"a":1,"b":[]},)", "[", "0]"),
         numbered("many members", R"("m)", R"(":0,)", "{", R"("m":0})"),
         repeated("one member many times", R"("m":{"n":0},)", "{", R"("m":0})"),
         numbered("objects of many members", R"({"a":0,"b":1,"c":2,"d":[3],"m)", R"(":0},)", "[",
@@ -106,7 +105,6 @@ std::vector<Input> anyInputs() {
         repeated("texts without end", "\"\n"),
         repeated("backslashes", "\\"),
         repeated("empty lines", "\n"),
-        repeated("short lines", "a\r\n"),
         repeated("lines of JSON", "{\"id\":3,\"result\":{}}\n"),
         repeated("opening lines", "\n{"),
         repeated("blanks", " "),
@@ -142,8 +140,6 @@ std::vector<Input> antigravityInputs() {
     const std::string data = R"({"num_turns":0,"command":{"data":{"groups":[)";
     return {repeated("buckets", R"({"window":"5h","remaining_fraction":0.5},)",
                      data + R"({"name":"A","buckets":[)", "0]}]}}}"),
-            repeated("disabled buckets", R"({"disabled":true,"remaining_fraction":0.5},)",
-                     data + R"({"name":"A","buckets":[)", "0]}]}}}"),
             repeated("unused buckets", R"({"note":"NOT USED YE"},)",
                      data + R"({"name":"A","buckets":[)", "0]}]}}}"),
             repeated("groups", R"({"name":"A","buckets":[]},)", data, "0]}}}"),
@@ -166,7 +162,6 @@ std::vector<Input> claudeQueryInputs() {
             repeated("rows",
                      R"({"kind":"session","percent":5,"resets_at":"2026-11-22T14:00:00Z"},)",
                      limits + R"("limits":[)", "0]}}}}\n"),
-            repeated("answers", limits + "\"five_hour\":{\"utilization\":5}}}}}\n"),
             repeated("other lines", "{\"type\":\"system\"}\n"),
             repeated("login", R"("email":"a@b.ch",)", "{", R"("loggedIn":true})")};
 }
@@ -179,7 +174,6 @@ std::vector<Input> claudeScreenInputs() {
         "Esc to cancel\r\n";
     return {repeated("redrawn pages", page),
             repeated("headings", "Current session\r\n"),
-            repeated("percentages", "54% used\r\n"),
             repeated("resets", "Resets Nov 24 at 9am\r\n"),
             repeated("one line of headings", "Current week (", "Current session\r\n"),
             repeated("one line of resets", "Resets Nov 24, ", "Current session\r\n5% used\r\n"),

@@ -32,11 +32,9 @@ TEST_F(LogCommand, TellsWhatRefreshesDid) {
     run({"usage"});
     const auto log = run({"log", "--days", "1"});
     EXPECT_EQ(log.status, 0);
-    EXPECT_THAT(log.output, HasSubstr("info vellmark: Refresh started (manual)"));
-    EXPECT_THAT(log.output, HasSubstr("error Codex: "));
-    EXPECT_THAT(log.output, HasSubstr("info Claude Code: "));
-    EXPECT_THAT(log.output, HasSubstr("2 of 3 agents read in "));
-    EXPECT_THAT(log.output, Not(HasSubstr("\033")));
+    EXPECT_THAT(log.output, AllOf(HasSubstr("info vellmark: Refresh started (manual)"),
+                                  HasSubstr("error Codex: "), HasSubstr("info Claude Code: "),
+                                  HasSubstr("2 of 3 agents read in "), Not(HasSubstr("\033"))));
 }
 
 TEST_F(LogCommand, PicksByAgentAndLevel) {
@@ -52,8 +50,6 @@ TEST_F(LogCommand, PicksByAgentAndLevel) {
     EXPECT_EQ(run({"log", "--agent", "nobody"}).status, 2);
     const auto list = nlohmann::json::parse(run({"log", "--level", "error", "--json"}).output);
     ASSERT_EQ(list.size(), 1u);
-    EXPECT_EQ(list[0].at("agent"), "claude");
-    EXPECT_EQ(list[0].at("level"), "error");
     EXPECT_EQ(list[0].at("text"), "an error");
     EXPECT_EQ(run({"log", "--json", "--agent", "antigravity"}).output, "[]\n");
 }

@@ -1,18 +1,17 @@
 #include "cli/CommandTest.h"
 #include "cli/DisplayWidth.h"
-#include "cli/TestTerminal.h"
 #include "cli/UsageRefresh.h"
 #include "cli/UsageView.h"
 #include "model/UsageJSON.h"
 #include "presentation/UsageStateMaker.h"
 #include "store/ActivityLog.h"
 #include "support/HistoryDocument.h"
+#include "support/TestTerminal.h"
 #include "text/TerminalText.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <fstream>
 #include <functional>
 #include <map>
 #include <span>
@@ -113,16 +112,12 @@ TEST_F(Pages, Status) {
 }
 
 TEST_F(Pages, History) {
-    JSON samples = JSON::array();
+    std::vector<UsageHistorySample> samples;
     const auto record = [&](const char* provider, const char* id, double days, double period) {
         for (double ago = days; ago >= 0; ago -= 0.05) {
-            UsageHistorySample sample;
-            sample.id = UUID::make();
-            sample.provider = AgentProviderID(provider);
-            sample.windowID = id;
-            sample.capturedAt = newYear - Seconds(ago * day);
-            sample.usedPercent = 95 * std::fmod(days - ago, period) / period;
-            samples.push_back(toJSON(sample));
+            samples.push_back(historySample(AgentProviderID(provider), id,
+                                            newYear - Seconds(ago * day),
+                                            95 * std::fmod(days - ago, period) / period));
         }
     };
     record("codex", "session", 26, 0.9);
@@ -130,7 +125,7 @@ TEST_F(Pages, History) {
     record("codex", "limit:review|primary", 12, 4);
     record("claude", "fable-weekly", 30, 7);
     record("antigravity", "pool:Claude and GPT models|weekly", 6, 5);
-    writeFile(support / "usage-history.json", serialized(samples));
+    writeFile(support / "usage-history.json", historyDocument(samples));
     // Two windows that the agent itself gives one name.
     AgentUsageSnapshot codex =
         live(AgentProviderID::codex(), {window("limit:review|session", 1, 300, 60),

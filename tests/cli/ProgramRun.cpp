@@ -11,7 +11,6 @@
 #include <poll.h>
 #include <spawn.h>
 #include <stdexcept>
-#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -58,7 +57,8 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
 
 ProgramRun::ProgramRun(const Setting& setting) {
     if (setting.columns > 0) {
-        openTerminal(setting.columns, setting.rows);
+        terminal_.emplace(setting.columns, setting.rows);
+        setUpTerminal();
     }
     const std::string input =
         setting.input ? directory_.write("input", *setting.input).string() : "/dev/null";
@@ -69,11 +69,11 @@ ProgramRun::ProgramRun(const Setting& setting) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     constexpr int create = O_WRONLY | O_CREAT;
-    if (terminal_ >= 0) {
+    if (terminal_) {
+        const std::string name = terminal_->name();
         // The first terminal that a session's leader opens becomes its own.
         for (const int descriptor : {0, 1, 2}) {
-            posix_spawn_file_actions_addopen(&actions, descriptor, terminalName_.c_str(), O_RDWR,
-                                             0);
+            posix_spawn_file_actions_addopen(&actions, descriptor, name.c_str(), O_RDWR, 0);
         }
     } else {
         posix_spawn_file_actions_addopen(&actions, 0, input.c_str(), O_RDONLY, 0);
@@ -109,59 +109,37 @@ ProgramRun::~ProgramRun() {
         kill(pid_, SIGKILL);
         waitpid(pid_, nullptr, 0);
     }
-    for (const int descriptor : {terminal_, otherEnd_}) {
-        if (descriptor >= 0) {
-            close(descriptor);
-        }
-    }
 }
 
 ProgramResult ProgramRun::of(const Setting& setting) {
     return ProgramRun(setting).wait();
 }
 
-void ProgramRun::openTerminal(int columns, int rows) {
-    terminal_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    if (terminal_ < 0 || grantpt(terminal_) != 0 || unlockpt(terminal_) != 0) {
-        throw std::system_error(errno, std::generic_category(), "pseudo-terminal");
-    }
-    terminalName_ = ptsname(terminal_);
-    winsize size{};
-    size.ws_col = static_cast<unsigned short>(columns);
-    size.ws_row = static_cast<unsigned short>(rows);
-    ioctl(terminal_, TIOCSWINSZ, &size);
-    otherEnd_ = open(terminalName_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+void ProgramRun::setUpTerminal() {
     termios settings = terminalSettings();
     settings.c_cc[VERASE] = '\b';
     settings.c_cc[VMIN] = 7;
     settings.c_cc[VTIME] = 3;
     settings.c_iflag &= ~static_cast<tcflag_t>(IXON);
     settings.c_lflag &= ~static_cast<tcflag_t>(ECHOK);
-    tcsetattr(otherEnd_, TCSANOW, &settings);
+    tcsetattr(terminal_->descriptor(), TCSANOW, &settings);
     firstSettings_ = terminalSettings();
 }
 
-termios ProgramRun::terminalSettings() const {
-    termios settings{};
-    if (tcgetattr(otherEnd_, &settings) != 0) {
-        throw std::system_error(errno, std::generic_category(), "tcgetattr");
-    }
-    return settings;
-}
-
 void ProgramRun::type(std::string_view keys) const {
-    if (write(terminal_, keys.data(), keys.size()) != static_cast<ssize_t>(keys.size())) {
+    if (write(terminal_->controller(), keys.data(), keys.size()) !=
+        static_cast<ssize_t>(keys.size())) {
         throw std::runtime_error("the terminal takes no keys");
     }
 }
 
 bool ProgramRun::readTerminal() {
-    pollfd ready{.fd = terminal_, .events = POLLIN, .revents = 0};
+    pollfd ready{.fd = terminal_->controller(), .events = POLLIN, .revents = 0};
     if (poll(&ready, 1, 20) <= 0) {
         return false;
     }
     std::array<char, 4096> block{};
-    const ssize_t count = read(terminal_, block.data(), block.size());
+    const ssize_t count = read(ready.fd, block.data(), block.size());
     if (count > 0) {
         shown_.append(block.data(), static_cast<std::size_t>(count));
     }
@@ -179,7 +157,7 @@ ProgramResult ProgramRun::wait(std::chrono::duration<double> limit) {
     int waitStatus = 0;
     const bool ended = becomesTrue(
         [&] {
-            while (terminal_ >= 0 && readTerminal()) {
+            while (terminal_ && readTerminal()) {
             }
             return waitpid(pid_, &waitStatus, WNOHANG) == pid_;
         },
@@ -190,9 +168,9 @@ ProgramResult ProgramRun::wait(std::chrono::duration<double> limit) {
     }
     pid_ = -1;
     result.status = WIFEXITED(waitStatus) ? WEXITSTATUS(waitStatus) : 128 + WTERMSIG(waitStatus);
-    while (terminal_ >= 0 && readTerminal()) {
+    while (terminal_ && readTerminal()) {
     }
-    if (terminal_ >= 0) {
+    if (terminal_) {
         result.output = shown_;
     } else if (std::filesystem::is_regular_file(outputPath_)) {
         result.output = contentOf(outputPath_);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/TemporaryDirectory.h"
+#include "support/TestTerminal.h"
 
 #include <chrono>
 #include <map>
@@ -55,7 +56,7 @@ public:
     pid_t pid() const { return pid_; }
     /// How the terminal treats its keyboard now; it begins with settings that no program would
     /// guess.
-    termios terminalSettings() const;
+    termios terminalSettings() const { return terminal_->settings(); }
     termios firstSettings() const { return firstSettings_; }
     /// What has been shown is not looked at any more.
     void forget() { shown_.clear(); }
@@ -66,17 +67,14 @@ public:
     ProgramResult wait(std::chrono::duration<double> limit = std::chrono::seconds(60));
 
 private:
-    void openTerminal(int columns, int rows);
+    void setUpTerminal();
     /// False when nothing came within a moment.
     bool readTerminal();
 
     TemporaryDirectory directory_;
     std::string outputPath_;
-    int terminal_ = -1;
-    /// Keeps the terminal's settings when the program has gone.
-    int otherEnd_ = -1;
+    std::optional<TestTerminal> terminal_;
     termios firstSettings_{};
-    std::string terminalName_;
     std::string shown_;
     pid_t pid_ = -1;
 };

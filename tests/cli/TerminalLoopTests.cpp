@@ -6,7 +6,6 @@
 #include <string>
 #include <thread>
 #include <unistd.h>
-#include <vector>
 
 namespace vellmark {
 namespace {

@@ -1,8 +1,8 @@
 #include "cli/CommandTest.h"
 #include "cli/TerminalKeys.h"
 #include "cli/TerminalScreen.h"
-#include "cli/TestTerminal.h"
 #include "support/ProcessCensus.h"
+#include "support/TestTerminal.h"
 
 #include <csignal>
 #include <stdexcept>

@@ -1,6 +1,5 @@
 #include "platform/InstanceIdentifier.h"
 #include "platform/Machine.h"
-#include "platform/SystemDirectories.h"
 #include "support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>

@@ -24,6 +24,12 @@ namespace fs = std::filesystem;
 class PreferencesTest : public ::testing::Test {
 protected:
     std::unique_ptr<Preferences> open() const { return makePreferencesFile(file_); }
+    /// Another program has the file.
+    std::optional<FileLock> hold() const {
+        std::error_code error;
+        return FileLock::acquire(directory_ / "Vellmark/preferences.lock", FileLock::Seconds(1),
+                                 error);
+    }
 
     TemporaryDirectory directory_;
     fs::path file_ = directory_ / "Vellmark/preferences.json";
@@ -76,15 +82,6 @@ TEST_F(PreferencesTest, DamagedFileIsKeptAsideAndTheDefaultsHold) {
 }
 
 // The terminal front end and the desktop application may both have the file open.
-TEST_F(PreferencesTest, ChangesOfAnotherProcessAreNotUndone) {
-    const auto desktop = open();
-    const auto terminal = open();
-    desktop->setString("AppLanguage", "en");
-    terminal->setBoolean("SetupAssistantCompleted", true);
-    EXPECT_EQ(open()->string("AppLanguage"), "en");
-    EXPECT_EQ(open()->boolean("SetupAssistantCompleted"), true);
-}
-
 TEST_F(PreferencesTest, MembersOfAListAreChangedOneByOne) {
     const auto desktop = open();
     const auto terminal = open();
@@ -147,10 +144,8 @@ TEST_F(PreferencesTest, TwoProcessesLoseNoChange) {
 // Applied after them, the older change would undo the newer ones.
 TEST_F(PreferencesTest, NewChangesWaitBehindOlderOnesThatCannotBeHadNow) {
     const auto run = open();
-    std::error_code error;
     {
-        const auto held = FileLock::acquire(directory_ / "Vellmark/preferences.lock",
-                                            FileLock::Seconds(1), error);
+        const auto held = hold();
         ASSERT_TRUE(held);
         run->setString("AppLanguage", "de");
     }
@@ -186,9 +181,7 @@ TEST_F(PreferencesTest, TellsARunningProgramOfChanges) {
     loop.turn(std::chrono::milliseconds(200));
     EXPECT_EQ(changes, before) << "others' files are no business of ours";
     {
-        std::error_code error;
-        const auto held = FileLock::acquire(directory_ / "Vellmark/preferences.lock",
-                                            FileLock::Seconds(1), error);
+        const auto held = hold();
         open()->setString("AppLanguage", "it");
     }
     ASSERT_TRUE(loop.turnUntil([&] { return changes > before; })) << "also one that waits";
@@ -227,10 +220,8 @@ TEST_F(PreferencesTest, ALinkToTheFileStaysALink) {
 // Both programs may change a setting in the same moment, and one may be stopped then.
 TEST_F(PreferencesTest, WhoCannotHaveTheLockLeavesTheChangeOnDisk) {
     open()->setString("AppLanguage", "de");
-    std::error_code error;
     {
-        const auto held = FileLock::acquire(directory_ / "Vellmark/preferences.lock",
-                                            FileLock::Seconds(1), error);
+        const auto held = hold();
         ASSERT_TRUE(held);
         const auto run = open();
         run->setString("AppLanguage", "en");

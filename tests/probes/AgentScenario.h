@@ -26,6 +26,12 @@ inline FetchOutcome outcomeOf(AgentUsageProvider& provider) {
     }
 }
 
+/// Absent: a snapshot.
+inline std::optional<UsageProviderError::Kind> failureOf(const FetchOutcome& outcome) {
+    const auto* error = std::get_if<UsageProviderError>(&outcome);
+    return error ? std::optional(error->kind()) : std::nullopt;
+}
+
 /// One row of an agent's failure table, or of what it must read: the scenario that leads there and
 /// the outcome.
 struct AgentScenario {
@@ -72,6 +78,14 @@ inline void PrintTo(const AgentScenario& scenario, std::ostream* out) {
     *out << testing::PrintToString(scenario.scenario);
 }
 
+inline std::vector<std::string> windowIDsOf(const AgentUsageSnapshot& snapshot) {
+    std::vector<std::string> ids;
+    for (const UsageWindow& window : snapshot.windows) {
+        ids.push_back(window.id);
+    }
+    return ids;
+}
+
 inline void expectOutcome(const FetchOutcome& outcome, const AgentScenario& expected) {
     if (const auto* error = std::get_if<UsageProviderError>(&outcome)) {
         ASSERT_TRUE(expected.error)
@@ -82,11 +96,7 @@ inline void expectOutcome(const FetchOutcome& outcome, const AgentScenario& expe
         return;
     }
     ASSERT_FALSE(expected.error) << "a snapshot instead of " << expected.error->what();
-    std::vector<std::string> ids;
-    for (const UsageWindow& window : std::get<AgentUsageSnapshot>(outcome).windows) {
-        ids.push_back(window.id);
-    }
-    EXPECT_EQ(ids, expected.windowIDs);
+    EXPECT_EQ(windowIDsOf(std::get<AgentUsageSnapshot>(outcome)), expected.windowIDs);
 }
 
 /// `error` is one, or its kind.

@@ -69,33 +69,6 @@ INSTANTIATE_TEST_SUITE_P(
         fails("no-rate-limits", Kind::codexNoQuotas), fails("no-windows", Kind::codexNoWindows)),
     scenarioTestName);
 
-TEST_F(CodexScenario, ReadsAccountPlanAndCreditsWhereThereAre) {
-    sandbox.play("codex", "credits");
-    const auto reading = std::get<AgentUsageSnapshot>(fetch());
-    EXPECT_EQ(reading.accountLabel, "name@example.org");
-    EXPECT_EQ(reading.plan, "Plus");
-    EXPECT_EQ(reading.credit, CreditInfo::available());
-
-    sandbox.play("codex", "no-email");
-    const auto bare = std::get<AgentUsageSnapshot>(fetch());
-    EXPECT_EQ(bare.accountLabel, std::nullopt);
-    EXPECT_EQ(bare.credit, std::nullopt);
-}
-
-TEST_F(CodexScenario, TellsThatCodexRefusesAndWhichResetsAreInHand) {
-    sandbox.play("codex", "used-up");
-    const auto refused = std::get<AgentUsageSnapshot>(fetch()).allowance;
-    EXPECT_EQ(refused,
-              (UsageAllowance{.ordinaryUsageAllowed = false, .reachedType = "rate_limit_reached"}));
-    sandbox.play("codex", "banked-resets");
-    const auto banked = std::get<AgentUsageSnapshot>(fetch()).allowance.value_or(UsageAllowance{});
-    EXPECT_EQ(banked.ordinaryUsageAllowed, true);
-    EXPECT_EQ(banked.bankedResets, 2);
-    ASSERT_TRUE(banked.bankedResetExpiresAt);
-    const double days = (*banked.bankedResetExpiresAt - ReferenceClock::now()).count() / 86400;
-    EXPECT_NEAR(days, 9, 0.1);
-}
-
 TEST_F(CodexScenario, WaitsForAnAccountThatComesAfterTheLimits) {
     sandbox.play("codex", "account-last");
     const auto late = std::get<AgentUsageSnapshot>(fetchSoon({.account = endless}));
@@ -117,12 +90,10 @@ TEST_F(CodexScenario, WaitsForLimitsThatComeAfterARefusal) {
     EXPECT_EQ(std::get<AgentUsageSnapshot>(late).windows.size(), 2U);
 
     sandbox.play("codex", "error-reply");
-    EXPECT_EQ(std::get<UsageProviderError>(fetchSoon({.refusal = brief})).kind(),
-              Kind::codexReadFailed);
+    EXPECT_EQ(failureOf(fetchSoon({.refusal = brief})), Kind::codexReadFailed);
     // The end of the output is waited for no longer than that either.
     sandbox.play("codex", "error-exit");
-    EXPECT_EQ(std::get<UsageProviderError>(fetchSoon({.refusal = endless})).kind(),
-              Kind::codexNotLoggedIn);
+    EXPECT_EQ(failureOf(fetchSoon({.refusal = endless})), Kind::codexNotLoggedIn);
 }
 
 TEST_F(CodexScenario, RunsInADirectoryOfItsOwn) {

@@ -30,33 +30,26 @@ TEST(ProviderRegistry, OffersACompleteAgentInEveryPlace) {
 }
 
 TEST(ExecutableLocator, TriesItsPlacesInOrder) {
-    const struct {
-        std::optional<fs::path> (*locate)(const Machine&);
-        /// Below the sandbox, the preferred one first.
-        std::vector<std::string> places;
-    } cases[] = {
-        {locateClaude,
-         {"home/.local/bin/claude", "home/.claude/local/claude", "root/opt/homebrew/bin/claude",
-          "root/usr/local/bin/claude"}},
-        {locateCodex,
-         {"root/Applications/ChatGPT.app/Contents/Resources/codex-cli/CodexCLI.app/Contents/MacOS/"
-          "codex",
-          "root/opt/homebrew/bin/codex", "root/usr/local/bin/codex", "home/.local/bin/codex"}},
-        {locateAntigravity,
-         {"home/.local/bin/agy", "root/opt/homebrew/bin/agy", "root/usr/local/bin/agy"}},
-    };
-    for (const auto& [locate, places] : cases) {
-        const TemporaryDirectory directory;
-        const Machine machine = Machine::sandbox(directory.path());
-        for (const auto& place : places) {
-            directory.writeExecutable(place, "#!/bin/sh\n");
-        }
-        for (const auto& place : places) {
-            EXPECT_EQ(locate(machine), directory / place);
-            fs::remove(directory / place);
-        }
-        EXPECT_EQ(locate(machine), std::nullopt);
+    const TemporaryDirectory directory;
+    const Machine machine = Machine::sandbox(directory.path());
+    const auto places = {"home/.local/bin/claude", "home/.claude/local/claude",
+                         "root/opt/homebrew/bin/claude", "root/usr/local/bin/claude"};
+    for (const char* place : places) {
+        directory.writeExecutable(place, "#!/bin/sh\n");
     }
+    for (const char* place : places) {
+        EXPECT_EQ(locateClaude(machine), directory / place);
+        fs::remove(directory / place);
+    }
+    EXPECT_EQ(locateClaude(machine), std::nullopt);
+    // That of the desktop application counts before the user's own.
+    const auto codex = directory.writeExecutable("home/.local/bin/codex", "#!/bin/sh\n");
+    EXPECT_EQ(locateCodex(machine), codex);
+    const auto bundled = directory.writeExecutable(
+        "root/Applications/ChatGPT.app/Contents/Resources/codex-cli/CodexCLI.app/Contents/MacOS/"
+        "codex",
+        "#!/bin/sh\n");
+    EXPECT_EQ(locateCodex(machine), bundled);
 }
 
 TEST(ExecutableLocator, PassesOverWhatCannotBeExecuted) {

@@ -3,15 +3,14 @@
 #include "process/ChildOutputs.h"
 #include "process/PrivateTemporaryFile.h"
 #include "process/ShellChild.h"
+#include "support/TestTerminal.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <fcntl.h>
 #include <signal.h>
 #include <stdlib.h>
-#include <sys/ioctl.h>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -237,20 +236,16 @@ TEST(BoundedProcess, AStoppedChildCanObeyTheSoftStop) {
 }
 
 TEST(BoundedProcess, AChildThatReachesForTheTerminalIsNotStopped) {
-    const TemporaryDirectory directory;
-    const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
-    ASSERT_TRUE(::grantpt(terminal) == 0 && ::unlockpt(terminal) == 0);
+    const TestTerminal terminal(80);
     const pid_t program = ::fork();
     if (program == 0) {
         // The program has a terminal, whose foreground the child is not in.
-        ::setsid();
-        ::ioctl(::open(::ptsname(terminal), O_RDWR), TIOCSCTTY, 0);
+        terminal.take();
         const auto result = runShell("stty -echo </dev/tty; exit 3", Seconds(5), Seconds(1));
         ::_exit(result.timedOut ? 1 : result.terminationStatus == 3 ? 0 : 2);
     }
     int status = -1;
     ::waitpid(program, &status, 0);
-    ::close(terminal);
     EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, 0);
 }
 

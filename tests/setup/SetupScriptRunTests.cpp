@@ -2,7 +2,7 @@
 #include "setup/SetupScript.h"
 #include "support/TemporaryDirectory.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <filesystem>
 #include <string>
@@ -13,6 +13,8 @@ namespace vellmark {
 namespace {
 
 using std::filesystem::path;
+using testing::HasSubstr;
+using testing::Not;
 
 /// A throw-away home in which generated scripts run with the real zsh and made-up tools.
 class SetupScriptRun : public testing::Test {
@@ -73,34 +75,28 @@ protected:
     tests::TemporaryDirectory directory_;
 };
 
-bool contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
 TEST_F(SetupScriptRun, FailuresAreToldApartAndKeepTheirStatus) {
     addTool(bin() / "curl", "exit 22");
     const auto download = run(SetupScriptPlan::install(toolInfo(), false));
     EXPECT_EQ(download.terminationStatus, 22);
-    EXPECT_TRUE(contains(download.output, "NO-DOWNLOAD\n\nFAILED\n(exit code 22)\n"))
-        << download.output;
+    EXPECT_THAT(download.output, HasSubstr("NO-DOWNLOAD\n\nFAILED\n(exit code 22)\n"));
 
     addDownload("exit 3");
     const auto installer = run(SetupScriptPlan::install(toolInfo(), false));
     EXPECT_EQ(installer.terminationStatus, 3);
-    EXPECT_FALSE(contains(installer.output, "NO-DOWNLOAD"));
-    EXPECT_TRUE(contains(installer.output, "FAILED\n(exit code 3)\n")) << installer.output;
+    EXPECT_THAT(installer.output, Not(HasSubstr("NO-DOWNLOAD")));
+    EXPECT_THAT(installer.output, HasSubstr("FAILED\n(exit code 3)\n"));
 }
 
 TEST_F(SetupScriptRun, ToolOutsideTheUsersPathGetsTheLineToAdd) {
     addDownload("cp \"$0\" \"$HOME/.local/bin/tool\"; chmod +x \"$HOME/.local/bin/tool\"");
     const auto result = run(SetupScriptPlan::install(toolInfo(), false));
     EXPECT_EQ(result.terminationStatus, 0);
-    EXPECT_TRUE(
-        contains(result.output, "HINT\n  export PATH=\"" + bin().string() + ":$PATH\"\n\nDONE\n"))
-        << result.output;
+    EXPECT_THAT(result.output,
+                HasSubstr("HINT\n  export PATH=\"" + bin().string() + ":$PATH\"\n\nDONE\n"));
 
     tests::writeFile(home() / ".zshrc", "path+=(~/.local/bin)\n");
-    EXPECT_FALSE(contains(run(SetupScriptPlan::install(toolInfo(), false)).output, "HINT"));
+    EXPECT_THAT(run(SetupScriptPlan::install(toolInfo(), false)).output, Not(HasSubstr("HINT")));
 }
 
 TEST_F(SetupScriptRun, TextsAndArgumentsNeverBecomeCommands) {
@@ -111,9 +107,8 @@ TEST_F(SetupScriptRun, TextsAndArgumentsNeverBecomeCommands) {
     info.loginCheckArguments.reset();
     const auto result = run(SetupScriptPlan::login(info, odd.string()));
     EXPECT_EQ(result.terminationStatus, 0);
-    EXPECT_TRUE(contains(result.output, "l'agent \"$HOME\" `id`\n")) << result.output;
-    EXPECT_TRUE(contains(result.output, "<it's><$(touch hit)><`touch hit`><a\nb>"))
-        << result.output;
+    EXPECT_THAT(result.output, HasSubstr("l'agent \"$HOME\" `id`\n"));
+    EXPECT_THAT(result.output, HasSubstr("<it's><$(touch hit)><`touch hit`><a\nb>"));
     EXPECT_FALSE(std::filesystem::exists("hit"));
 }
 
@@ -121,16 +116,20 @@ TEST_F(SetupScriptRun, MissingToolIsStatus127) {
     for (const auto& toolPath : {std::optional<std::string>(), std::optional<std::string>("/no")}) {
         const auto result = run(SetupScriptPlan::login(toolInfo(), toolPath));
         EXPECT_EQ(result.terminationStatus, 127);
-        EXPECT_TRUE(contains(result.output, "NO-TOOL\n\nFAILED\n(exit code 127)\n"));
+        EXPECT_THAT(result.output, HasSubstr("NO-TOOL\n\nFAILED\n(exit code 127)\n"));
     }
 }
 
 TEST_F(SetupScriptRun, LoginSubcommandIsUsedWhereItExists) {
     addTool(bin() / "tool", "[ \"$2\" = --help ] && exit 0; echo \"called with [$*]\"");
-    EXPECT_TRUE(
-        contains(run(SetupScriptPlan::login(toolInfo(), {})).output, "called with [login]"));
+    EXPECT_THAT(run(SetupScriptPlan::login(toolInfo(), {})).output,
+                HasSubstr("called with [login]"));
     addTool(bin() / "tool", "[ \"$2\" = --help ] && exit 2; echo \"called with [$*]\"");
-    EXPECT_TRUE(contains(run(SetupScriptPlan::login(toolInfo(), {})).output, "called with []"));
+    EXPECT_THAT(run(SetupScriptPlan::login(toolInfo(), {})).output, HasSubstr("called with []"));
+    auto bare = toolInfo();
+    bare.loginArguments.clear();
+    bare.loginCheckArguments.reset();
+    EXPECT_THAT(run(SetupScriptPlan::login(bare, {})).output, HasSubstr("called with []"));
 }
 
 // A pasted code and stray keys must not land in the shell that the user returns to.
@@ -143,9 +142,9 @@ TEST_F(SetupScriptRun, KeysTypedDuringALoginAreDrainedAndEchoIsBack) {
     const std::string dialogue = "set timeout 60; spawn -noecho /bin/zsh -fc {" + afterwards +
                                  "}; expect READY; send \"rm -rf x\\n\"; expect eof";
     const auto result = run("/usr/bin/expect", {"-c", dialogue});
-    EXPECT_FALSE(contains(result.output, "LEFT")) << result.output;
-    EXPECT_FALSE(contains(result.output, "rm -rf")) << result.output;
-    EXPECT_TRUE(contains(result.output, " echo ")) << result.output;
+    EXPECT_THAT(result.output, Not(HasSubstr("LEFT")));
+    EXPECT_THAT(result.output, Not(HasSubstr("rm -rf")));
+    EXPECT_THAT(result.output, HasSubstr(" echo "));
 }
 
 } // namespace

@@ -1,4 +1,3 @@
-#include "probes/ProviderRegistry.h"
 #include "setup/SetupScript.h"
 
 #include <gtest/gtest.h>
@@ -10,19 +9,8 @@ SetupScriptTexts plainTexts() {
     return {"Title", "Shown:", "Done.", "Failed.", "No download.", "Hint:", "No tool."};
 }
 
-CLISetupInfo toolInfo() {
-    CLISetupInfo info;
-    info.installCommand = "curl -fsSL https://example.org/install.sh | bash";
-    info.installAlternative = "brew install --cask tool";
-    info.loginCommand = "tool login";
-    info.toolName = "tool";
-    info.loginArguments = {"login"};
-    info.loginCheckArguments = {{"login", "--help"}};
-    return info;
-}
-
 TEST(SetupScript, RunsAnyOtherInstallCommandAsItStands) {
-    auto info = toolInfo();
+    CLISetupInfo info;
     for (const char* command :
          {"brew install --cask tool", "curl -fsSL https://example.org/install.sh",
           "curl -fsSL https://example.org/x | bash | tee log",
@@ -34,15 +22,6 @@ TEST(SetupScript, RunsAnyOtherInstallCommandAsItStands) {
             << command;
         EXPECT_EQ(script.find("INSTALL_FILE"), std::string::npos) << command;
     }
-}
-
-TEST(SetupScript, StartsAToolWithoutLoginSubcommandBare) {
-    auto info = toolInfo();
-    info.loginArguments.clear();
-    info.loginCheckArguments.reset();
-    const auto script = setupScript(SetupScriptPlan::login(info, std::nullopt), plainTexts());
-    EXPECT_NE(script.find("\nTOOL=\"$(command -v 'tool' 2>/dev/null)\"\n"), std::string::npos);
-    EXPECT_NE(script.find("\n  \"$TOOL\"\n  rc=$?\n"), std::string::npos);
 }
 
 // zsh's echo reads backslashes, and a leading dash as an option, even when they are quoted.

@@ -2,15 +2,13 @@
 #include "setup/TerminalScript.h"
 #include "support/ProcessCensus.h"
 #include "support/TemporaryDirectory.h"
+#include "support/TestTerminal.h"
 
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <cstdlib>
-#include <fcntl.h>
 #include <functional>
 #include <string>
-#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -20,18 +18,14 @@ namespace {
 
 /// Runs `program` in a process that has a terminal of its own, and gives it that.
 int statusOnTerminal(const std::function<int(int terminal)>& program) {
-    const int controller = ::posix_openpt(O_RDWR | O_NOCTTY);
-    EXPECT_TRUE(::grantpt(controller) == 0 && ::unlockpt(controller) == 0);
+    const TestTerminal terminal(80);
     const pid_t pid = ::fork();
     if (pid == 0) {
-        ::setsid();
-        const int terminal = ::open(::ptsname(controller), O_RDWR);
-        ::ioctl(terminal, TIOCSCTTY, 0);
-        ::_exit(program(terminal));
+        terminal.take();
+        ::_exit(program(terminal.descriptor()));
     }
     int status = 0;
     ::waitpid(pid, &status, 0);
-    ::close(controller);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
@@ -68,7 +62,10 @@ TEST_F(TerminalScriptRun, MayUseTheTerminalAndLeavesNoFile) {
 TEST_F(TerminalScriptRun, EndsWithItsWholeGroup) {
     EXPECT_EQ(statusOnTerminal([this](int terminal) {
                   std::thread ending([this] {
-                      becomesTrue([this] { return isDeafOneThere(); });
+                      // Ended before it is registered, the script would be no run at all.
+                      becomesTrue([this] {
+                          return isDeafOneThere() && !RunningChildren::snapshot().empty();
+                      });
                       terminateAllChildren(Seconds(0.3));
                   });
                   TerminalScript(machine, terminal).run(scriptOverADeafOne("sleep 60"));

@@ -34,6 +34,20 @@ protected:
     const std::filesystem::path path = directory / "Vellmark/activity.log";
     const std::filesystem::path removed = directory / "Vellmark/activity.removed.log";
     ActivityLog log{path};
+
+    /// An entry a day, so many days back.
+    void fill(int days, ActivityEntry one = entry("a day")) {
+        for (double age = days + 0.5; age > 0; --age) {
+            one.time = noon - age * day;
+            ASSERT_FALSE(log.append(one, zone));
+        }
+    }
+    /// Another program has the file.
+    std::optional<FileLock> hold() {
+        std::error_code error;
+        return FileLock::acquire(directory / "Vellmark/activity.lock", Seconds(1), error);
+    }
+    std::size_t keptCount() { return log.entries(noon - 400 * day, zone).size(); }
 };
 
 TEST_F(Log, WritesOneLineAnEntryInLocalTime) {
@@ -86,13 +100,10 @@ TEST_F(Log, NoEntryCanHoldALineBreakOrControlCharacter) {
 }
 
 TEST_F(Log, TrimDropsWhatIsOlderThan30Days) {
-    for (double age = 40.5; age > 0; --age) {
-        ASSERT_FALSE(log.append(entry("age " + std::to_string(age), noon - age * day), zone));
-    }
+    fill(40);
     ASSERT_FALSE(log.trim(noon, zone));
-    const auto kept = log.entries(noon - 400 * day, zone);
-    ASSERT_EQ(kept.size(), 30u);
-    EXPECT_EQ(kept.front().time, noon - 29.5 * day);
+    ASSERT_EQ(keptCount(), 30u);
+    EXPECT_EQ(log.entries({}, zone).front().time, noon - 29.5 * day);
     EXPECT_EQ(std::ranges::count(contentOf(removed), '\n'), 11) << "until tomorrow";
 
     struct stat before {};
@@ -107,13 +118,11 @@ TEST_F(Log, TrimDropsWhatIsOlderThan30Days) {
 
 TEST_F(Log, IsTrimmedOnceTheOldestLineIsADayTooOld) {
     EXPECT_FALSE(log.trimWhenDue(noon, zone)) << "there is no file yet";
-    for (double age = 30.5; age > 0; --age) {
-        ASSERT_FALSE(log.append(entry("age " + std::to_string(age), noon - age * day), zone));
-    }
+    fill(30);
     ASSERT_FALSE(log.trimWhenDue(noon, zone));
-    EXPECT_EQ(log.entries(noon - 400 * day, zone).size(), 31u);
+    EXPECT_EQ(keptCount(), 31u);
     ASSERT_FALSE(log.trimWhenDue(noon + day, zone));
-    EXPECT_EQ(log.entries(noon - 400 * day, zone).size(), 29u);
+    EXPECT_EQ(keptCount(), 29u);
 }
 
 TEST_F(Log, LinesOfOtherPeopleDoNoHarm) {
@@ -148,10 +157,8 @@ TEST_F(Log, SeveralWritersLoseNothing) {
 }
 
 TEST_F(Log, WaitsOnDiskWhileSomebodyElseHasTheFile) {
-    std::error_code error;
     {
-        const auto held =
-            FileLock::acquire(directory / "Vellmark/activity.lock", Seconds(1), error);
+        const auto held = hold();
         ASSERT_TRUE(held);
         ActivityLog run(path);
         EXPECT_FALSE(run.append(entry("first"), zone));
@@ -251,12 +258,7 @@ TEST_F(Log, KeepsATextWhoseMessageIsNotKnown) {
 }
 
 TEST_F(Log, MessagesShareTheFateOfTheirEntries) {
-    const Localization words("en");
-    for (double age = 40.5; age > 0; --age) {
-        ActivityEntry one = ActivityTexts::refreshAborted(words);
-        one.time = noon - age * day;
-        ASSERT_FALSE(log.append(one, zone));
-    }
+    fill(40, ActivityTexts::refreshAborted(Localization("en")));
     ASSERT_FALSE(log.trim(noon, zone));
     EXPECT_EQ(std::ranges::count(contentOf(path), '\n'), 2 * 30);
     EXPECT_EQ(std::ranges::count(contentOf(removed), '\n'), 2 * 11);
@@ -296,10 +298,8 @@ TEST_F(Log, TellsWhatWasAddedSinceTheLastLook) {
     directory.write("Vellmark/trimmed", contentOf(path));
     std::filesystem::rename(directory / "Vellmark/trimmed", path);
     EXPECT_EQ(texts(look()), "anew: one two half a line");
-    std::error_code error;
     {
-        const auto held =
-            FileLock::acquire(directory / "Vellmark/activity.lock", Seconds(1), error);
+        const auto held = hold();
         EXPECT_FALSE(log.append(entry("waits"), zone));
         EXPECT_EQ(texts(look()), "anew: one two half a line waits");
     }

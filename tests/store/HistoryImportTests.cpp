@@ -72,23 +72,13 @@ protected:
     const std::filesystem::path history = directory / "Vellmark/usage-history.json";
 
     UsageHistorySample sample(double ago, double used = 10) {
-        UsageHistorySample made;
-        made.id = UUID::make();
-        made.provider = AgentProviderID::claude();
-        made.windowID = "session";
-        made.capturedAt = now - Seconds(ago);
-        made.usedPercent = used;
-        return made;
-    }
-    static std::string document(const std::vector<UsageHistorySample>& samples) {
-        JSON all = JSON::array();
-        for (const UsageHistorySample& one : samples) {
-            all.push_back(toJSON(one));
-        }
-        return serialized(all);
+        return historySample(AgentProviderID::claude(), "session", now - Seconds(ago), used);
     }
     HistoryImport import(const std::string& input) {
         directory.write("input.json", input);
+        return takeIn();
+    }
+    HistoryImport takeIn() {
         std::error_code error;
         const Descriptor opened = openRegularFile(directory / "input.json", O_RDONLY, error);
         return importHistory(history, opened.get(), now);
@@ -109,7 +99,7 @@ TEST_F(Import, ARunningRecorderKeepsWhatItWritesMeanwhile) {
         ASSERT_FALSE(running.append(*held, std::vector{sample(ago, used)}));
     };
     record(1, 300);
-    EXPECT_EQ(import(document({sample(400, 2), sample(100, 3)})).taken, 2u);
+    EXPECT_EQ(import(historyDocument({sample(400, 2), sample(100, 3)})).taken, 2u);
     record(4, 50);
     running.catchUp(nullptr, listener);
     EXPECT_THAT(told, testing::UnorderedElementsAre(1, 2, 3)) << "its own it knows";
@@ -135,19 +125,18 @@ TEST_F(Import, UnknownFieldsStayAndADamagedHistoryIsRepairedFirst) {
 }
 
 TEST_F(Import, AFullDiskLeavesTheHistoryAsItWas) {
-    const std::string before = document({sample(500)});
+    const std::string before = historyDocument({sample(500)});
     directory.write("Vellmark/usage-history.json", before);
     std::vector<UsageHistorySample> many;
     for (int index = 0; index < 2'000; ++index) {
         many.push_back(sample(1'000 + index));
     }
-    const std::string input = document(many);
+    // The input is larger than what may still be written, so it is there already.
+    const std::string input = historyDocument(many);
     directory.write("input.json", input);
-    std::error_code error;
-    const Descriptor opened = openRegularFile(directory / "input.json", O_RDONLY, error);
     const auto result = [&] {
         const FileSizeLimit limit(100'000);
-        return importHistory(history, opened.get(), now);
+        return takeIn();
     }();
     EXPECT_EQ(result.state, HistoryImport::State::notWritten);
     EXPECT_EQ(result.error, std::errc::file_too_large);

@@ -15,10 +15,11 @@ namespace {
 
 using Refresh = StoreFixture;
 
-std::vector<std::string> shownIDs(const UsageState& state) {
-    std::vector<std::string> ids;
+/// "codex claude", in the order in which they are shown.
+std::string shownIDs(const UsageState& state) {
+    std::string ids;
     for (const AgentUsageSnapshot& snapshot : state.snapshots) {
-        ids.push_back(snapshot.id.rawValue);
+        ids += (ids.empty() ? "" : " ") + snapshot.id.rawValue;
     }
     return ids;
 }
@@ -31,7 +32,7 @@ TEST_F(Refresh, PublishesEachAgentAsSoonAsItIsRead) {
     store->refresh(RefreshTrigger::launch);
     EXPECT_TRUE(state().isRefreshing);
     EXPECT_EQ(state().refreshProgress, 0);
-    EXPECT_EQ(shownIDs(state()), (std::vector<std::string>{"codex", "claude", "antigravity"}));
+    EXPECT_EQ(shownIDs(state()), "codex claude antigravity");
     EXPECT_EQ(source(claude), SnapshotSource::loading);
 
     ASSERT_TRUE(executor.turnUntil([&] {
@@ -136,7 +137,7 @@ TEST_F(Refresh, ARequestDuringARefreshIsMergedIntoIt) {
         agent->holdFetches();
     }
     store->refresh(RefreshTrigger::launch, {codex->id()});
-    EXPECT_EQ(shownIDs(state()), std::vector<std::string>{"codex"});
+    EXPECT_EQ(shownIDs(state()), "codex");
     store->refresh(RefreshTrigger::settings, {claude->id()});
     store->refresh(RefreshTrigger::timer);
     EXPECT_EQ(state().snapshots.size(), 3u);
@@ -145,9 +146,9 @@ TEST_F(Refresh, ARequestDuringARefreshIsMergedIntoIt) {
         agent->letGo();
     }
     ASSERT_TRUE(finishRefresh());
-    EXPECT_EQ(codex->fetchCount(), 1);
-    EXPECT_EQ(claude->fetchCount(), 1);
-    EXPECT_EQ(antigravity->fetchCount(), 1);
+    for (const auto& agent : {codex, claude, antigravity}) {
+        EXPECT_EQ(agent->fetchCount(), 1);
+    }
 }
 
 TEST_F(Refresh, WhatIsReadCanBeReadAgainAndIsKeptWhileAnotherAgentHangs) {
@@ -351,7 +352,7 @@ TEST_F(Refresh, NothingLandsAfterAnAbort) {
     store->abortRefresh();
     EXPECT_FALSE(state().isRefreshing);
     EXPECT_EQ(executor.timerCount(), 0u) << "a waiting retry is given up, and the limit";
-    EXPECT_EQ(shownIDs(state()), std::vector<std::string>{"antigravity"});
+    EXPECT_EQ(shownIDs(state()), "antigravity");
 
     int changes = 0;
     const auto subscription =
@@ -412,7 +413,7 @@ TEST_F(Refresh, SettingsSurviveInThePreferences) {
     EXPECT_EQ(state().enabledProviderIDs, (std::set{codex->id(), antigravity->id()}));
     EXPECT_EQ(state().providerOrder, (std::vector{antigravity->id(), codex->id(), claude->id()}));
     store->refresh(RefreshTrigger::launch);
-    EXPECT_EQ(shownIDs(state()), (std::vector<std::string>{"antigravity", "codex"}));
+    EXPECT_EQ(shownIDs(state()), "antigravity codex");
 
     makeStore(std::set{claude->id()});
     EXPECT_EQ(state().enabledProviderIDs, std::set{claude->id()}) << "the configuration wins";

@@ -75,12 +75,8 @@ TEST(StorageFaults, AKillCostsTheSampleInFlightAtMost) {
 std::string hourlyHistory(Instant end, int hours) {
     std::string text = "[";
     for (int age = hours; age > 0; --age) {
-        UsageHistorySample sample;
-        sample.id = UUID::make();
-        sample.provider = AgentProviderID::claude();
-        sample.windowID = "session";
-        sample.capturedAt = end - age * Seconds(3600.1);
-        sample.usedPercent = age % 100;
+        const auto sample = historySample(AgentProviderID::claude(), "session",
+                                          end - age * Seconds(3600.1), age % 100);
         text += (text.size() == 1 ? "\n" : ",\n") + serialized(toJSON(sample), -1);
     }
     return text + "\n]\n";

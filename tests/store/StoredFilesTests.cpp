@@ -2,7 +2,6 @@
 #include "store/ActivityTexts.h"
 #include "store/StoreFixture.h"
 #include "store/UsageHistory.h"
-#include "store/UsageHistoryRecorder.h"
 
 #include <nlohmann/json.hpp>
 
@@ -14,7 +13,13 @@
 namespace vellmark::tests {
 namespace {
 
-using StoredFiles = StoreFixture;
+class StoredFiles : public StoreFixture {
+protected:
+    std::string lastEntry() {
+        const auto entries = store->activity(1);
+        return entries.empty() ? "" : entries.back().text;
+    }
+};
 
 TEST_F(StoredFiles, TheNextRunShowsTheLastGoodReadingsAtOnce) {
     makeStore();
@@ -57,19 +62,6 @@ TEST_F(StoredFiles, ReadingsBecomeHistoryAndGroundsForForecasts) {
     EXPECT_EQ(store->history().sampleCount(), 5u);
     EXPECT_EQ(state().recentPoints.at(key).size(), 2u);
     EXPECT_GT(revision, 1u);
-}
-
-TEST_F(StoredFiles, WhatAnotherProcessHasRecordedIsShownWithTheNextReading) {
-    makeStore();
-    readCodex(10);
-    UsageHistoryRecorder another(machine.usageHistoryFile(), std::make_shared<UsageHistory>());
-    another.load(executor.now());
-    another.record(codex->reading(11, executor.now()));
-    const unsigned revision = state().historyRevision;
-    readCodex(11); // the same figure: nothing of its own to record
-    EXPECT_EQ(store->history().sampleCount(), 2u);
-    EXPECT_EQ(state().historyRevision, revision + 1);
-    EXPECT_EQ(state().recentPoints.at({codex->id(), "session"}).size(), 2u);
 }
 
 TEST_F(StoredFiles, TheActivityLogTellsWhatHappened) {
@@ -148,20 +140,7 @@ TEST_F(StoredFiles, AnAbortIsLoggedBeforeTheProgramEnds) {
     store->abortRefresh();
     codex->letGo();
     makeStore();
-    const auto entries = store->activity(1);
-    ASSERT_FALSE(entries.empty());
-    EXPECT_EQ(entries.back().text, "Refresh aborted: Vellmark is quitting");
-}
-
-TEST_F(StoredFiles, NobodyElseMayReadThem) {
-    makeStore();
-    refresh(RefreshTrigger::launch);
-    store->flush();
-    for (const char* name : {"usage-history.json", "last-snapshots.json", "activity.log"}) {
-        EXPECT_EQ(std::filesystem::status(machine.supportDirectory() / name).permissions(),
-                  std::filesystem::perms(0600))
-            << name;
-    }
+    EXPECT_EQ(lastEntry(), "Refresh aborted: Vellmark is quitting");
 }
 
 TEST_F(StoredFiles, WhatStandsInTheirPlaceIsNeitherWrittenNorWaitedFor) {
@@ -216,12 +195,17 @@ TEST_F(StoredFiles, WhatStandsInTheirPlaceIsNeitherWrittenNorWaitedFor) {
     }
 }
 
-TEST_F(StoredFiles, AreMadeInDirectoriesOfTheUserAlone) {
+TEST_F(StoredFiles, NobodyElseMayReadThemOrTheirDirectories) {
     machine.applicationSupport = directory / "new/.local/share";
     const mode_t before = ::umask(0);
     makeStore();
     readCodex(10);
     ::umask(before);
+    for (const char* name : {"usage-history.json", "last-snapshots.json", "activity.log"}) {
+        EXPECT_EQ(std::filesystem::status(machine.supportDirectory() / name).permissions(),
+                  std::filesystem::perms(0600))
+            << name;
+    }
     for (const char* made :
          {"new", "new/.local", "new/.local/share", "new/.local/share/Vellmark"}) {
         EXPECT_EQ(std::filesystem::status(directory / made).permissions(),
@@ -262,10 +246,7 @@ TEST_F(StoredFiles, TheLogTellsWhatBecameOfADamagedHistory) {
     writeFile(machine.usageHistoryFile(), "[\n{torn");
     makeStore();
     settle();
-    store->flush();
-    const auto entries = store->activity(1);
-    ASSERT_FALSE(entries.empty());
-    EXPECT_NE(entries.back().text.find("usage-history.damaged.json"), std::string::npos);
+    EXPECT_NE(lastEntry().find("usage-history.damaged.json"), std::string::npos);
     EXPECT_EQ(contentOf(machine.supportDirectory() / "usage-history.damaged.json"), "[\n{torn");
 }
 
@@ -296,7 +277,7 @@ TEST_F(StoredFiles, ADirectoryThatCannotBeWrittenCostsOneEntryAndNoFigures) {
     makeStore();
     store->flush();
     EXPECT_EQ(store->history().sampleCount(), 4u) << "what was held back has been written";
-    EXPECT_EQ(store->activity(1).back().text, "Files are being written again");
+    EXPECT_EQ(lastEntry(), "Files are being written again");
 }
 
 } // namespace

@@ -22,24 +22,54 @@ namespace fs = std::filesystem;
 
 constexpr double firstInstant = 786'000'000;
 
+Instant at(double seconds) {
+    return Instant(Seconds(firstInstant + seconds));
+}
+
+/// So many seconds after the first instant.
 UsageHistorySample sample(double seconds, double used, const std::string& window = "session") {
-    UsageHistorySample made;
-    made.id = UUID::make();
-    made.provider = AgentProviderID::claude();
-    made.windowID = window;
-    made.capturedAt = Instant(Seconds(seconds));
-    made.usedPercent = used;
-    made.resetsAt = Instant(Seconds(seconds + 3600.25));
+    auto made = historySample(AgentProviderID::claude(), window, at(seconds), used);
+    made.resetsAt = at(seconds + 3600.25);
     return made;
+}
+
+/// One a second.
+std::vector<UsageHistorySample> samples(int count) {
+    std::vector<UsageHistorySample> made;
+    for (int index = 0; index < count; ++index) {
+        made.push_back(sample(index, index % 100));
+    }
+    return made;
+}
+
+std::string line(const UsageHistorySample& sample) {
+    return serialized(toJSON(sample), -1);
 }
 
 AgentUsageSnapshot reading(double seconds, double used) {
     AgentUsageSnapshot snapshot;
     snapshot.id = AgentProviderID::claude();
-    snapshot.windows = {{"session", used, 300, Instant(Seconds(firstInstant + 1e6))}};
-    snapshot.updatedAt = Instant(Seconds(seconds));
+    snapshot.windows = {{"session", used, 300, at(1e6)}};
+    snapshot.updatedAt = at(seconds);
     return snapshot;
 }
+
+/// A program that has started and read the file.
+struct Program {
+    std::shared_ptr<UsageHistory> history = std::make_shared<UsageHistory>();
+    UsageHistoryRecorder recorder;
+
+    /// Reads `used` percent as well, so many seconds after the first instant.
+    explicit Program(const fs::path& file, std::optional<double> used = {})
+        : recorder(file, history) {
+        recorder.load(at(0));
+        if (used) {
+            record(*used, *used);
+        }
+    }
+    bool record(double seconds, double used) { return recorder.record(reading(seconds, used)); }
+    std::size_t count() const { return history->sampleCount(); }
+};
 
 class HistoryFile : public testing::Test {
 protected:
@@ -67,6 +97,13 @@ protected:
     }
 
     std::vector<UsageHistorySample> decoded() const { return samplesOf(text()); }
+    /// What a file of these samples holds.
+    std::string intactTextOf(const std::vector<UsageHistorySample>& samples) {
+        fs::remove(path);
+        UsageHistoryFile file(path);
+        append(file, samples);
+        return text();
+    }
 
     struct Told {
         UsageHistoryFile::Status status;
@@ -83,18 +120,17 @@ protected:
                  [&](const StoredHistorySample& s) { told.captured.push_back(s.capturedAt); }});
         return told;
     }
-
-    /// What one run of the program does that reads `used` percent, and what it knows then.
-    std::shared_ptr<UsageHistory> recordOnce(double used) {
-        auto history = std::make_shared<UsageHistory>();
-        lastRecorder = std::make_unique<UsageHistoryRecorder>(path, history);
-        lastRecorder->load(at(used));
-        lastRecorder->record(reading(firstInstant + used, used));
-        return history;
+    /// Opens a file of these contents, of which nothing is kept aside yet.
+    Told openFileOf(const std::string& contents) {
+        fs::remove(damaged);
+        fs::remove(path);
+        write(contents);
+        UsageHistoryFile file(path);
+        return open(file);
     }
-    static Instant at(double seconds) { return Instant(Seconds(firstInstant + seconds)); }
 
-    std::unique_ptr<UsageHistoryRecorder> lastRecorder;
+    Program recordOnce(double used) { return Program(path, used); }
+
     const UsageHistoryFile::Listener silent{.restart = [] {},
                                             .sample = [](const StoredHistorySample&) {}};
 };
@@ -105,7 +141,7 @@ TEST_F(HistoryFile, IsAValidDocumentAfterEveryAppend) {
     for (int round = 0; round < 5; ++round) {
         std::vector<UsageHistorySample> samples;
         for (int index = 0; index <= round; ++index) {
-            samples.push_back(sample(firstInstant + 1000 * round + index + 1.0 / 3, 12.5 * round));
+            samples.push_back(sample(1000 * round + index + 1.0 / 3, 12.5 * round));
         }
         append(file, samples);
         written.insert(written.end(), samples.begin(), samples.end());
@@ -130,30 +166,19 @@ TEST_F(HistoryFile, AnAppendWritesTheNewSamplesAlone) {
         }
         return value;
     };
-    std::vector<UsageHistorySample> many;
-    for (int index = 0; index < 1'000; ++index) {
-        many.push_back(sample(firstInstant + index, index % 100));
-    }
     UsageHistoryFile file(path);
-    append(file, many);
+    append(file, samples(1'000));
     const FileLock held = ready(file);
-    const std::vector<UsageHistorySample> added = {sample(firstInstant + 2'000, 1),
-                                                   sample(firstInstant + 2'000, 2, "weekly")};
-    std::size_t size = 0;
-    for (const UsageHistorySample& one : added) {
-        size += serialized(toJSON(one), -1).size() + 2; // comma and line end
-    }
+    const std::vector added = {sample(2'000, 1), sample(2'000, 2, "weekly")};
     const std::uint64_t before = writtenByThread();
     ASSERT_FALSE(file.append(held, added));
-    EXPECT_EQ(writtenByThread() - before, size + 3) << "and the closing bracket on its line";
+    EXPECT_EQ(writtenByThread() - before, line(added[0]).size() + line(added[1]).size() + 4 + 3)
+        << "with commas and line ends, and the closing bracket on its line";
     EXPECT_EQ(decoded().size(), 1'002u);
 }
 
 TEST_F(HistoryFile, TornAnywhereItKeepsEveryCompleteSample) {
-    UsageHistoryFile whole(path);
-    append(whole,
-           {sample(firstInstant, 1), sample(firstInstant + 1, 2), sample(firstInstant + 2, 3)});
-    const std::string intact = text();
+    const std::string intact = intactTextOf(samples(3));
     std::vector<std::size_t> ends; // of the samples
     for (auto at = intact.find('}'); at != std::string::npos; at = intact.find('}', at + 1)) {
         ends.push_back(at + 1);
@@ -161,12 +186,9 @@ TEST_F(HistoryFile, TornAnywhereItKeepsEveryCompleteSample) {
     // Every byte of the last sample and the bracket, and now and then one before.
     const std::size_t lastSample = ends[ends.size() - 2];
     for (std::size_t length = 0; length < intact.size(); length += length < lastSample ? 13 : 1) {
-        fs::remove(damaged);
-        write(intact.substr(0, length));
         const auto complete = static_cast<std::size_t>(
             std::ranges::count_if(ends, [&](std::size_t end) { return end <= length; }));
-        UsageHistoryFile file(path);
-        const Told told = open(file);
+        const Told told = openFileOf(intact.substr(0, length));
         ASSERT_EQ(told.captured.size(), complete) << "cut at " << length;
         // The document is complete once its bracket is there, and an empty file is none.
         const bool isWhole = length == 0 || length >= intact.size() - 1;
@@ -175,52 +197,42 @@ TEST_F(HistoryFile, TornAnywhereItKeepsEveryCompleteSample) {
             ASSERT_EQ(contentOf(damaged), intact.substr(0, length));
             ASSERT_EQ(decoded().size(), complete) << "repaired";
         }
-        append(file, {sample(firstInstant + 3, 4)});
+        UsageHistoryFile file(path);
+        append(file, {sample(3, 4)});
         ASSERT_EQ(decoded().size(), complete + 1);
     }
 }
 
 TEST_F(HistoryFile, DamageCostsItsLinesAlone) {
-    UsageHistoryFile whole(path);
-    std::vector<UsageHistorySample> samples;
-    for (int index = 0; index < 100; ++index) {
-        samples.push_back(sample(firstInstant + index, index));
-    }
-    append(whole, samples);
-    const std::string intact = text();
+    const std::string intact = intactTextOf(samples(100));
     const auto middle = intact.find("\n{", intact.size() / 2);
     const auto name = intact.find("\"session\"", middle);
     for (const auto& [where, damage] :
          {std::pair(name + 1, std::string("\xFF")), std::pair(middle + 5, std::string(20, '\0')),
           std::pair(intact.find('"'), std::string("x")),
           std::pair(std::size_t{0}, std::string(20, '\0'))}) {
-        fs::remove(damaged);
-        const std::string spoilt = std::string(intact).replace(where, damage.size(), damage);
-        write(spoilt);
-        UsageHistoryFile file(path);
-        EXPECT_EQ(open(file).captured.size(), 99u) << where;
+        const auto told = openFileOf(std::string(intact).replace(where, damage.size(), damage));
+        EXPECT_EQ(told.captured.size(), 99u) << where;
         EXPECT_EQ(decoded().size(), 99u) << where;
     }
 }
 
 TEST_F(HistoryFile, ALinkInItsPlaceIsReadButNeverWritten) {
-    const std::string good = serialized(toJSON(sample(firstInstant, 1)), -1);
+    const std::string good = line(sample(0, 1));
     fs::create_directories(path.parent_path());
     for (const std::string& content : {"[\n" + good + "\n]\n", "[\n" + good + ",\n{\"id"}) {
         const fs::path elsewhere = directory.write("elsewhere.json", content);
         fs::remove(path);
         fs::create_symlink(elsewhere, path);
-        const auto history = recordOnce(10);
-        EXPECT_EQ(history->sampleCount(), 2u) << "and what was read now";
+        EXPECT_EQ(recordOnce(10).count(), 2u) << "and what was read now";
         EXPECT_EQ(contentOf(elsewhere), content);
         EXPECT_TRUE(fs::is_symlink(path));
     }
     fs::remove(path);
     fs::create_symlink(directory / "nowhere.json", path);
-    recordOnce(20);
+    const auto news = recordOnce(20).recorder.trouble().takeNews();
     EXPECT_TRUE(fs::is_symlink(path)) << "also one that leads nowhere";
     EXPECT_FALSE(fs::exists(directory / "nowhere.json"));
-    const auto news = lastRecorder->trouble().takeNews();
     ASSERT_TRUE(news);
     EXPECT_EQ(news->kind, StorageTrouble::Kind::inTheWay);
     EXPECT_EQ(news->file, path);
@@ -233,7 +245,7 @@ TEST_F(HistoryFile, ALinkInItsPlaceIsReadButNeverWritten) {
 
 TEST_F(HistoryFile, TheUsersModeStays) {
     UsageHistoryFile file(path);
-    append(file, {sample(firstInstant, 1)});
+    append(file, samples(1));
     fs::permissions(path, fs::perms(0640));
     recordOnce(10);
     EXPECT_EQ(fs::status(path).permissions(), fs::perms(0640));
@@ -261,23 +273,21 @@ TEST_F(HistoryFile, AnotherFormIsNeverOverwritten) {
     };
     for (const std::string& form : forms) {
         write(form);
-        auto history = std::make_shared<UsageHistory>();
-        UsageHistoryRecorder recorder(path, history);
-        recorder.load(Instant(Seconds(firstInstant)));
-        recorder.record(reading(firstInstant, 10));
-        recorder.record(reading(firstInstant + 300, 11));
-        recorder.compact(Instant(Seconds(firstInstant + 1e8)));
+        Program run(path);
+        run.record(0, 10);
+        run.record(300, 11);
+        run.recorder.compact(at(1e8));
         EXPECT_EQ(text(), form);
         EXPECT_FALSE(fs::exists(damaged)) << form;
-        EXPECT_GE(history->sampleCount(), 2u) << "this run's readings are shown all the same";
-        const auto news = recorder.trouble().takeNews();
+        EXPECT_GE(run.count(), 2u) << "this run's readings are shown all the same";
+        const auto news = run.recorder.trouble().takeNews();
         ASSERT_TRUE(news) << form;
         EXPECT_EQ(news->kind, StorageTrouble::Kind::foreign);
         EXPECT_EQ(news->file, path);
 
         // Moved aside, as the user is told to: a new one holds what was read since.
         fs::rename(path, directory / "aside.json");
-        UsageHistoryRecorder(path, history).record(reading(firstInstant + 600, 12));
+        UsageHistoryRecorder(path, run.history).record(reading(600, 12));
         EXPECT_EQ(decoded().size(), 3u);
         fs::remove_all(path.parent_path());
     }
@@ -286,10 +296,8 @@ TEST_F(HistoryFile, AnotherFormIsNeverOverwritten) {
 TEST_F(HistoryFile, WhatCannotBeKeptOnDiskIsKeptInMemoryWithinBounds) {
     write(R"({"version":2})");
     fs::create_directories(waiting); // so that nothing can wait there
-    auto history = std::make_shared<UsageHistory>();
-    UsageHistoryRecorder recorder(path, history);
-    recorder.load(Instant(Seconds(firstInstant)));
-    AgentUsageSnapshot many = reading(firstInstant, 10);
+    Program run(path);
+    AgentUsageSnapshot many = reading(0, 10);
     many.windows.clear();
     for (int index = 0; index < 3'000; ++index) {
         many.windows.push_back({"window" + std::to_string(index), 0, 300, std::nullopt});
@@ -299,16 +307,16 @@ TEST_F(HistoryFile, WhatCannotBeKeptOnDiskIsKeptInMemoryWithinBounds) {
         for (UsageWindow& window : many.windows) {
             window.usedPercent = round;
         }
-        recorder.record(many);
+        run.recorder.record(many);
     }
-    EXPECT_EQ(history->sampleCount(), 15'000u);
-    EXPECT_EQ(recorder.heldBackCount(), UsageHistoryRecorder::mostHeldBack);
+    EXPECT_EQ(run.count(), 15'000u);
+    EXPECT_EQ(run.recorder.heldBackCount(), UsageHistoryRecorder::mostHeldBack);
 }
 
 // --- lines of a newer form
 
 TEST_F(HistoryFile, LinesOfANewerFormStayAsTheyAre) {
-    const std::string good = serialized(toJSON(sample(firstInstant - 60, 1)), -1);
+    const std::string good = line(sample(-60, 1));
     // With a field more it is a sample all the same; without ours it is not, but there are more.
     const std::string richer = good.substr(0, good.size() - 1) + R"(, "cost" : 3})";
     const std::string other = R"({"at":786000000,"agent":"claude","used": 3})";
@@ -321,7 +329,7 @@ TEST_F(HistoryFile, LinesOfANewerFormStayAsTheyAre) {
         EXPECT_NO_THROW(parsedJSON(now)) << when;
     };
     write("[\n" + good + ",\n" + richer + ",\n" + other + ",\n" + another + "\n]\n");
-    EXPECT_EQ(recordOnce(50)->sampleCount(), 3u);
+    EXPECT_EQ(recordOnce(50).count(), 3u);
     expectAllThere("after an append");
     EXPECT_FALSE(fs::exists(damaged));
 
@@ -333,13 +341,13 @@ TEST_F(HistoryFile, LinesOfANewerFormStayAsTheyAre) {
     UsageHistoryFile file(path);
     std::vector<UsageHistorySample> days;
     for (int day = 0; day < 50; ++day) {
-        days.push_back(sample(firstInstant + day * 86'400.0, 1));
-        days.push_back(sample(firstInstant + day * 86'400.0 + 1, 2));
+        days.push_back(sample(day * 86'400.0, 1));
+        days.push_back(sample(day * 86'400.0 + 1, 2));
     }
     append(file, days);
     const std::size_t before = text().size();
     const FileLock held = ready(file);
-    ASSERT_FALSE(file.compact(held, Instant(Seconds(firstInstant + 50 * 86'400.0)), silent));
+    ASSERT_FALSE(file.compact(held, at(50 * 86'400.0), silent));
     EXPECT_LT(text().size(), before);
     // The first sample goes, being old and no hour's highest.
     EXPECT_NE(text().find("\n" + richer), std::string::npos);
@@ -350,13 +358,7 @@ TEST_F(HistoryFile, LinesOfANewerFormStayAsTheyAre) {
 // --- damage
 
 TEST_F(HistoryFile, AFlippedBitCostsOneSampleAtMostAndRecordingGoesOn) {
-    UsageHistoryFile whole(path);
-    std::vector<UsageHistorySample> samples;
-    for (int index = 0; index < 6; ++index) {
-        samples.push_back(sample(firstInstant + index, index));
-    }
-    append(whole, samples);
-    const std::string intact = text();
+    const std::string intact = intactTextOf(samples(6));
     const std::size_t third = intact.find("\n{", intact.find("\n{", 5) + 1);
     std::vector<std::size_t> bytes = {
         0, 1, 2, intact.size() - 3, intact.size() - 2, intact.size() - 1};
@@ -368,11 +370,7 @@ TEST_F(HistoryFile, AFlippedBitCostsOneSampleAtMostAndRecordingGoesOn) {
         for (int bit = 0; bit < 8; ++bit) {
             std::string flipped = intact;
             flipped[at] = static_cast<char>(flipped[at] ^ (1 << bit));
-            fs::remove(damaged);
-            fs::remove(path);
-            write(flipped);
-            UsageHistoryFile file(path);
-            const Told told = open(file);
+            const Told told = openFileOf(flipped);
             ASSERT_TRUE(told.status.state == UsageHistoryFile::State::writable ||
                         told.status.state == UsageHistoryFile::State::repaired)
                 << "byte " << at << " bit " << bit << ": " << flipped.substr(at, 40);
@@ -382,8 +380,8 @@ TEST_F(HistoryFile, AFlippedBitCostsOneSampleAtMostAndRecordingGoesOn) {
                 ASSERT_EQ(told.status.aside, damaged);
                 ASSERT_EQ(contentOf(damaged), flipped) << "kept byte for byte";
             }
-            const FileLock held = ready(file);
-            ASSERT_FALSE(file.append(held, std::vector{sample(firstInstant + 10, 50)}));
+            UsageHistoryFile file(path);
+            append(file, {sample(10, 50)});
             ASSERT_GE(decoded().size(), 6u) << "byte " << at << " bit " << bit;
         }
     }
@@ -391,39 +389,23 @@ TEST_F(HistoryFile, AFlippedBitCostsOneSampleAtMostAndRecordingGoesOn) {
 }
 
 TEST_F(HistoryFile, AFileWithASingleSampleIsOursAlsoWhenThatIsSpoilt) {
-    UsageHistoryFile whole(path);
-    append(whole, {sample(firstInstant, 1)});
-    const std::string intact = text();
+    const std::string intact = intactTextOf(samples(1));
     for (const char* name : {"provider", "\"id\"", "\":\"", "{", "usedPercent"}) {
-        fs::remove(path);
-        fs::remove(damaged);
         std::string flipped = intact;
         flipped[intact.find(name) + 1] ^= 4;
-        write(flipped);
-        UsageHistoryFile file(path);
-        EXPECT_EQ(open(file).status.state, UsageHistoryFile::State::repaired) << flipped;
+        EXPECT_EQ(openFileOf(flipped).status.state, UsageHistoryFile::State::repaired) << flipped;
         EXPECT_EQ(contentOf(damaged), flipped);
     }
 }
 
 TEST_F(HistoryFile, SpoiltIdentifiersAreDamageHoweverManyThereAre) {
     for (const int intactOnes : {0, 3}) {
-        fs::remove(path);
-        UsageHistoryFile whole(path);
-        std::vector<UsageHistorySample> samples;
-        for (int index = 0; index < 2 + intactOnes; ++index) {
-            samples.push_back(sample(firstInstant + index, index));
+        const auto recorded = samples(2 + intactOnes);
+        std::string spoilt = intactTextOf(recorded);
+        for (const std::size_t index : {0u, 1u}) {
+            spoilt.replace(spoilt.find(recorded[index].id.text()), 1, "z");
         }
-        append(whole, samples);
-        std::string spoilt = text();
-        for (int index = 0; index < 2; ++index) {
-            spoilt.replace(spoilt.find(samples[static_cast<std::size_t>(index)].id.text()), 1, "z");
-        }
-        fs::remove(damaged);
-        fs::remove(path);
-        write(spoilt);
-        UsageHistoryFile file(path);
-        EXPECT_EQ(open(file).status.state, UsageHistoryFile::State::repaired) << intactOnes;
+        EXPECT_EQ(openFileOf(spoilt).status.state, UsageHistoryFile::State::repaired) << intactOnes;
         EXPECT_EQ(decoded().size(), static_cast<std::size_t>(intactOnes));
     }
 }
@@ -434,14 +416,10 @@ TEST_F(HistoryFile, EveryRepairKeepsItsDamagedFileUpToFive) {
                            : directory / ("Vellmark/usage-history.damaged-" +
                                           std::to_string(number) + ".json");
     };
-    const auto spoilt = [](int number) {
-        return "[\n" + serialized(toJSON(sample(firstInstant + number, 1)), -1) + ",\n{torn " +
-               std::to_string(number);
-    };
     std::vector<std::string> written;
     for (int number = 1; number <= 7; ++number) {
         fs::remove(path);
-        written.push_back(spoilt(number));
+        written.push_back("[\n" + line(sample(number, 1)) + ",\n{torn " + std::to_string(number));
         write(written.back());
         UsageHistoryFile file(path);
         const Told told = open(file);
@@ -455,21 +433,17 @@ TEST_F(HistoryFile, EveryRepairKeepsItsDamagedFileUpToFive) {
 }
 
 TEST_F(HistoryFile, AnotherLayoutOfTheSameFormIsReadAndContinued) {
-    std::vector<UsageHistorySample> samples = {sample(firstInstant, 1),
-                                               sample(firstInstant + 1, 2)};
-    samples[1].windowID = "pool:\"quoted\"\n|weekly";
-    samples[1].resetsAt.reset();
+    const auto first = sample(0, 1);
+    auto second = sample(1, 2, "pool:\"quoted\"\n|weekly");
+    second.resetsAt.reset();
     for (const int indent : {-1, 4}) {
-        JSON array = JSON::array();
-        for (const UsageHistorySample& one : samples) {
-            array.push_back(toJSON(one));
-        }
+        const JSON array = {toJSON(first), toJSON(second)};
         write("\n " + array.dump(indent) + "  \n\n\n\n");
         UsageHistoryFile file(path);
         EXPECT_EQ(open(file).captured.size(), 2u);
-        const auto third = sample(firstInstant + 2, 3);
+        const auto third = sample(2, 3);
         append(file, {third});
-        EXPECT_EQ(decoded(), (std::vector{samples[0], samples[1], third}));
+        EXPECT_EQ(decoded(), (std::vector{first, second, third}));
     }
 }
 
@@ -480,7 +454,7 @@ TEST_F(HistoryFile, NumbersSurviveExactly) {
         1.0 / 3, 786123456.78901234, 99.999999999999986, 1e-7, 1e22, 123456789012345678.,
         5e-324,  33.300000000000004};
     for (std::size_t index = 0; index < odd.size(); ++index) {
-        samples.push_back(sample(firstInstant + static_cast<double>(index), odd[index]));
+        samples.push_back(sample(static_cast<double>(index), odd[index]));
         samples.back().resetsAt = Instant(Seconds(odd[odd.size() - 1 - index]));
     }
     append(file, samples);
@@ -492,74 +466,63 @@ TEST_F(HistoryFile, NumbersSurviveExactly) {
 }
 
 TEST_F(HistoryFile, FollowsWhatAnotherProcessDoesToIt) {
-    auto ours = std::make_shared<UsageHistory>();
-    auto theirs = std::make_shared<UsageHistory>();
-    UsageHistoryRecorder we(path, ours);
-    UsageHistoryRecorder they(path, theirs);
-    we.load(Instant(Seconds(firstInstant)));
-    they.load(Instant(Seconds(firstInstant)));
-    EXPECT_TRUE(we.record(reading(firstInstant, 10)));
-    EXPECT_TRUE(they.record(reading(firstInstant + 60, 10))) << "theirs is known now";
+    Program we(path);
+    Program they(path);
+    EXPECT_TRUE(we.record(0, 10));
+    EXPECT_TRUE(they.record(60, 10)) << "theirs is known now";
     EXPECT_EQ(decoded().size(), 1u) << "the other one has recorded that";
-    EXPECT_FALSE(they.record(reading(firstInstant + 70, 10)));
-    EXPECT_TRUE(they.record(reading(firstInstant + 120, 11)));
-    EXPECT_TRUE(we.record(reading(firstInstant + 180, 12)));
-    EXPECT_TRUE(they.record(reading(firstInstant + 90, 13))) << "a clock that runs behind";
-    EXPECT_TRUE(we.record(reading(firstInstant + 200, 12))) << "theirs is known now";
-    EXPECT_EQ(ours->sampleCount(), 4u);
-    const auto samples = decoded();
-    ASSERT_EQ(samples.size(), 4u);
-    EXPECT_EQ(samples.back().capturedAt, Instant(Seconds(firstInstant + 90)));
+    EXPECT_FALSE(they.record(70, 10));
+    EXPECT_TRUE(they.record(120, 11));
+    EXPECT_TRUE(we.record(180, 12));
+    EXPECT_TRUE(they.record(90, 13)) << "a clock that runs behind";
+    EXPECT_TRUE(we.record(200, 12)) << "theirs is known now";
+    EXPECT_EQ(we.count(), 4u);
+    ASSERT_EQ(decoded().size(), 4u);
+    EXPECT_EQ(decoded().back().capturedAt, at(90));
 
     // A replacement, as a repair makes it, and then one by hand.
     write(text() + "spoilt");
-    they.record(reading(firstInstant + 300, 20));
-    we.record(reading(firstInstant + 400, 21));
-    EXPECT_EQ(ours->sampleCount(), 6u);
+    they.record(300, 20);
+    we.record(400, 21);
+    EXPECT_EQ(we.count(), 6u);
     EXPECT_EQ(decoded().size(), 6u);
     fs::remove(path);
-    we.record(reading(firstInstant + 500, 22));
+    we.record(500, 22);
     EXPECT_EQ(decoded().size(), 1u);
 }
 
 TEST_F(HistoryFile, WhoCannotHaveTheLockReadsAndWritesLater) {
-    auto history = std::make_shared<UsageHistory>();
     {
-        UsageHistoryRecorder recorder(path, history);
-        recorder.load(Instant(Seconds(firstInstant)));
-        recorder.record(reading(firstInstant, 10));
+        Program run(path);
+        run.record(0, 10);
         UsageHistoryFile other(path);
         const FileLock held = ready(other);
-        ASSERT_FALSE(other.append(held, std::vector{sample(firstInstant + 10, 30)}));
-        recorder.record(reading(firstInstant + 20, 40));
-        EXPECT_EQ(history->last({AgentProviderID::claude(), "session"}, at(20))->usedPercent, 40);
+        ASSERT_FALSE(other.append(held, std::vector{sample(10, 30)}));
+        run.record(20, 40);
+        EXPECT_EQ(run.history->last({AgentProviderID::claude(), "session"}, at(20))->usedPercent,
+                  40);
         EXPECT_EQ(decoded().size(), 2u);
-        EXPECT_FALSE(recorder.trouble().takeNews()) << "waiting is no trouble";
-        EXPECT_EQ(recorder.heldBackCount(), 0u) << "it waits on disk";
+        EXPECT_FALSE(run.recorder.trouble().takeNews()) << "waiting is no trouble";
+        EXPECT_EQ(run.recorder.heldBackCount(), 0u) << "it waits on disk";
         EXPECT_TRUE(fs::exists(waiting));
-
-        // Who starts now knows it too.
-        auto theirs = std::make_shared<UsageHistory>();
-        UsageHistoryRecorder(path, theirs).load(Instant(Seconds(firstInstant)));
-        EXPECT_EQ(theirs->sampleCount(), 3u);
+        EXPECT_EQ(Program(path).count(), 3u) << "who starts now knows it too";
     }
     // That run is over without having had the lock again.
-    UsageHistoryRecorder next(path, history = std::make_shared<UsageHistory>());
-    next.load(Instant(Seconds(firstInstant)));
+    Program next(path);
     EXPECT_EQ(decoded().size(), 3u);
     EXPECT_FALSE(fs::exists(waiting));
-    EXPECT_EQ(history->sampleCount(), 3u);
-    next.record(reading(firstInstant + 30, 50));
+    EXPECT_EQ(next.count(), 3u);
+    next.record(30, 50);
     EXPECT_EQ(decoded().size(), 4u);
-    EXPECT_EQ(history->sampleCount(), 4u);
+    EXPECT_EQ(next.count(), 4u);
 }
 
 TEST_F(HistoryFile, WhatWaitedIsTakenOverOnceAlsoAfterAnInterruption) {
-    const std::string known = serialized(toJSON(sample(firstInstant, 1)), -1);
-    const std::string added = serialized(toJSON(sample(firstInstant + 1, 2)), -1);
+    const std::string known = line(sample(0, 1));
+    const std::string added = line(sample(1, 2));
     write("[\n" + known + "\n]\n");
     writeFile(waiting, known + "\n" + added + "\n" + R"({"torn)");
-    EXPECT_EQ(recordOnce(20)->sampleCount(), 3u);
+    EXPECT_EQ(recordOnce(20).count(), 3u);
     EXPECT_EQ(decoded().size(), 3u);
     EXPECT_FALSE(fs::exists(waiting));
 }
@@ -570,7 +533,7 @@ TEST_F(HistoryFile, AStoppedProcessWithTheLockCostsOneWait) {
     UsageHistoryRecorder recorder(path, std::make_shared<UsageHistory>());
     const auto start = std::chrono::steady_clock::now();
     for (int index = 0; index < 20; ++index) {
-        recorder.record(reading(firstInstant + index, index));
+        recorder.record(reading(index, index));
     }
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
 }

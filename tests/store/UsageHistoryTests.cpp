@@ -1,9 +1,9 @@
 #include "store/UsageHistory.h"
+#include "support/HistoryDocument.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <vector>
 
 namespace vellmark::tests {
@@ -18,11 +18,7 @@ Instant at(double seconds) {
 class Course : public testing::Test {
 protected:
     void add(double seconds, double used, std::optional<double> resets = std::nullopt) {
-        UsageHistorySample sample;
-        sample.provider = key.first;
-        sample.windowID = key.second;
-        sample.capturedAt = at(seconds);
-        sample.usedPercent = used;
+        auto sample = historySample(key.first, key.second, at(seconds), used);
         if (resets) {
             sample.resetsAt = at(*resets);
         }

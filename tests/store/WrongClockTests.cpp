@@ -25,30 +25,21 @@ protected:
 
     void SetUp() override { executor.setNow(today); }
 
-    UsageHistorySample sample(Instant captured, double used) {
-        UsageHistorySample made;
-        made.id = UUID::make();
-        made.provider = codex->id();
-        made.windowID = "session";
-        made.capturedAt = captured;
-        made.usedPercent = used;
-        return made;
-    }
-
     /// Four samples and a log line a day, of as many days before today.
     void writeHistory(int days) {
-        JSON history = JSON::array();
+        std::vector<UsageHistorySample> history;
         std::string log;
         for (int age = days; age > 0; --age) {
             for (int part = 0; part < 4; ++part) {
-                history.push_back(toJSON(sample(today - age * day + part * Seconds(600), part)));
+                history.push_back(historySample(codex->id(), "session",
+                                                today - age * day + part * Seconds(600), part));
             }
             log += ActivityLines::text(
                        {.text = "day " + std::to_string(age), .time = today - age * day},
                        TimeZone::utc()) +
                    "\n";
         }
-        writeFile(machine.usageHistoryFile(), serialized(history));
+        writeFile(machine.usageHistoryFile(), historyDocument(history));
         writeFile(machine.activityLogFile(), log);
     }
 
@@ -60,15 +51,17 @@ protected:
             contentOf(machine.supportDirectory() / "usage-history.removed.json");
         return text.empty() ? std::vector<UsageHistorySample>() : samplesOf(text);
     }
+    static bool holdsAll(const std::vector<UsageHistorySample>& all,
+                         const std::vector<UsageHistorySample>& some) {
+        return std::ranges::all_of(some, [&](const UsageHistorySample& one) {
+            return std::ranges::find(all, one) != all.end();
+        });
+    }
     /// How many days the log tells of.
-    int loggedDays() const {
-        int days = 0;
-        const std::string log = contentOf(machine.activityLogFile());
-        for (std::size_t at = log.find(" day "); at != std::string::npos;
-             at = log.find(" day ", at + 1)) {
-            ++days;
-        }
-        return days;
+    std::ptrdiff_t loggedDays() const {
+        const auto entries = ActivityLog(machine.activityLogFile()).entries({}, TimeZone::utc());
+        return std::ranges::count_if(
+            entries, [](const ActivityEntry& entry) { return entry.text.starts_with("day "); });
     }
 
     /// A run of the program that starts at `now`, reads once, and trims as it does once a day.
@@ -131,9 +124,7 @@ TEST_F(WrongClock, WhatGoesComesBackUnlessALaterDayAgrees) {
     run(today + Seconds(60), 60);
     auto after = stored();
     EXPECT_EQ(after.size(), before.size() + 10);
-    EXPECT_TRUE(std::ranges::all_of(before, [&](const UsageHistorySample& one) {
-        return std::ranges::find(after, one) != after.end();
-    }));
+    EXPECT_TRUE(holdsAll(after, before));
     EXPECT_TRUE(removed().empty());
     EXPECT_EQ(loggedDays(), 20);
 }
@@ -151,10 +142,7 @@ TEST_F(WrongClock, WhatIsReallyOldGoesTheDayAfter) {
     EXPECT_EQ(stored().size() + removed().size(), 420u * 4 + 2) << "on the same day";
     const auto before = removed();
     run(today + 400 * day, 53);
-    const auto after = removed();
-    EXPECT_TRUE(std::ranges::all_of(before, [&](const UsageHistorySample& one) {
-        return std::ranges::find(after, one) != after.end();
-    })) << "a clock is no later day";
+    EXPECT_TRUE(holdsAll(removed(), before)) << "a clock is no later day";
     run(today + day, 52);
     EXPECT_LT(removed().size(), 10u) << "but for those that went today";
     EXPECT_LT(contentOf(machine.supportDirectory() / "activity.removed.log").size(), 100u);

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <fstream>
 #include <future>
 #include <map>
 
@@ -16,11 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
-
-std::string contentOf(const fs::path& file) {
-    std::ifstream in(file);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
 
 /// What the desktop's portal does with a draft: answers with a response, or refuses.
 class MailPortal {

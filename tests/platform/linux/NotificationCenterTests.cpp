@@ -9,9 +9,7 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
-#include <functional>
 #include <map>
-#include <string_view>
 
 namespace vellmark::tests {
 namespace {
@@ -186,21 +184,26 @@ TEST_F(NotificationCenterTest, OutlivesTheBusAndFindsTheNext) {
     ASSERT_TRUE(areShown(server, 1));
 }
 
-/// Answers with these types, of which a true service's are "as" and "u", and signals with any.
+/// Answers with these, of which a true service's are a list of texts and a number, and signals with
+/// anything.
 class WrongServer {
 public:
-    WrongServer(std::string_view capabilities, std::string_view number)
+    template<typename Capabilities, typename Number>
+    WrongServer(const Capabilities& capabilities, const Number& number)
         : connection_(sdbus::createSessionBusConnection()),
           object_(sdbus::createObject(*connection_,
                                       sdbus::ObjectPath("/org/freedesktop/Notifications"))) {
-        bus::Interface interface(*object_, service);
-        answer(interface, "GetCapabilities", capabilities, [] {});
-        answer(interface, "Notify", number,
-               [this](const std::string&, std::uint32_t, const std::string&, const std::string&,
-                      const std::string&, const std::vector<std::string>&,
-                      const std::map<std::string, sdbus::Variant>&,
-                      std::int32_t) { hasShown_ = true; });
-        interface.publish();
+        bus::Interface(*object_, service)
+            .method("GetCapabilities", [capabilities] { return capabilities; })
+            .method("Notify",
+                    [this, number](const std::string&, std::uint32_t, const std::string&,
+                                   const std::string&, const std::string&,
+                                   const std::vector<std::string>&,
+                                   const std::map<std::string, sdbus::Variant>&, std::int32_t) {
+                        hasShown_ = true;
+                        return number;
+                    })
+            .publish();
         connection_->requestName(bus::ServiceName(service));
         connection_->enterEventLoopAsync();
     }
@@ -209,7 +212,6 @@ public:
     WrongServer& operator=(const WrongServer&) = delete;
 
     bool hasShown() const { return hasShown_; }
-
     template<typename... Values>
     void signal(const std::string& name, const Values&... values) {
         object_->emitSignal(name).onInterface(service).withArguments(values...);
@@ -218,63 +220,41 @@ public:
 private:
     static constexpr auto service = "org.freedesktop.Notifications";
 
-    template<typename Function>
-    static void answer(bus::Interface& interface, const char* name, std::string_view type,
-                       Function function) {
-        if (type == "s") {
-            interface.method(name, returning(std::function(function), std::string("41")));
-        } else if (type == "as") {
-            interface.method(name,
-                             returning(std::function(function), std::vector<std::string>{"41"}));
-        } else if (type == "u") {
-            interface.method(name, returning(std::function(function), std::uint32_t{41}));
-        } else {
-            interface.method(name, function);
-        }
-    }
-
-    template<typename... Arguments, typename Value>
-    static std::function<Value(Arguments...)> returning(std::function<void(Arguments...)> function,
-                                                        Value value) {
-        return [=](Arguments... arguments) {
-            function(arguments...);
-            return value;
-        };
-    }
-
     std::atomic<bool> hasShown_ = false;
     std::unique_ptr<sdbus::IConnection> connection_;
     std::unique_ptr<sdbus::IObject> object_;
 };
 
 TEST_F(NotificationCenterTest, TakesAnswersOfOtherTypesForRefusalsAndLeavesOutSuchSignals) {
-    for (const char* const type : {"s", "u", ""}) {
-        const WrongServer server(type, "u");
+    const std::string text = "41";
+    const std::vector list = {text};
+    const std::uint32_t number = 41;
+    {
+        const WrongServer server(text, number);
         center_ = makeCenter();
-        ASSERT_TRUE(becomes(Availability::unserved)) << type;
+        ASSERT_TRUE(becomes(Availability::unserved));
     }
-    for (const char* const type : {"s", "as", ""}) {
+    {
         center_ = makeCenter();
-        told_.clear();
-        const WrongServer server("as", type);
+        const WrongServer server(list, list);
         ASSERT_TRUE(becomes(Availability::available));
         center_->post({.id = "a", .title = "t", .body = {}});
-        ASSERT_TRUE(isTold({"failed a"})) << type;
+        ASSERT_TRUE(isTold({"failed a"}));
         EXPECT_TRUE(loop_.turnUntil([&] { return server.hasShown(); }));
     }
     center_ = makeCenter();
     told_.clear();
-    WrongServer server("as", "u");
+    WrongServer server(list, number);
     ASSERT_TRUE(becomes(Availability::available));
     center_->post({.id = "a", .title = "t", .body = {}});
     ASSERT_TRUE(loop_.turnUntil([&] { return server.hasShown(); }));
     for (const char* const name : {"ActionInvoked", "NotificationClosed", "ActivationToken"}) {
         server.signal(name);
-        server.signal(name, std::string("41"), std::string("default"));
-        server.signal(name, std::vector<std::string>{"41"});
-        server.signal(name, std::uint32_t{41});
+        server.signal(name, text, std::string("default"));
+        server.signal(name, list);
+        server.signal(name, number);
     }
-    server.signal("ActionInvoked", std::uint32_t{41}, std::string("open"));
+    server.signal("ActionInvoked", number, std::string("open"));
     ASSERT_TRUE(isTold({"a:open"})) << "on the same connection";
     EXPECT_EQ(center_->availability(), Availability::available);
 }

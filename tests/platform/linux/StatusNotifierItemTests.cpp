@@ -201,10 +201,7 @@ TEST_F(StatusNotifierItemTest, OutlivesTheBusAndIsShownOnTheNext) {
     bus_->start();
     const NotifierPanel panel;
     ASSERT_TRUE(loop_.turnUntil([&] { return shown_.back(); }));
-    const auto toolTip =
-        property<sdbus::Struct<std::string, std::vector<Pixmap>, std::string, std::string>>(
-            "ToolTip");
-    EXPECT_EQ(toolTip.get<2>(), "still here");
+    EXPECT_EQ(property<ToolTip>("ToolTip").get<2>(), "still here");
 }
 
 } // namespace

@@ -9,42 +9,39 @@ namespace vellmark::tests {
 namespace {
 
 TEST(AntigravityLoginCheck, SaysNoOnlyWhereNoOtherWayIsAtHand) {
-    const struct {
-        std::string variable;
-        /// Below the home directory, with its contents.
-        std::string file;
-        std::string contents;
+    struct Case {
         std::optional<bool> expected;
-    } cases[] = {
-        {"", "", "", false},
-        {"GEMINI_API_KEY=key", "", "", std::nullopt},
-        {"GOOGLE_API_KEY=key", "", "", std::nullopt},
-        {"GEMINI_API_KEY=", "", "", false},
-        {"ANTIGRAVITY_API_KEY=not passed on", "", "", false},
-        {"", ".gemini/oauth_creds.json", "", std::nullopt},
-        {"", ".gemini/antigravity-cli/antigravity-oauth-token", "", std::nullopt},
-        {"", ".gemini/.env", "", std::nullopt},
-        {"", ".gemini/settings.json", R"({"theme":"dark","model":{"name":"apiKey"}})", false},
-        {"", ".gemini/settings.json", R"({"auth":[{"apiKey":"k"}]})", std::nullopt},
-        {"", ".gemini/antigravity-cli/settings.json", R"({"env":{"GEMINI_API_KEY":"k"}})",
-         std::nullopt},
-        {"", ".gemini/settings.json", R"({"apiKey":)", false},
+        Environment variables = {};
+        /// Below the home directory, with its contents.
+        std::string file = {};
+        std::string contents = {};
     };
-    for (const auto& [variable, file, contents, expected] : cases) {
+    for (const auto& [expected, variables, file, contents] : {
+             Case{false},
+             Case{std::nullopt, {{"GEMINI_API_KEY", "key"}}},
+             Case{std::nullopt, {{"GOOGLE_API_KEY", "key"}}},
+             Case{false, {{"GEMINI_API_KEY", ""}, {"ANTIGRAVITY_API_KEY", "not passed on"}}},
+             Case{std::nullopt, {}, ".gemini/oauth_creds.json"},
+             Case{std::nullopt, {}, ".gemini/antigravity-cli/antigravity-oauth-token"},
+             Case{std::nullopt, {}, ".gemini/.env"},
+             Case{false, {}, ".gemini/settings.json", R"({"model":{"name":"apiKey"}})"},
+             Case{std::nullopt, {}, ".gemini/settings.json", R"({"auth":[{"apiKey":"k"}]})"},
+             Case{std::nullopt,
+                  {},
+                  ".gemini/antigravity-cli/settings.json",
+                  R"({"env":{"GEMINI_API_KEY":"k"}})"},
+             Case{false, {}, ".gemini/settings.json", R"({"apiKey":)"},
+         }) {
+        SCOPED_TRACE(testing::PrintToString(variables) + file + contents);
         const TemporaryDirectory directory;
         Machine machine = Machine::sandbox(directory.path());
-        for (const char* name : {"GEMINI_API_KEY", "GOOGLE_API_KEY"}) {
-            machine.environment.erase(name);
-        }
-        if (const auto equals = variable.find('='); equals != std::string::npos) {
-            machine.environment[variable.substr(0, equals)] = variable.substr(equals + 1);
-        }
+        machine.environment = variables;
         if (!file.empty()) {
             directory.write("home/" + file, contents);
         }
-        EXPECT_EQ(antigravityIsLoggedIn(machine), expected) << variable << file << contents;
+        EXPECT_EQ(antigravityIsLoggedIn(machine), expected);
         directory.write("credentials/gemini/antigravity", "");
-        EXPECT_EQ(antigravityIsLoggedIn(machine), true) << variable << file << contents;
+        EXPECT_EQ(antigravityIsLoggedIn(machine), true);
     }
 }
 

@@ -46,45 +46,44 @@ std::string told(const AgentUsageSnapshot& snapshot) {
 // What the real CLI answered to made-up figures: the true ones stand in the expectations.
 
 TEST(ClaudeQuery, ReadsTheTrueFiguresOfARecordedAnswer) {
+    static constexpr const char* spent = "$15.40 / $50.00 spent";
     struct Case {
         const char* file;
-        const char* version;
         const char* windows;
-        const char* credit = "$15.40 / $50.00 spent";
+        const char* credit = spent;
+        const char* version = "2.1.330";
     };
+    const char* const changed = "session 77.4 11-22T04:42:00.661, weekly 22 11-26T15:38:40.661, "
+                                "fable-weekly 100 11-26T15:38:40.661 (Fable)";
     const char* const first = "session 34 11-22T05:48:39.271, weekly 18 11-26T18:25:19.271, "
                               "fable-weekly 58 11-26T18:25:19.271 (Fable)";
     for (const Case& test : {
-             Case{"query-first.jsonl", "2.1.330", first},
-             Case{"query-within-a-minute.jsonl", "2.1.330", first},
-             Case{"query-changed.jsonl", "2.1.330",
-                  "session 77.4 11-22T04:42:00.661, weekly 22 11-26T15:38:40.661, "
-                  "fable-weekly 100 11-26T15:38:40.661 (Fable)",
-                  "$50.00 / $50.00 spent"},
-             Case{"query-los-angeles.jsonl", "2.1.330",
-                  "session 77.4 11-22T04:42:00.661, weekly 22 11-26T15:38:40.661, "
-                  "fable-weekly 100 11-26T15:38:40.661 (Fable)",
-                  "$50.00 / $50.00 spent"},
-             Case{"query-full.jsonl", "2.1.330",
+             Case{"query-first.jsonl", first},
+             Case{"query-within-a-minute.jsonl", first},
+             Case{"query-changed.jsonl", changed, "$50.00 / $50.00 spent"},
+             Case{"query-los-angeles.jsonl", changed, "$50.00 / $50.00 spent"},
+             Case{"query-full.jsonl",
                   "session 100 11-22T03:30:34.790, weekly 100 11-23T03:20:34.790, "
                   "fable-weekly 100 11-23T03:20:34.790 (Fable)"},
-             Case{"query-three-models.jsonl", "2.1.330",
+             Case{"query-three-models.jsonl",
                   "session 34 11-22T05:52:02.673, weekly 18 11-26T18:28:42.673, "
                   "fable-weekly 58 11-26T18:27:14.790 (Fable), "
                   "opus-weekly 3 11-27T00:00:34.790 (Opus), "
                   "sonnet-weekly 7 11-26T21:13:54.790 (Sonnet)"},
-             Case{"query-zero.jsonl", "2.1.330", "session 0, weekly 0", nullptr},
-             Case{"query-credits-off.jsonl", "2.1.330",
+             Case{"query-zero.jsonl", "session 0, weekly 0", nullptr},
+             Case{"query-credits-off.jsonl",
                   "session 34 11-22T05:52:11.978, weekly 18 11-26T18:28:51.978", nullptr},
-             Case{"query-pro.jsonl", "2.1.330",
-                  "session 34 11-22T05:52:40.999, weekly 18 11-26T18:29:20.999", nullptr},
+             Case{"query-pro.jsonl", "session 34 11-22T05:52:40.999, weekly 18 11-26T18:29:20.999",
+                  nullptr},
              // Before there was a place for models of their own, they stood in the rows alone.
-             Case{"query-2.1.169.jsonl", "2.1.169",
+             Case{"query-2.1.169.jsonl",
                   "session 34 11-22T05:48:37.387, weekly 18 11-26T18:25:17.387, "
-                  "fable-weekly 58 11-26T18:25:17.387 (Fable)"},
-             Case{"query-2.1.235.jsonl", "2.1.235",
+                  "fable-weekly 58 11-26T18:25:17.387 (Fable)",
+                  spent, "2.1.169"},
+             Case{"query-2.1.235.jsonl",
                   "session 34 11-22T05:48:43.014, weekly 18 11-26T18:25:23.014, "
-                  "fable-weekly 58 11-26T18:25:23.014 (Fable)"},
+                  "fable-weekly 58 11-26T18:25:23.014 (Fable)",
+                  spent, "2.1.235"},
          }) {
         SCOPED_TRACE(test.file);
         const auto snapshot = reading(recording(test.file), {}, test.version);

@@ -42,9 +42,9 @@ struct Recording {
     std::string recorded;
     int exitStatus = 20;
     std::vector<UsageWindow> windows = {};
+    std::optional<std::string> credit = {};
     /// Absent: the figures are live.
     std::optional<Seconds> age = {};
-    std::optional<std::string> credit = {};
     bool lacksEndMarker = false;
     /// In place of a reading.
     std::optional<UsageProviderError> reason = {};
@@ -76,95 +76,62 @@ std::vector<UsageWindow> changed() {
             week("fable-weekly", 100, "11-26T15:38")};
 }
 
+/// What the CLI had kept, of which the page tells no age.
+Recording kept(std::string name, std::string recorded, std::vector<UsageWindow> windows) {
+    return {std::move(name), std::move(recorded), 20, std::move(windows), {}, hourOld, true};
+}
+
+Recording failed(std::string name, std::string recorded, int exitStatus,
+                 UsageProviderError reason) {
+    return {.name = std::move(name),
+            .recorded = std::move(recorded),
+            .exitStatus = exitStatus,
+            .reason = std::move(reason)};
+}
+
 const Recording recordings[] = {
-    {.name = "first",
-     .recorded = "03:18:54",
-     .windows = usual("05:48", "11-26T18:25"),
-     .credit = spentSome},
-    {.name = "first-unprobed",
-     .recorded = "03:19:35",
-     .exitStatus = 0,
-     .windows = usual("05:49", "11-26T18:26"),
-     .credit = spentSome},
-    {.name = "within-a-minute", .recorded = "03:19:02", .windows = changed(), .credit = spentAll},
+    {"first", "03:18:54", 20, usual("05:48", "11-26T18:25"), spentSome},
+    {"first-unprobed", "03:19:35", 0, usual("05:49", "11-26T18:26"), spentSome},
+    {"within-a-minute", "03:19:02", 20, changed(), spentAll},
     // The figures of "first-unprobed", 8 s before: for a minute the CLI itself takes them for new
     // and does not ask again, without a word on the screen.
-    {.name = "within-a-minute-unprobed",
-     .recorded = "03:19:43",
-     .windows = usual("05:49", "11-26T18:26"),
-     .credit = spentSome},
-    {.name = "changed", .recorded = "03:19:10", .windows = changed(), .credit = spentAll},
-    {.name = "changed-unprobed", .recorded = "03:19:52", .windows = changed(), .credit = spentAll},
-    {.name = "full",
-     .recorded = "03:22:02",
-     .windows = {session(100, "03:30"), week("weekly", 100, "11-23T03:20"),
-                 week("fable-weekly", 100, "11-23T03:20")},
-     .credit = spentSome},
-    {.name = "zero",
-     .recorded = "03:21:53",
-     .windows = {{"session", 0, 300, {}}, {"weekly", 0, 10080, {}}}},
+    {"within-a-minute-unprobed", "03:19:43", 20, usual("05:49", "11-26T18:26"), spentSome},
+    {"changed", "03:19:10", 20, changed(), spentAll},
+    {"changed-unprobed", "03:19:52", 20, changed(), spentAll},
+    {"full",
+     "03:22:02",
+     20,
+     {session(100, "03:30"), week("weekly", 100, "11-23T03:20"),
+      week("fable-weekly", 100, "11-23T03:20")},
+     spentSome},
+    {"zero", "03:21:53", 20, {{"session", 0, 300, {}}, {"weekly", 0, 10080, {}}}},
     // The page leaves Opus out.
-    {.name = "three-models",
-     .recorded = "03:22:11",
-     .windows = {session(34, "05:52"), week("weekly", 18, "11-26T18:28"),
-                 week("fable-weekly", 58, "11-26T18:27"), week("sonnet-weekly", 7, "11-26T21:13")},
-     .credit = spentSome},
-    {.name = "credits-off",
-     .recorded = "03:22:21",
-     .windows = usual("05:52", "11-26T18:28", false)},
-    {.name = "pro", .recorded = "03:22:51", .windows = usual("05:52", "11-26T18:29", false)},
+    {"three-models",
+     "03:22:11",
+     20,
+     {session(34, "05:52"), week("weekly", 18, "11-26T18:28"),
+      week("fable-weekly", 58, "11-26T18:27"), week("sonnet-weekly", 7, "11-26T21:13")},
+     spentSome},
+    {"credits-off", "03:22:21", 20, usual("05:52", "11-26T18:28", false)},
+    {"pro", "03:22:51", 20, usual("05:52", "11-26T18:29", false)},
     {.name = "rows-absent",
      .recorded = "03:22:39",
      .windows = usual("05:50", "11-26T18:27", false),
      .lacksEndMarker = true},
-    {.name = "slow",
-     .recorded = "03:21:44",
-     .windows = usual("05:51", "11-26T18:28", false),
-     .age = hourOld,
-     .lacksEndMarker = true},
-    {.name = "429",
-     .recorded = "03:19:27",
-     .windows = usual("05:49", "11-26T18:25", false),
-     .age = hourOld,
-     .lacksEndMarker = true},
-    {.name = "429-first",
-     .recorded = "03:20:44",
-     .windows = usual("05:50", "11-26T18:27", false),
-     .age = hourOld,
-     .lacksEndMarker = true},
-    {.name = "500-first",
-     .recorded = "03:20:53",
-     .windows = usual("05:50", "11-26T18:27", false),
-     .age = hourOld,
-     .lacksEndMarker = true},
-    {.name = "429-unprobed",
-     .recorded = "03:19:59",
-     .exitStatus = 0,
-     .windows = changed(),
-     .age = minuteOld,
-     .credit = spentAll},
-    {.name = "429-old-unprobed",
-     .recorded = "03:20:34",
-     .exitStatus = 126,
-     .reason =
-         UsageProviderError::claudeServiceRefused("The usage page is rate limited until 4:26am.")},
-    {.name = "no-snapshot-offline",
-     .recorded = "03:21:29",
-     .exitStatus = 126,
-     .reason = UsageProviderError::claudePageError("Couldn't load usage")},
-    {.name = "nulls", .recorded = "03:22:30", .reason = UsageProviderError(Kind::claudeNoQuotas)},
-    {.name = "no-subscription",
-     .recorded = "03:23:38",
-     .exitStatus = 124,
-     .reason = UsageProviderError::timeout("Claude")},
-    {.name = "api-key",
-     .recorded = "03:24:26",
-     .exitStatus = 124,
-     .reason = UsageProviderError::timeout("Claude")},
-    {.name = "logged-out",
-     .recorded = "03:25:05",
-     .exitStatus = 128,
-     .reason = UsageProviderError(Kind::claudeNotLoggedIn)},
+    kept("slow", "03:21:44", usual("05:51", "11-26T18:28", false)),
+    kept("429", "03:19:27", usual("05:49", "11-26T18:25", false)),
+    kept("429-first", "03:20:44", usual("05:50", "11-26T18:27", false)),
+    kept("500-first", "03:20:53", usual("05:50", "11-26T18:27", false)),
+    {"429-unprobed", "03:19:59", 0, changed(), spentAll, minuteOld},
+    failed(
+        "429-old-unprobed", "03:20:34", 126,
+        UsageProviderError::claudeServiceRefused("The usage page is rate limited until 4:26am.")),
+    failed("no-snapshot-offline", "03:21:29", 126,
+           UsageProviderError::claudePageError("Couldn't load usage")),
+    failed("nulls", "03:22:30", 20, UsageProviderError(Kind::claudeNoQuotas)),
+    failed("no-subscription", "03:23:38", 124, UsageProviderError::timeout("Claude")),
+    failed("api-key", "03:24:26", 124, UsageProviderError::timeout("Claude")),
+    failed("logged-out", "03:25:05", 128, UsageProviderError(Kind::claudeNotLoggedIn)),
 };
 
 std::string capture(const std::string& name) {
@@ -240,15 +207,6 @@ TEST(ClaudeRecordings, TellWhyFiguresAreNotNew) {
     };
     for (const auto& [name, expected] : cases) {
         EXPECT_EQ(ClaudeUsageParser::staleness(ClaudeScreen(capture(name))), expected) << name;
-    }
-}
-
-TEST(ClaudeRecordings, TellWhetherCreditsAreOff) {
-    for (const Recording& recording : recordings) {
-        const bool areOff =
-            recording.name == "credits-off" || recording.name == "pro" || recording.name == "zero";
-        EXPECT_EQ(ClaudeUsageParser::creditsAreOff(ClaudeScreen(capture(recording.name))), areOff)
-            << recording.name;
     }
 }
 

@@ -15,76 +15,69 @@ const Instant now{Seconds(785000000)};
 const std::string page = "Current session\n11% used\n";
 const std::string pageError = "Failed to load usage data\n";
 
-TEST(ClaudeSession, IsAReadingOrItsReason) {
-    const auto timeout = UsageProviderError::timeout("Claude");
+/// The reason why a session is no reading of one window; absent when it is.
+std::optional<UsageProviderError> reason(const std::string& capture, const ClaudeSessionEnd& end,
+                                         std::vector<SnapshotNote> notes = {}) {
+    try {
+        const auto snapshot = interpretClaudeSession(ClaudeScreen(capture), end, now);
+        EXPECT_EQ(snapshot.updatedAt, now);
+        EXPECT_EQ(snapshot.windows.size(), 1u) << capture;
+        EXPECT_EQ(snapshot.notes, notes) << capture;
+    } catch (const UsageProviderError& error) {
+        return error;
+    }
+    return std::nullopt;
+}
+
+constexpr ClaudeSessionEnd atTheEnd{20, false};
+constexpr ClaudeSessionEnd cutOff{15, true};
+constexpr ClaudeSessionEnd tooMuch{15, true, true};
+
+TEST(ClaudeSession, IsAReadingWhereItShowsAWindow) {
+    for (const auto& end : {ClaudeSessionEnd{0, false}, {143, false}, cutOff, tooMuch}) {
+        EXPECT_EQ(reason(page, end), std::nullopt) << end.status;
+    }
+    for (const char* ending :
+         {"$1 / $2 spent\n", "What's contributing to your usage?\n…\n",
+          "What's contributing to your limits usage?\n…\n", "Usage credits\nnone\n"}) {
+        EXPECT_EQ(reason(page + ending, atTheEnd), std::nullopt) << ending;
+    }
+    EXPECT_EQ(reason(page + "Page 3\n", atTheEnd, {{SnapshotNote::ClaudeEndMarkerMissing{"Page"}}}),
+              std::nullopt);
+}
+
+TEST(ClaudeSession, HasAReasonWhereItIsNoReading) {
+    using Error = UsageProviderError;
+    const auto timeout = Error::timeout("Claude");
     const struct {
         std::string capture;
         ClaudeSessionEnd end;
-        /// Absent: a snapshot.
-        std::optional<UsageProviderError> error;
-        std::optional<std::string> endingVariant;
+        Error expected;
     } cases[] = {
-        {page, {0, false}, {}, {}},
-        {page + "Page 3\n", {20, false}, {}, "Page"},
-        {page + "$1 / $2 spent\n", {20, false}, {}, {}},
-        {page + pageError, {128, false}, UsageProviderError(Kind::claudeNotLoggedIn), {}},
-        {page + pageError,
-         {125, false},
-         UsageProviderError::claudePageError("Failed to load usage"),
-         {}},
+        {page + pageError, {128, false}, Error(Kind::claudeNotLoggedIn)},
+        {page + pageError, {125, false}, Error::claudePageError("Failed to load usage")},
         {"\033[31mno such\033[0m option",
          {125, false},
-         UsageProviderError::claudeReadFailed(125, "no such option"),
-         {}},
+         Error::claudeReadFailed(125, "no such option")},
         {"error: unknown option '--restricted'\r\n",
          {125, false},
-         UsageProviderError::claudeOptionRefused("--restricted"),
-         {}},
-        {page + "What's contributing to your usage?\n…\n", {20, false}, {}, {}},
-        {page + "What's contributing to your limits usage?\n…\n", {20, false}, {}, {}},
-        {page + "Usage credits\nnone\n", {20, false}, {}, {}},
+         Error::claudeOptionRefused("--restricted")},
+        {std::string(600, 'x'), {1, false}, Error::claudeReadFailed(1, std::string(500, 'x'))},
         // The page itself says that the service refused.
-        {"Couldn't refresh usage data\n",
-         {20, false},
-         UsageProviderError::claudeServiceRefused("Couldn't refresh usage data"),
-         {}},
-        {"Refreshing usage…\n", {15, true}, timeout, {}},
-        {std::string(600, 'x'),
-         {1, false},
-         UsageProviderError::claudeReadFailed(1, std::string(500, 'x')),
-         {}},
-        // Cut off, with a window and without.
-        {page, {15, true}, {}, {}},
-        {"Loading", {15, true}, timeout, {}},
-        {page, {15, true, true}, {}, {}},
-        {"Loading",
-         {15, true, true},
-         UsageProviderError::claudeReadFailed(15, "too much output"),
-         {}},
-        {page, {143, false}, {}, {}},
+        {"Couldn't refresh usage data\n", atTheEnd,
+         Error::claudeServiceRefused("Couldn't refresh usage data")},
+        {"Refreshing usage…\n", cutOff, timeout},
+        {"Loading", cutOff, timeout},
+        {"Loading", tooMuch, Error::claudeReadFailed(15, "too much output")},
         // The script's own ends: no prompt, no blocks, gone within the usage screen.
-        {"", {124, false}, timeout, {}},
-        {"", {126, false}, timeout, {}},
-        {"", {127, false}, timeout, {}},
-        {"", {0, false}, UsageProviderError(Kind::claudeNoQuotas), {}},
-        {page + "\xff", {20, false}, UsageProviderError(Kind::claudeNoQuotas), {}},
+        {"", {124, false}, timeout},
+        {"", {126, false}, timeout},
+        {"", {127, false}, timeout},
+        {"", {0, false}, Error(Kind::claudeNoQuotas)},
+        {page + "\xff", atTheEnd, Error(Kind::claudeNoQuotas)},
     };
-    for (const auto& [capture, end, expected, endingVariant] : cases) {
-        SCOPED_TRACE(capture + " " + std::to_string(end.status));
-        std::optional<UsageProviderError> error;
-        try {
-            const auto snapshot = interpretClaudeSession(ClaudeScreen(capture), end, now);
-            EXPECT_EQ(snapshot.updatedAt, now);
-            EXPECT_EQ(snapshot.windows.size(), 1u);
-            std::vector<SnapshotNote> notes;
-            if (endingVariant) {
-                notes.push_back({SnapshotNote::ClaudeEndMarkerMissing{*endingVariant}});
-            }
-            EXPECT_EQ(snapshot.notes, notes);
-        } catch (const UsageProviderError& thrown) {
-            error = thrown;
-        }
-        EXPECT_EQ(error, expected);
+    for (const auto& [capture, end, expected] : cases) {
+        EXPECT_EQ(reason(capture, end), expected) << capture << end.status;
     }
 }
 

@@ -1,7 +1,5 @@
 #include "probes/claude/ClaudeModelWindow.h"
 #include "probes/claude/ClaudeUsageParser.h"
-#include "support/ProjectDirectories.h"
-#include "support/TemporaryDirectory.h"
 #include "text/Dates.h"
 
 #include <gtest/gtest.h>
@@ -161,7 +159,6 @@ TEST(ClaudeUsageParser, ReadsResetTimesAsZurichTime) {
         {"Resets 10:01am (America/New_York)", morning, zurich(2025, 11, 20, 10, 1)},
         {"Resets Nov 27, 1pm (Europe/Zurich)", morning, zurich(2025, 11, 27, 13)},
         {"Resets Nov 26, 6:51pm", morning, zurich(2025, 11, 26, 18, 51)},
-        {"Resets Jan 2, 1am", zurich(2025, 12, 30, 12), zurich(2026, 1, 2, 1)},
         {"Resets Dec 1", morning, std::nullopt},
         {"Resets 12am", morning, zurich(2025, 11, 21, 0)},
         {"Resets 12:30pm", morning, zurich(2025, 11, 20, 12, 30)},
@@ -174,7 +171,6 @@ TEST(ClaudeUsageParser, ReadsResetTimesAsZurichTime) {
         {"Resets Nov 31 at 9am", morning, std::nullopt},
         {"Resets 13pm", morning, std::nullopt},
         {"Resets 9:75am", morning, std::nullopt},
-        {"Resets", morning, std::nullopt},
         {"", morning, std::nullopt},
     };
     for (const auto& [line, now, expected] : cases) {
@@ -192,16 +188,11 @@ TEST(ClaudeUsageParser, ReadsAccountPlanAndCredits) {
     EXPECT_EQ(snapshot.accountLabel, "name@example.org");
     EXPECT_EQ(snapshot.plan, "Claude Max");
     EXPECT_EQ(snapshot.credit, CreditInfo::line("$3.20 / $50.00 spent"));
-    EXPECT_EQ(snapshot.source, SnapshotSource::live);
-    EXPECT_EQ(snapshot.updatedAt, morning);
-}
 
-TEST(ClaudeUsageParser, LeavesOutWhatThePageDoesNotShow) {
-    const ClaudeScreen screen("Login method: API key\nCurrent session\n11% used\nspent\n");
-    const AgentUsageSnapshot snapshot = parseUsage(screen, morning);
-    EXPECT_EQ(snapshot.accountLabel, std::nullopt);
-    EXPECT_EQ(snapshot.plan, "API key");
-    EXPECT_EQ(snapshot.credit, std::nullopt);
+    const ClaudeScreen lacking("Login method: API key\nCurrent session\n11% used\nspent\n");
+    EXPECT_EQ(parseUsage(lacking, morning).accountLabel, std::nullopt);
+    EXPECT_EQ(parseUsage(lacking, morning).plan, "API key");
+    EXPECT_EQ(parseUsage(lacking, morning).credit, std::nullopt);
 }
 
 TEST(ClaudeUsageParser, FindsThePageErrorThatIsFirstInItsList) {
@@ -249,23 +240,6 @@ TEST(ClaudeUsageParser, ReadsTheTimingLine) {
          {"VELLMARK_TIMING 76 137 1959\n", "VELLMARK_TIMING a b c d\n",
           "x VELLMARK_TIMING 1 2 3 4\n", "VELLMARK_TIMING 99999999999999999999 1 2 3\n", ""}) {
         EXPECT_EQ(stamps(ClaudeScreen(capture)), std::nullopt) << capture;
-    }
-}
-
-TEST(ClaudeUsageParser, StandsASessionCutOffAtAnyByte) {
-    const std::string session =
-        contentOf(sourceFile("tests/probes/claude/data/usage-session.capture"));
-    EXPECT_EQ(parseUsage(ClaudeScreen(session), morning).windows.size(), 3u);
-    for (std::size_t length = 0; length < session.size(); ++length) {
-        const ClaudeScreen screen(std::string_view(session).substr(0, length));
-        try {
-            for (const UsageWindow& window : parseUsage(screen, morning).windows) {
-                // A number is never read in part: it counts only with the words behind it.
-                EXPECT_GE(window.usedPercent, 52) << length;
-            }
-        } catch (const UsageProviderError& error) {
-            EXPECT_EQ(error.kind(), UsageProviderError::Kind::claudeNoQuotas) << length;
-        }
     }
 }
 
