@@ -316,7 +316,7 @@ void measureLaunch(NotifierPanel& panel, char** arguments) {
         running.push_back(thread.running);
         queued.push_back(thread.queued);
     }
-    printLimited("launch to drawn item", median(times), "ms", 150,
+    printLimited("launch to drawn item", median(times), "ms", 50,
                  MainThread{median(running), median(queued)}.text() + ", medians of " +
                      std::to_string(launches));
 }
@@ -352,7 +352,7 @@ Opening measureOpening(const Program& program, Item& item, const Screen& screen)
 }
 
 void printOpening(const char* what, const Opening& opening) {
-    printLimited(what, opening.time, "ms", 50, opening.thread.text());
+    printLimited(what, opening.time, "ms", 25, opening.thread.text());
 }
 
 void measurePopover(const Program& program, Item& item) {
@@ -363,13 +363,13 @@ void measurePopover(const Program& program, Item& item) {
     for (int opening = 0; opening < openings; ++opening) {
         times.push_back(measureOpening(program, item, screen).time);
     }
-    printLimited("popover on screen", median(times), "ms", 50,
+    printLimited("popover on screen", median(times), "ms", 25,
                  "median of " + std::to_string(openings));
     printOpening("  the first time", first);
     std::this_thread::sleep_for(release);
     printOpening("  after a pause", measureOpening(program, item, screen));
     std::this_thread::sleep_for(release);
-    printLimited("memory after the popover", program.residentMegabytes(), "MB", 40,
+    printLimited("memory after the popover", program.residentMegabytes(), "MB", 32,
                  text(kept) + " before it was let go");
 }
 
@@ -406,7 +406,7 @@ void measureItem(NotifierPanel& panel, char** arguments) {
     const Program program(arguments);
     Item item(waitForItem(panel));
     std::this_thread::sleep_for(firstRefresh);
-    printLimited("resident memory", program.residentMegabytes(), "MB", 40,
+    printLimited("resident memory", program.residentMegabytes(), "MB", 32,
                  text(program.filesMegabytes()) + " of it files shared with others");
     measureIdle(program);
     measurePopover(program, item);
@@ -451,7 +451,7 @@ void measureMainWindow(NotifierPanel& panel, char** arguments) {
     measureIdle(program);
     window.close();
     std::this_thread::sleep_for(release);
-    printLimited("memory after the window", program.residentMegabytes(), "MB", 40,
+    printLimited("memory after the window", program.residentMegabytes(), "MB", 32,
                  text(idleMemory) + " before it was opened");
     if (program.residentMegabytes() > idleMemory + memoryNoise) {
         print("  grown by", program.residentMegabytes() - idleMemory, "MB");
