@@ -41,7 +41,7 @@ namespace {
 constexpr std::string_view popoverTabKey = "PopoverSelectedTab";
 constexpr std::string_view pageKey = "MainWindowPage";
 constexpr Seconds terminationGrace{1.0};
-/// What has just come is on the screen by then; a panel has asked for all that it draws of the item.
+/// What has just come is on the screen by then; a panel has asked for all it draws of the item.
 constexpr Seconds drawingTime{0.1};
 /// The status item is drawn, and nobody has found it yet.
 constexpr Seconds popoverRehearsal{0.5};
