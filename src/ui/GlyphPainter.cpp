@@ -3,6 +3,7 @@
 #include "ui/Conversions.h"
 #include "ui/kit/Theme.h"
 
+#include <QGuiApplication>
 #include <QIconEngine>
 #include <QPainter>
 #include <QPainterPath>
@@ -59,10 +60,11 @@ public:
 
     QList<QSize> availableSizes(QIcon::Mode, QIcon::State) override {
         QList<QSize> sizes{{16, 16}, {32, 32}, {48, 48}, {128, 128}};
-#ifdef Q_OS_MACOS
-        // The Dock shows it in place of the bundle's, up to this size.
-        sizes << QSize(256, 256) << QSize(512, 512);
-#endif
+        // The Dock shows it in place of the bundle's, up to this size; elsewhere each would be drawn
+        // for every window.
+        if (QGuiApplication::platformName() == QStringLiteral("cocoa")) {
+            sizes << QSize(256, 256) << QSize(512, 512);
+        }
         return sizes;
     }
 
