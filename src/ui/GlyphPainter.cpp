@@ -60,8 +60,8 @@ public:
 
     QList<QSize> availableSizes(QIcon::Mode, QIcon::State) override {
         QList<QSize> sizes{{16, 16}, {32, 32}, {48, 48}, {128, 128}};
-        // The Dock shows it in place of the bundle's, up to this size; elsewhere each would be drawn
-        // for every window.
+        // The Dock shows it in place of the bundle's, up to this size; elsewhere each would be
+        // drawn for every window.
         if (QGuiApplication::platformName() == QStringLiteral("cocoa")) {
             sizes << QSize(256, 256) << QSize(512, 512);
         }
