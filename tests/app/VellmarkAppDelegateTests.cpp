@@ -216,7 +216,7 @@ TEST_F(VellmarkAppDelegateTest, ComesBackToThePageThatWasShownLast) {
     delegate_->showSettingsFromMenu();
     EXPECT_EQ(selectedEntry(*visible<AgentMainWindowView>()), "Settings");
     // The page that acts when it is hidden is the one that a quit finds.
-    pressKeyIn(*visible<AgentMainWindowView>(), Qt::Key_6);
+    pressKey(*visible<AgentMainWindowView>(), Qt::Key_6, Qt::ControlModifier);
     EXPECT_EQ(selectedEntry(*visible<AgentMainWindowView>()), "Activity");
 }
 
