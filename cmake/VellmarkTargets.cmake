@@ -82,9 +82,10 @@ function(vellmark_share_precompiled_headers target kind)
 endfunction()
 
 # Files that are compiled as one see each other's names: that one hides another says nothing about
-# either. A target whose files use the same names for different things keeps them apart.
+# either, and g++ takes their unnamed namespaces for those of a header. A target whose files use the
+# same names for different things keeps them apart.
 target_compile_options(vellmark_options INTERFACE
-    $<$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>:-Wno-shadow>)
+    $<$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>:-Wno-shadow;$<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>>)
 function(vellmark_unite target kind)
     if(VELLMARK_UNITY_BUILD STREQUAL "ALL" OR VELLMARK_UNITY_BUILD STREQUAL kind)
         set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
