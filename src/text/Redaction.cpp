@@ -332,8 +332,10 @@ std::optional<std::string> redactedBytes(std::string_view text, std::string_view
                                          std::vector<RemovedPlace>* places) {
     RemovedPlaces tracked;
     RemovedPlaces* const tracking = places != nullptr ? &tracked : nullptr;
-    // Also by the home directory, so that each line is treated as the whole text would be.
-    const bool isCarried = !isValidUTF8(text) || !isValidUTF8(homeDirectory);
+    // Also by the home directory, and where a character looks like a carrier, so that each line is
+    // treated as the whole text would be.
+    const bool isCarried = !isValidUTF8(text) || !isValidUTF8(homeDirectory) ||
+                           text.find(carrierLead) != std::string_view::npos;
     auto result = isCarried
                       ? redactedCharacters(carryingBytes(text), carryingBytes(homeDirectory),
                                            options, tracking)

@@ -134,6 +134,8 @@ TEST(Redaction, BytesThatAreNoTextPassUnchanged) {
     EXPECT_EQ(redacted("/Users/J\xFCrgen/x", home), "~/x");
     EXPECT_EQ(redacted("«/Users/anna» \xFF", home), "«~» \xFF");
     EXPECT_EQ(redacted("\U0010FFC3 \xFF", home), "\U0010FFC3 \xFF");
+    EXPECT_EQ(redacted("\xFF\napi_key=a\U0010FFC3z", home), "\xFF\napi_key=<redacted>");
+    EXPECT_EQ(redacted("api_key=a\U0010FFC3z", home), "api_key=<redacted>") << "as in that text";
     std::string every;
     for (int byte = 0; byte < 256; ++byte) {
         every += static_cast<char>(byte);
