@@ -5,10 +5,12 @@
 #include "ui/kit/FigureText.h"
 #include "ui/kit/FocusRing.h"
 #include "ui/kit/Label.h"
+#include "ui/kit/SidebarEntry.h"
 
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMouseEvent>
 #include <QTabBar>
 #include <gtest/gtest.h>
@@ -59,6 +61,9 @@ bool isCut(const QWidget& widget, const QWidget& view) {
         return label->height() < label->heightForWidth(label->width()) ||
                (label->isShortened() && !label->text().contains("GPT-5.3"));
     }
+    if (const auto* entry = dynamic_cast<const kit::SidebarEntry*>(&widget)) {
+        return entry->isShortened();
+    }
     if (const auto* button = qobject_cast<const QAbstractButton*>(&widget)) {
         return button->mapTo(&view, button->rect().topRight()).x() > view.width() ||
                (!button->text().isEmpty() && button->width() < button->minimumSizeHint().width());
@@ -67,6 +72,22 @@ bool isCut(const QWidget& widget, const QWidget& view) {
         return tabs->count() > 0 && !tabs->rect().contains(tabs->tabRect(tabs->count() - 1));
     }
     return false;
+}
+
+/// Whether words or a control of a row leave it, or cover others that stand in it.
+bool isOutOfPlace(const QWidget& widget) {
+    // What stands within a field has its room there.
+    const auto* label = qobject_cast<const QLabel*>(&widget);
+    const bool hasWords = label != nullptr ? !label->text().isEmpty()
+                                           : (widget.focusPolicy() & Qt::TabFocus) != 0 &&
+                                                 qobject_cast<const QLineEdit*>(&widget) == nullptr;
+    const QRect place = widget.geometry();
+    return hasWords &&
+           (!widget.parentWidget()->rect().contains(place) ||
+            std::ranges::any_of(visibleParts<kit::Label>(*widget.parentWidget()), [&](auto* other) {
+                return other != &widget && other->parent() == widget.parent() &&
+                       !other->text().isEmpty() && other->geometry().intersects(place);
+            }));
 }
 
 [[maybe_unused]] const auto* const environment =
@@ -166,8 +187,9 @@ void expectFocusRingsAreWhole(QWidget& view) {
 void expectNothingIsCut(const QWidget& view, const std::string& where) {
     const auto parts = visibleParts<QWidget>(view);
     for (const QWidget* part : parts) {
-        EXPECT_FALSE(isCut(*part, view)) << where << ": " << part->metaObject()->className() << " "
-                                         << part->property("text").toString().toStdString();
+        EXPECT_FALSE(isCut(*part, view) || isOutOfPlace(*part))
+            << where << ": " << part->metaObject()->className() << " "
+            << part->property("text").toString().toStdString();
     }
     EXPECT_GT(parts.size(), 5U) << where;
 }
