@@ -1,3 +1,4 @@
+#include "probes/AgentScenario.h"
 #include "probes/claude/ClaudeQuery.h"
 #include "support/ProjectDirectories.h"
 #include "support/TemporaryDirectory.h"
@@ -147,12 +148,9 @@ TEST(ClaudeQuery, SaysExactlyWhyThereAreNoFigures) {
              Case{"query-logged-out.jsonl", {}, Kind::claudeNotLoggedIn},
          }) {
         SCOPED_TRACE(test.file);
-        try {
-            reading(recording(test.file), test.login, "2.1.330");
-            ADD_FAILURE() << "figures";
-        } catch (const UsageProviderError& error) {
-            EXPECT_EQ(error.kind(), test.reason) << error.what();
-        }
+        const auto error = errorOf([&] { reading(recording(test.file), test.login, "2.1.330"); });
+        ASSERT_TRUE(error) << "figures";
+        EXPECT_EQ(error->kind(), test.reason) << error->what();
     }
 }
 

@@ -1,3 +1,4 @@
+#include "probes/AgentScenario.h"
 #include "probes/claude/ClaudeSessionInterpretation.h"
 
 #include <gtest/gtest.h>
@@ -18,15 +19,12 @@ const std::string pageError = "Failed to load usage data\n";
 /// The reason why a session is no reading of one window; absent when it is.
 std::optional<UsageProviderError> reason(const std::string& capture, const ClaudeSessionEnd& end,
                                          std::vector<SnapshotNote> notes = {}) {
-    try {
+    return errorOf([&] {
         const auto snapshot = interpretClaudeSession(ClaudeScreen(capture), end, now);
         EXPECT_EQ(snapshot.updatedAt, now);
         EXPECT_EQ(snapshot.windows.size(), 1u) << capture;
         EXPECT_EQ(snapshot.notes, notes) << capture;
-    } catch (const UsageProviderError& error) {
-        return error;
-    }
-    return std::nullopt;
+    });
 }
 
 constexpr ClaudeSessionEnd atTheEnd{20, false};

@@ -1,3 +1,4 @@
+#include "probes/AgentScenario.h"
 #include "probes/claude/ClaudeModelWindow.h"
 #include "probes/claude/ClaudeUsageParser.h"
 #include "text/Dates.h"
@@ -134,13 +135,9 @@ TEST(ClaudeUsageParser, GivesNoQuotasWithoutAnyWindow) {
           std::string("Current session (5 hours)\n11% used\n"),
           std::string("Current session\na\nb\nc\nd\ne\n11% used\n"), // too far below
           "Current session\n" + std::string(400, '9') + "% used\n", std::string("\xff\xfe")}) {
-        const ClaudeScreen screen(capture);
-        try {
-            parseUsage(screen, morning);
-            FAIL() << capture;
-        } catch (const UsageProviderError& error) {
-            EXPECT_EQ(error.kind(), UsageProviderError::Kind::claudeNoQuotas);
-        }
+        EXPECT_EQ(errorOf([&] { parseUsage(ClaudeScreen(capture), morning); }),
+                  UsageProviderError(UsageProviderError::Kind::claudeNoQuotas))
+            << capture;
     }
 }
 

@@ -1,3 +1,4 @@
+#include "probes/AgentScenario.h"
 #include "probes/codex/CodexReading.h"
 #include "probes/codex/LineBuffer.h"
 
@@ -38,12 +39,7 @@ std::optional<double> usedPercent(const std::string& value) {
 }
 
 std::optional<UsageProviderError> failure(const std::string& output) {
-    try {
-        snapshotOf(output);
-    } catch (const UsageProviderError& error) {
-        return error;
-    }
-    return std::nullopt;
+    return tests::errorOf([&] { snapshotOf(output); });
 }
 
 TEST(CodexReading, TakesNumbersAndDecimalTexts) {
