@@ -39,28 +39,23 @@ TEST(Formatting, Percentages) {
 }
 
 TEST(Formatting, Spans) {
-    struct Case {
-        double seconds;
-        const char* exact;
-        const char* rough;
-        const char* forecast;
+    const std::tuple<double, const char*, const char*, const char*> cases[] = {
+        {59, "under 1 min", "under 1 min", "under 1 min"},
+        {60, "1 min", "1 min", "1 min"},
+        {87 * 60, "1 h 27 min", "87 min", "1 h 27 min"},
+        {90 * 60 + 59, "1 h 30 min", "90 min", "1 h 30 min"},
+        {91 * 60, "1 h 31 min", "1 h", "1 h 31 min"},
+        {3 * 3600 - 1, "2 h 59 min", "2 h", "2 h 59 min"},
+        {3 * 3600 + 600, "3 h 10 min", "3 h", "3 h"},
+        {43 * 3600, "1 d 19 h", "43 h", "43 h"},
+        {3 * 86400 + 18.9 * 3600, "3 d 18 h", "3 d", "3 d"},
+        {86400 + 3599, "1 d", "24 h", "24 h"},
     };
-    for (const Case& test : {
-             Case{59, "under 1 min", "under 1 min", "under 1 min"},
-             Case{60, "1 min", "1 min", "1 min"},
-             Case{87 * 60, "1 h 27 min", "87 min", "1 h 27 min"},
-             Case{90 * 60 + 59, "1 h 30 min", "90 min", "1 h 30 min"},
-             Case{91 * 60, "1 h 31 min", "1 h", "1 h 31 min"},
-             Case{3 * 3600 - 1, "2 h 59 min", "2 h", "2 h 59 min"},
-             Case{3 * 3600 + 600, "3 h 10 min", "3 h", "3 h"},
-             Case{43 * 3600, "1 d 19 h", "43 h", "43 h"},
-             Case{3 * 86400 + 18.9 * 3600, "3 d 18 h", "3 d", "3 d"},
-             Case{86400 + 3599, "1 d", "24 h", "24 h"},
-         }) {
-        const Seconds span(test.seconds);
-        EXPECT_EQ(durationText(span, english()), test.exact);
-        EXPECT_EQ(roughDurationText(span, english()), test.rough);
-        EXPECT_EQ(forecastDurationText(span, english()), test.forecast);
+    for (const auto& [seconds, exact, rough, forecast] : cases) {
+        const Seconds span(seconds);
+        EXPECT_EQ(durationText(span, english()), exact);
+        EXPECT_EQ(roughDurationText(span, english()), rough);
+        EXPECT_EQ(forecastDurationText(span, english()), forecast);
     }
 }
 

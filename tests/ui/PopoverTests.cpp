@@ -15,12 +15,7 @@ namespace {
 TEST(PopoverPlacement, StaysNearTheItemAndOnTheScreen) {
     const QRect available(0, 24, 1440, 852);
     constexpr QSize usual(430, 675);
-    const struct {
-        const char* name;
-        QRect anchor;
-        QSize size;
-        QPoint expected;
-    } cases[] = {
+    const std::tuple<const char*, QRect, QSize, QPoint> cases[] = {
         {"menu bar", {700, 0, 40, 24}, usual, {505, 32}},
         {"right edge", {1400, 0, 40, 24}, usual, {1002, 32}},
         {"panel below", {700, 876, 40, 24}, usual, {505, 193}},

@@ -180,10 +180,7 @@ TEST(ClaudeRecordings, AreReadWithoutTheirZone) {
 }
 
 TEST(ClaudeRecordings, TellWhyFiguresAreNotNew) {
-    const struct {
-        const char* name;
-        std::optional<ClaudeUsageParser::Staleness> expected;
-    } cases[] = {
+    const std::pair<const char*, std::optional<ClaudeUsageParser::Staleness>> cases[] = {
         {"changed", std::nullopt},
         {"slow", {{"Refreshing usage…", std::nullopt, true}}},
         {"500-first", {{"Couldn't refresh usage data", std::nullopt, false}}},

@@ -47,11 +47,7 @@ TEST(ClaudeSession, IsAReadingWhereItShowsAWindow) {
 TEST(ClaudeSession, HasAReasonWhereItIsNoReading) {
     using Error = UsageProviderError;
     const auto timeout = Error::timeout("Claude");
-    const struct {
-        std::string capture;
-        ClaudeSessionEnd end;
-        Error expected;
-    } cases[] = {
+    const std::tuple<std::string, ClaudeSessionEnd, Error> cases[] = {
         {page + pageError, {128, false}, Error(Kind::claudeNotLoggedIn)},
         {page + pageError, {125, false}, Error::claudePageError("Failed to load usage")},
         {"\033[31mno such\033[0m option",

@@ -142,11 +142,7 @@ TEST(ClaudeUsageParser, GivesNoQuotasWithoutAnyWindow) {
 }
 
 TEST(ClaudeUsageParser, ReadsResetTimesAsZurichTime) {
-    const struct {
-        const char* line;
-        Instant now;
-        std::optional<Instant> expected;
-    } cases[] = {
+    const std::tuple<const char*, Instant, std::optional<Instant>> cases[] = {
         {"Resets Dec 31 at 11pm", zurich(2026, 1, 1, 0, 30), zurich(2026, 12, 31, 23)},
         {"Resets Dec 31 at 11pm", zurich(2025, 12, 31, 23, 30), zurich(2025, 12, 31, 23)},
         {"Resets Jan 2 at 1am", zurich(2025, 12, 30, 12), zurich(2026, 1, 2, 1)},
@@ -208,11 +204,7 @@ TEST(ClaudeUsageParser, FindsThePageErrorThatIsFirstInItsList) {
 }
 
 TEST(ClaudeUsageParser, LooksAtThePagesLastLine) {
-    const struct {
-        const char* capture;
-        bool isSpendLine;
-        const char* variant;
-    } cases[] = {
+    const std::tuple<const char*, bool, const char*> cases[] = {
         {"Usage credits\n$3.20 / $50.00 spent\nEsc to cancel\n\nVELLMARK_TIMING 1 2 3 4\n", true,
          "$. / $. spent"},
         {"$1'200/$5,000.50 spent · Resets Dec 1\n", true, "$'/$,. spent · Resets Dec"},
