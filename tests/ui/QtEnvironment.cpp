@@ -57,9 +57,10 @@ bool isCut(const QWidget& widget, const QWidget& view) {
                    forecast->width() - markRoom;
     }
     if (const auto* label = dynamic_cast<const kit::Label*>(&widget)) {
-        // What an agent calls its limits is not ours to shorten.
+        // What an agent calls its limits is not ours to shorten, and paths are told by tooltips.
         return label->height() < label->heightForWidth(label->width()) ||
-               (label->isShortened() && !label->text().contains("GPT-5.3"));
+               (label->isShortened() && !label->text().contains("GPT-5.3") &&
+                !label->text().contains("~/"));
     }
     if (const auto* entry = dynamic_cast<const kit::SidebarEntry*>(&widget)) {
         return entry->isShortened();
@@ -74,19 +75,22 @@ bool isCut(const QWidget& widget, const QWidget& view) {
     return false;
 }
 
-/// Whether words or a control of a row leave it, or cover others that stand in it.
-bool isOutOfPlace(const QWidget& widget) {
-    // What stands within a field has its room there.
+/// Words, or a control; what stands within a field has its room there.
+bool needsPlace(const QWidget& widget) {
     const auto* label = qobject_cast<const QLabel*>(&widget);
-    const bool hasWords = label != nullptr ? !label->text().isEmpty()
-                                           : (widget.focusPolicy() & Qt::TabFocus) != 0 &&
-                                                 qobject_cast<const QLineEdit*>(&widget) == nullptr;
+    return label != nullptr ? !label->text().isEmpty()
+                            : (widget.focusPolicy() & Qt::TabFocus) != 0 &&
+                                  qobject_cast<const QLineEdit*>(&widget) == nullptr;
+}
+
+/// Whether words or a control leave what they stand in, or cover others there.
+bool isOutOfPlace(const QWidget& widget) {
     const QRect place = widget.geometry();
-    return hasWords &&
+    return needsPlace(widget) &&
            (!widget.parentWidget()->rect().contains(place) ||
-            std::ranges::any_of(visibleParts<kit::Label>(*widget.parentWidget()), [&](auto* other) {
+            std::ranges::any_of(visibleParts<QWidget>(*widget.parentWidget()), [&](auto* other) {
                 return other != &widget && other->parent() == widget.parent() &&
-                       !other->text().isEmpty() && other->geometry().intersects(place);
+                       needsPlace(*other) && other->geometry().intersects(place);
             }));
 }
 
