@@ -81,6 +81,16 @@ function(vellmark_share_precompiled_headers target kind)
     endif()
 endfunction()
 
+# Files that are compiled as one see each other's names: that one hides another says nothing about
+# either. A target whose files use the same names for different things keeps them apart.
+target_compile_options(vellmark_options INTERFACE
+    $<$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>:-Wno-shadow>)
+function(vellmark_unite target kind)
+    if(VELLMARK_UNITY_BUILD STREQUAL "ALL" OR VELLMARK_UNITY_BUILD STREQUAL kind)
+        set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
+    endif()
+endfunction()
+
 # vellmark_library(NAME SOURCES file... USES library...)
 # The library of the folder it is called in, as vellmark::NAME. USES lists everything that the
 # folder may include: the arrows of docs/architecture.md, written where they bind.
@@ -92,6 +102,7 @@ function(vellmark_library name)
     target_link_libraries(vellmark_${name} PUBLIC ${arg_USES} PRIVATE vellmark_options)
     set_property(GLOBAL APPEND PROPERTY vellmark_libraries vellmark_${name})
     vellmark_share_precompiled_headers(vellmark_${name} library)
+    vellmark_unite(vellmark_${name} SOURCES)
 endfunction()
 
 # vellmark_program(NAME OUTPUT file-name SOURCES file... USES library...)
@@ -114,6 +125,7 @@ function(vellmark_test folder)
     target_link_libraries(vellmark_${folder}_tests PRIVATE
         ${arg_USES} vellmark_test_support GTest::gmock GTest::gtest_main vellmark_options)
     vellmark_share_precompiled_headers(vellmark_${folder}_tests test)
+    vellmark_unite(vellmark_${folder}_tests TESTS)
     gtest_discover_tests(vellmark_${folder}_tests DISCOVERY_MODE PRE_TEST
         TEST_PREFIX "${folder}." PROPERTIES TIMEOUT 120)
 endfunction()

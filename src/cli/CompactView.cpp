@@ -10,7 +10,6 @@
 namespace vellmark {
 namespace {
 
-constexpr std::size_t gap = 2;
 constexpr std::size_t mostRows = 2;
 
 /// Text with its columns, which styles do not count to.
@@ -52,12 +51,12 @@ std::vector<std::string> rowsOf(const std::vector<Item>& items, std::size_t widt
     std::vector<std::string> rows;
     std::size_t used = 0;
     for (const Item& item : items) {
-        if (rows.empty() || used + gap + item.width > width) {
+        if (rows.empty() || used + columnGap + item.width > width) {
             rows.push_back(item.text);
             used = item.width;
         } else {
-            rows.back() += std::string(gap, ' ') + item.text;
-            used += gap + item.width;
+            rows.back() += std::string(columnGap, ' ') + item.text;
+            used += columnGap + item.width;
         }
     }
     return rows;

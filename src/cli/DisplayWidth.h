@@ -7,6 +7,10 @@
 
 namespace vellmark {
 
+/// Blank columns before the lines of a page, and between what stands side by side.
+inline constexpr std::size_t pageIndent = 2;
+inline constexpr std::size_t columnGap = 2;
+
 /// How many columns of a terminal UTF-8 text takes: wide characters two, combining marks and
 /// control characters none.
 std::size_t displayWidth(std::string_view text);

@@ -7,8 +7,6 @@
 namespace vellmark {
 namespace {
 
-constexpr std::size_t indent = 2;
-constexpr std::size_t gap = 2;
 /// Longer lines are hard to read.
 constexpr std::size_t widest = 100;
 /// Longer terms have their line for themselves.
@@ -37,7 +35,7 @@ std::string HelpPage::text(std::size_t width) const {
             }
         }
     }
-    const std::size_t beside = indent + term + gap;
+    const std::size_t beside = pageIndent + term + columnGap;
     const bool isBeside = beside + leastText <= width;
     const std::size_t column = isBeside ? beside : textIndent;
 
@@ -50,10 +48,10 @@ std::string HelpPage::text(std::size_t width) const {
         for (const Entry& entry : section.entries) {
             const std::string text = paragraph(entry.text, column, width);
             if (isBeside && displayWidth(entry.term) <= term) {
-                page +=
-                    std::string(indent, ' ') + padded(entry.term, term + gap) + text.substr(column);
+                page += std::string(pageIndent, ' ') + padded(entry.term, term + columnGap) +
+                        text.substr(column);
             } else {
-                page += paragraph(entry.term, indent, width) + text;
+                page += paragraph(entry.term, pageIndent, width) + text;
             }
         }
     }

@@ -41,10 +41,9 @@
 namespace vellmark {
 namespace {
 
-constexpr Seconds day{86'400};
 constexpr std::size_t leastCourse = 10;
 /// Of what comes by a pipe; years of history.
-constexpr std::size_t largestInput = std::size_t{256} << 20;
+constexpr std::size_t largestImport = std::size_t{256} << 20;
 
 std::string csvField(const std::string& text) {
     if (text.find_first_of(",\"\r\n") == std::string::npos) {
@@ -235,7 +234,7 @@ private:
         }
         if (days_) {
             selection.since =
-                now - static_cast<double>(integerArgument("--days", *days_, 1, 100'000)) * day;
+                now - static_cast<double>(integerArgument("--days", *days_, 1, 100'000)) * oneDay;
         }
         if (since_) {
             selection.since =
@@ -348,7 +347,7 @@ private:
         std::size_t size = 0;
         const bool isRead = !error && readInputPieces(file_, context, [&](std::string_view piece) {
             size += piece.size();
-            if (size > largestInput) {
+            if (size > largestImport) {
                 error = std::make_error_code(std::errc::file_too_large);
             } else {
                 error = writeAll(copy, piece);

@@ -31,7 +31,6 @@ namespace {
 
 using Level = ActivityEntry::Level;
 
-constexpr Seconds day{86'400};
 constexpr Seconds lookInterval{1};
 constexpr Seconds lookTolerance{0.2};
 /// What is about no agent is about the program.
@@ -115,7 +114,7 @@ public:
         }
         const auto days =
             days_ ? integerArgument("--days", *days_, 1, 100'000) : ActivityLog::daysKept;
-        since_ = ReferenceClock::now() - static_cast<double>(days) * day;
+        since_ = ReferenceClock::now() - static_cast<double>(days) * oneDay;
         least_ = level_ ? levelArgument(*level_) : Level::info;
         if (agent_ && *agent_ != programSubject) {
             agentArgument(*agent_);

@@ -19,9 +19,6 @@
 namespace vellmark {
 namespace {
 
-/// Spans and ages are told in minutes.
-constexpr Seconds redrawInterval{30};
-constexpr Seconds tolerance{5};
 /// How late another program's reading may be before it counts as missing.
 constexpr Seconds mostLate{60};
 /// Bars on several screens start at the same time; only the first of them is to read.
@@ -55,7 +52,8 @@ public:
             reader = loop_.watch(STDOUT_FILENO, [this] { loop_.stop(ExitStatus::readerHasGone); });
         }
         tick();
-        loop_.postAfter(startSpread * (getpid() % startPlaces), tolerance, [this] { check(); });
+        loop_.postAfter(startSpread * (getpid() % startPlaces), redrawTolerance,
+                        [this] { check(); });
         const int status = loop_.run();
         if (store_) {
             store_->abortRefresh();
@@ -85,7 +83,7 @@ private:
 
     void tick() {
         filesWatch_ ? show() : reload();
-        loop_.postAfter(redrawInterval, tolerance, [this] { tick(); });
+        loop_.postAfter(redrawInterval, redrawTolerance, [this] { tick(); });
     }
 
     void show() {
@@ -114,7 +112,7 @@ private:
     void check() {
         const Instant now = ReferenceClock::now();
         const std::optional<Instant> sign = lastSign();
-        const bool isOurs = sign && readAt_ && *sign - *readAt_ < tolerance;
+        const bool isOurs = sign && readAt_ && *sign - *readAt_ < redrawTolerance;
         const Seconds patience =
             interval() + (isOurs ? Seconds(0) : std::min(mostLate, interval() / 4));
         const Seconds age = sign ? now - *sign : patience;
@@ -124,7 +122,7 @@ private:
         } else {
             next = patience - age;
         }
-        loop_.postAfter(std::max(next, Seconds(1)), tolerance, [this] { check(); });
+        loop_.postAfter(std::max(next, Seconds(1)), redrawTolerance, [this] { check(); });
     }
 
     void readAgents() {

@@ -36,7 +36,7 @@ namespace {
 constexpr std::size_t longestInput = std::size_t{1} << 20;
 /// Who writes the input does so at once. Nobody waits for one that does not come.
 constexpr int inputPatienceMs = 500;
-constexpr std::size_t pieceSize = std::size_t{1} << 16;
+constexpr std::size_t inputPieceSize = std::size_t{1} << 16;
 
 /// The agent whose sessions show it.
 AgentProviderID sessionAgent() {
@@ -66,7 +66,7 @@ Input readInput(const std::filesystem::path& copyDirectory) {
     if (!copyDirectory.empty()) {
         input.copy = openUnnamedFile(copyDirectory);
     }
-    std::string piece(pieceSize, '\0');
+    std::string piece(inputPieceSize, '\0');
     pollfd ready{.fd = STDIN_FILENO, .events = POLLIN, .revents = 0};
     while (isatty(STDIN_FILENO) == 0 && poll(&ready, 1, inputPatienceMs) > 0) {
         const ssize_t count = ::read(STDIN_FILENO, piece.data(), piece.size());

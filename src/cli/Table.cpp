@@ -1,16 +1,15 @@
 #include "cli/Table.h"
 
+#include "cli/DisplayWidth.h"
+
 #include <algorithm>
 #include <numeric>
 
 namespace vellmark {
 namespace {
 
-constexpr std::size_t gap = 2;
-constexpr std::size_t indent = 2;
-
 std::size_t lineWidth(const std::vector<std::size_t>& widths) {
-    return std::accumulate(widths.begin(), widths.end(), gap * (widths.size() - 1));
+    return std::accumulate(widths.begin(), widths.end(), columnGap * (widths.size() - 1));
 }
 
 std::string textOf(const Table::Cell& cell, std::size_t width) {
@@ -48,7 +47,7 @@ std::string Table::line(const std::vector<Cell>& cells, const std::vector<std::s
         } else {
             blanks += filling;
         }
-        blanks += gap;
+        blanks += columnGap;
     }
     return text + "\n";
 }
@@ -63,17 +62,17 @@ std::string Table::paragraph(const std::vector<Cell>& cells, const TerminalOutpu
     for (const Column& column : columns_) {
         titles = std::max(titles, displayWidth(column.title));
     }
-    const std::size_t start = indent + titles + gap;
+    const std::size_t start = pageIndent + titles + columnGap;
     const std::size_t room = width > start ? width - start : 1;
     for (std::size_t column = 1; column < cells.size(); ++column) {
-        std::string before = std::string(indent, ' ') +
+        std::string before = std::string(pageIndent, ' ') +
                              output.styled(TextStyle::dim, padded(columns_[column].title, titles));
         const Cell& cell = cells[column];
         const auto lines =
             cell.picture ? std::vector{cell.picture(room)} : wrapped(cell.text, room);
         for (const std::string& line : lines) {
-            text += before + std::string(gap, ' ') + output.styled(cell.style, line) + "\n";
-            before = std::string(indent + titles, ' ');
+            text += before + std::string(columnGap, ' ') + output.styled(cell.style, line) + "\n";
+            before = std::string(pageIndent + titles, ' ');
         }
     }
     return text;

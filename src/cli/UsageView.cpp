@@ -10,8 +10,6 @@
 namespace vellmark {
 namespace {
 
-constexpr std::size_t indent = 2;
-constexpr std::size_t gap = 2;
 constexpr std::size_t leastBar = 12;
 /// Where the label stands above the bar, which has the line almost for itself.
 constexpr std::size_t narrowestBar = 4;
@@ -82,7 +80,7 @@ UsageView::lines(const std::vector<AgentBlockContent>& agents) const {
 }
 
 std::size_t UsageView::Layout::barColumn() const {
-    return form == Form::labelAbove ? 2 * indent : indent + label + gap;
+    return form == Form::labelAbove ? 2 * pageIndent : pageIndent + label + columnGap;
 }
 
 UsageView::Layout UsageView::layoutFor(const std::vector<AgentBlockContent>& agents) const {
@@ -99,10 +97,10 @@ UsageView::Layout UsageView::layoutFor(const std::vector<AgentBlockContent>& age
         }
     }
     const auto roomBeside = [&](std::size_t figures) {
-        const std::size_t taken = layout.barColumn() + gap + figures;
+        const std::size_t taken = layout.barColumn() + columnGap + figures;
         return layout.width > taken ? layout.width - taken : 0;
     };
-    std::size_t room = roomBeside(layout.value + gap + reset);
+    std::size_t room = roomBeside(layout.value + columnGap + reset);
     if (room < leastBar) {
         layout.form = Form::resetBelow;
         room = roomBeside(layout.value);
@@ -124,7 +122,7 @@ std::string UsageView::block(const AgentBlockContent& agent, const Layout& layou
         text += balance(entry, layout);
     }
     for (const std::string& note : agent.notes) {
-        text += paragraph(note, indent, TextStyle::dim, layout);
+        text += paragraph(note, pageIndent, TextStyle::dim, layout);
     }
     if (agent.failure) {
         text += failure(agent, layout);
@@ -141,9 +139,9 @@ std::string UsageView::head(const AgentBlockContent& agent, const Layout& layout
     std::size_t used = displayWidth(name);
     /// `part` has `width` columns.
     const auto append = [&](const std::string& part, std::size_t width) {
-        const bool fits = used + gap + width <= layout.width;
-        text += (fits ? std::string(gap, ' ') : "\n" + std::string(indent, ' ')) + part;
-        used = (fits ? used + gap : indent) + width;
+        const bool fits = used + columnGap + width <= layout.width;
+        text += (fits ? std::string(columnGap, ' ') : "\n" + std::string(pageIndent, ' ')) + part;
+        used = (fits ? used + columnGap : pageIndent) + width;
     };
     const std::string status = output_.shown(agent.statusText);
     append(output_.styled(styleOf(agent.health), output_.shapes().dot) + " " + status,
@@ -152,15 +150,15 @@ std::string UsageView::head(const AgentBlockContent& agent, const Layout& layout
     std::erase(details, "");
     if (details.size() == 2) {
         const std::string both = details[0] + " · " + details[1];
-        if (indent + displayWidth(both) <= layout.width) {
+        if (pageIndent + displayWidth(both) <= layout.width) {
             details = {both};
         }
     }
     for (const std::string& detail : details) {
-        if (indent + displayWidth(detail) <= layout.width) {
+        if (pageIndent + displayWidth(detail) <= layout.width) {
             append(output_.styled(TextStyle::dim, detail), displayWidth(detail));
         } else {
-            text += "\n" + withoutEnd(paragraph(detail, indent, TextStyle::dim, layout));
+            text += "\n" + withoutEnd(paragraph(detail, pageIndent, TextStyle::dim, layout));
         }
     }
     return text + "\n";
@@ -168,15 +166,16 @@ std::string UsageView::head(const AgentBlockContent& agent, const Layout& layout
 
 std::string UsageView::label(const std::string& text, const Layout& layout, TextStyle style) const {
     if (layout.form == Form::labelAbove) {
-        return paragraph(singleLine(text), indent, style, layout) +
+        return paragraph(singleLine(text), pageIndent, style, layout) +
                std::string(layout.barColumn(), ' ');
     }
-    return std::string(indent, ' ') +
-           output_.styled(style, padded(singleLine(text), layout.label)) + std::string(gap, ' ');
+    return std::string(pageIndent, ' ') +
+           output_.styled(style, padded(singleLine(text), layout.label)) +
+           std::string(columnGap, ' ');
 }
 
 std::string UsageView::row(const UsageRowContent& row, const Layout& layout) const {
-    const std::string blanks(gap, ' ');
+    const std::string blanks(columnGap, ' ');
     std::string text = label(row.fullLabel, layout);
     if (layout.bar > 0) {
         text += bar(row.bar, layout.bar) + blanks;
@@ -214,10 +213,10 @@ std::string UsageView::balance(const BalanceRowContent& balance, const Layout& l
 
 std::string UsageView::failure(const AgentBlockContent& agent, const Layout& layout) const {
     std::string text =
-        warning(singleLine(agent.failure->reason), indent, UsageHealth::critical, layout);
+        warning(singleLine(agent.failure->reason), pageIndent, UsageHealth::critical, layout);
     if (const std::string command = wayOutCommand(agent); !command.empty()) {
-        text += paragraph(words_.format("cli.usage.wayOut", {command}), 2 * indent, TextStyle::dim,
-                          layout);
+        text += paragraph(words_.format("cli.usage.wayOut", {command}), 2 * pageIndent,
+                          TextStyle::dim, layout);
     }
     return text;
 }

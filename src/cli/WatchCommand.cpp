@@ -33,10 +33,6 @@
 namespace vellmark {
 namespace {
 
-/// Spans and ages are told in minutes.
-constexpr Seconds redrawInterval{30};
-constexpr Seconds tolerance{5};
-
 /// Lines that may be more than the screen has, with the agents that they belong to.
 struct Page {
     std::vector<std::string> head;
@@ -129,7 +125,7 @@ private:
         if (refreshTimer_) {
             loop_.cancel(*refreshTimer_);
         }
-        refreshTimer_ = loop_.postAfter(interval(), tolerance, [this] {
+        refreshTimer_ = loop_.postAfter(interval(), redrawTolerance, [this] {
             store_.refresh(RefreshTrigger::timer);
             scheduleRefresh();
         });
@@ -148,7 +144,7 @@ private:
     void tick() {
         show();
         if (screen_) {
-            loop_.postAfter(redrawInterval, tolerance, [this] { tick(); });
+            loop_.postAfter(redrawInterval, redrawTolerance, [this] { tick(); });
         }
     }
 

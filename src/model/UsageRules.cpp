@@ -8,8 +8,6 @@ namespace vellmark {
 
 namespace {
 
-constexpr double full = 100;
-
 /// At or below this remainder a window is critical, whatever time is left.
 constexpr double nearlyNothing = 5;
 /// Without a known time: below these remainders a window is critical or needs attention.
@@ -52,7 +50,7 @@ bool isOfModel(const UsageWindow& window) {
 }
 
 double clampedPercent(double percent) {
-    return std::clamp(percent, 0.0, full);
+    return std::clamp(percent, 0.0, fullPercent);
 }
 
 Seconds length(const UsageWindow& window) {
@@ -104,7 +102,7 @@ std::optional<double> recentRate(const UsageWindow& window, Instant now,
 } // namespace
 
 double remainingPercent(const UsageWindow& window) {
-    return full - window.usedPercent;
+    return fullPercent - window.usedPercent;
 }
 
 bool isUsedUp(const UsageWindow& window) {
@@ -137,18 +135,19 @@ std::optional<double> timeRemainingPercent(const UsageWindow& window, Instant no
     if (!window.resetsAt || !std::isfinite(seconds) || seconds <= 0) {
         return std::nullopt;
     }
-    const double percent = (*window.resetsAt - now) / length(window) * full;
+    const double percent = (*window.resetsAt - now) / length(window) * fullPercent;
     return std::isfinite(percent) ? std::optional(percent) : std::nullopt;
 }
 
 std::optional<double> elapsedPercent(const UsageWindow& window, Instant now) {
     const auto timeRemaining = timeRemainingPercent(window, now);
-    return timeRemaining ? std::optional(clampedPercent(full - *timeRemaining)) : std::nullopt;
+    return timeRemaining ? std::optional(clampedPercent(fullPercent - *timeRemaining))
+                         : std::nullopt;
 }
 
 Severity severity(const UsageWindow& window, Instant now) {
     const double remaining = remainingPercent(window);
-    if (remaining >= full) {
+    if (remaining >= fullPercent) {
         return Severity::fine;
     }
     if (remaining <= nearlyNothing) {
@@ -161,8 +160,8 @@ Severity severity(const UsageWindow& window, Instant now) {
         }
         return remaining < attentionRemainder ? Severity::attention : Severity::fine;
     }
-    if (*timeRemaining >= full) {
-        return graded(remaining - full);
+    if (*timeRemaining >= fullPercent) {
+        return graded(remaining - fullPercent);
     }
     if (*timeRemaining < 0) {
         return Severity::fine;
@@ -223,7 +222,7 @@ std::optional<double> pace(const UsageWindow& window, Instant now) {
     if (!elapsed || *elapsed < leastElapsed || !(window.usedPercent > 0)) {
         return std::nullopt;
     }
-    return window.usedPercent / (*elapsed / full);
+    return window.usedPercent / (*elapsed / fullPercent);
 }
 
 std::optional<Planning> planning(const UsageWindow& window, Instant now) {
@@ -232,7 +231,8 @@ std::optional<Planning> planning(const UsageWindow& window, Instant now) {
         return std::nullopt;
     }
     Planning result;
-    result.points = clampedPercent(remainingPercent(window)) - std::min(*timeRemaining, full);
+    result.points =
+        clampedPercent(remainingPercent(window)) - std::min(*timeRemaining, fullPercent);
     if (result.points > planTolerance) {
         result.kind = Planning::Kind::reserve;
     } else if (result.points < -planTolerance) {

@@ -10,6 +10,9 @@ namespace vellmark {
 
 /// The arithmetic of health, planning and forecast: pure functions of a window and now.
 
+/// A share of everything, in percent.
+inline constexpr double fullPercent = 100;
+
 /// Remaining share in percent, 100 − used, not clamped.
 double remainingPercent(const UsageWindow& window);
 

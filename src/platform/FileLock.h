@@ -39,7 +39,10 @@ private:
 /// one for each write that is left at the end of the program.
 class LockFile {
 public:
-    explicit LockFile(std::filesystem::path path, FileLock::Seconds patience)
+    /// How long another process may keep a file to itself before this one goes on without it.
+    static constexpr FileLock::Seconds usualPatience{1};
+
+    explicit LockFile(std::filesystem::path path, FileLock::Seconds patience = usualPatience)
         : path_(std::move(path)), patience_(patience) {}
 
     std::optional<FileLock> acquire(std::error_code& error) {

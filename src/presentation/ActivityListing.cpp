@@ -14,7 +14,7 @@ namespace vellmark {
 namespace {
 
 using Level = ActivityEntry::Level;
-using Kind = ActivityRow::Kind;
+using RowKind = ActivityRow::Kind;
 
 constexpr std::string_view beginKey = "log.refresh.started";
 constexpr std::string_view endKey = "log.refresh.finished";
@@ -77,7 +77,7 @@ void ActivityListing::setEntries(std::shared_ptr<const Entries> entries, std::si
 }
 
 void ActivityListing::toggle(std::size_t row) {
-    if (row >= rows_.size() || rows_[row].kind == Kind::day) {
+    if (row >= rows_.size() || rows_[row].kind == RowKind::day) {
         return;
     }
     const std::pair key(rows_[row].kind, rows_[row].first);
@@ -227,9 +227,9 @@ void ActivityListing::addRefreshes(std::size_t first, std::size_t end) {
     }
     const bool isMany = count > 1;
     if (isMany) {
-        const ActivityRow row{.kind = Kind::refreshes,
+        const ActivityRow row{.kind = RowKind::refreshes,
                               .isUnfolded =
-                                  unfolded_.contains({Kind::refreshes, group.front().first}),
+                                  unfolded_.contains({RowKind::refreshes, group.front().first}),
                               .first = group.front().first,
                               .end = group.back().end,
                               .count = count};
@@ -248,10 +248,10 @@ void ActivityListing::addRefresh(const Refresh& refresh, std::uint8_t depth, boo
     if (found == 0) {
         return;
     }
-    const bool isUnfolded = unfolded_.contains({Kind::refresh, refresh.first});
+    const bool isUnfolded = unfolded_.contains({RowKind::refresh, refresh.first});
     const bool isSingle = found == 1 && filter_.agent;
     if (!isSingle) {
-        add({.kind = Kind::refresh,
+        add({.kind = RowKind::refresh,
              .depth = depth,
              .isUnfolded = isUnfolded,
              .first = refresh.first,
@@ -268,9 +268,9 @@ void ActivityListing::addRefresh(const Refresh& refresh, std::uint8_t depth, boo
 }
 
 void ActivityListing::addEntry(std::uint32_t index, std::uint8_t depth) {
-    add({.kind = Kind::entry,
+    add({.kind = RowKind::entry,
          .depth = depth,
-         .isUnfolded = unfolded_.contains({Kind::entry, index}),
+         .isUnfolded = unfolded_.contains({RowKind::entry, index}),
          .first = index,
          .end = index + 1});
 }
@@ -279,7 +279,7 @@ void ActivityListing::add(ActivityRow row) {
     const Instant time = at(row.first).time;
     if (!day_.contains(time)) {
         day_ = dayOf(time);
-        rows_.push_back({.kind = Kind::day, .first = row.first, .end = row.first});
+        rows_.push_back({.kind = RowKind::day, .first = row.first, .end = row.first});
     }
     rows_.push_back(row);
 }
@@ -294,7 +294,7 @@ const ActivityEntry& ActivityListing::spokesman(const ActivityRow& row) const {
     const ActivityEntry* found = nullptr;
     for (std::uint32_t index = row.first; index < row.end; ++index) {
         const ActivityEntry& entry = at(index);
-        if (row.kind != Kind::refresh || !matchesAgent(entry)) {
+        if (row.kind != RowKind::refresh || !matchesAgent(entry)) {
             continue;
         }
         const std::string& key = entry.message.key;
@@ -308,20 +308,20 @@ const ActivityEntry& ActivityListing::spokesman(const ActivityRow& row) const {
 ActivityRowContent ActivityListing::content(const ActivityRow& row, Instant now) const {
     const ActivityEntry& first = at(row.first);
     ActivityRowContent content{.kind = row.kind, .depth = row.depth};
-    if (row.kind == Kind::day) {
+    if (row.kind == RowKind::day) {
         content.text = dayText(first.time, now, words_);
         content.accessibilityText = content.text;
         return content;
     }
     const ActivityEntry& entry = spokesman(row);
-    content.isFold = row.kind != Kind::entry;
+    content.isFold = row.kind != RowKind::entry;
     content.isUnfolded = row.isUnfolded;
     content.time = exactTimeText(first.time, words_);
     content.agent = filter_.agent || !content.isFold ? entry.agent : std::nullopt;
     content.subject =
         content.agent ? agentShortName(*content.agent, words_) : words_.text("app.name");
     content.level = content.isFold ? Level::info : entry.level;
-    content.text = row.kind == Kind::refreshes
+    content.text = row.kind == RowKind::refreshes
                        ? words_.format("activity.refreshes", {std::int64_t{row.count}})
                        : entry.text;
     std::string said =

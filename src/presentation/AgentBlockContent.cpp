@@ -12,7 +12,7 @@
 namespace vellmark {
 namespace {
 
-using Kind = UsageProviderError::Kind;
+using ErrorKind = UsageProviderError::Kind;
 
 std::string_view buttonKey(WayOut wayOut) {
     switch (wayOut) {

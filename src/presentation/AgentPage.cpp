@@ -7,24 +7,24 @@ namespace vellmark {
 
 namespace {
 
-using Kind = AgentPage::Kind;
+using PageKind = AgentPage::Kind;
 
-constexpr std::string_view providerPrefix = "provider:";
 constexpr std::size_t mostSteps = 50;
 
 struct NamedKind {
-    Kind kind;
+    PageKind kind;
     std::string_view name;
 };
 constexpr NamedKind namedKinds[] = {
-    {Kind::overview, "overview"}, {Kind::history, "history"}, {Kind::activity, "activity"},
-    {Kind::settings, "settings"}, {Kind::help, "help"},       {Kind::about, "about"},
+    {PageKind::overview, "overview"}, {PageKind::history, "history"},
+    {PageKind::activity, "activity"}, {PageKind::settings, "settings"},
+    {PageKind::help, "help"},         {PageKind::about, "about"},
 };
 
 } // namespace
 
 std::string AgentPage::storedForm() const {
-    if (kind == Kind::provider) {
+    if (kind == PageKind::provider) {
         return std::string(providerPrefix) + providerID.rawValue;
     }
     return std::string(std::ranges::find(namedKinds, kind, &NamedKind::kind)->name);

@@ -14,6 +14,9 @@ namespace vellmark {
 /// "provider:" and the agent's identifier.
 struct AgentPage {
     enum class Kind { provider, overview, history, activity, settings, help, about };
+    /// Before the identifier of an agent in a stored form.
+    static constexpr std::string_view providerPrefix = "provider:";
+
     Kind kind = Kind::overview;
     /// Of the kind `provider`.
     AgentProviderID providerID;

@@ -5,6 +5,7 @@
 #include "probes/ProviderRegistry.h"
 #include "probes/VersionNumber.h"
 #include "text/Formatting.h"
+#include "text/JoinedText.h"
 #include "text/TerminalText.h"
 
 #include <algorithm>
@@ -12,16 +13,6 @@
 
 namespace vellmark {
 namespace {
-
-std::string joined(const std::vector<std::string>& parts) {
-    std::string text;
-    for (const std::string& part : parts) {
-        if (!part.empty()) {
-            text += (text.empty() ? "" : " · ") + part;
-        }
-    }
-    return text;
-}
 
 std::string sourceName(const AgentProviderID& id, const Localization& words) {
     const ProviderDescriptor* descriptor = providerDescriptor(id);
@@ -58,7 +49,8 @@ PageHeadContent headContent(const AgentUsageSnapshot& snapshot, const AgentBlock
                             const Localization& words) {
     PageHeadContent head;
     head.title = block.name;
-    head.subtitle = joined({block.account, block.plan, sourceName(snapshot.id, words)});
+    head.subtitle =
+        joined({block.account, block.plan, sourceName(snapshot.id, words)}, factSeparator);
     head.age = headAge(snapshot, block, readAt, now, words);
     head.isRefreshing = state.reading.contains(snapshot.id);
     head.refresh = {words.text(head.isRefreshing ? "header.refreshing" : "header.refresh"),
@@ -81,7 +73,7 @@ AgentWindowContent windowContent(const AgentUsageSnapshot& snapshot, UsageRowCon
     // A window that is older than the others tells its age beside its reset.
     if (agent.isOld) {
         content.statusText =
-            joined({content.statusText, briefAgeText(snapshot, agent, now, words)});
+            joined({content.statusText, briefAgeText(snapshot, agent, now, words)}, factSeparator);
     }
     if (!content.row.forecast) {
         content.outlook = content.row.outlook;
@@ -194,7 +186,7 @@ void addPhases(ReadingCardContent& card, const SnapshotNote::ClaudeTiming& timin
         }
     }
     if (!texts.empty()) {
-        card.phasesText = words.format("detail.phases", {joined(texts)});
+        card.phasesText = words.format("detail.phases", {joined(texts, factSeparator)});
     }
 }
 

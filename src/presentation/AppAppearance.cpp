@@ -9,7 +9,6 @@ namespace {
 
 using Setting = AppAppearance::Setting;
 
-constexpr std::string_view preferenceKey = "AppAppearance";
 constexpr std::array<std::pair<Setting, std::string_view>, 3> storedForms{
     {{Setting::system, "system"}, {Setting::light, "light"}, {Setting::dark, "dark"}}};
 

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 namespace vellmark {
 
@@ -12,6 +13,8 @@ namespace vellmark {
 /// "light", "dark"). Main thread.
 class AppAppearance {
 public:
+    static constexpr std::string_view preferenceKey = "AppAppearance";
+
     enum class Setting { system, light, dark };
 
     explicit AppAppearance(Preferences& preferences);

@@ -19,7 +19,7 @@ public:
     static constexpr Seconds glyphTolerance{5};
     static constexpr Seconds refreshPeriod{300};
     static constexpr Seconds refreshTolerance{20};
-    static constexpr Seconds logTrimPeriod{86400};
+    static constexpr Seconds logTrimPeriod = oneDay;
     static constexpr Seconds logTrimTolerance{600};
     static constexpr Seconds wakeHold{10};
 

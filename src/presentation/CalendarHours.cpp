@@ -22,7 +22,7 @@ const CalendarHour& CalendarHours::at(Instant instant) {
     const std::chrono::sys_days days = daysOf(date);
     const Seconds whole(std::floor(instant.time_since_epoch().count()));
     current_.begin = Instant(whole) - Seconds(date.minute * 60 + date.second);
-    current_.end = current_.begin + Seconds(3600);
+    current_.end = current_.begin + oneHour;
     current_.day = days.time_since_epoch().count();
     current_.weekday = static_cast<int>(std::chrono::weekday(days).iso_encoding()) - 1;
     current_.hour = date.hour;

@@ -15,8 +15,6 @@ namespace vellmark {
 
 namespace {
 
-constexpr double full = 100;
-constexpr double dayMinutes = 24 * 60;
 /// Where now stands in a chart that looks ahead.
 constexpr double shareOfPast = 0.72;
 /// Of the same figures a sample comes so often.
@@ -51,12 +49,12 @@ std::optional<ShownWindow> shownWindow(const Making& making, const std::string& 
 }
 
 double left(const UsageWindow& window) {
-    return std::clamp(remainingPercent(window), 0.0, full);
+    return std::clamp(remainingPercent(window), 0.0, fullPercent);
 }
 
 /// A line would go up and down too often to be followed.
 bool isShownByDays(const UsageWindow& window, ChartRange range) {
-    return window.windowDurationMinutes && *window.windowDurationMinutes < dayMinutes &&
+    return window.windowDurationMinutes && *window.windowDurationMinutes < oneDay / oneMinute &&
            range >= ChartRange::month;
 }
 
@@ -92,15 +90,15 @@ std::vector<ChartDay> daysOf(std::span<const HistoryPoint> points, const ChartSc
         if (const CalendarHour& hour = hours.at(point.capturedAt); hour.day != day) {
             const double begin = scale.x(beginOfDay(point.capturedAt, zone));
             const double end = scale.x(beginOfDay(point.capturedAt, 1, zone));
-            days.push_back({{std::max(begin, 0.0), std::min(end, 1.0)}, full, 0});
+            days.push_back({{std::max(begin, 0.0), std::min(end, 1.0)}, fullPercent, 0});
             day = hour.day;
             before = nullptr;
         }
-        const double value = std::clamp(full - point.usedPercent, 0.0, full);
+        const double value = std::clamp(fullPercent - point.usedPercent, 0.0, fullPercent);
         const bool wasReset = before && before->resetsAtSeconds != point.resetsAtSeconds &&
                               resetBetween(*before, point);
         days.back().lowest = std::min(days.back().lowest, value);
-        days.back().highest = std::max(days.back().highest, wasReset ? full : value);
+        days.back().highest = std::max(days.back().highest, wasReset ? fullPercent : value);
         before = &point;
     }
     return days;
@@ -217,7 +215,7 @@ void addOutlook(ChartContent& content, const Making& making, const ShownWindow& 
     const bool isByDays = !content.lines.front().days.empty();
     if (!isByDays && window.windowDurationMinutes && *window.windowDurationMinutes > 0) {
         content.evenPace = {
-            ChartPoint{scale.x(reset - Seconds(*window.windowDurationMinutes * 60)), full},
+            ChartPoint{scale.x(reset - Seconds(*window.windowDurationMinutes * 60)), fullPercent},
             ChartPoint{scale.x(reset), 0}};
         content.evenPaceName = making.words.text("chart.evenPace");
     }
@@ -303,7 +301,7 @@ std::vector<ChartTimeLabel> calendarLabels(const ChartScale& scale, ChartRange r
 void addAxes(ChartContent& content, const Making& making) {
     const bool looksAhead = making.request.looksAhead;
     const double step = looksAhead ? 50 : 25;
-    for (double y = full; y >= 0; y -= step) {
+    for (double y = fullPercent; y >= 0; y -= step) {
         content.heightLabels.push_back({y, percentText(y, making.words)});
     }
     content.timeLabels.push_back({content.nowX, making.words.text("chart.now"), true});

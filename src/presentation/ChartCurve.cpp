@@ -1,5 +1,6 @@
 #include "presentation/ChartCurve.h"
 
+#include "model/UsageRules.h"
 #include "presentation/ReadingPause.h"
 
 #include <algorithm>
@@ -9,12 +10,11 @@ namespace vellmark {
 
 namespace {
 
-constexpr double full = 100;
 /// A pause shorter than this share of the chart is none.
 constexpr double leastShare = 1.0 / 60;
 
 double left(const HistoryPoint& point) {
-    return std::clamp(full - point.usedPercent, 0.0, full);
+    return std::clamp(fullPercent - point.usedPercent, 0.0, fullPercent);
 }
 
 /// Collects the points of a curve; of each column the first, the lowest, the highest and the last.
@@ -114,7 +114,7 @@ ChartCurve chartCurve(std::span<const HistoryPoint> points,
         } else if (reset) {
             reducer.add({scale.x(*reset), left(*before)});
             if (*reset < point.capturedAt) {
-                reducer.add({scale.x(*reset), full});
+                reducer.add({scale.x(*reset), fullPercent});
             }
         }
         reducer.add({x, left(point)});

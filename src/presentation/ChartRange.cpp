@@ -14,14 +14,14 @@ struct RangeFacts {
     std::string_view longKey;
 };
 
-constexpr Seconds day{86'400};
 constexpr std::array allFacts{
-    RangeFacts{ChartRange::day, day, "24h", "chart.range.day", "chart.range.day.long"},
-    RangeFacts{ChartRange::week, 7 * day, "7d", "chart.range.week", "chart.range.week.long"},
-    RangeFacts{ChartRange::month, 30 * day, "30d", "chart.range.month", "chart.range.month.long"},
-    RangeFacts{ChartRange::quarter, 90 * day, "90d", "chart.range.quarter",
+    RangeFacts{ChartRange::day, oneDay, "24h", "chart.range.day", "chart.range.day.long"},
+    RangeFacts{ChartRange::week, 7 * oneDay, "7d", "chart.range.week", "chart.range.week.long"},
+    RangeFacts{ChartRange::month, 30 * oneDay, "30d", "chart.range.month",
+               "chart.range.month.long"},
+    RangeFacts{ChartRange::quarter, 90 * oneDay, "90d", "chart.range.quarter",
                "chart.range.quarter.long"},
-    RangeFacts{ChartRange::year, 365 * day, "1y", "chart.range.year", "chart.range.year.long"},
+    RangeFacts{ChartRange::year, 365 * oneDay, "1y", "chart.range.year", "chart.range.year.long"},
 };
 
 const RangeFacts& factsOf(ChartRange range) {

@@ -1,5 +1,6 @@
 #include "presentation/HistoryPageContent.h"
 
+#include "model/UsageRules.h"
 #include "model/UsageTexts.h"
 #include "presentation/AgentBlockContent.h"
 #include "presentation/AgentStanding.h"
@@ -17,12 +18,10 @@ namespace vellmark {
 
 namespace {
 
-constexpr double full = 100;
-constexpr double dayMinutes = 24 * 60;
 constexpr int hourStep = 6;
 
 bool isShort(const UsageWindow& window) {
-    return window.windowDurationMinutes && *window.windowDurationMinutes < dayMinutes;
+    return window.windowDurationMinutes && *window.windowDurationMinutes < oneDay / oneMinute;
 }
 
 const AgentUsageSnapshot* snapshotOf(const UsageState& state, const HistoryPageChoice& choice) {
@@ -202,7 +201,7 @@ std::optional<HistoryFigure> averageFigure(const UsageWindow& window,
     }
     HistoryFigure figure{percentText(*aDay, words), used, words.text("history.average.day")};
     if (window.windowDurationMinutes && *window.windowDurationMinutes > 0) {
-        const double even = full / (*window.windowDurationMinutes / dayMinutes);
+        const double even = fullPercent / (*window.windowDurationMinutes / (oneDay / oneMinute));
         figure.caption =
             words.format("history.average.even", {percentText(std::round(even), words)});
     }
@@ -226,7 +225,7 @@ void addFigures(HistoryPageContent& content, const UsageWindow& window,
              words.text("history.usedUp")});
     }
     if (statistics.endsSeen > 0) {
-        add({percentText(full * statistics.endsWithRest / statistics.endsSeen, words),
+        add({percentText(fullPercent * statistics.endsWithRest / statistics.endsSeen, words),
              words.format(words.takesSingular(statistics.endsSeen) ? "history.unused.reset"
                                                                    : "history.unused.resets",
                           {static_cast<std::int64_t>(statistics.endsSeen)}),
@@ -241,7 +240,7 @@ void addFigures(HistoryPageContent& content, const UsageWindow& window,
                  "history.busiest.until",
                  {dateText(someInstant(0, (busiest->hour + 1) % 24, zone), DateForm::hour, words)}),
              words.format("history.busiest",
-                          {percentText(std::round(full * busiest->share), words)})});
+                          {percentText(std::round(fullPercent * busiest->share), words)})});
     }
 }
 

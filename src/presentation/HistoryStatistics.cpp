@@ -1,5 +1,6 @@
 #include "presentation/HistoryStatistics.h"
 
+#include "model/UsageRules.h"
 #include "presentation/CalendarHours.h"
 #include "presentation/ReadingPause.h"
 
@@ -9,8 +10,6 @@ namespace vellmark {
 
 namespace {
 
-constexpr Seconds day{86'400};
-constexpr double full = 100;
 /// What is shown as 0 %.
 constexpr double nothing = 0.05;
 
@@ -61,7 +60,7 @@ private:
             return;
         }
         if (*reset >= span_.from && isSeen(before.capturedAt, *reset)) {
-            const double rest = std::max(full - highest_, 0.0);
+            const double rest = std::max(fullPercent - highest_, 0.0);
             ++result_.endsSeen;
             result_.endsWithRest += rest >= nothing;
             result_.rest += rest;
@@ -109,8 +108,8 @@ private:
     void endPeriod() {
         if (isPeriodInUse_) {
             ++result_.periodsInUse;
-            result_.usedInPeriods += std::min(highest_, full);
-            result_.timesUsedUp += full - highest_ < nothing;
+            result_.usedInPeriods += std::min(highest_, fullPercent);
+            result_.timesUsedUp += fullPercent - highest_ < nothing;
         }
         isPeriodInUse_ = false;
     }
@@ -120,7 +119,7 @@ private:
         for (Instant at = observedFrom_; at < span_.to;) {
             const CalendarHour hour = hours_.at(at);
             const Instant until = std::min(hour.end, span_.to);
-            cell(result_.hoursObserved, hour) += (until - at) / Seconds(3600);
+            cell(result_.hoursObserved, hour) += (until - at) / oneHour;
             at = until;
         }
     }
@@ -137,7 +136,7 @@ private:
 } // namespace
 
 std::optional<double> HistoryStatistics::usedADay() const {
-    return observed >= day ? std::optional(used * (day / observed)) : std::nullopt;
+    return observed >= oneDay ? std::optional(used * (oneDay / observed)) : std::nullopt;
 }
 
 std::optional<HistoryStatistics::Hour> HistoryStatistics::busiestHour() const {

@@ -6,7 +6,6 @@
 namespace vellmark {
 namespace {
 
-constexpr std::string_view preferenceKey = "AppLanguage";
 constexpr std::string_view systemSetting = "system";
 constexpr const char* fallback = "en";
 
@@ -22,7 +21,7 @@ std::string_view languageOf(std::string_view identifier) {
 
 /// "system" or the code of a language that there is.
 std::string storedSetting(const Preferences& preferences) {
-    std::string setting = preferences.string(preferenceKey).value_or("");
+    std::string setting = preferences.string(LanguageManager::preferenceKey).value_or("");
     return Localization::hasLanguage(setting) ? setting : std::string(systemSetting);
 }
 
@@ -68,12 +67,13 @@ void LanguageManager::choose(const std::string& setting) {
     }
     forced_.clear();
     setting_ = setting;
-    preferences_.setString(preferenceKey, setting);
+    preferences_.setString(LanguageManager::preferenceKey, setting);
     changeWords();
 }
 
 void LanguageManager::takeSetting() {
-    std::string kept = preferences_.string(preferenceKey).value_or(std::string(systemSetting));
+    std::string kept =
+        preferences_.string(LanguageManager::preferenceKey).value_or(std::string(systemSetting));
     if (std::ranges::find(settings(), kept) == settings().end()) {
         kept = systemSetting;
     }

@@ -26,6 +26,8 @@ std::string chosenLanguage(const Preferences& preferences);
 /// "AppLanguage" ("system" or the code of a language). Main thread.
 class LanguageManager {
 public:
+    static constexpr std::string_view preferenceKey = "AppLanguage";
+
     /// `forced` overrides the setting for this run and may be empty.
     LanguageManager(Preferences& preferences, UserLocale system, std::string forced = {});
 

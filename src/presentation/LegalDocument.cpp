@@ -8,7 +8,7 @@
 namespace vellmark {
 namespace {
 
-using Kind = TextBlock::Kind;
+using BlockKind = TextBlock::Kind;
 
 std::string_view fileName(LegalDocument document) {
     return document == LegalDocument::terms ? "terms" : "privacy";
@@ -42,14 +42,14 @@ LegalText parsed(std::string_view source) {
         } else if (line.starts_with("# ")) {
             result.title = line.substr(2);
         } else if (line.starts_with("## ")) {
-            result.blocks.push_back({Kind::heading, std::string(line.substr(3))});
+            result.blocks.push_back({BlockKind::heading, std::string(line.substr(3))});
         } else if (line.starts_with("- ")) {
-            result.blocks.push_back({Kind::item, std::string(line.substr(2))});
+            result.blocks.push_back({BlockKind::item, std::string(line.substr(2))});
             continues = true;
         } else if (continues) {
             result.blocks.back().text.append(" ").append(line);
         } else {
-            result.blocks.push_back({Kind::paragraph, std::string(line)});
+            result.blocks.push_back({BlockKind::paragraph, std::string(line)});
             continues = true;
         }
     }

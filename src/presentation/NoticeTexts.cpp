@@ -7,6 +7,7 @@
 #include "probes/ProviderRegistry.h"
 #include "store/ReadingTime.h"
 #include "text/Formatting.h"
+#include "text/JoinedText.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -43,20 +44,10 @@ struct Subject {
     const Localization& words;
 };
 
-std::string joined(const std::vector<std::string>& parts, const char* separator) {
-    std::string text;
-    for (const std::string& part : parts) {
-        if (!part.empty()) {
-            text += (text.empty() ? "" : separator) + part;
-        }
-    }
-    return text;
-}
-
 std::string nameOf(const Subject& subject) {
     return joined({agentShortName(subject.snapshot.id, subject.words),
                    subject.window ? windowLabel(*subject.window, subject.words, true) : ""},
-                  " · ");
+                  factSeparator);
 }
 
 std::string valueText(const UsageWindow& window, const Subject& subject) {
@@ -187,7 +178,7 @@ Parts runsOut(const Subject& subject) {
                                      {instantText(*outlook->emptyAt, subject.now, subject.words)});
         }
         parts.brief = valueText(*subject.window, subject);
-        parts.fact = joined({parts.brief, empty, resetMoment(subject)}, " · ");
+        parts.fact = joined({parts.brief, empty, resetMoment(subject)}, factSeparator);
     }
     return parts;
 }
@@ -197,7 +188,7 @@ Parts critical(const Subject& subject) {
                 "notice.critical",
                 {nameOf(subject), subject.window ? valueText(*subject.window, subject) : ""}),
             .fact = joined({healthText(UsageHealth::critical, subject.words), resetMoment(subject)},
-                           " · "),
+                           factSeparator),
             .more = {},
             .brief = {}};
 }
@@ -205,7 +196,7 @@ Parts critical(const Subject& subject) {
 Parts begunAnew(std::string_view key, const Subject& subject) {
     const std::string value = subject.window ? valueText(*subject.window, subject) : "";
     return {.title = title(key, subject),
-            .fact = joined({value, resetMoment(subject)}, " · "),
+            .fact = joined({value, resetMoment(subject)}, factSeparator),
             .more = {},
             .brief = value};
 }
@@ -223,7 +214,7 @@ Parts expires(const Subject& subject) {
     parts.fact =
         joined({parts.brief,
                 count > 1 ? subject.words.format("notice.expires.count", {count}) : std::string()},
-               " · ");
+               factSeparator);
     return parts;
 }
 
@@ -317,7 +308,7 @@ NoticeText noticeText(const NoticePost& post, const UsageState& state, Instant n
     }
     std::vector<std::string> lines;
     for (std::size_t index = 0; index < std::min(all.size(), mostLines); ++index) {
-        lines.push_back(joined({all[index].title, all[index].brief}, " · "));
+        lines.push_back(joined({all[index].title, all[index].brief}, factSeparator));
     }
     if (all.size() > mostLines) {
         lines.push_back(

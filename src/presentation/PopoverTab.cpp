@@ -1,21 +1,21 @@
 #include "presentation/PopoverTab.h"
 
+#include "presentation/AgentPage.h"
+
 #include <algorithm>
 
 namespace vellmark {
 
-static constexpr std::string_view providerPrefix = "provider:";
-
 std::string PopoverTab::storedForm() const {
-    return provider ? std::string(providerPrefix) + provider->rawValue : "overview";
+    return provider ? std::string(AgentPage::providerPrefix) + provider->rawValue : "overview";
 }
 
 PopoverTab PopoverTab::fromStoredForm(std::string_view text,
                                       std::span<const AgentProviderID> shown) {
-    if (!text.starts_with(providerPrefix)) {
+    if (!text.starts_with(AgentPage::providerPrefix)) {
         return overview();
     }
-    AgentProviderID id(std::string(text.substr(providerPrefix.size())));
+    AgentProviderID id(std::string(text.substr(AgentPage::providerPrefix.size())));
     if (std::find(shown.begin(), shown.end(), id) == shown.end()) {
         return overview();
     }

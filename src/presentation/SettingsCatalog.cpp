@@ -1,6 +1,7 @@
 #include "presentation/SettingsCatalog.h"
 
 #include "platform/SystemFacts.h"
+#include "presentation/AppAppearance.h"
 #include "presentation/LanguageManager.h"
 #include "presentation/LaunchAtLoginController.h"
 #include "presentation/NoticeSettings.h"
@@ -9,6 +10,7 @@
 #include "store/AgentSettings.h"
 #include "store/AppSettings.h"
 #include "text/Capitalization.h"
+#include "text/JoinedText.h"
 #include "text/TerminalText.h"
 
 #include <algorithm>
@@ -18,7 +20,7 @@
 namespace vellmark {
 namespace {
 
-using Kind = SettingItem::Kind;
+using SettingKind = SettingItem::Kind;
 
 constexpr const char* automatic = "automatic";
 constexpr const char* none = "none";
@@ -40,7 +42,7 @@ SettingItem choiceItem(std::string name, std::string wordsKey,
 SettingItem toggleItem(std::string name, std::string wordsKey,
                        const setting::SwitchSetting& toggle) {
     SettingItem item = choiceItem(std::move(name), std::move(wordsKey), toggle);
-    item.kind = Kind::toggle;
+    item.kind = SettingKind::toggle;
     return item;
 }
 
@@ -55,12 +57,12 @@ std::vector<SettingItem> noticeItems() {
             toggleItem("notice-unread", "settings.noticeUnread", setting::noticeUnread),
             toggleItem("quiet-hours", "settings.quietHours", setting::quietHours),
             {.name = "quiet-from",
-             .kind = Kind::timeOfDay,
+             .kind = SettingKind::timeOfDay,
              .preferenceKey = std::string(setting::quietFromKey),
              .wordsKey = "settings.quietFrom",
              .values = {std::string(setting::quietFromDefault)}},
             {.name = "quiet-until",
-             .kind = Kind::timeOfDay,
+             .kind = SettingKind::timeOfDay,
              .preferenceKey = std::string(setting::quietUntilKey),
              .wordsKey = "settings.quietUntil",
              .values = {std::string(setting::quietUntilDefault)}}};
@@ -69,13 +71,13 @@ std::vector<SettingItem> noticeItems() {
 std::vector<SettingItem> agentItems(const ProviderDescriptor& agent) {
     const std::string& id = agent.id.rawValue;
     std::vector<SettingItem> items{{.name = id + "-path",
-                                    .kind = Kind::executable,
+                                    .kind = SettingKind::executable,
                                     .preferenceKey = AgentSettings::executableKey(agent.id),
                                     .wordsKey = "settings.executable",
                                     .agent = agent.id}};
     if (agent.readingWays.size() > 1) {
         SettingItem way{.name = id + "-way",
-                        .kind = Kind::way,
+                        .kind = SettingKind::way,
                         .preferenceKey = AgentSettings::wayKey(agent.id),
                         .wordsKey = "settings.way",
                         .values = {automatic},
@@ -83,7 +85,7 @@ std::vector<SettingItem> agentItems(const ProviderDescriptor& agent) {
         way.values.insert(way.values.end(), agent.readingWays.begin(), agent.readingWays.end());
         items.push_back(std::move(way));
         items.push_back({.name = id + "-interval",
-                         .kind = Kind::minutes,
+                         .kind = SettingKind::minutes,
                          .preferenceKey = AgentSettings::intervalKey(agent.id),
                          .wordsKey = "settings.agentInterval",
                          .agent = agent.id});
@@ -94,20 +96,22 @@ std::vector<SettingItem> agentItems(const ProviderDescriptor& agent) {
 std::vector<SettingItem> allItems() {
     std::vector<SettingItem> items{
         {.name = "agents",
-         .kind = Kind::agents,
+         .kind = SettingKind::agents,
          .preferenceKey = std::string(AgentSettings::disabledKey),
          .wordsKey = "settings.agents"},
         {.name = "agent-order",
-         .kind = Kind::order,
+         .kind = SettingKind::order,
          .preferenceKey = std::string(AgentSettings::orderKey),
          .wordsKey = "settings.agentOrder"},
-        {.name = "launch-at-login", .kind = Kind::loginItem, .wordsKey = "settings.launchAtLogin"},
+        {.name = "launch-at-login",
+         .kind = SettingKind::loginItem,
+         .wordsKey = "settings.launchAtLogin"},
         {.name = "language",
-         .preferenceKey = "AppLanguage",
+         .preferenceKey = std::string(LanguageManager::preferenceKey),
          .wordsKey = "settings.language",
          .values = LanguageManager::settings()},
         {.name = "appearance",
-         .preferenceKey = "AppAppearance",
+         .preferenceKey = std::string(AppAppearance::preferenceKey),
          .wordsKey = "settings.appearance",
          .values = {"system", "light", "dark"}},
         choiceItem("first-figure", "settings.firstFigure", setting::firstFigure),
@@ -120,14 +124,6 @@ std::vector<SettingItem> allItems() {
         std::ranges::move(agentItems(registration.descriptor), std::back_inserter(items));
     }
     return items;
-}
-
-std::string joined(const std::vector<std::string>& words, const char* separator) {
-    std::string text;
-    for (const std::string& word : words) {
-        text += (text.empty() ? "" : separator) + word;
-    }
-    return text;
 }
 
 std::vector<std::string> registeredNames() {
@@ -172,40 +168,40 @@ std::string SettingsCatalog::value(const SettingItem& item) const {
     const AgentSettings agents(preferences_, providerRegistry());
     std::vector<std::string> names;
     switch (item.kind) {
-    case Kind::choice:
-    case Kind::toggle:
-    case Kind::way:
+    case SettingKind::choice:
+    case SettingKind::toggle:
+    case SettingKind::way:
         if (const auto stored = preferences_.string(item.preferenceKey);
             stored && std::ranges::find(item.values, *stored) != item.values.end()) {
             return *stored;
         }
         break;
-    case Kind::timeOfDay:
+    case SettingKind::timeOfDay:
         if (const auto stored = preferences_.string(item.preferenceKey);
             stored && TimeOfDay::parse(*stored)) {
             return *stored;
         }
         break;
-    case Kind::loginItem:
+    case SettingKind::loginItem:
         return launchAtLogin_.state() == LaunchAtLoginController::State::on ? on : off;
-    case Kind::order:
+    case SettingKind::order:
         for (const AgentProviderID& id : agents.order()) {
             names.push_back(id.rawValue);
         }
         return joined(names, ",");
-    case Kind::agents:
+    case SettingKind::agents:
         for (const AgentProviderID& id : agents.order()) {
             if (agents.enabled().contains(id)) {
                 names.push_back(id.rawValue);
             }
         }
         return names.empty() ? none : joined(names, ",");
-    case Kind::executable:
+    case SettingKind::executable:
         if (const auto path = agents.chosenExecutable(*item.agent)) {
             return path->string();
         }
         break;
-    case Kind::minutes:
+    case SettingKind::minutes:
         if (const auto interval =
                 agents.readingOptions(*providerDescriptor(*item.agent)).interval) {
             return std::to_string(std::lround(interval->count() / 60));
@@ -217,18 +213,18 @@ std::string SettingsCatalog::value(const SettingItem& item) const {
 
 std::string SettingsCatalog::defaultValue(const SettingItem& item) const {
     switch (item.kind) {
-    case Kind::choice:
-    case Kind::toggle:
-    case Kind::timeOfDay:
-    case Kind::way:
+    case SettingKind::choice:
+    case SettingKind::toggle:
+    case SettingKind::timeOfDay:
+    case SettingKind::way:
         return item.values.front();
-    case Kind::loginItem:
+    case SettingKind::loginItem:
         return on;
-    case Kind::order:
-    case Kind::agents:
+    case SettingKind::order:
+    case SettingKind::agents:
         return joined(registeredNames(), ",");
-    case Kind::executable:
-    case Kind::minutes:
+    case SettingKind::executable:
+    case SettingKind::minutes:
         break;
     }
     return automatic;
@@ -236,21 +232,21 @@ std::string SettingsCatalog::defaultValue(const SettingItem& item) const {
 
 std::string SettingsCatalog::allowedText(const SettingItem& item) const {
     switch (item.kind) {
-    case Kind::choice:
-    case Kind::way:
+    case SettingKind::choice:
+    case SettingKind::way:
         return joined(item.values, ", ");
-    case Kind::timeOfDay:
+    case SettingKind::timeOfDay:
         return "00:00-23:59";
-    case Kind::toggle:
-    case Kind::loginItem:
+    case SettingKind::toggle:
+    case SettingKind::loginItem:
         return std::string(on) + ", " + off;
-    case Kind::order:
+    case SettingKind::order:
         return joined(registeredNames(), ", ");
-    case Kind::agents:
+    case SettingKind::agents:
         return joined(registeredNames(), ", ") + ", " + none;
-    case Kind::executable:
+    case SettingKind::executable:
         return std::string("PATH, ") + automatic;
-    case Kind::minutes:
+    case SettingKind::minutes:
         break;
     }
     std::string range = std::to_string(leastMinutes);
@@ -266,14 +262,14 @@ std::string SettingsCatalog::title(const SettingItem& item, const Localization& 
 std::string SettingsCatalog::valueText(const SettingItem& item, const Localization& words) const {
     const std::string value = this->value(item);
     switch (item.kind) {
-    case Kind::choice:
-    case Kind::way:
+    case SettingKind::choice:
+    case SettingKind::way:
         return words.text(item.wordsKey + "." + value);
-    case Kind::toggle:
+    case SettingKind::toggle:
         return words.text("settings.switch." + value);
-    case Kind::timeOfDay:
+    case SettingKind::timeOfDay:
         return TimeOfDay::parse(value)->text(words);
-    case Kind::loginItem:
+    case SettingKind::loginItem:
         switch (launchAtLogin_.state()) {
         case LaunchAtLoginController::State::unavailable:
             return words.text("settings.launchAtLogin.unavailable");
@@ -282,8 +278,8 @@ std::string SettingsCatalog::valueText(const SettingItem& item, const Localizati
         default:
             return words.text(item.wordsKey + "." + value);
         }
-    case Kind::order:
-    case Kind::agents: {
+    case SettingKind::order:
+    case SettingKind::agents: {
         if (value == none) {
             return words.text("settings.agents.none");
         }
@@ -294,7 +290,7 @@ std::string SettingsCatalog::valueText(const SettingItem& item, const Localizati
         }
         return joined(names, ", ");
     }
-    case Kind::executable:
+    case SettingKind::executable:
         if (value == automatic) {
             const auto found = providerDescriptor(*item.agent)->executableLocator(machine_);
             return found ? words.format("settings.executable.found",
@@ -304,7 +300,7 @@ std::string SettingsCatalog::valueText(const SettingItem& item, const Localizati
         return isExecutableFile(value) ? singleLine(machine_.abbreviated(value))
                                        : words.format("settings.executable.unusable",
                                                       {singleLine(machine_.abbreviated(value))});
-    case Kind::minutes:
+    case SettingKind::minutes:
         break;
     }
     return value == automatic ? words.text("settings.agentInterval.automatic")
@@ -320,28 +316,28 @@ SettingRefusal SettingsCatalog::notAllowed(const SettingItem& item, const std::s
 std::optional<SettingRefusal> SettingsCatalog::set(const SettingItem& item,
                                                    const std::string& text) {
     switch (item.kind) {
-    case Kind::choice:
-    case Kind::toggle:
-    case Kind::way:
+    case SettingKind::choice:
+    case SettingKind::toggle:
+    case SettingKind::way:
         if (std::ranges::find(item.values, text) == item.values.end()) {
             return notAllowed(item, text);
         }
-        if (item.kind == Kind::way && text == automatic) {
+        if (item.kind == SettingKind::way && text == automatic) {
             reset(item);
         } else {
             preferences_.setString(item.preferenceKey, text);
         }
         return std::nullopt;
-    case Kind::timeOfDay:
+    case SettingKind::timeOfDay:
         return setTimeOfDay(item, text);
-    case Kind::loginItem:
+    case SettingKind::loginItem:
         return setLoginItem(item, text);
-    case Kind::order:
-    case Kind::agents:
+    case SettingKind::order:
+    case SettingKind::agents:
         return setAgents(item, text);
-    case Kind::executable:
+    case SettingKind::executable:
         return setExecutable(item, text);
-    case Kind::minutes:
+    case SettingKind::minutes:
         break;
     }
     return setMinutes(item, text);
@@ -363,13 +359,14 @@ std::optional<SettingRefusal> SettingsCatalog::setLoginItem(const SettingItem& i
 
 std::optional<SettingRefusal> SettingsCatalog::setAgents(const SettingItem& item,
                                                          const std::string& text) {
-    const auto named =
-        item.kind == Kind::agents && text == none ? std::vector<AgentProviderID>() : agentsIn(text);
+    const auto named = item.kind == SettingKind::agents && text == none
+                           ? std::vector<AgentProviderID>()
+                           : agentsIn(text);
     if (!named || (named->empty() && text != none)) {
         return notAllowed(item, text);
     }
     AgentSettings agents(preferences_, providerRegistry());
-    if (item.kind == Kind::order) {
+    if (item.kind == SettingKind::order) {
         agents.setOrder(agents.completed(*named));
         return std::nullopt;
     }
@@ -427,7 +424,7 @@ std::optional<SettingRefusal> SettingsCatalog::setMinutes(const SettingItem& ite
 }
 
 std::optional<SettingRefusal> SettingsCatalog::reset(const SettingItem& item) {
-    if (item.kind == Kind::loginItem) {
+    if (item.kind == SettingKind::loginItem) {
         return setLoginItem(item, on);
     }
     preferences_.remove(item.preferenceKey);
@@ -436,7 +433,7 @@ std::optional<SettingRefusal> SettingsCatalog::reset(const SettingItem& item) {
 
 void SettingsCatalog::resetAll() {
     for (const SettingItem& item : items_) {
-        if (item.kind != Kind::loginItem) {
+        if (item.kind != SettingKind::loginItem) {
             reset(item);
         }
     }

@@ -2,6 +2,8 @@
 
 #include "model/UsageTexts.h"
 #include "presentation/AgentBlockContent.h"
+#include "presentation/AppAppearance.h"
+#include "presentation/LanguageManager.h"
 #include "probes/ProviderRegistry.h"
 #include "probes/VersionNumber.h"
 #include "text/Formatting.h"
@@ -17,16 +19,16 @@
 namespace vellmark {
 namespace {
 
-using Kind = SettingItem::Kind;
+using SettingKind = SettingItem::Kind;
 using Value = SettingsPageState::Value;
 
-constexpr std::string_view languageKey = "AppLanguage";
 constexpr std::string_view figureKey = "StatusItemFigure";
 constexpr std::string_view systemValue = "system";
 constexpr std::string_view automaticValue = "automatic";
 
 /// The preferences of the rows, section by section; the login item has none and comes first.
-constexpr std::array<std::string_view, 5> generalKeys{languageKey, "AppAppearance", "FirstFigure",
+constexpr std::array<std::string_view, 5> generalKeys{LanguageManager::preferenceKey,
+                                                      AppAppearance::preferenceKey, "FirstFigure",
                                                       "ReadingInterval", "LastWindow"};
 constexpr std::array<std::string_view, 2> statusItemKeys{"StatusItemInk", figureKey};
 
@@ -45,7 +47,7 @@ const Value* find(const SettingsPageState& state, std::string_view preferenceKey
     return found == state.settings.end() ? nullptr : &*found;
 }
 
-const Value* find(const SettingsPageState& state, Kind kind,
+const Value* find(const SettingsPageState& state, SettingKind kind,
                   const std::optional<AgentProviderID>& agent) {
     const auto found = std::ranges::find_if(state.settings, [&](const Value& value) {
         return value.item.kind == kind && value.item.agent == agent;
@@ -148,7 +150,7 @@ SettingRowContent wayRow(const Value& setting, const std::string& agent,
                          const Localization& words) {
     const SettingItem& item = setting.item;
     SettingChoices choices{.current = setting.value, .form = SettingChoices::Form::popUp};
-    if (item.kind == Kind::way) {
+    if (item.kind == SettingKind::way) {
         for (const std::string& value : item.values) {
             choices.choices.push_back({value, words.text(item.wordsKey + "." + value)});
         }
@@ -175,13 +177,13 @@ AgentProgramContent programContent(const ProviderDescriptor& agent, const Settin
                                    const Machine& machine, const Localization& words) {
     AgentProgramContent content{.id = agent.id, .label = words.text(agent.sourceKey)};
     content.explanation = agent.cliHintKey ? words.text(*agent.cliHintKey) : std::string();
-    const Value* setting = find(state, Kind::executable, agent.id);
+    const Value* setting = find(state, SettingKind::executable, agent.id);
     if (setting != nullptr && setting->value != automaticValue) {
         content.chosenPath = singleLine(machine.abbreviated(setting->value));
     }
     for (const Value& value : state.settings) {
         if (value.item.agent == agent.id &&
-            (value.item.kind == Kind::way || value.item.kind == Kind::minutes)) {
+            (value.item.kind == SettingKind::way || value.item.kind == SettingKind::minutes)) {
             content.ways.push_back(wayRow(value, agentName(agent.id, words), words));
         }
     }
@@ -203,7 +205,7 @@ AgentProgramContent programContent(const ProviderDescriptor& agent, const Settin
 
 std::string choiceTitle(const SettingItem& item, const std::string& value,
                         const SettingsPageState& state, const Localization& words) {
-    if (item.preferenceKey == languageKey && value == systemValue) {
+    if (item.preferenceKey == LanguageManager::preferenceKey && value == systemValue) {
         return words.format("settings.language.systemNamed",
                             {words.text(item.wordsKey + "." + state.systemLanguage)});
     }
@@ -233,11 +235,11 @@ SettingRowContent rowOf(const Value& setting, const SettingsPageState& state,
     SettingRowContent row{.name = item.name,
                           .label = words.text(item.wordsKey),
                           .explanation = hintText(item, words)};
-    if (item.kind == Kind::toggle) {
+    if (item.kind == SettingKind::toggle) {
         row.control = SettingSwitch{.isOn = setting.value == onValue};
         return row;
     }
-    if (item.kind == Kind::timeOfDay) {
+    if (item.kind == SettingKind::timeOfDay) {
         row.control = timesOfDay(setting.value, words);
         return row;
     }
@@ -248,8 +250,9 @@ SettingRowContent rowOf(const Value& setting, const SettingsPageState& state,
         return row;
     }
     SettingChoices choices{.current = setting.value};
-    choices.form = item.preferenceKey == languageKey ? SettingChoices::Form::popUp
-                                                     : SettingChoices::Form::sideBySide;
+    choices.form = item.preferenceKey == LanguageManager::preferenceKey
+                       ? SettingChoices::Form::popUp
+                       : SettingChoices::Form::sideBySide;
     for (const std::string& value : item.values) {
         choices.choices.push_back({value, choiceTitle(item, value, state, words)});
     }
@@ -463,7 +466,7 @@ SettingsPageContent settingsPageContent(const SettingsPageState& state, const Ma
         }
     }
     SettingsSectionContent general{.heading = words.text("settings.section.general")};
-    if (const Value* login = find(state, Kind::loginItem, std::nullopt)) {
+    if (const Value* login = find(state, SettingKind::loginItem, std::nullopt)) {
         general.rows.push_back(loginRow(*login, state, words));
     }
     if (state.commandTool) {

@@ -25,22 +25,8 @@ constexpr std::array downloadFailures{5, 6, 7, 16, 18, 22, 28, 35, 47, 52, 55, 5
 /// Added to the number of a signal by a shell.
 constexpr int signalBase = 128;
 
-std::string_view nameOf(SetupStep step) {
-    switch (step) {
-    case SetupStep::welcome:
-        return "welcome";
-    case SetupStep::agents:
-        return "agents";
-    case SetupStep::tools:
-        return "tools";
-    case SetupStep::finish:
-        break;
-    }
-    return "finish";
-}
-
 std::string keyOf(SetupStep step, std::string_view part) {
-    return "setup." + std::string(nameOf(step)) + "." + std::string(part);
+    return "setup." + std::string(setupStepName(step)) + "." + std::string(part);
 }
 
 std::vector<SetupStepContent> stepList(SetupStep current, const Localization& words) {

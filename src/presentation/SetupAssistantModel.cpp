@@ -14,25 +14,14 @@ namespace {
 using Level = ActivityEntry::Level;
 using Stage = SetupRun::Stage;
 
-constexpr std::array<std::pair<SetupStep, std::string_view>, 4> stepNames{
-    {{SetupStep::welcome, "welcome"},
-     {SetupStep::agents, "agents"},
-     {SetupStep::tools, "tools"},
-     {SetupStep::finish, "finish"}}};
-
 SetupStep storedStep(const Preferences& preferences) {
     const auto stored = preferences.string(SetupAssistantModel::stepKey);
-    for (const auto& [step, name] : stepNames) {
-        if (stored == name) {
+    for (const SetupStep step : {SetupStep::agents, SetupStep::tools, SetupStep::finish}) {
+        if (stored == setupStepName(step)) {
             return step;
         }
     }
     return SetupStep::welcome;
-}
-
-std::string_view nameOf(SetupStep step) {
-    return std::ranges::find(stepNames, step, &std::pair<SetupStep, std::string_view>::first)
-        ->second;
 }
 
 SetupStep neighbour(SetupStep step, int distance) {
@@ -187,7 +176,7 @@ void SetupAssistantModel::closed() {
     }
     focus_.reset();
     if (!isCompleted()) {
-        sources_.preferences.setString(stepKey, std::string(nameOf(step_)));
+        sources_.preferences.setString(stepKey, std::string(setupStepName(step_)));
         sources_.preferences.setString(postponedKey, leftToDo());
     }
 }

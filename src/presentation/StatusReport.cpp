@@ -11,8 +11,6 @@
 namespace vellmark {
 namespace {
 
-constexpr Seconds minute{60};
-
 /// The agents that were chosen, and nothing of the others.
 UsageState chosenAgents(const UsageState& state, const StatusChoice& choice) {
     UsageState chosen = state;
@@ -70,7 +68,7 @@ Seconds ageOf(Instant readAt, Instant now) {
 std::string toldAge(const AgentUsageSnapshot& snapshot, Instant readAt, Seconds interval,
                     Instant now, const Localization& words) {
     const Seconds age = ageOf(readAt, now);
-    const bool isTold = age > 2 * interval || (snapshot.error && age >= minute);
+    const bool isTold = age > 2 * interval || (snapshot.error && age >= oneMinute);
     return isTold ? ageText(snapshot, readAt, now, words) : std::string();
 }
 

@@ -1,5 +1,6 @@
 #include "presentation/UsageRowContent.h"
 
+#include "model/UsageRules.h"
 #include "model/UsageTexts.h"
 #include "text/Formatting.h"
 
@@ -7,8 +8,6 @@
 
 namespace vellmark {
 namespace {
-
-constexpr double full = 100;
 
 bool isMuted(const WindowStanding& standing) {
     return standing.isOld || standing.health == UsageHealth::unavailable;
@@ -20,14 +19,15 @@ UsageBarContent barContent(const UsageWindow& window, const WindowStanding& stan
     const bool isUsedFirst = first == FirstFigure::used;
     const double left = std::max(remainingPercent(window), 0.0);
     UsageBarContent bar{.filledShare =
-                            std::clamp(isUsedFirst ? window.usedPercent : left, 0.0, full) / full,
-                        .usedShare = std::clamp(window.usedPercent, 0.0, full) / full,
+                            std::clamp(isUsedFirst ? window.usedPercent : left, 0.0, fullPercent) /
+                            fullPercent,
+                        .usedShare = std::clamp(window.usedPercent, 0.0, fullPercent) / fullPercent,
                         .health = standing.health,
                         .isStale = isMuted(standing)};
     const std::string leftText = percentText(left, words);
     const std::string usedText = percentText(window.usedPercent, words);
     if (elapsed) {
-        bar.paceMark = isUsedFirst ? *elapsed / full : 1 - *elapsed / full;
+        bar.paceMark = isUsedFirst ? *elapsed / fullPercent : 1 - *elapsed / fullPercent;
         bar.toolTip = words.format(isUsedFirst ? "usage.bar.help.used" : "usage.bar.help",
                                    {leftText, usedText, percentText(*elapsed, words)});
     } else {

@@ -24,8 +24,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// How long to go on reading a pipe that outlives the child.
-constexpr std::chrono::milliseconds readingAfterEnd{100};
 constexpr std::chrono::milliseconds terminationStep{50};
 
 /// The read end of a pipe that holds `text` and has no writer any more; closed for an empty text.

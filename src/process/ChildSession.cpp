@@ -21,8 +21,6 @@ using Clock = std::chrono::steady_clock;
 constexpr std::size_t errorTextLimit = 64 * 1024;
 /// A pipe holds 1 MB at most, so further reads in a row would only find what was written meanwhile.
 constexpr int mostDrains = 16;
-/// How long after the child's end to wait for output that a grandchild may still write.
-constexpr std::chrono::milliseconds readingAfterEnd{100};
 
 /// Rounded up, so that a wait never ends before its time; bounded for `poll`.
 int pollTimeout(Clock::duration left) {

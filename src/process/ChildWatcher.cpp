@@ -22,8 +22,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Event = ChildWatcherMessage::Event;
 
-constexpr std::chrono::seconds shortestPause{1};
-constexpr std::chrono::seconds longestPause{600};
+constexpr std::chrono::seconds shortestRestartPause{1};
+constexpr std::chrono::seconds longestRestartPause{600};
 /// A watcher that has run this long was ended by some mishap that need not happen again.
 constexpr std::chrono::seconds longLife{60};
 
@@ -96,7 +96,7 @@ void awaitEnd(pid_t watcher) {
         }
         do {
             std::this_thread::sleep_for(pause);
-            pause = std::clamp(pause * 2, shortestPause, longestPause);
+            pause = std::clamp(pause * 2, shortestRestartPause, longestRestartPause);
             watcher = launchedWatcher();
         } while (watcher < 0);
     }

@@ -3,6 +3,7 @@
 #include "platform/ProcessEnd.h"
 #include "process/ChildConfiguration.h"
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <sys/types.h>
@@ -22,6 +23,10 @@ struct ChildExit {
     std::int32_t status = 0;
     bool bySignal = false;
 };
+
+/// How long after a child's end to go on reading its pipes, which something that it started may
+/// hold.
+inline constexpr std::chrono::milliseconds readingAfterEnd{100};
 
 /// A child that was launched and is not collected yet, so that its number is its own. It is in the
 /// registry from the launch until `collect` or `handOver`. Destroying it earlier kills it.

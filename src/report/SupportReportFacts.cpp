@@ -81,7 +81,7 @@ std::vector<SupportReportInput::Agent> gatherAgents(const Machine& machine,
 std::string recentActivity(const Machine& machine, const Localization& words, Instant now,
                            const SupportReportGathering& gathering) {
     const auto zone = words.timeZone();
-    const auto since = now - Seconds(86400.0 * ActivityLog::daysKept);
+    const auto since = now - ActivityLog::daysKept * oneDay;
     std::string text;
     const auto file = machine.activityLogFile();
     std::error_code error;

@@ -5,6 +5,20 @@
 
 namespace vellmark {
 
+std::string_view setupStepName(SetupStep step) {
+    switch (step) {
+    case SetupStep::welcome:
+        return "welcome";
+    case SetupStep::agents:
+        return "agents";
+    case SetupStep::tools:
+        return "tools";
+    case SetupStep::finish:
+        break;
+    }
+    return "finish";
+}
+
 std::string_view setupStatusKey(AgentSetupStatus status) {
     switch (status) {
     case AgentSetupStatus::missing:

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdio>
 #include <utility>
 
@@ -77,15 +78,28 @@ std::optional<Instant> Reader::instant(std::string_view line) {
         }
         return value;
     };
-    const std::string_view hour = line.substr(0, 13);
-    if (hour != hourText_) {
-        hourText_ = hour;
-        hourBegin_ = zone_.instant({.year = number(0, 4),
-                                    .month = number(5, 2),
-                                    .day = number(8, 2),
-                                    .hour = number(11, 2)});
+    const int minute = number(14, 2);
+    const int second = number(17, 2);
+    if (minute > 59 || second > 59) {
+        return std::nullopt;
     }
-    return hourBegin_ + Seconds(number(14, 2) * 60 + number(17, 2));
+    const std::string_view hourText = line.substr(0, 13);
+    if (hourText != hourText_) {
+        const CalendarDate date{.year = number(0, 4),
+                                .month = number(5, 2),
+                                .day = number(8, 2),
+                                .hour = number(11, 2)};
+        // A date that no calendar has would be taken for another one.
+        const std::chrono::year_month_day day(std::chrono::year(date.year),
+                                              std::chrono::month(unsigned(date.month)),
+                                              std::chrono::day(unsigned(date.day)));
+        if (!day.ok() || date.hour > 23) {
+            return std::nullopt;
+        }
+        hourBegin_ = zone_.instant(date);
+        hourText_ = hourText;
+    }
+    return hourBegin_ + Seconds(minute * 60 + second);
 }
 
 std::optional<ActivityEntry> Reader::entry(std::string_view line) {

@@ -47,7 +47,7 @@ public:
     /// `zone` must outlive the reader.
     explicit Reader(const TimeZone& zone) : zone_(zone) {}
 
-    /// When the line was written; absent for whatever does not begin with a date.
+    /// When the line was written; absent for whatever does not begin with a date and a time of day.
     std::optional<Instant> instant(std::string_view line);
     /// Adds the entries of `text` since `since`. What is no entry is left out.
     void read(std::string_view text, Instant since, std::vector<ActivityEntry>& entries);

@@ -22,12 +22,10 @@ namespace vellmark {
 
 namespace {
 
-constexpr Seconds lockPatience{1};
-constexpr Seconds day{86'400};
 /// What may wait for room on the disk; beyond that the oldest lines go.
 constexpr std::size_t mostWaiting = 1u << 20;
 /// Years of entries; a longer file is no log of ours.
-constexpr std::size_t mostBytes = std::size_t{256} << 20;
+constexpr std::size_t longestLog = std::size_t{256} << 20;
 
 /// What becomes of the lines of the log and of those that were removed before. The texts given must
 /// outlive it.
@@ -166,9 +164,8 @@ bool endsInsideLine(const Descriptor& file, off_t size) {
 } // namespace
 
 ActivityLog::ActivityLog(std::filesystem::path file)
-    : file_(std::move(file)),
-      lock_(std::filesystem::path(file_).replace_extension(".lock"), lockPatience), onDisk_(file_) {
-}
+    : file_(std::move(file)), lock_(std::filesystem::path(file_).replace_extension(".lock")),
+      onDisk_(file_) {}
 
 std::error_code ActivityLog::append(ActivityEntry entry, const TimeZone& zone) {
     waiting_ += ActivityLines::record(entry, zone);
@@ -234,12 +231,12 @@ std::error_code ActivityLog::trim(Instant now, const TimeZone& zone) {
     if (!openRegularFile(file_, O_RDWR, error).isOpen()) {
         return error == std::errc::no_such_file_or_directory ? std::error_code() : error;
     }
-    const auto text = readRegularFile(file_, mostBytes, error);
+    const auto text = readRegularFile(file_, longestLog, error);
     if (!text) {
         return error;
     }
     const std::string removed =
-        readRegularFile(removedFile(), mostBytes, error).value_or(std::string());
+        readRegularFile(removedFile(), longestLog, error).value_or(std::string());
     if (error && error != std::errc::no_such_file_or_directory) {
         return error;
     }
@@ -247,7 +244,7 @@ std::error_code ActivityLog::trim(Instant now, const TimeZone& zone) {
     const Instant reference = trimming.reference(now);
     const std::int64_t today = dayNumber(reference);
     TrimmingNote note = TrimmingNote::of(*held);
-    trimming.decide(reference - daysKept * day, note.removedOn && today > *note.removedOn);
+    trimming.decide(reference - daysKept * oneDay, note.removedOn && today > *note.removedOn);
     note.trimmedOn = dayNumber(now);
     if (trimming.changesAnything() || !note.removedOn) {
         note.removedOn = today;
@@ -272,7 +269,7 @@ std::error_code ActivityLog::trimWhenDue(Instant now, const TimeZone& zone) {
     }
     const auto firstLine = readToEnd(file.get(), error, 64);
     const auto oldest = ActivityLines::Reader(zone).instant(firstLine.value_or(std::string()));
-    const bool isOld = oldest && *oldest < now - (daysKept + 1) * day;
+    const bool isOld = oldest && *oldest < now - (daysKept + 1) * oneDay;
     return isOld || mayBringLinesBack(now) ? trim(now, zone) : std::error_code();
 }
 
@@ -288,7 +285,7 @@ bool ActivityLog::mayBringLinesBack(Instant now) {
 
 std::vector<ActivityEntry> ActivityLog::entries(Instant since, const TimeZone& zone,
                                                 std::error_code& error) const {
-    const std::string text = readRegularFile(file_, mostBytes, error).value_or(std::string());
+    const std::string text = readRegularFile(file_, longestLog, error).value_or(std::string());
     if (error == std::errc::no_such_file_or_directory) {
         error.clear();
     }
@@ -323,11 +320,11 @@ ActivityLog::News ActivityLog::news(Place& place, Instant since, const TimeZone&
     if (news.startsAnew) {
         place = {.file = facts.st_ino};
     }
-    if (facts.st_size > static_cast<off_t>(mostBytes) ||
+    if (facts.st_size > static_cast<off_t>(longestLog) ||
         ::lseek(file.get(), place.offset, SEEK_SET) < 0) {
         return news;
     }
-    std::string added = readToEnd(file.get(), error, mostBytes).value_or(std::string());
+    std::string added = readToEnd(file.get(), error, longestLog).value_or(std::string());
     added.resize(added.rfind('\n') + 1); // a line may be on its way
     ActivityLines::Reader(zone).read(added, since, news.entries);
     place.offset += static_cast<long long>(added.size());

@@ -24,7 +24,6 @@ namespace vellmark {
 namespace {
 
 constexpr Seconds windowRefreshPause{60};
-constexpr Seconds day{86'400};
 /// How far back a forecast looks for a recent pace.
 constexpr Seconds recentSpan{2 * 3600};
 
@@ -679,7 +678,7 @@ private:
 std::shared_ptr<AgentUsageStore::ActivitySubscription>
 AgentUsageStore::followActivity(int days, std::function<void(ActivityLog::News)> tell) {
     return std::make_shared<ActivitySubscription>(
-        d_->files.follow(d_->now() - days * day, d_->words(), std::move(tell)));
+        d_->files.follow(d_->now() - days * oneDay, d_->words(), std::move(tell)));
 }
 
 void AgentUsageStore::lookAtActivity() {
@@ -688,7 +687,7 @@ void AgentUsageStore::lookAtActivity() {
 
 std::vector<ActivityEntry> AgentUsageStore::activity(int days) {
     std::error_code ignored;
-    auto entries = d_->files.activity(d_->now() - days * day, d_->words().timeZone(), ignored);
+    auto entries = d_->files.activity(d_->now() - days * oneDay, d_->words().timeZone(), ignored);
     ActivityTexts::tell(entries, d_->words());
     return entries;
 }

@@ -22,9 +22,7 @@
 namespace vellmark {
 namespace {
 
-constexpr double hour = 3600;
-constexpr double day = 24 * hour;
-constexpr double month = 30 * day;
+constexpr Seconds month = 30 * oneDay;
 
 /// One window of a simulated agent as it stands now.
 struct DemoWindow {
@@ -68,16 +66,16 @@ public:
           random_(static_cast<std::uint32_t>(std::hash<std::string>()(window.id))) {}
 
     void record(Instant now) {
-        const Seconds period(window_.periodHours * hour);
-        Instant reset = now + Seconds(window_.hoursToReset * hour);
+        const Seconds period = window_.periodHours * oneHour;
+        Instant reset = now + window_.hoursToReset * oneHour;
         recordCurrentPeriod(reset - period, now, reset);
-        for (reset -= period; reset > now - Seconds(month); reset -= period) {
+        for (reset -= period; reset > now - month; reset -= period) {
             recordPastPeriod(reset - period, reset);
         }
     }
 
 private:
-    Seconds step() const { return Seconds(window_.periodHours < 24 ? hour / 2 : hour); }
+    Seconds step() const { return window_.periodHours < 24 ? oneHour / 2 : oneHour; }
 
     void add(Instant at, double used, Instant reset) {
         samples_.push_back({&window_, at, used, reset});

@@ -18,7 +18,6 @@
 namespace vellmark {
 namespace {
 
-constexpr Seconds day{86'400};
 /// How far the clocks of two machines may be apart.
 constexpr Seconds clockDifference{3'600};
 
@@ -47,7 +46,8 @@ bool isAcceptable(const StoredHistorySample& sample, Instant now) {
         resetsAt = Instant(Seconds(*sample.resetsAt));
     }
     return !sample.provider.empty() && !sample.windowID.empty() &&
-           captured <= now + clockDifference && captured >= now - HistoryThinning::daysKept * day &&
+           captured <= now + clockDifference &&
+           captured >= now - HistoryThinning::daysKept * oneDay &&
            isPlausibleSample(sample.usedPercent, resetsAt, captured);
 }
 

@@ -7,9 +7,8 @@ namespace vellmark {
 
 namespace {
 
-constexpr Seconds day{86'400};
-constexpr Seconds keptWhole = HistoryThinning::daysKeptWhole * day;
-constexpr Seconds keptAtAll = HistoryThinning::daysKept * day;
+constexpr Seconds keptWhole = HistoryThinning::daysKeptWhole * oneDay;
+constexpr Seconds keptAtAll = HistoryThinning::daysKept * oneDay;
 
 } // namespace
 

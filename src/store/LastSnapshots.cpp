@@ -16,9 +16,8 @@ namespace vellmark {
 
 namespace {
 
-constexpr FileLock::Seconds lockPatience{1};
 /// Some agents with some windows each take a few thousand bytes.
-constexpr std::size_t mostBytes = std::size_t{16} << 20;
+constexpr std::size_t mostSnapshotBytes = std::size_t{16} << 20;
 /// An agent has one. What holds more is nothing that was written here, and each entry that is none
 /// would be told.
 constexpr std::size_t mostReadings = 1000;
@@ -38,7 +37,7 @@ std::string agentOf(const JSON& reading) {
 
 StoredReadings load(const std::filesystem::path& file) {
     StoredReadings stored;
-    const auto text = readRegularFile(file, mostBytes, stored.error);
+    const auto text = readRegularFile(file, mostSnapshotBytes, stored.error);
     if (!text) {
         if (stored.error == std::errc::no_such_file_or_directory) {
             stored.error.clear();
@@ -82,8 +81,7 @@ void LastSnapshots::Contents::tell(StorageTrouble& trouble) const {
 }
 
 LastSnapshots::LastSnapshots(std::filesystem::path file)
-    : file_(std::move(file)),
-      lock_(std::filesystem::path(file_).replace_extension(".lock"), lockPatience) {}
+    : file_(std::move(file)), lock_(std::filesystem::path(file_).replace_extension(".lock")) {}
 
 LastSnapshots::Contents LastSnapshots::contents() const {
     StoredReadings stored = load(file_);

@@ -12,7 +12,7 @@ namespace {
 
 /// What is held in memory at most.
 constexpr std::size_t mostSamples = 20'000;
-constexpr std::size_t mostBytes = std::size_t{8} << 20;
+constexpr std::size_t mostHeldBytes = std::size_t{8} << 20;
 
 struct HeldSample {
     std::string provider;
@@ -83,7 +83,7 @@ std::multiset<HeldSample, Before> nextSamples(const HistorySource& source, Befor
         held.insert({std::string(sample.provider), std::string(sample.windowID),
                      std::string(sample.text), sample});
         bytes += sample.text.size();
-        while (held.size() > mostSamples || (bytes > mostBytes && held.size() > 1)) {
+        while (held.size() > mostSamples || (bytes > mostHeldBytes && held.size() > 1)) {
             bytes -= held.rbegin()->text.size();
             held.erase(std::prev(held.end()));
             isAll = false;

@@ -7,7 +7,6 @@ namespace vellmark {
 
 namespace {
 
-constexpr double day = 86'400;
 constexpr std::int64_t longestGap = 7;
 constexpr int daysThatCount = 7;
 
@@ -16,7 +15,7 @@ constexpr int daysThatCount = 7;
 std::int64_t dayNumber(Instant instant) {
     // Far from any date, and from the limits of the number: a file may say anything.
     constexpr double farthest = 1e9;
-    const double number = std::floor(instant.time_since_epoch().count() / day);
+    const double number = std::floor(instant.time_since_epoch() / oneDay);
     return static_cast<std::int64_t>(std::clamp(number, -farthest, farthest));
 }
 
@@ -46,9 +45,9 @@ Instant RecordedDays::reference(Instant now) const {
             last = number;
         }
     }
-    const Instant end(
-        Seconds(static_cast<double>(last + 1) * day - 1)); // of that day, not after it
-    return now - end > Seconds(longestGap * day) ? end : now;
+    const Instant end(static_cast<double>(last + 1) * oneDay -
+                      Seconds(1)); // of that day, not after it
+    return now - end > longestGap * oneDay ? end : now;
 }
 
 bool RecordedDays::reachBefore(Instant instant) const {

@@ -14,10 +14,10 @@ namespace vellmark {
 
 namespace {
 
-constexpr std::size_t mostBytes = 1u << 20;
+constexpr std::size_t mostReadingBytes = 1u << 20;
 constexpr std::size_t mostSessions = 64;
 /// No window is longer.
-constexpr Seconds forgottenAfter{8 * 86'400};
+constexpr Seconds forgottenAfter = 8 * oneDay;
 
 JSON toJSON(const SessionFigures& figures) {
     JSON windows = JSON::array();
@@ -47,7 +47,7 @@ StatusLineReadings::StatusLineReadings(std::filesystem::path file) : file_(std::
 
 std::vector<SessionFigures> StatusLineReadings::read() const {
     std::error_code ignored;
-    const auto text = readRegularFile(file_, mostBytes, ignored);
+    const auto text = readRegularFile(file_, mostReadingBytes, ignored);
     std::vector<SessionFigures> sessions;
     if (!text) {
         return sessions;

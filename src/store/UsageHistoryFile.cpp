@@ -27,7 +27,6 @@ using Form = HistoryFileScan::Form;
 
 namespace {
 
-constexpr Seconds day{86'400};
 /// How many damaged files are kept aside.
 constexpr int mostAside = 5;
 constexpr std::string_view closing = "\n]\n";
@@ -110,7 +109,7 @@ bool isIn(const std::vector<std::uint64_t>& offsets, std::uint64_t offset) {
 } // namespace
 
 UsageHistoryFile::UsageHistoryFile(fs::path file)
-    : file_(std::move(file)), lock_(fs::path(file_).replace_extension(".lock"), lockPatience) {}
+    : file_(std::move(file)), lock_(fs::path(file_).replace_extension(".lock")) {}
 
 std::error_code UsageHistoryFile::open() {
     close();
@@ -436,7 +435,7 @@ std::error_code UsageHistoryFile::compact(const FileLock& held, Instant now,
     CompactionNote note = CompactionNote::of(held);
     const double today = std::floor(now.time_since_epoch().count());
     if (!descriptor_.isOpen() || scan_.form != Form::whole ||
-        (today >= note.compactedAt && today - note.compactedAt < day.count())) {
+        (today >= note.compactedAt && today - note.compactedAt < oneDay.count())) {
         return {};
     }
     const Instant reference = days_.reference(now);

@@ -48,8 +48,6 @@ public:
         std::filesystem::path aside;
     };
 
-    /// How long another process may keep the file to itself before this one only reads it.
-    static constexpr Seconds lockPatience{1};
     /// Hundreds of years; a longer file is `unreadable`.
     static constexpr std::uint64_t mostBytes = std::uint64_t{4} << 30;
 

@@ -28,10 +28,6 @@ namespace number = icu::number;
 /// Stands for a figure that is none.
 constexpr std::string_view noFigure = "–";
 
-constexpr Seconds minute(60);
-constexpr Seconds hour(3600);
-constexpr Seconds day(86400);
-
 /// Figures beyond are nonsense of an agent; they shall not fill the screen.
 constexpr double largestFigure = 1e9;
 
@@ -223,9 +219,9 @@ std::string moneyText(double amount, const std::string& currencyCode, const Loca
 }
 
 std::string durationText(Seconds span, const Localization& words, SpanForm form) {
-    const std::int64_t days = wholeUnits(span, day);
-    const std::int64_t hours = wholeUnits(span, hour);
-    const std::int64_t minutes = wholeUnits(span, minute);
+    const std::int64_t days = wholeUnits(span, oneDay);
+    const std::int64_t hours = wholeUnits(span, oneHour);
+    const std::int64_t minutes = wholeUnits(span, oneMinute);
     const auto both = [&](std::string first, const char* second, std::int64_t secondCount) {
         return secondCount == 0 ? first : first + ' ' + unitText(second, secondCount, words);
     };
@@ -243,18 +239,18 @@ std::string durationText(Seconds span, const Localization& words, SpanForm form)
 std::string roughDurationText(Seconds span, const Localization& words, SpanForm form) {
     constexpr std::int64_t mostMinutes = 90;
     constexpr std::int64_t mostHours = 48;
-    const std::int64_t minutes = wholeUnits(span, minute);
+    const std::int64_t minutes = wholeUnits(span, oneMinute);
     if (minutes <= mostMinutes) {
         return minutes > 0 ? unitText("duration.minutes", minutes, words)
                            : words.text("duration.underMinute");
     }
-    const std::int64_t hours = wholeUnits(span, hour);
+    const std::int64_t hours = wholeUnits(span, oneHour);
     return hours <= mostHours ? unitText("duration.hours", hours, words)
-                              : daysText(wholeUnits(span, day), words, form);
+                              : daysText(wholeUnits(span, oneDay), words, form);
 }
 
 std::string forecastDurationText(Seconds span, const Localization& words) {
-    return span < 3 * hour ? durationText(span, words) : roughDurationText(span, words);
+    return span < 3 * oneHour ? durationText(span, words) : roughDurationText(span, words);
 }
 
 std::string timeText(Instant instant, const Localization& words) {

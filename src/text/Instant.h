@@ -6,6 +6,10 @@ namespace vellmark {
 
 using Seconds = std::chrono::duration<double>;
 
+inline constexpr Seconds oneMinute{60};
+inline constexpr Seconds oneHour{3'600};
+inline constexpr Seconds oneDay{86'400};
+
 /// A wall clock whose epoch is 2001-01-01 00:00:00 UTC, counted in seconds as a double.
 ///
 /// The persisted files hold exactly this number, so an instant that was read is written back bit

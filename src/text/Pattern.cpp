@@ -89,7 +89,7 @@ re2::StringPiece piece(std::string_view text) {
 }
 
 /// The start of the character after the one at `index`.
-std::size_t nextCharacter(std::string_view text, std::size_t index) {
+std::size_t afterCharacter(std::string_view text, std::size_t index) {
     do {
         ++index;
     } while (index < text.size() && (static_cast<unsigned char>(text[index]) & 0xC0U) == 0x80U);
@@ -239,7 +239,7 @@ std::optional<std::string> Pattern::replaced(std::string_view text, std::string_
          from <= searched.size() && find(*expression_, isTail_, searched, from, groups);) {
         const auto begin = static_cast<std::size_t>(groups[0].data() - searched.data());
         writer.replace(begin, groups, replacement);
-        from = groups[0].empty() ? nextCharacter(searched, begin) : begin + groups[0].size();
+        from = groups[0].empty() ? afterCharacter(searched, begin) : begin + groups[0].size();
     }
     return writer.finish();
 }

@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t mostBytes = std::size_t{1} << 20;
+constexpr std::size_t longestEntry = std::size_t{1} << 20;
 
 using Members = std::map<std::string, std::string, std::less<>>;
 
@@ -135,7 +135,7 @@ public:
 private:
     std::optional<Members> read() const {
         std::error_code ignored;
-        const auto contents = readRegularFile(file_, mostBytes, ignored);
+        const auto contents = readRegularFile(file_, longestEntry, ignored);
         return contents ? std::optional(membersIn(*contents)) : std::nullopt;
     }
 

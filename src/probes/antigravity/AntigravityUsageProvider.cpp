@@ -27,7 +27,7 @@ namespace {
 constexpr VersionNumber firstFreeOfCharge{{1, 1, 11}};
 
 /// The answer has some kilobytes; a child that prints more than this is stopped.
-constexpr std::size_t outputLimit = 32u << 20;
+constexpr std::size_t capturedLimit = 32u << 20;
 /// The part of the log that matters is near its beginning.
 constexpr std::size_t logReadLimit = 16u << 20;
 
@@ -45,7 +45,7 @@ ChildConfiguration usageCommand(const Machine& machine, const fs::path& executab
                                "json", "--log-file", log.string()};
     configuration.environment = childEnvironment(machine);
     configuration.workingDirectory = workspace(machine, log.parent_path());
-    configuration.standardOutput = ChildOutput::recorded(output, outputLimit);
+    configuration.standardOutput = ChildOutput::recorded(output, capturedLimit);
     configuration.mergesStandardError = true;
     return configuration;
 }

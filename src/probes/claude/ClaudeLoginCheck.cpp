@@ -1,6 +1,7 @@
 #include "probes/claude/ClaudeLoginCheck.h"
 
 #include "probes/AgentWorkspace.h"
+#include "probes/claude/ClaudeMembers.h"
 #include "process/BoundedProcess.h"
 #include "process/ChildEnvironment.h"
 #include "text/BoundedJSON.h"
@@ -14,13 +15,7 @@ namespace vellmark {
 namespace {
 
 /// The answer has a few hundred bytes; what goes beyond this is not one.
-constexpr std::size_t answerLimit = 1u << 20;
-
-std::optional<std::string> text(const JSON& object, const char* name) {
-    const auto member = object.find(name);
-    const bool isText = member != object.end() && member->is_string();
-    return isText ? std::optional(member->get<std::string>()) : std::nullopt;
-}
+constexpr std::size_t loginAnswerLimit = 1u << 20;
 
 /// "max_20x" as "Max 20x".
 std::string planName(std::string tier) {
@@ -49,13 +44,13 @@ ClaudeLogin parseClaudeLogin(std::string_view answer) {
         if (isLoggedIn != status.end() && isLoggedIn->is_boolean()) {
             login.isLoggedIn = isLoggedIn->get<bool>();
         }
-        login.usesAPIKey = text(status, "authMethod") == "api_key";
-        login.email = text(status, "email");
+        login.usesAPIKey = textOf(memberOf(status, "authMethod")) == "api_key";
+        login.email = textOf(memberOf(status, "email"));
         const auto subscriptionType = status.find("subscriptionType");
         login.lacksSubscription = subscriptionType != status.end() && subscriptionType->is_null();
         // The subscription alone does not tell which of its sizes; without one there is no plan.
-        if (const auto subscription = text(status, "subscriptionType")) {
-            login.plan = planName(text(status, "planTier").value_or(*subscription));
+        if (const auto subscription = textOf(memberOf(status, "subscriptionType"))) {
+            login.plan = planName(textOf(memberOf(status, "planTier")).value_or(*subscription));
         }
     } catch (const JSONDecodingError&) {
         return {};
@@ -70,7 +65,7 @@ ClaudeLogin claudeLogin(const Machine& machine, const std::filesystem::path& exe
     child.arguments = {"auth", "status", "--json"};
     child.environment = childEnvironment(machine);
     child.workingDirectory = agentWorkspaceOrRoot(machine, "Claude");
-    child.standardOutput = ChildOutput::captured(answerLimit);
+    child.standardOutput = ChildOutput::captured(loginAnswerLimit);
     child.mergesStandardError = true;
     try {
         const BoundedProcessResult result = BoundedProcess::run(child, limit, killGrace);

@@ -11,8 +11,9 @@ namespace vellmark {
 /// The window that shows Fable's share of the week; not every account has it.
 inline constexpr std::string_view claudeModelWindowID = "fable-weekly";
 
-/// The length of every model's window.
-inline constexpr double claudeModelWindowMinutes = 10080;
+/// The lengths of the windows; every model's is as long as a week's.
+inline constexpr double claudeSessionMinutes = 300;
+inline constexpr double claudeWeekMinutes = 10080;
 
 /// The identifier of the weekly window of one model, by the name that the CLI shows: "Opus" and
 /// "Opus only" are "opus-weekly". Letters and digits of ASCII and dashes survive; absent when

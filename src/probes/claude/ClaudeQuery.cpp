@@ -1,5 +1,6 @@
 #include "probes/claude/ClaudeQuery.h"
 
+#include "probes/claude/ClaudeMembers.h"
 #include "probes/claude/ClaudeModelWindow.h"
 #include "text/BoundedJSON.h"
 #include "text/Capitalization.h"
@@ -17,15 +18,13 @@ namespace vellmark {
 namespace {
 
 using Error = UsageProviderError;
-using Kind = ClaudeQueryReply::Kind;
+using ReplyKind = ClaudeQueryReply::Kind;
 
-constexpr double sessionMinutes = 300;
-constexpr double weekMinutes = 10080;
 /// More models than this are a flood, not an answer.
 constexpr std::size_t mostModelWindows = 50;
 
 /// Every member that is read from an answer; the rest of a line is skipped without being built.
-constexpr std::array<std::string_view, 27> readMembers = {
+constexpr std::array<std::string_view, 27> answerMembers = {
     "type",
     "response",
     "subtype",
@@ -55,28 +54,8 @@ constexpr std::array<std::string_view, 27> readMembers = {
     "currency",
 };
 
-/// The member of `object` by that name; null where there is none or `object` is no object.
-const JSON& member(const JSON& object, const char* name) {
-    static const JSON none;
-    if (!object.is_object()) {
-        return none;
-    }
-    const auto found = object.find(name);
-    return found != object.end() ? *found : none;
-}
-
-std::optional<std::string> text(const JSON& value) {
-    return value.is_string() ? std::optional(value.get<std::string>()) : std::nullopt;
-}
-
-std::optional<double> number(const JSON& value) {
-    return value.is_number() && std::isfinite(value.get<double>())
-               ? std::optional(value.get<double>())
-               : std::nullopt;
-}
-
 std::optional<Instant> instant(const JSON& value) {
-    const auto written = text(value);
+    const auto written = textOf(value);
     if (!written) {
         return std::nullopt;
     }
@@ -91,9 +70,9 @@ bool holds(const std::vector<UsageWindow>& windows, const std::string& id) {
 /// `share`: the member that holds the percentage.
 void addWindow(std::vector<UsageWindow>& windows, std::string id, const JSON& source,
                const char* share, double minutes, std::optional<std::string> label = {}) {
-    const auto used = number(member(source, share));
+    const auto used = numberOf(memberOf(source, share));
     if (used && !holds(windows, id)) {
-        windows.push_back({std::move(id), *used, minutes, instant(member(source, "resets_at")),
+        windows.push_back({std::move(id), *used, minutes, instant(memberOf(source, "resets_at")),
                            std::move(label)});
     }
 }
@@ -102,38 +81,39 @@ void addModelWindow(std::vector<UsageWindow>& windows, const std::optional<std::
                     const JSON& source, const char* share) {
     const auto id = model ? claudeModelWindowIDFor(*model) : std::nullopt;
     if (id && windows.size() < mostModelWindows) {
-        addWindow(windows, *id, source, share, claudeModelWindowMinutes, model);
+        addWindow(windows, *id, source, share, claudeWeekMinutes, model);
     }
 }
 
 /// An answer gives the same windows in several places, rounded in some, and not every version has
 /// every place: the most exact one counts.
 std::vector<UsageWindow> windowsOf(const JSON& limits) {
-    const JSON& rows = member(limits, "limits");
+    const JSON& rows = memberOf(limits, "limits");
     std::vector<UsageWindow> windows;
-    addWindow(windows, "session", member(limits, "five_hour"), "utilization", sessionMinutes);
+    addWindow(windows, "session", memberOf(limits, "five_hour"), "utilization",
+              claudeSessionMinutes);
     for (const JSON& row : rows) {
-        if (member(row, "kind") == "session") {
-            addWindow(windows, "session", row, "percent", sessionMinutes);
+        if (memberOf(row, "kind") == "session") {
+            addWindow(windows, "session", row, "percent", claudeSessionMinutes);
         }
     }
-    addWindow(windows, "weekly", member(limits, "seven_day"), "utilization", weekMinutes);
+    addWindow(windows, "weekly", memberOf(limits, "seven_day"), "utilization", claudeWeekMinutes);
     for (const JSON& row : rows) {
-        if (member(row, "kind") == "weekly_all") {
-            addWindow(windows, "weekly", row, "percent", weekMinutes);
+        if (memberOf(row, "kind") == "weekly_all") {
+            addWindow(windows, "weekly", row, "percent", claudeWeekMinutes);
         }
     }
-    for (const JSON& scoped : member(limits, "model_scoped")) {
-        addModelWindow(windows, text(member(scoped, "display_name")), scoped, "utilization");
+    for (const JSON& scoped : memberOf(limits, "model_scoped")) {
+        addModelWindow(windows, textOf(memberOf(scoped, "display_name")), scoped, "utilization");
     }
     for (const JSON& row : rows) {
-        if (member(row, "kind") == "weekly_scoped") {
-            const JSON& model = member(member(row, "scope"), "model");
-            addModelWindow(windows, text(member(model, "display_name")), row, "percent");
+        if (memberOf(row, "kind") == "weekly_scoped") {
+            const JSON& model = memberOf(memberOf(row, "scope"), "model");
+            addModelWindow(windows, textOf(memberOf(model, "display_name")), row, "percent");
         }
     }
-    addModelWindow(windows, "Opus", member(limits, "seven_day_opus"), "utilization");
-    addModelWindow(windows, "Sonnet", member(limits, "seven_day_sonnet"), "utilization");
+    addModelWindow(windows, "Opus", memberOf(limits, "seven_day_opus"), "utilization");
+    addModelWindow(windows, "Sonnet", memberOf(limits, "seven_day_sonnet"), "utilization");
     return windows;
 }
 
@@ -146,12 +126,12 @@ std::string money(double cents, const std::string& currency) {
 }
 
 void readExtraUsage(const JSON& extra, ClaudeUsageAnswer& answer) {
-    const auto spent = number(member(extra, "used_credits"));
-    if (member(extra, "is_enabled") != true || !spent) {
+    const auto spent = numberOf(memberOf(extra, "used_credits"));
+    if (memberOf(extra, "is_enabled") != true || !spent) {
         return;
     }
-    const std::string currency = text(member(extra, "currency")).value_or("USD");
-    const auto limit = number(member(extra, "monthly_limit"));
+    const std::string currency = textOf(memberOf(extra, "currency")).value_or("USD");
+    const auto limit = numberOf(memberOf(extra, "monthly_limit"));
     answer.credit = CreditInfo::line(money(*spent, currency) +
                                      (limit ? " / " + money(*limit, currency) : "") + " spent");
     if (limit) {
@@ -164,17 +144,18 @@ void readExtraUsage(const JSON& extra, ClaudeUsageAnswer& answer) {
 
 ClaudeUsageAnswer usageAnswer(const JSON& response) {
     ClaudeUsageAnswer answer;
-    answer.subscription = text(member(response, "subscription_type"));
-    answer.hasLogin = member(response, "rate_limits_available") != false;
-    const JSON& limits = member(response, "rate_limits");
-    const JSON& error = member(limits, "error");
+    answer.subscription = textOf(memberOf(response, "subscription_type"));
+    answer.hasLogin = memberOf(response, "rate_limits_available") != false;
+    const JSON& limits = memberOf(response, "rate_limits");
+    const JSON& error = memberOf(limits, "error");
     if (!error.is_null()) {
-        answer.refusal = text(error.is_object() ? member(error, "message") : error).value_or("");
+        answer.refusal =
+            textOf(error.is_object() ? memberOf(error, "message") : error).value_or("");
     } else if (limits.is_object()) {
         answer.hasLimits = true;
-        answer.hasRows = member(limits, "limits").is_array();
+        answer.hasRows = memberOf(limits, "limits").is_array();
         answer.windows = windowsOf(limits);
-        readExtraUsage(member(limits, "extra_usage"), answer);
+        readExtraUsage(memberOf(limits, "extra_usage"), answer);
     }
     return answer;
 }
@@ -182,24 +163,24 @@ ClaudeUsageAnswer usageAnswer(const JSON& response) {
 /// What a line says about the request; `none` when it is about something else.
 ClaudeQueryReply replyOf(std::string_view line, std::optional<std::string_view> requestID) {
     try {
-        const JSON message = parsedJSON(line, readMembers);
-        const JSON& response = member(message, "response");
-        if (member(message, "type") != "control_response" ||
-            (requestID && member(response, "request_id") != *requestID)) {
+        const JSON message = parsedJSON(line, answerMembers);
+        const JSON& response = memberOf(message, "response");
+        if (memberOf(message, "type") != "control_response" ||
+            (requestID && memberOf(response, "request_id") != *requestID)) {
             return {};
         }
-        if (member(response, "subtype") == "error") {
-            const std::string reason = text(member(response, "error")).value_or("");
+        if (memberOf(response, "subtype") == "error") {
+            const std::string reason = textOf(memberOf(response, "error")).value_or("");
             const bool isUnknown = reason.find("Unsupported control request") != std::string::npos;
-            return {.kind = isUnknown ? Kind::unsupported : Kind::failed,
+            return {.kind = isUnknown ? ReplyKind::unsupported : ReplyKind::failed,
                     .reason = reason,
                     .answer = {}};
         }
-        const JSON& usage = member(response, "response");
+        const JSON& usage = memberOf(response, "response");
         if (!usage.is_object()) {
             return {};
         }
-        return {.kind = Kind::answered, .reason = {}, .answer = usageAnswer(usage)};
+        return {.kind = ReplyKind::answered, .reason = {}, .answer = usageAnswer(usage)};
     } catch (const JSONDecodingError&) {
         return {};
     }
@@ -257,10 +238,10 @@ ClaudeQueryReply parseClaudeQueryReply(std::string_view output,
     ClaudeQueryReply reply;
     forEachAnswerLine(output, [&](std::string_view line) {
         ClaudeQueryReply found = replyOf(line, requestID);
-        if (found.kind != Kind::none) {
+        if (found.kind != ReplyKind::none) {
             reply = std::move(found);
         }
-        return requestID && reply.kind != Kind::none;
+        return requestID && reply.kind != ReplyKind::none;
     });
     return reply;
 }

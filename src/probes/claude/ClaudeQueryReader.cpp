@@ -13,10 +13,10 @@ namespace vellmark {
 
 namespace {
 
-using Kind = ClaudeQueryReply::Kind;
+using ReplyKind = ClaudeQueryReply::Kind;
 
 /// An answer has a few thousand bytes; older versions may send reports on the user's habits along.
-constexpr std::size_t answerLimit = 32u << 20;
+constexpr std::size_t queryOutputLimit = 32u << 20;
 constexpr std::size_t errorLimit = 64u << 10;
 
 /// How the CLI refuses an option, and a request that it does not know without its options.
@@ -36,7 +36,7 @@ ClaudeQueryReader::Result ClaudeQueryReader::ask(const std::filesystem::path& cl
     child.environment = childEnvironment(machine_);
     child.workingDirectory = workspace_;
     child.standardInput = claudeQueryRequest(requestID);
-    child.standardOutput = ChildOutput::captured(answerLimit);
+    child.standardOutput = ChildOutput::captured(queryOutputLimit);
     child.standardError = ChildOutput::captured(errorLimit);
     try {
         const BoundedProcessResult ended =
@@ -44,8 +44,8 @@ ClaudeQueryReader::Result ClaudeQueryReader::ask(const std::filesystem::path& cl
         Result result{.reply = parseClaudeQueryReply(ended.output, requestID),
                       .timedOut = ended.timedOut,
                       .words = lastCharacters(trimmed(ended.errorOutput), 300)};
-        if (result.reply.kind == Kind::none && meansUnknown(ended.errorOutput)) {
-            result.reply.kind = Kind::unsupported;
+        if (result.reply.kind == ReplyKind::none && meansUnknown(ended.errorOutput)) {
+            result.reply.kind = ReplyKind::unsupported;
         }
         return result;
     } catch (const std::system_error& error) {

@@ -1,5 +1,7 @@
 #include "probes/claude/ClaudeStatusInput.h"
 
+#include "probes/claude/ClaudeMembers.h"
+#include "probes/claude/ClaudeModelWindow.h"
 #include "text/BoundedJSON.h"
 
 #include <nlohmann/json.hpp>
@@ -12,7 +14,7 @@ namespace vellmark {
 namespace {
 
 /// Everything that is read; the rest is passed over unbuilt.
-constexpr std::array<std::string_view, 9> readMembers = {
+constexpr std::array<std::string_view, 9> statusMembers = {
     "session_id",  "cwd",       "cost",      "total_api_duration_ms",
     "rate_limits", "five_hour", "seven_day", "used_percentage",
     "resets_at",
@@ -20,41 +22,20 @@ constexpr std::array<std::string_view, 9> readMembers = {
 
 /// More is no name of a session.
 constexpr std::size_t longestName = 200;
-constexpr double sessionMinutes = 300;
-constexpr double weekMinutes = 10080;
 /// A quota may be overdrawn a little; a share far above everything is none.
 constexpr double mostUsed = 200;
 /// A clock may be wrong by so much.
 constexpr Seconds clockSlack{3600};
 
-const JSON& member(const JSON& object, const char* name) {
-    static const JSON none;
-    if (!object.is_object()) {
-        return none;
-    }
-    const auto found = object.find(name);
-    return found != object.end() ? *found : none;
-}
-
-std::string text(const JSON& value) {
-    return value.is_string() ? value.get<std::string>() : std::string();
-}
-
-std::optional<double> number(const JSON& value) {
-    return value.is_number() && std::isfinite(value.get<double>())
-               ? std::optional(value.get<double>())
-               : std::nullopt;
-}
-
 void addWindow(std::vector<UsageWindow>& windows, const char* id, const JSON& source,
                double minutes, Instant now) {
-    const auto used = number(member(source, "used_percentage"));
+    const auto used = numberOf(memberOf(source, "used_percentage"));
     if (!used || *used < 0 || *used > mostUsed) {
         return;
     }
     UsageWindow window{
         .id = id, .usedPercent = *used, .windowDurationMinutes = minutes, .resetsAt = {}};
-    if (const auto reset = number(member(source, "resets_at"))) {
+    if (const auto reset = numberOf(memberOf(source, "resets_at"))) {
         const double ahead = *reset - unixSeconds(now);
         if (ahead <= 0 || ahead > minutes * 60 + clockSlack.count()) {
             return; // of a period that is over, or of no such window
@@ -69,23 +50,24 @@ void addWindow(std::vector<UsageWindow>& windows, const char* id, const JSON& so
 std::optional<ClaudeStatusInput> parseClaudeStatusInput(std::string_view input, Instant now) {
     JSON document;
     try {
-        document = parsedJSON(input, readMembers);
+        document = parsedJSON(input, statusMembers);
     } catch (const JSONDecodingError&) {
         return std::nullopt;
     }
-    ClaudeStatusInput told{.session = text(member(document, "session_id")),
+    ClaudeStatusInput told{.session = textOf(memberOf(document, "session_id")).value_or(""),
                            .turn = {},
-                           .directory = text(member(document, "cwd")),
+                           .directory = textOf(memberOf(document, "cwd")).value_or(""),
                            .windows = {}};
     if (told.session.empty() || told.session.size() > longestName) {
         return std::nullopt;
     }
-    if (const auto spent = number(member(member(document, "cost"), "total_api_duration_ms"))) {
+    if (const auto spent =
+            numberOf(memberOf(memberOf(document, "cost"), "total_api_duration_ms"))) {
         told.turn = std::to_string(*spent);
     }
-    const JSON& limits = member(document, "rate_limits");
-    addWindow(told.windows, "session", member(limits, "five_hour"), sessionMinutes, now);
-    addWindow(told.windows, "weekly", member(limits, "seven_day"), weekMinutes, now);
+    const JSON& limits = memberOf(document, "rate_limits");
+    addWindow(told.windows, "session", memberOf(limits, "five_hour"), claudeSessionMinutes, now);
+    addWindow(told.windows, "weekly", memberOf(limits, "seven_day"), claudeWeekMinutes, now);
     return told;
 }
 

@@ -29,9 +29,9 @@ constexpr std::string_view weekHeadingStart = "Current week (";
 constexpr std::string_view creditsHeading = "Usage credits";
 
 constexpr std::array<Section, 3> sections = {{
-    {sessionHeading, "session", 300},
-    {"Current week (all models)", "weekly", 10080},
-    {"Current week (Fable)", claudeModelWindowID, claudeModelWindowMinutes},
+    {sessionHeading, "session", claudeSessionMinutes},
+    {"Current week (all models)", "weekly", claudeWeekMinutes},
+    {"Current week (Fable)", claudeModelWindowID, claudeWeekMinutes},
 }};
 
 /// More than any account has.
@@ -222,7 +222,7 @@ AgentUsageSnapshot parseUsage(const ClaudeScreen& screen, Instant now) {
         append(blockBelow(screen, section.heading), section.windowID, section.minutes);
     }
     for (const auto& [id, line] : otherModelBlocks(screen)) {
-        append(blockAt(screen, line), id, claudeModelWindowMinutes);
+        append(blockAt(screen, line), id, claudeWeekMinutes);
     }
     if (snapshot.windows.empty()) {
         throw UsageProviderError(UsageProviderError::Kind::claudeNoQuotas);
@@ -339,7 +339,7 @@ std::optional<Instant> resetDate(std::string_view line, Instant now) {
             text, {"MMM d 'at' ha", "MMM d 'at' h:mma", "MMM d, ha", "MMM d, h:mma"})) {
         date->year = today.year;
         // A reset in early January, read in late December.
-        if (instantOf(*date, *date) < now - Seconds(86400)) {
+        if (instantOf(*date, *date) < now - oneDay) {
             date->year += 1;
         }
         return instantOf(*date, *date);

@@ -50,7 +50,7 @@ bool ModelWindowMemory::shouldExpectModelWindow(Instant now) {
         }
         loadedHistory_ = true;
     }
-    return lastSeen_ && now - *lastSeen_ < Seconds(86400);
+    return lastSeen_ && now - *lastSeen_ < oneDay;
 }
 
 void ModelWindowMemory::markSeen(Instant now) {
