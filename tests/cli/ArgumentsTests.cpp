@@ -46,7 +46,7 @@ TEST(Arguments, LanguageIsAskedForElseTheUsersElseEnglish) {
     EXPECT_THAT(helpIn("en_US", {"usage", "--help", "--language=de"}), HasSubstr("Aufruf:"));
 }
 
-class ChosenLanguage : public CommandTest {};
+using ChosenLanguage = CommandTest;
 
 TEST_F(ChosenLanguage, IsThatOfTheSettingsUnlessAnotherIsAskedFor) {
     EXPECT_EQ(run({"log"}).errors, "No entries.\n");

@@ -209,13 +209,7 @@ TEST(RecordedDays, CountAgeFromWhatTheyBearOut) {
 TEST(HistoryThinning, KeepsTheHighestOfAnHourAndForgetsAfter400Days) {
     const double now = 800'000'000;
     const double wholeHour = std::floor((now - 100 * day.count()) / 3600) * 3600;
-    struct Case {
-        double captured;
-        double used;
-        const char* window;
-        bool expendable;
-    };
-    const std::vector<Case> cases = {
+    const std::tuple<double, double, const char*, bool> cases[] = {
         {now - 401 * day.count(), 50, "session", true},
         {now - 399 * day.count(), 50, "session", false},
         {wholeHour, 10, "session", true},
@@ -230,17 +224,17 @@ TEST(HistoryThinning, KeepsTheHighestOfAnHourAndForgetsAfter400Days) {
     };
     HistoryThinning thinning{Instant(Seconds(now))};
     std::vector<std::uint64_t> expected;
-    for (std::size_t index = 0; index < cases.size(); ++index) {
-        StoredHistorySample sample;
-        sample.provider = "claude";
-        sample.windowID = cases[index].window;
-        sample.capturedAt = cases[index].captured;
-        sample.usedPercent = cases[index].used;
-        sample.offset = index;
+    StoredHistorySample sample;
+    sample.provider = "claude";
+    for (const auto& [captured, used, window, isExpendable] : cases) {
+        sample.windowID = window;
+        sample.capturedAt = captured;
+        sample.usedPercent = used;
         thinning.add(sample);
-        if (cases[index].expendable) {
-            expected.push_back(index);
+        if (isExpendable) {
+            expected.push_back(sample.offset);
         }
+        ++sample.offset;
     }
     EXPECT_EQ(thinning.expendable(), expected);
 }

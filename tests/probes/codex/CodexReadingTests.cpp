@@ -194,14 +194,6 @@ std::string limitsByID(const std::string& main, const std::string& members) {
            "}}";
 }
 
-std::vector<std::string> idsOf(const AgentUsageSnapshot& snapshot) {
-    std::vector<std::string> ids;
-    for (const UsageWindow& window : snapshot.windows) {
-        ids.push_back(window.id);
-    }
-    return ids;
-}
-
 TEST(CodexReading, EveryFurtherLimitHasWindowsOfItsOwn) {
     const std::string window = R"({"usedPercent":1})";
     const auto limit = [&](const std::string& more) {
@@ -209,14 +201,14 @@ TEST(CodexReading, EveryFurtherLimitHasWindowsOfItsOwn) {
     };
     // In whatever order they come, and by their names where they do not say who they are.
     EXPECT_THAT(
-        idsOf(snapshotOf(limitsByID(
+        tests::windowIDsOf(snapshotOf(limitsByID(
             limit(R"(,"limitId":"main")"),
             R"("z":)" + limit(R"(,"limitId":"c")") + R"(,"b":)" + limit("") + R"(,"main":)" +
                 limit("") + R"(,"a":)" + limit(R"(,"limitId":"c","secondary":)" + window) +
                 R"(,"d":null,"e":{"primary":null,"secondary":)" + window + "}"))),
         ElementsAre("session", "limit:b|primary", "limit:c|primary", "limit:e|secondary"));
     // Older versions do not call the main limit by a name.
-    EXPECT_THAT(idsOf(snapshotOf(limitsByID(limit(""), R"("codex":)" + limit("")))),
+    EXPECT_THAT(tests::windowIDsOf(snapshotOf(limitsByID(limit(""), R"("codex":)" + limit("")))),
                 ElementsAre("session"));
     EXPECT_THAT(
         snapshotOf(limitsByID("{}", R"("x":)" + limit(R"(,"limitName":"")"))).windows,
