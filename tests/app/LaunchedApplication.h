@@ -29,8 +29,6 @@ protected:
     }
     void TearDown() override { quit(); }
 
-    static bool eventually(const std::function<bool()>& condition) { return waitUntil(condition); }
-
     /// The first visible window of a kind; null without one.
     template<typename Window>
     static Window* visible() {

@@ -7,12 +7,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 
 TEST(Arguments, WrongOnesSayWhatAndWhereToReadMoreOnTheErrorStreamAlone) {
-    struct Case {
-        std::vector<std::string> arguments;
-        const char* message;
-        const char* hint;
-    };
-    const Case cases[] = {
+    const std::tuple<std::vector<std::string>, const char*, const char*> cases[] = {
         {{"usgae"}, "no command \"usgae\". Did you mean \"usage\"?", "vellmark --help"},
         {{"help", "statsu"}, "Did you mean \"status\"?", "vellmark --help"},
         {{"--colour=never"}, "\"--colour\". Did you mean \"--color\"?", "usage --help"},
@@ -31,11 +26,11 @@ TEST(Arguments, WrongOnesSayWhatAndWhereToReadMoreOnTheErrorStreamAlone) {
         {{"--language", "ar"}, "\"ar\"; choose from: de, en, fr, it, es.", "vellmark --help"},
         {{"usage", "\x1b[31mred"}, "Unknown argument \"red\"", "usage --help"},
     };
-    for (const Case& expected : cases) {
-        const ProgramResult result = ProgramRun::of({.arguments = expected.arguments});
-        EXPECT_EQ(result.status, 2) << expected.message;
-        EXPECT_EQ(result.output, "") << expected.message;
-        EXPECT_THAT(result.errors, AllOf(HasSubstr(expected.message), HasSubstr(expected.hint)));
+    for (const auto& [arguments, message, hint] : cases) {
+        const ProgramResult result = ProgramRun::of({.arguments = arguments});
+        EXPECT_EQ(result.status, 2) << message;
+        EXPECT_EQ(result.output, "") << message;
+        EXPECT_THAT(result.errors, AllOf(HasSubstr(message), HasSubstr(hint)));
     }
 }
 
@@ -51,7 +46,7 @@ TEST(Arguments, LanguageIsAskedForElseTheUsersElseEnglish) {
     EXPECT_THAT(helpIn("en_US", {"usage", "--help", "--language=de"}), HasSubstr("Aufruf:"));
 }
 
-class ChosenLanguage : public CommandTest {};
+using ChosenLanguage = CommandTest;
 
 TEST_F(ChosenLanguage, IsThatOfTheSettingsUnlessAnotherIsAskedFor) {
     EXPECT_EQ(run({"log"}).errors, "No entries.\n");

@@ -7,7 +7,6 @@
 #include <nlohmann/json.hpp>
 
 #include <cmath>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -16,8 +15,6 @@ namespace {
 
 using nlohmann::json;
 using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
 
 const auto claude = AgentProviderID::claude();
 constexpr double hour = 3600;

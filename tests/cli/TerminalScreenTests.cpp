@@ -60,29 +60,28 @@ TEST_F(WatchCommand, DrawsAnewInTheLanguageThatIsChosenMeanwhile) {
 }
 
 TEST_F(WatchCommand, LeavesTheTerminalBitForBitAsItWasHoweverItEnds) {
-    struct Case {
-        const char* name;
-        int signal;
-        const char* key;
-        int status;
+    const std::tuple<const char*, int, const char*, int> cases[] = {
+        {"q", 0, "q", 0},
+        {"Ctrl-C", 0, "\x03", 128 + SIGINT},
+        {"SIGINT", SIGINT, "", 128 + SIGINT},
+        {"SIGTERM", SIGTERM, "", 128 + SIGTERM},
+        {"SIGHUP", SIGHUP, "", 128 + SIGHUP},
+        {"SIGQUIT", SIGQUIT, "", 128 + SIGQUIT},
     };
-    for (const Case& ending :
-         {Case{"q", 0, "q", 0}, Case{"Ctrl-C", 0, "\x03", 128 + SIGINT},
-          Case{"SIGINT", SIGINT, "", 128 + SIGINT}, Case{"SIGTERM", SIGTERM, "", 128 + SIGTERM},
-          Case{"SIGHUP", SIGHUP, "", 128 + SIGHUP}, Case{"SIGQUIT", SIGQUIT, "", 128 + SIGQUIT}}) {
+    for (const auto& [name, signal, key, status] : cases) {
         ProgramRun watch(setting({"watch"}, 90));
-        ASSERT_TRUE(watch.shows("\033[?1049h")) << ending.name;
-        ASSERT_TRUE(watch.shows("q quit")) << ending.name;
-        EXPECT_EQ(watch.terminalSettings().c_lflag & (ECHO | ICANON), 0u) << ending.name;
-        if (ending.signal != 0) {
-            kill(watch.pid(), ending.signal);
+        ASSERT_TRUE(watch.shows("\033[?1049h")) << name;
+        ASSERT_TRUE(watch.shows("q quit")) << name;
+        EXPECT_EQ(watch.terminalSettings().c_lflag & (ECHO | ICANON), 0u) << name;
+        if (signal != 0) {
+            kill(watch.pid(), signal);
         } else {
-            watch.type(ending.key);
+            watch.type(key);
         }
         const ProgramResult result = watch.wait();
-        EXPECT_EQ(result.status, ending.status) << ending.name;
-        EXPECT_THAT(result.output, EndsWith(leftPage)) << ending.name;
-        EXPECT_EQ(bits(watch.terminalSettings()), bits(watch.firstSettings())) << ending.name;
+        EXPECT_EQ(result.status, status) << name;
+        EXPECT_THAT(result.output, EndsWith(leftPage)) << name;
+        EXPECT_EQ(bits(watch.terminalSettings()), bits(watch.firstSettings())) << name;
     }
     expectNothingLeft();
 }

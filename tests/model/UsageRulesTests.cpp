@@ -50,22 +50,16 @@ TEST(UsageRules, AWiderWindowCoversTheNarrowerOnesOfItsQuota) {
 
 TEST(UsageRules, SeverityHasSharpEdges) {
     using enum Severity;
-    struct Case {
-        double remaining;
-        std::optional<double> timeRemaining;
-        Severity expected;
+    const std::tuple<double, std::optional<double>, Severity> cases[] = {
+        {100, 1000, fine},     {120, {}, fine},      {5, 0, critical},     {5, -10, critical},
+        {-3, {}, critical},    {5.01, {}, critical}, {14.9, {}, critical}, {15, {}, attention},
+        {29.9, {}, attention}, {30, {}, fine},       {85, 100, critical},  {85.1, 100, attention},
+        {95, 150, attention},  {95.1, 150, fine},    {5.1, -0.001, fine},  {35, 50, critical},
+        {35.1, 50, attention}, {45, 50, attention},  {45.1, 50, fine},     {6, 0, fine},
     };
-    for (const Case& test : {
-             Case{100, 1000, fine},    Case{120, {}, fine},       Case{5, 0, critical},
-             Case{5, -10, critical},   Case{-3, {}, critical},    Case{5.01, {}, critical},
-             Case{14.9, {}, critical}, Case{15, {}, attention},   Case{29.9, {}, attention},
-             Case{30, {}, fine},       Case{85, 100, critical},   Case{85.1, 100, attention},
-             Case{95, 150, attention}, Case{95.1, 150, fine},     Case{5.1, -0.001, fine},
-             Case{35, 50, critical},   Case{35.1, 50, attention}, Case{45, 50, attention},
-             Case{45.1, 50, fine},     Case{6, 0, fine},
-         }) {
-        EXPECT_EQ(severity(window(test.remaining, test.timeRemaining), now), test.expected)
-            << test.remaining << " " << test.timeRemaining.value_or(NAN);
+    for (const auto& [remaining, timeRemaining, expected] : cases) {
+        EXPECT_EQ(severity(window(remaining, timeRemaining), now), expected)
+            << remaining << " " << timeRemaining.value_or(NAN);
     }
 }
 
@@ -139,23 +133,15 @@ TEST(UsageRules, AnAgentIsBackOnceAllThatIsUsedUpHasReset) {
 
 TEST(UsageRules, PlanningAllowsFivePoints) {
     using enum Planning::Kind;
-    struct Case {
-        double remaining;
-        double timeRemaining;
-        Planning expected;
+    const std::tuple<double, double, Planning> cases[] = {
+        {55, 50, {onPlan, 5}},    {55.5, 50, {reserve, 5.5}}, {45, 50, {onPlan, -5}},
+        {40, 50, {deficit, -10}}, {90, 150, {deficit, -10}},  {-20, 30, {deficit, -30}},
     };
-    for (const Case& test : {
-             Case{55, 50, {onPlan, 5}},
-             Case{55.5, 50, {reserve, 5.5}},
-             Case{45, 50, {onPlan, -5}},
-             Case{40, 50, {deficit, -10}},
-             Case{90, 150, {deficit, -10}},
-             Case{-20, 30, {deficit, -30}},
-         }) {
-        const auto plan = planning(window(test.remaining, test.timeRemaining), now);
+    for (const auto& [remaining, timeRemaining, expected] : cases) {
+        const auto plan = planning(window(remaining, timeRemaining), now);
         ASSERT_TRUE(plan);
-        EXPECT_EQ(plan->kind, test.expected.kind) << test.remaining;
-        EXPECT_NEAR(plan->points, test.expected.points, 1e-6);
+        EXPECT_EQ(plan->kind, expected.kind) << remaining;
+        EXPECT_NEAR(plan->points, expected.points, 1e-6);
     }
     EXPECT_FALSE(planning(window(50, {}), now));
     EXPECT_FALSE(planning(window(50, -1), now));

@@ -3,7 +3,6 @@
 #include "support/ProcessCensus.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <optional>
 #include <poll.h>

@@ -1,7 +1,6 @@
 #include "platform/SignalChannel.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <csignal>
 

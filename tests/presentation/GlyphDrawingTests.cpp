@@ -23,11 +23,7 @@ std::string described(const std::vector<GlyphMark>& marks) {
 }
 
 TEST(GlyphDrawing, ShowsThePassedTimeAroundTheUsedShare) {
-    const struct {
-        std::optional<double> used;
-        std::optional<double> elapsed;
-        const char* marks;
-    } cases[] = {
+    const std::tuple<std::optional<double>, std::optional<double>, const char*> cases[] = {
         {{}, {}, "faint ring, faint disc"},
         {2.5, 0, "faint ring, faint disc"},
         {3.0, 25, "faint ring, arc to 0, faint disc, pie to 79"},

@@ -93,20 +93,15 @@ TEST_F(Statistics, AnEndThatNobodySawTellsNothingOfTheRest) {
 
 TEST_F(Statistics, CountsTheHoursOfDaysOfChangingClocks) {
     // On 26 October 2025 the hour from 2 to 3 came twice in Berlin, on 30 March it was left out.
-    struct Case {
-        const char* from;
-        const char* to;
-        double hoursAtTwo;
-        double all;
-    };
-    const Case cases[] = {{"2025-10-25T22:00:00Z", "2025-10-26T23:00:00Z", 2, 25},
-                          {"2025-03-29T23:00:00Z", "2025-03-30T22:00:00Z", 0, 23}};
-    for (const Case& one : cases) {
+    const std::tuple<const char*, const char*, double, double> cases[] = {
+        {"2025-10-25T22:00:00Z", "2025-10-26T23:00:00Z", 2, 25},
+        {"2025-03-29T23:00:00Z", "2025-03-30T22:00:00Z", 0, 23}};
+    for (const auto& [from, to, hoursAtTwo, all] : cases) {
         points.clear();
-        add(one.from, 10, "2025-12-01T00:00:00Z");
-        const HistoryStatistics result = statistics(one.from, one.to);
-        EXPECT_DOUBLE_EQ(result.hoursObserved[6][2], one.hoursAtTwo) << one.from;
-        EXPECT_DOUBLE_EQ(sum(result.hoursObserved), one.all) << one.from;
+        add(from, 10, "2025-12-01T00:00:00Z");
+        const HistoryStatistics result = statistics(from, to);
+        EXPECT_DOUBLE_EQ(result.hoursObserved[6][2], hoursAtTwo) << from;
+        EXPECT_DOUBLE_EQ(sum(result.hoursObserved), all) << from;
     }
     points.clear();
     add("2025-10-26T00:30:00Z", 10, "2025-12-01T00:00:00Z");

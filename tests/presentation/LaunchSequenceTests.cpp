@@ -43,12 +43,7 @@ TEST(LaunchSequence, GoesAsFarAsTheLaunchAllows) {
     const std::string steps = "single instance, accessory, menu, appearance, observe appearance, "
                               "status item, popover, observe store, observe language, login "
                               "item, moved login item, refresh, wake, loops, first run";
-    const struct {
-        LaunchOptions options;
-        bool otherRuns;
-        LaunchOutcome outcome;
-        std::string done;
-    } cases[] = {
+    const std::tuple<LaunchOptions, bool, LaunchOutcome, std::string> cases[] = {
         {{}, false, LaunchOutcome::launched, steps},
         {{.showsWindow = true}, true, LaunchOutcome::handedOver, "single instance, terminate"},
         {{.isRunningTests = true}, false, LaunchOutcome::testHost, ""},

@@ -1,6 +1,6 @@
 #include "platform/PreferencesFile.h"
+#include "presentation/LegalDocument.h"
 #include "presentation/LegalModel.h"
-#include "presentation/LegalWindowContent.h"
 #include "probes/claude/ClaudeUsageProvider.h"
 #include "store/ActivityLog.h"
 #include "store/HistoryThinning.h"
@@ -79,17 +79,6 @@ TEST(LegalModel, AsksUntilThisVersionIsAcceptedAndAfterANewerOne) {
     EXPECT_TRUE(legal.needsNotice());
     preferences->setString(key, "yes");
     EXPECT_TRUE(legal.needsNotice());
-}
-
-TEST(LegalWindowContent, HasSomethingToAcceptOnlyWhileItIsDue) {
-    const Localization words("en");
-    for (const bool isDue : {false, true}) {
-        const auto content = legalWindowContent(LegalDocument::privacy, isDue, words);
-        EXPECT_EQ(content.notice.empty(), !isDue);
-        EXPECT_EQ(content.acceptTitle.empty(), !isDue);
-        EXPECT_EQ(content.choices.at(static_cast<std::size_t>(content.document)),
-                  content.text.title);
-    }
 }
 
 } // namespace

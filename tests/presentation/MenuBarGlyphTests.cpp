@@ -23,11 +23,7 @@ std::string described(const MenuBarGlyph& glyph) {
 }
 
 TEST(MenuBarGlyph, ChoosesTheMostPressingWindow) {
-    const struct {
-        const char* promise;
-        std::vector<UsageWindow> windows;
-        const char* chosen;
-    } choices[] = {
+    const std::tuple<const char*, std::vector<UsageWindow>, const char*> choices[] = {
         {"severity comes before pace",
          {window("fast", 56, fiveHours, 150), window("critical", 96, week, 0.9 * week)},
          "critical 96/10"},

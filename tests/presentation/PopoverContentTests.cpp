@@ -255,12 +255,7 @@ TEST(AgentBlock, TellsWhatIsOlderThanItLooksAndWhenTheAgentIsAskedAgain) {
 
 TEST(AgentBlock, OffersTheWayOutOfAFailure) {
     using Kind = UsageProviderError::Kind;
-    const struct {
-        AgentProviderID agent;
-        UsageProviderError error;
-        WayOut wayOut;
-        const char* button;
-    } ways[] = {
+    const std::tuple<AgentProviderID, UsageProviderError, WayOut, const char*> ways[] = {
         {claude, UsageProviderError::executableMissing("claude"), WayOut::install, "Install …"},
         {claude, UsageProviderError(Kind::claudeAPIKey), WayOut::logIn, "Log in …"},
         {claude, UsageProviderError::claudeOptionRefused("--x"), WayOut::update, "Read again"},
@@ -302,12 +297,8 @@ TEST(AgentBlock, NamesThePlanAndListsBalancesAndCredits) {
 }
 
 TEST(AgentBlock, SaysUntilWhenAnAgentRefusesAndWhy) {
-    const struct {
-        /// Null: the agent says only that it refuses.
-        const char* reached;
-        double used;
-        std::string reason;
-    } cases[] = {
+    // Null: the agent says only that it refuses.
+    const std::tuple<const char*, double, std::string> cases[] = {
         {nullptr, 100, "Codex refuses until 3:15 PM"},
         {"rate_limit_reached", 100, "Codex refuses until 3:15 PM"},
         {nullptr, 50, "Codex refuses for now"},

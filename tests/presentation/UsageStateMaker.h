@@ -3,7 +3,6 @@
 #include "model/UsageHistorySample.h"
 #include "store/UsageState.h"
 
-#include <initializer_list>
 #include <string>
 #include <utility>
 #include <vector>

@@ -26,6 +26,17 @@ inline FetchOutcome outcomeOf(AgentUsageProvider& provider) {
     }
 }
 
+/// What `read` throws; nothing when it comes to an end.
+template<typename Read>
+std::optional<UsageProviderError> errorOf(Read&& read) {
+    try {
+        read();
+    } catch (const UsageProviderError& error) {
+        return error;
+    }
+    return std::nullopt;
+}
+
 /// Absent: a snapshot.
 inline std::optional<UsageProviderError::Kind> failureOf(const FetchOutcome& outcome) {
     const auto* error = std::get_if<UsageProviderError>(&outcome);

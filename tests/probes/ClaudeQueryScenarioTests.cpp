@@ -1,5 +1,5 @@
 #include "probes/AgentScenario.h"
-#include "probes/claude/ClaudeUsageProvider.h"
+#include "probes/ClaudeLimits.h"
 
 #include <algorithm>
 #include <string>
@@ -13,19 +13,6 @@ using Kind = UsageProviderError::Kind;
 /// Claude read as shipped: by its query where it has one.
 class ClaudeQueryScenario : public ScenarioTest {
 protected:
-    static ClaudeUsageProvider::Limits limits() {
-        ClaudeUsageProvider::Limits limits;
-        limits.loginCheckGrace = Seconds(0.2);
-        limits.query.killGrace = Seconds(0.3);
-        limits.session.least = Seconds(0.05);
-        limits.session.killGrace = Seconds(0.3);
-        limits.session.timings.statusPauseMs = 30;
-        limits.session.timings.statusEscapePauseMs = 30;
-        limits.session.timings.leavePauseMs = 30;
-        limits.session.timings.exitPauseMs = 100;
-        return limits;
-    }
-
     /// How many sessions were opened, each of which would have sent a message to a model.
     std::ptrdiff_t messagesToAModel() {
         const std::string lines =
@@ -51,7 +38,7 @@ TEST_F(ClaudeQueryScenario, TakesAnAnswerForWhatItIsAndSpendsNothing) {
           std::pair("query-stale", SnapshotSource::stale)}) {
         SCOPED_TRACE(scenario);
         sandbox.play("claude", scenario);
-        ClaudeUsageProvider claude(sandbox.machine(), Seconds(60), {}, limits());
+        ClaudeUsageProvider claude(sandbox.machine(), Seconds(60), {}, quickClaudeLimits());
         const AgentUsageSnapshot snapshot = claude.fetch();
         EXPECT_EQ(snapshot.source, source);
         EXPECT_EQ(windowIDsOf(snapshot),
@@ -74,7 +61,7 @@ TEST_F(ClaudeQueryScenario, AnAnswerWithoutFiguresIsAReasonAndOpensNoSession) {
     };
     for (const auto& [scenario, reason] : cases) {
         sandbox.play("claude", scenario);
-        ClaudeUsageProvider claude(sandbox.machine(), Seconds(60), {}, limits());
+        ClaudeUsageProvider claude(sandbox.machine(), Seconds(60), {}, quickClaudeLimits());
         EXPECT_EQ(failureOf(outcomeOf(claude)), reason) << scenario;
     }
     EXPECT_EQ(messagesToAModel(), 0);
@@ -86,7 +73,7 @@ TEST_F(ClaudeQueryScenario, ACLIWithoutTheQueryIsReadByItsScreensAndRarely) {
         SCOPED_TRACE(scenario);
         sandbox.play("claude", scenario);
         const auto before = messagesToAModel();
-        ClaudeUsageProvider claude(sandbox.machine(), Seconds(60), {}, limits());
+        ClaudeUsageProvider claude(sandbox.machine(), Seconds(60), {}, quickClaudeLimits());
         const AgentUsageSnapshot first = claude.fetch();
         EXPECT_EQ(wayOf(first), claudeSessionWay);
         EXPECT_EQ(first.windows.size(), 3u);
@@ -103,7 +90,8 @@ TEST_F(ClaudeQueryScenario, ACLIWithoutTheQueryIsReadByItsScreensAndRarely) {
 TEST_F(ClaudeQueryScenario, OneWayCanBeForced) {
     sandbox.play("claude", "normal");
     ClaudeUsageProvider session(sandbox.machine(), Seconds(60),
-                                {.way = claudeSessionWay, .interval = Seconds(600)}, limits());
+                                {.way = claudeSessionWay, .interval = Seconds(600)},
+                                quickClaudeLimits());
     EXPECT_EQ(wayOf(session.fetch()), claudeSessionWay);
     EXPECT_EQ(session.pace().interval, Seconds(600));
     EXPECT_EQ(messagesToAModel(), 1);
@@ -111,7 +99,7 @@ TEST_F(ClaudeQueryScenario, OneWayCanBeForced) {
     for (const char* scenario : {"query-unsupported", "query-missing", "query-silent"}) {
         sandbox.play("claude", scenario);
         ClaudeUsageProvider query(sandbox.machine(), Seconds(60),
-                                  {.way = claudeQueryWay, .interval = {}}, limits());
+                                  {.way = claudeQueryWay, .interval = {}}, quickClaudeLimits());
         EXPECT_EQ(failureOf(outcomeOf(query)), Kind::claudeQueryFailed) << scenario;
     }
     EXPECT_EQ(messagesToAModel(), 1);
@@ -119,12 +107,12 @@ TEST_F(ClaudeQueryScenario, OneWayCanBeForced) {
 
 TEST_F(ClaudeQueryScenario, AsksOnceForWhatTheCLIWouldRepeat) {
     sandbox.play("claude", "normal");
-    ClaudeUsageProvider claude(sandbox.machine(), Seconds(60), {}, limits());
+    ClaudeUsageProvider claude(sandbox.machine(), Seconds(60), {}, quickClaudeLimits());
     const AgentUsageSnapshot first = claude.fetch();
     sandbox.play("claude", "query-unavailable");
     EXPECT_EQ(claude.fetch(), first);
 
-    auto impatient = limits();
+    auto impatient = quickClaudeLimits();
     impatient.repetition = Seconds(0);
     sandbox.play("claude", "normal");
     ClaudeUsageProvider asking(sandbox.machine(), Seconds(60), {}, impatient);
@@ -135,7 +123,7 @@ TEST_F(ClaudeQueryScenario, AsksOnceForWhatTheCLIWouldRepeat) {
 
 TEST_F(ClaudeQueryScenario, AQueryThatHangsEndsInTimeAndOpensNoSession) {
     sandbox.play("claude", "query-hang");
-    auto impatient = limits();
+    auto impatient = quickClaudeLimits();
     impatient.query.answer = Seconds(0.3);
     ClaudeUsageProvider claude(sandbox.machine(), Seconds(60), {}, impatient);
     expectFailure(outcomeOf(claude), UsageProviderError::timeout("Claude"));

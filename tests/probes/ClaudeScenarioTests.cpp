@@ -1,8 +1,8 @@
 // Claude's probe from end to end: simulated CLI, real interpreter, real terminal, real files.
 
 #include "AgentScenario.h"
+#include "ClaudeLimits.h"
 #include "probes/claude/ClaudeLoginCheck.h"
-#include "probes/claude/ClaudeUsageProvider.h"
 #include "support/ProjectDirectories.h"
 
 namespace vellmark::tests {
@@ -15,29 +15,9 @@ const std::vector<std::string> allWindows = {"session", "weekly", "fable-weekly"
 /// The screens, whatever else the CLI can do.
 const ReadingOptions session{.way = claudeSessionWay, .interval = {}};
 
-/// Pauses that the simulated CLI needs; steps wait as long as shipped, so that a busy machine makes
-/// no difference.
-ClaudeUsageProvider::Limits quickLimits() {
-    ClaudeUsageProvider::Limits limits;
-    limits.loginCheckGrace = Seconds(0.2);
-    limits.session.least = Seconds(0.05);
-    limits.session.killGrace = Seconds(0.3);
-    limits.session.timings.statusPauseMs = 30;
-    limits.session.timings.statusEscapePauseMs = 30;
-    limits.session.timings.missingStatusPauseMs = 30;
-    limits.session.timings.loggedOutPauseMs = 30;
-    limits.session.timings.loggedOutExitPauseMs = 30;
-    limits.session.timings.markedCapMs = 60000;
-    limits.session.timings.unmarkedCapMs = 60000;
-    limits.session.timings.unmarkedQuietSeconds = 1;
-    limits.session.timings.leavePauseMs = 30;
-    limits.session.timings.exitPauseMs = 100;
-    return limits;
-}
-
 /// For sessions in which a step is to run out of time.
 ClaudeUsageProvider::Limits impatientLimits(int stepTimeoutSeconds) {
-    ClaudeUsageProvider::Limits limits = quickLimits();
+    ClaudeUsageProvider::Limits limits = quickClaudeLimits();
     limits.session.timings.stepTimeoutSeconds = stepTimeoutSeconds;
     return limits;
 }
@@ -54,13 +34,13 @@ std::vector<SnapshotNote> ofTheScreen(const AgentUsageSnapshot& reading) {
 
 class ClaudeScenario : public ScenarioTest {
 protected:
-    FetchOutcome fetch(const ClaudeUsageProvider::Limits& limits = quickLimits(),
+    FetchOutcome fetch(const ClaudeUsageProvider::Limits& limits = quickClaudeLimits(),
                        Seconds hardLimit = Seconds(60)) {
         ClaudeUsageProvider provider(sandbox.machine(), hardLimit, session, limits);
         return outcomeOf(provider);
     }
 
-    AgentUsageSnapshot snapshot(const ClaudeUsageProvider::Limits& limits = quickLimits()) {
+    AgentUsageSnapshot snapshot(const ClaudeUsageProvider::Limits& limits = quickClaudeLimits()) {
         const FetchOutcome outcome = fetch(limits);
         if (const auto* error = std::get_if<UsageProviderError>(&outcome)) {
             ADD_FAILURE() << error->what();
@@ -78,7 +58,7 @@ class ClaudeOutcomes : public ClaudeScenario, public testing::WithParamInterface
 
 TEST_P(ClaudeOutcomes, AreTheReadingOrItsReason) {
     sandbox.play("claude", GetParam().scenario);
-    ClaudeUsageProvider::Limits limits = quickLimits();
+    ClaudeUsageProvider::Limits limits = quickClaudeLimits();
     if (GetParam().scenario == "split" || GetParam().scenario == "huge") {
         // The interpreter counts whole seconds: of one, nothing is left to wait for the rest of a
         // character that came in two pieces as the clock's second changed.
@@ -134,7 +114,7 @@ TEST_F(ClaudeScenario, ReadsFiguresAccountAndTimes) {
 }
 
 TEST_F(ClaudeScenario, ReportsWhatKeepsItFromStarting) {
-    ClaudeUsageProvider unscripted(sandbox.machine(), Seconds(60), session, quickLimits(),
+    ClaudeUsageProvider unscripted(sandbox.machine(), Seconds(60), session, quickClaudeLimits(),
                                    "/nowhere/expect");
     expectFailure(outcomeOf(unscripted),
                   UsageProviderError::launchFailed("Claude Code", "No such file or directory"));
@@ -147,7 +127,7 @@ TEST_F(ClaudeScenario, ReportsWhatKeepsItFromStarting) {
     sandbox.installNoProgram("claude", "#!/nowhere/node\n");
     for (const char* way : {claudeSessionWay, claudeQueryWay}) {
         ClaudeUsageProvider provider(sandbox.machine(), Seconds(60), {.way = way, .interval = {}},
-                                     quickLimits());
+                                     quickClaudeLimits());
         expectFailure(outcomeOf(provider),
                       UsageProviderError::launchFailed("Claude Code",
                                                        "/nowhere/node: No such file or directory"));
@@ -155,7 +135,7 @@ TEST_F(ClaudeScenario, ReportsWhatKeepsItFromStarting) {
 
     AgentSandbox other;
     other.machine().temporary /= "gone";
-    ClaudeUsageProvider provider(other.machine(), Seconds(60), session, quickLimits());
+    ClaudeUsageProvider provider(other.machine(), Seconds(60), session, quickClaudeLimits());
     expectFailure(outcomeOf(provider), Kind::claudeTempFileFailed);
 }
 
@@ -248,7 +228,7 @@ TEST_F(ClaudeScenario, HasNoTimesOfASessionWithoutStatusScreen) {
 
 TEST_F(ClaudeScenario, WaitsForTheModelsWindowOnceItWasSeen) {
     sandbox.play("claude", "fable-late\nfable-delay=3500");
-    ClaudeUsageProvider provider(sandbox.machine(), Seconds(60), session, quickLimits());
+    ClaudeUsageProvider provider(sandbox.machine(), Seconds(60), session, quickClaudeLimits());
     EXPECT_EQ(provider.fetch().windows.size(), 2u);
     sandbox.play("claude", "normal");
     EXPECT_EQ(provider.fetch().windows.size(), 3u);

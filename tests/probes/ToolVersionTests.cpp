@@ -46,9 +46,7 @@ TEST_F(ToolVersion, IsAskedInAPlaceOfItsOwnWhateverLiesWhereTheProgramWasStarted
     directory.write("file", "");
     machine.applicationSupport = directory / "file";
     EXPECT_EQ(versionPrintedBy("pwd"), "/");
-}
-
-TEST_F(ToolVersion, SeesTheFilteredEnvironment) {
+    // And in the filtered environment.
     machine.environment["CODEX_SECRET"] = "leaked";
     EXPECT_EQ(versionPrintedBy("echo \"v1$CODEX_SECRET\""), "v1");
 }

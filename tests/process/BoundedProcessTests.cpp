@@ -236,17 +236,12 @@ TEST(BoundedProcess, AStoppedChildCanObeyTheSoftStop) {
 }
 
 TEST(BoundedProcess, AChildThatReachesForTheTerminalIsNotStopped) {
-    const TestTerminal terminal(80);
-    const pid_t program = ::fork();
-    if (program == 0) {
-        // The program has a terminal, whose foreground the child is not in.
-        terminal.take();
-        const auto result = runShell("stty -echo </dev/tty; exit 3", Seconds(5), Seconds(1));
-        ::_exit(result.timedOut ? 1 : result.terminationStatus == 3 ? 0 : 2);
-    }
-    int status = -1;
-    ::waitpid(program, &status, 0);
-    EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, 0);
+    // The program has a terminal, whose foreground the child is not in.
+    EXPECT_EQ(statusOnTerminal([](int /*terminal*/) {
+                  return runShell("stty -echo </dev/tty; exit 3", Seconds(5), Seconds(1))
+                      .terminationStatus;
+              }),
+              3);
 }
 
 TEST(BoundedProcess, ALimitOfNothingStopsAtOnce) {

@@ -1,7 +1,6 @@
 #include "process/ChildEnvironment.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace vellmark::tests {
 namespace {

@@ -4,7 +4,6 @@
 #include "process/ShellChild.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <signal.h>
@@ -21,13 +20,15 @@ using ::testing::IsEmpty;
 
 constexpr Seconds enough{20};
 
-/// Reads until something other than data comes.
-ReadEvent readAll(ChildSession& session, std::string& text) {
+/// What comes until the child's end, which comes at last.
+std::string readAll(ChildSession& session) {
+    std::string text;
     ReadEvent event = ReadEvent::data;
     while (event == ReadEvent::data) {
         event = session.read(text, enough);
     }
-    return event;
+    EXPECT_EQ(event, ReadEvent::endOfFile);
+    return text;
 }
 
 TEST(ChildSession, AnswersComeBack) {
@@ -39,8 +40,7 @@ TEST(ChildSession, AnswersComeBack) {
     EXPECT_EQ(session.read(text, enough), ReadEvent::data);
     EXPECT_EQ(text, "got one\n");
     EXPECT_TRUE(session.write("two\n", enough));
-    EXPECT_EQ(readAll(session, text), ReadEvent::endOfFile);
-    EXPECT_EQ(text, "got one\ntwo!\n");
+    EXPECT_EQ(readAll(session), "two!\n");
 }
 
 TEST(ChildSession, SilenceIsIdle) {
@@ -56,8 +56,7 @@ TEST(ChildSession, SilenceIsIdle) {
 TEST(ChildSession, WritingToAChildThatHasGoneRaisesNothing) {
     ::signal(SIGPIPE, SIG_DFL);
     ChildSession session(shellChild("exit 0"), ErrorStream::nullDevice);
-    std::string text;
-    EXPECT_EQ(readAll(session, text), ReadEvent::endOfFile);
+    EXPECT_EQ(readAll(session), "");
     EXPECT_FALSE(session.write(std::string(1 << 20, 'x'), enough));
     sigset_t pending;
     ::sigpending(&pending);
@@ -73,9 +72,7 @@ TEST(ChildSession, AChattyErrorStreamBlocksNobodyAndItsEndIsKept) {
     ChildSession session(shellChild("dd if=/dev/zero bs=1000000 count=3 >&2 2>/dev/null; "
                                     "echo the reason >&2; echo done"),
                          ErrorStream::pipe);
-    std::string text;
-    EXPECT_EQ(readAll(session, text), ReadEvent::endOfFile);
-    EXPECT_EQ(text, "done\n");
+    EXPECT_EQ(readAll(session), "done\n");
     const std::string errors = session.errorText();
     EXPECT_EQ(errors.size(), 64u * 1024);
     EXPECT_TRUE(errors.ends_with("the reason\n"));
@@ -98,8 +95,7 @@ TEST(ChildSession, TheEndOfAnErrorTextBeginsWithAWholeCharacter) {
     ChildSession session(
         shellChild("yes ä | tr -d '\\n' | head -c 100000 >&2; echo the reason >&2"),
         ErrorStream::pipe);
-    std::string text;
-    EXPECT_EQ(readAll(session, text), ReadEvent::endOfFile);
+    EXPECT_EQ(readAll(session), "");
     const std::string errors = session.errorText();
     EXPECT_EQ(errors.size(), 64u * 1024 - 1);
     EXPECT_TRUE(errors.starts_with("ä"));
@@ -111,9 +107,7 @@ TEST(ChildSession, AGrandchildThatHoldsTheOutputDoesNotHoldTheEnd) {
     ChildSession session(
         shellChild("sleep 30 & echo $! > " + (directory / "pid").string() + "; echo last"),
         ErrorStream::pipe);
-    std::string text;
-    EXPECT_EQ(readAll(session, text), ReadEvent::endOfFile);
-    EXPECT_EQ(text, "last\n");
+    EXPECT_EQ(readAll(session), "last\n");
     ::kill(awaitedPid(directory / "pid"), SIGKILL);
 }
 

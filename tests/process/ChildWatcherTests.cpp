@@ -43,27 +43,37 @@ pid_t noted(const TemporaryDirectory& directory, const char* name) {
     return result.ec == std::errc() && result.ptr != text.data() + text.size() ? pid : 0;
 }
 
-/// Runs `program` in a process of its own, which the watcher takes for the program.
+/// Runs `program` in a process of its own, with a watcher that takes it for the program.
 pid_t runAsProgram(const std::function<void()>& program) {
     const pid_t pid = ::fork();
     if (pid == 0) {
+        if (!startChildWatcher()) {
+            ::_exit(1);
+        }
         program();
         ::_exit(0);
     }
     return pid;
 }
 
-void waitForEnd(pid_t program) {
-    int status = 0;
-    ::waitpid(program, &status, 0);
+void killAndCollect(pid_t program) {
+    ::kill(program, SIGKILL);
+    ::waitpid(program, nullptr, 0);
+}
+
+/// The watcher of the program that this is.
+pid_t watcherOf(pid_t program, pid_t otherChild = 0) {
+    for (const pid_t each : directChildren(program)) {
+        if (each != otherChild) {
+            return each;
+        }
+    }
+    return 0;
 }
 
 TEST(ChildWatcher, EndsADeafFamilyWhenTheProgramIsKilled) {
     const TemporaryDirectory directory;
     const pid_t program = runAsProgram([&] {
-        if (!startChildWatcher()) {
-            ::_exit(1);
-        }
         const LaunchedChild child = launch(directory, deafFamily);
         ::pause();
     });
@@ -73,9 +83,8 @@ TEST(ChildWatcher, EndsADeafFamilyWhenTheProgramIsKilled) {
     const auto grandchild = ProcessHandle::open(noted(directory, "grandchild"));
     ASSERT_TRUE(child && grandchild);
 
-    ::kill(program, SIGKILL);
     const auto killedAt = std::chrono::steady_clock::now();
-    waitForEnd(program);
+    killAndCollect(program);
     EXPECT_TRUE(becomesTrue([&] { return !child->isAlive() && !grandchild->isAlive(); }));
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - killedAt;
     // 2 s are promised; the rest is for a loaded machine.
@@ -87,9 +96,6 @@ TEST(ChildWatcher, EndsADeafFamilyWhenTheProgramIsKilled) {
 TEST(ChildWatcher, LeavesAloneWhatHasEndedForTheProgram) {
     const TemporaryDirectory directory;
     const pid_t program = runAsProgram([&] {
-        if (!startChildWatcher()) {
-            ::_exit(1);
-        }
         const LaunchedChild child =
             launch(directory, "echo $$ > \"$1/child\"; while :; do sleep 1; done");
         RunningChildren::remove(child.pid());
@@ -100,14 +106,10 @@ TEST(ChildWatcher, LeavesAloneWhatHasEndedForTheProgram) {
         [&] { return noted(directory, "child") > 0 && noted(directory, "ended") > 0; }));
     const auto child = ProcessHandle::open(noted(directory, "child"));
     ASSERT_TRUE(child);
-    pid_t watcher = 0;
-    for (const pid_t each : directChildren(program)) {
-        watcher = each != child->pid() ? each : watcher;
-    }
+    const pid_t watcher = watcherOf(program, child->pid());
     ASSERT_GT(watcher, 0);
 
-    ::kill(program, SIGKILL);
-    waitForEnd(program);
+    killAndCollect(program);
     // The watcher has worked when it has gone.
     EXPECT_TRUE(becomesTrue([&] { return !isProcessAlive(watcher); }));
     EXPECT_TRUE(child->isAlive());
@@ -117,26 +119,12 @@ TEST(ChildWatcher, LeavesAloneWhatHasEndedForTheProgram) {
 // The watcher must not hold up a program that ends in order.
 TEST(ChildWatcher, GoesWithTheProgram) {
     const TemporaryDirectory directory;
-    const pid_t program = runAsProgram([&] {
-        if (!startChildWatcher()) {
-            ::_exit(1);
-        }
-        directory.write("watcher", std::to_string(directChildren(::getpid()).front()) + "\n");
-    });
-    waitForEnd(program);
+    const pid_t program = runAsProgram(
+        [&] { directory.write("watcher", std::to_string(watcherOf(::getpid())) + "\n"); });
+    ::waitpid(program, nullptr, 0);
     const pid_t watcher = noted(directory, "watcher");
     ASSERT_GT(watcher, 0);
     EXPECT_TRUE(becomesTrue([&] { return !isProcessAlive(watcher); }));
-}
-
-/// The watcher of the program that this is.
-pid_t watcherOf(pid_t program, pid_t otherChild = 0) {
-    for (const pid_t each : directChildren(program)) {
-        if (each != otherChild) {
-            return each;
-        }
-    }
-    return 0;
 }
 
 /// Whether a watcher remembers a process: beside its standard streams it holds that alone.
@@ -151,9 +139,6 @@ bool holdsAChild(pid_t watcher) {
 TEST(ChildWatcher, IsStartedAgainAndKnowsWhatRuns) {
     const TemporaryDirectory directory;
     const pid_t program = runAsProgram([&] {
-        if (!startChildWatcher()) {
-            ::_exit(1);
-        }
         const LaunchedChild child = launch(directory, deafFamily);
         if (!becomesTrue([&] { return noted(directory, "grandchild") > 0; })) {
             ::_exit(2);
@@ -176,8 +161,7 @@ TEST(ChildWatcher, IsStartedAgainAndKnowsWhatRuns) {
     const auto child = ProcessHandle::open(noted(directory, "child"));
     const auto grandchild = ProcessHandle::open(noted(directory, "grandchild"));
     ASSERT_TRUE(child && grandchild);
-    ::kill(program, SIGKILL);
-    waitForEnd(program);
+    killAndCollect(program);
     EXPECT_TRUE(becomesTrue([&] { return !child->isAlive() && !grandchild->isAlive(); }));
 }
 
@@ -189,9 +173,6 @@ TEST(ChildWatcher, KnowsWhatHasOutlivedACollectedChild) {
                                                   (directory / "grandchild").string() +
                                                   "; while :; do sleep 0.05; done");
     const pid_t program = runAsProgram([&] {
-        if (!startChildWatcher()) {
-            ::_exit(1);
-        }
         ChildConfiguration interpreter;
         interpreter.executable = "/bin/sh";
         interpreter.arguments = {
@@ -206,8 +187,7 @@ TEST(ChildWatcher, KnowsWhatHasOutlivedACollectedChild) {
     ASSERT_TRUE(becomesTrue([&] { return noted(directory, "collected") > 0; }));
     const auto left = ProcessHandle::open(noted(directory, "grandchild"));
     ASSERT_TRUE(left && left->isAlive());
-    ::kill(program, SIGKILL);
-    waitForEnd(program);
+    killAndCollect(program);
     EXPECT_TRUE(becomesTrue([&] { return !left->isAlive(); }));
 }
 
@@ -230,9 +210,6 @@ TEST(ChildWatcher, EndsAChildWheneverTheProgramIsKilledDuringTheLaunch) {
     for (int round = 0; round < 100; ++round) {
         const std::string launching = "launching" + std::to_string(round);
         const pid_t program = runAsProgram([&] {
-            if (!startChildWatcher()) {
-                ::_exit(1);
-            }
             directory.write(launching, "1\n");
             const LaunchedChild child = launch(directory, deafFamily);
             ::pause();
@@ -240,8 +217,7 @@ TEST(ChildWatcher, EndsAChildWheneverTheProgramIsKilledDuringTheLaunch) {
         ASSERT_TRUE(becomesTrue([&] { return noted(directory, launching.c_str()) > 0; }));
         std::this_thread::sleep_for(std::chrono::microseconds(round * 300));
         watchers.push_back(watcherOf(program));
-        ::kill(program, SIGKILL);
-        waitForEnd(program);
+        killAndCollect(program);
     }
     for (const pid_t watcher : watchers) {
         ASSERT_TRUE(becomesTrue([watcher] { return !isProcessAlive(watcher); }));

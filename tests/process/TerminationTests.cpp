@@ -5,7 +5,6 @@
 #include "process/ShellChild.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <fcntl.h>

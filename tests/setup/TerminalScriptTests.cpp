@@ -7,27 +7,11 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <functional>
 #include <string>
-#include <sys/wait.h>
 #include <thread>
-#include <unistd.h>
 
 namespace vellmark::tests {
 namespace {
-
-/// Runs `program` in a process that has a terminal of its own, and gives it that.
-int statusOnTerminal(const std::function<int(int terminal)>& program) {
-    const TestTerminal terminal(80);
-    const pid_t pid = ::fork();
-    if (pid == 0) {
-        terminal.take();
-        ::_exit(program(terminal.descriptor()));
-    }
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
 
 class TerminalScriptRun : public testing::Test {
 protected:

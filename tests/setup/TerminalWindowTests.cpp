@@ -5,7 +5,6 @@
 #include "support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <sys/stat.h>
 #include <utime.h>

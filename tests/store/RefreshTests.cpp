@@ -95,8 +95,7 @@ TEST_F(Refresh, AFailureKeepsTheLastGoodFiguresAsStale) {
     EXPECT_EQ(failed.accountLabel, good.accountLabel);
     EXPECT_EQ(failed.plan, good.plan);
     EXPECT_EQ(failed.updatedAt, executor.now()) << "the time of the attempt";
-    ASSERT_TRUE(failed.error);
-    EXPECT_EQ(failed.error->kind(), UsageProviderError::Kind::claudeNotLoggedIn);
+    EXPECT_EQ(failed.error, UsageProviderError(UsageProviderError::Kind::claudeNotLoggedIn));
     EXPECT_EQ(state().lastSuccess.at(claude->id()), good.updatedAt);
 
     claude->answersUsed(43, executor.now());

@@ -2,12 +2,11 @@
 #include "store/StoreFixture.h"
 #include "store/UsageHistory.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace vellmark::tests {
 namespace {
 
-using testing::ElementsAre;
 namespace fs = std::filesystem;
 
 /// A store, and the settings in the hands of another program.

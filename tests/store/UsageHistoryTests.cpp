@@ -84,12 +84,7 @@ TEST(HistorySeries, TakesAnyNumberOfSamplesInAnyOrder) {
 
 TEST(Recording, AsksForAChangeOrHalfAnHour) {
     const UsageWindow window{"session", 40, 300, at(10'000)};
-    struct Case {
-        const char* what;
-        std::optional<HistoryPoint> last;
-        bool expected;
-    };
-    const std::vector<Case> cases = {
+    const std::tuple<const char*, std::optional<HistoryPoint>, bool> cases[] = {
         {"the first", std::nullopt, true},
         {"the same", HistoryPoint(at(100), 40, at(10'000)), false},
         {"used changed", HistoryPoint(at(100), 40.5, at(10'000)), true},
@@ -101,8 +96,8 @@ TEST(Recording, AsksForAChangeOrHalfAnHour) {
         {"not quite", HistoryPoint(at(-1'699), 40, at(10'000)), false},
         {"the clock was set back", HistoryPoint(at(1e6), 40, at(10'000)), false},
     };
-    for (const Case& one : cases) {
-        EXPECT_EQ(isWorthRecording(window, at(100), one.last), one.expected) << one.what;
+    for (const auto& [what, last, expected] : cases) {
+        EXPECT_EQ(isWorthRecording(window, at(100), last), expected) << what;
     }
 }
 

@@ -170,12 +170,6 @@ TEST_F(WrongClock, ARemovalThatWasInterruptedLosesNothing) {
 
 TEST(RecordedDays, CountAgeFromWhatTheyBearOut) {
     const Instant start(Seconds(800'000'000));
-    struct Case {
-        const char* what;
-        std::vector<double> days;
-        double now;
-        double expected; ///< in days; to the end of the day
-    };
     std::vector<double> month;
     for (int number = 0; number < 30; ++number) {
         month.push_back(number);
@@ -184,7 +178,8 @@ TEST(RecordedDays, CountAgeFromWhatTheyBearOut) {
         more.insert(more.begin(), month.begin(), month.end());
         return more;
     };
-    const std::vector<Case> cases = {
+    // The days recorded, now, and the reference to the end of its day.
+    const std::tuple<const char*, std::vector<double>, double, double> cases[] = {
         {"nothing recorded", {}, 5, 5},
         {"as usual", month, 29.5, 29.5},
         {"after a week off", month, 36, 36},
@@ -196,13 +191,13 @@ TEST(RecordedDays, CountAgeFromWhatTheyBearOut) {
         {"a week after the holidays", with({60, 61, 62, 63, 64, 65, 66}), 66, 66},
         {"nothing but jumps", {0, 100, 200}, 200, 1},
     };
-    for (const Case& one : cases) {
+    for (const auto& [what, recorded, now, expected] : cases) {
         RecordedDays days;
-        for (const double number : one.days) {
+        for (const double number : recorded) {
             days.add(start + number * day);
         }
-        const double found = (days.reference(start + one.now * day) - start) / day;
-        EXPECT_NEAR(found, one.expected, 1) << one.what;
+        const double found = (days.reference(start + now * day) - start) / day;
+        EXPECT_NEAR(found, expected, 1) << what;
     }
     RecordedDays absurd;
     for (const double seconds : {1e300, -1e300, 5e-324}) {
@@ -214,13 +209,7 @@ TEST(RecordedDays, CountAgeFromWhatTheyBearOut) {
 TEST(HistoryThinning, KeepsTheHighestOfAnHourAndForgetsAfter400Days) {
     const double now = 800'000'000;
     const double wholeHour = std::floor((now - 100 * day.count()) / 3600) * 3600;
-    struct Case {
-        double captured;
-        double used;
-        const char* window;
-        bool expendable;
-    };
-    const std::vector<Case> cases = {
+    const std::tuple<double, double, const char*, bool> cases[] = {
         {now - 401 * day.count(), 50, "session", true},
         {now - 399 * day.count(), 50, "session", false},
         {wholeHour, 10, "session", true},
@@ -235,17 +224,17 @@ TEST(HistoryThinning, KeepsTheHighestOfAnHourAndForgetsAfter400Days) {
     };
     HistoryThinning thinning{Instant(Seconds(now))};
     std::vector<std::uint64_t> expected;
-    for (std::size_t index = 0; index < cases.size(); ++index) {
-        StoredHistorySample sample;
-        sample.provider = "claude";
-        sample.windowID = cases[index].window;
-        sample.capturedAt = cases[index].captured;
-        sample.usedPercent = cases[index].used;
-        sample.offset = index;
+    StoredHistorySample sample;
+    sample.provider = "claude";
+    for (const auto& [captured, used, window, isExpendable] : cases) {
+        sample.windowID = window;
+        sample.capturedAt = captured;
+        sample.usedPercent = used;
         thinning.add(sample);
-        if (cases[index].expendable) {
-            expected.push_back(index);
+        if (isExpendable) {
+            expected.push_back(sample.offset);
         }
+        ++sample.offset;
     }
     EXPECT_EQ(thinning.expendable(), expected);
 }

@@ -5,8 +5,10 @@
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
+#include <functional>
 #include <string>
 #include <sys/ioctl.h>
+#include <sys/wait.h>
 #include <system_error>
 #include <termios.h>
 #include <unistd.h>
@@ -49,5 +51,19 @@ private:
     Descriptor controller_{::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)};
     Descriptor terminal_;
 };
+
+/// Runs `program` in a process that has a terminal of its own, and gives it that. What it returned;
+/// -1 when a signal ended it.
+inline int statusOnTerminal(const std::function<int(int terminal)>& program) {
+    const TestTerminal terminal(80);
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        terminal.take();
+        ::_exit(program(terminal.descriptor()));
+    }
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
 
 } // namespace vellmark::tests

@@ -22,29 +22,24 @@ std::string shown(std::optional<Instant> instant, const TimeZone& zone = TimeZon
 } // namespace
 
 TEST(Dates, PatternsAreReadStrictly) {
-    struct Case {
-        const char* text;
-        const char* pattern;
-        const char* expected;
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"3pm", "ha", "2000-01-01 15:00:00"},
+        {"9:30am", "h:mma", "2000-01-01 09:30:00"},
+        {"9:30AM", "h:mma", "2000-01-01 09:30:00"},
+        {"Nov 24 at 9:30am", "MMM d 'at' h:mma", "2000-11-24 09:30:00"},
+        {"2025-06-01 14:00:09", "yyyy-MM-dd HH:mm:ss", "2025-06-01 14:00:09"},
+        {"3pm ", "ha", "-"},
+        {"3pm (Europe/Zurich)", "ha", "-"},
+        {"9:30", "h:mma", "-"},
+        {"Nov 24 at 9am", "MMM d 'at' h:mma", "-"},
+        {"Mai 24 at 9am", "MMM d 'at' ha", "-"},
+        {"2025-02-29 14:00:00", "yyyy-MM-dd HH:mm:ss", "-"},
+        {"2025-06-01 24:00:00", "yyyy-MM-dd HH:mm:ss", "-"},
+        {"", "ha", "-"},
+        {"\xFFpm", "ha", "-"},
     };
-    for (const Case& test : {
-             Case{"3pm", "ha", "2000-01-01 15:00:00"},
-             Case{"9:30am", "h:mma", "2000-01-01 09:30:00"},
-             Case{"9:30AM", "h:mma", "2000-01-01 09:30:00"},
-             Case{"Nov 24 at 9:30am", "MMM d 'at' h:mma", "2000-11-24 09:30:00"},
-             Case{"2025-06-01 14:00:09", "yyyy-MM-dd HH:mm:ss", "2025-06-01 14:00:09"},
-             Case{"3pm ", "ha", "-"},
-             Case{"3pm (Europe/Zurich)", "ha", "-"},
-             Case{"9:30", "h:mma", "-"},
-             Case{"Nov 24 at 9am", "MMM d 'at' h:mma", "-"},
-             Case{"Mai 24 at 9am", "MMM d 'at' ha", "-"},
-             Case{"2025-02-29 14:00:00", "yyyy-MM-dd HH:mm:ss", "-"},
-             Case{"2025-06-01 24:00:00", "yyyy-MM-dd HH:mm:ss", "-"},
-             Case{"", "ha", "-"},
-             Case{"\xFFpm", "ha", "-"},
-         }) {
-        EXPECT_EQ(shown(parseDate(test.text, test.pattern, zurich()), zurich()), test.expected)
-            << test.text;
+    for (const auto& [text, pattern, expected] : cases) {
+        EXPECT_EQ(shown(parseDate(text, pattern, zurich()), zurich()), expected) << text;
     }
     EXPECT_FALSE(parseDate(std::string(5000000, '3'), "ha", zurich()));
 }

@@ -12,12 +12,8 @@ namespace {
 
 const char* const zurichName = "Europe/Zurich";
 
-Localization english() {
-    return Localization("en", "en_US", zurichName);
-}
-Localization german() {
-    return Localization("de", "de_DE", zurichName);
-}
+const Localization english("en", "en_US", zurichName);
+const Localization german("de", "de_DE", zurichName);
 
 Instant zurich(CalendarDate date) {
     return TimeZone::named(zurichName)->instant(date);
@@ -31,36 +27,31 @@ TEST(Formatting, Percentages) {
         {9.96, "10%"}, {-0.01, "0%"}, {-4.5, "-4.5%"},
     };
     for (const auto& [percent, text] : cases) {
-        EXPECT_EQ(percentText(percent, english()), text);
+        EXPECT_EQ(percentText(percent, english), text);
     }
     // What is used and what is left add up to 100 when both are halves.
-    EXPECT_EQ(percentText(42.5, english()), "42%");
-    EXPECT_EQ(percentText(57.5, english()), "58%");
+    EXPECT_EQ(percentText(42.5, english), "42%");
+    EXPECT_EQ(percentText(57.5, english), "58%");
 }
 
 TEST(Formatting, Spans) {
-    struct Case {
-        double seconds;
-        const char* exact;
-        const char* rough;
-        const char* forecast;
+    const std::tuple<double, const char*, const char*, const char*> cases[] = {
+        {59, "under 1 min", "under 1 min", "under 1 min"},
+        {60, "1 min", "1 min", "1 min"},
+        {87 * 60, "1 h 27 min", "87 min", "1 h 27 min"},
+        {90 * 60 + 59, "1 h 30 min", "90 min", "1 h 30 min"},
+        {91 * 60, "1 h 31 min", "1 h", "1 h 31 min"},
+        {3 * 3600 - 1, "2 h 59 min", "2 h", "2 h 59 min"},
+        {3 * 3600 + 600, "3 h 10 min", "3 h", "3 h"},
+        {43 * 3600, "1 d 19 h", "43 h", "43 h"},
+        {3 * 86400 + 18.9 * 3600, "3 d 18 h", "3 d", "3 d"},
+        {86400 + 3599, "1 d", "24 h", "24 h"},
     };
-    for (const Case& test : {
-             Case{59, "under 1 min", "under 1 min", "under 1 min"},
-             Case{60, "1 min", "1 min", "1 min"},
-             Case{87 * 60, "1 h 27 min", "87 min", "1 h 27 min"},
-             Case{90 * 60 + 59, "1 h 30 min", "90 min", "1 h 30 min"},
-             Case{91 * 60, "1 h 31 min", "1 h", "1 h 31 min"},
-             Case{3 * 3600 - 1, "2 h 59 min", "2 h", "2 h 59 min"},
-             Case{3 * 3600 + 600, "3 h 10 min", "3 h", "3 h"},
-             Case{43 * 3600, "1 d 19 h", "43 h", "43 h"},
-             Case{3 * 86400 + 18.9 * 3600, "3 d 18 h", "3 d", "3 d"},
-             Case{86400 + 3599, "1 d", "24 h", "24 h"},
-         }) {
-        const Seconds span(test.seconds);
-        EXPECT_EQ(durationText(span, english()), test.exact);
-        EXPECT_EQ(roughDurationText(span, english()), test.rough);
-        EXPECT_EQ(forecastDurationText(span, english()), test.forecast);
+    for (const auto& [seconds, exact, rough, forecast] : cases) {
+        const Seconds span(seconds);
+        EXPECT_EQ(durationText(span, english), exact);
+        EXPECT_EQ(roughDurationText(span, english), rough);
+        EXPECT_EQ(forecastDurationText(span, english), forecast);
     }
 }
 
@@ -73,10 +64,10 @@ TEST(Formatting, InstantsNameTheirDayWhenItIsNotToday) {
         {{2026, 11, 21, 9, 10, 0}, "Nov 21, 9:10 AM"},
     };
     for (const auto& [date, text] : cases) {
-        EXPECT_EQ(instantText(zurich(date), now, english()), text);
+        EXPECT_EQ(instantText(zurich(date), now, english), text);
     }
-    EXPECT_EQ(momentText(now, english()), "Nov 28, 2026 at 11:30 PM");
-    EXPECT_EQ(dateTimeText(now, english()), "11/28/2026, 11:30:00 PM");
+    EXPECT_EQ(momentText(now, english), "Nov 28, 2026 at 11:30 PM");
+    EXPECT_EQ(dateTimeText(now, english), "11/28/2026, 11:30:00 PM");
 }
 
 TEST(Formatting, TheRegionChoosesTheClockAndTheLanguageTheNames) {
@@ -106,9 +97,9 @@ TEST(Formatting, EveryLanguageHasItsOwnForms) {
     };
     const Instant now = zurich({2026, 11, 28, 9, 5, 0});
     for (const Case& test : {
-             Case{german(), "9,5\u00A0%", "12.840", "So., 09:05", "8. Dez., 09:05",
+             Case{german, "9,5\u00A0%", "12.840", "So., 09:05", "8. Dez., 09:05",
                   "28.11.2026, 09:05", "3 Tagen 18 Std."},
-             Case{english(), "9.5%", "12,840", "Sun 9:05 AM", "Dec 8, 9:05 AM",
+             Case{english, "9.5%", "12,840", "Sun 9:05 AM", "Dec 8, 9:05 AM",
                   "Nov 28, 2026 at 9:05 AM", "3 d 18 h"},
              Case{Localization("fr", "fr_FR", zurichName), "9,5\u00A0%", "12\u00A0840",
                   "dim. 09:05", "8 déc., 09:05", "28 nov. 2026 à 09:05", "3 j 18 h"},
@@ -127,16 +118,16 @@ TEST(Formatting, EveryLanguageHasItsOwnForms) {
 }
 
 TEST(Formatting, Money) {
-    EXPECT_EQ(moneyText(1016.8, "USD", english()), "$1,016.80");
-    EXPECT_EQ(moneyText(16.8, "USD", german()), "16,80\u00A0$");
-    EXPECT_EQ(moneyText(-3, "jpy", english()), "-¥3");
-    EXPECT_EQ(moneyText(16.8, "credits", english()), "16.80 credits");
-    EXPECT_EQ(moneyText(16.8, "", english()), "16.80");
-    EXPECT_EQ(moneyText(16.8, "\xFF\xFF\xFF", english()), "16.80 \xFF\xFF\xFF");
+    EXPECT_EQ(moneyText(1016.8, "USD", english), "$1,016.80");
+    EXPECT_EQ(moneyText(16.8, "USD", german), "16,80\u00A0$");
+    EXPECT_EQ(moneyText(-3, "jpy", english), "-¥3");
+    EXPECT_EQ(moneyText(16.8, "credits", english), "16.80 credits");
+    EXPECT_EQ(moneyText(16.8, "", english), "16.80");
+    EXPECT_EQ(moneyText(16.8, "\xFF\xFF\xFF", english), "16.80 \xFF\xFF\xFF");
 }
 
 TEST(Formatting, NoNumberIsTooStrange) {
-    const Localization words = english();
+    const Localization& words = english;
     const double infinity = std::numeric_limits<double>::infinity();
     const double none = std::numeric_limits<double>::quiet_NaN();
     EXPECT_EQ(percentText(none, words), "–");

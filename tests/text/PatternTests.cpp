@@ -14,31 +14,27 @@ std::string firstMatch(const char* expression, std::string_view text) {
 } // namespace
 
 TEST(Pattern, ClassesGoByUnicode) {
-    struct Case {
-        const char* expression;
-        const char* text;
-        const char* expected;
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {R"(a\sb)", "a\u00A0b", "a\u00A0b"},
+        {R"(a\sb)", "a\vb", "a\vb"},
+        {R"(\S+)", "\u2003word\u3000", "word"},
+        {R"([^\s@]+)", "x\u2009y", "x"},
+        {R"([\s-]+)", "5\u00A0- h", "\u00A0- "},
+        {R"(\d+)", "\u0664\u0662", "\u0664\u0662"},
+        {R"(\D)", "4\u0664x", "x"},
+        {R"([\D]+)", "4\u0664x", "x"},
+        {R"(\w+)", "-größe\u0301-", "größe\u0301"},
+        {R"(.+)", "one\rtwo", "one"},
+        {R"(.+)", "one\u2028two", "one"},
+        {R"(a.c)", "a\nc", "-"},
+        {R"([.]+)", "a..b", ".."},
+        {R"(\.)", "a.b", "."},
+        {R"([\]x]+)", "a]x", "]x"},
+        {R"((?i)GRÖSSE)", "größe grösse", "grösse"},
+        {R"(x*)", "", ""},
     };
-    for (const Case& test : {
-             Case{R"(a\sb)", "a\u00A0b", "a\u00A0b"},
-             Case{R"(a\sb)", "a\vb", "a\vb"},
-             Case{R"(\S+)", "\u2003word\u3000", "word"},
-             Case{R"([^\s@]+)", "x\u2009y", "x"},
-             Case{R"([\s-]+)", "5\u00A0- h", "\u00A0- "},
-             Case{R"(\d+)", "\u0664\u0662", "\u0664\u0662"},
-             Case{R"(\D)", "4\u0664x", "x"},
-             Case{R"([\D]+)", "4\u0664x", "x"},
-             Case{R"(\w+)", "-größe\u0301-", "größe\u0301"},
-             Case{R"(.+)", "one\rtwo", "one"},
-             Case{R"(.+)", "one\u2028two", "one"},
-             Case{R"(a.c)", "a\nc", "-"},
-             Case{R"([.]+)", "a..b", ".."},
-             Case{R"(\.)", "a.b", "."},
-             Case{R"([\]x]+)", "a]x", "]x"},
-             Case{R"((?i)GRÖSSE)", "größe grösse", "grösse"},
-             Case{R"(x*)", "", ""},
-         }) {
-        EXPECT_EQ(firstMatch(test.expression, test.text), test.expected) << test.expression;
+    for (const auto& [expression, text, expected] : cases) {
+        EXPECT_EQ(firstMatch(expression, text), expected) << expression;
     }
 }
 

@@ -6,12 +6,7 @@ namespace vellmark::tests {
 namespace {
 
 TEST(SearchWords, FindsEveryWordWhateverItsCaseAccentsAndOrder) {
-    struct Case {
-        const char* query;
-        const char* text;
-        bool isFound;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, const char*, bool> cases[] = {
         {"token claude", "Claude Code kostet einen Token", true},
         {"TOKEN  codex", "Claude Code kostet einen Token", false},
         {"uber", "Über Vellmark", true},
@@ -25,9 +20,8 @@ TEST(SearchWords, FindsEveryWordWhateverItsCaseAccentsAndOrder) {
         {"a", "", false},
         {"\xff\xfe", "not UTF-8", false},
     };
-    for (const Case& each : cases) {
-        EXPECT_EQ(SearchWords(each.query).areIn(each.text), each.isFound)
-            << each.query << " in " << each.text;
+    for (const auto& [query, text, isFound] : cases) {
+        EXPECT_EQ(SearchWords(query).areIn(text), isFound) << query << " in " << text;
     }
     EXPECT_TRUE(SearchWords(" \u00a0").empty());
     EXPECT_FALSE(SearchWords("?").empty());

@@ -1,4 +1,3 @@
-#include "text/Pattern.h"
 #include "text/TerminalText.h"
 
 #include <gmock/gmock.h>

@@ -11,7 +11,7 @@
 #include <QClipboard>
 #include <QLineEdit>
 #include <QScrollBar>
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace vellmark::tests {
 namespace {

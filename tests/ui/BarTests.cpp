@@ -30,9 +30,7 @@ TEST(Bar, StandsTheMarkAtItsShareWithAPointOfGroundOnEachSide) {
     EXPECT_FALSE(shape.fill.contains(QPointF(56.5, middle)));
     EXPECT_FALSE(shape.track.contains(QPointF(59.5, middle)));
     EXPECT_TRUE(shape.track.contains(QPointF(60.5, middle)));
-}
-
-TEST(Bar, KeepsTheMarkWithinTheBar) {
+    // It stays within the bar.
     EXPECT_EQ(barShape(200, 6, 50, 0.0).mark->left(), 0);
     EXPECT_EQ(barShape(200, 6, 50, 100.0).mark->right(), 200);
 }

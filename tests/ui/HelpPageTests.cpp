@@ -1,4 +1,5 @@
 #include "screenshots/SampleStates.h"
+#include "ui/AboutWindow.h"
 #include "ui/QtEnvironment.h"
 #include "ui/window/AboutPage.h"
 #include "ui/window/HelpPage.h"
@@ -85,13 +86,15 @@ TEST_F(HelpPageTest, ChoosesNoSectionWhileItLooksInAll) {
     EXPECT_TRUE(button("Marks and colours")->isChecked());
 }
 
-TEST(AboutPage, LeadsToEveryPageAndHasRoom) {
+TEST(AboutPage, LeadsToEveryPageAndHasRoomAsTheWindowHas) {
     RecordedActions recorded;
     const AboutPageActions actions{.open = recorded.note("open"),
                                    .openURL = recorded.note("openURL")};
     AboutPage page(actions, nullptr);
     page.resize(leastPage);
     page.show();
+    AboutWindow window(actions);
+    window.show();
     for (const char* language : {"de", "en", "es", "fr", "it"}) {
         const AboutPageContent content = aboutPageContent(samples::words(language));
         page.setContent(content);
@@ -103,6 +106,7 @@ TEST(AboutPage, LeadsToEveryPageAndHasRoom) {
         }
         for (const LicenceContent& part : content.licences) {
             wanted.note("openURL")(part.url);
+            EXPECT_TRUE(part.url.starts_with("https://") && !part.licence.empty()) << part.name;
         }
         for (QWidget* control : page.controls()) {
             if (control->isVisible()) {
@@ -111,6 +115,9 @@ TEST(AboutPage, LeadsToEveryPageAndHasRoom) {
         }
         EXPECT_EQ(recorded.calls, wanted.calls) << language;
         expectNothingIsCut(page, language);
+        window.setContent(content);
+        settle();
+        expectNothingIsCut(window, language);
     }
 }
 

@@ -5,10 +5,12 @@
 #include "ui/kit/FigureText.h"
 #include "ui/kit/FocusRing.h"
 #include "ui/kit/Label.h"
+#include "ui/kit/SidebarEntry.h"
 
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMouseEvent>
 #include <QTabBar>
 #include <gtest/gtest.h>
@@ -55,9 +57,13 @@ bool isCut(const QWidget& widget, const QWidget& view) {
                    forecast->width() - markRoom;
     }
     if (const auto* label = dynamic_cast<const kit::Label*>(&widget)) {
-        // What an agent calls its limits is not ours to shorten.
+        // What an agent calls its limits is not ours to shorten, and paths are told by tooltips.
         return label->height() < label->heightForWidth(label->width()) ||
-               (label->isShortened() && !label->text().contains("GPT-5.3"));
+               (label->isShortened() && !label->text().contains("GPT-5.3") &&
+                !label->text().contains("~/"));
+    }
+    if (const auto* entry = dynamic_cast<const kit::SidebarEntry*>(&widget)) {
+        return entry->isShortened();
     }
     if (const auto* button = qobject_cast<const QAbstractButton*>(&widget)) {
         return button->mapTo(&view, button->rect().topRight()).x() > view.width() ||
@@ -67,6 +73,25 @@ bool isCut(const QWidget& widget, const QWidget& view) {
         return tabs->count() > 0 && !tabs->rect().contains(tabs->tabRect(tabs->count() - 1));
     }
     return false;
+}
+
+/// Words, or a control; what stands within a field has its room there.
+bool needsPlace(const QWidget& widget) {
+    const auto* label = qobject_cast<const QLabel*>(&widget);
+    return label != nullptr ? !label->text().isEmpty()
+                            : (widget.focusPolicy() & Qt::TabFocus) != 0 &&
+                                  qobject_cast<const QLineEdit*>(&widget) == nullptr;
+}
+
+/// Whether words or a control leave what they stand in, or cover others there.
+bool isOutOfPlace(const QWidget& widget) {
+    const QRect place = widget.geometry();
+    return needsPlace(widget) &&
+           (!widget.parentWidget()->rect().contains(place) ||
+            std::ranges::any_of(visibleParts<QWidget>(*widget.parentWidget()), [&](auto* other) {
+                return other != &widget && other->parent() == widget.parent() &&
+                       needsPlace(*other) && other->geometry().intersects(place);
+            }));
 }
 
 [[maybe_unused]] const auto* const environment =
@@ -166,8 +191,9 @@ void expectFocusRingsAreWhole(QWidget& view) {
 void expectNothingIsCut(const QWidget& view, const std::string& where) {
     const auto parts = visibleParts<QWidget>(view);
     for (const QWidget* part : parts) {
-        EXPECT_FALSE(isCut(*part, view)) << where << ": " << part->metaObject()->className() << " "
-                                         << part->property("text").toString().toStdString();
+        EXPECT_FALSE(isCut(*part, view) || isOutOfPlace(*part))
+            << where << ": " << part->metaObject()->className() << " "
+            << part->property("text").toString().toStdString();
     }
     EXPECT_GT(parts.size(), 5U) << where;
 }

@@ -91,8 +91,8 @@ bool says(const QWidget& view, const QString& words);
 /// whole ring around it.
 void expectFocusRingsAreWhole(QWidget& view);
 
-/// Expects everything that is seen to have room for its words, and every button to be within the
-/// view. `where` is for messages.
+/// Expects everything that is seen to have room for its words, and words and controls to cover
+/// nothing beside them and to stay within the view. `where` is for messages.
 void expectNothingIsCut(const QWidget& view, const std::string& where);
 
 } // namespace vellmark::tests

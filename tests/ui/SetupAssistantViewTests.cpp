@@ -126,23 +126,12 @@ TEST_F(SetupAssistantViewTest, TheKeyboardStaysWithTheAgentAndGoesOnToTheNext) {
     EXPECT_EQ(focused(), "Done, ");
 }
 
-TEST_F(SetupAssistantViewTest, TheFootHasRoomInEveryLanguageAtTheLeastSize) {
+TEST_F(SetupAssistantViewTest, HasRoomForFailuresInEveryLanguageAtTheLeastSize) {
     view.resize(SetupAssistantView::leastSize);
     for (const std::string_view language : Localization::languages()) {
         words = samples::words(std::string(language));
         show(samples::closedSetup(words));
-        QRegion places;
-        int count = 0;
-        for (const auto* button : visibleParts<QAbstractButton>(view)) {
-            if (button->parentWidget() == &view) {
-                EXPECT_FALSE(places.intersects(button->geometry())) << button->text().toStdString();
-                EXPECT_LE(button->geometry().right(), view.width());
-                EXPECT_GE(button->width(), button->minimumSizeHint().width());
-                places += button->geometry();
-                ++count;
-            }
-        }
-        EXPECT_EQ(count, 4);
+        expectNothingIsCut(view, std::string(language));
     }
 }
 

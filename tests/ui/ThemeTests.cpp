@@ -48,9 +48,7 @@ TEST(ThemeContrast, TextCanBeReadWhereverItMayStand) {
     expectContrast({Role::ink, Role::ink2, Role::ink3}, grounds, readable);
     expectContrast({Role::ink, Role::ink2}, controlGrounds, readable);
     expectContrast({Role::ink}, {Role::segmentOn}, readable);
-}
-
-TEST(ThemeContrast, ForecastLinesCanBeReadAlsoWhenTheirRowIsPointedAtAndPressed) {
+    // Forecasts also when their row is pointed at and pressed.
     expectContrast({Role::attentionText, Role::criticalText},
                    {Role::popover, Role::card, Role::window, Role::hover, Role::select}, readable);
 }
@@ -116,19 +114,13 @@ TEST(Theme, TakesTheSystemsHighlightForTheFocusWhereItCanBeSeen) {
     Theme::setCurrent(Theme::Appearance::light, std::nullopt);
 }
 
-TEST(Theme, ADarkThemeDoesNotMakeTheSystemDark) {
+TEST(Theme, ItsPaletteTellsWhatIsDisabledAndDoesNotMakeTheSystemDark) {
     const bool before = Theme::isSystemDark();
     for (const auto appearance : {Theme::Appearance::dark, Theme::Appearance::light}) {
         Theme::setCurrent(appearance, std::nullopt);
         EXPECT_EQ(Theme::isSystemDark(), before);
-        EXPECT_EQ(QApplication::palette().color(QPalette::Window), color(Role::window));
-    }
-}
-
-TEST(Theme, MenusTellWhatIsDisabledFromWhatIsNot) {
-    for (const auto appearance : {Theme::Appearance::dark, Theme::Appearance::light}) {
-        Theme::setCurrent(appearance, std::nullopt);
         const QPalette menu = QApplication::palette();
+        EXPECT_EQ(menu.color(QPalette::Window), color(Role::window));
         EXPECT_LT(contrastRatio(menu.color(QPalette::Disabled, QPalette::Text),
                                 menu.color(QPalette::Disabled, QPalette::Base)),
                   contrastRatio(menu.color(QPalette::Active, QPalette::Text),

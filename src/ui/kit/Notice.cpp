@@ -81,6 +81,12 @@ void Notice::setLook(const Look& look) {
     update();
 }
 
+void Notice::setMostLines(int lines) {
+    words_->setMostLines(lines);
+    arrange();
+    updateGeometry();
+}
+
 int Notice::textWidthFor(int width) const {
     int right = horizontalPadding;
     if (!look_.buttonWords.isEmpty()) {

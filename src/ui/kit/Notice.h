@@ -34,6 +34,8 @@ public:
 
     explicit Notice(QWidget* parent = nullptr);
     void setLook(const Look& look);
+    /// Two until then.
+    void setMostLines(int lines);
     Button* button() const { return button_; }
     /// What the button does.
     std::function<void()> onPress;

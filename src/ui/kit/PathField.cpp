@@ -62,6 +62,7 @@ void PathField::setWords(const QString& choose, const QString& reset) {
     choose_->setText(choose);
     reset_->setAccessibleName(reset);
     reset_->setToolTip(reset);
+    arrange();
 }
 
 void PathField::setFieldName(const QString& name) {
@@ -110,6 +111,10 @@ QSize PathField::minimumSizeHint() const {
 }
 
 void PathField::resizeEvent(QResizeEvent* /*event*/) {
+    arrange();
+}
+
+void PathField::arrange() {
     const QRect inside = rect().adjusted(ringRoom, ringRoom, -ringRoom, -ringRoom);
     const QSize choose = choose_->sizeHint();
     choose_->setGeometry(inside.right() + 1 - choose.width(), inside.top(), choose.width(),

@@ -43,6 +43,8 @@ protected:
 
 private:
     void enter();
+    /// Also when its size stays: other words take other room.
+    void arrange();
 
     QString chosen_;
     Field* field_;

@@ -37,6 +37,17 @@ void SidebarEntry::setLook(const SidebarEntryLook& look) {
     update();
 }
 
+bool SidebarEntry::isShortened() const {
+    return textWidth(look_.words, style::bodyMedium) > wordsRect().width();
+}
+
+QRectF SidebarEntry::wordsRect() const {
+    const double taken =
+        look_.detail.isEmpty() ? 0 : textWidth(look_.detail, style::smallMedium) + detailGap;
+    constexpr double left = padding + markPlace + gap;
+    return {left, 0, width() - padding - taken - left, static_cast<double>(height())};
+}
+
 QSize SidebarEntry::sizeHint() const {
     return {224, entryHeight};
 }
@@ -64,13 +75,10 @@ void SidebarEntry::paintEvent(QPaintEvent* /*event*/) {
         drawIcon(painter, QRectF(padding + inset, middle - iconSide / 2.0, iconSide, iconSide),
                  look_.iconName, color(ColorRole::ink2));
     }
-    QRectF words(padding + markPlace + gap, 0, 0, height());
-    words.setRight(width() - padding);
     painter.setPen(color(ColorRole::ink2));
-    drawText(painter, words, Qt::AlignRight, look_.detail, style::smallMedium);
-    if (!look_.detail.isEmpty()) {
-        words.setRight(words.right() - textWidth(look_.detail, style::smallMedium) - detailGap);
-    }
+    drawText(painter, QRectF(0, 0, width() - padding, height()), Qt::AlignRight, look_.detail,
+             style::smallMedium);
+    const QRectF words = wordsRect();
     painter.setPen(color(ColorRole::ink));
     drawText(painter, words, Qt::AlignLeft,
              elidedText(look_.words, style::bodyMedium, words.width()), style::bodyMedium);

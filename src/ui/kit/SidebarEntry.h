@@ -28,6 +28,8 @@ class SidebarEntry : public QAbstractButton, public Spoken {
 public:
     explicit SidebarEntry(QWidget* parent = nullptr);
     void setLook(const SidebarEntryLook& look);
+    /// Whether the words have too little room beside the detail.
+    bool isShortened() const;
     QSize sizeHint() const override;
     SpokenAs spokenAs() const override { return {QAccessible::ListItem}; }
 
@@ -36,6 +38,9 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    /// The place of the words.
+    QRectF wordsRect() const;
+
     SidebarEntryLook look_;
     Interaction interaction_;
 };

@@ -26,6 +26,8 @@ constexpr int topPadding = 14;
 constexpr int logoSide = 28;
 constexpr int gap = 12;
 constexpr int textGap = 8;
+/// Between rows of buttons.
+constexpr int rowGap = 4;
 constexpr int nameHeight = 16;
 constexpr int detailHeight = 14;
 
@@ -62,6 +64,8 @@ SetupToolCard::SetupToolCard(const AgentProviderID& id, const SetupAssistantActi
     logo_->setLook(providerLogo(id));
     command_->setMostLines(kit::anyNumberOfLines);
     hint_->setMostLines(kit::anyNumberOfLines);
+    // What to do now stands at the end.
+    outcome_->setMostLines(kit::anyNumberOfLines);
     copy_->setIconName("doc.on.doc");
     guide_->setTrailingIconName("arrow.up.right", guideIconSide);
     for (kit::Button* link : {alternative_, leaveOut_, guide_, copy_}) {
@@ -211,12 +215,18 @@ int SetupToolCard::arrangeButtons(int top, int width, bool moves) const {
     const bool isBeside = hereWidth + textGap + widthOf(away) - outer <= inner;
     top += gap;
     const bool hereIsPlain = !here.empty() && here.front() != run_;
-    place(here, padding - (hereIsPlain ? outer : 0), top);
+    if (here.size() > 1 && hereWidth - outer > inner) {
+        place({run_}, padding, top);
+        top += buttonHeight + rowGap;
+        place({alternative_}, padding - outer, top);
+    } else {
+        place(here, padding - (hereIsPlain ? outer : 0), top);
+    }
     if (isBeside) {
         place(away, width - padding + outer - widthOf(away), top);
         return top + buttonHeight;
     }
-    top += here.empty() ? 0 : buttonHeight + 4;
+    top += here.empty() ? 0 : buttonHeight + rowGap;
     place(away, padding - outer, top);
     return top + buttonHeight;
 }

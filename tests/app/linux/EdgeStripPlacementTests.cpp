@@ -15,12 +15,7 @@ QRect dropAt(int x, int y) {
 }
 
 TEST(EdgeStripPlacement, DocksToTheNearestEdgeOfTheScreenItIsDroppedOn) {
-    struct Case {
-        QRect dropped;
-        std::string screen;
-        QPoint expected;
-    };
-    const std::vector<Case> cases{
+    const std::tuple<QRect, std::string, QPoint> cases[] = {
         {dropAt(1000, 300), "eDP-1", {1204, 300}},
         {dropAt(100, 300), "eDP-1", {0, 300}},
         {dropAt(1300, 500), "HDMI-1", {1280, 500}},
@@ -30,12 +25,12 @@ TEST(EdgeStripPlacement, DocksToTheNearestEdgeOfTheScreenItIsDroppedOn) {
         {dropAt(600, 1000), "eDP-1", {0, 768}},
         {dropAt(1000, -4), "eDP-1", {1204, 24}},
     };
-    for (const Case& each : cases) {
-        const EdgeStripPlace place = edgeStripPlace(each.dropped, both);
-        EXPECT_EQ(place.screen, each.screen);
+    for (const auto& [dropped, screen, expected] : cases) {
+        const EdgeStripPlace place = edgeStripPlace(dropped, both);
+        EXPECT_EQ(place.screen, screen);
         const QRect shown = edgeStripGeometry(place, strip, both);
-        EXPECT_NEAR(shown.y(), each.expected.y(), 1);
-        EXPECT_EQ(shown.x(), each.expected.x());
+        EXPECT_NEAR(shown.y(), expected.y(), 1);
+        EXPECT_EQ(shown.x(), expected.x());
         // It does not creep away with every start.
         EXPECT_EQ(edgeStripGeometry(edgeStripPlace(shown, both), strip, both), shown);
     }

@@ -1,15 +1,13 @@
 #include "platform/linux/AutostartEntry.h"
 #include "support/TemporaryDirectory.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 
 namespace vellmark::tests {
 namespace {
 
-using testing::HasSubstr;
 namespace fs = std::filesystem;
 
 class AutostartEntryTest : public testing::Test {

@@ -65,11 +65,7 @@ protected:
 constexpr std::chrono::duration<double> patience{6};
 
 TEST_F(CredentialStoreTest, FindsAnItemByEitherNameOfItsAccount) {
-    const struct {
-        Attributes item;
-        bool locked;
-        bool expected;
-    } cases[] = {
+    const std::tuple<Attributes, bool, bool> cases[] = {
         {{{"service", "gemini"}, {"account", "antigravity"}}, false, true},
         {{{"service", "gemini"}, {"account", "antigravity"}, {"xdg:schema", "x"}}, true, true},
         {{{"service", "gemini"}, {"username", "antigravity"}}, false, true},

@@ -2,7 +2,6 @@
 #include "platform/linux/BusLibrary.h"
 #include "platform/linux/PrivateBus.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -14,7 +13,6 @@ namespace vellmark::tests {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::HasSubstr;
 
 /// What the desktop's portal does with a draft: answers with a response, or refuses.
 class MailPortal {

@@ -113,7 +113,7 @@ TEST_F(StatusNotifierItemTest, APanelThatStoodStillShowsItWhenItGoesOn) {
     EXPECT_THAT(shown_, ElementsAre(true));
 }
 
-TEST_F(StatusNotifierItemTest, ShowsIconAndToolTip) {
+TEST_F(StatusNotifierItemTest, ShowsIconAndToolTipAndTellsTheClicksPlace) {
     item_->setIcon({{.side = 1, .pixels = {0x80FF7F01}}});
     item_->setToolTip("Claude & GPT <93%>");
     const auto icon = property<std::vector<Pixmap>>("IconPixmap");
@@ -131,9 +131,6 @@ TEST_F(StatusNotifierItemTest, ShowsIconAndToolTip) {
     EXPECT_EQ(property<std::string>("Title"), "");
     item_->setToolTip("again");
     EXPECT_EQ(property<std::string>("Title"), "Vellmark");
-}
-
-TEST_F(StatusNotifierItemTest, TellsTheClicksPlace) {
     ask("/StatusNotifierItem", [](sdbus::IProxy& item) {
         item.callMethod("Activate").onInterface(itemInterface).withArguments(1200, 13);
     });

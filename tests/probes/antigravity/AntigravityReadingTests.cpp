@@ -1,3 +1,4 @@
+#include "probes/AgentScenario.h"
 #include "probes/antigravity/AntigravityOutput.h"
 #include "probes/antigravity/AntigravityReading.h"
 #include "probes/antigravity/AntigravityResetTime.h"
@@ -53,12 +54,7 @@ struct SavedRun {
 };
 
 std::optional<UsageProviderError> failure(const SavedRun& run) {
-    try {
-        run.snapshot();
-    } catch (const UsageProviderError& error) {
-        return error;
-    }
-    return std::nullopt;
+    return tests::errorOf([&] { run.snapshot(); });
 }
 
 TEST(AntigravityWindowName, IsBroughtToASlug) {

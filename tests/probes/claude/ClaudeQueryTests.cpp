@@ -1,3 +1,4 @@
+#include "probes/AgentScenario.h"
 #include "probes/claude/ClaudeQuery.h"
 #include "support/ProjectDirectories.h"
 #include "support/TemporaryDirectory.h"
@@ -128,31 +129,24 @@ TEST(ClaudeQuery, CallsNothingLiveThatTheCLIHadKept) {
 TEST(ClaudeQuery, SaysExactlyWhyThereAreNoFigures) {
     const ClaudeLogin member{.isLoggedIn = true};
     const ClaudeLogin byKey{.isLoggedIn = true, .usesAPIKey = true};
-    struct Case {
-        const char* file;
-        ClaudeLogin login;
-        Kind reason;
+    const std::tuple<const char*, ClaudeLogin, Kind> cases[] = {
+        {"query-429-first.jsonl", member, Kind::claudeServiceUnavailable},
+        {"query-429-old.jsonl", member, Kind::claudeServiceUnavailable},
+        {"query-500-first.jsonl", member, Kind::claudeServiceUnavailable},
+        {"query-no-snapshot-offline.jsonl", member, Kind::claudeServiceUnavailable},
+        {"query-slow.jsonl", member, Kind::claudeServiceUnavailable},
+        {"query-2.1.169-429.jsonl", member, Kind::claudeServiceRefused},
+        {"query-nulls.jsonl", member, Kind::claudeNoQuotas},
+        {"query-no-subscription.jsonl", member, Kind::claudeNoSubscription},
+        {"query-api-key.jsonl", byKey, Kind::claudeAPIKey},
+        {"query-api-key.jsonl", member, Kind::claudeNoSubscription},
+        {"query-logged-out.jsonl", {}, Kind::claudeNotLoggedIn},
     };
-    for (const Case& test : {
-             Case{"query-429-first.jsonl", member, Kind::claudeServiceUnavailable},
-             Case{"query-429-old.jsonl", member, Kind::claudeServiceUnavailable},
-             Case{"query-500-first.jsonl", member, Kind::claudeServiceUnavailable},
-             Case{"query-no-snapshot-offline.jsonl", member, Kind::claudeServiceUnavailable},
-             Case{"query-slow.jsonl", member, Kind::claudeServiceUnavailable},
-             Case{"query-2.1.169-429.jsonl", member, Kind::claudeServiceRefused},
-             Case{"query-nulls.jsonl", member, Kind::claudeNoQuotas},
-             Case{"query-no-subscription.jsonl", member, Kind::claudeNoSubscription},
-             Case{"query-api-key.jsonl", byKey, Kind::claudeAPIKey},
-             Case{"query-api-key.jsonl", member, Kind::claudeNoSubscription},
-             Case{"query-logged-out.jsonl", {}, Kind::claudeNotLoggedIn},
-         }) {
-        SCOPED_TRACE(test.file);
-        try {
-            reading(recording(test.file), test.login, "2.1.330");
-            ADD_FAILURE() << "figures";
-        } catch (const UsageProviderError& error) {
-            EXPECT_EQ(error.kind(), test.reason) << error.what();
-        }
+    for (const auto& [file, login, reason] : cases) {
+        SCOPED_TRACE(file);
+        const auto error = errorOf([&] { reading(recording(file), login, "2.1.330"); });
+        ASSERT_TRUE(error) << "figures";
+        EXPECT_EQ(error->kind(), reason) << error->what();
     }
 }
 
@@ -210,21 +204,17 @@ TEST(ClaudeQuery, TakesWhatItCanOfAnAnswerOfAnotherShape) {
 }
 
 TEST(ClaudeLogin, IsReadFromTheCLIsStatus) {
-    struct Case {
-        const char* file;
-        ClaudeLogin login;
+    const std::pair<const char*, ClaudeLogin> cases[] = {
+        {"auth-subscription.json",
+         {.isLoggedIn = true, .email = "user@example.com", .plan = "Max 20x"}},
+        {"auth-pro.json", {.isLoggedIn = true, .email = "user@example.com", .plan = "Pro"}},
+        {"auth-no-subscription.json",
+         {.isLoggedIn = true, .lacksSubscription = true, .email = "user@example.com"}},
+        {"auth-api-key.json", {.isLoggedIn = true, .usesAPIKey = true}},
+        {"auth-logged-out.json", {.isLoggedIn = false}},
     };
-    for (const Case& test : {
-             Case{"auth-subscription.json",
-                  {.isLoggedIn = true, .email = "user@example.com", .plan = "Max 20x"}},
-             Case{"auth-pro.json",
-                  {.isLoggedIn = true, .email = "user@example.com", .plan = "Pro"}},
-             Case{"auth-no-subscription.json",
-                  {.isLoggedIn = true, .lacksSubscription = true, .email = "user@example.com"}},
-             Case{"auth-api-key.json", {.isLoggedIn = true, .usesAPIKey = true}},
-             Case{"auth-logged-out.json", {.isLoggedIn = false}},
-         }) {
-        EXPECT_EQ(parseClaudeLogin(recording(test.file)), test.login) << test.file;
+    for (const auto& [file, login] : cases) {
+        EXPECT_EQ(parseClaudeLogin(recording(file)), login) << file;
     }
     for (const char* text :
          {"", "null", "[]", "{}", R"({"loggedIn":"yes"})", R"({"loggedIn":true)"}) {

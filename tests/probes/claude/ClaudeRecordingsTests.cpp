@@ -2,6 +2,7 @@
 // made-up figures. The expected figures are the service's, percentages and minutes rounded down as
 // the CLI does.
 
+#include "probes/AgentScenario.h"
 #include "probes/claude/ClaudeSessionInterpretation.h"
 #include "probes/claude/ClaudeUsageParser.h"
 #include "support/ProjectDirectories.h"
@@ -12,7 +13,6 @@
 
 #include <algorithm>
 #include <optional>
-#include <ostream>
 #include <set>
 #include <string>
 #include <vector>
@@ -49,10 +49,6 @@ struct Recording {
     /// In place of a reading.
     std::optional<UsageProviderError> reason = {};
 };
-
-std::ostream& operator<<(std::ostream& stream, const Recording& recording) {
-    return stream << recording.name;
-}
 
 const std::string spentSome = "$15.40 / $50.00 spent · Resets Dec 1 (Europe/Zurich)";
 const std::string spentAll = "$50.00 / $50.00 spent · Resets Dec 1 (Europe/Zurich)";
@@ -138,48 +134,39 @@ std::string capture(const std::string& name) {
     return contentOf(sourceFile("tests/probes/claude/data/screen-" + name + ".raw"));
 }
 
-class ClaudeRecording : public testing::TestWithParam<Recording> {};
-
-TEST_P(ClaudeRecording, IsTheServicesFiguresOrSaysWhyNot) {
-    const Recording& recording = GetParam();
-    const Instant now = second(recording.recorded);
-    const ClaudeScreen screen(capture(recording.name));
-    std::optional<UsageProviderError> reason;
-    try {
-        const AgentUsageSnapshot snapshot =
-            interpretClaudeSession(screen, {recording.exitStatus, false}, now);
-        EXPECT_EQ(snapshot.windows, recording.windows);
-        EXPECT_EQ(snapshot.source, recording.age ? SnapshotSource::stale : SnapshotSource::live);
-        EXPECT_EQ(snapshot.updatedAt, now - recording.age.value_or(Seconds(0)));
-        EXPECT_EQ(snapshot.accountLabel, "user@example.com");
-        EXPECT_EQ(snapshot.plan, recording.name == "pro" ? "Claude Pro" : "Claude Max");
-        EXPECT_EQ(snapshot.credit, recording.credit
-                                       ? std::optional(CreditInfo::line(*recording.credit))
-                                       : std::nullopt);
-        const auto lacksMarker = [](const SnapshotNote& note) {
-            return std::holds_alternative<SnapshotNote::ClaudeEndMarkerMissing>(note.value);
-        };
-        EXPECT_EQ(std::ranges::any_of(snapshot.notes, lacksMarker), recording.lacksEndMarker);
-        EXPECT_EQ(snapshot.isIncomplete, recording.lacksEndMarker);
-        EXPECT_EQ(snapshot.error.has_value(), recording.age.has_value()) << "why it is not live";
-        const SnapshotNote creditsOff{SnapshotNote::AgentSays{"Usage credits are off"}};
-        const std::set<std::string> withoutCredits = {"zero", "credits-off", "pro"};
-        EXPECT_EQ(std::ranges::count(snapshot.notes, creditsOff),
-                  withoutCredits.contains(recording.name) ? 1 : 0);
-        EXPECT_TRUE(ClaudeUsageParser::stamps(screen));
-    } catch (const UsageProviderError& error) {
-        reason = error;
+TEST(ClaudeRecordings, AreTheServicesFiguresOrSayWhyNot) {
+    for (const Recording& recording : recordings) {
+        SCOPED_TRACE(recording.name);
+        const Instant now = second(recording.recorded);
+        const ClaudeScreen screen(capture(recording.name));
+        const auto reason = errorOf([&] {
+            const AgentUsageSnapshot snapshot =
+                interpretClaudeSession(screen, {recording.exitStatus, false}, now);
+            EXPECT_EQ(snapshot.windows, recording.windows);
+            EXPECT_EQ(snapshot.source,
+                      recording.age ? SnapshotSource::stale : SnapshotSource::live);
+            EXPECT_EQ(snapshot.updatedAt, now - recording.age.value_or(Seconds(0)));
+            EXPECT_EQ(snapshot.accountLabel, "user@example.com");
+            EXPECT_EQ(snapshot.plan, recording.name == "pro" ? "Claude Pro" : "Claude Max");
+            EXPECT_EQ(snapshot.credit, recording.credit
+                                           ? std::optional(CreditInfo::line(*recording.credit))
+                                           : std::nullopt);
+            const auto lacksMarker = [](const SnapshotNote& note) {
+                return std::holds_alternative<SnapshotNote::ClaudeEndMarkerMissing>(note.value);
+            };
+            EXPECT_EQ(std::ranges::any_of(snapshot.notes, lacksMarker), recording.lacksEndMarker);
+            EXPECT_EQ(snapshot.isIncomplete, recording.lacksEndMarker);
+            EXPECT_EQ(snapshot.error.has_value(), recording.age.has_value())
+                << "why it is not live";
+            const SnapshotNote creditsOff{SnapshotNote::AgentSays{"Usage credits are off"}};
+            const std::set<std::string> withoutCredits = {"zero", "credits-off", "pro"};
+            EXPECT_EQ(std::ranges::count(snapshot.notes, creditsOff),
+                      withoutCredits.contains(recording.name) ? 1 : 0);
+            EXPECT_TRUE(ClaudeUsageParser::stamps(screen));
+        });
+        EXPECT_EQ(reason, recording.reason);
     }
-    EXPECT_EQ(reason, recording.reason);
 }
-
-std::string testName(const testing::TestParamInfo<Recording>& recording) {
-    std::string name = recording.param.name;
-    std::replace(name.begin(), name.end(), '-', '_');
-    return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(, ClaudeRecording, testing::ValuesIn(recordings), testName);
 
 // Recorded with another zone than the probe's sessions have: only the figures can be right.
 TEST(ClaudeRecordings, AreReadWithoutTheirZone) {
@@ -193,10 +180,7 @@ TEST(ClaudeRecordings, AreReadWithoutTheirZone) {
 }
 
 TEST(ClaudeRecordings, TellWhyFiguresAreNotNew) {
-    const struct {
-        const char* name;
-        std::optional<ClaudeUsageParser::Staleness> expected;
-    } cases[] = {
+    const std::pair<const char*, std::optional<ClaudeUsageParser::Staleness>> cases[] = {
         {"changed", std::nullopt},
         {"slow", {{"Refreshing usage…", std::nullopt, true}}},
         {"500-first", {{"Couldn't refresh usage data", std::nullopt, false}}},
@@ -218,11 +202,10 @@ TEST(ClaudeRecordings, NeverMixDrawings) {
     const std::vector<UsageWindow> after = changed();
     for (std::size_t length = 0; length <= whole.size(); ++length) {
         std::vector<UsageWindow> windows;
-        try {
+        errorOf([&] {
             windows = interpretClaudeSession(ClaudeScreen(whole.substr(0, length)), {15, true}, now)
                           .windows;
-        } catch (const UsageProviderError&) {
-        }
+        });
         for (std::size_t index = 0; index < windows.size(); ++index) {
             const UsageWindow& window = windows[index];
             const auto isLike = [&](const UsageWindow& other) {

@@ -1,3 +1,4 @@
+#include "probes/AgentScenario.h"
 #include "probes/claude/ClaudeSessionInterpretation.h"
 
 #include <gtest/gtest.h>
@@ -18,15 +19,12 @@ const std::string pageError = "Failed to load usage data\n";
 /// The reason why a session is no reading of one window; absent when it is.
 std::optional<UsageProviderError> reason(const std::string& capture, const ClaudeSessionEnd& end,
                                          std::vector<SnapshotNote> notes = {}) {
-    try {
+    return errorOf([&] {
         const auto snapshot = interpretClaudeSession(ClaudeScreen(capture), end, now);
         EXPECT_EQ(snapshot.updatedAt, now);
         EXPECT_EQ(snapshot.windows.size(), 1u) << capture;
         EXPECT_EQ(snapshot.notes, notes) << capture;
-    } catch (const UsageProviderError& error) {
-        return error;
-    }
-    return std::nullopt;
+    });
 }
 
 constexpr ClaudeSessionEnd atTheEnd{20, false};
@@ -49,11 +47,7 @@ TEST(ClaudeSession, IsAReadingWhereItShowsAWindow) {
 TEST(ClaudeSession, HasAReasonWhereItIsNoReading) {
     using Error = UsageProviderError;
     const auto timeout = Error::timeout("Claude");
-    const struct {
-        std::string capture;
-        ClaudeSessionEnd end;
-        Error expected;
-    } cases[] = {
+    const std::tuple<std::string, ClaudeSessionEnd, Error> cases[] = {
         {page + pageError, {128, false}, Error(Kind::claudeNotLoggedIn)},
         {page + pageError, {125, false}, Error::claudePageError("Failed to load usage")},
         {"\033[31mno such\033[0m option",

@@ -1,3 +1,4 @@
+#include "probes/AgentScenario.h"
 #include "probes/claude/ClaudeModelWindow.h"
 #include "probes/claude/ClaudeUsageParser.h"
 #include "text/Dates.h"
@@ -134,22 +135,14 @@ TEST(ClaudeUsageParser, GivesNoQuotasWithoutAnyWindow) {
           std::string("Current session (5 hours)\n11% used\n"),
           std::string("Current session\na\nb\nc\nd\ne\n11% used\n"), // too far below
           "Current session\n" + std::string(400, '9') + "% used\n", std::string("\xff\xfe")}) {
-        const ClaudeScreen screen(capture);
-        try {
-            parseUsage(screen, morning);
-            FAIL() << capture;
-        } catch (const UsageProviderError& error) {
-            EXPECT_EQ(error.kind(), UsageProviderError::Kind::claudeNoQuotas);
-        }
+        EXPECT_EQ(errorOf([&] { parseUsage(ClaudeScreen(capture), morning); }),
+                  UsageProviderError(UsageProviderError::Kind::claudeNoQuotas))
+            << capture;
     }
 }
 
 TEST(ClaudeUsageParser, ReadsResetTimesAsZurichTime) {
-    const struct {
-        const char* line;
-        Instant now;
-        std::optional<Instant> expected;
-    } cases[] = {
+    const std::tuple<const char*, Instant, std::optional<Instant>> cases[] = {
         {"Resets Dec 31 at 11pm", zurich(2026, 1, 1, 0, 30), zurich(2026, 12, 31, 23)},
         {"Resets Dec 31 at 11pm", zurich(2025, 12, 31, 23, 30), zurich(2025, 12, 31, 23)},
         {"Resets Jan 2 at 1am", zurich(2025, 12, 30, 12), zurich(2026, 1, 2, 1)},
@@ -211,11 +204,7 @@ TEST(ClaudeUsageParser, FindsThePageErrorThatIsFirstInItsList) {
 }
 
 TEST(ClaudeUsageParser, LooksAtThePagesLastLine) {
-    const struct {
-        const char* capture;
-        bool isSpendLine;
-        const char* variant;
-    } cases[] = {
+    const std::tuple<const char*, bool, const char*> cases[] = {
         {"Usage credits\n$3.20 / $50.00 spent\nEsc to cancel\n\nVELLMARK_TIMING 1 2 3 4\n", true,
          "$. / $. spent"},
         {"$1'200/$5,000.50 spent · Resets Dec 1\n", true, "$'/$,. spent · Resets Dec"},

@@ -1,3 +1,4 @@
+#include "probes/AgentScenario.h"
 #include "probes/codex/CodexReading.h"
 #include "probes/codex/LineBuffer.h"
 
@@ -38,12 +39,7 @@ std::optional<double> usedPercent(const std::string& value) {
 }
 
 std::optional<UsageProviderError> failure(const std::string& output) {
-    try {
-        snapshotOf(output);
-    } catch (const UsageProviderError& error) {
-        return error;
-    }
-    return std::nullopt;
+    return tests::errorOf([&] { snapshotOf(output); });
 }
 
 TEST(CodexReading, TakesNumbersAndDecimalTexts) {
@@ -198,14 +194,6 @@ std::string limitsByID(const std::string& main, const std::string& members) {
            "}}";
 }
 
-std::vector<std::string> idsOf(const AgentUsageSnapshot& snapshot) {
-    std::vector<std::string> ids;
-    for (const UsageWindow& window : snapshot.windows) {
-        ids.push_back(window.id);
-    }
-    return ids;
-}
-
 TEST(CodexReading, EveryFurtherLimitHasWindowsOfItsOwn) {
     const std::string window = R"({"usedPercent":1})";
     const auto limit = [&](const std::string& more) {
@@ -213,14 +201,14 @@ TEST(CodexReading, EveryFurtherLimitHasWindowsOfItsOwn) {
     };
     // In whatever order they come, and by their names where they do not say who they are.
     EXPECT_THAT(
-        idsOf(snapshotOf(limitsByID(
+        tests::windowIDsOf(snapshotOf(limitsByID(
             limit(R"(,"limitId":"main")"),
             R"("z":)" + limit(R"(,"limitId":"c")") + R"(,"b":)" + limit("") + R"(,"main":)" +
                 limit("") + R"(,"a":)" + limit(R"(,"limitId":"c","secondary":)" + window) +
                 R"(,"d":null,"e":{"primary":null,"secondary":)" + window + "}"))),
         ElementsAre("session", "limit:b|primary", "limit:c|primary", "limit:e|secondary"));
     // Older versions do not call the main limit by a name.
-    EXPECT_THAT(idsOf(snapshotOf(limitsByID(limit(""), R"("codex":)" + limit("")))),
+    EXPECT_THAT(tests::windowIDsOf(snapshotOf(limitsByID(limit(""), R"("codex":)" + limit("")))),
                 ElementsAre("session"));
     EXPECT_THAT(
         snapshotOf(limitsByID("{}", R"("x":)" + limit(R"(,"limitName":"")"))).windows,

@@ -1,13 +1,11 @@
 // What `codex app-server` 0.169.0 answered in states whose figures were known.
 
+#include "probes/AgentScenario.h"
 #include "probes/codex/CodexReading.h"
 #include "support/ProjectDirectories.h"
-#include "support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <ostream>
 #include <string>
 #include <variant>
 #include <vector>
@@ -37,10 +35,6 @@ struct Recording {
     const char* file;
     std::variant<Reading, UsageProviderError> expected;
 };
-
-void PrintTo(const Recording& recording, std::ostream* out) {
-    *out << recording.file;
-}
 
 UsageProviderError refused(const std::string& status) {
     return UsageProviderError::codexReadFailed(
@@ -107,29 +101,22 @@ AgentUsageSnapshot snapshotOf(const Reading& reading) {
     return snapshot;
 }
 
-class CodexRecording : public testing::TestWithParam<Recording> {};
-
-TEST_P(CodexRecording, IsReadAsWhatItWas) {
-    const Recording& recording = GetParam();
-    const std::string output =
-        contentOf(sourceFile(std::string("tests/probes/codex/data/") + recording.file + ".jsonl"));
-    ASSERT_FALSE(output.empty());
-    try {
-        const AgentUsageSnapshot snapshot = codexSnapshot(output, now, "/home/user");
-        ASSERT_TRUE(std::holds_alternative<Reading>(recording.expected));
-        EXPECT_EQ(snapshot, snapshotOf(std::get<Reading>(recording.expected)));
-    } catch (const UsageProviderError& error) {
-        ASSERT_TRUE(std::holds_alternative<UsageProviderError>(recording.expected)) << error.what();
-        EXPECT_EQ(error, std::get<UsageProviderError>(recording.expected))
-            << error.what() << testing::PrintToString(error.texts());
+TEST(CodexRecordings, AreReadAsWhatTheyWere) {
+    for (const Recording& recording : recordings) {
+        SCOPED_TRACE(recording.file);
+        const std::string output = contentOf(
+            sourceFile(std::string("tests/probes/codex/data/") + recording.file + ".jsonl"));
+        ASSERT_FALSE(output.empty());
+        const auto* figures = std::get_if<Reading>(&recording.expected);
+        const auto reason = errorOf([&] {
+            const AgentUsageSnapshot snapshot = codexSnapshot(output, now, "/home/user");
+            ASSERT_TRUE(figures);
+            EXPECT_EQ(snapshot, snapshotOf(*figures));
+        });
+        const auto* refusal = std::get_if<UsageProviderError>(&recording.expected);
+        EXPECT_EQ(reason, refusal ? std::optional(*refusal) : std::nullopt);
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(, CodexRecording, testing::ValuesIn(recordings), [](const auto& test) {
-    std::string name = test.param.file;
-    std::ranges::replace(name, '-', '_');
-    return name;
-});
 
 } // namespace
 } // namespace vellmark::tests
