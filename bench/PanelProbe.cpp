@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -81,12 +82,16 @@ double median(std::vector<double> values) {
 struct MainThread {
     double running = 0;
     double queued = 0; ///< waiting for a processor
+    /// Those that were in memory before and are not any more: it waits for each.
+    double pagesRead = 0;
 
     MainThread operator-(const MainThread& earlier) const {
-        return {running - earlier.running, queued - earlier.queued};
+        return {running - earlier.running, queued - earlier.queued, pagesRead - earlier.pagesRead};
     }
     std::string text() const {
-        return ::text(running) + " of it running, " + ::text(queued) + " waiting for a processor";
+        return ::text(running) + " of it running, " + ::text(queued) +
+               " waiting for a processor, " + std::to_string(std::lround(pagesRead)) +
+               " pages read from the disk";
     }
 };
 
@@ -133,20 +138,31 @@ public:
         double running = 0;
         double queued = 0;
         stream >> running >> queued;
-        return {running / 1e6, queued / 1e6};
+        return {running / 1e6, queued / 1e6, static_cast<double>(counts().pagesRead)};
     }
     double processorMilliseconds() const {
-        std::ifstream stream(directory() / "stat");
-        std::string text{std::istreambuf_iterator<char>(stream), {}};
-        text = text.substr(text.rfind(')') + 2);
-        std::array<long, 2> ticks{};
-        std::sscanf(text.c_str(), "%*c %*d %*d %*d %*d %*d %*u %*u %*u %*u %*u %ld %ld", &ticks[0],
-                    &ticks[1]);
-        return static_cast<double>(ticks[0] + ticks[1]) * 1000 /
+        return static_cast<double>(counts().ticks) * 1000 /
                static_cast<double>(::sysconf(_SC_CLK_TCK));
     }
 
 private:
+    struct Counts {
+        long pagesRead = 0;
+        long ticks = 0;
+    };
+    /// Of all threads.
+    Counts counts() const {
+        std::ifstream stream(directory() / "stat");
+        std::string text{std::istreambuf_iterator<char>(stream), {}};
+        text = text.substr(text.rfind(')') + 2);
+        Counts found;
+        long inKernel = 0;
+        std::sscanf(text.c_str(), "%*c %*d %*d %*d %*d %*d %*u %*u %*u %ld %*u %ld %ld",
+                    &found.pagesRead, &found.ticks, &inKernel);
+        found.ticks += inKernel;
+        return found;
+    }
+
     std::filesystem::path directory() const { return "/proc/" + std::to_string(pid_); }
     pid_t pid_ = 0;
 };
@@ -303,6 +319,7 @@ void measureLaunch(NotifierPanel& panel, char** arguments) {
     std::vector<double> times;
     std::vector<double> running;
     std::vector<double> queued;
+    std::vector<double> pagesRead;
     for (int launch = 0; launch < launches; ++launch) {
         panel.forget();
         const auto start = Clock::now();
@@ -315,10 +332,11 @@ void measureLaunch(NotifierPanel& panel, char** arguments) {
         const MainThread thread = program.mainThread();
         running.push_back(thread.running);
         queued.push_back(thread.queued);
+        pagesRead.push_back(thread.pagesRead);
     }
     printLimited("launch to drawn item", median(times), "ms", 50,
-                 MainThread{median(running), median(queued)}.text() + ", medians of " +
-                     std::to_string(launches));
+                 MainThread{median(running), median(queued), median(pagesRead)}.text() +
+                     ", medians of " + std::to_string(launches));
 }
 
 /// Toggles the popover and waits until a pixel inside it has changed.
