@@ -4,7 +4,6 @@
 #include "text/SystemErrorText.h"
 
 #include <algorithm>
-#include <array>
 #include <system_error>
 #include <utility>
 

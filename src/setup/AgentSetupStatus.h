@@ -19,7 +19,7 @@ enum class AgentSetupStatus {
 
 /// The pages of the setup assistant, in their order.
 enum class SetupStep { welcome, agents, tools, finish };
-/// Of the step in the keys of its texts and in the preferences.
+/// What a step is called in the keys of its texts and in the preferences.
 std::string_view setupStepName(SetupStep step);
 
 /// The key of the text that shows `status`.

@@ -8,12 +8,12 @@
 /// Reads what the CLI answers: a member that is missing or of another type is no value.
 namespace vellmark {
 
-/// The member of `object` by that name; null where there is none or `object` is no object.
+/// The member of `object` by that name; a JSON null where there is none or `object` is no object.
 const JSON& memberOf(const JSON& object, const char* name);
 
 std::optional<std::string> textOf(const JSON& value);
 
-/// Finite.
+/// Always finite.
 std::optional<double> numberOf(const JSON& value);
 
 } // namespace vellmark
