@@ -82,12 +82,13 @@ function(vellmark_share_precompiled_headers target kind)
 endfunction()
 
 # Files that are compiled as one see each other's names: that one hides another says nothing about
-# either, and g++ takes their unnamed namespaces for those of a header. A target whose files use the
-# same names for different things keeps them apart.
+# either, and g++ takes their unnamed namespaces for those of a header. Whether each file would compile
+# alone does not show then. check-libcxx asks that of the libraries without Qt; those with Qt are never
+# united, nor is a target whose files use the same names for different things.
 target_compile_options(vellmark_options INTERFACE
     $<$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>:-Wno-shadow;$<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>>)
-function(vellmark_unite target kind)
-    if(VELLMARK_UNITY_BUILD STREQUAL "ALL" OR VELLMARK_UNITY_BUILD STREQUAL kind)
+function(vellmark_unite target)
+    if(VELLMARK_UNITY_BUILD AND NOT target MATCHES "^vellmark_(app|ui|ui_kit)$")
         set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
     endif()
 endfunction()
@@ -103,7 +104,7 @@ function(vellmark_library name)
     target_link_libraries(vellmark_${name} PUBLIC ${arg_USES} PRIVATE vellmark_options)
     set_property(GLOBAL APPEND PROPERTY vellmark_libraries vellmark_${name})
     vellmark_share_precompiled_headers(vellmark_${name} library)
-    vellmark_unite(vellmark_${name} SOURCES)
+    vellmark_unite(vellmark_${name})
 endfunction()
 
 # vellmark_program(NAME OUTPUT file-name SOURCES file... USES library...)
@@ -126,7 +127,7 @@ function(vellmark_test folder)
     target_link_libraries(vellmark_${folder}_tests PRIVATE
         ${arg_USES} vellmark_test_support GTest::gmock GTest::gtest_main vellmark_options)
     vellmark_share_precompiled_headers(vellmark_${folder}_tests test)
-    vellmark_unite(vellmark_${folder}_tests TESTS)
+    vellmark_unite(vellmark_${folder}_tests)
     gtest_discover_tests(vellmark_${folder}_tests DISCOVERY_MODE PRE_TEST
         TEST_PREFIX "${folder}." PROPERTIES TIMEOUT 120)
 endfunction()
