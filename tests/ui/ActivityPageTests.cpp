@@ -24,8 +24,7 @@ protected:
     ActivityPageTest() {
         page_.resize(leastPage);
         page_.show();
-        page_.activateWindow();
-        QApplication::setActiveWindow(&page_);
+        EXPECT_TRUE(becomesActive(page_));
     }
     void show(std::size_t count, const std::string& language = "en") {
         ActivityPageContent content =

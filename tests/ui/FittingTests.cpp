@@ -137,6 +137,8 @@ TEST_P(Fitting, SetupAssistant) {
         }
         expectFits(state, "outcome " + std::to_string(kind));
     }
+    view.resize(SetupAssistantView::leastSize);
+    expectFits(samples::runningSetup(words), "running, least window");
 }
 
 INSTANTIATE_TEST_SUITE_P(Languages, Fitting, ::testing::ValuesIn(Localization::languages()),

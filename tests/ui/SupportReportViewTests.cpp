@@ -25,8 +25,7 @@ class SupportReportViewTest : public ::testing::Test {
 protected:
     SupportReportViewTest() {
         view_.show();
-        view_.activateWindow();
-        QApplication::setActiveWindow(&view_);
+        EXPECT_TRUE(becomesActive(view_));
     }
     void show(ReportMoment moment, const std::string& language = "en") {
         const Localization words = samples::words(language);

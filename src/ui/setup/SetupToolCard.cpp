@@ -149,10 +149,15 @@ int SetupToolCard::arrange(int width, bool moves) const {
     if (moves) {
         const int textTop = topPadding + (logoSide - nameHeight - detailHeight) / 2;
         const int textWidth = std::max(width - padding - statusWidth - gap - textLeft, 0);
+        // A detail without room beside the status has the whole line, and the status the name's.
+        const bool isBeside = detail_->wantedWidth() <= textWidth;
         logo_->setGeometry(padding, topPadding, logoSide, logoSide);
         name_->setGeometry(textLeft, textTop, textWidth, nameHeight);
-        detail_->setGeometry(textLeft, textTop + nameHeight, textWidth, detailHeight);
-        status_->setGeometry(width - padding - statusWidth, topPadding, statusWidth, logoSide);
+        detail_->setGeometry(textLeft, textTop + nameHeight,
+                             isBeside ? textWidth : std::max(width - padding - textLeft, 0),
+                             detailHeight);
+        status_->setGeometry(width - padding - statusWidth, isBeside ? topPadding : textTop,
+                             statusWidth, isBeside ? logoSide : nameHeight);
     }
     int bottom = topPadding + logoSide;
     if (!command_->isHidden()) {
