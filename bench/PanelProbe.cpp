@@ -82,7 +82,7 @@ double median(std::vector<double> values) {
 struct MainThread {
     double running = 0;
     double queued = 0; ///< waiting for a processor
-    /// Those that were in memory before and are not any more: it waits for each.
+    /// Those that were not in memory any more: it waits for each.
     double pagesRead = 0;
 
     MainThread operator-(const MainThread& earlier) const {
@@ -134,14 +134,15 @@ public:
     }
     /// The main thread so far.
     MainThread mainThread() const {
-        std::ifstream stream(directory() / "schedstat");
+        std::ifstream stream(ownDirectory() / "schedstat");
         double running = 0;
         double queued = 0;
         stream >> running >> queued;
-        return {running / 1e6, queued / 1e6, static_cast<double>(counts().pagesRead)};
+        return {running / 1e6, queued / 1e6,
+                static_cast<double>(counts(ownDirectory() / "stat").pagesRead)};
     }
     double processorMilliseconds() const {
-        return static_cast<double>(counts().ticks) * 1000 /
+        return static_cast<double>(counts(directory() / "stat").ticks) * 1000 /
                static_cast<double>(::sysconf(_SC_CLK_TCK));
     }
 
@@ -150,9 +151,8 @@ private:
         long pagesRead = 0;
         long ticks = 0;
     };
-    /// Of all threads.
-    Counts counts() const {
-        std::ifstream stream(directory() / "stat");
+    static Counts counts(const std::filesystem::path& file) {
+        std::ifstream stream(file);
         std::string text{std::istreambuf_iterator<char>(stream), {}};
         text = text.substr(text.rfind(')') + 2);
         Counts found;
@@ -163,7 +163,12 @@ private:
         return found;
     }
 
+    /// What is told of all threads together …
     std::filesystem::path directory() const { return "/proc/" + std::to_string(pid_); }
+    /// … and of the main thread alone.
+    std::filesystem::path ownDirectory() const {
+        return directory() / "task" / std::to_string(pid_);
+    }
     pid_t pid_ = 0;
 };
 

@@ -123,13 +123,14 @@ function(vellmark_program name)
     endif()
 endfunction()
 
-# vellmark_test(FOLDER SOURCES file... USES library...)
-# The tests of one folder of src/ as one program; every case is a test of its own for ctest. The time
-# limit, in seconds, is for what hangs: a slow machine under a sanitizer takes a minute for some.
+# Seconds, for what hangs: under a sanitizer a slow machine takes a minute for some tests.
 set(test_patience 120)
 if(VELLMARK_SANITIZE)
     set(test_patience 300)
 endif()
+
+# vellmark_test(FOLDER SOURCES file... USES library...)
+# The tests of one folder of src/ as one program; every case is a test of its own for ctest.
 function(vellmark_test folder)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;USES")
     add_executable(vellmark_${folder}_tests ${arg_SOURCES})
