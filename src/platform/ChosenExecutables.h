@@ -13,24 +13,10 @@ namespace vellmark {
 /// once. Safe to use from any thread.
 class ChosenExecutables {
 public:
-    std::optional<std::filesystem::path> of(const std::string& agent) const {
-        const std::scoped_lock guard(lock_);
-        const auto found = paths_.find(agent);
-        return found == paths_.end() ? std::nullopt : std::optional(found->second);
-    }
+    std::optional<std::filesystem::path> of(const std::string& agent) const;
 
     /// True when the choice has changed.
-    bool choose(const std::string& agent, std::optional<std::filesystem::path> path) {
-        const std::scoped_lock guard(lock_);
-        const auto found = paths_.find(agent);
-        const auto before = found == paths_.end() ? std::nullopt : std::optional(found->second);
-        if (path) {
-            paths_.insert_or_assign(agent, *path);
-        } else {
-            paths_.erase(agent);
-        }
-        return before != path;
-    }
+    bool choose(const std::string& agent, const std::optional<std::filesystem::path>& path);
 
 private:
     mutable std::mutex lock_;
