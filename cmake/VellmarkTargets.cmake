@@ -68,6 +68,15 @@ if(VELLMARK_PRECOMPILED_HEADERS)
             target_precompile_headers(${headers} PRIVATE <QAbstractButton> <QApplication>
                 <QKeyEvent> <QLabel> <QMouseEvent> <QPainter> <QPainterPath> <QScreen> <QScrollArea>
                 <QWidget>)
+            # What the screens show is most of what each of their files compiles. Not in the release
+            # build, where a file that forgot to include what it uses must not find it.
+            if(VELLMARK_SANITIZE)
+                target_include_directories(${headers} PRIVATE ${CMAKE_SOURCE_DIR}/src)
+                target_precompile_headers(${headers} PRIVATE
+                    ${CMAKE_SOURCE_DIR}/src/presentation/AgentPageContent.h
+                    ${CMAKE_SOURCE_DIR}/src/presentation/SettingsPageContent.h
+                    ${CMAKE_SOURCE_DIR}/src/ui/Conversions.h)
+            endif()
         endif()
     endforeach()
 endif()
