@@ -75,7 +75,7 @@ public:
     }
 
 private:
-    Seconds step() const { return window_.periodHours < 24 ? oneHour / 2 : 2 * oneHour; }
+    Seconds step() const { return window_.periodHours < 24 ? oneHour / 2 : oneHour; }
 
     void add(Instant at, double used, Instant reset) {
         samples_.push_back({&window_, at, used, reset});
