@@ -23,6 +23,8 @@ namespace vellmark {
 namespace {
 
 constexpr Seconds month = 30 * oneDay;
+/// What forecasts rest on is there at any hour.
+constexpr Seconds awakeBefore = 3 * oneHour;
 
 /// One window of a simulated agent as it stands now.
 struct DemoWindow {
@@ -84,6 +86,9 @@ private:
     /// Evenly up to today's figure, so that the forecasts are those of the figures themselves.
     void recordCurrentPeriod(Instant from, Instant now, Instant reset) {
         for (Instant at = from + step(); at < now; at += step()) {
+            if (activity(zone_.calendarDate(at)) == 0 && now - at > awakeBefore) {
+                continue;
+            }
             add(at, window_.usedPercent * ((at - from) / (now - from)), reset);
         }
     }
