@@ -58,17 +58,27 @@ bool isShownByDays(const UsageWindow& window, ChartRange range) {
            range >= ChartRange::month;
 }
 
-/// Whether any other agent was read well within a pause of this one.
-bool wereOthersRead(const Making& making, Instant pauseBegin, Instant pauseEnd) {
-    const Instant begin = pauseBegin + recordingStep;
-    const Instant end = pauseEnd - recordingStep;
-    return std::ranges::any_of(making.state.snapshots, [&](const AgentUsageSnapshot& other) {
-        return other.id != making.snapshot.id &&
-               std::ranges::any_of(other.windows, [&](const UsageWindow& window) {
-                   const auto last = making.history.last({other.id, window.id}, end);
-                   return last && last->capturedAt > begin && last->capturedAt < end;
-               });
+bool wasRead(const AgentUsageSnapshot& agent, const UsageHistory& history, Instant begin,
+             Instant end) {
+    return std::ranges::any_of(agent.windows, [&](const UsageWindow& window) {
+        const auto last = history.last({agent.id, window.id}, end);
+        return last && last->capturedAt > begin && last->capturedAt < end;
     });
+}
+
+/// Why a window has no figures in a gap; nothing where its agent was read and did not tell of it.
+std::optional<ChartSpan::Kind> kindOf(const ChartStretch& gap, const Making& making,
+                                      const ChartScale& scale) {
+    const Instant begin = scale.instant(gap.begin) + recordingStep;
+    const Instant end = scale.instant(gap.end) - recordingStep;
+    if (wasRead(making.snapshot, making.history, begin, end)) {
+        return std::nullopt;
+    }
+    const bool wereOthersRead =
+        std::ranges::any_of(making.state.snapshots, [&](const AgentUsageSnapshot& agent) {
+            return wasRead(agent, making.history, begin, end);
+        });
+    return wereOthersRead ? ChartSpan::Kind::stale : ChartSpan::Kind::unread;
 }
 
 ChartSpan span(ChartSpan::Kind kind, ChartStretch stretch, const Localization& words) {
@@ -104,15 +114,11 @@ std::vector<ChartDay> daysOf(std::span<const HistoryPoint> points, const ChartSc
     return days;
 }
 
-bool isStale(const Making& making, const ChartScale& scale, const ChartStretch& gap) {
-    return wereOthersRead(making, scale.instant(gap.begin), scale.instant(gap.end));
-}
-
 /// Through a time in which only this agent could not be read its last figure stays, until a reset.
 void goOnWhereStale(ChartCurve& curve, const Making& making, const ChartScale& scale) {
     for (std::size_t index = 0; index < curve.gaps.size(); ++index) {
         const ChartStretch& gap = curve.gaps[index];
-        if (!isStale(making, scale, gap)) {
+        if (kindOf(gap, making, scale) != ChartSpan::Kind::stale) {
             continue;
         }
         const auto reset = std::ranges::lower_bound(curve.resets, gap.begin);
@@ -130,9 +136,9 @@ void addMarks(ChartContent& content, const Making& making, const ShownWindow& sh
         content.resets = curve.resets;
     }
     for (const ChartStretch& gap : curve.gaps) {
-        const bool stale = isStale(making, scale, gap);
-        content.spans.push_back(
-            span(stale ? ChartSpan::Kind::stale : ChartSpan::Kind::unread, gap, making.words));
+        if (const auto kind = kindOf(gap, making, scale)) {
+            content.spans.push_back(span(*kind, gap, making.words));
+        }
     }
     const double readX = scale.x(shown.standing.readAt);
     if (shown.standing.isOld && readX < content.nowX) {

@@ -38,7 +38,7 @@ struct ChartLine {
     bool operator==(const ChartLine&) const = default;
 };
 
-/// A time without good readings.
+/// A time without good readings of the agent.
 struct ChartSpan {
     enum class Kind {
         unread, ///< nobody read

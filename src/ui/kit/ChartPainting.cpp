@@ -119,7 +119,7 @@ void drawSpanLabel(QPainter& painter, const ChartLook::Span& span, const ChartLa
                    ColorRole ground) {
     const QRectF box = spanBox(span, layout);
     const double width = textWidth(span.label, style::axis);
-    if (width > box.width() + 2 * spanLabelPadding) {
+    if (width + 2 * spanLabelPadding > box.width()) {
         return;
     }
     const double height = style::axis.lineHeight;
