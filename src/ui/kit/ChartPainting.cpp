@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <vector>
 
 namespace vellmark::kit {
@@ -115,23 +116,29 @@ QRectF spanBox(const ChartLook::Span& span, const ChartLayout& layout) {
     return {layout.place({span.begin, 1}), layout.place({span.end, 0})};
 }
 
-void drawSpanLabel(QPainter& painter, const ChartLook::Span& span, const ChartLayout& layout,
-                   ColorRole ground) {
-    const QRectF box = spanBox(span, layout);
-    const double width = textWidth(span.label, style::axis);
-    if (width + 2 * spanLabelPadding > box.width()) {
-        return;
-    }
+/// A name reaches beyond its span by its padding at most, and never over the name before.
+void drawSpanLabels(QPainter& painter, const ChartLook& look, const ChartLayout& layout,
+                    ColorRole ground) {
     const double height = style::axis.lineHeight;
-    const QRectF label(box.center().x() - width / 2, box.bottom() - height - 6, width, height);
-    if (span.isHatched) {
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(color(ground));
-        painter.drawRoundedRect(label.adjusted(-spanLabelPadding, -1, spanLabelPadding, 1),
-                                radius::check, radius::check);
+    double namedTo = std::numeric_limits<double>::lowest();
+    for (const ChartLook::Span& span : look.spans) {
+        const QRectF box = spanBox(span, layout);
+        const double width = textWidth(span.label, style::axis);
+        const QRectF label(box.center().x() - width / 2, box.bottom() - height - 6, width, height);
+        const QRectF padded = label.adjusted(-spanLabelPadding, -1, spanLabelPadding, 1);
+        if (span.label.isEmpty() || width > box.width() + 2 * spanLabelPadding ||
+            padded.left() < namedTo) {
+            continue;
+        }
+        namedTo = padded.right() + 1; // their edges are blurred
+        if (span.isHatched) {
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(color(ground));
+            painter.drawRoundedRect(padded, radius::check, radius::check);
+        }
+        painter.setPen(color(ColorRole::ink2));
+        drawText(painter, label, Qt::AlignLeft, span.label, style::axis);
     }
-    painter.setPen(color(ColorRole::ink2));
-    drawText(painter, label, Qt::AlignLeft, span.label, style::axis);
 }
 
 void drawVerticals(QPainter& painter, const ChartLook& look, const ChartLayout& layout) {
@@ -411,9 +418,7 @@ void drawChart(QPainter& painter, const ChartLook& look, const ChartLayout& layo
     drawForecast(painter, look, layout, ground);
     drawDot(painter, look, layout);
     painter.restore();
-    for (const ChartLook::Span& span : look.spans) {
-        drawSpanLabel(painter, span, layout, ground);
-    }
+    drawSpanLabels(painter, look, layout, ground);
     drawGuideName(painter, look, layout);
     drawEndNames(painter, look, layout, ground);
 }
