@@ -11,13 +11,11 @@ elseif(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
 endif()
 
 # g++ 12 takes the library's own moving of strings for overlapping or overflowing copies when it
-# optimises (its bugs 105651 and 105329); clang looks for both. Some libraries ask for -pthread and
-# others do not; what shares precompiled headers must be compiled alike.
+# optimises (its bugs 105651 and 105329); clang looks for both.
 add_library(vellmark_options INTERFACE)
 target_compile_options(vellmark_options INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow ${designated_fields}
     $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict;-Wno-array-bounds;-Wno-stringop-overflow>
-    $<$<BOOL:${VELLMARK_PRECOMPILED_HEADERS}>:-pthread>
     $<$<BOOL:${VELLMARK_WERROR}>:-Werror>)
 target_compile_definitions(vellmark_options INTERFACE
     VELLMARK_VERSION="${PROJECT_VERSION}" VELLMARK_BUILD="${VELLMARK_BUILD_NUMBER}")
@@ -42,66 +40,6 @@ if(VELLMARK_SANITIZE MATCHES "undefined")
         $<${is_test}:-fno-sanitize=${unchecked_in_tests}>)
 endif()
 
-# Precompiled headers are made once for all libraries and once for all tests; those on Qt are compiled
-# as position-independent code and have their own.
-if(VELLMARK_PRECOMPILED_HEADERS)
-    set(empty_source ${CMAKE_BINARY_DIR}/precompiled.cpp)
-    file(CONFIGURE OUTPUT ${empty_source} CONTENT "")
-    set(header_kinds library test)
-    if(TARGET Qt6::Widgets)
-        list(APPEND header_kinds qt_library qt_test)
-    endif()
-    foreach(kind IN LISTS header_kinds)
-        set(headers vellmark_${kind}_headers)
-        add_library(${headers} OBJECT ${empty_source})
-        target_link_libraries(${headers} PRIVATE nlohmann_json::nlohmann_json vellmark_options)
-        target_precompile_headers(${headers} PRIVATE <algorithm> <chrono>
-            <filesystem> <fstream> <functional> <map> <memory> <optional> <string> <thread>
-            <vector> <nlohmann/json.hpp>)
-        if(kind MATCHES "test$" AND BUILD_TESTING)
-            set_target_properties(${headers} PROPERTIES VELLMARK_IS_TEST ON)
-            target_link_libraries(${headers} PRIVATE GTest::gmock)
-            target_precompile_headers(${headers} PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
-        endif()
-        if(kind MATCHES "^qt")
-            target_link_libraries(${headers} PRIVATE Qt6::Widgets)
-            target_precompile_headers(${headers} PRIVATE <QAbstractButton> <QApplication>
-                <QKeyEvent> <QLabel> <QMouseEvent> <QPainter> <QPainterPath> <QScreen> <QScrollArea>
-                <QWidget>)
-            # What the screens show is most of what each of their files compiles. Not in the release
-            # build, where a file that forgot to include what it uses must not find it.
-            if(VELLMARK_SANITIZE)
-                target_include_directories(${headers} PRIVATE ${CMAKE_SOURCE_DIR}/src)
-                target_precompile_headers(${headers} PRIVATE
-                    ${CMAKE_SOURCE_DIR}/src/presentation/AgentPageContent.h
-                    ${CMAKE_SOURCE_DIR}/src/presentation/SettingsPageContent.h
-                    ${CMAKE_SOURCE_DIR}/src/ui/Conversions.h)
-            endif()
-        endif()
-    endforeach()
-endif()
-
-function(vellmark_share_precompiled_headers target kind)
-    if(target MATCHES "^vellmark_(app|ui)")
-        set(kind qt_${kind})
-    endif()
-    if(VELLMARK_PRECOMPILED_HEADERS)
-        target_precompile_headers(${target} REUSE_FROM vellmark_${kind}_headers)
-    endif()
-endfunction()
-
-# Files that are compiled as one see each other's names: that one hides another says nothing about
-# either, and g++ takes their unnamed namespaces for those of a header. Whether each file would compile
-# alone does not show then. check-libcxx asks that of the libraries without Qt; those with Qt are never
-# united, nor is a target whose files use the same names for different things.
-target_compile_options(vellmark_options INTERFACE
-    $<$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>:-Wno-shadow;$<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>>)
-function(vellmark_unite target)
-    if(VELLMARK_UNITY_BUILD AND NOT target MATCHES "^vellmark_(app|ui|ui_kit)$")
-        set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
-    endif()
-endfunction()
-
 # vellmark_library(NAME SOURCES file... USES library...)
 # The library of the folder it is called in, as vellmark::NAME. USES lists everything that the
 # folder may include: the arrows of docs/architecture.md, written where they bind.
@@ -117,7 +55,7 @@ function(vellmark_library name)
     if(VELLMARK_SANITIZE AND name MATCHES "^(text|probes)$")
         target_compile_options(vellmark_${name} PRIVATE -O1)
     else()
-        vellmark_share_precompiled_headers(vellmark_${name} library)
+        vellmark_share_precompiled_headers(vellmark_${name} library ${arg_USES})
     endif()
     vellmark_unite(vellmark_${name})
 endfunction()
@@ -130,6 +68,8 @@ function(vellmark_program name)
     if(arg_OUTPUT)
         set_target_properties(${name} PROPERTIES OUTPUT_NAME ${arg_OUTPUT})
     endif()
+    vellmark_share_precompiled_headers(${name} library ${arg_USES})
+    vellmark_unite(${name})
 endfunction()
 
 # Seconds, for what hangs: under a sanitizer a slow machine takes a minute for some tests.
@@ -147,7 +87,7 @@ function(vellmark_test folder)
     target_include_directories(vellmark_${folder}_tests PRIVATE ${CMAKE_SOURCE_DIR}/tests)
     target_link_libraries(vellmark_${folder}_tests PRIVATE
         ${arg_USES} vellmark_test_support GTest::gmock GTest::gtest_main vellmark_options)
-    vellmark_share_precompiled_headers(vellmark_${folder}_tests test)
+    vellmark_share_precompiled_headers(vellmark_${folder}_tests test ${arg_USES})
     vellmark_unite(vellmark_${folder}_tests)
     gtest_discover_tests(vellmark_${folder}_tests DISCOVERY_MODE PRE_TEST
         TEST_PREFIX "${folder}." PROPERTIES TIMEOUT ${test_patience})

@@ -10,7 +10,7 @@ using testing::ElementsAre;
 using testing::Pair;
 using State = AgentBlockContent::State;
 
-PopoverContent contentOf(const UsageState& state, std::string_view tab = "overview",
+PopoverContent popoverOf(const UsageState& state, std::string_view tab = "overview",
                          const Localization& words = english) {
     return popoverContent(state, tab, noon, words);
 }
@@ -34,10 +34,10 @@ TEST(PopoverTab, SurvivesInItsStoredForm) {
 }
 
 TEST(PopoverContent, HasATabForEachAgentWithABadgeForWhatPresses) {
-    const PopoverContent content = contentOf(threeAgents(), "provider:claude");
+    const PopoverContent content = popoverOf(threeAgents(), "provider:claude");
     ASSERT_NE(content.selectedAgent(), nullptr);
     EXPECT_EQ(content.selectedAgent()->id, claude);
-    EXPECT_EQ(contentOf(threeAgents()).selectedAgent(), nullptr);
+    EXPECT_EQ(popoverOf(threeAgents()).selectedAgent(), nullptr);
     std::vector<std::pair<std::string, std::optional<UsageHealth>>> tabs;
     for (const PopoverTabContent& tab : content.tabs) {
         tabs.emplace_back(tab.title, tab.badge);
@@ -48,25 +48,25 @@ TEST(PopoverContent, HasATabForEachAgentWithABadgeForWhatPresses) {
 }
 
 TEST(PopoverContent, SaysWhatIsWorstAndWhenItWasRead) {
-    EXPECT_EQ(contentOf(threeAgents()).statusLine.text,
+    EXPECT_EQ(popoverOf(threeAgents()).statusLine.text,
               "Antigravity critical, Claude running low · read at 1:46 PM");
     const UsageWindow fine = window("session", 22, fiveHours, 87);
-    EXPECT_EQ(contentOf(stateOf({live(codex, {fine})})).statusLine.text,
+    EXPECT_EQ(popoverOf(stateOf({live(codex, {fine})})).statusLine.text,
               "Everything lasts until its reset · read at 1:46 PM");
     // A little short of the reset is no cause for alarm, but no promise either.
     const UsageWindow tight = window("session", 73, fiveHours, 87);
-    EXPECT_EQ(contentOf(stateOf({live(codex, {tight})})).statusLine.text,
+    EXPECT_EQ(popoverOf(stateOf({live(codex, {tight})})).statusLine.text,
               "Everything healthy · read at 1:46 PM");
 
     const auto missing = UsageProviderError::executableMissing("codex");
-    EXPECT_EQ(contentOf(stateOf({failed(codex, missing), failed(claude, missing),
+    EXPECT_EQ(popoverOf(stateOf({failed(codex, missing), failed(claude, missing),
                                  live(antigravity, {fine})}))
                   .statusLine.text,
               "2 of 3 agents unreadable · as of 1:46 PM");
 
     UsageState old = threeAgents();
     old.lastRefreshCompletedAt = noon - Seconds(2 * 86400);
-    EXPECT_THAT(contentOf(old).statusLine.text, testing::HasSubstr("· read Tue"));
+    EXPECT_THAT(popoverOf(old).statusLine.text, testing::HasSubstr("· read Tue"));
 }
 
 TEST(PopoverContent, CountsSeveralAgentsOfWhichTheSameIsToBeSaid) {
@@ -74,12 +74,12 @@ TEST(PopoverContent, CountsSeveralAgentsOfWhichTheSameIsToBeSaid) {
     const UsageWindow spent = window("session", 97, fiveHours, 150);
     UsageState state =
         stateOf({live(codex, {low}), live(claude, {low}), live(antigravity, {spent})});
-    EXPECT_EQ(contentOf(state).statusLine.text,
+    EXPECT_EQ(popoverOf(state).statusLine.text,
               "Antigravity critical, 2 of 3 agents running low · read at 1:46 PM");
-    EXPECT_EQ(contentOf(state, "overview", german).statusLine.text,
+    EXPECT_EQ(popoverOf(state, "overview", german).statusLine.text,
               "Antigravity kritisch, 2 von 3 Agenten werden knapp · gelesen um 13:46");
     state.snapshots[0] = live(codex, {spent});
-    EXPECT_EQ(contentOf(state).statusLine.text,
+    EXPECT_EQ(popoverOf(state).statusLine.text,
               "2 of 3 agents critical, Claude running low · read at 1:46 PM");
 }
 
@@ -88,30 +88,30 @@ TEST(PopoverContent, NothingIsReadAtAMomentAtWhichNothingWasRead) {
     const auto timeout = UsageProviderError::timeout("Codex");
     UsageState state = stateOf({failed(codex, timeout, {fine}), live(claude, {fine})});
     state.lastSuccess[codex] = noon - Seconds(34 * 60);
-    EXPECT_EQ(contentOf(state).statusLine.text, "Codex unreadable · as of 1:46 PM");
+    EXPECT_EQ(popoverOf(state).statusLine.text, "Codex unreadable · as of 1:46 PM");
 
     state.snapshots[1] = failed(claude, timeout, {fine});
     state.lastSuccess[claude] = noon - Seconds(12 * 60);
-    EXPECT_EQ(contentOf(state).statusLine.text, "2 of 2 agents unreadable · 34 min old");
+    EXPECT_EQ(popoverOf(state).statusLine.text, "2 of 2 agents unreadable · 34 min old");
 
     state = stateOf({failed(codex, timeout)});
-    EXPECT_EQ(contentOf(state).statusLine.text, "Codex unreadable · last tried 1:46 PM");
+    EXPECT_EQ(popoverOf(state).statusLine.text, "Codex unreadable · last tried 1:46 PM");
 
     // At the start of the program, before anything was read.
     state = stateOf({live(codex, {fine})});
     state.snapshots[0].source = SnapshotSource::stale;
     state.lastSuccess[codex] = noon - Seconds(34 * 60);
     state.lastRefreshCompletedAt.reset();
-    EXPECT_EQ(contentOf(state).statusLine.text, "Everything lasts until its reset · 34 min old");
+    EXPECT_EQ(popoverOf(state).statusLine.text, "Everything lasts until its reset · 34 min old");
 
     const UsageWindow due = window("session", 22, fiveHours, -3);
     state = stateOf({live(codex, {due}), live(claude, {fine})});
-    EXPECT_EQ(contentOf(state).statusLine.text, "Codex: reset due · read at 1:46 PM");
-    EXPECT_EQ(contentOf(state).agents[0].statusText, "Reset due");
+    EXPECT_EQ(popoverOf(state).statusLine.text, "Codex: reset due · read at 1:46 PM");
+    EXPECT_EQ(popoverOf(state).agents[0].statusText, "Reset due");
 }
 
 TEST(PopoverContent, NamesOnlyTheWorstInBriefAndKeepsTheTime) {
-    const PopoverContent two = contentOf(threeAgents(), "overview", german);
+    const PopoverContent two = popoverOf(threeAgents(), "overview", german);
     EXPECT_EQ(two.statusLine.briefText,
               "Antigravity kritisch, 1 weiterer Agent betroffen · gelesen um 13:46");
 
@@ -119,11 +119,11 @@ TEST(PopoverContent, NamesOnlyTheWorstInBriefAndKeepsTheTime) {
     // Stale, and still running low: one agent, counted once.
     state.snapshots[1].error = UsageProviderError::timeout("Claude");
     state.snapshots[0].error = UsageProviderError::executableMissing("codex");
-    EXPECT_EQ(contentOf(state).statusLine.briefText,
+    EXPECT_EQ(popoverOf(state).statusLine.briefText,
               "Antigravity critical, 2 more agents affected · as of 1:46 PM");
 
     const UsageState fine = stateOf({live(codex, {window("session", 22, fiveHours, 87)})});
-    EXPECT_EQ(contentOf(fine).statusLine.briefText, contentOf(fine).statusLine.text);
+    EXPECT_EQ(popoverOf(fine).statusLine.briefText, popoverOf(fine).statusLine.text);
 }
 
 TEST(PopoverContent, CountsTheAgentsOfTheFirstReading) {
@@ -134,7 +134,7 @@ TEST(PopoverContent, CountsTheAgentsOfTheFirstReading) {
     state.isRefreshing = true;
     state.lastRefreshCompletedAt.reset();
     state.lastSuccess.clear();
-    const PopoverContent content = contentOf(state);
+    const PopoverContent content = popoverOf(state);
     EXPECT_EQ(content.statusLine.text, "0 of 2 agents read …");
     const AgentBlockContent& block = content.agents.front();
     EXPECT_EQ(block.state, State::loading);
@@ -145,17 +145,17 @@ TEST(PopoverContent, CountsTheAgentsOfTheFirstReading) {
 }
 
 TEST(PopoverContent, ShowsTheHintWithoutAgents) {
-    const PopoverContent content = contentOf(UsageState());
+    const PopoverContent content = popoverOf(UsageState());
     EXPECT_TRUE(content.tabs.empty());
     ASSERT_TRUE(content.noAgents);
     EXPECT_EQ(content.noAgents->icon, "eye.slash");
     EXPECT_EQ(content.statusLine.text, "No agent enabled");
-    EXPECT_FALSE(contentOf(threeAgents()).noAgents);
+    EXPECT_FALSE(popoverOf(threeAgents()).noAgents);
 }
 
 TEST(UsageRow, TellsWhatIsLeftWhenItResetsAndWhetherItLasts) {
     UsageState state = threeAgents();
-    const UsageRowContent row = contentOf(state).agents[2].rows.front();
+    const UsageRowContent row = popoverOf(state).agents[2].rows.front();
     EXPECT_EQ(row.value, "7% left");
     EXPECT_EQ(row.figure + " " + row.figureWord, row.value);
     EXPECT_EQ(row.reset, "Resets in 1 h 27 min · 3:15 PM");
@@ -172,7 +172,7 @@ TEST(UsageRow, TellsWhatIsLeftWhenItResetsAndWhetherItLasts) {
 
     // Where that is wanted, it says first what is used.
     state.firstFigure = FirstFigure::used;
-    const UsageRowContent used = contentOf(state).agents[2].rows.front();
+    const UsageRowContent used = popoverOf(state).agents[2].rows.front();
     EXPECT_EQ(used.value, "93% used");
     EXPECT_EQ(used.figure + " " + used.figureWord, used.value);
     EXPECT_NEAR(used.bar.filledShare, 0.93, 1e-9);
@@ -184,7 +184,7 @@ TEST(UsageRow, TellsWhatIsLeftWhenItResetsAndWhetherItLasts) {
 
 TEST(UsageRow, BehavesAtTheEnds) {
     const auto rowOf = [](const UsageWindow& each) {
-        return contentOf(stateOf({live(codex, {each})})).agents[0].rows[0];
+        return popoverOf(stateOf({live(codex, {each})})).agents[0].rows[0];
     };
     const UsageRowContent timeless = rowOf(windowWithoutReset("session", 0));
     EXPECT_EQ(timeless.value, "100% left");
@@ -211,7 +211,7 @@ TEST(AgentBlock, KeepsStaleFiguresWithTheirAgeAndTheReason) {
     UsageState state = stateOf({failed(codex, UsageProviderError::timeout("Codex"),
                                        {window("session", 22, fiveHours, 87)})});
     state.lastSuccess[codex] = noon - Seconds(34 * 60);
-    const AgentBlockContent block = contentOf(state).agents.front();
+    const AgentBlockContent block = popoverOf(state).agents.front();
     EXPECT_EQ(block.state, State::stale);
     EXPECT_EQ(block.statusText, "34 min old");
     EXPECT_TRUE(block.showsClock);
@@ -231,12 +231,12 @@ TEST(AgentBlock, TellsWhatIsOlderThanItLooksAndWhenTheAgentIsAskedAgain) {
     UsageState state = stateOf({kept});
     state.lastSuccess[claude] = noon - Seconds(3600);
     state.restsUntil[claude] = noon + Seconds(600);
-    const AgentBlockContent block = contentOf(state).agents.front();
+    const AgentBlockContent block = popoverOf(state).agents.front();
     EXPECT_EQ(block.statusText, "At most 60 min old");
     EXPECT_EQ(block.sourceText, "Read at most 60 min ago through the Claude Code CLI");
     EXPECT_TRUE(block.failure->reason.ends_with(" Next try: 1:58 PM.")) << block.failure->reason;
     state.restsUntil[claude] = noon - Seconds(1);
-    EXPECT_TRUE(contentOf(state).agents.front().failure->reason.ends_with("there."));
+    EXPECT_TRUE(popoverOf(state).agents.front().failure->reason.ends_with("there."));
 
     UsageWindow old = window("fable-weekly", 50, 10080, 6000);
     old.readAt = noon - Seconds(1800);
@@ -244,7 +244,7 @@ TEST(AgentBlock, TellsWhatIsOlderThanItLooksAndWhenTheAgentIsAskedAgain) {
     partly.isIncomplete = true;
     partly.notes = {{SnapshotNote::ReadingWay{"session", 8400}},
                     {SnapshotNote::AgentSays{"You've hit your session limit"}}};
-    const AgentBlockContent half = contentOf(stateOf({partly})).agents.front();
+    const AgentBlockContent half = popoverOf(stateOf({partly})).agents.front();
     EXPECT_FALSE(half.rows[0].isMuted);
     EXPECT_TRUE(half.rows[1].isMuted && half.rows[1].bar.isStale);
     EXPECT_TRUE(half.rows[1].reset.ends_with(" · 30 min old")) << half.rows[1].reset;
@@ -266,7 +266,7 @@ TEST(AgentBlock, OffersTheWayOutOfAFailure) {
         {codex, UsageProviderError::other("Odd."), WayOut::readAgain, "Read again"},
     };
     for (const auto& [agent, error, wayOut, button] : ways) {
-        const AgentBlockContent block = contentOf(stateOf({failed(agent, error)})).agents[0];
+        const AgentBlockContent block = popoverOf(stateOf({failed(agent, error)})).agents[0];
         EXPECT_EQ(block.state, State::failed);
         EXPECT_EQ(block.statusText, "Unavailable");
         ASSERT_TRUE(block.failure);
@@ -282,7 +282,7 @@ TEST(AgentBlock, NamesThePlanAndListsBalancesAndCredits) {
     snapshot.balances = {{.id = "a", .amount = 16.8, .currencyCode = "USD", .limit = 20.0},
                          {.id = "b", .amount = 3, .currencyCode = "EUR", .limit = {}}};
     snapshot.credit = CreditInfo::line("$3.20 / $20.00 spent");
-    const AgentBlockContent block = contentOf(stateOf({snapshot})).agents.front();
+    const AgentBlockContent block = popoverOf(stateOf({snapshot})).agents.front();
     EXPECT_EQ(block.plan, "Pro Lite");
     EXPECT_THAT(block.balances,
                 ElementsAre(BalanceRowContent{"Credits", "$16.80 left", "of $20.00"},
@@ -291,9 +291,9 @@ TEST(AgentBlock, NamesThePlanAndListsBalancesAndCredits) {
 
     // What is left of the extra credit is told by the credit line already.
     snapshot.balances = {{extraUsageBalanceID, 16.8, "USD", 20.0}};
-    EXPECT_EQ(contentOf(stateOf({snapshot})).agents.front().balances.size(), 1U);
+    EXPECT_EQ(popoverOf(stateOf({snapshot})).agents.front().balances.size(), 1U);
     snapshot.credit.reset();
-    EXPECT_EQ(contentOf(stateOf({snapshot})).agents.front().balances.front().value, "$16.80 left");
+    EXPECT_EQ(popoverOf(stateOf({snapshot})).agents.front().balances.front().value, "$16.80 left");
 }
 
 TEST(AgentBlock, SaysUntilWhenAnAgentRefusesAndWhy) {
@@ -314,21 +314,21 @@ TEST(AgentBlock, SaysUntilWhenAnAgentRefusesAndWhy) {
         } else {
             snapshot.allowance->ordinaryUsageAllowed = false;
         }
-        const AgentBlockContent block = contentOf(stateOf({snapshot})).agents.front();
+        const AgentBlockContent block = popoverOf(stateOf({snapshot})).agents.front();
         EXPECT_THAT(block.balances, ElementsAre(BalanceRowContent{"Used up", "", reason, true}));
         EXPECT_EQ(block.health, UsageHealth::critical);
         EXPECT_THAT(block.accessibilityDetail, testing::EndsWith("Used up: " + reason));
     }
     AgentUsageSnapshot back = live(codex, {window("session", 100, fiveHours, 87)});
     back.allowance = UsageAllowance{.ordinaryUsageAllowed = true};
-    EXPECT_TRUE(contentOf(stateOf({back})).agents.front().balances.empty());
+    EXPECT_TRUE(popoverOf(stateOf({back})).agents.front().balances.empty());
 }
 
 TEST(AgentBlock, CountsTheResetsInHand) {
     const auto row = [](std::int64_t count, std::optional<Instant> expiry) {
         AgentUsageSnapshot snapshot = live(codex, {window("session", 5, fiveHours, 87)});
         snapshot.allowance = UsageAllowance{.bankedResets = count, .bankedResetExpiresAt = expiry};
-        const auto rows = contentOf(stateOf({snapshot})).agents.front().balances;
+        const auto rows = popoverOf(stateOf({snapshot})).agents.front().balances;
         return rows.empty() ? std::nullopt : std::optional(rows.back());
     };
     using Row = BalanceRowContent;

@@ -29,14 +29,14 @@ public:
     }
 };
 
-QAccessibleInterface* interfaceOf(const QString& /*className*/, QObject* object) {
+QAccessibleInterface* chartInterface(const QString& /*className*/, QObject* object) {
     auto* chart = dynamic_cast<Chart*>(object);
     return chart != nullptr ? new ChartInterface(chart) : nullptr;
 }
 
 /// Tells assistive software of charts as what they are.
 void tellOfCharts() {
-    static const bool isTold = (QAccessible::installFactory(interfaceOf), true);
+    static const bool isTold = (QAccessible::installFactory(chartInterface), true);
     static_cast<void>(isTold);
 }
 

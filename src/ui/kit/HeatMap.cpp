@@ -37,7 +37,7 @@ public:
     }
 };
 
-QAccessibleInterface* interfaceOf(const QString& /*className*/, QObject* object) {
+QAccessibleInterface* heatMapInterface(const QString& /*className*/, QObject* object) {
     auto* map = dynamic_cast<HeatMap*>(object);
     return map != nullptr ? new HeatMapInterface(map) : nullptr;
 }
@@ -65,7 +65,7 @@ HeatMap::HeatMap(QWidget* parent)
     : QWidget(parent), interaction_(this, FocusShape{radius::check, focusGap + 2}) {
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
-    static const bool isTold = (QAccessible::installFactory(interfaceOf), true);
+    static const bool isTold = (QAccessible::installFactory(heatMapInterface), true);
     static_cast<void>(isTold);
 }
 

@@ -115,7 +115,7 @@ private:
     }
 };
 
-QAccessibleInterface* interfaceOf(const QString& /*className*/, QObject* object) {
+QAccessibleInterface* spokenInterface(const QString& /*className*/, QObject* object) {
     auto* widget = qobject_cast<QWidget*>(object);
     return widget != nullptr && spoken(widget) != nullptr ? new SpokenInterface(widget) : nullptr;
 }
@@ -124,7 +124,7 @@ QAccessibleInterface* interfaceOf(const QString& /*className*/, QObject* object)
 
 Spoken::Spoken() {
     // Once for all: Qt knows a factory that it has.
-    QAccessible::installFactory(interfaceOf);
+    QAccessible::installFactory(spokenInterface);
 }
 
 } // namespace vellmark::kit

@@ -43,7 +43,7 @@ public:
     }
 };
 
-QAccessibleInterface* interfaceOf(const QString& /*className*/, QObject* object) {
+QAccessibleInterface* popoverInterface(const QString& /*className*/, QObject* object) {
     if (object == qApp) {
         return new ApplicationInterface;
     }
@@ -56,7 +56,7 @@ QAccessibleInterface* interfaceOf(const QString& /*className*/, QObject* object)
 } // namespace
 
 void tellOfPopovers() {
-    QAccessible::installFactory(interfaceOf);
+    QAccessible::installFactory(popoverInterface);
 }
 
 } // namespace vellmark

@@ -188,7 +188,7 @@ private:
     mutable std::vector<int> starts_;
 };
 
-QAccessibleInterface* interfaceOf(const QString& /*className*/, QObject* object) {
+QAccessibleInterface* reportTextInterface(const QString& /*className*/, QObject* object) {
     auto* view = dynamic_cast<ReportTextView*>(object);
     return view != nullptr ? new ReportTextInterface(view) : nullptr;
 }
@@ -196,7 +196,7 @@ QAccessibleInterface* interfaceOf(const QString& /*className*/, QObject* object)
 } // namespace
 
 void tellOfReportTexts() {
-    QAccessible::installFactory(interfaceOf);
+    QAccessible::installFactory(reportTextInterface);
 }
 
 void tellOfReportCaret(ReportTextView& view) {
