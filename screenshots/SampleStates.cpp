@@ -191,6 +191,15 @@ UsageState noAgents() {
     return {};
 }
 
+UsageState unwritten() {
+    UsageState state = normal();
+    state.unwritten = {.kind = StorageTrouble::Kind::foreign,
+                       .error = {},
+                       .file = "/home/alexandra/.local/share/Vellmark/usage-history.json",
+                       .part = {}};
+    return state;
+}
+
 UsageState balances() {
     AgentUsageSnapshot snapshot = calmClaude();
     snapshot.balances = {{"credits", 16.8, "USD", 20.0}};

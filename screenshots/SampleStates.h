@@ -35,6 +35,8 @@ UsageState incomplete();
 /// Two agents that could not be read at all.
 UsageState failed();
 UsageState noAgents();
+/// As `normal`, with a history from another version, which is not written.
+UsageState unwritten();
 /// One agent with balances and credits, one with a credit line.
 UsageState balances();
 /// One agent that refuses to work, with a further limit and resets in hand.

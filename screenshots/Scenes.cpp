@@ -461,6 +461,7 @@ std::vector<Scene> allScenes() {
         overviewScene("failed", samples::failed),
         overviewScene("refusing", samples::refusing),
         overviewScene("no-agents", samples::noAgents),
+        overviewScene("unwritten", samples::unwritten),
         overviewScene("long-texts", samples::longTexts),
         overviewScene("many-agents", samples::manyAgents),
 

@@ -3,6 +3,7 @@
 #include "model/UsageTexts.h"
 #include "presentation/AgentStanding.h"
 #include "presentation/UsageVerdict.h"
+#include "store/ActivityTexts.h"
 #include "text/Formatting.h"
 
 #include <algorithm>
@@ -98,6 +99,10 @@ OverviewPageContent overviewPageContent(const UsageState& state, Instant now,
     content.head = refreshablePageHead({"nav.overview", "overview.subtitle"}, state, words);
     content.verdict = verdict(state, now, words);
     content.verdict.accessibilityText = spokenVerdict(content.verdict, words);
+    if (state.unwritten) {
+        content.storage =
+            sentence(ActivityTexts::storageTrouble(*state.unwritten, words).text, words);
+    }
     for (const AgentUsageSnapshot& snapshot : state.snapshots) {
         content.cards.push_back(
             agentBlockContent(snapshot, state, now, words, "overview.loadingQuotas"));

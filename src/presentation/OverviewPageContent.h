@@ -26,6 +26,8 @@ struct VerdictContent {
 struct OverviewPageContent {
     PageHeadContent head;
     VerdictContent verdict;
+    /// Why files are not written; empty while they are.
+    std::string storage;
     std::vector<AgentBlockContent> cards;
     std::optional<NoAgentsContent> noAgents;
 

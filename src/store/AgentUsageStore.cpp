@@ -89,7 +89,7 @@ struct AgentUsageStore::State {
     std::map<AgentProviderID, Instant> lastEnds; ///< of readings, good or bad
     std::set<AgentProviderID> readWell;          ///< by the running refresh
     bool isOfAllAgents = false;                  ///< the running refresh
-    std::set<StoreFiles::File> failingFiles;
+    std::map<StoreFiles::File, StorageTrouble::News> failingFiles;
     Instant heldSince{};
     bool isTerminating = false;
     StoreFiles files;
@@ -241,23 +241,26 @@ void AgentUsageStore::State::note(std::vector<ActivityEntry> entries) {
 void AgentUsageStore::State::noteTrouble(StoreFiles::File file, const StorageTrouble::News& news) {
     // A full disk fails every file: one entry says so, and one that it is over.
     using Kind = StorageTrouble::Kind;
+    const bool failedBefore = !failingFiles.empty();
     if (news.kind == Kind::recovered) {
-        if (failingFiles.erase(file) == 0 || !failingFiles.empty()) {
-            return;
-        }
-    } else if (news.kind == Kind::failed || news.kind == Kind::inTheWay ||
-               news.kind == Kind::foreign) {
-        const bool isFirst = failingFiles.empty();
-        failingFiles.insert(file);
-        if (!isFirst && news.kind == Kind::failed) {
-            return;
-        }
+        failingFiles.erase(file);
+    } else if (StorageTrouble::lasts(news.kind)) {
+        failingFiles.insert_or_assign(file, news);
     }
+    const bool isTold = news.kind == Kind::failed      ? !failedBefore
+                        : news.kind == Kind::recovered ? failedBefore && failingFiles.empty()
+                                                       : true;
     ActivityEntry entry = ActivityTexts::storageTrouble(news, words());
-    if (news.kind != Kind::recovered) {
+    if (isTold && news.kind != Kind::recovered) {
         config.storageTrouble(entry.text);
     }
-    observers.around([&] { note(std::move(entry)); });
+    observers.around([&] {
+        state.unwritten =
+            failingFiles.empty() ? std::nullopt : std::optional(failingFiles.begin()->second);
+        if (isTold) {
+            note(std::move(entry));
+        }
+    });
 }
 
 void AgentUsageStore::State::noteSettings() {

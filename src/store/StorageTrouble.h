@@ -23,11 +23,16 @@ public:
         foreign,   ///< `file` is of another form and is not written
         undecoded, ///< `part` of `file` cannot be understood; all of it when there is none
     };
+    /// Whether it lasts until `recovered`.
+    static bool lasts(Kind kind) {
+        return kind == Kind::failed || kind == Kind::inTheWay || kind == Kind::foreign;
+    }
     struct News {
         Kind kind = Kind::failed;
         std::error_code error;
         std::filesystem::path file;
         std::string part;
+        bool operator==(const News&) const = default;
     };
 
     explicit StorageTrouble(std::filesystem::path file) : file_(std::move(file)) {}

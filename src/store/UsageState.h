@@ -3,6 +3,7 @@
 #include "model/AgentUsageSnapshot.h"
 #include "model/UsageRules.h"
 #include "store/FirstFigure.h"
+#include "store/StorageTrouble.h"
 
 #include <map>
 #include <optional>
@@ -62,6 +63,8 @@ struct UsageState {
         return found != recentPoints.end() ? std::span<const UsagePoint>(found->second)
                                            : std::span<const UsagePoint>();
     }
+    /// Why a file is not written, for as long as that lasts.
+    std::optional<StorageTrouble::News> unwritten;
     /// What every front says first of a quota.
     FirstFigure firstFigure = FirstFigure::left;
     /// Rise with every new sample and every new log entry, for pages that show them.

@@ -56,6 +56,13 @@ TEST(Overview, SaysWhenItWasReadAndWhatIsWorst) {
                 testing::MatchesRegex("runs out in .*, .* before it resets.*"));
     EXPECT_EQ(content.cards.size(), 2U);
     EXPECT_EQ(content.head.refresh.title, "Refresh");
+    EXPECT_EQ(content.storage, "");
+    state.unwritten = {.kind = StorageTrouble::Kind::failed,
+                       .error = std::make_error_code(std::errc::no_space_on_device),
+                       .file = "history",
+                       .part = {}};
+    EXPECT_EQ(overviewPageContent(state, noon, english).storage,
+              "Files cannot be written (No space left on the disk); the figures stay visible.");
 
     state.isRefreshing = true;
     state.lastRefreshCompletedAt.reset();

@@ -255,11 +255,14 @@ TEST_F(StoredFiles, SettingsThatCannotBeWrittenAreTold) {
     std::filesystem::create_directory(directory / "preferences.json");
     store->setEnabled(claude->id(), false);
     ASSERT_EQ(troubles.size(), 1u);
+    ASSERT_TRUE(state().unwritten);
+    EXPECT_EQ(state().unwritten->file.filename(), "preferences.json");
     EXPECT_FALSE(state().enabledProviderIDs.contains(claude->id())) << "for this run";
     std::filesystem::remove(directory / "preferences.json");
     store->setEnabled(codex->id(), false);
     EXPECT_EQ(preferences->strings("DisabledProviders")->size(), 2u);
     EXPECT_FALSE(preferences->writeError());
+    EXPECT_FALSE(state().unwritten);
 }
 
 TEST_F(StoredFiles, ADirectoryThatCannotBeWrittenCostsOneEntryAndNoFigures) {
@@ -271,9 +274,12 @@ TEST_F(StoredFiles, ADirectoryThatCannotBeWrittenCostsOneEntryAndNoFigures) {
     EXPECT_EQ(source(codex), SnapshotSource::live);
     EXPECT_EQ(store->history().sampleCount(), 3u) << "charts go on";
     EXPECT_EQ(complaints(), 1u);
+    EXPECT_TRUE(state().unwritten);
 
     std::filesystem::remove(directory / "Vellmark");
     readCodex(20);
+    settle();
+    EXPECT_FALSE(state().unwritten) << "every file is written again";
     makeStore();
     store->flush();
     EXPECT_EQ(store->history().sampleCount(), 4u) << "what was held back has been written";

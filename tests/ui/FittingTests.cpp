@@ -27,6 +27,7 @@ const std::pair<const char*, UsageState (*)()> states[] = {
     {"incomplete", samples::incomplete}, {"failed", samples::failed},
     {"balances", samples::balances},     {"refusing", samples::refusing},
     {"credited", samples::credited},     {"no agents", samples::noAgents},
+    {"unwritten", samples::unwritten},
 };
 
 class Fitting : public ::testing::TestWithParam<std::string_view> {

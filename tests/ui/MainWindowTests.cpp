@@ -1,6 +1,7 @@
 #include "screenshots/SampleStates.h"
 #include "ui/QtEnvironment.h"
 #include "ui/kit/FocusRing.h"
+#include "ui/kit/Notice.h"
 #include "ui/kit/SidebarEntry.h"
 #include "ui/window/AgentMainWindowView.h"
 #include "ui/window/AgentSummaryCard.h"
@@ -186,6 +187,18 @@ TEST_F(MainWindow, TakesTheFocusRingBackFromAnotherWindowUnlessAPressHadRemovedI
     pages[2]->setFocus(Qt::MouseFocusReason);
     leaveAndReturn();
     EXPECT_FALSE(kit::FocusRing::isAnyShown());
+}
+
+TEST_F(MainWindow, SaysWhyFilesAreNotWrittenForAsLongAsThatLasts) {
+    const auto notices = [this] {
+        return std::ranges::count_if(view.findChildren<QWidget*>(), [](const QWidget* part) {
+            return part->isVisible() && dynamic_cast<const kit::Notice*>(part) != nullptr;
+        });
+    };
+    show(samples::unwritten());
+    EXPECT_EQ(notices(), 2) << "beside the verdict";
+    show(samples::normal());
+    EXPECT_EQ(notices(), 1);
 }
 
 TEST_F(MainWindow, LeadsToAgentsAndOutOfFailures) {

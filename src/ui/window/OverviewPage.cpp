@@ -18,6 +18,7 @@ namespace vellmark {
 namespace {
 constexpr int margin = PageHead::margin;
 constexpr int gap = 12;
+constexpr int storageLines = 4; // a long path has two of its own
 
 kit::Notice::Kind noticeKind(UsageHealth tone) {
     switch (tone) {
@@ -36,9 +37,11 @@ kit::Notice::Kind noticeKind(UsageHealth tone) {
 OverviewPage::OverviewPage(const AgentUIActions& actions, QWidget* parent)
     : WindowPage([&actions] { actions.refresh(); }, parent), actions_(actions),
       scroller_(new kit::ScrollArea(this)), column_(new QWidget),
-      verdict_(new kit::Notice(column_)), noAgents_(new NoAgentsHint(column_)) {
+      verdict_(new kit::Notice(column_)), storage_(new kit::Notice(column_)),
+      noAgents_(new NoAgentsHint(column_)) {
     scroller_->setWidget(column_);
     column_->setAutoFillBackground(false);
+    storage_->setMostLines(storageLines);
     noAgents_->onOpenSettings = [this] { actions_.openSettings(); };
 }
 
@@ -50,6 +53,8 @@ void OverviewPage::setContent(const OverviewPageContent& content) {
                        .words = qString(content.verdict.text),
                        .spokenWords = qString(content.verdict.accessibilityText)});
     verdict_->setVisible(!content.noAgents);
+    storage_->setLook({.words = qString(content.storage)});
+    storage_->setVisible(!content.storage.empty());
     if (content.noAgents) {
         noAgents_->setContent(*content.noAgents);
     }
@@ -81,10 +86,12 @@ void OverviewPage::arrange() {
     const int wide = std::max(width() - 2 * margin, 0);
     scroller_->setGeometry(body());
     int top = 0;
-    if (verdict_->isVisibleTo(column_)) {
-        const int height = verdict_->heightForWidth(wide);
-        verdict_->setGeometry(margin, top, wide, height);
-        top += height + gap;
+    for (kit::Notice* notice : {verdict_, storage_}) {
+        if (notice->isVisibleTo(column_)) {
+            const int height = notice->heightForWidth(wide);
+            notice->setGeometry(margin, top, wide, height);
+            top += height + gap;
+        }
     }
     for (AgentSummaryCard* card : cards_) {
         const int height = card->heightForWidth(wide);

@@ -32,6 +32,7 @@ private:
     kit::ScrollArea* scroller_;
     QWidget* column_;
     kit::Notice* verdict_;
+    kit::Notice* storage_;
     std::vector<AgentSummaryCard*> cards_;
     NoAgentsHint* noAgents_;
 };
