@@ -16,8 +16,8 @@ function(vellmark_skipped_check name reason)
 endfunction()
 
 # vellmark_check_file(RESULT FOLDER FILE flag...): one file, checked again only when it
-# or something that it includes has changed; appends its stamp to the list RESULT. The list check_needs
-# has what must have been made before.
+# or something that it includes has changed; appends its stamp to the list RESULT. What must have been
+# made before is in check_needs.
 function(vellmark_check_file result folder file)
     file(RELATIVE_PATH name ${CMAKE_SOURCE_DIR} ${file})
     string(REPLACE ".." "generated" name ${name})
@@ -93,9 +93,10 @@ function(vellmark_check_macos)
     endif()
 endfunction()
 
-# Qt's headers take half of the time of a file that includes them: they are compiled beforehand. RESULT
-# has the flags of all that use Qt; one flag that differs would have the compiler refuse the headers.
-function(vellmark_precompile_qt result)
+# Qt's headers take half of the time of a file that includes them: they are compiled beforehand, as
+# qt_precompiled. The flags of all that use Qt are qt_flags: were one of them another, the compiler
+# would refuse those headers.
+function(vellmark_precompile_qt)
     vellmark_flags_of(vellmark_app check-libcxx flags)
     set(header ${CMAKE_BINARY_DIR}/check-libcxx/qt.h)
     list(TRANSFORM qt_headers PREPEND "#include ")
@@ -103,15 +104,15 @@ function(vellmark_precompile_qt result)
     file(CONFIGURE OUTPUT ${header} CONTENT "${includes}\n")
     add_custom_command(OUTPUT ${header}.pch
         COMMAND ${VELLMARK_CHECK_COMPILER} -std=c++20 ${check_warnings} ${libcxx_flags} ${flags}
-            -x c++-header ${header} -o ${header}.pch
-        DEPENDS ${header} COMMENT "Compiling Qt's headers with libc++" VERBATIM)
-    set(${result} ${flags} -include-pch ${header}.pch PARENT_SCOPE)
+            -MD -MF ${header}.d -MT ${header}.pch -x c++-header ${header} -o ${header}.pch
+        DEPENDS ${header} DEPFILE ${header}.d COMMENT "Compiling Qt's headers with libc++" VERBATIM)
+    set(qt_flags ${flags} -include-pch ${header}.pch PARENT_SCOPE)
     set(qt_precompiled ${header}.pch PARENT_SCOPE)
 endfunction()
 
 function(vellmark_check_libcxx)
     if(TARGET vellmark_app)
-        vellmark_precompile_qt(qt_flags)
+        vellmark_precompile_qt()
     endif()
     get_property(libraries GLOBAL PROPERTY vellmark_libraries)
     foreach(library IN LISTS libraries)
