@@ -40,9 +40,11 @@ public:
     virtual void reload() = 0;
 
     /// Why the last change is not on disk (full, read-only …), or why the settings could not be
-    /// read; absent otherwise. The values hold for this run all the same, and the next change tries
-    /// again to write everything.
+    /// read; absent otherwise. The values hold for this run all the same, and the next change and
+    /// `retry` try again to write everything.
     virtual std::optional<std::error_code> writeError() const = 0;
+    /// Tries again what `writeError` tells of; costs nothing when that is nothing.
+    virtual void retry() = 0;
 };
 
 /// The settings of the user: CFPreferences on macOS, "Vellmark/preferences.json" below the

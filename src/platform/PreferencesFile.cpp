@@ -88,6 +88,14 @@ public:
         return error_ ? std::optional(error_) : std::nullopt;
     }
 
+    void retry() override {
+        if (!unsaved_.empty()) {
+            save();
+        } else if (error_) {
+            error_ = read();
+        }
+    }
+
 private:
     const Document* find(std::string_view key) const {
         const auto found = document_.find(key);
@@ -109,6 +117,10 @@ private:
             });
         }
         unsaved_.push_back(std::move(change));
+        save();
+    }
+
+    void save() {
         std::error_code refusal;
         const auto held = lock_.acquire(refusal);
         error_ = read();

@@ -337,6 +337,7 @@ void AgentUsageStore::State::begin(RefreshTrigger trigger,
         run = std::make_unique<RefreshRun>(trigger, now(), fetcher, executor, std::move(callbacks));
         startReading(trigger, ids);
     });
+    preferences.retry();
     noteSettings();
 }
 

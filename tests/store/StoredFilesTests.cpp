@@ -259,6 +259,8 @@ TEST_F(StoredFiles, SettingsThatCannotBeWrittenAreTold) {
     EXPECT_EQ(state().unwritten->file.filename(), "preferences.json");
     EXPECT_FALSE(state().enabledProviderIDs.contains(claude->id())) << "for this run";
     std::filesystem::remove(directory / "preferences.json");
+    readCodex(10);
+    EXPECT_FALSE(state().unwritten) << "each refresh tries again";
     store->setEnabled(codex->id(), false);
     EXPECT_EQ(preferences->strings("DisabledProviders")->size(), 2u);
     EXPECT_FALSE(preferences->writeError());

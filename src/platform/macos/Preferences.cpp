@@ -102,6 +102,12 @@ public:
 
     std::optional<std::error_code> writeError() const override { return error_; }
 
+    void retry() override {
+        if (error_) {
+            synchronize();
+        }
+    }
+
 private:
     CFOwner<CFTypeRef> copy(std::string_view key, CFTypeID type) const {
         const auto name = makeCFString(key);
@@ -116,11 +122,15 @@ private:
             return;
         }
         CFPreferencesSetAppValue(name.get(), value, application_.get());
+        synchronize();
+        notify_post(changeName_.c_str());
+    }
+
+    void synchronize() {
         // The system does not say what went wrong.
         error_ = CFPreferencesAppSynchronize(application_.get())
                      ? std::nullopt
                      : std::optional(std::make_error_code(std::errc::io_error));
-        notify_post(changeName_.c_str());
     }
 
     /// The bundle's identifier by name: the terminal program is in no bundle, and its "current
