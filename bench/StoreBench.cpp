@@ -235,6 +235,7 @@ public:
     void remove(std::string_view) override {}
     void reload() override {}
     std::optional<std::error_code> writeError() const override { return {}; }
+    void retry() override {}
 };
 
 double processSeconds() {

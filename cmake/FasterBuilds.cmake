@@ -1,7 +1,7 @@
 # What makes a build of everything faster and one of a change slower: headers that are precompiled
 # (continuous integration, packages, fuzzing), and files that are compiled as one (continuous integration).
 
-# Qt's that most files on Qt include.
+# Of Qt, what most files on it include.
 set(qt_headers <QAbstractButton> <QApplication> <QKeyEvent> <QLabel> <QMouseEvent> <QPainter>
     <QPainterPath> <QScreen> <QScrollArea> <QWidget>)
 
@@ -63,6 +63,7 @@ target_compile_options(vellmark_options INTERFACE
 function(vellmark_names_in file result)
     set(definition "^[A-Za-z]([A-Za-z0-9_<>,&* ]|::)* ([A-Za-z0-9]+)( =|{| {| :|\\(|\\[).*")
     file(STRINGS ${file} names REGEX "${definition}")
+    string(REGEX REPLACE "[][]" "(" names "${names}") # within brackets a list has no items
     list(FILTER names EXCLUDE REGEX "^namespace ")
     list(TRANSFORM names REPLACE " final" "")
     list(TRANSFORM names REPLACE "${definition}" "\\2")
@@ -76,10 +77,13 @@ function(vellmark_unite target)
     get_target_property(sources ${target} SOURCES)
     list(FILTER sources INCLUDE REGEX "\\.cpp$")
     foreach(source IN LISTS sources)
-        if(NOT EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${source})
-            continue() # it is generated
+        cmake_path(ABSOLUTE_PATH source NORMALIZE OUTPUT_VARIABLE file)
+        cmake_path(IS_PREFIX CMAKE_BINARY_DIR ${file} is_generated)
+        if(is_generated)
+            continue()
         endif()
-        vellmark_names_in(${source} names)
+        set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
+        vellmark_names_in(${file} names)
         set(group 0)
         while(TRUE)
             set(others ${names_in_${group}})

@@ -105,7 +105,7 @@ function(vellmark_precompile_qt)
     add_custom_command(OUTPUT ${header}.pch
         COMMAND ${VELLMARK_CHECK_COMPILER} -std=c++20 ${check_warnings} ${libcxx_flags} ${flags}
             -MD -MF ${header}.d -MT ${header}.pch -x c++-header ${header} -o ${header}.pch
-        DEPENDS ${header} DEPFILE ${header}.d COMMENT "Compiling Qt's headers with libc++" VERBATIM)
+        DEPENDS ${header} ${CMAKE_BINARY_DIR}/check-libcxx/vellmark_app.txt DEPFILE ${header}.d COMMENT "Compiling Qt's headers with libc++" VERBATIM)
     set(qt_flags ${flags} -include-pch ${header}.pch PARENT_SCOPE)
     set(qt_precompiled ${header}.pch PARENT_SCOPE)
 endfunction()

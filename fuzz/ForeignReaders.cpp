@@ -295,6 +295,7 @@ public:
     void removeAll() { values_.clear(); }
     void reload() override {}
     std::optional<std::error_code> writeError() const override { return std::nullopt; }
+    void retry() override {}
 
 private:
     using Value = std::variant<bool, double, std::string, std::vector<std::string>>;

@@ -60,7 +60,7 @@ SettingsPageState SettingsPageModel::state() const {
                             .change = changedLines(statusLine_->before, statusLine_->after)};
     }
     state.commandTool = commandTool();
-    state.trouble = trouble_;
+    state.trouble = trouble_.empty() ? unsaved() : trouble_;
     return state;
 }
 
@@ -237,11 +237,15 @@ void SettingsPageModel::finish(const std::optional<SettingRefusal>& refusal) {
     trouble_.clear();
     if (refusal) {
         trouble_ = refusal->text(sources_.words());
-    } else if (const auto error = sources_.preferences.writeError()) {
-        trouble_ = sources_.words().format("settings.notSaved",
-                                           {systemErrorText(*error, sources_.words())});
     }
     sources_.changed();
+}
+
+std::string SettingsPageModel::unsaved() const {
+    const auto error = sources_.preferences.writeError();
+    return error ? sources_.words().format("settings.notSaved",
+                                           {systemErrorText(*error, sources_.words())})
+                 : std::string();
 }
 
 } // namespace vellmark

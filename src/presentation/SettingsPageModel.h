@@ -69,10 +69,13 @@ private:
     void changeCommandTool(bool isOn);
     /// Takes the last change over, tells why it does not hold, if it does not, and shows what does.
     void finish(const std::optional<SettingRefusal>& refusal = std::nullopt);
+    /// Why changes are not on disk; empty when they are.
+    std::string unsaved() const;
 
     Sources sources_;
     SettingsCatalog catalog_;
     AgentSettings agents_;
+    /// Why what was asked for last was not done; may be empty.
     std::string trouble_;
     std::optional<std::uintmax_t> dataSize_;
     /// What the user was shown of Claude Code's settings; absent when there is nothing to change.

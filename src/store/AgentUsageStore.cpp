@@ -239,24 +239,29 @@ void AgentUsageStore::State::note(std::vector<ActivityEntry> entries) {
 }
 
 void AgentUsageStore::State::noteTrouble(StoreFiles::File file, const StorageTrouble::News& news) {
-    // A full disk fails every file: one entry says so, and one that it is over.
     using Kind = StorageTrouble::Kind;
-    const bool failedBefore = !failingFiles.empty();
+    const auto isOf = [](Kind kind) {
+        return [kind](const auto& failing) { return failing.second.kind == kind; };
+    };
+    // A full disk fails every file: one entry says so, and one that it is over.
+    bool isTold = true;
     if (news.kind == Kind::recovered) {
-        failingFiles.erase(file);
+        isTold =
+            failingFiles.erase(file) > 0 && std::ranges::all_of(failingFiles, isOf(Kind::foreign));
     } else if (StorageTrouble::lasts(news.kind)) {
+        isTold =
+            news.kind != Kind::failed || std::ranges::none_of(failingFiles, isOf(Kind::failed));
         failingFiles.insert_or_assign(file, news);
     }
-    const bool isTold = news.kind == Kind::failed      ? !failedBefore
-                        : news.kind == Kind::recovered ? failedBefore && failingFiles.empty()
-                                                       : true;
+    // What fails now counts more than a history that is left alone for good.
+    const auto failed = std::ranges::find_if(failingFiles, isOf(Kind::failed));
+    const auto worst = failed != failingFiles.end() ? failed : failingFiles.begin();
     ActivityEntry entry = ActivityTexts::storageTrouble(news, words());
     if (isTold && news.kind != Kind::recovered) {
         config.storageTrouble(entry.text);
     }
     observers.around([&] {
-        state.unwritten =
-            failingFiles.empty() ? std::nullopt : std::optional(failingFiles.begin()->second);
+        state.unwritten = worst != failingFiles.end() ? std::optional(worst->second) : std::nullopt;
         if (isTold) {
             note(std::move(entry));
         }
@@ -337,8 +342,6 @@ void AgentUsageStore::State::begin(RefreshTrigger trigger,
         run = std::make_unique<RefreshRun>(trigger, now(), fetcher, executor, std::move(callbacks));
         startReading(trigger, ids);
     });
-    preferences.retry();
-    noteSettings();
 }
 
 void AgentUsageStore::State::join(RefreshTrigger trigger, const std::vector<AgentProviderID>& ids) {
@@ -553,6 +556,8 @@ void AgentUsageStore::refresh(RefreshTrigger trigger, const std::vector<AgentPro
     if (!d_->mayStart(trigger)) {
         return;
     }
+    d_->preferences.retry();
+    d_->noteSettings();
     const auto asked = d_->askedFor(trigger, agents);
     const bool asksForAll = agents.empty() || asked.size() == d_->state.enabledProviderIDs.size();
     d_->isOfAllAgents = asksForAll || (d_->run && d_->isOfAllAgents);
@@ -643,6 +648,7 @@ void AgentUsageStore::takeSettings() {
             }
         }
     }
+    d_->noteSettings();
     d_->finishIfDone();
     if (!toRead.empty()) {
         refresh(RefreshTrigger::settings, toRead);

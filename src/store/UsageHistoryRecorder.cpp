@@ -142,6 +142,7 @@ std::error_code UsageHistoryRecorder::deleteAll() {
         }
     }
     heldBack_.clear();
+    trouble_.worked();
     catchUp(&*held);
     return {};
 }

@@ -285,7 +285,7 @@ TEST_F(SettingsPageTest, SaysWhenAChangeIsNotOnDisk) {
     EXPECT_EQ(std::get<SettingChoices>(row("appearance").control).current, "dark");
     EXPECT_THAT(content().trouble, HasSubstr("could not be saved"));
     std::filesystem::remove(directory / "blocked");
-    actions.change("appearance", "light");
+    preferences->retry();
     EXPECT_THAT(content().trouble, IsEmpty());
 }
 

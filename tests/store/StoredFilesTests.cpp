@@ -267,6 +267,27 @@ TEST_F(StoredFiles, SettingsThatCannotBeWrittenAreTold) {
     EXPECT_FALSE(state().unwritten);
 }
 
+TEST_F(StoredFiles, WhatFailsIsToldBesideAHistoryThatIsLeftAlone) {
+    writeFile(machine.usageHistoryFile(), R"({"version":2})");
+    makeStore();
+    settle();
+    ASSERT_TRUE(state().unwritten);
+    EXPECT_EQ(state().unwritten->kind, StorageTrouble::Kind::foreign);
+    troubles.clear();
+    std::filesystem::rename(directory / "Vellmark", directory / "aside");
+    directory.write("Vellmark", "a file where the folder should be");
+    readCodex(10);
+    settle();
+    EXPECT_EQ(state().unwritten->kind, StorageTrouble::Kind::failed);
+    EXPECT_EQ(troubles.size(), 1u);
+    std::filesystem::remove(directory / "Vellmark");
+    std::filesystem::rename(directory / "aside", directory / "Vellmark");
+    readCodex(20);
+    settle();
+    EXPECT_EQ(state().unwritten->kind, StorageTrouble::Kind::foreign);
+    EXPECT_EQ(complaints(), 1u);
+}
+
 TEST_F(StoredFiles, ADirectoryThatCannotBeWrittenCostsOneEntryAndNoFigures) {
     directory.write("Vellmark", "a file where the folder should be");
     makeStore();

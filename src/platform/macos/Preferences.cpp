@@ -123,7 +123,6 @@ private:
         }
         CFPreferencesSetAppValue(name.get(), value, application_.get());
         synchronize();
-        notify_post(changeName_.c_str());
     }
 
     void synchronize() {
@@ -131,6 +130,7 @@ private:
         error_ = CFPreferencesAppSynchronize(application_.get())
                      ? std::nullopt
                      : std::optional(std::make_error_code(std::errc::io_error));
+        notify_post(changeName_.c_str());
     }
 
     /// The bundle's identifier by name: the terminal program is in no bundle, and its "current

@@ -13,7 +13,7 @@ namespace vellmark::kit {
 class Button;
 class Label;
 
-/// One message in at most two lines with a mark and at most one button, on a wash of its kind.
+/// One message in a few lines with a mark and at most one button, on a wash of its kind.
 class Notice : public QWidget, public Spoken {
 public:
     enum class Kind { neutral, attention, critical };

@@ -15,7 +15,8 @@ class ScrollArea;
 class AgentSummaryCard;
 class NoAgentsHint;
 
-/// The main window's overview: what is worst in one sentence, and a card per agent.
+/// The main window's overview: what is worst in one sentence, why files are not written, and a card
+/// per agent.
 class OverviewPage : public WindowPage {
 public:
     OverviewPage(const AgentUIActions& actions, QWidget* parent);
