@@ -556,8 +556,6 @@ void AgentUsageStore::refresh(RefreshTrigger trigger, const std::vector<AgentPro
     if (!d_->mayStart(trigger)) {
         return;
     }
-    d_->preferences.retry();
-    d_->noteSettings();
     const auto asked = d_->askedFor(trigger, agents);
     const bool asksForAll = agents.empty() || asked.size() == d_->state.enabledProviderIDs.size();
     d_->isOfAllAgents = asksForAll || (d_->run && d_->isOfAllAgents);
@@ -566,6 +564,9 @@ void AgentUsageStore::refresh(RefreshTrigger trigger, const std::vector<AgentPro
     } else if (!asked.empty()) {
         d_->begin(trigger, asked);
     }
+    // Not before: who waits for the end of the refresh would take what is published for it.
+    d_->preferences.retry();
+    d_->noteSettings();
 }
 
 void AgentUsageStore::abortRefresh() {
