@@ -342,8 +342,9 @@ TEST(BoundedProcess, ManyRunsHoldOnToNothing) {
     for (int count = 0; count < 300; ++count) {
         runShell(count % 50 == 0 ? "exec sleep 9" : "echo text", Seconds(count % 50 == 0 ? 0 : 60));
     }
-    EXPECT_EQ(openDescriptorCount(), descriptors);
-    EXPECT_EQ(threadCount(), threads);
+    // What watches a child may be let go a moment after its run, the first one's too.
+    EXPECT_TRUE(becomesTrue([=] { return openDescriptorCount() <= descriptors; }));
+    EXPECT_TRUE(becomesTrue([=] { return threadCount() <= threads; }));
     EXPECT_EQ(livingChildCount(), 0u);
     EXPECT_FALSE(hasZombieChild());
 }
