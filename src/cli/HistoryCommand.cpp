@@ -17,10 +17,9 @@
 #include "store/OrderedHistory.h"
 #include "store/UsageHistory.h"
 #include "text/Dates.h"
+#include "text/DecimalNumber.h"
 #include "text/Formatting.h"
 #include "text/TerminalText.h"
-
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cerrno>
@@ -114,7 +113,7 @@ void writeCSV(const HistorySource& source, TerminalOutput& output) {
         stream << isoText(sample.capturedAt) << ","
                << csvField(singleLine(std::string(sample.provider))) << ","
                << csvField(singleLine(std::string(sample.windowID))) << ","
-               << nlohmann::json(sample.usedPercent).dump() << ","
+               << decimalText(sample.usedPercent) << ","
                << (sample.resetsAt ? isoText(*sample.resetsAt) : std::string()) << "\n";
     });
 }

@@ -1,6 +1,8 @@
 #include "presentation/HistoryExport.h"
 
+#include "text/BoundedJSON.h"
 #include "text/Dates.h"
+#include "text/DecimalNumber.h"
 #include "text/TerminalText.h"
 
 #include <nlohmann/json.hpp>
@@ -37,9 +39,8 @@ std::string csvText(const std::vector<Row>& rows, const AgentProviderID& agent) 
     for (const Row& row : rows) {
         const auto resetsAt = row.point.resetsAt();
         text += isoText(row.point.capturedAt) + "," + csvField(singleLine(agent.rawValue)) + "," +
-                csvField(singleLine(row.windowID)) + "," +
-                nlohmann::json(row.point.usedPercent).dump() + "," +
-                (resetsAt ? isoText(*resetsAt) : std::string()) + "\n";
+                csvField(singleLine(row.windowID)) + "," + decimalText(row.point.usedPercent) +
+                "," + (resetsAt ? isoText(*resetsAt) : std::string()) + "\n";
     }
     return text;
 }
@@ -47,15 +48,14 @@ std::string csvText(const std::vector<Row>& rows, const AgentProviderID& agent) 
 std::string jsonText(const std::vector<Row>& rows, const AgentProviderID& agent) {
     std::string text = "[";
     for (const Row& row : rows) {
-        nlohmann::ordered_json sample{{"capturedAt", isoText(row.point.capturedAt)},
-                                      {"provider", agent.rawValue},
-                                      {"windowID", row.windowID},
-                                      {"usedPercent", row.point.usedPercent}};
+        JSON sample{{"capturedAt", isoText(row.point.capturedAt)},
+                    {"provider", agent.rawValue},
+                    {"windowID", row.windowID},
+                    {"usedPercent", row.point.usedPercent}};
         if (const auto resetsAt = row.point.resetsAt()) {
             sample["resetsAt"] = isoText(*resetsAt);
         }
-        text += (text.size() == 1 ? "\n" : ",\n") +
-                sample.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+        text += (text.size() == 1 ? "\n" : ",\n") + serialized(sample, -1);
     }
     return text + "\n]\n";
 }

@@ -2,9 +2,8 @@
 
 #include "presentation/AgentStanding.h"
 #include "store/ReadingTime.h"
+#include "text/DecimalNumber.h"
 #include "text/TerminalText.h"
-
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -37,11 +36,6 @@ std::string labelValue(const std::string& text) {
         escaped += character;
     }
     return escaped;
-}
-
-/// The shortest text of a number that is this number again.
-std::string number(double value) {
-    return nlohmann::json(value).dump();
 }
 
 /// Seconds since 1970, to the millisecond.
@@ -164,9 +158,9 @@ std::string sample(const MetricFamily& family, const Labels& labels, double valu
         }
         line += std::string(name) + "=\"" + labelValue(text) + '"';
     }
-    line += "} " + number(value);
+    line += "} " + decimalText(value);
     if (time) {
-        line += " " + number(timestamp(*time));
+        line += " " + decimalText(timestamp(*time));
     }
     return line + "\n";
 }

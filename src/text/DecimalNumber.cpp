@@ -1,5 +1,9 @@
 #include "text/DecimalNumber.h"
 
+#include "text/BoundedJSON.h"
+
+#include <nlohmann/json.hpp>
+
 #include <locale>
 #include <sstream>
 #include <string>
@@ -51,6 +55,10 @@ std::optional<double> parseDecimal(std::string_view text) {
     stream.imbue(std::locale::classic());
     double value = 0;
     return stream >> value ? std::optional(value) : std::nullopt;
+}
+
+std::string decimalText(double value) {
+    return JSON(value).dump();
 }
 
 } // namespace vellmark
