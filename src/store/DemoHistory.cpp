@@ -1,15 +1,13 @@
 #include "store/DemoHistory.h"
 
-#include "model/UsageHistorySample.h"
-#include "model/UsageJSON.h"
+#include "model/UUID.h"
 #include "text/Dates.h"
-
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -118,15 +116,23 @@ private:
     std::mt19937 random_;
 };
 
+/// Not negative, to three decimals.
+std::string decimal(double value) {
+    constexpr std::size_t decimals = 3;
+    std::string digits = std::to_string(std::llround(value * 1000));
+    digits.insert(0, decimals + 1 - std::min(digits.size(), decimals + 1), '0');
+    return digits.insert(digits.size() - decimals, 1, '.');
+}
+
+/// Without a document for each: thousands of them would be half of the time to the first picture.
 std::string line(const DemoSample& sample) {
-    return serialized(
-        toJSON(UsageHistorySample{.id = UUID::make(),
-                                  .provider = AgentProviderID(sample.window->provider),
-                                  .windowID = sample.window->id,
-                                  .capturedAt = sample.capturedAt,
-                                  .usedPercent = sample.usedPercent,
-                                  .resetsAt = sample.resetsAt}),
-        -1);
+    std::string text = R"({"id":")" + UUID::make().text();
+    text += std::string(R"(","provider":")") + sample.window->provider;
+    text += std::string(R"(","windowID":")") + sample.window->id;
+    text += R"(","capturedAt":)" + decimal(sample.capturedAt.time_since_epoch().count());
+    text += R"(,"usedPercent":)" + decimal(sample.usedPercent);
+    text += R"(,"resetsAt":)" + decimal(sample.resetsAt.time_since_epoch().count());
+    return text + "}";
 }
 
 } // namespace
@@ -138,8 +144,8 @@ void writeDemoHistory(const Machine& machine, Instant now) {
     }
     std::ranges::stable_sort(samples, {}, &DemoSample::capturedAt);
 
-    // Sample by sample: as one document it would take megabytes, which the C library keeps. Nothing
-    // is synced: the file goes with the demo.
+    // Sample by sample: as one text it would take a megabyte, which the C library keeps. Nothing is
+    // synced: the file goes with the demo.
     std::filesystem::create_directories(machine.supportDirectory());
     std::ofstream file(machine.usageHistoryFile());
     file << '[';
