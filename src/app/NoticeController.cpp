@@ -4,7 +4,6 @@
 #include "platform/ContinuousClock.h"
 #include "presentation/NoticeTexts.h"
 #include "store/ActivityTexts.h"
-#include "text/SystemErrorText.h"
 #include "ui/GlyphPainter.h"
 
 #include <QIcon>
@@ -173,12 +172,8 @@ void NoticeController::keep() {
     const std::error_code error =
         writeNoticeMemory(memoryFile(sources_.machine), notices_.memory());
     if (const bool isNew = error && !keepError_; std::exchange(keepError_, error), isNew) {
-        const Localization& words = sources_.words();
-        sources_.store.logActivity(
-            ActivityTexts::entry(ActivityEntry::Level::error, std::nullopt, "log.storage.failed",
-                                 {memoryFile(sources_.machine).filename().string() + ": " +
-                                  systemErrorText(error, words)},
-                                 words));
+        sources_.store.logActivity(ActivityTexts::storageTrouble(
+            {.error = error, .file = memoryFile(sources_.machine)}, sources_.words()));
     }
 }
 

@@ -196,6 +196,15 @@ JSON wholeSecondsArgument(Seconds span) {
     return argument("wholeSeconds", std::llround(span.count()));
 }
 
+/// With the file's name, unless it is a matter of its whole disk.
+JSON storageReason(const StorageTrouble::News& news) {
+    constexpr std::array ofTheDisk{std::errc::no_space_on_device, std::errc::read_only_file_system};
+    const bool isOfTheDisk =
+        std::ranges::any_of(ofTheDisk, [&](std::errc each) { return news.error == each; });
+    return argument("systemReason", (isOfTheDisk ? "" : news.file.filename().string() + ": ") +
+                                        news.error.message());
+}
+
 JSON triggerArgument(RefreshTrigger trigger) {
     switch (trigger) {
     case RefreshTrigger::launch:
@@ -443,8 +452,7 @@ ActivityEntry storageTrouble(const StorageTrouble::News& news, const Localizatio
     };
     switch (news.kind) {
     case StorageTrouble::Kind::failed:
-        return about(Level::error, "log.storage.failed",
-                     JSON::array({argument("systemReason", news.error.message())}));
+        return about(Level::error, "log.storage.failed", JSON::array({storageReason(news)}));
     case StorageTrouble::Kind::inTheWay:
         return about(Level::error, "log.storage.inTheWay", JSON::array({news.file.string()}));
     case StorageTrouble::Kind::recovered:

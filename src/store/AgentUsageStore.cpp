@@ -243,14 +243,20 @@ void AgentUsageStore::State::noteTrouble(StoreFiles::File file, const StorageTro
     const auto isOf = [](Kind kind) {
         return [kind](const auto& failing) { return failing.second.kind == kind; };
     };
-    // A full disk fails every file: one entry says so, and one that it is over.
-    bool isTold = true;
+    const auto failsAlike = [&](const auto& failing) { return failing.second.error == news.error; };
+    // A full disk fails every file: one entry says so, one when it is for another reason, and one
+    // that it is over.
+    bool isTold = !news.isRepeated;
     if (news.kind == Kind::recovered) {
         isTold =
             failingFiles.erase(file) > 0 && std::ranges::all_of(failingFiles, isOf(Kind::foreign));
     } else if (StorageTrouble::lasts(news.kind)) {
-        isTold =
-            news.kind != Kind::failed || std::ranges::none_of(failingFiles, isOf(Kind::failed));
+        const auto earlier = failingFiles.find(file);
+        const bool isAnotherReason = earlier != failingFiles.end() &&
+                                     earlier->second.kind == Kind::failed &&
+                                     std::ranges::none_of(failingFiles, failsAlike);
+        isTold &= news.kind != Kind::failed || isAnotherReason ||
+                  std::ranges::none_of(failingFiles, isOf(Kind::failed));
         failingFiles.insert_or_assign(file, news);
     }
     // What fails now counts more than a history that is left alone for good.

@@ -8,11 +8,12 @@
 #include <string>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 namespace vellmark {
 
-/// Notices when writing a file begins to fail and when it works again, so that each is told once
-/// and not at every attempt.
+/// Notices when writing a file begins to fail, when it fails for another reason and when it works
+/// again, so that each is told once and not at every attempt.
 class StorageTrouble {
 public:
     enum class Kind {
@@ -32,6 +33,7 @@ public:
         std::error_code error;
         std::filesystem::path file;
         std::string part;
+        bool isRepeated = false; ///< it was the reason before another one, which is over
         bool operator==(const News&) const = default;
     };
 
@@ -52,7 +54,7 @@ public:
         news_.push_back({Kind::undecoded, {}, file_, std::move(part)});
     }
     void worked() {
-        if (std::exchange(lasts_, false)) {
+        if (!std::exchange(lasting_, {}).empty()) {
             news_.push_back({Kind::recovered, {}, file_, {}});
         }
     }
@@ -69,13 +71,17 @@ public:
 
 private:
     void begin(News news) {
-        if (!std::exchange(lasts_, true)) {
-            news_.push_back(std::move(news));
+        if (!lasting_.empty() && lasting_.back() == news) {
+            return;
         }
+        const bool isRepeated = std::erase(lasting_, news) > 0;
+        lasting_.push_back(news);
+        news.isRepeated = isRepeated;
+        news_.push_back(std::move(news));
     }
 
     std::filesystem::path file_;
-    bool lasts_ = false;
+    std::vector<News> lasting_; ///< the reasons since writing last worked, the present one last
     std::deque<News> news_;
 };
 

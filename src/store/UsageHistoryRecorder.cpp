@@ -167,15 +167,19 @@ bool UsageHistoryRecorder::catchUp(const FileLock* held) {
     }
     takeOver();
     switch (status.state) {
-    case UsageHistoryFile::State::writable:
-        return true;
     case UsageHistoryFile::State::repaired:
         trouble_.repaired(status.aside);
+        [[fallthrough]];
+    case UsageHistoryFile::State::writable:
+        if (std::exchange(isUnreadable_, false)) {
+            trouble_.worked(); // there may be nothing to write for hours
+        }
         return true;
     case UsageHistoryFile::State::damaged:
     case UsageHistoryFile::State::unreadable:
         if (status.error) {
             trouble_.failed(status.error);
+            isUnreadable_ = true;
         }
         return false;
     case UsageHistoryFile::State::foreign:

@@ -60,6 +60,7 @@ private:
     /// What the file is telling anew, until it is complete.
     std::unique_ptr<HistorySeries> reloaded_;
     StorageTrouble trouble_;
+    bool isUnreadable_ = false; ///< and that is told
 };
 
 } // namespace vellmark

@@ -164,13 +164,14 @@ TEST_F(PreferencesTest, NewChangesWaitBehindOlderOnesThatCannotBeHadNow) {
 
 TEST_F(PreferencesTest, TellsARunningProgramOfChanges) {
     Machine machine;
-    machine.configuration = directory_.path();
+    machine.root = machine.configuration = directory_.path();
     tests::PollLoop loop;
     int changes = 0;
     const auto watch = watchPreferences(loop, machine, [&] { ++changes; });
     ASSERT_TRUE(watch);
-    const auto desktop = open();
-    open()->setString("AppLanguage", "fr");
+    const auto desktop = makePreferences(machine);
+    const auto terminal = makePreferences(machine);
+    terminal->setString("AppLanguage", "fr");
     ASSERT_TRUE(loop.turnUntil([&] { return changes > 0; }));
     EXPECT_FALSE(desktop->string("AppLanguage"));
     desktop->reload();
@@ -182,11 +183,17 @@ TEST_F(PreferencesTest, TellsARunningProgramOfChanges) {
     EXPECT_EQ(changes, before) << "others' files are no business of ours";
     {
         const auto held = hold();
-        open()->setString("AppLanguage", "it");
+        terminal->setString("AppLanguage", "it");
     }
     ASSERT_TRUE(loop.turnUntil([&] { return changes > before; })) << "also one that waits";
     desktop->reload();
     EXPECT_EQ(desktop->string("AppLanguage"), "it");
+#ifndef __APPLE__
+    loop.turn(std::chrono::milliseconds(0));
+    const int beforeRights = changes;
+    fs::permissions(file_, fs::perms(0640));
+    EXPECT_TRUE(loop.turnUntil([&] { return changes > beforeRights; })) << "it may be readable now";
+#endif
 }
 
 TEST_F(PreferencesTest, WhatCannotBeWrittenHoldsForTheRunAndIsTriedAgain) {

@@ -280,12 +280,22 @@ TEST_F(StoredFiles, WhatFailsIsToldBesideAHistoryThatIsLeftAlone) {
     settle();
     EXPECT_EQ(state().unwritten->kind, StorageTrouble::Kind::failed);
     EXPECT_EQ(troubles.size(), 1u);
+
+    std::filesystem::remove(directory / "Vellmark");
+    std::filesystem::create_directory_symlink(std::string(300, 'x'), directory / "Vellmark");
+    readCodex(15);
+    EXPECT_EQ(state().unwritten->error, std::errc::filename_too_long);
+    EXPECT_EQ(troubles.size(), 2u) << "another reason, once for all files";
+    EXPECT_NE(troubles.back().find("activity.log: "), std::string::npos)
+        << "which file: " << troubles.back();
+
     std::filesystem::remove(directory / "Vellmark");
     std::filesystem::rename(directory / "aside", directory / "Vellmark");
     readCodex(20);
     settle();
     EXPECT_EQ(state().unwritten->kind, StorageTrouble::Kind::foreign);
-    EXPECT_EQ(complaints(), 1u);
+    EXPECT_EQ(complaints(), 2u);
+    EXPECT_EQ(troubles.size(), 2u) << "the history was left alone before";
 }
 
 TEST_F(StoredFiles, ADirectoryThatCannotBeWrittenCostsOneEntryAndNoFigures) {

@@ -243,6 +243,20 @@ TEST_F(HistoryFile, ALinkInItsPlaceIsReadButNeverWritten) {
     EXPECT_EQ(decoded().size(), 3u);
 }
 
+TEST_F(HistoryFile, ThatCanBeReadAgainIsNoTroubleAnyMoreThoughThereIsNothingToWrite) {
+    Program running = recordOnce(10);
+    fs::rename(path, directory / "aside");
+    fs::create_directory(path);
+    EXPECT_FALSE(running.record(20, 10));
+    EXPECT_TRUE(running.recorder.trouble().takeNews());
+    fs::remove(path);
+    fs::rename(directory / "aside", path);
+    EXPECT_FALSE(running.record(30, 10));
+    const auto news = running.recorder.trouble().takeNews();
+    ASSERT_TRUE(news);
+    EXPECT_EQ(news->kind, StorageTrouble::Kind::recovered);
+}
+
 TEST_F(HistoryFile, TheUsersModeStays) {
     UsageHistoryFile file(path);
     append(file, samples(1));

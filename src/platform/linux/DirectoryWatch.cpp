@@ -15,8 +15,9 @@ namespace {
 /// Closed when none of the directories can be looked at.
 Descriptor openDirectoryEvents(const std::vector<std::filesystem::path>& directories,
                                NewFiles newFiles) {
-    const std::uint32_t wanted =
-        IN_MOVED_TO | IN_CLOSE_WRITE | IN_DELETE | (newFiles == NewFiles::atOnce ? IN_CREATE : 0);
+    // Of attributes too: settings that nobody was allowed to read may be readable now.
+    const std::uint32_t wanted = IN_MOVED_TO | IN_CLOSE_WRITE | IN_DELETE | IN_ATTRIB |
+                                 (newFiles == NewFiles::atOnce ? IN_CREATE : 0);
     Descriptor events(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
     bool isWatched = false;
     for (const std::filesystem::path& directory : directories) {
