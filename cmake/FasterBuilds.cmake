@@ -22,7 +22,7 @@ if(VELLMARK_PRECOMPILED_HEADERS)
         target_link_libraries(${headers} PRIVATE nlohmann_json::nlohmann_json vellmark_options)
         target_precompile_headers(${headers} PRIVATE <algorithm> <chrono>
             <filesystem> <fstream> <functional> <map> <memory> <optional> <string> <thread>
-            <vector> <nlohmann/json.hpp>)
+            <vector>)
         if(kind MATCHES "test$" AND BUILD_TESTING)
             set_target_properties(${headers} PROPERTIES VELLMARK_IS_TEST ON)
             target_link_libraries(${headers} PRIVATE GTest::gmock)
@@ -37,6 +37,8 @@ if(VELLMARK_PRECOMPILED_HEADERS)
                 ${CMAKE_SOURCE_DIR}/src/presentation/AgentPageContent.h
                 ${CMAKE_SOURCE_DIR}/src/presentation/SettingsPageContent.h
                 ${CMAKE_SOURCE_DIR}/src/ui/Conversions.h)
+        else()
+            target_precompile_headers(${headers} PRIVATE <nlohmann/json.hpp>)
         endif()
     endforeach()
 endif()
@@ -54,8 +56,8 @@ endfunction()
 
 # Files that are compiled as one see each other's names: that one hides another says nothing about
 # either, and g++ takes their unnamed namespaces for those of a header. So a dozen are united at most,
-# and only such as have no name in common. Whether each file would compile alone does not show then:
-# check-libcxx asks that.
+# and only such as have no name in common. Whether each file would compile alone does not show then;
+# a build without this shows it.
 target_compile_options(vellmark_options INTERFACE
     $<$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>:-Wno-shadow;$<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>>)
 

@@ -2,8 +2,8 @@
 #
 #   check-macos    type-checks src/**/macos against cmake/apple-declarations and GNUstep's headers,
 #                  and requires that everything answered in a linux/ folder is answered there too
-#   check-libcxx   compiles each source of the libraries by itself with clang and libc++, the library
-#                  of Apple's tools
+#   check-libcxx   compiles the sources of the libraries with clang and libc++, the library of Apple's
+#                  tools: each by itself, or a dozen as one where the build does so too
 #
 # A target whose compiler or headers are missing says so and succeeds.
 
@@ -125,19 +125,30 @@ function(vellmark_check_libcxx)
             vellmark_flags_of(${library} check-libcxx flags)
             set(check_needs)
         endif()
+        list(FILTER sources INCLUDE REGEX "\\.cpp$")
+        set(groups)
         foreach(source IN LISTS sources)
             cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY ${directory})
-            if(source MATCHES "\\.cpp$")
-                get_source_file_property(own ${source} TARGET_DIRECTORY ${library}
-                    COMPILE_DEFINITIONS)
-                if(own)
-                    list(TRANSFORM own PREPEND -D)
-                else()
-                    set(own)
-                endif()
-                vellmark_check_file(stamps check-libcxx ${source}
-                    ${libcxx_flags} ${flags} ${own})
+            get_source_file_property(own ${source} TARGET_DIRECTORY ${library} COMPILE_DEFINITIONS)
+            get_source_file_property(group ${source} TARGET_DIRECTORY ${library} UNITY_GROUP)
+            if(own)
+                list(TRANSFORM own PREPEND -D)
+            elseif(group MATCHES "^[0-9]+$")
+                list(APPEND groups ${group})
+                string(APPEND includes_of_${group} "#include \"${source}\"\n")
+                continue()
+            else()
+                set(own)
             endif()
+            vellmark_check_file(stamps check-libcxx ${source} ${libcxx_flags} ${flags} ${own})
+        endforeach()
+        list(REMOVE_DUPLICATES groups)
+        foreach(group IN LISTS groups)
+            set(united ${CMAKE_BINARY_DIR}/check-libcxx/${library}-${group}.cpp)
+            file(CONFIGURE OUTPUT ${united} CONTENT "${includes_of_${group}}" @ONLY)
+            unset(includes_of_${group})
+            vellmark_check_file(stamps check-libcxx ${united}
+                ${libcxx_flags} ${flags} -Wno-shadow)
         endforeach()
     endforeach()
     add_custom_target(check-libcxx DEPENDS ${stamps})

@@ -21,23 +21,21 @@ target_compile_definitions(vellmark_options INTERFACE
     VELLMARK_VERSION="${PROJECT_VERSION}" VELLMARK_BUILD="${VELLMARK_BUILD_NUMBER}")
 if(VELLMARK_SANITIZE)
     target_compile_options(vellmark_options INTERFACE
-        -fsanitize=${VELLMARK_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all -g1)
+        -fsanitize=${VELLMARK_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
     target_link_options(vellmark_options INTERFACE -fsanitize=${VELLMARK_SANITIZE})
+endif()
+# The checks of pointers before each use are a quarter of the time to compile, and a wrong pointer
+# shows under the sanitizer of addresses too.
+if(VELLMARK_SANITIZE MATCHES "undefined")
+    target_compile_options(vellmark_options INTERFACE -fno-sanitize=null,alignment,vptr)
 endif()
 
 # The tests' own code runs once and is a third of what has to be compiled: it is not optimised, and
-# has neither the fuzzer's counters nor the checks of pointers that make code largest, of which a
-# wrong one shows under the sanitizer of addresses too.
+# has not the fuzzer's counters.
 set(is_test "$<BOOL:$<TARGET_PROPERTY:VELLMARK_IS_TEST>>")
 target_compile_options(vellmark_options INTERFACE $<$<AND:${is_test},$<CONFIG:Release>>:-O0>)
-if(VELLMARK_SANITIZE MATCHES "undefined")
-    set(unchecked_in_tests null alignment vptr)
-    if(VELLMARK_SANITIZE MATCHES "fuzzer")
-        list(APPEND unchecked_in_tests fuzzer-no-link)
-    endif()
-    list(JOIN unchecked_in_tests "$<COMMA>" unchecked_in_tests)
-    target_compile_options(vellmark_options INTERFACE
-        $<${is_test}:-fno-sanitize=${unchecked_in_tests}>)
+if(VELLMARK_SANITIZE MATCHES "fuzzer")
+    target_compile_options(vellmark_options INTERFACE $<${is_test}:-fno-sanitize=fuzzer-no-link>)
 endif()
 
 # vellmark_library(NAME SOURCES file... USES library...)
@@ -50,13 +48,7 @@ function(vellmark_library name)
     target_include_directories(vellmark_${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
     target_link_libraries(vellmark_${name} PUBLIC ${arg_USES} PRIVATE vellmark_options)
     set_property(GLOBAL APPEND PROPERTY vellmark_libraries vellmark_${name})
-    # What reads the agents' megabytes takes a minute for some tests under a sanitizer otherwise. clang
-    # takes no headers that were precompiled without.
-    if(VELLMARK_SANITIZE AND name MATCHES "^(text|probes)$")
-        target_compile_options(vellmark_${name} PRIVATE -O1)
-    else()
-        vellmark_share_precompiled_headers(vellmark_${name} library ${arg_USES})
-    endif()
+    vellmark_share_precompiled_headers(vellmark_${name} library ${arg_USES})
     vellmark_unite(vellmark_${name})
 endfunction()
 

@@ -124,6 +124,18 @@ configure() {
     }
 }
 
+# first_settings PRESET SETTING...: these, and what makes a build of everything faster, unless that is
+# set up already: whoever works on it may have chosen otherwise. Not on a Mac, where nobody has tried
+# which files go together.
+first_settings() {
+    local preset="$1"
+    shift
+    [ ! -e "$project_directory/build/$preset/build.ninja" ] || return 0
+    echo "$@"
+    [ "$(uname -s)" = Darwin ] ||
+        echo "-DVELLMARK_PRECOMPILED_HEADERS=ON -DVELLMARK_UNITY_BUILD=ON"
+}
+
 # build PRESET [TARGET...]: silent when everything is up to date.
 build() {
     local directory="$project_directory/build/$1"
