@@ -1,4 +1,6 @@
 #include "model/UsageJSON.h"
+#include "support/ProjectDirectories.h"
+#include "support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -70,23 +72,8 @@ std::string sampleFailure(const std::string& member, const std::string& value) {
 } // namespace
 
 TEST(UsageJSON, HasTheDocumentedForm) {
-    EXPECT_EQ(serialized(toJSON(fullSnapshot()), -1),
-              R"({"id":"claude","accountLabel":"someone@example.org","plan":"Claude Max",)"
-              R"("windows":[{"id":"session","usedPercent":11.0,"windowDurationMinutes":300.0,)"
-              R"("resetsAt":786000000.25},{"id":"weekly","usedPercent":42.5,"label":"Opus",)"
-              R"("readAt":785999000.0}],)"
-              R"("balances":[{"id":"credits","amount":16.8,"currencyCode":"USD","limit":20.0},)"
-              R"({"id":"gift","amount":-0.5,"currencyCode":"EUR"}],)"
-              R"("credit":{"line":{"_0":"$3.20 / $50.00 spent"}},)"
-              R"("allowance":{"ordinaryUsageAllowed":false,"reachedType":"weekly",)"
-              R"("bankedResets":2,"bankedResetExpiresAt":786000500.0},)"
-              R"("notes":[{"claudeEndMarkerMissing":{"variant":"v"}},{"claudeTiming":{"waitMs":1,)"
-              R"("startMs":2,"statusMs":3,"usageMs":4,"quietMs":5,"endMs":6}},)"
-              R"({"readingWay":{"way":"query","tookMs":412}},{"ageNotTold":{"version":"2.1.235"}},)"
-              R"({"readingCosts":{}},{"agentSays":{"text":"Usage credits are off"}}],)"
-              R"("source":"stale","updatedAt":785999999.125,)"
-              R"("isIncomplete":true,"mayBeNewer":true,)"
-              R"("error":{"launchFailed":{"_0":"claude","_1":"no such file"}}})");
+    EXPECT_EQ(serialized(toJSON(fullSnapshot())) + "\n",
+              tests::contentOf(tests::sourceFile("tests/model/snapshot.json")));
 }
 
 TEST(UsageJSON, ComesBackAsItWent) {

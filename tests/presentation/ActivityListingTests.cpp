@@ -1,8 +1,7 @@
 #include "AgentNames.h"
 #include "presentation/ActivityListing.h"
 #include "store/ActivityTexts.h"
-
-#include <gmock/gmock.h>
+#include "support/Matchers.h"
 
 #include <algorithm>
 #include <memory>
@@ -10,9 +9,6 @@
 namespace vellmark::tests {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::Not;
 using Level = ActivityEntry::Level;
 
 /// A log that is written while it is shown.
@@ -189,7 +185,7 @@ TEST_F(ActivityRows, SayWhatTheyAreWithoutBeingSeen) {
     const auto said = [this](std::size_t row) {
         return listing.content(listing.rows()[row], noon).accessibilityText;
     };
-    EXPECT_THAT(said(1), ::testing::EndsWith("Folded"));
+    EXPECT_THAT(said(1), EndsWith("Folded"));
     EXPECT_EQ(said(2), "Error. 1:53:00 PM, Claude: no answer");
     EXPECT_EQ(said(0), "Today, November 20");
 }

@@ -1,14 +1,9 @@
 #include "AgentNames.h"
 #include "presentation/AgentPageContent.h"
-
-#include <gmock/gmock.h>
+#include "support/Matchers.h"
 
 namespace vellmark::tests {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::SizeIs;
 
 class AgentsPage : public testing::Test {
 protected:

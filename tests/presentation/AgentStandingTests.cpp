@@ -3,14 +3,11 @@
 #include "presentation/MainWindowContent.h"
 #include "presentation/PopoverContent.h"
 #include "presentation/StatusItemContent.h"
-
-#include <gmock/gmock.h>
+#include "support/Matchers.h"
 
 namespace vellmark::tests {
 namespace {
 
-using testing::HasSubstr;
-using testing::Not;
 using Kind = WindowStanding::Kind;
 
 Instant minutesAfterNoon(double minutes) {
@@ -92,7 +89,7 @@ TEST(AgentStanding, EveryPlaceTellsTheAgeOfOldFigures) {
     state.lastRefreshCompletedAt = now;
     const std::string age = "34 min old";
 
-    EXPECT_THAT(statusItemContent(state, now, english).toolTip, testing::EndsWith(", " + age));
+    EXPECT_THAT(statusItemContent(state, now, english).toolTip, EndsWith(", " + age));
     EXPECT_EQ(verdictLine(state, now, english).text, "Codex critical (34 min old) · as of 2:22 PM");
     const OverviewPageContent overview = overviewPageContent(state, now, english);
     EXPECT_EQ(overview.verdict.subject, "Codex, Session");
@@ -104,8 +101,7 @@ TEST(AgentStanding, EveryPlaceTellsTheAgeOfOldFigures) {
     EXPECT_EQ(entry.accessibilityText, "Codex: Critical. 7% left, " + age);
 
     state.snapshots[0].mayBeNewer = true;
-    EXPECT_THAT(statusItemContent(state, now, english).toolTip,
-                testing::EndsWith(", At most " + age));
+    EXPECT_THAT(statusItemContent(state, now, english).toolTip, EndsWith(", At most " + age));
     state.snapshots[0] = pressing().snapshots[0];
     state.lastSuccess[codex] = minutesAfterNoon(33);
     EXPECT_THAT(statusItemContent(state, now, english).toolTip, Not(HasSubstr("old")));
@@ -131,9 +127,9 @@ TEST(AgentStanding, AUsedUpWindowHoldsTheNarrowerOnes) {
                        window("fable-weekly", 40, week, 3000),
                        window("pool:Gemini Models|5h", 10, fiveHours, 100)})});
     const AgentStanding standing = standingOf(state.snapshots[0], state, noon);
-    const auto is = [](Kind kind) { return testing::Field(&WindowStanding::kind, kind); };
-    EXPECT_THAT(standing.windows, testing::ElementsAre(is(Kind::held), is(Kind::usedUp),
-                                                       is(Kind::held), is(Kind::counts)));
+    const auto is = [](Kind kind) { return Field(&WindowStanding::kind, kind); };
+    EXPECT_THAT(standing.windows,
+                ElementsAre(is(Kind::held), is(Kind::usedUp), is(Kind::held), is(Kind::counts)));
     EXPECT_EQ(standing.windows[0].holder->id, "weekly");
     EXPECT_EQ(standing.windows[0].health, UsageHealth::unavailable);
     EXPECT_EQ(standing.health, UsageHealth::critical);

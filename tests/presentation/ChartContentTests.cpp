@@ -94,18 +94,14 @@ TEST_F(Charts, APauseOfThisAgentAloneKeepsItsOldFigure) {
     EXPECT_EQ(readout->note, "Old figures: could not be read");
     const ChartContent other = draw({.agent = codex, .windowIDs = {"weekly"}});
     EXPECT_TRUE(other.spans.empty());
-}
 
-TEST_F(Charts, AWindowThatItsAgentDidNotTellOfIsNeitherOldNorUnread) {
+    // A window that its agent did not tell of is neither old nor unread.
     state.snapshots[0].windows.push_back(window("session", 10, 5 * 60, 60));
-    addSteadily(claude, "weekly", 6 * day, 4 * day, 30, 2 * day);
-    addSteadily(claude, "weekly", 2 * day, 600, 40, 2 * day);
     addSteadily(claude, "session", 6 * day, 0, 10, 3 * day);
-    addSteadily(codex, "weekly", 6 * day, 0, 10, 3 * day);
-    const ChartContent chart = draw({.agent = claude, .windowIDs = {"weekly"}});
-    EXPECT_TRUE(chart.spans.empty());
-    ASSERT_EQ(chart.lines.size(), 1u);
-    EXPECT_FALSE(valueAt(chart.lines[0].pieces, 1 - 3.0 / 7));
+    const ChartContent untold = draw({.agent = claude, .windowIDs = {"weekly"}});
+    EXPECT_TRUE(untold.spans.empty());
+    ASSERT_EQ(untold.lines.size(), 1u);
+    EXPECT_FALSE(valueAt(untold.lines[0].pieces, 1 - 3.0 / 7));
 }
 
 TEST_F(Charts, OldFiguresEndTheLineAsOld) {

@@ -1,10 +1,10 @@
+#include "AgentNames.h"
 #include "model/UsageProviderErrorCases.h"
 #include "presentation/HelpPageContent.h"
 #include "presentation/MainMenuContent.h"
 #include "presentation/ShortcutText.h"
 #include "probes/ProviderRegistry.h"
-
-#include <gmock/gmock.h>
+#include "support/Matchers.h"
 
 #include <cctype>
 #include <set>
@@ -13,14 +13,6 @@
 
 namespace vellmark::tests {
 namespace {
-
-using ::testing::Contains;
-using ::testing::ContainsRegex;
-using ::testing::Each;
-using ::testing::ElementsAre;
-using ::testing::Field;
-using ::testing::HasSubstr;
-using ::testing::Not;
 
 constexpr const char* languages[] = {"de", "en", "es", "fr", "it"};
 
@@ -35,8 +27,6 @@ std::vector<HelpEntry> entries(const std::vector<HelpGroup>& groups) {
 std::vector<HelpEntry> found(const std::string& query, const Localization& words) {
     return entries(helpPageContent(HelpSection::reading, query, words).groups);
 }
-
-const Localization english("en");
 
 TEST(HelpPageContent, HasMessageAndCureOfEveryFailureInEveryLanguage) {
     for (const char* language : languages) {

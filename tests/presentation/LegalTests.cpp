@@ -4,16 +4,13 @@
 #include "probes/claude/ClaudeUsageProvider.h"
 #include "store/ActivityLog.h"
 #include "store/HistoryThinning.h"
+#include "support/Matchers.h"
 #include "support/TemporaryDirectory.h"
-
-#include <gmock/gmock.h>
 
 #include <string>
 
 namespace vellmark::tests {
 namespace {
-
-using ::testing::HasSubstr;
 
 constexpr LegalDocument documents[] = {LegalDocument::terms, LegalDocument::privacy};
 constexpr const char* languages[] = {"de", "en", "es", "fr", "it"};

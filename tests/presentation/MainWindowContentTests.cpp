@@ -1,14 +1,15 @@
 #include "AgentNames.h"
 #include "presentation/MainWindowContent.h"
-
-#include <gmock/gmock.h>
+#include "support/Matchers.h"
 
 #include <algorithm>
 
 namespace vellmark::tests {
 namespace {
 
-using testing::ElementsAre;
+using Kind = AgentPage::Kind;
+
+const AgentPage codexPage = AgentPage::provider(codex);
 
 UsageState twoAgents() {
     return stateOf(
@@ -38,18 +39,14 @@ TEST(Sidebar, TellsTheLeastThatIsLeft) {
     EXPECT_EQ(sidebarItems(stateOf({failed(codex, failure)}), noon, english)[2].value, "");
 }
 
-TEST(MainWindow, ShowsTheOverviewInThePlaceOfAnAgentThatIsNotShown) {
-    const UsageState state = twoAgents();
-    EXPECT_EQ(shownPage(AgentPage::provider(codex), state), AgentPage::provider(codex));
-    EXPECT_EQ(shownPage(AgentPage::provider(AgentProviderID::antigravity()), state), AgentPage());
-    EXPECT_EQ(shownPage(AgentPage::of(AgentPage::Kind::settings), state),
-              AgentPage::of(AgentPage::Kind::settings));
+VerdictContent verdictOf(const UsageState& state) {
+    return overviewPageContent(state, noon, english).verdict;
 }
 
 TEST(Overview, SaysWhenItWasReadAndWhatIsWorst) {
     UsageState state = twoAgents();
     OverviewPageContent content = overviewPageContent(state, noon, english);
-    EXPECT_THAT(content.head.age, testing::StartsWith("Updated Nov 20, "));
+    EXPECT_THAT(content.head.age, StartsWith("Updated Nov 20, "));
     EXPECT_EQ(content.verdict.tone, UsageHealth::critical);
     EXPECT_EQ(content.verdict.subject, "Claude, Week");
     EXPECT_THAT(content.verdict.text,
@@ -70,20 +67,71 @@ TEST(Overview, SaysWhenItWasReadAndWhatIsWorst) {
     EXPECT_EQ(content.head.age, "Not read yet");
     UsageState first = stateOf({AgentUsageSnapshot{.id = codex}});
     first.lastRefreshCompletedAt.reset();
-    EXPECT_EQ(overviewPageContent(first, noon, english).verdict.text, "No figures yet.");
+    EXPECT_EQ(verdictOf(first).text, "No figures yet.");
     first.isRefreshing = true;
-    EXPECT_EQ(overviewPageContent(first, noon, english).verdict.text, "Reading values …");
+    EXPECT_EQ(verdictOf(first).text, "Reading values …");
     EXPECT_EQ(content.head.refresh.title, "Refreshing …");
 
     EXPECT_TRUE(overviewPageContent(UsageState(), noon, english).noAgents);
     UsageState fine = stateOf({live(codex, {window("session", 22, 300, 87)})});
-    const VerdictContent calm = overviewPageContent(fine, noon, english).verdict;
+    const VerdictContent calm = verdictOf(fine);
     EXPECT_EQ(calm.text, "Everything lasts until its reset.");
     EXPECT_EQ(calm.icon, "checkmark");
     fine.snapshots.front().error = UsageProviderError::timeout("Codex");
-    EXPECT_EQ(overviewPageContent(fine, noon, english).verdict.icon,
-              "exclamationmark.triangle.fill")
+    EXPECT_EQ(verdictOf(fine).icon, "exclamationmark.triangle.fill")
         << "nothing is checked that could not be read";
+}
+
+TEST(AgentPage, ComesBackFromItsStoredForm) {
+    EXPECT_EQ(AgentPage::fromStoredForm(codexPage.storedForm()), codexPage);
+    for (const Kind kind :
+         {Kind::overview, Kind::history, Kind::activity, Kind::settings, Kind::help, Kind::about}) {
+        const AgentPage page = AgentPage::of(kind);
+        EXPECT_EQ(AgentPage::fromStoredForm(page.storedForm()), page) << page.storedForm();
+    }
+    EXPECT_EQ(AgentPage::fromStoredForm("cellar"), AgentPage::of(Kind::overview));
+}
+
+TEST(AgentNavigationState, GoesBackAndForwardAlongTheWayThatWasTaken) {
+    AgentNavigationState navigation;
+    const auto at = [&] { return navigation.selection().storedForm(); };
+    navigation.goBack();
+    navigation.goForward();
+    EXPECT_EQ(at(), "overview");
+    navigation.select(codexPage);
+    navigation.select(codexPage);
+    navigation.select(AgentPage::of(Kind::history));
+    navigation.goBack();
+    EXPECT_EQ(at(), "provider:codex");
+    navigation.goBack();
+    EXPECT_EQ(at(), "overview");
+    navigation.goForward();
+    navigation.goForward();
+    EXPECT_EQ(at(), "history");
+    navigation.goBack();
+    navigation.select(AgentPage::of(Kind::settings));
+    // Another way was taken.
+    navigation.goForward();
+    EXPECT_EQ(at(), "settings");
+}
+
+TEST(AgentNavigationState, LeadsPastPagesThatAreGone) {
+    AgentNavigationState navigation;
+    bool isCodexShown = true;
+    navigation.isShown = [&](const AgentPage& page) { return page != codexPage || isCodexShown; };
+    navigation.select(AgentPage::of(Kind::history));
+    navigation.select(codexPage);
+    isCodexShown = false;
+    navigation.replaceSelection(AgentPage::of(Kind::overview));
+    navigation.select(AgentPage::of(Kind::settings));
+    navigation.select(codexPage);
+    navigation.select(AgentPage::of(Kind::help));
+    navigation.goBack();
+    EXPECT_EQ(navigation.selection(), AgentPage::of(Kind::settings));
+    navigation.goBack();
+    EXPECT_EQ(navigation.selection(), AgentPage::of(Kind::overview));
+    navigation.goBack();
+    EXPECT_EQ(navigation.selection(), AgentPage::of(Kind::history));
 }
 
 } // namespace

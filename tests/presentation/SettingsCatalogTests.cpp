@@ -2,8 +2,7 @@
 #include "probes/ProviderRegistry.h"
 #include "store/AgentSettings.h"
 #include "store/AppSettings.h"
-
-#include <gmock/gmock.h>
+#include "support/Matchers.h"
 
 #include <set>
 
@@ -11,7 +10,6 @@ namespace vellmark::tests {
 namespace {
 
 using State = LaunchAtLoginController::State;
-using testing::ElementsAre;
 
 class SettingsCatalogTest : public SettingsTest {
 protected:
@@ -94,7 +92,7 @@ TEST_F(SettingsCatalogTest, AProgramIsChosenWhenItCanBeRun) {
     EXPECT_THAT(agents.applyExecutables(machine), ElementsAre(AgentProviderID("claude")));
     EXPECT_THAT(agents.applyExecutables(machine), ElementsAre()) << "nothing new";
     EXPECT_EQ(catalog.valueText(*catalog.find("claude-path"), words), "~/my tools/claude");
-    std::filesystem::remove(program);
+    fs::remove(program);
     EXPECT_NE(catalog.valueText(*catalog.find("claude-path"), words), "~/my tools/claude");
     EXPECT_EQ(set("claude-path", "automatic"), "");
     EXPECT_THAT(agents.applyExecutables(machine), ElementsAre(AgentProviderID("claude")));
@@ -124,7 +122,7 @@ TEST_F(SettingsCatalogTest, AMovedProgramIsRegisteredAnew) {
     login.setEnabled(true);
     loginItem.program = "/opt/new/vellmark-desktop";
     EXPECT_EQ(login.followMove(), std::nullopt) << "both are there: this is another copy";
-    std::filesystem::remove(old);
+    fs::remove(old);
     EXPECT_EQ(login.followMove(), (LaunchAtLoginController::Move{old, loginItem.program}));
     EXPECT_EQ(loginItem.registered, loginItem.program);
     EXPECT_EQ(login.followMove(), std::nullopt);

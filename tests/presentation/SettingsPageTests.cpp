@@ -1,16 +1,10 @@
 #include "SettingsTest.h"
-
-#include <gmock/gmock.h>
+#include "support/Matchers.h"
 
 #include <algorithm>
 
 namespace vellmark::tests {
 namespace {
-
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
 
 class SettingsPageTest : public SettingsTest {
 protected:
@@ -63,7 +57,7 @@ TEST_F(SettingsPageTest, HasAPlaceForEverySetting) {
     }
     const SettingsCatalog catalog(*preferences, machine, *launchAtLogin);
     for (const SettingItem& item : catalog.items()) {
-        EXPECT_THAT(shown, testing::Contains(item.name));
+        EXPECT_THAT(shown, Contains(item.name));
     }
 }
 
@@ -124,8 +118,8 @@ TEST_F(SettingsPageTest, TheCommandLineToolIsWhatTheFileSystemSays) {
     const std::string name(settingsRow::commandLineTool);
     EXPECT_THAT(row(name).name, IsEmpty()) << "a package brings it";
 
-    const std::filesystem::path program = directory / "Vellmark.app" / "Contents/Helpers/vellmark";
-    const std::filesystem::path link = directory / "bin" / "vellmark";
+    const fs::path program = directory / "Vellmark.app" / "Contents/Helpers/vellmark";
+    const fs::path link = directory / "bin" / "vellmark";
     writeFile(program, "");
     commandLineTool.emplace(program, link);
     remake();
@@ -133,8 +127,8 @@ TEST_F(SettingsPageTest, TheCommandLineToolIsWhatTheFileSystemSays) {
     EXPECT_EQ(shownSwitch(), SettingSwitch{});
     actions.change(name, shownSwitch().onValue);
     EXPECT_TRUE(shownSwitch().isOn);
-    EXPECT_EQ(std::filesystem::read_symlink(link), program);
-    std::filesystem::remove(link);
+    EXPECT_EQ(fs::read_symlink(link), program);
+    fs::remove(link);
     EXPECT_FALSE(shownSwitch().isOn) << "taken away by somebody";
     EXPECT_THAT(row(name).button.title, IsEmpty());
 
@@ -143,13 +137,13 @@ TEST_F(SettingsPageTest, TheCommandLineToolIsWhatTheFileSystemSays) {
     EXPECT_THAT(row(name).explanation, HasSubstr(link.string()));
     actions.change(name, shownSwitch().onValue);
     EXPECT_THAT(content().trouble, HasSubstr("could not be changed"));
-    EXPECT_TRUE(std::filesystem::is_regular_file(link));
+    EXPECT_TRUE(fs::is_regular_file(link));
 }
 
 TEST_F(SettingsPageTest, TheCommandLineToolSaysWhatAnAdministratorTypes) {
     const std::string name(settingsRow::commandLineTool);
     // Below a file there is no folder, for root neither.
-    const std::filesystem::path folder = directory / "file" / "bin";
+    const fs::path folder = directory / "file" / "bin";
     writeFile(folder.parent_path(), "");
     commandLineTool.emplace("/Apps/It's/Vellmark.app/Contents/Helpers/vellmark",
                             folder / "vellmark");
@@ -221,17 +215,17 @@ TEST_F(SettingsPageTest, TellsWhatEachAgentLacksAndTheWayOut) {
 }
 
 TEST_F(SettingsPageTest, TakesOnlyProgramsThatCanBeRun) {
-    const std::filesystem::path program = directory / "my codex";
+    const fs::path program = directory / "my codex";
     actions.chooseProgram(codex, program.string());
     EXPECT_THAT(content().trouble, HasSubstr(program.string()));
     EXPECT_THAT(content().programs[0].chosenPath, IsEmpty());
 
     writeFile(program, "#!/bin/sh\n");
-    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    fs::permissions(program, fs::perms::owner_all);
     actions.chooseProgram(codex, program.string());
     EXPECT_THAT(content().trouble, IsEmpty()) << "of the attempt before";
     EXPECT_EQ(content().programs[0].chosenPath, program.string());
-    EXPECT_THAT(asking, testing::Contains("codex anew"));
+    EXPECT_THAT(asking, Contains("codex anew"));
     facts[codex].id = codex;
     EXPECT_THAT(content().programs[0].explanation, HasSubstr("no longer"));
     actions.chooseProgram(codex, {});
@@ -284,7 +278,7 @@ TEST_F(SettingsPageTest, SaysWhenAChangeIsNotOnDisk) {
     actions.change("appearance", "dark");
     EXPECT_EQ(std::get<SettingChoices>(row("appearance").control).current, "dark");
     EXPECT_THAT(content().trouble, HasSubstr("could not be saved"));
-    std::filesystem::remove(directory / "blocked");
+    fs::remove(directory / "blocked");
     preferences->retry();
     EXPECT_THAT(content().trouble, IsEmpty());
 }

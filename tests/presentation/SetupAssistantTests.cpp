@@ -1,8 +1,7 @@
 #include "SettingsTest.h"
 #include "presentation/SetupAssistantModel.h"
 #include "support/HandTurnedExecutor.h"
-
-#include <gmock/gmock.h>
+#include "support/Matchers.h"
 
 #include <algorithm>
 #include <system_error>
@@ -10,10 +9,6 @@
 namespace vellmark::tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
 using Stage = SetupRun::Stage;
 using Kind = SetupOutcome::Kind;
 
@@ -347,7 +342,7 @@ TEST_F(SetupAssistantTest, FollowsAScriptWhileItIsClosedAndLeavesNoTimerBehind) 
 
 TEST_F(SetupAssistantTest, AsksAtTheEndAboutNoticesAndClaudesStatusLine) {
     const auto file = claudeSettingsFile(machine);
-    std::filesystem::create_directories(file.parent_path());
+    fs::create_directories(file.parent_path());
     begin();
     const auto rows = [&] {
         std::vector<std::string> names;
@@ -363,13 +358,13 @@ TEST_F(SetupAssistantTest, AsksAtTheEndAboutNoticesAndClaudesStatusLine) {
                 ElementsAre("notices", "status-line: Set up …", "launch-at-login", "language"));
     EXPECT_THAT(model->content().statusLineQuestion.text, HasSubstr("statusline"));
     actions.press("status-line");
-    EXPECT_TRUE(std::filesystem::exists(file));
+    EXPECT_TRUE(fs::exists(file));
     EXPECT_THAT(rows(),
                 ElementsAre("notices", "status-line: Remove …", "launch-at-login", "language"));
 
     // What cannot be kept is told here too.
-    std::filesystem::remove(file);
-    std::filesystem::create_directory(file);
+    fs::remove(file);
+    fs::create_directory(file);
     actions.press("status-line");
     EXPECT_THAT(model->content().trouble, HasSubstr("settings.json"));
     actions.enableAgent(claude, false);

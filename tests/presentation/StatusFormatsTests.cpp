@@ -1,10 +1,11 @@
 #include "AgentNames.h"
 #include "presentation/StatusFormats.h"
+#include "presentation/UsageMetrics.h"
+#include "support/Matchers.h"
 #include "support/ProjectDirectories.h"
 #include "support/TemporaryDirectory.h"
 #include "text/TerminalText.h"
 
-#include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -19,8 +20,6 @@ namespace vellmark::tests {
 namespace {
 
 using nlohmann::json;
-using testing::HasSubstr;
-using testing::Not;
 
 constexpr Seconds interval{300};
 const StatusPrograms programs{.terminal = "/opt/v m/vellmark",
@@ -73,6 +72,15 @@ std::vector<std::pair<std::string, UsageState>> states() {
 
 /// The outputs as they were looked at and found good are in tests/presentation/status-formats, a
 /// file for a format. With VELLMARK_WRITE_PAGES set they are written instead of compared.
+void expectAsItWas(const std::string& name, const std::string& text) {
+    const std::string file = sourceFile("tests/presentation/status-formats/" + name + ".txt");
+    if (std::getenv("VELLMARK_WRITE_PAGES") != nullptr) {
+        writeFile(file, text);
+    } else {
+        EXPECT_EQ(text, contentOf(file)) << file;
+    }
+}
+
 TEST(StatusFormats, LookAsTheyDid) {
     const auto all = states();
     const UsageState& low = all[1].second;
@@ -85,12 +93,7 @@ TEST(StatusFormats, LookAsTheyDid) {
         text += "=== in German\n" + statusOutput(reportOf(low, {}, german), format, programs);
         text += "=== followed\n" + statusStreamHead(format) +
                 statusStreamOutput(reportOf(low), format, programs);
-        const std::string file = sourceFile("tests/presentation/status-formats/" + name + ".txt");
-        if (std::getenv("VELLMARK_WRITE_PAGES") != nullptr) {
-            writeFile(file, text);
-        } else {
-            EXPECT_EQ(text, contentOf(file)) << file;
-        }
+        expectAsItWas(name, text);
     }
 }
 
@@ -110,7 +113,7 @@ void expectHarmless(const StatusReport& report) {
     for (const std::string key : {"text", "tooltip"}) {
         const std::string markup = bar[key];
         EXPECT_THAT(without(without(markup, "</?b>"), "&(amp|lt|gt|quot|apos);"),
-                    Not(testing::ContainsRegex("[<>&\"']")));
+                    Not(ContainsRegex("[<>&\"']")));
     }
     EXPECT_EQ(json::parse(statusOutput(report, StatusFormat::i3bar))["markup"], "none");
     EXPECT_THAT(without(statusOutput(report, StatusFormat::polybar), "%\\{F(#[0-9a-f]{6}|-)\\}"),
@@ -125,8 +128,7 @@ void expectHarmless(const StatusReport& report) {
         EXPECT_TRUE(line == "---" || !line.starts_with('-')) << line;
     }
     const StatusTemplate all("{account}{plan}{window}{short-window}{line}");
-    EXPECT_THAT(all.filled(report, StatusFormat::starship),
-                Not(testing::ContainsRegex("[$`\\\\!]")));
+    EXPECT_THAT(all.filled(report, StatusFormat::starship), Not(ContainsRegex("[$`\\\\!]")));
     EXPECT_THAT(without(all.filled(report, StatusFormat::tmux), "##"), Not(HasSubstr("#")));
     EXPECT_EQ(escapedFor(StatusFormat::swiftbar, "  --x|y"), "–-x¦y");
 }
@@ -216,6 +218,23 @@ TEST(StatusFormats, FillTemplates) {
     EXPECT_EQ(fault("{lef}"), "fault lef");
     EXPECT_EQ(fault("{left"), "fault ");
     EXPECT_EQ(fault("left}"), "fault ");
+}
+
+TEST(UsageMetrics, TellWhatIsKnownAndNothingElse) {
+    AgentUsageSnapshot known =
+        live(claude, {window("session", 80, 300, 150), window("weekly", 104, 10'080, 2'580),
+                      // After a reset nobody knows what is left.
+                      window("gone", 10, 300, -5), windowWithoutReset("odd \"window\"\\\n", 12.5)});
+    known.plan = "Max 20x";
+    known.accountLabel = "me@example.org";
+    UsageState state =
+        stateOf({known, aged(live(codex, {window("session", 1, 300, 60)}), 3'601 / 60.0)});
+    state.snapshots.emplace_back().id = antigravity;
+    const std::string text = UsageMetrics::text(state, noon, false);
+    expectAsItWas("openmetrics", replacedText(text, VELLMARK_VERSION, "1.0"));
+    EXPECT_THAT(text, Not(HasSubstr("example.org")));
+    EXPECT_THAT(UsageMetrics::text(state, noon, true),
+                HasSubstr("plan=\"Max 20x\",account=\"me@example.org\"} 1.0\n"));
 }
 
 } // namespace

@@ -2,9 +2,8 @@
 #include "report/MailDirectory.h"
 #include "support/FileSizeLimit.h"
 #include "support/HandTurnedExecutor.h"
+#include "support/Matchers.h"
 #include "support/TemporaryDirectory.h"
-
-#include <gmock/gmock.h>
 
 #include <deque>
 #include <fstream>
@@ -12,13 +11,6 @@
 
 namespace vellmark::tests {
 namespace {
-
-namespace fs = std::filesystem;
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-using testing::SizeIs;
 
 std::vector<fs::path> entriesOf(const fs::path& directory) {
     std::vector<fs::path> result;
@@ -256,7 +248,7 @@ TEST_F(SupportReport, SaveAndMailOnAFullDiskSaySoAndLeaveNothing) {
         model_->mail();
         workAll();
     }
-    EXPECT_THAT(saveNotice, testing::StartsWith("Not saved: "));
+    EXPECT_THAT(saveNotice, StartsWith("Not saved: "));
     EXPECT_TRUE(isTrouble);
     EXPECT_EQ(contentOf(*whereTo_), "former");
     EXPECT_THAT(entriesOf(folder), SizeIs(1));
@@ -272,7 +264,7 @@ TEST_F(SupportReport, MailDirectoryLivesUntilTheNextMailTheEndOrTheNextStart) {
     workAll();
     ASSERT_THAT(drafts_, SizeIs(1));
     const fs::path first = model_->mailDirectory();
-    EXPECT_THAT(first.filename().string(), testing::StartsWith("vellmark-support-"));
+    EXPECT_THAT(first.filename().string(), StartsWith("vellmark-support-"));
     EXPECT_EQ(drafts_[0].attachment.parent_path(), first);
     EXPECT_EQ(contentOf(drafts_[0].attachment), text());
     EXPECT_EQ(drafts_[0].recipient, supportAddress);
@@ -311,7 +303,7 @@ TEST_F(SupportReport, MailDirectoryLivesUntilTheNextMailTheEndOrTheNextStart) {
     fs::create_directory(machine_.temporary / "others");
     MailDirectory::removeLeftBehind(machine_.temporary);
     EXPECT_THAT(entriesOf(machine_.temporary),
-                testing::UnorderedElementsAre(link, machine_.temporary / "others"));
+                UnorderedElementsAre(link, machine_.temporary / "others"));
 }
 
 TEST_F(SupportReport, NothingLandsOnceItWasCancelled) {

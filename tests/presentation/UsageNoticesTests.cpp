@@ -1,19 +1,14 @@
 #include "AgentNames.h"
 #include "presentation/NoticeTexts.h"
 #include "presentation/UsageNotices.h"
+#include "support/Matchers.h"
 #include "support/TemporaryDirectory.h"
-
-#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <random>
 
 namespace vellmark::tests {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::StartsWith;
 
 constexpr Seconds minute{60};
 constexpr Seconds hour{3600};
@@ -585,7 +580,7 @@ TEST_F(UsageNoticesTest, TheMemoryOutlivesWhateverItsFileHolds) {
         read(codex, {quota("limit:" + std::to_string(window) + "|primary", 5, 5, 3)});
     }
     EXPECT_LE(notices_->memory().windows.size(), 200U);
-    std::filesystem::create_directory(directory / "taken.json");
+    fs::create_directory(directory / "taken.json");
     EXPECT_TRUE(writeNoticeMemory(directory / "taken.json", notices_->memory()));
 }
 

@@ -1,4 +1,6 @@
 #include "report/SupportReport.h"
+#include "support/ProjectDirectories.h"
+#include "support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 
@@ -28,34 +30,8 @@ SupportReportInput madeUpInput() {
 
 TEST(SupportReport, ListsFactsAgentsAndLogInOrder) {
     EXPECT_EQ(supportReportText(madeUpInput(), "/Users/anna", false, german),
-              R"(Vellmark Support-Bericht
-Erstellt: 20.11.2025, 14:48:12
-Vellmark 1.0.0 (Build 100)
-System: macOS 26.1
-Architektur: arm64
-Sprache: de, Region: CH
-
-Agenten
-Codex (aktiv)
-  Programm: ~/.local/bin/codex
-  Version: codex-cli 0.61.0
-  Angemeldet: ja
-  Zuletzt gelesen: 20.11.2025, 14:46:05
-Claude (aktiv)
-  Programm: ~/.local/bin/claude
-  Version: keine Angabe
-  Angemeldet: nein
-  Zuletzt gelesen: keine Angabe
-Antigravity (ausgeblendet)
-  Programm: nicht gefunden
-  Version: keine Angabe
-  Angemeldet: nicht feststellbar
-  Zuletzt gelesen: keine Angabe
-
-Aktivität
-gelesen als …@…
-
-)" + german.text("report.privacy.note"));
+              tests::contentOf(tests::sourceFile("tests/report/support-report.de")) +
+                  german.text("report.privacy.note"));
 }
 
 TEST(SupportReport, TellsWhenAddressesWereLeftIn) {

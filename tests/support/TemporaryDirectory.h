@@ -12,6 +12,8 @@
 
 namespace vellmark::tests {
 
+namespace fs = std::filesystem;
+
 /// Writes a file, with its folders.
 inline void writeFile(const std::filesystem::path& file, std::string_view content) {
     std::filesystem::create_directories(file.parent_path());

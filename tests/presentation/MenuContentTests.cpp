@@ -1,16 +1,10 @@
 #include "AgentNames.h"
 #include "presentation/MainMenuContent.h"
 #include "presentation/StatusMenuContent.h"
-
-#include <gmock/gmock.h>
-
-#include <string>
-#include <vector>
+#include "support/Matchers.h"
 
 namespace vellmark::tests {
 namespace {
-
-using testing::ElementsAre;
 
 std::vector<std::string> titles(const std::vector<StatusMenuItem>& items) {
     std::vector<std::string> all;
@@ -65,6 +59,30 @@ TEST(StatusMenuContent, TellsWhatCannotBeUsed) {
     EXPECT_EQ(menu[1].title, "Codex · Reset due");
     EXPECT_EQ(statusMenuContent(UsageState(), noon, english).front().action,
               menuAction::openWindow);
+}
+
+TEST(MainMenuContent, TakesNoKeyTwiceAndSeparatesOnlyItems) {
+    std::set<char> keys;
+    for (const MenuContent& menu : mainMenuContent(english)) {
+        bool endsWithSeparator = true;
+        for (const MenuItemContent& item : menu.items) {
+            EXPECT_FALSE(item.isSeparator() && endsWithSeparator) << menu.title;
+            endsWithSeparator = item.isSeparator();
+            EXPECT_TRUE(item.key == 0 || keys.insert(item.key).second) << item.title;
+        }
+        EXPECT_FALSE(endsWithSeparator) << menu.title;
+    }
+}
+
+TEST(MainMenuContent, SavesActivityOnlyFromItsPage) {
+    using Kind = AgentPage::Kind;
+    for (const Kind kind : {Kind::provider, Kind::overview, Kind::history, Kind::activity,
+                            Kind::settings, Kind::help, Kind::about}) {
+        const AgentPage page = AgentPage::of(kind);
+        EXPECT_EQ(isMenuItemEnabled(menuAction::saveActivity, true, page), kind == Kind::activity);
+        EXPECT_FALSE(isMenuItemEnabled(menuAction::saveActivity, false, page));
+        EXPECT_TRUE(isMenuItemEnabled(menuAction::showSettings, false, page));
+    }
 }
 
 } // namespace
