@@ -3,7 +3,6 @@
 #include "ui/report/ReportTextView.h"
 #include "ui/report/SupportReportView.h"
 #include "ui/setup/SetupAssistantView.h"
-#include "ui/window/AgentMainWindowView.h"
 #include "ui/window/WindowPage.h"
 
 #include <QAbstractItemView>
@@ -187,8 +186,7 @@ protected:
 };
 
 TEST_F(AccessibilityTest, EveryPageIsToldAndReachedByKeys) {
-    delegate_->applicationShouldHandleReopen(false);
-    auto* window = visible<AgentMainWindowView>();
+    auto* window = openWindow();
     ASSERT_NE(window, nullptr);
     // The first agent has been read.
     ASSERT_TRUE(waitUntil([&] { return window->findChild<QProgressBar*>() != nullptr; }));

@@ -5,6 +5,7 @@
 #include "support/AgentSandbox.h"
 #include "ui/QtEnvironment.h"
 #include "ui/popover/Popover.h"
+#include "ui/window/AgentMainWindowView.h"
 
 #include <QApplication>
 #include <QWidget>
@@ -46,6 +47,12 @@ protected:
             delegate_->togglePopover();
             return visible<Popover>() != nullptr;
         });
+    }
+
+    /// The main window, shown as a second launch does; null when it does not come.
+    AgentMainWindowView* openWindow() {
+        delegate_->applicationShouldHandleReopen(false);
+        return visible<AgentMainWindowView>();
     }
 
     AgentSandbox sandbox_;

@@ -9,7 +9,6 @@
 #include "ui/report/ReportTextView.h"
 #include "ui/report/SupportReportView.h"
 #include "ui/setup/SetupAssistantView.h"
-#include "ui/window/AgentMainWindowView.h"
 
 #include <QAction>
 #include <QPlainTextEdit>
@@ -17,7 +16,6 @@
 #include <QSet>
 #include <QStringList>
 #include <QTimer>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <chrono>
@@ -126,8 +124,7 @@ TEST_F(VellmarkAppDelegateTest, ChangesEverythingThatIsOpenWithTheLanguage) {
     change("it", "popover");
     EXPECT_TRUE(toolTip().contains("93% usato"));
     delegate_->showAboutFromMenu();
-    delegate_->applicationShouldHandleReopen(false);
-    auto* window = visible<AgentMainWindowView>();
+    auto* window = openWindow();
     ASSERT_TRUE(window);
     const auto actions = window->actions();
     const auto terms = std::ranges::find(
@@ -149,9 +146,9 @@ TEST_F(VellmarkAppDelegateTest, ChangesEverythingThatIsOpenWithTheLanguage) {
 
 TEST_F(VellmarkAppDelegateTest, ReportTellsWhatTheStoreKnowsAndNothingOfItStays) {
     const auto left = sandbox_.machine().temporary / "vellmark-support-of-a-killed-run";
-    std::filesystem::create_directory(left);
+    fs::create_directory(left);
     launch();
-    EXPECT_TRUE(waitUntil([&] { return !std::filesystem::exists(left); }));
+    EXPECT_TRUE(waitUntil([&] { return !fs::exists(left); }));
     delegate_->showSupportReportFromMenu();
     auto* window = visible<SupportReportView>();
     ASSERT_TRUE(window);
@@ -202,16 +199,14 @@ TEST_F(VellmarkAppDelegateTest, LeadsFromAnAgentInThePopoverToItsPage) {
 
 TEST_F(VellmarkAppDelegateTest, ComesBackToThePageThatWasShownLast) {
     launch();
-    delegate_->applicationShouldHandleReopen(false);
-    auto* window = visible<AgentMainWindowView>();
+    auto* window = openWindow();
     ASSERT_TRUE(window);
     EXPECT_EQ(selectedEntry(*window), "Overview");
     pressKey(*window, Qt::Key_3, Qt::ControlModifier);
     ASSERT_EQ(selectedEntry(*window), "Claude");
     quit();
     launch();
-    delegate_->applicationShouldHandleReopen(false);
-    EXPECT_EQ(selectedEntry(*visible<AgentMainWindowView>()), "Claude");
+    EXPECT_EQ(selectedEntry(*openWindow()), "Claude");
     // Settings are shown whatever page was shown last.
     delegate_->showSettingsFromMenu();
     EXPECT_EQ(selectedEntry(*visible<AgentMainWindowView>()), "Settings");
@@ -226,8 +221,7 @@ TEST_F(VellmarkAppDelegateTest, LetsGoOfWhatHasBeenClosedForAWhileAndShowsItAgai
         ASSERT_TRUE(opensPopover());
         const QPointer<QWidget> popover = visible<Popover>();
         // Takes the popover's place.
-        delegate_->applicationShouldHandleReopen(false);
-        const QPointer<QWidget> window = visible<AgentMainWindowView>();
+        const QPointer<QWidget> window = openWindow();
         ASSERT_TRUE(window);
         EXPECT_FALSE(visible<Popover>());
         passTheWhile(*popover);
@@ -273,8 +267,7 @@ TEST_F(VellmarkAppDelegateTest, BeginsWithTheSetupAndThenTheTermsWhereSomethingI
 
 TEST_F(VellmarkAppDelegateTest, HelpLeadsToTheSupportReport) {
     launch();
-    delegate_->applicationShouldHandleReopen(false);
-    auto* window = visible<AgentMainWindowView>();
+    auto* window = openWindow();
     ASSERT_TRUE(window);
     for (const char* title : {"Help", "Support", "Support Report …"}) {
         auto* button = partNamed(*window, title);

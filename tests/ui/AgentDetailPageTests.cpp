@@ -1,5 +1,6 @@
 #include "screenshots/SampleHistory.h"
 #include "screenshots/SampleStates.h"
+#include "support/Matchers.h"
 #include "ui/QtEnvironment.h"
 #include "ui/kit/Segments.h"
 #include "ui/window/AgentDetailPage.h"
@@ -8,13 +9,9 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
-#include <gmock/gmock.h>
 
 namespace vellmark::tests {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 class AgentDetail : public ::testing::Test {
 protected:

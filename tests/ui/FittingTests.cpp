@@ -140,6 +140,7 @@ TEST_P(Fitting, SetupAssistant) {
     }
     view.resize(SetupAssistantView::leastSize);
     expectFits(samples::runningSetup(words), "running, least window");
+    expectFits(samples::closedSetup(words), "closed, least window");
 }
 
 INSTANTIATE_TEST_SUITE_P(Languages, Fitting, ::testing::ValuesIn(Localization::languages()),

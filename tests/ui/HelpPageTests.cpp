@@ -1,4 +1,5 @@
 #include "screenshots/SampleStates.h"
+#include "support/Matchers.h"
 #include "ui/AboutWindow.h"
 #include "ui/QtEnvironment.h"
 #include "ui/window/AboutPage.h"
@@ -8,14 +9,11 @@
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <gmock/gmock.h>
 
 #include <algorithm>
 
 namespace vellmark::tests {
 namespace {
-
-using ::testing::ElementsAre;
 
 /// What the least window leaves beside the sidebar.
 constexpr QSize leastPage(792, 680);

@@ -1,4 +1,5 @@
 #include "screenshots/SampleStates.h"
+#include "support/Matchers.h"
 #include "ui/LegalWindow.h"
 #include "ui/QtEnvironment.h"
 
@@ -6,12 +7,9 @@
 #include <QCoreApplication>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <gmock/gmock.h>
 
 namespace vellmark::tests {
 namespace {
-
-using ::testing::ElementsAre;
 
 class LegalWindowTest : public ::testing::Test {
 protected:

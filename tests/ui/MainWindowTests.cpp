@@ -1,4 +1,5 @@
 #include "screenshots/SampleStates.h"
+#include "support/Matchers.h"
 #include "ui/QtEnvironment.h"
 #include "ui/kit/FocusRing.h"
 #include "ui/kit/Notice.h"
@@ -8,14 +9,11 @@
 #include "ui/window/WindowPage.h"
 
 #include <QScrollArea>
-#include <gmock/gmock.h>
 
 #include <algorithm>
 
 namespace vellmark::tests {
 namespace {
-
-using ::testing::ElementsAre;
 
 class MainWindow : public ::testing::Test {
 protected:

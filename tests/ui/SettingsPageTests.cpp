@@ -1,5 +1,6 @@
 #include "screenshots/SampleSettings.h"
 #include "screenshots/SampleStates.h"
+#include "support/Matchers.h"
 #include "ui/QtEnvironment.h"
 #include "ui/kit/Button.h"
 #include "ui/kit/Choice.h"
@@ -10,13 +11,9 @@
 #include "ui/window/SettingsPage.h"
 
 #include <QWheelEvent>
-#include <gmock/gmock.h>
 
 namespace vellmark::tests {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 /// The page with what it asks for written down.
 class SettingsPageTest : public ::testing::Test {

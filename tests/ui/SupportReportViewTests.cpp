@@ -1,5 +1,6 @@
 #include "screenshots/SampleReport.h"
 #include "screenshots/SampleStates.h"
+#include "support/Matchers.h"
 #include "ui/QtEnvironment.h"
 #include "ui/report/ReportTextView.h"
 #include "ui/report/SupportReportView.h"
@@ -11,7 +12,6 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QScrollBar>
-#include <gmock/gmock.h>
 
 #include <algorithm>
 
@@ -19,7 +19,6 @@ namespace vellmark::tests {
 namespace {
 
 using samples::ReportMoment;
-using ::testing::ElementsAre;
 
 class SupportReportViewTest : public ::testing::Test {
 protected:

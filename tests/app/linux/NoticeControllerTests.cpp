@@ -4,17 +4,14 @@
 #include "platform/linux/PrivateBus.h"
 #include "process/RunningChildren.h"
 #include "support/AgentSandbox.h"
+#include "support/Matchers.h"
 #include "support/NotificationServer.h"
 #include "ui/QtEnvironment.h"
-
-#include <gmock/gmock.h>
 
 #include <chrono>
 
 namespace vellmark::tests {
 namespace {
-
-using ::testing::ElementsAre;
 
 /// The store with simulated agents, and a service that shows notices.
 class NoticeControllerTest : public BusTest {

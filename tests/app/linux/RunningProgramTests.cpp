@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <optional>
 #include <sstream>
@@ -101,6 +102,23 @@ TEST(RunningProgram, GivesBackWhatLongAnswersTook) {
     EXPECT_TRUE(
         becomesTrue([&] { return program.residentMemory() < 45'000'000; }, std::chrono::minutes(1)))
         << program.residentMemory();
+}
+
+TEST(WithoutDisplay, TheProgramSaysSoAndEnds) {
+    for (const std::string setting : {"-u DISPLAY", "DISPLAY=:nowhere"}) {
+        const std::string command = "env -u WAYLAND_DISPLAY " + setting + " QT_QPA_PLATFORM=xcb " +
+                                    builtProgram("vellmark-desktop") + " --demo --language en 2>&1";
+        std::FILE* output = ::popen(command.c_str(), "r");
+        ASSERT_TRUE(output);
+        std::string text;
+        for (int byte = std::fgetc(output); byte != EOF; byte = std::fgetc(output)) {
+            text += static_cast<char>(byte);
+        }
+        const int status = ::pclose(output);
+        EXPECT_TRUE(WIFEXITED(status)) << text;
+        EXPECT_EQ(WEXITSTATUS(status), 1) << text;
+        EXPECT_NE(text.find("no display"), std::string::npos) << text;
+    }
 }
 
 } // namespace
