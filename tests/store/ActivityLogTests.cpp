@@ -31,8 +31,8 @@ ActivityEntry entry(std::string text, Instant time = noon) {
 class Log : public testing::Test {
 protected:
     TemporaryDirectory directory;
-    const std::filesystem::path path = directory / "Vellmark/activity.log";
-    const std::filesystem::path removed = directory / "Vellmark/activity.removed.log";
+    const fs::path path = directory / "Vellmark/activity.log";
+    const fs::path removed = directory / "Vellmark/activity.removed.log";
     ActivityLog log{path};
 
     /// An entry a day, so many days back.
@@ -63,7 +63,7 @@ TEST_F(Log, WritesOneLineAnEntryInLocalTime) {
 
 TEST_F(Log, ATornLastLineCostsNoEntryAfterIt) {
     ASSERT_FALSE(log.append(entry("torn by a power loss"), zone));
-    std::filesystem::resize_file(path, std::filesystem::file_size(path) - 12);
+    fs::resize_file(path, fs::file_size(path) - 12);
     ASSERT_FALSE(log.append(entry("next"), zone));
     EXPECT_EQ(contentOf(path), "2026-11-20 13:00:00 notice codex: torn by a\n"
                                "2026-11-20 13:00:00 notice codex: next\n");
@@ -166,7 +166,7 @@ TEST_F(Log, WaitsOnDiskWhileSomebodyElseHasTheFile) {
         EXPECT_FALSE(run.append(entry("first"), zone));
         EXPECT_FALSE(run.append(entry("second"), zone));
         EXPECT_EQ(run.entries(noon, zone).size(), 2u) << "shown, though not in the file";
-        EXPECT_FALSE(std::filesystem::exists(path));
+        EXPECT_FALSE(fs::exists(path));
     }
     // That run is over.
     EXPECT_FALSE(log.append(entry("third"), zone));
@@ -298,7 +298,7 @@ TEST_F(Log, TellsWhatWasAddedSinceTheLastLook) {
     EXPECT_EQ(texts(look()), " half a line");
     // As trimming does it: another file.
     directory.write("Vellmark/trimmed", contentOf(path));
-    std::filesystem::rename(directory / "Vellmark/trimmed", path);
+    fs::rename(directory / "Vellmark/trimmed", path);
     EXPECT_EQ(texts(look()), "anew: one two half a line");
     {
         const auto held = hold();

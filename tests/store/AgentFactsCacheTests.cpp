@@ -45,7 +45,7 @@ TEST_F(AgentFactsCacheTest, AsksWhenSomebodyLooksAndRemembersForAWhile) {
     finish(facts);
     EXPECT_FALSE(facts.of(codex)->toolPath);
 
-    const std::filesystem::path other =
+    const fs::path other =
         sandbox.machine().home / "tools/codex"; // what the settings name counts at once
     sandbox.machine().chosenExecutables->choose("codex", other);
     facts.need(codex);

@@ -1,12 +1,10 @@
-#include "model/UsageJSON.h"
 #include "platform/RegularFile.h"
 #include "store/HistoryImport.h"
 #include "store/OrderedHistory.h"
 #include "support/FileSizeLimit.h"
 #include "support/HistoryDocument.h"
+#include "support/Matchers.h"
 #include "support/TemporaryDirectory.h"
-
-#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <fcntl.h>
@@ -69,7 +67,7 @@ TEST(OrderedHistory, OrdersMoreThanItHolds) {
 class Import : public testing::Test {
 protected:
     const TemporaryDirectory directory;
-    const std::filesystem::path history = directory / "Vellmark/usage-history.json";
+    const fs::path history = directory / "Vellmark/usage-history.json";
 
     UsageHistorySample sample(double ago, double used = 10) {
         return historySample(AgentProviderID::claude(), "session", now - Seconds(ago), used);
@@ -102,7 +100,7 @@ TEST_F(Import, ARunningRecorderKeepsWhatItWritesMeanwhile) {
     EXPECT_EQ(import(historyDocument({sample(400, 2), sample(100, 3)})).taken, 2u);
     record(4, 50);
     running.catchUp(nullptr, listener);
-    EXPECT_THAT(told, testing::UnorderedElementsAre(1, 2, 3)) << "its own it knows";
+    EXPECT_THAT(told, UnorderedElementsAre(1, 2, 3)) << "its own it knows";
     EXPECT_EQ(samplesOf(contentOf(history)).size(), 4u);
     // Whatever the input looked like, each sample has its line.
     const std::string text = contentOf(history);
@@ -119,8 +117,8 @@ TEST_F(Import, UnknownFieldsStayAndADamagedHistoryIsRepairedFirst) {
     EXPECT_EQ(result.state, HistoryImport::State::done);
     EXPECT_EQ(result.taken, 1u);
     EXPECT_EQ(result.known, 1u);
-    EXPECT_TRUE(std::filesystem::exists(result.aside));
-    EXPECT_THAT(contentOf(history), testing::HasSubstr("\"model\":\"opus\""));
+    EXPECT_TRUE(fs::exists(result.aside));
+    EXPECT_THAT(contentOf(history), HasSubstr("\"model\":\"opus\""));
     EXPECT_EQ(samplesOf(contentOf(history)).front(), kept);
 }
 

@@ -1,9 +1,11 @@
+#include "platform/ProgramEnd.h"
 #include "process/BoundedProcess.h"
 #include "store/LastSnapshots.h"
 #include "store/StoreFixture.h"
 #include "store/UsageFetcher.h"
 #include "support/ProcessCensus.h"
 
+#include <cstdlib>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -465,6 +467,34 @@ TEST_F(Refresh, SettingsRefreshesAndTerminationMayRace) {
         executor.advance(Seconds(60));
         EXPECT_EQ(executor.timerCount(), 0u);
     }
+}
+
+/// Ends the program, which would destroy what a thread that was left behind may be using: told by
+/// the status 9.
+[[noreturn]] void endAfterDestroyingFetcher(bool isStuck) {
+    std::atexit([] { ::_exit(9); });
+    HandTurnedExecutor executor;
+    const auto agent = std::make_shared<StubAgent>("agent");
+    if (isStuck) {
+        agent->holdFetches();
+    }
+    {
+        UsageFetcher fetcher(executor, "/home/jo");
+        bool isOver = false;
+        fetcher.start(std::make_shared<StubProvider>(agent), "Agent",
+                      UsageFetcher::Occasion::byHand, [&](const FetchOutcome&) { isOver = true; });
+        while (!isStuck && !isOver) {
+            executor.turn();
+        }
+        executor.advance(UsageFetcher::fetchLimit);
+    }
+    endProgram(4);
+}
+
+TEST(UsageFetcherDeathTest, NothingIsDestroyedUnderAFetchThatIsLeftBehind) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(endAfterDestroyingFetcher(true), testing::ExitedWithCode(4), "");
+    EXPECT_EXIT(endAfterDestroyingFetcher(false), testing::ExitedWithCode(9), "");
 }
 
 } // namespace

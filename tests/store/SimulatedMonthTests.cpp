@@ -4,8 +4,6 @@
 
 #include <cmath>
 #include <fstream>
-#include <string>
-#include <unistd.h>
 
 namespace vellmark::tests {
 namespace {
@@ -16,9 +14,9 @@ protected:
     Month() { machine.applicationSupport = memory_.path(); }
 
 private:
-    static std::filesystem::path fastest() {
-        const std::filesystem::path memory = "/dev/shm";
-        return std::filesystem::exists(memory) ? memory : std::filesystem::temp_directory_path();
+    static fs::path fastest() {
+        const fs::path memory = "/dev/shm";
+        return fs::exists(memory) ? memory : fs::temp_directory_path();
     }
     TemporaryDirectory memory_{fastest()};
 };
@@ -71,11 +69,11 @@ TEST_F(Month, CostsItsHistoryAndNothingElse) {
     EXPECT_GT(samples, refreshes);
     EXPECT_LE(samples, 3u * refreshes);
     EXPECT_LE(store->history().bytesHeld(), 64 * samples);
-    const auto fileSize = std::filesystem::file_size(machine.usageHistoryFile());
+    const auto fileSize = fs::file_size(machine.usageHistoryFile());
     EXPECT_LT(fileSize, 200 * samples);
-    EXPECT_LT(std::filesystem::file_size(machine.lastSnapshotsFile()), 4096u);
+    EXPECT_LT(fs::file_size(machine.lastSnapshotsFile()), 4096u);
     // Five entries or so a refresh of about 140 bytes, their messages among them.
-    EXPECT_LT(std::filesystem::file_size(machine.activityLogFile()), 800u * refreshes);
+    EXPECT_LT(fs::file_size(machine.activityLogFile()), 800u * refreshes);
     constexpr bool isWhole = refreshes == 30 * 24 * 12;
     if (isWhole && memory > 0) {
         const std::size_t slack = 8u << 20; // what the allocator keeps

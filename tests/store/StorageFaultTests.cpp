@@ -7,8 +7,6 @@
 #include "support/HistoryDocument.h"
 #include "support/ProjectDirectories.h"
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
@@ -19,8 +17,6 @@
 
 namespace vellmark::tests {
 namespace {
-
-namespace fs = std::filesystem;
 
 /// Starts the writer, lets it work for a moment, and kills it. How many readings it had confirmed.
 std::size_t killWriter(const fs::path& directory, int start, Seconds moment) {

@@ -144,7 +144,6 @@ TEST_F(StoredFiles, AnAbortIsLoggedBeforeTheProgramEnds) {
 }
 
 TEST_F(StoredFiles, WhatStandsInTheirPlaceIsNeitherWrittenNorWaitedFor) {
-    namespace fs = std::filesystem;
     const fs::path elsewhere = directory.write("elsewhere", "precious");
     const auto plant = [&](const fs::path& file, const std::string& kind) {
         fs::create_directories(file.parent_path());
@@ -202,15 +201,12 @@ TEST_F(StoredFiles, NobodyElseMayReadThemOrTheirDirectories) {
     readCodex(10);
     ::umask(before);
     for (const char* name : {"usage-history.json", "last-snapshots.json", "activity.log"}) {
-        EXPECT_EQ(std::filesystem::status(machine.supportDirectory() / name).permissions(),
-                  std::filesystem::perms(0600))
+        EXPECT_EQ(fs::status(machine.supportDirectory() / name).permissions(), fs::perms(0600))
             << name;
     }
     for (const char* made :
          {"new", "new/.local", "new/.local/share", "new/.local/share/Vellmark"}) {
-        EXPECT_EQ(std::filesystem::status(directory / made).permissions(),
-                  std::filesystem::perms(0700))
-            << made;
+        EXPECT_EQ(fs::status(directory / made).permissions(), fs::perms(0700)) << made;
     }
 }
 
@@ -252,13 +248,13 @@ TEST_F(StoredFiles, TheLogTellsWhatBecameOfADamagedHistory) {
 
 TEST_F(StoredFiles, SettingsThatCannotBeWrittenAreTold) {
     makeStore();
-    std::filesystem::create_directory(directory / "preferences.json");
+    fs::create_directory(directory / "preferences.json");
     store->setEnabled(claude->id(), false);
     ASSERT_EQ(troubles.size(), 1u);
     ASSERT_TRUE(state().unwritten);
     EXPECT_EQ(state().unwritten->file.filename(), "preferences.json");
     EXPECT_FALSE(state().enabledProviderIDs.contains(claude->id())) << "for this run";
-    std::filesystem::remove(directory / "preferences.json");
+    fs::remove(directory / "preferences.json");
     readCodex(10);
     EXPECT_FALSE(state().unwritten) << "each refresh tries again";
     store->setEnabled(codex->id(), false);
@@ -274,23 +270,23 @@ TEST_F(StoredFiles, WhatFailsIsToldBesideAHistoryThatIsLeftAlone) {
     ASSERT_TRUE(state().unwritten);
     EXPECT_EQ(state().unwritten->kind, StorageTrouble::Kind::foreign);
     troubles.clear();
-    std::filesystem::rename(directory / "Vellmark", directory / "aside");
+    fs::rename(directory / "Vellmark", directory / "aside");
     directory.write("Vellmark", "a file where the folder should be");
     readCodex(10);
     settle();
     EXPECT_EQ(state().unwritten->kind, StorageTrouble::Kind::failed);
     EXPECT_EQ(troubles.size(), 1u);
 
-    std::filesystem::remove(directory / "Vellmark");
-    std::filesystem::create_directory_symlink(std::string(300, 'x'), directory / "Vellmark");
+    fs::remove(directory / "Vellmark");
+    fs::create_directory_symlink(std::string(300, 'x'), directory / "Vellmark");
     readCodex(15);
     EXPECT_EQ(state().unwritten->error, std::errc::filename_too_long);
     EXPECT_EQ(troubles.size(), 2u) << "another reason, once for all files";
     EXPECT_NE(troubles.back().find("activity.log: "), std::string::npos)
         << "which file: " << troubles.back();
 
-    std::filesystem::remove(directory / "Vellmark");
-    std::filesystem::rename(directory / "aside", directory / "Vellmark");
+    fs::remove(directory / "Vellmark");
+    fs::rename(directory / "aside", directory / "Vellmark");
     readCodex(20);
     settle();
     EXPECT_EQ(state().unwritten->kind, StorageTrouble::Kind::foreign);
@@ -309,7 +305,7 @@ TEST_F(StoredFiles, ADirectoryThatCannotBeWrittenCostsOneEntryAndNoFigures) {
     EXPECT_EQ(complaints(), 1u);
     EXPECT_TRUE(state().unwritten);
 
-    std::filesystem::remove(directory / "Vellmark");
+    fs::remove(directory / "Vellmark");
     readCodex(20);
     settle();
     EXPECT_FALSE(state().unwritten) << "every file is written again";

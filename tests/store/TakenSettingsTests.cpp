@@ -2,12 +2,8 @@
 #include "store/StoreFixture.h"
 #include "store/UsageHistory.h"
 
-#include <gtest/gtest.h>
-
 namespace vellmark::tests {
 namespace {
-
-namespace fs = std::filesystem;
 
 /// A store, and the settings in the hands of another program.
 class TakenSettings : public StoreFixture {

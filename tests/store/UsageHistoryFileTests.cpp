@@ -1,4 +1,3 @@
-#include "model/UsageJSON.h"
 #include "store/UsageHistory.h"
 #include "store/UsageHistoryFile.h"
 #include "store/UsageHistoryRecorder.h"
@@ -6,7 +5,6 @@
 #include "support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <chrono>
@@ -17,8 +15,6 @@
 
 namespace vellmark::tests {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr double firstInstant = 786'000'000;
 

@@ -5,8 +5,6 @@
 #include "store/StoreFixture.h"
 #include "support/HistoryDocument.h"
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <cmath>
 #include <string>
@@ -88,7 +86,7 @@ TEST_F(WrongClock, ARunAheadOfTimeCostsNothingAndBindsNothing) {
         EXPECT_TRUE(std::equal(before.begin(), before.end(), after.begin())) << daysAhead;
         EXPECT_EQ(after.back().capturedAt, today + Seconds(60)) << "the right date again";
         EXPECT_EQ(loggedDays(), 25) << daysAhead;
-        std::filesystem::remove_all(machine.supportDirectory());
+        fs::remove_all(machine.supportDirectory());
     }
 }
 
