@@ -2,8 +2,7 @@
 
 #include "AgentScenario.h"
 #include "probes/antigravity/AntigravityUsageProvider.h"
-
-#include <gmock/gmock.h>
+#include "support/Matchers.h"
 
 #include <filesystem>
 #include <memory>
@@ -105,7 +104,7 @@ protected:
         for (std::string line; std::getline(lines, line);) {
             words.push_back(line.substr(0, line.find(' ')));
         }
-        std::filesystem::remove(sandbox.machine().home / "runs");
+        fs::remove(sandbox.machine().home / "runs");
         return words;
     }
 
@@ -167,9 +166,9 @@ TEST_F(AntigravityRuns, HappenInADirectoryOfTheirOwn) {
     installCLI("1.4.2", freeAnswer);
     expectOutcome(outcomeOf(provider), reads("by hand", {"pool:A|5h"}));
     const auto workspace = sandbox.machine().supportDirectory() / "AntigravityWorkspace";
-    EXPECT_EQ(std::filesystem::status(workspace).permissions(), std::filesystem::perms::owner_all);
+    EXPECT_EQ(fs::status(workspace).permissions(), fs::perms::owner_all);
     EXPECT_THAT(contentOf(sandbox.machine().home / "runs"),
-                testing::EndsWith(" in " + std::filesystem::canonical(workspace).string() + "\n"));
+                EndsWith(" in " + fs::canonical(workspace).string() + "\n"));
 }
 
 TEST_F(AntigravityRuns, AreNotHeldUpByWhatStandsInTheLogsPlace) {

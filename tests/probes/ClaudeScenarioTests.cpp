@@ -49,7 +49,7 @@ protected:
         return std::get<AgentUsageSnapshot>(outcome);
     }
 
-    std::filesystem::path diagnostics(const std::string& name) {
+    fs::path diagnostics(const std::string& name) {
         return sandbox.machine().supportDirectory() / "Diagnostics" / name;
     }
 };
@@ -118,12 +118,12 @@ TEST_F(ClaudeScenario, ReportsWhatKeepsItFromStarting) {
                                    "/nowhere/expect");
     expectFailure(outcomeOf(unscripted),
                   UsageProviderError::launchFailed("Claude Code", "No such file or directory"));
-    std::filesystem::remove_all(sandbox.machine().supportDirectory());
+    fs::remove_all(sandbox.machine().supportDirectory());
     writeFile(sandbox.machine().supportDirectory(), "a file in the way of the workspace");
-    EXPECT_THROW(fetch(), std::filesystem::filesystem_error);
+    EXPECT_THROW(fetch(), fs::filesystem_error);
     sandbox.uninstall("claude");
     expectFailure(fetch(), UsageProviderError::executableMissing("Claude Code"));
-    std::filesystem::remove(sandbox.machine().supportDirectory());
+    fs::remove(sandbox.machine().supportDirectory());
     sandbox.installNoProgram("claude", "#!/nowhere/node\n");
     for (const char* way : {claudeSessionWay, claudeQueryWay}) {
         ClaudeUsageProvider provider(sandbox.machine(), Seconds(60), {.way = way, .interval = {}},
@@ -143,7 +143,7 @@ TEST_F(ClaudeScenario, StartsNoSessionWithoutTimeForIt) {
     sandbox.installScript("claude", "test \"$1\" = auth || touch \"$HOME/started\"\n");
     ClaudeUsageProvider provider(sandbox.machine(), Seconds(5), session);
     expectFailure(outcomeOf(provider), UsageProviderError::timeout("Claude"));
-    EXPECT_FALSE(std::filesystem::exists(sandbox.machine().home / "started"));
+    EXPECT_FALSE(fs::exists(sandbox.machine().home / "started"));
 }
 
 // The screens say "6:15am" of the zone that the CLI runs in.
@@ -174,7 +174,7 @@ TEST_F(ClaudeScenario, QuotesACLIThatEndsEarly) {
 
 TEST_F(ClaudeScenario, KeepsAPageThatItCannotRead) {
     sandbox.play("claude", "empty-page");
-    const std::filesystem::path file = diagnostics("claude-usage-last.txt");
+    const fs::path file = diagnostics("claude-usage-last.txt");
     expectFailure(fetch(), UsageProviderError::claudeNoQuotasDiagnosed(file.string()));
     const std::string kept = contentOf(file);
     EXPECT_NE(kept.find("What's contributing"), std::string::npos);
@@ -183,7 +183,7 @@ TEST_F(ClaudeScenario, KeepsAPageThatItCannotRead) {
     EXPECT_EQ(kept.find(sandbox.machine().home.string()), std::string::npos);
 
     // Where it cannot be kept, the parser's reason is told.
-    std::filesystem::remove_all(file.parent_path());
+    fs::remove_all(file.parent_path());
     writeFile(file.parent_path(), "a file in the way");
     expectFailure(fetch(), Kind::claudeNoQuotas);
 }
@@ -215,7 +215,7 @@ TEST_F(ClaudeScenario, TakesTheSpendLineForThePagesEnd) {
     EXPECT_EQ(reading.credit, CreditInfo::line("$3.20 / $20.00 spent"));
     ASSERT_EQ(ofTheScreen(reading).size(), 1u);
     EXPECT_TRUE(std::holds_alternative<SnapshotNote::ClaudeTiming>(ofTheScreen(reading)[0].value));
-    EXPECT_FALSE(std::filesystem::exists(diagnostics("claude-usage-ending.txt")));
+    EXPECT_FALSE(fs::exists(diagnostics("claude-usage-ending.txt")));
 }
 
 TEST_F(ClaudeScenario, HasNoTimesOfASessionWithoutStatusScreen) {
@@ -242,9 +242,8 @@ TEST_F(ClaudeScenario, RecordsWithoutAFileToBeFoundAndWaitsForTheModelOfTheLastD
                                     "pwd >\"$HOME/seen\"\n"
                                     "echo $VELLMARK_EXPECT_FABLE >>\"$HOME/seen\"\n"
                                     "ls -A \"$TMPDIR\" >>\"$HOME/seen\"\n");
-    const std::filesystem::path history = sandbox.machine().usageHistoryFile();
-    const std::filesystem::path workspace =
-        sandbox.machine().supportDirectory() / "ClaudeWorkspace";
+    const fs::path history = sandbox.machine().usageHistoryFile();
+    const fs::path workspace = sandbox.machine().supportDirectory() / "ClaudeWorkspace";
     for (const auto& [hours, expected] : {std::pair(23.0, "1"), std::pair(24.0, "0")}) {
         const double seen =
             (ReferenceClock::now() - Seconds(hours * 3600)).time_since_epoch().count();

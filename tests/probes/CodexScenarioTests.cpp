@@ -105,9 +105,9 @@ echo '{"id":3,"result":{"rateLimits":{"primary":{"usedPercent":1}}}}')sh");
     const auto workspace = sandbox.machine().supportDirectory() / "CodexWorkspace";
     EXPECT_EQ(std::get<AgentUsageSnapshot>(fetch()).windows.size(), 1U);
     EXPECT_EQ(contentOf(sandbox.machine().home / "place"),
-              std::filesystem::canonical(workspace).string() + "\ndrwx------\n");
+              fs::canonical(workspace).string() + "\ndrwx------\n");
 
-    std::filesystem::remove_all(workspace);
+    fs::remove_all(workspace);
     std::ofstream(workspace) << "in the way";
     const auto error = std::get<UsageProviderError>(fetch());
     EXPECT_EQ(error.kind(), Kind::launchFailed);

@@ -1,8 +1,11 @@
+#include "probes/AgentFacts.h"
 #include "probes/ExecutableLocator.h"
 #include "probes/ProviderRegistry.h"
-#include "support/TemporaryDirectory.h"
+#include "support/AgentSandbox.h"
 
 #include <gmock/gmock.h>
+
+#include <stdexcept>
 
 namespace vellmark {
 namespace {
@@ -73,6 +76,21 @@ TEST(ExecutableLocator, PassesOverWhatCannotBeExecuted) {
     fs::remove(real);
     EXPECT_EQ(locateClaude(machine), std::nullopt) << "and no other is run in its place";
     EXPECT_EQ(locateCodex(machine), std::nullopt);
+}
+
+TEST(AgentFacts, AreToldEvenWhereALoginCheckThrows) {
+    tests::AgentSandbox sandbox;
+    std::vector<ProviderRegistration> agents = providerRegistry();
+    agents[0].descriptor.setup->isLoggedIn = [](const Machine&,
+                                                const fs::path&) -> std::optional<bool> {
+        throw std::runtime_error("no memory for a pipe");
+    };
+    const std::vector<AgentFacts> facts = gatherAgentFacts(sandbox.machine(), agents);
+    ASSERT_EQ(facts.size(), 3U);
+    EXPECT_EQ(facts[0].loggedIn, std::nullopt);
+    EXPECT_TRUE(facts[0].toolVersion);
+    EXPECT_EQ(facts[1].loggedIn, true);
+    EXPECT_EQ(facts[2].loggedIn, true);
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "probes/ToolVersion.h"
+#include "probes/VersionNumber.h"
 #include "support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -42,13 +43,32 @@ TEST_F(ToolVersion, IsAbsentWhenThereIsNone) {
 TEST_F(ToolVersion, IsAskedInAPlaceOfItsOwnWhateverLiesWhereTheProgramWasStarted) {
     EXPECT_EQ(versionPrintedBy("pwd"), (machine.supportDirectory() / "VersionWorkspace").string());
     // Where that cannot be made, in one that nobody else writes to.
-    std::filesystem::remove_all(machine.supportDirectory());
+    fs::remove_all(machine.supportDirectory());
     directory.write("file", "");
     machine.applicationSupport = directory / "file";
     EXPECT_EQ(versionPrintedBy("pwd"), "/");
     // And in the filtered environment.
     machine.environment["CODEX_SECRET"] = "leaked";
     EXPECT_EQ(versionPrintedBy("echo \"v1$CODEX_SECRET\""), "v1");
+}
+
+TEST(VersionNumber, IsFoundInWhatAToolSays) {
+    const std::pair<const char*, std::optional<VersionNumber>> cases[] = {
+        {"1.1.11", VersionNumber{{1, 1, 11}}},
+        {"agy version v1.1.9-beta.2 (2026.1)", VersionNumber{{1, 1, 9}}},
+        {"2.1.330 (Claude Code)", VersionNumber{{2, 1, 330}}},
+        {"codex-cli 0.169", VersionNumber{{0, 169, 0}}},
+        {"1.2.3.4", VersionNumber{{1, 2, 3}}},
+        {"7", std::nullopt},
+        {"1234567.1", std::nullopt},
+        {"1..2", std::nullopt},
+        {"", std::nullopt},
+    };
+    for (const auto& [text, expected] : cases) {
+        EXPECT_EQ(VersionNumber::parse(text), expected) << text;
+    }
+    EXPECT_LT(*VersionNumber::parse("1.1.9"), *VersionNumber::parse("1.1.11"));
+    EXPECT_EQ(VersionNumber::parse("0.169")->text(), "0.169.0");
 }
 
 } // namespace

@@ -48,7 +48,7 @@ TEST(AntigravityLoginCheck, SaysNoOnlyWhereNoOtherWayIsAtHand) {
 TEST(AntigravityLoginCheck, IsNotHeldUpByAPipeInTheSettingsPlace) {
     const TemporaryDirectory directory;
     const Machine machine = Machine::sandbox(directory.path());
-    std::filesystem::create_directories(machine.home / ".gemini");
+    fs::create_directories(machine.home / ".gemini");
     ASSERT_EQ(::mkfifo((machine.home / ".gemini/settings.json").c_str(), 0600), 0);
     EXPECT_EQ(antigravityIsLoggedIn(machine), false);
 }

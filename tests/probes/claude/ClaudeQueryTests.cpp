@@ -4,8 +4,6 @@
 #include "support/TemporaryDirectory.h"
 #include "text/Dates.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 

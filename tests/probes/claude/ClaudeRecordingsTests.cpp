@@ -9,8 +9,6 @@
 #include "support/TemporaryDirectory.h"
 #include "text/Dates.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <optional>
 #include <set>

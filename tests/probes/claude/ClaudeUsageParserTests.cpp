@@ -3,8 +3,6 @@
 #include "probes/claude/ClaudeUsageParser.h"
 #include "text/Dates.h"
 
-#include <gtest/gtest.h>
-
 #include <optional>
 #include <string>
 #include <utility>

@@ -50,7 +50,7 @@ TEST(ModelWindowMemory, RemembersASightingWithoutAHistory) {
 
 TEST(ModelWindowMemory, ReadsTheHistoryOnceAndKeepsTheLaterSighting) {
     const TemporaryDirectory directory;
-    const std::filesystem::path file = directory / "usage-history.json";
+    const fs::path file = directory / "usage-history.json";
     ModelWindowMemory memory(file, now - Seconds(2 * hour));
     writeFile(file, '[' + sample("claude", "fable-weekly", 3) + "]");
     EXPECT_TRUE(memory.shouldExpectModelWindow(now));

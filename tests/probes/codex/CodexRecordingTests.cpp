@@ -4,8 +4,6 @@
 #include "probes/codex/CodexReading.h"
 #include "support/ProjectDirectories.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <variant>
 #include <vector>

@@ -1,11 +1,8 @@
 #include "probes/AgentScenario.h"
+#include "probes/claude/ClaudeDiagnostics.h"
 #include "probes/claude/ClaudeSessionInterpretation.h"
-
-#include <gtest/gtest.h>
-
-#include <optional>
-#include <string>
-#include <vector>
+#include "probes/claude/ClaudeSessionScript.h"
+#include "support/ProjectDirectories.h"
 
 namespace vellmark::tests {
 namespace {
@@ -86,6 +83,64 @@ TEST(ClaudeTiming, TellsWhereTheTimeWent) {
     ASSERT_TRUE(odd);
     EXPECT_EQ(*odd, (SnapshotNote{SnapshotNote::ClaudeTiming{1304, 1100, 0, 0, 9200, 0}}));
     EXPECT_EQ(claudeTimingNote(ClaudeScreen(page), times), std::nullopt);
+}
+
+TEST(ClaudeDiagnostics, KeepThePageWithoutThePerson) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"  Email: name@example.org\r\n", "Email: <redacted>"},
+        {"ORGANIZATION: Example Ltd", "Organization: <redacted>"},
+        {"Session ID: 3f6b", "Session ID: <redacted>"},
+        {"session name:x", "Session name: <redacted>"},
+        {"cwd: /home/someone/secret", "cwd: <redacted>"},
+        {"Login method: Claude Max Account", "Login method: <redacted>"},
+        {"Emails sent: 3", "Emails sent: 3"},
+        {"write to some.one+tag@mail.example.co.uk or b@c.de.",
+         "write to <redacted> or <redacted>."},
+        {"in /home/someone/work and /home/someone", "in ~/work and ~"},
+        {"a\rOrganization: Example Ltd\rb", "a\nOrganization: <redacted>\nb"},
+        {"API error 401\r\nAuthorization: Bearer abc\r\n",
+         "API error 401\nAuthorization: Bearer <redacted>"},
+        {"Current session\r\n\r\n54% used\r\n", "Current session\n54% used"},
+    };
+    for (const auto& [screen, expected] : cases) {
+        EXPECT_EQ(redactedClaudeScreen(screen, "/home/someone"), expected);
+    }
+}
+
+TEST(ClaudeDiagnostics, KeepTheLastCharacters) {
+    std::string screen = "the beginning\n";
+    for (int line = 0; line < 20000; ++line) {
+        screen += "ü line " + std::to_string(line) + "\n";
+    }
+    const std::string kept = redactedClaudeScreen(screen, "/home/someone");
+    EXPECT_TRUE(kept.ends_with("line 19999"));
+    EXPECT_GT(kept.size(), 12000u) << "umlauts have two bytes";
+    EXPECT_LT(kept.size(), 13500u);
+}
+
+TEST(ClaudeDiagnostics, AreReadableByTheOwnerAlone) {
+    const TemporaryDirectory directory;
+    const auto file = writeClaudeDiagnostics("Email: a@b.ch\nx", "/home/someone",
+                                             directory / "Vellmark/Diagnostics", "last.txt");
+    ASSERT_EQ(file, directory / "Vellmark/Diagnostics/last.txt");
+    EXPECT_EQ(fs::status(*file).permissions(), fs::perms(0600));
+    EXPECT_EQ(contentOf(*file), "Email: <redacted>\nx");
+}
+
+TEST(ClaudeSessionScript, IsTheTextThatTheCLIWasTriedWith) {
+    EXPECT_EQ(claudeSessionScript(),
+              contentOf(sourceFile("tests/probes/claude/data/session-script.exp")));
+}
+
+TEST(ClaudeSessionScript, TakesEveryWaitFromTheTimings) {
+    const ClaudeSessionTimings timings{101, 102, 103, 104, 105, 106, 107,
+                                       108, 109, 110, 111, 112, 113};
+    const std::string script = claudeSessionScript(timings);
+    for (int number = 101; number <= 113; ++number) {
+        const std::string text = std::to_string(number);
+        EXPECT_NE(script.find(text), std::string::npos) << text;
+    }
+    EXPECT_EQ(script.find('@'), std::string::npos);
 }
 
 } // namespace
