@@ -50,8 +50,7 @@ TEST(BoundedProcess, ReportsHowTheChildEnded) {
 TEST(BoundedProcess, ALaunchThatFailsThrowsAndLeavesNothing) {
     const TemporaryDirectory directory;
     const auto descriptors = openDescriptorCount();
-    const auto launchError = [](const std::filesystem::path& program,
-                                const std::filesystem::path& folder = {}) {
+    const auto launchError = [](const fs::path& program, const fs::path& folder = {}) {
         ChildConfiguration child;
         child.executable = program;
         child.workingDirectory = folder;
@@ -124,7 +123,7 @@ TEST(BoundedProcess, OwnStandardStreamsMayBeSwapped) {
     const TemporaryDirectory directory;
     const int keptOutput = ::dup(STDOUT_FILENO);
     const int keptError = ::dup(STDERR_FILENO);
-    const auto redirect = [](const std::filesystem::path& path, int stream) {
+    const auto redirect = [](const fs::path& path, int stream) {
         const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
         ::dup2(file, stream);
         ::close(file);
@@ -166,7 +165,7 @@ TEST(BoundedProcess, AChildThatOutgrowsItsRecordingIsStopped) {
     EXPECT_EQ(result.terminationStatus, SIGTERM);
     EXPECT_EQ(file->contents().size(), 1'000'000u);
     EXPECT_TRUE(file->contents().starts_with("begin\n"));
-    EXPECT_TRUE(std::filesystem::is_empty(directory.path())) << "a file that can be found";
+    EXPECT_TRUE(fs::is_empty(directory.path())) << "a file that can be found";
 
     child = shellChild("echo out; echo problem >&2");
     const auto none = PrivateTemporaryFile::create(directory.path());

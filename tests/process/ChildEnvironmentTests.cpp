@@ -1,14 +1,10 @@
 #include "process/ChildEnvironment.h"
-
-#include <gmock/gmock.h>
+#include "support/Matchers.h"
 
 namespace vellmark::tests {
 namespace {
 
-using ::testing::Contains;
 using ::testing::Key;
-using ::testing::Not;
-using ::testing::Pair;
 
 Machine machineWith(Environment environment) {
     Machine machine;

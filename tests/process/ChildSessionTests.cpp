@@ -2,8 +2,7 @@
 #include "process/ChildSession.h"
 #include "process/RunningChildren.h"
 #include "process/ShellChild.h"
-
-#include <gmock/gmock.h>
+#include "support/Matchers.h"
 
 #include <chrono>
 #include <signal.h>
@@ -15,8 +14,6 @@ namespace {
 
 using ErrorStream = ChildSession::ErrorStream;
 using ReadEvent = ChildSession::ReadEvent;
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 constexpr Seconds enough{20};
 

@@ -1,4 +1,3 @@
-#include "platform/ProcessTable.h"
 #include "process/BoundedProcess.h"
 #include "process/ChildWatcher.h"
 #include "process/LaunchedChild.h"
@@ -130,8 +129,8 @@ TEST(ChildWatcher, GoesWithTheProgram) {
 /// Whether a watcher remembers a process: beside its standard streams it holds that alone.
 bool holdsAChild(pid_t watcher) {
     std::error_code error;
-    const std::filesystem::path process = "/proc/" + std::to_string(watcher);
-    const std::filesystem::directory_iterator descriptors(process / "fd", error);
+    const fs::path process = "/proc/" + std::to_string(watcher);
+    const fs::directory_iterator descriptors(process / "fd", error);
     return !error && contentOf(process / "cmdline").find("vellmark-watcher") != std::string::npos &&
            std::distance(begin(descriptors), end(descriptors)) > 3;
 }
@@ -195,7 +194,7 @@ TEST(ChildWatcher, KnowsWhatHasOutlivedACollectedChild) {
 std::vector<pid_t> inhabitants(const TemporaryDirectory& directory) {
     std::vector<pid_t> found;
     std::error_code ignored;
-    for (const auto& process : std::filesystem::directory_iterator("/proc", ignored)) {
+    for (const auto& process : fs::directory_iterator("/proc", ignored)) {
         const std::string environment = contentOf(process.path() / "environ");
         if (environment.find("MARK=" + directory.path().string() + '\0') != std::string::npos) {
             found.push_back(std::stoi(process.path().filename().string()));

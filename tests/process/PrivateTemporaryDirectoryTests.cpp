@@ -10,24 +10,23 @@
 namespace vellmark::tests {
 namespace {
 
-void makeOld(const std::filesystem::path& path) {
-    std::filesystem::last_write_time(path, std::filesystem::file_time_type::clock::now() -
-                                               std::chrono::hours(1));
+void makeOld(const fs::path& path) {
+    fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::hours(1));
 }
 
 TEST(PrivateTemporaryDirectory, IsItsOwnersAloneAndGoesWithAllThatIsInIt) {
     const TemporaryDirectory parent;
-    std::filesystem::path path;
+    fs::path path;
     {
         auto directory = PrivateTemporaryDirectory::create(parent.path(), "vellmark-test-");
         ASSERT_TRUE(directory);
         const auto moved = std::move(*directory);
         path = moved.path();
-        EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms::owner_all);
+        EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_all);
         writeFile(path / "below" / "file", "text");
         ::mkfifo((path / "fifo").c_str(), 0600);
     }
-    EXPECT_FALSE(std::filesystem::exists(path));
+    EXPECT_FALSE(fs::exists(path));
     EXPECT_FALSE(PrivateTemporaryDirectory::create(parent / "missing", "vellmark-test-"));
 }
 
@@ -39,17 +38,17 @@ TEST(PrivateTemporaryDirectory, WhatAKilledProgramLeftGoesAndWhatIsInUseStays) {
     writeFile(parent / "vellmark-test-new/log", "being made");
     writeFile(parent / "vellmark-test-file", "not a directory");
     writeFile(parent / "other/file", "another program's");
-    std::filesystem::create_directory_symlink(parent / "other", parent / "vellmark-test-link");
+    fs::create_directory_symlink(parent / "other", parent / "vellmark-test-link");
     for (const char* name : {"vellmark-test-left", "vellmark-test-file", "other"}) {
         makeOld(parent / name);
     }
 
     const auto next = PrivateTemporaryDirectory::create(parent.path(), "vellmark-test-");
-    EXPECT_FALSE(std::filesystem::exists(parent / "vellmark-test-left"));
+    EXPECT_FALSE(fs::exists(parent / "vellmark-test-left"));
     for (const char* name : {"vellmark-test-new", "vellmark-test-file", "other/file"}) {
-        EXPECT_TRUE(std::filesystem::exists(parent / name)) << name;
+        EXPECT_TRUE(fs::exists(parent / name)) << name;
     }
-    EXPECT_TRUE(std::filesystem::exists(used->path()));
+    EXPECT_TRUE(fs::exists(used->path()));
 }
 
 } // namespace

@@ -3,8 +3,7 @@
 #include "process/BoundedProcess.h"
 #include "process/ChildSession.h"
 #include "process/ShellChild.h"
-
-#include <gmock/gmock.h>
+#include "support/Matchers.h"
 
 #include <atomic>
 #include <fcntl.h>
@@ -19,10 +18,6 @@
 
 namespace vellmark::tests {
 namespace {
-
-using ::testing::Contains;
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 /// A child that somebody else waits for: runs on a thread of its own until it ends.
 class RunInBackground {
@@ -174,7 +169,7 @@ TEST_F(Termination, AClosedRegistryLaunchesNothing) {
     } catch (const std::system_error& error) {
         EXPECT_EQ(error.code(), std::errc::operation_canceled);
     }
-    EXPECT_FALSE(std::filesystem::exists(touched));
+    EXPECT_FALSE(fs::exists(touched));
     EXPECT_FALSE(RunningChildren::insert(1));
 }
 

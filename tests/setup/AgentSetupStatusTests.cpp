@@ -1,7 +1,6 @@
 #include "probes/ProviderRegistry.h"
 #include "setup/AgentSetupStatus.h"
 #include "support/AgentSandbox.h"
-#include "support/ProcessCensus.h"
 
 #include <gtest/gtest.h>
 

@@ -1,27 +1,26 @@
 #include "platform/UserTerminal.h"
+#include "process/BoundedProcess.h"
 #include "setup/TerminalScript.h"
 #include "setup/TerminalWindow.h"
+#include "support/Matchers.h"
 #include "support/ProcessCensus.h"
 #include "support/TemporaryDirectory.h"
+#include "support/TestTerminal.h"
 
-#include <gmock/gmock.h>
-
-#include <sys/stat.h>
+#include <csignal>
 #include <utime.h>
 
 namespace vellmark::tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
 using Stage = SetupRun::Stage;
 using State = SetupRun::State;
 
 const SetupWindowTexts texts{.close = "l'end"};
 const Instant start{Seconds(1000)};
 
-/// "Terminals" are scripts: what a window would show goes where the test reads it.
-class TerminalWindowTest : public testing::Test {
+/// A machine of its own, where there is the shell that scripts are for.
+class ZshTest : public testing::Test {
 protected:
     void SetUp() override {
         if (!TerminalScript::shell()) {
@@ -29,6 +28,13 @@ protected:
         }
     }
 
+    TemporaryDirectory directory;
+    Machine machine = Machine::sandbox(directory / "machine");
+};
+
+/// "Terminals" are scripts: what a window would show goes where the test reads it.
+class TerminalWindowTest : public ZshTest {
+protected:
     UserTerminal terminal(const std::string& name, const std::string& script) {
         return {.program = directory.writeExecutable(name, "#!/bin/sh\n" + script),
                 .arguments = {"-e"}};
@@ -44,9 +50,7 @@ protected:
     static bool becomes(SetupRun& run, State state, Instant now = start) {
         return becomesTrue([&] { return run.look(now) == state; });
     }
-    std::filesystem::path scriptDirectory() const {
-        return *std::filesystem::directory_iterator(machine.temporary);
-    }
+    fs::path scriptDirectory() const { return *fs::directory_iterator(machine.temporary); }
 
     /// The process around the script, once it has said which it is.
     pid_t frame() const {
@@ -54,9 +58,6 @@ protected:
         EXPECT_TRUE(becomesTrue([&] { return contentOf(word).ends_with('\n'); }));
         return std::stoi(contentOf(word));
     }
-
-    TemporaryDirectory directory;
-    Machine machine = Machine::sandbox(directory / "machine");
 };
 
 TEST_F(TerminalWindowTest, TellsHowTheScriptEndedAndLeavesNoFile) {
@@ -74,7 +75,7 @@ TEST_F(TerminalWindowTest, TellsHowTheScriptEndedAndLeavesNoFile) {
     run = open("cat " + (directory / "gate").string() + " && exit 6", {working()});
     EXPECT_TRUE(becomes(*run, {Stage::ended, 6}));
     run.reset();
-    EXPECT_TRUE(std::filesystem::is_empty(machine.temporary));
+    EXPECT_TRUE(fs::is_empty(machine.temporary));
 }
 
 TEST_F(TerminalWindowTest, KeepsTheScriptFromEverybodyElse) {
@@ -95,7 +96,7 @@ TEST_F(TerminalWindowTest, KeepsTheScriptFromEverybodyElse) {
 TEST_F(TerminalWindowTest, TellsAnInterruptionFromAClosedWindow) {
     const auto run = open("touch " + (directory / "works").string() + "; sleep 60", {working()});
     ASSERT_TRUE(becomes(*run, {Stage::running, 0}));
-    ASSERT_TRUE(becomesTrue([&] { return std::filesystem::exists(directory / "works"); }));
+    ASSERT_TRUE(becomesTrue([&] { return fs::exists(directory / "works"); }));
     ::kill(-frame(), SIGINT);
     EXPECT_TRUE(becomes(*run, {Stage::ended, 130}));
 }
@@ -125,13 +126,65 @@ TEST_F(TerminalWindowTest, RunsTheScriptOnceHoweverManyWindowsCome) {
 
 TEST_F(TerminalWindowTest, RemovesWhatAKilledProgramLeft) {
     const auto left = machine.temporary / "vellmark-setup-abcdef";
-    std::filesystem::create_directory(left);
+    fs::create_directory(left);
     TerminalWindow::removeAbandoned(machine);
-    EXPECT_TRUE(std::filesystem::exists(left)) << "another program may be making it";
+    EXPECT_TRUE(fs::exists(left)) << "another program may be making it";
     const utimbuf longAgo{1, 1};
     ::utime(left.c_str(), &longAgo);
     TerminalWindow::removeAbandoned(machine);
-    EXPECT_FALSE(std::filesystem::exists(left));
+    EXPECT_FALSE(fs::exists(left));
+}
+
+class TerminalScriptRun : public ZshTest {
+protected:
+    /// A script with a member of its group that is deaf and not its child.
+    std::string scriptOverADeafOne(const std::string& end) const {
+        return "(sh -c 'trap \"\" TERM HUP INT; echo $$ > " + (directory / "deaf").string() +
+               "; while :; do sleep 0.05; done' &)\nwhile [ ! -s " + (directory / "deaf").string() +
+               " ]; do sleep 0.02; done\n" + end + "\n";
+    }
+    bool isDeafOneThere() const { return contentOf(directory / "deaf").ends_with('\n'); }
+    /// Once it is there.
+    pid_t deaf() const { return static_cast<pid_t>(std::stoi(contentOf(directory / "deaf"))); }
+};
+
+TEST_F(TerminalScriptRun, MayUseTheTerminalAndLeavesNoFile) {
+    EXPECT_EQ(statusOnTerminal([this](int terminal) {
+                  return TerminalScript(machine, terminal).run("stty -echo </dev/tty && exit 7");
+              }),
+              7);
+    EXPECT_TRUE(fs::is_empty(machine.temporary));
+}
+
+TEST_F(TerminalScriptRun, EndsWithItsWholeGroup) {
+    EXPECT_EQ(statusOnTerminal([this](int terminal) {
+                  std::thread ending([this] {
+                      // Ended before it is registered, the script would be no run at all.
+                      becomesTrue([this] {
+                          return isDeafOneThere() && !RunningChildren::snapshot().empty();
+                      });
+                      terminateAllChildren(Seconds(0.3));
+                  });
+                  TerminalScript(machine, terminal).run(scriptOverADeafOne("sleep 60"));
+                  ending.join();
+                  return 0;
+              }),
+              0);
+    EXPECT_TRUE(becomesTrue([this] { return !isProcessAlive(deaf()); }));
+}
+
+TEST_F(TerminalScriptRun, AnInterruptedOneTakesItsGroupWithItAndAnEndedOneDoesNot) {
+    const auto statusOf = [this](const std::string& end) {
+        fs::remove(directory / "deaf");
+        return statusOnTerminal([this, end](int terminal) {
+            return TerminalScript(machine, terminal).run(scriptOverADeafOne(end));
+        });
+    };
+    EXPECT_EQ(statusOf("kill -INT $$"), 128 + SIGINT);
+    EXPECT_TRUE(becomesTrue([this] { return !isProcessAlive(deaf()); }));
+    EXPECT_EQ(statusOf("exit 3"), 3);
+    EXPECT_TRUE(isProcessAlive(deaf()));
+    ::kill(deaf(), SIGKILL);
 }
 
 #ifndef __APPLE__
