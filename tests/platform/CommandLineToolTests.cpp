@@ -7,8 +7,6 @@
 
 namespace vellmark::tests {
 namespace {
-
-namespace fs = std::filesystem;
 using State = CommandLineTool::State;
 
 class CommandLineToolTest : public testing::Test {

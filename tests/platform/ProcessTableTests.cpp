@@ -1,8 +1,7 @@
 #include "platform/ProcessEnd.h"
 #include "platform/ProcessTable.h"
+#include "support/Matchers.h"
 #include "support/ProcessCensus.h"
-
-#include <gmock/gmock.h>
 
 #include <optional>
 #include <poll.h>
@@ -11,10 +10,6 @@
 
 namespace vellmark::tests {
 namespace {
-
-using ::testing::Contains;
-using ::testing::IsEmpty;
-using ::testing::Not;
 
 /// A child that sleeps until it is killed, and stays a zombie until it is collected.
 class SleepingChild {

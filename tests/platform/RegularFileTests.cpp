@@ -12,7 +12,7 @@ namespace {
 TEST(RegularFile, IsReadUpToTheLimitAlsoThroughALink) {
     const TemporaryDirectory directory;
     const auto file = directory.write("plain", "0123456789");
-    std::filesystem::create_symlink(file, directory / "link");
+    fs::create_symlink(file, directory / "link");
     std::error_code error;
     EXPECT_EQ(readRegularFile(file, error, 100), "0123456789");
     EXPECT_EQ(readRegularFile(directory / "link", error, 4), "0123");
@@ -22,10 +22,9 @@ TEST(RegularFile, IsReadUpToTheLimitAlsoThroughALink) {
 TEST(RegularFile, WhatIsNoFileHoldsNobodyUp) {
     const TemporaryDirectory directory;
     ASSERT_EQ(::mkfifo((directory / "fifo").c_str(), 0600), 0);
-    std::filesystem::create_symlink(directory / "fifo", directory / "link");
-    for (const std::filesystem::path& path :
-         {directory / "fifo", directory / "link", directory.path(),
-          std::filesystem::path("/dev/zero"), std::filesystem::path("/dev/tty")}) {
+    fs::create_symlink(directory / "fifo", directory / "link");
+    for (const fs::path& path : {directory / "fifo", directory / "link", directory.path(),
+                                 fs::path("/dev/zero"), fs::path("/dev/tty")}) {
         std::error_code error;
         EXPECT_EQ(readRegularFile(path, error, 100), std::nullopt) << path;
         EXPECT_EQ(error, notRegularFile()) << path;

@@ -1,14 +1,10 @@
 #include "platform/SignalChannel.h"
-
-#include <gmock/gmock.h>
+#include "support/Matchers.h"
 
 #include <csignal>
 
 namespace vellmark::tests {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 void (*handlerOf(int signal))(int) {
     struct sigaction action {};

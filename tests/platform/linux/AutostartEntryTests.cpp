@@ -8,8 +8,6 @@
 namespace vellmark::tests {
 namespace {
 
-namespace fs = std::filesystem;
-
 class AutostartEntryTest : public testing::Test {
 protected:
     std::unique_ptr<LoginItem> entry(const fs::path& program = "/opt/vellmark-desktop") {

@@ -1,9 +1,6 @@
 #include "platform/CredentialStore.h"
 #include "platform/linux/BusLibrary.h"
 #include "platform/linux/PrivateBus.h"
-#include "support/ProcessCensus.h"
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <chrono>

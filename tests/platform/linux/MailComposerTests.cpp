@@ -2,8 +2,6 @@
 #include "platform/linux/BusLibrary.h"
 #include "platform/linux/PrivateBus.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <chrono>
 #include <future>
@@ -11,8 +9,6 @@
 
 namespace vellmark::tests {
 namespace {
-
-namespace fs = std::filesystem;
 
 /// What the desktop's portal does with a draft: answers with a response, or refuses.
 class MailPortal {
@@ -101,20 +97,16 @@ protected:
     std::unique_ptr<MailComposer> composer_;
 };
 
-TEST_F(MailComposing, HandsTheDraftToThePortal) {
+TEST_F(MailComposing, HandsTheDraftToThePortalAndToNobodyElse) {
     installProgram("exit 0\n");
-    MailPortal portal(0);
-    EXPECT_EQ(compose(), MailOutcome::opened);
-    EXPECT_EQ(portal.received(),
-              "support@example.org|A subject|Look & see: 'this'|" + draft_.attachment.string());
-    EXPECT_FALSE(fs::exists(arguments())) << "one of them is enough";
-}
-
-TEST_F(MailComposing, UserWhoChoosesNoProgramIsNotAskedAgain) {
-    installProgram("exit 0\n");
-    const MailPortal portal(1);
-    EXPECT_EQ(compose(), MailOutcome::cancelled);
-    EXPECT_FALSE(fs::exists(arguments()));
+    for (const auto& [response, outcome] :
+         {std::pair(0U, MailOutcome::opened), std::pair(1U, MailOutcome::cancelled)}) {
+        const MailPortal portal(response);
+        EXPECT_EQ(compose(), outcome);
+        EXPECT_EQ(portal.received(),
+                  "support@example.org|A subject|Look & see: 'this'|" + draft_.attachment.string());
+        EXPECT_FALSE(fs::exists(arguments())) << response;
+    }
 }
 
 TEST_F(MailComposing, ProgramTakesOverWhereThePortalFailsOrIsNotThere) {

@@ -1,12 +1,10 @@
 #include "platform/NotificationCenter.h"
-#include "platform/linux/BusLibrary.h"
 #include "platform/linux/OpenBus.h"
 #include "platform/linux/PrivateBus.h"
 #include "platform/linux/ShownNotifications.h"
+#include "support/Matchers.h"
 #include "support/NotificationServer.h"
 #include "support/PollLoop.h"
-
-#include <gmock/gmock.h>
 
 #include <atomic>
 #include <map>
@@ -14,10 +12,6 @@
 namespace vellmark::tests {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Pair;
-using testing::UnorderedElementsAre;
 using Availability = NotificationCenter::Availability;
 
 class NotificationCenterTest : public BusTest {

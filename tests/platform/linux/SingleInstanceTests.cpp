@@ -1,9 +1,6 @@
 #include "platform/SingleInstance.h"
 #include "platform/linux/PrivateBus.h"
 #include "support/PollLoop.h"
-#include "support/TemporaryDirectory.h"
-
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <optional>

@@ -1,11 +1,9 @@
-#include "platform/linux/BusLibrary.h"
 #include "platform/linux/OpenBus.h"
 #include "platform/linux/PrivateBus.h"
 #include "platform/linux/StatusNotifierItem.h"
+#include "support/Matchers.h"
 #include "support/NotifierPanel.h"
 #include "support/PollLoop.h"
-
-#include <gmock/gmock.h>
 
 #include <atomic>
 #include <thread>
@@ -13,9 +11,6 @@
 
 namespace vellmark::tests {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr auto itemInterface = "org.kde.StatusNotifierItem";
 constexpr auto menuInterface = "com.canonical.dbusmenu";

@@ -6,9 +6,6 @@
 #include "platform/linux/PrivateBus.h"
 #include "platform/linux/StatusNotifierItem.h"
 #include "support/PollLoop.h"
-#include "support/TemporaryDirectory.h"
-
-#include <gtest/gtest.h>
 
 #include <chrono>
 

@@ -3,8 +3,6 @@
 #include "platform/linux/PrivateBus.h"
 #include "support/PollLoop.h"
 
-#include <gtest/gtest.h>
-
 #include <map>
 #include <mutex>
 
