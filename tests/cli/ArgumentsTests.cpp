@@ -3,9 +3,6 @@
 namespace vellmark::tests {
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
-
 TEST(Arguments, WrongOnesSayWhatAndWhereToReadMoreOnTheErrorStreamAlone) {
     const std::tuple<std::vector<std::string>, const char*, const char*> cases[] = {
         {{"usgae"}, "no command \"usgae\". Did you mean \"usage\"?", "vellmark --help"},

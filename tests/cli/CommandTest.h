@@ -2,8 +2,7 @@
 
 #include "cli/ProgramRun.h"
 #include "support/AgentSandbox.h"
-
-#include <gmock/gmock.h>
+#include "support/Matchers.h"
 
 #include <filesystem>
 #include <optional>

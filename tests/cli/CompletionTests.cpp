@@ -9,13 +9,6 @@
 namespace vellmark::tests {
 namespace {
 
-using testing::AllOf;
-using testing::Contains;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-using testing::StartsWith;
-
 /// A machine on which two agents were read.
 class Completion : public CommandTest {
 protected:
@@ -55,7 +48,7 @@ protected:
         const std::string machine = sandbox.machine().home.parent_path().string();
         writeFile(folder / "bin/vellmark", "#!/bin/sh\nexec '" + builtProgram("vellmark") +
                                                "' --sandbox '" + machine + "' \"$@\"\n");
-        std::filesystem::permissions(folder / "bin/vellmark", std::filesystem::perms(0700));
+        fs::permissions(folder / "bin/vellmark", fs::perms(0700));
         writeFile(folder / "completions", run({"completions", shell}).output);
         writeFile(folder / "commands", commands);
         const int status = std::system(
@@ -68,7 +61,7 @@ protected:
     }
 
     const TemporaryDirectory directory;
-    const std::filesystem::path folder = directory.path();
+    const fs::path folder = directory.path();
 };
 
 TEST_F(Completion, KnowsEveryPlaceOfTheCommandLine) {
@@ -83,7 +76,7 @@ TEST_F(Completion, KnowsEveryPlaceOfTheCommandLine) {
     EXPECT_THAT(words({"usage", "--agent", "codex", "--"}), Contains("--agent")) << "may repeat";
     EXPECT_THAT(words({"history", "--format=c"}), Contains("--format=csv"));
     EXPECT_THAT(lines({"--language", "de", "agents", "enable", "codex", ""}),
-                testing::ElementsAre("claude\tClaude Code", "antigravity\tAntigravity"));
+                ElementsAre("claude\tClaude Code", "antigravity\tAntigravity"));
     EXPECT_EQ(words({"settings", "first-figure", ""}), (std::vector<std::string>{"left", "used"}));
     EXPECT_EQ(lines({"settings", "claude-path", ""}),
               (std::vector<std::string>{"automatic\t", "\tfiles"}));
@@ -100,7 +93,7 @@ TEST_F(Completion, KnowsEveryPlaceOfTheCommandLine) {
                                 {"log", "--json=x"},
                                 {"nonsense", "--nonsense=", "--nonsense="},
                                 {"settings", "no", ""}}) {
-        EXPECT_THAT(lines(strange), testing::Each(Not(StartsWith("\t"))));
+        EXPECT_THAT(lines(strange), Each(Not(StartsWith("\t"))));
     }
 }
 
@@ -169,12 +162,12 @@ TEST_F(Completion, ManualPagesAreWithoutFaultInEveryLanguage) {
     for (const std::string_view code : Localization::languages()) {
         const std::string language(code);
         const auto pages = folder / language;
-        std::filesystem::create_directories(pages);
+        fs::create_directories(pages);
         EXPECT_EQ(run({"man", "--directory", pages.string(), "--language", language}).status, 0);
         for (const char* page : {"vellmark.1", "vellmark-setup-script.1", "vellmark-desktop.1"}) {
-            EXPECT_TRUE(std::filesystem::exists(pages / page)) << page;
+            EXPECT_TRUE(fs::exists(pages / page)) << page;
         }
-        EXPECT_FALSE(std::filesystem::exists(pages / "vellmark-complete.1"));
+        EXPECT_FALSE(fs::exists(pages / "vellmark-complete.1"));
         if (has("mandoc")) {
             const std::string report = (folder / "report").string();
             EXPECT_EQ(std::system(("mandoc -Tlint -Wwarning '" + pages.string() + "'/*.1 >'" +

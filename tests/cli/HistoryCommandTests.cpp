@@ -7,10 +7,6 @@
 namespace vellmark::tests {
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::Not;
-
 constexpr Seconds day{86'400};
 
 using StoredFilesCommands = CommandTest;
@@ -34,7 +30,7 @@ TEST_F(StoredFilesCommands, HistoryGivesTheSamplesOldestFirst) {
     EXPECT_EQ(samples({"--agent", "codex", "--days", "2"}), std::vector{third});
     EXPECT_EQ(samples({"--window", "no such"}).size(), 0u);
     const auto csv = run({"history", "--format", "csv"}).output;
-    EXPECT_THAT(csv, testing::StartsWith("capturedAt,provider,windowID,usedPercent,resetsAt\n"));
+    EXPECT_THAT(csv, StartsWith("capturedAt,provider,windowID,usedPercent,resetsAt\n"));
     EXPECT_THAT(csv, HasSubstr("Z,claude,\"weekly,\"\"odd\"\"\",33.25,\n"));
     const auto table = run({"history"}).output;
     EXPECT_THAT(table, HasSubstr("40% left"));
@@ -177,7 +173,7 @@ TEST_F(StoredFilesCommands, TheWayOutOfAForeignHistoryIsNamedAndWorks) {
     EXPECT_EQ(samplesOf(exported.output), (std::vector{first, second}));
     EXPECT_EQ(contentOf(support / "usage-history.json"), foreign) << "untouched";
 
-    std::filesystem::rename(support / "usage-history.json", support / "aside.json");
+    fs::rename(support / "usage-history.json", support / "aside.json");
     EXPECT_EQ(run({"usage", "--agent", "codex"}).errors, "");
     EXPECT_FALSE(samplesOf(run({"history", "export"}).output).empty());
 
@@ -210,7 +206,6 @@ TEST_F(StoredFilesCommands, FilesThatCannotBeWrittenAreToldOnceOnStandardError) 
 }
 
 TEST_F(StoredFilesCommands, NothingIsWaitedForWhateverStandsInAFilesPlace) {
-    namespace fs = std::filesystem;
     const fs::path settings = sandbox.machine().configuration / "Vellmark/preferences.json";
     for (const fs::path& file : {support / "last-snapshots.json", support / "usage-history.json",
                                  support / "activity.log", settings}) {

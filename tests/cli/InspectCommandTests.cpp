@@ -1,21 +1,12 @@
 #include "cli/ProgramRun.h"
 #include "model/UsageJSON.h"
+#include "support/Matchers.h"
 #include "support/ProjectDirectories.h"
 
-#include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
 namespace vellmark::tests {
 namespace {
-
-using testing::HasSubstr;
-
-constexpr const char* codexOutput =
-    "{\"id\":1,\"result\":{}}\n"
-    "{\"method\":\"account/updated\",\"params\":{}}\n"
-    "{\"id\":2,\"result\":{\"account\":{\"email\":\"a@example.org\"}}}\n"
-    "{\"id\":3,\"result\":{\"rateLimits\":{\"planType\":\"plus\","
-    "\"primary\":{\"usedPercent\":38,\"windowDurationMins\":300,\"resetsAt\":1764000000}}}}\n";
 
 constexpr const char* claudeCapture = "Current session\r\n\x1b[2K██ 41% used\r\n"
                                       "Current week (all models)\r\n12% used\r\n";
@@ -33,13 +24,14 @@ ProgramResult inspect(std::vector<std::string> arguments, const std::string& inp
 }
 
 TEST(Inspect, PrintsTheSnapshotOfASavedRun) {
-    const ProgramResult codex = inspect({"codex"}, codexOutput);
+    const ProgramResult codex =
+        inspect({"codex"}, contentOf(sourceFile("tests/probes/codex/data/plus.jsonl")));
     EXPECT_EQ(codex.status, 0) << codex.errors;
     const AgentUsageSnapshot snapshot = snapshotIn(codex);
-    EXPECT_EQ(snapshot.accountLabel, "a@example.org");
-    ASSERT_EQ(snapshot.windows.size(), 1u);
-    EXPECT_EQ(snapshot.windows.front().usedPercent, 38);
-    EXPECT_EQ(snapshot.windows.front().resetsAt, instantFromUnixSeconds(1764000000));
+    EXPECT_EQ(snapshot.accountLabel, "user@example.com");
+    ASSERT_EQ(snapshot.windows.size(), 2u);
+    EXPECT_EQ(snapshot.windows.front().usedPercent, 42);
+    EXPECT_EQ(snapshot.windows.front().resetsAt, instantFromUnixSeconds(1795324033));
     EXPECT_EQ(snapshot.updatedAt, instantFromUnixSeconds(1763000000.5));
 
     const AgentUsageSnapshot claude = snapshotIn(inspect({"claude", "-"}, claudeCapture));
@@ -77,6 +69,9 @@ TEST(Inspect, NamesTheInputThatCannotBeRead) {
         {{.arguments = {"inspect", "antigravity", "--log", missing}}, "missing"},
         {{.arguments = {"inspect", "codex", "/dev/zero"}}, "too large"},
         {{.arguments = {"inspect", "codex"}, .closed = {0}}, "standard input"},
+        // The system's reasons, in the user's language.
+        {{.arguments = {"--language=de", "inspect", "codex", "/nowhere"}}, "nicht vorhanden"},
+        {{.arguments = {"--language=de", "inspect", "codex", "/"}}, "Das ist ein Verzeichnis"},
     };
     for (const auto& [setting, name] : cases) {
         const ProgramResult result = ProgramRun::of(setting);
@@ -84,14 +79,6 @@ TEST(Inspect, NamesTheInputThatCannotBeRead) {
         EXPECT_EQ(result.output, "") << name;
         EXPECT_THAT(result.errors, HasSubstr(name));
     }
-}
-
-TEST(Inspect, GivesTheSystemsReasonsInTheUsersLanguage) {
-    const auto errors = [](const char* file) {
-        return ProgramRun::of({.arguments = {"--language=de", "inspect", "codex", file}}).errors;
-    };
-    EXPECT_THAT(errors("/nowhere"), HasSubstr("nicht vorhanden"));
-    EXPECT_THAT(errors("/"), HasSubstr("Das ist ein Verzeichnis"));
 }
 
 } // namespace

@@ -8,14 +8,11 @@
 namespace vellmark::tests {
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::Not;
 using Level = ActivityEntry::Level;
 
 class LogCommand : public CommandTest {
 protected:
-    void SetUp() override { std::filesystem::create_directories(support); }
+    void SetUp() override { fs::create_directories(support); }
 
     void add(Level level, std::optional<AgentProviderID> agent, const char* text) {
         ActivityLog log(support / "activity.log");
@@ -66,7 +63,7 @@ TEST_F(LogCommand, FollowsAlsoWhenOldEntriesAreDropped) {
     const auto file = support / "activity.log";
     const std::string lines = contentOf(file);
     writeFile(support / "trimmed", lines.substr(lines.find('\n') + 1));
-    std::filesystem::rename(support / "trimmed", file);
+    fs::rename(support / "trimmed", file);
     add(Level::notice, std::nullopt, "the third");
     ASSERT_TRUE(log.shows("the third"));
     kill(log.pid(), SIGINT);

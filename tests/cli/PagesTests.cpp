@@ -2,7 +2,6 @@
 #include "cli/DisplayWidth.h"
 #include "cli/UsageRefresh.h"
 #include "cli/UsageView.h"
-#include "model/UsageJSON.h"
 #include "presentation/UsageStateMaker.h"
 #include "store/ActivityLog.h"
 #include "support/HistoryDocument.h"
@@ -18,8 +17,6 @@
 
 namespace vellmark::tests {
 namespace {
-
-using testing::HasSubstr;
 
 constexpr int widths[] = {40, 60, 80, 120, 200};
 constexpr const char* now = "2025-11-20T13:48:00Z";
@@ -140,7 +137,7 @@ TEST_F(Pages, History) {
 }
 
 TEST_F(Pages, Log) {
-    std::filesystem::create_directories(support);
+    fs::create_directories(support);
     ActivityLog log(support / "activity.log");
     using Level = ActivityEntry::Level;
     const ActivityEntry entries[] = {
@@ -194,7 +191,7 @@ TEST_F(Pages, ALocaleWithoutUTF8GetsPlainShapesOfTheSameWidth) {
         for (const std::string_view line : nonEmptyLines(plain)) {
             EXPECT_LE(displayWidth(line), columns) << line;
         }
-        EXPECT_THAT(plain, testing::AllOf(HasSubstr("####"), HasSubstr("|"), HasSubstr("----")));
+        EXPECT_THAT(plain, AllOf(HasSubstr("####"), HasSubstr("|"), HasSubstr("----")));
         EXPECT_THAT(text("C.utf8"), HasSubstr("████"));
     }
 }

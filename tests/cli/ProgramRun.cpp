@@ -172,7 +172,7 @@ ProgramResult ProgramRun::wait(std::chrono::duration<double> limit) {
     }
     if (terminal_) {
         result.output = shown_;
-    } else if (std::filesystem::is_regular_file(outputPath_)) {
+    } else if (fs::is_regular_file(outputPath_)) {
         result.output = contentOf(outputPath_);
     }
     result.errors = contentOf(directory_ / "errors");

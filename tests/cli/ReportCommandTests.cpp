@@ -9,10 +9,6 @@
 namespace vellmark::tests {
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::Not;
-
 using ReportCommand = CommandTest;
 
 TEST_F(ReportCommand, RedactsStandardInputByteForByte) {
@@ -49,22 +45,20 @@ TEST_F(ReportCommand, SavesForTheUserAloneOrNotAtAll) {
     const auto file = target / "report.txt";
     EXPECT_EQ(run({"report", "--output", file.string()}).status, 0);
     EXPECT_THAT(contentOf(file), HasSubstr("Vellmark support report"));
-    EXPECT_EQ(std::filesystem::status(file).permissions(),
-              std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 
     const std::string mistyped = (target / "no/such/report.txt").string();
     const auto refused = run({"report", "--output", mistyped});
     EXPECT_EQ(refused.status, 1);
     EXPECT_EQ(refused.output, "");
     EXPECT_THAT(refused.errors, HasSubstr(mistyped));
-    EXPECT_FALSE(std::filesystem::exists(target / "no"));
+    EXPECT_FALSE(fs::exists(target / "no"));
 }
 
 TEST_F(ReportCommand, WritesToWhatItIsGivenAndReplacesNothingSpecial) {
-    namespace fs = std::filesystem;
     const TemporaryDirectory target;
     const auto toStandardOutput = run({"report", "--output", "-"});
-    EXPECT_THAT(toStandardOutput.output, testing::StartsWith("Vellmark support report"));
+    EXPECT_THAT(toStandardOutput.output, StartsWith("Vellmark support report"));
     EXPECT_FALSE(fs::exists("-"));
     for (const char* name : {"/dev/stdout", "/proc/self/fd/1"}) {
         EXPECT_EQ(run({"report", "--output", name}).output.substr(0, 23), "Vellmark support report")

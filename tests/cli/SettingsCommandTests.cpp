@@ -5,8 +5,6 @@
 namespace vellmark::tests {
 namespace {
 
-using testing::HasSubstr;
-
 using SettingsCommand = CommandTest;
 
 TEST_F(SettingsCommand, ListsTellsAndChanges) {
@@ -34,8 +32,8 @@ TEST_F(SettingsCommand, RefusalsNameWhatIsAllowed) {
     EXPECT_THAT(run({"settings", "xyzzy"}).errors, HasSubstr("agent-order"));
     EXPECT_EQ(run({"settings", "launch-at-login", "on"}).status, 2) << "no sandbox touches that";
     EXPECT_EQ(run({"settings", "interval", "5", "--reset"}).status, 2);
-    EXPECT_FALSE(std::filesystem::exists(sandbox.machine().configuration / "Vellmark"));
-    EXPECT_FALSE(std::filesystem::exists(sandbox.machine().configuration / "autostart"));
+    EXPECT_FALSE(fs::exists(sandbox.machine().configuration / "Vellmark"));
+    EXPECT_FALSE(fs::exists(sandbox.machine().configuration / "autostart"));
 }
 
 TEST_F(SettingsCommand, AgentsAreSwitchedAndPutInOrder) {
@@ -58,6 +56,28 @@ TEST_F(SettingsCommand, HoldForTheOtherCommands) {
     EXPECT_THAT(run({"status", "--cached"}).output, HasSubstr("% used"));
     setPreferences(R"({"ClaudePath":"/nowhere/claude"})");
     EXPECT_EQ(run({"usage", "--agent", "claude"}).status, 1);
+}
+
+using AgentsCommand = CommandTest;
+
+TEST_F(AgentsCommand, TellsWhatIsKnownAndLeavesOutWhatIsNot) {
+    sandbox.uninstall("agy");
+    sandbox.play("claude", "logged-out");
+    sandbox.play("codex", "exits");
+    setPreferences(R"({"DisabledProviders":["claude"]})");
+    const ProgramResult result = run({"agents", "--json"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    const auto list = nlohmann::json::parse(result.output);
+    ASSERT_EQ(list.size(), 3u);
+    EXPECT_EQ(list[0].at("id"), "codex");
+    EXPECT_EQ(list[0].at("enabled"), true);
+    EXPECT_EQ(list[0].at("toolPath"), (sandbox.machine().home / ".local/bin/codex").string());
+    EXPECT_THAT(list[0].at("toolVersion").get<std::string>(), HasSubstr("codex-cli"));
+    EXPECT_FALSE(list[0].contains("loggedIn"));
+    EXPECT_EQ(list[1].at("name"), "Claude Code");
+    EXPECT_EQ(list[1].at("enabled"), false);
+    EXPECT_EQ(list[1].at("loggedIn"), false);
+    EXPECT_EQ(list[2].size(), 3u) << list[2];
 }
 
 } // namespace

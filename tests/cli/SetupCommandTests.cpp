@@ -5,11 +5,6 @@
 namespace vellmark::tests {
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::Not;
-using testing::StartsWith;
-
 using SetupCommand = CommandTest;
 
 TEST_F(SetupCommand, WithoutATerminalIsATableAndItsStatus) {
@@ -34,7 +29,7 @@ TEST_F(SetupCommand, WithoutATerminalIsATableAndItsStatus) {
 }
 
 TEST_F(SetupCommand, LogsInAndReadsTheAgentAfterwards) {
-    if (!std::filesystem::exists("/bin/zsh")) {
+    if (!fs::exists("/bin/zsh")) {
         GTEST_SKIP() << "/bin/zsh is not installed";
     }
     sandbox.play("codex", "logged-out");
@@ -54,7 +49,7 @@ TEST_F(SetupCommand, LogsInAndReadsTheAgentAfterwards) {
 
 // Ctrl-C belongs to the script while it runs: the program goes on and asks again.
 TEST_F(SetupCommand, CtrlCEndsTheScriptAndNotTheProgram) {
-    if (!std::filesystem::exists("/bin/zsh")) {
+    if (!fs::exists("/bin/zsh")) {
         GTEST_SKIP() << "/bin/zsh is not installed";
     }
     sandbox.installScript("codex", R"(case "$*" in

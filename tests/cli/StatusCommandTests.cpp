@@ -1,6 +1,6 @@
 #include "cli/CommandTest.h"
 #include "model/UsageJSON.h"
-#include "presentation/UsageStateMaker.h"
+#include "presentation/AgentNames.h"
 #include "support/ProjectDirectories.h"
 
 #include <nlohmann/json.hpp>
@@ -16,11 +16,6 @@ namespace vellmark::tests {
 namespace {
 
 using nlohmann::json;
-using testing::HasSubstr;
-
-const auto codex = AgentProviderID::codex();
-const auto claude = AgentProviderID::claude();
-const auto antigravity = AgentProviderID::antigravity();
 
 class StatusCommand : public CommandTest {
 protected:
@@ -29,28 +24,7 @@ protected:
         arguments.insert(arguments.begin(), "status");
         return run(std::move(arguments), std::move(input));
     }
-    json document(const std::vector<AgentUsageSnapshot>& snapshots) {
-        const auto result = status({"--json", "--snapshots", "-", "--now", "2025-11-20T13:48:00Z"},
-                                   snapshotsDocument(snapshots));
-        EXPECT_EQ(result.status, 0) << result.errors;
-        return json::parse(result.output);
-    }
 };
-
-TEST_F(StatusCommand, GradesSnapshotsFromAFile) {
-    const json told = document(
-        {live(codex, {window("session", 10, 300, 150)}),
-         live(claude, {window("session", 60, 300, 150), window("weekly", 30, 10'080, 1'700)}),
-         live(antigravity, {})});
-    EXPECT_EQ(told["health"], "attention");
-    EXPECT_EQ(told["glyph"], json({{"usedPercent", 60.0},
-                                   {"elapsedPercent", 50.0},
-                                   {"providerID", "claude"},
-                                   {"windowID", "session"}}));
-    EXPECT_EQ(told["agents"].size(), 3u);
-    EXPECT_EQ(told["window"]["id"], "session");
-    EXPECT_EQ(document({})["glyph"], json::object());
-}
 
 TEST_F(StatusCommand, RefusesWhatIsNoListOfSnapshots) {
     const std::string twice = snapshotsDocument({live(codex, {}), live(codex, {})});
@@ -113,7 +87,7 @@ protected:
                             .resetsAt = reading.updatedAt + Seconds(2.5 * 3600 + 30)}};
         // As the store does it: the file is replaced.
         writeFile(support / "new", snapshotsDocument({reading}));
-        std::filesystem::rename(support / "new", support / "last-snapshots.json");
+        fs::rename(support / "new", support / "last-snapshots.json");
         writeFile(support / "activity.log", "somebody has just read\n");
     }
     ProgramRun::Setting watching(std::vector<std::string> arguments) {
@@ -148,7 +122,7 @@ TEST_F(StatusWatch, FollowsTheReadingsOfOthers) {
 /// A bar that has gone leaves nobody behind, and where nobody reads the agents, this does.
 TEST_F(StatusWatch, ReadsByItselfAndEndsWithItsReader) {
     read(60, 30);
-    std::filesystem::remove(support / "activity.log");
+    fs::remove(support / "activity.log");
     const std::string program = builtProgram("vellmark");
     const std::string directory = sandbox.machine().home.parent_path().string();
     const std::string command = "'" + program + "' --sandbox '" + directory +
@@ -161,7 +135,7 @@ TEST_F(StatusWatch, ReadsByItselfAndEndsWithItsReader) {
     }
     // The shell waits for both, so it has ended.
     EXPECT_EQ(::pclose(pipe), 0);
-    EXPECT_THAT(told, testing::StartsWith("Claude Code 30 min old\n"));
+    EXPECT_THAT(told, StartsWith("Claude Code 30 min old\n"));
     EXPECT_EQ(std::ranges::count(told, '\n'), 2) << told;
     expectNothingLeft();
 }

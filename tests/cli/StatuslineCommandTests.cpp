@@ -1,7 +1,7 @@
 #include "cli/CommandTest.h"
 #include "model/UsageJSON.h"
 #include "platform/FileLock.h"
-#include "presentation/UsageStateMaker.h"
+#include "presentation/AgentNames.h"
 #include "support/ProjectDirectories.h"
 
 #include <nlohmann/json.hpp>
@@ -14,9 +14,7 @@ namespace vellmark::tests {
 namespace {
 
 using nlohmann::json;
-using testing::HasSubstr;
 
-const auto claude = AgentProviderID::claude();
 constexpr double hour = 3600;
 
 /// Minutes after noon, as the program takes it.
@@ -164,7 +162,7 @@ TEST_F(Statusline, WaitsForNobody) {
 TEST_F(Statusline, SaysNothingInTheSessionsOfItsOwnReadings) {
     input["cwd"] = (support / "ClaudeWorkspace").string();
     EXPECT_EQ(line(), "");
-    EXPECT_FALSE(std::filesystem::exists(support / "status-line.json"));
+    EXPECT_FALSE(fs::exists(support / "status-line.json"));
 }
 
 TEST_F(Statusline, GoesIntoClaudesSettingsAndOutAgain) {
@@ -189,10 +187,9 @@ TEST_F(Statusline, GoesIntoClaudesSettingsAndOutAgain) {
     const std::string command = settings["statusLine"]["command"];
     EXPECT_THAT(command, HasSubstr(builtProgram("vellmark")));
     // As the shell would have it.
-    EXPECT_THAT(command, testing::EndsWith("--then 'wc -c; echo '\\''it'\\'''\\''s mine'\\'''"));
+    EXPECT_THAT(command, EndsWith("--then 'wc -c; echo '\\''it'\\'''\\''s mine'\\'''"));
     const auto chained = run({"statusline", "--then", "wc -c; echo mine"}, input.dump());
-    EXPECT_THAT(chained.output,
-                testing::EndsWith(std::to_string(input.dump().size()) + "\nmine\n"));
+    EXPECT_THAT(chained.output, EndsWith(std::to_string(input.dump().size()) + "\nmine\n"));
 
     EXPECT_EQ(run({"statusline", "--remove", "--yes"}).status, 0);
     EXPECT_EQ(json::parse(contentOf(file)), json::parse(original));

@@ -11,10 +11,6 @@
 namespace vellmark::tests {
 namespace {
 
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::Not;
-
 constexpr const char* leftPage = "\033[?25h\033[?1049l";
 
 /// Everything that a terminal's settings consist of.

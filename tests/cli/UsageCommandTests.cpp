@@ -9,9 +9,6 @@
 namespace vellmark::tests {
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::Not;
 using Kind = UsageProviderError::Kind;
 
 /// True once the scripted session of `program` has started the agent itself.
@@ -117,12 +114,12 @@ TEST_F(UsageCommand, ColoursAndProgressAreForTerminalsAlone) {
 
     auto noColor = setting(agents, 80);
     noColor.environment["NO_COLOR"] = "1";
-    EXPECT_THAT(ProgramRun::of(noColor).output, Not(testing::ContainsRegex("\x1b\\[[0-9;]*m")));
+    EXPECT_THAT(ProgramRun::of(noColor).output, Not(ContainsRegex("\x1b\\[[0-9;]*m")));
     noColor.arguments.push_back("--color=always");
     EXPECT_THAT(ProgramRun::of(noColor).output, HasSubstr("\x1b[32m"));
     auto never = setting(agents, 80);
     never.arguments.push_back("--color=never");
-    EXPECT_THAT(ProgramRun::of(never).output, Not(testing::ContainsRegex("\x1b\\[[0-9;]*m")));
+    EXPECT_THAT(ProgramRun::of(never).output, Not(ContainsRegex("\x1b\\[[0-9;]*m")));
 }
 
 TEST_F(UsageCommand, TextOfAnAgentCannotSteerTheTerminal) {
@@ -181,7 +178,7 @@ TEST(Demo, LeavesNothingBehindAlsoWhenItIsInterrupted) {
         ASSERT_TRUE(run.shows("Reading"));
         run.type("\x03");
         EXPECT_EQ(run.wait().status, 128 + SIGINT);
-        EXPECT_TRUE(std::filesystem::is_empty(temporary.path()));
+        EXPECT_TRUE(fs::is_empty(temporary.path()));
     }
     {
         // Killed without a chance: the next demo removes what is left.
@@ -189,19 +186,19 @@ TEST(Demo, LeavesNothingBehindAlsoWhenItIsInterrupted) {
         ASSERT_TRUE(run.shows("Reading"));
         kill(run.pid(), SIGKILL);
         run.wait();
-        EXPECT_FALSE(std::filesystem::is_empty(temporary.path()));
+        EXPECT_FALSE(fs::is_empty(temporary.path()));
     }
     // What only looks like a demo's directory is somewhere else.
     const TemporaryDirectory elsewhere;
     elsewhere.write("lock", "");
     elsewhere.write("treasure", "");
-    std::filesystem::create_directory_symlink(elsewhere.path(), temporary / "vellmark-demo-link");
+    fs::create_directory_symlink(elsewhere.path(), temporary / "vellmark-demo-link");
     const ProgramResult result = ProgramRun::of(demo);
     EXPECT_EQ(result.status, 0) << result.output;
     EXPECT_THAT(result.output, AllOf(HasSubstr("Codex"), HasSubstr("Claude")));
-    EXPECT_TRUE(std::filesystem::exists(elsewhere / "treasure"));
-    std::filesystem::remove(temporary / "vellmark-demo-link");
-    EXPECT_TRUE(std::filesystem::is_empty(temporary.path()));
+    EXPECT_TRUE(fs::exists(elsewhere / "treasure"));
+    fs::remove(temporary / "vellmark-demo-link");
+    EXPECT_TRUE(fs::is_empty(temporary.path()));
 }
 
 } // namespace

@@ -3,17 +3,14 @@
 #include "cli/UsageView.h"
 #include "presentation/PopoverContent.h"
 #include "presentation/UsageStateMaker.h"
+#include "support/Matchers.h"
 #include "support/TestTerminal.h"
 #include "text/TerminalText.h"
-
-#include <gmock/gmock.h>
 
 #include <string>
 
 namespace vellmark::tests {
 namespace {
-
-using testing::HasSubstr;
 
 const Localization words("en", "en_US", "UTC");
 
@@ -74,7 +71,7 @@ TEST(UsageView, ColoursMarksAndNoSentence) {
     const std::string text = UsageView(output, words).text(agents());
     EXPECT_THAT(text, HasSubstr("\033[31m!\033[0m Runs out in"));
     EXPECT_THAT(text, HasSubstr("\033[31m●\033[0m "));
-    EXPECT_THAT(text, testing::Not(testing::ContainsRegex("\033\\[3[0-9]m[^\033]*[a-z]")));
+    EXPECT_THAT(text, Not(ContainsRegex("\033\\[3[0-9]m[^\033]*[a-z]")));
 }
 
 TEST(CompactView, HasTwoRowsAtMostWhateverTheWidth) {
