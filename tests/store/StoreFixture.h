@@ -65,10 +65,11 @@ protected:
         store->refresh(trigger, agents);
         ASSERT_TRUE(finishRefresh());
     }
-    /// What was read is in the files and in the state.
+    /// What was read is in the files and in the state, and what is told of that in the log.
     void settle() {
         store->flush();
         executor.turn();
+        store->flush();
     }
     /// A reading of Codex alone, and five minutes.
     void readCodex(double used) {
