@@ -50,7 +50,8 @@ Popover::Popover(AgentUIActions actions, QWidget* parent)
     : QWidget(parent, popoverWindowFlags()),
       view_(new AgentUsagePopoverView(std::move(actions), this)), surface_(kit::windowSurface()) {
     tellOfPopovers();
-    setAttribute(Qt::WA_TranslucentBackground, surface_.isPlaceable);
+    takeSurface();
+    setAttribute(Qt::WA_NoSystemBackground);
     setAttribute(Qt::WA_QuitOnClose, false);
     view_->onHeightChange = [this] {
         if (isVisible()) {
@@ -79,15 +80,25 @@ QRect Popover::body() const {
     return rect().marginsRemoved(margins());
 }
 
+void Popover::takeSurface() {
+    const kit::WindowSurface surface = kit::windowSurface();
+    if (surface.isComposited != surface_.isComposited) {
+        destroy(); // whether it shows through is settled when the window system makes it
+    }
+    surface_ = surface;
+    // Without a compositor the display would keep a copy of all that might show through.
+    setAttribute(Qt::WA_TranslucentBackground, surface_.isPlaceable && surface_.isComposited);
+}
+
 void Popover::rehearse() {
-    surface_ = kit::windowSurface();
+    takeSurface();
     place();
     grab();
 }
 
 void Popover::open(const QRect& anchor) {
     anchor_ = anchor;
-    surface_ = kit::windowSurface();
+    takeSurface();
     view_->scrollToTop();
     hasBeenEntered_ = false;
     sinceOpened_.start();

@@ -53,6 +53,8 @@ private:
     /// The popover itself, without the shadow around it.
     QRect body() const;
     QMargins margins() const;
+    /// What the desktop does for it now: a compositor may have come or gone.
+    void takeSurface();
     void place();
     void placeAtAnchor();
     void cutCorners();
