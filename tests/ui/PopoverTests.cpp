@@ -7,6 +7,7 @@
 #include <QAccessible>
 #include <QGuiApplication>
 #include <QScreen>
+#include <QWindow>
 #include <gtest/gtest.h>
 
 namespace vellmark::tests {
@@ -92,6 +93,7 @@ TEST_F(PopoverWindow, ClosesByEscapeAndByAPressOnItsShadowAndTellsSo) {
     std::vector<bool> told;
     popover.onOpenChange = [&](bool isOpen) { told.push_back(isOpen); };
     click();
+    EXPECT_TRUE(popover.windowHandle()->requestedFormat().hasAlpha()) << "for its shadow";
     pressKey(popover, Qt::Key_Escape);
     EXPECT_FALSE(popover.isVisible());
     popover.open(anchor);
