@@ -93,6 +93,7 @@ void Popover::takeSurface() {
 void Popover::rehearse() {
     takeSurface();
     place();
+    winId();
     grab();
 }
 

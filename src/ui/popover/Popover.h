@@ -28,9 +28,9 @@ public:
     /// Called when it has opened (true) and when it has closed, in whatever way.
     std::function<void(bool isOpen)> onOpenChange;
 
-    /// Draws its content once, unseen: what the first drawing loads (fonts, shapes of letters,
-    /// code) takes several times as long as the drawing, and the first opening shall not wait for
-    /// it.
+    /// Has its window made and draws its content once, unseen: what that loads (fonts, the shapes
+    /// of letters and of the pointer, code) takes several times as long as the drawing, and the
+    /// first opening shall not wait for it.
     void rehearse();
     /// Opens under `anchor`, the status item in screen coordinates (or a point of no size). Whoever
     /// opens it brings it to the front.
