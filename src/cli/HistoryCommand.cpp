@@ -10,14 +10,13 @@
 #include "platform/SystemError.h"
 #include "platform/UnnamedFile.h"
 #include "presentation/AgentBlockContent.h"
+#include "presentation/HistoryExport.h"
 #include "presentation/UsageMetrics.h"
 #include "probes/ProviderRegistry.h"
 #include "store/HistoryImport.h"
 #include "store/LastSnapshots.h"
 #include "store/OrderedHistory.h"
 #include "store/UsageHistory.h"
-#include "text/Dates.h"
-#include "text/DecimalNumber.h"
 #include "text/Formatting.h"
 #include "text/TerminalText.h"
 
@@ -43,21 +42,6 @@ namespace {
 constexpr std::size_t leastCourse = 10;
 /// Of what comes by a pipe; years of history.
 constexpr std::size_t largestImport = std::size_t{256} << 20;
-
-std::string csvField(const std::string& text) {
-    if (text.find_first_of(",\"\r\n") == std::string::npos) {
-        return text;
-    }
-    std::string quoted = "\"";
-    for (const char character : text) {
-        quoted += character == '"' ? "\"\"" : std::string(1, character);
-    }
-    return quoted + "\"";
-}
-
-std::string isoText(double seconds) {
-    return formatDate(Instant(Seconds(seconds)), "yyyy-MM-dd'T'HH:mm:ss'Z'", TimeZone::utc());
-}
 
 /// What is to be told of the history.
 struct Selection {
@@ -108,13 +92,12 @@ void writeJSON(const HistorySource& source, TerminalOutput& output) {
 
 void writeCSV(const HistorySource& source, TerminalOutput& output) {
     Stream stream(output);
-    stream << "capturedAt,provider,windowID,usedPercent,resetsAt\n";
+    stream << historyCSVHead;
     visitInOrder(source, HistoryOrder::time, [&](const StoredHistorySample& sample) {
-        stream << isoText(sample.capturedAt) << ","
-               << csvField(singleLine(std::string(sample.provider))) << ","
-               << csvField(singleLine(std::string(sample.windowID))) << ","
-               << decimalText(sample.usedPercent) << ","
-               << (sample.resetsAt ? isoText(*sample.resetsAt) : std::string()) << "\n";
+        stream << historyCSVLine(Instant(Seconds(sample.capturedAt)), sample.provider,
+                                 sample.windowID, sample.usedPercent,
+                                 sample.resetsAt ? std::optional(Instant(Seconds(*sample.resetsAt)))
+                                                 : std::nullopt);
     });
 }
 

@@ -23,24 +23,23 @@ std::string isoText(Instant instant) {
     return formatDate(instant, "yyyy-MM-dd'T'HH:mm:ss'Z'", TimeZone::utc());
 }
 
-std::string csvField(const std::string& text) {
+std::string csvField(std::string_view id) {
+    const std::string text = singleLine(id);
     if (text.find_first_of(",\"\r\n") == std::string::npos) {
         return text;
     }
     std::string quoted = "\"";
     for (const char character : text) {
-        quoted += character == '"' ? "\"\"" : std::string(1, character);
+        quoted.append(character == '"' ? 2 : 1, character);
     }
     return quoted + "\"";
 }
 
 std::string csvText(const std::vector<Row>& rows, const AgentProviderID& agent) {
-    std::string text = "capturedAt,provider,windowID,usedPercent,resetsAt\n";
-    for (const Row& row : rows) {
-        const auto resetsAt = row.point.resetsAt();
-        text += isoText(row.point.capturedAt) + "," + csvField(singleLine(agent.rawValue)) + "," +
-                csvField(singleLine(row.windowID)) + "," + decimalText(row.point.usedPercent) +
-                "," + (resetsAt ? isoText(*resetsAt) : std::string()) + "\n";
+    std::string text(historyCSVHead);
+    for (const auto& [windowID, point] : rows) {
+        text += historyCSVLine(point.capturedAt, agent.rawValue, windowID, point.usedPercent,
+                               point.resetsAt());
     }
     return text;
 }
@@ -85,6 +84,12 @@ std::string historyExportText(const UsageHistory& history, const AgentProviderID
         break;
     }
     return {};
+}
+
+std::string historyCSVLine(Instant capturedAt, std::string_view provider, std::string_view windowID,
+                           double usedPercent, std::optional<Instant> resetsAt) {
+    return isoText(capturedAt) + "," + csvField(provider) + "," + csvField(windowID) + "," +
+           decimalText(usedPercent) + "," + (resetsAt ? isoText(*resetsAt) : std::string()) + "\n";
 }
 
 std::string historyExportName(const AgentProviderID& agent, Instant now, const TimeZone& zone) {
